@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Builds everything and runs all tests. An argument names another preset than
+# "debug", for example "sanitize".
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+preset=${1:-debug}
+scripts/setup.sh
+cmake --preset "$preset" >/dev/null
+cmake --build --preset "$preset"
+
+expected=$(find tests -name 'tst_*.cpp' | wc -l)
+registered=$(ctest --preset "$preset" --show-only | grep -c ': tst_')
+if [ "$registered" -ne "$expected" ]; then
+    echo "test.sh: $expected test programs exist, but $registered are registered" >&2
+    exit 1
+fi
+ctest --preset "$preset"
