@@ -17,8 +17,8 @@ void _Q_Trace(const QString& a_sMessage, const char* a_szSource, int a_iLine)
         return;
     }
     QMessageLogger(a_szSource, a_iLine, nullptr, lcSimulationTrace().categoryName())
-        .warning()
-        .noquote()
-        .nospace()
+            .warning()
+            .noquote()
+            .nospace()
         << a_sMessage << " (" << a_szSource << ':' << a_iLine << ')';
 }

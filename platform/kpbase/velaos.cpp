@@ -38,7 +38,8 @@ std::uint64_t VelaOS::timestamp() const
         return clock();
     }
     const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
-    return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::microseconds>(sinceEpoch).count());
+    return static_cast<std::uint64_t>(
+        std::chrono::duration_cast<std::chrono::microseconds>(sinceEpoch).count());
 }
 
 void VelaOS::setClock(Clock a_clock)
