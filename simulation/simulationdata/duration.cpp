@@ -1,0 +1,15 @@
+#include "duration.h"
+
+#include <QTime>
+
+namespace Units {
+
+QString Duration::toString(unsigned int a_uiMilliseconds)
+{
+    // Midnight, because a null time stays invalid whatever is added. The count
+    // is signed on purpose, see the class.
+    const QTime time = QTime(0, 0).addMSecs(static_cast<int>(a_uiMilliseconds));
+    return time.toString(u"hh:mm:ss's'");
+}
+
+} // namespace Units

@@ -1,0 +1,80 @@
+#include "limits.h"
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+
+namespace Simulation {
+
+namespace {
+
+struct LimitEntry
+{
+    const char* name;
+    std::uint64_t defaultValue;
+    const char* reason;
+};
+
+constexpr std::uint64_t s_uiKibi = 1024;
+constexpr std::uint64_t s_uiMebi = 1024 * s_uiKibi;
+
+constexpr std::array<LimitEntry, Limits::LimitCount> s_limits{{
+    {"document bytes", 256 * s_uiMebi, "A document is held in memory while it is read."},
+    {"nesting depth", 256, "Our documents nest eight deep; deeper ones only cost memory."},
+    {"attributes of one element", 4096, "The stream reader's time is quadratic in them: 100,000 take 17 s."},
+    {"bytes of a document type", 4 * s_uiKibi,
+     "Our documents have none; its rules are applied to every element."},
+    {"elements of a record", 256 * s_uiKibi, "A tree of the shortest elements takes 16 times its text."},
+    {"activities in one answer", 16 * s_uiMebi,
+     "A list of them takes 24 bytes each: 384 MiB at the default."},
+    {"hop channels", 4 * s_uiMebi, "The channel list takes 8 bytes each and 8 shuffle rounds to build."},
+}};
+
+/// 0 stands for the default, so that the table needs no start-up code.
+std::array<std::atomic<std::uint64_t>, Limits::LimitCount> s_values{};
+
+bool isLimit(Limits::Limit a_eLimit)
+{
+    return a_eLimit >= 0 && a_eLimit < Limits::LimitCount;
+}
+
+const LimitEntry& entry(Limits::Limit a_eLimit)
+{
+    static constexpr LimitEntry s_unknown{"unknown limit", 0, ""};
+    return isLimit(a_eLimit) ? s_limits[static_cast<std::size_t>(a_eLimit)] : s_unknown;
+}
+
+} // namespace
+
+std::uint64_t Limits::value(Limit a_eLimit)
+{
+    if (!isLimit(a_eLimit)) {
+        return 0;
+    }
+    const std::uint64_t uiSet = s_values[static_cast<std::size_t>(a_eLimit)].load(std::memory_order_relaxed);
+    return uiSet != 0 ? uiSet : entry(a_eLimit).defaultValue;
+}
+
+void Limits::setValue(Limit a_eLimit, std::uint64_t a_uiValue)
+{
+    if (isLimit(a_eLimit)) {
+        s_values[static_cast<std::size_t>(a_eLimit)].store(a_uiValue, std::memory_order_relaxed);
+    }
+}
+
+std::uint64_t Limits::defaultValue(Limit a_eLimit)
+{
+    return entry(a_eLimit).defaultValue;
+}
+
+const char* Limits::name(Limit a_eLimit)
+{
+    return entry(a_eLimit).name;
+}
+
+const char* Limits::reason(Limit a_eLimit)
+{
+    return entry(a_eLimit).reason;
+}
+
+} // namespace Simulation

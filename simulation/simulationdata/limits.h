@@ -1,0 +1,50 @@
+#ifndef SIMULATIONDATA_LIMITS_H
+#define SIMULATIONDATA_LIMITS_H
+
+#include "simulationdata/simulationdata_export.h"
+
+#include <cstdint>
+
+namespace Simulation {
+
+/// The bounds on what one input may cost. Every reader and every query whose
+/// cost a file or a peer could drive asks here; beyond a bound it gives its
+/// ordinary failure and traces one line that names the limit.
+///
+/// The values hold for the whole process and may be read and set from any
+/// thread; set them before the first document is read.
+class SIMULATIONDATA_EXPORT Limits
+{
+public:
+    enum Limit : int {
+        DocumentBytes,     ///< bytes of one document
+        NestingDepth,      ///< elements inside each other
+        ElementAttributes, ///< attributes of one element
+        DoctypeBytes,      ///< bytes of a document type declaration
+        RecordElements,    ///< elements of a record that is held as a tree (XmlElement)
+        AnswerActivities,  ///< activities in one answer
+        HopChannels,       ///< channels of a fast hopper
+        LimitCount         ///< number of limits, not a limit
+    };
+
+    Limits() = delete;
+
+    /// The bound in force.
+    [[nodiscard]] static std::uint64_t value(Limit a_eLimit);
+
+    /// Replaces a bound. 0 brings the default back.
+    static void setValue(Limit a_eLimit, std::uint64_t a_uiValue);
+
+    [[nodiscard]] static std::uint64_t defaultValue(Limit a_eLimit);
+
+    /// The name by which traces and error texts call the limit, for example
+    /// "nesting depth".
+    [[nodiscard]] static const char* name(Limit a_eLimit);
+
+    /// Why the bound stands where it stands: one sentence in English.
+    [[nodiscard]] static const char* reason(Limit a_eLimit);
+};
+
+} // namespace Simulation
+
+#endif

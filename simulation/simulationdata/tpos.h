@@ -1,0 +1,30 @@
+#ifndef SIMULATIONDATA_TPOS_H
+#define SIMULATIONDATA_TPOS_H
+
+#include "simulationdata/simulationdata_export.h"
+
+namespace Simulation {
+
+/// A geographic position on WGS 84, longitude first. Copied by value; the
+/// layout equals that of Units::Position_t.
+struct TPos
+{
+    double longitude = 0.0; ///< degrees, east positive
+    double latitude = 0.0;  ///< degrees, north positive
+};
+
+/// The initial azimuth of the geodesic from one position to another, degrees
+/// clockwise from north, [0, 360); 0 for coincident positions.
+[[nodiscard]] SIMULATIONDATA_EXPORT double azimuth(const TPos& a_from, const TPos& a_to);
+
+/// The length of the geodesic between two positions, kilometres. Not a number
+/// when a latitude lies outside [-90, 90].
+[[nodiscard]] SIMULATIONDATA_EXPORT double distance(const TPos& a_from, const TPos& a_to);
+
+/// The position reached from `a_start` in the direction `a_dAzimuth` (degrees
+/// clockwise from north) after `a_dDistance` (kilometres).
+[[nodiscard]] SIMULATIONDATA_EXPORT TPos position(const TPos& a_start, double a_dAzimuth, double a_dDistance);
+
+} // namespace Simulation
+
+#endif
