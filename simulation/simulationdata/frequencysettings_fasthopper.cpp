@@ -1,0 +1,222 @@
+#include "frequencysettings_fasthopper.h"
+
+#include "crt/crt.h"
+#include "simulationdata/activityanswer_p.h"
+#include "simulationdata/numbers_p.h"
+#include "simulationdata/timeslotoffset_p.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+namespace Simulation {
+
+namespace {
+
+constexpr const char* s_szSource = "simulation/simulationdata/frequencysettings_fasthopper";
+
+constexpr float s_fMillisecondsPerSecond = 1000.0F;
+constexpr std::uint64_t s_uiShuffleRounds = 8;
+
+} // namespace
+
+FrequencySettings_FastHopper::FrequencySettings_FastHopper()
+    : m_fTimeslotOffset(randomTimeslotOffset())
+{}
+
+void FrequencySettings_FastHopper::setMinimumFrequency(double a_dFrequency)
+{
+    m_dMinimumFrequency = a_dFrequency;
+    clearFrequencyList();
+}
+
+void FrequencySettings_FastHopper::setMaximumFrequency(double a_dFrequency)
+{
+    m_dMaximumFrequency = a_dFrequency;
+    clearFrequencyList();
+}
+
+void FrequencySettings_FastHopper::setHoppCount(unsigned int a_uiCount)
+{
+    m_uiHoppCount = a_uiCount;
+    clearFrequencyList();
+}
+
+void FrequencySettings_FastHopper::setHoppRate(unsigned int a_uiRate)
+{
+    m_uiHoppRate = a_uiRate;
+    clearFrequencyList();
+}
+
+void FrequencySettings_FastHopper::setHoppSet(unsigned int a_uiSeed)
+{
+    m_uiHoppSet = a_uiSeed;
+    clearFrequencyList();
+}
+
+FrequencySettingsType FrequencySettings_FastHopper::getType()
+{
+    return FrequencySettingsType::FastHopper;
+}
+
+double FrequencySettings_FastHopper::getCenterFrequency() const
+{
+    return (m_dMinimumFrequency + m_dMaximumFrequency) * 0.5;
+}
+
+void FrequencySettings_FastHopper::setCenterFrequency(double a_dFrequency)
+{
+    const double dShift = getCenterFrequency() - a_dFrequency;
+    m_dMinimumFrequency -= dShift;
+    m_dMaximumFrequency -= dShift;
+    clearFrequencyList();
+}
+
+double FrequencySettings_FastHopper::getMinimumFrequency() const
+{
+    return m_dMinimumFrequency;
+}
+
+double FrequencySettings_FastHopper::getMaximumFrequency() const
+{
+    return m_dMaximumFrequency;
+}
+
+double FrequencySettings_FastHopper::getFrequencyAt(unsigned int a_uiTime) const
+{
+    if (!hasChannels()) {
+        return m_dMinimumFrequency;
+    }
+    setupFrequencyList();
+    if (m_uiHoppRate == 0) {
+        return m_frequencyList.front();
+    }
+    // Single precision, and times before the shift wrap round: replays of a
+    // stored scenario depend on both.
+    const float fHop = s_fMillisecondsPerSecond / static_cast<float>(m_uiHoppRate);
+    const float fShift = fHop * m_fTimeslotOffset;
+    const std::uint32_t uiShifted = toUInt32(static_cast<float>(a_uiTime) - fShift);
+    const std::uint32_t uiHop = toUInt32(static_cast<float>(uiShifted) / fHop);
+    return m_frequencyList[uiHop % m_uiHoppCount];
+}
+
+bool FrequencySettings_FastHopper::isTimeDependend() const
+{
+    return false;
+}
+
+bool FrequencySettings_FastHopper::isActiveAt(unsigned int /*a_uiTime*/) const
+{
+    return true;
+}
+
+QList<HRActivity> FrequencySettings_FastHopper::calculateHRActivities(unsigned int a_uiStart,
+                                                                      unsigned int a_uiLength,
+                                                                      double /*a_dResolution*/) const
+{
+    if (!hasChannels() || m_uiHoppRate == 0) {
+        return {{a_uiStart, a_uiLength, getFrequencyAt(a_uiStart)}};
+    }
+    const auto frequencyInMiddle = [this](std::uint64_t a_uiFrom, std::uint64_t a_uiDuration) {
+        return getFrequencyAt(
+            toUInt32(static_cast<double>(a_uiFrom) + static_cast<double>(a_uiDuration) * 0.5));
+    };
+    // [1, 1000] ms; the offset in single precision, all that follows in integers
+    const float fHop = std::ceil(s_fMillisecondsPerSecond / static_cast<float>(m_uiHoppRate));
+    const std::uint64_t uiHop = toUInt32(fHop);
+    const std::uint64_t uiOffset = toUInt32(m_fTimeslotOffset * fHop);
+    const std::uint64_t uiStart = a_uiStart;
+    const std::uint64_t uiEnd = windowEnd(a_uiStart, a_uiLength);
+
+    ActivityAnswer answer(s_szSource);
+    bool bRoom = answer.append(uiStart, uiOffset, frequencyInMiddle(uiStart, uiOffset));
+    // A window that ends inside the offset's gap has no stretch after the
+    // lead-in: hops begin past its end, and later ones even more so.
+    std::uint64_t uiHopStart = (uiStart + uiOffset) / uiHop * uiHop + uiOffset;
+    while (bRoom && uiHopStart < uiEnd) {
+        const std::uint64_t uiFrom = std::max(uiHopStart, uiStart);
+        const std::uint64_t uiTo = std::min(uiHopStart + uiHop, uiEnd);
+        if (uiTo > uiFrom) {
+            bRoom = answer.append(uiFrom, uiTo - uiFrom, frequencyInMiddle(uiFrom, uiTo - uiFrom));
+        }
+        uiHopStart += uiHop;
+    }
+    return answer.take();
+}
+
+unsigned int FrequencySettings_FastHopper::activeUntil() const
+{
+    return UINT32_MAX;
+}
+
+bool FrequencySettings_FastHopper::equal(const IFrequencySettings* a_pOther) const
+{
+    const auto* pOther = dynamic_cast<const FrequencySettings_FastHopper*>(a_pOther);
+    return pOther != nullptr &&
+           compareFrequency(static_cast<float>(m_dMinimumFrequency),
+                            static_cast<float>(pOther->m_dMinimumFrequency)) &&
+           compareFrequency(static_cast<float>(m_dMaximumFrequency),
+                            static_cast<float>(pOther->m_dMaximumFrequency)) &&
+           m_uiHoppCount == pOther->m_uiHoppCount && m_uiHoppRate == pOther->m_uiHoppRate &&
+           m_uiHoppSet == pOther->m_uiHoppSet;
+}
+
+IFrequencySettings* FrequencySettings_FastHopper::clone() const
+{
+    auto pClone = std::make_unique<FrequencySettings_FastHopper>();
+    pClone->m_dMinimumFrequency = m_dMinimumFrequency;
+    pClone->m_dMaximumFrequency = m_dMaximumFrequency;
+    pClone->m_uiHoppCount = m_uiHoppCount;
+    pClone->m_uiHoppRate = m_uiHoppRate;
+    pClone->m_uiHoppSet = m_uiHoppSet;
+    pClone->m_fTimeslotOffset = m_fTimeslotOffset;
+    return pClone.release();
+}
+
+/// Whether there is a channel list to build: a document may ask for gigabytes.
+bool FrequencySettings_FastHopper::hasChannels() const
+{
+    const std::uint64_t uiLimit = Limits::value(Limits::HopChannels);
+    if (m_uiHoppCount <= uiLimit) {
+        return m_uiHoppCount != 0;
+    }
+    if (!m_bLimitTraced) {
+        m_bLimitTraced = true;
+        traceError(s_szSource, [this, uiLimit] {
+            return QStringLiteral("Hop count %1 exceeds the limit \"%2\": %3")
+                .arg(QString::number(m_uiHoppCount), QLatin1String(Limits::name(Limits::HopChannels)),
+                     QString::number(uiLimit));
+        });
+    }
+    return false;
+}
+
+/// Builds the list unless it fits the hop count already.
+void FrequencySettings_FastHopper::setupFrequencyList() const
+{
+    const std::size_t uiCount = m_uiHoppCount;
+    if (m_frequencyList.size() == uiCount) {
+        return;
+    }
+    m_frequencyList.resize(uiCount);
+    const double dStep = (m_dMaximumFrequency - m_dMinimumFrequency) / m_uiHoppCount;
+    for (std::size_t uiChannel = 0; uiChannel < uiCount; ++uiChannel) {
+        m_frequencyList[uiChannel] = static_cast<double>(uiChannel) * dStep + m_dMinimumFrequency;
+    }
+    Crt::srand(m_uiHoppSet);
+    for (std::uint64_t uiSwap = 0; uiSwap < s_uiShuffleRounds * uiCount; ++uiSwap) {
+        const auto uiRandom = static_cast<std::uint64_t>(Crt::rand());
+        std::swap(m_frequencyList[uiSwap % uiCount], m_frequencyList[(uiRandom + uiSwap) % uiCount]);
+    }
+}
+
+void FrequencySettings_FastHopper::clearFrequencyList()
+{
+    m_frequencyList.clear();
+    m_bLimitTraced = false;
+}
+
+} // namespace Simulation

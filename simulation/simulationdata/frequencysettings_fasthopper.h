@@ -1,0 +1,86 @@
+#ifndef SIMULATIONDATA_FREQUENCYSETTINGS_FASTHOPPER_H
+#define SIMULATIONDATA_FREQUENCYSETTINGS_FASTHOPPER_H
+
+#include "simulationdata/ifrequencysettings.h"
+
+#include <vector>
+
+namespace Simulation {
+
+/// Jumps over evenly spaced channels in a pseudo-random order that its seed
+/// decides, for ever.
+///
+/// The channels lie in [minimum, maximum); the maximum is never one. A new
+/// object has 1000 channels from 24 to 26 MHz, 100 hops per second, seed 0, and
+/// an offset drawn from the thread's random sequence. The channel list is built
+/// by the first query that needs it, which restarts that sequence at the seed;
+/// later random offsets follow from it, deliberately. The spelling "Hopp" is
+/// part of the interface.
+class SIMULATIONDATA_EXPORT FrequencySettings_FastHopper : public IFrequencySettings
+{
+public:
+    FrequencySettings_FastHopper();
+
+    /// How far the hops are shifted in time, as a fraction of one hop. Not part
+    /// of equality. Values outside [0, 1) are kept.
+    [[nodiscard]] float getTimeslotOffset() const { return m_fTimeslotOffset; }
+    void setTimeslotOffset(float a_fOffset) { m_fTimeslotOffset = a_fOffset; }
+
+    /// Hz.
+    void setMinimumFrequency(double a_dFrequency);
+    void setMaximumFrequency(double a_dFrequency);
+
+    /// Number of channels. With 0, and above Limits::HopChannels, the hopper
+    /// stays at its minimum frequency.
+    [[nodiscard]] unsigned int getHoppCount() const { return m_uiHoppCount; }
+    void setHoppCount(unsigned int a_uiCount);
+
+    /// Hops per second. With 0 the hopper stays at its first channel.
+    [[nodiscard]] unsigned int getHoppRate() const { return m_uiHoppRate; }
+    void setHoppRate(unsigned int a_uiRate);
+
+    /// Seed of the channel order.
+    [[nodiscard]] unsigned int getHoppSet() const { return m_uiHoppSet; }
+    void setHoppSet(unsigned int a_uiSeed);
+
+    [[nodiscard]] FrequencySettingsType getType() override;
+    [[nodiscard]] double getCenterFrequency() const override;
+    void setCenterFrequency(double a_dFrequency) override;
+    [[nodiscard]] double getMinimumFrequency() const override;
+    [[nodiscard]] double getMaximumFrequency() const override;
+    [[nodiscard]] double getFrequencyAt(unsigned int a_uiTime) const override;
+
+    /// False on purpose: displays show a fast hopper as a band.
+    [[nodiscard]] bool isTimeDependend() const override;
+    [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;
+
+    /// A lead-in as long as the offset, then one activity per hop; hops take
+    /// whole milliseconds here. `a_dResolution` is not used. A hopper that
+    /// cannot hop yields one activity, the window.
+    [[nodiscard]] QList<HRActivity> calculateHRActivities(unsigned int a_uiStart, unsigned int a_uiLength,
+                                                          double a_dResolution) const override;
+    [[nodiscard]] unsigned int activeUntil() const override;
+    [[nodiscard]] bool equal(const IFrequencySettings* a_pOther) const override;
+
+    /// Draws one random number as every new object does and leaves the channel
+    /// list to be built again; the copy constructor draws none and copies it.
+    [[nodiscard]] IFrequencySettings* clone() const override;
+
+private:
+    [[nodiscard]] bool hasChannels() const;
+    void setupFrequencyList() const;
+    void clearFrequencyList();
+
+    double m_dMinimumFrequency = 24'000'000.0;   ///< Hz
+    double m_dMaximumFrequency = 26'000'000.0;   ///< Hz
+    unsigned int m_uiHoppCount = 1000;           ///< channels
+    unsigned int m_uiHoppRate = 100;             ///< hops per second
+    unsigned int m_uiHoppSet = 0;                ///< seed
+    float m_fTimeslotOffset;                     ///< fraction of a hop
+    mutable std::vector<double> m_frequencyList; ///< Hz, in hop order; empty = not built
+    mutable bool m_bLimitTraced = false;         ///< one trace for one hop count, not one for each query
+};
+
+} // namespace Simulation
+
+#endif

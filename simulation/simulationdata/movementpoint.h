@@ -1,0 +1,30 @@
+#ifndef SIMULATIONDATA_MOVEMENTPOINT_H
+#define SIMULATIONDATA_MOVEMENTPOINT_H
+
+#include "simulationdata/simulationdata_export.h"
+#include "simulationdata/tpos.h"
+
+#include <QString>
+
+namespace Simulation {
+
+/// One point of a movement. A major point is a way point that the user placed;
+/// the others shape the path between them, never dwell, and take the speed of
+/// the next point.
+struct MovementPoint
+{
+    TPos position;                   ///< degrees, longitude first
+    unsigned int transitionTime = 0; ///< ms to the next point; derived, 0 at the last point
+    unsigned int dwellTime = 0;      ///< ms that the emitter stands here before it leaves
+    bool major = false;              ///< whether the user placed this point
+    QString name;                    ///< null at unnamed intermediate points
+    double speed = 50.0;             ///< km/h with which this point is reached; <= 0 = at once
+};
+
+/// Positions are equal within 1e-10 degrees, all else exactly.
+[[nodiscard]] SIMULATIONDATA_EXPORT bool operator==(const MovementPoint& a_first,
+                                                    const MovementPoint& a_second);
+
+} // namespace Simulation
+
+#endif

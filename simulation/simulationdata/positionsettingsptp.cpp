@@ -1,0 +1,520 @@
+#include "positionsettingsptp.h"
+
+#include "simulationdata/numbers_p.h"
+#include "simulationdata/trace_p.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <utility>
+
+namespace Simulation {
+
+namespace {
+
+constexpr const char* s_szSource = "simulation/simulationdata/positionsettingsptp";
+
+constexpr double s_dDefaultSpeed = 50.0; ///< km/h
+constexpr double s_dSecondsPerHour = 3600.0;
+constexpr double s_dMillisecondsPerSecond = 1000.0;
+constexpr float s_fMillisecondsPerHour = 3'600'000.0F;
+constexpr float s_fNoSpeed = -1.0F;
+constexpr double s_dMetresPerKilometre = 1000.0;
+constexpr double s_dLargestShare = 0.7; ///< of a leg, before an inserted point
+constexpr double s_dRightAngle = 90.0;
+constexpr double s_dHalfTurn = 180.0;
+constexpr double s_dFullTurn = 360.0;
+constexpr int s_iMaxArcPoints = 36'000; ///< one for each 0.01 degrees of a full circle
+
+std::uint32_t clampToUInt32(std::uint64_t a_uiValue)
+{
+    return static_cast<std::uint32_t>(std::min<std::uint64_t>(a_uiValue, UINT32_MAX));
+}
+
+/// ms for a leg at a speed (km/h); no time at all without a speed.
+std::uint32_t travelTime(const TPos& a_from, const TPos& a_to, double a_dSpeed)
+{
+    if (a_dSpeed <= 0.0) {
+        return 0;
+    }
+    const double dHours = distance(a_from, a_to) / a_dSpeed;
+    return toUInt32(std::floor(dHours * s_dSecondsPerHour * s_dMillisecondsPerSecond));
+}
+
+/// How far along a leg a new point lies, as a share of the leg's length in
+/// degrees. Without a usable distance (degrees) it is the whole leg; coincident
+/// points give no direction, so the new point stays with them.
+double shareOfLeg(const TPos& a_from, const TPos& a_to, double a_dDistance)
+{
+    const double dLength = std::hypot(a_to.longitude - a_from.longitude, a_to.latitude - a_from.latitude);
+    if (!(dLength > 0.0)) {
+        return 0.0;
+    }
+    const double dDistance = finiteOrZero(a_dDistance);
+    return dDistance == 0.0 ? 1.0 : dDistance / dLength;
+}
+
+TPos pointOnLine(const TPos& a_from, const TPos& a_to, double a_dShare)
+{
+    return {a_from.longitude + (a_to.longitude - a_from.longitude) * a_dShare,
+            a_from.latitude + (a_to.latitude - a_from.latitude) * a_dShare};
+}
+
+TPos offsetBy(const TPos& a_position, double a_dDeltaLongitude, double a_dDeltaLatitude)
+{
+    return {a_position.longitude + a_dDeltaLongitude, a_position.latitude + a_dDeltaLatitude};
+}
+
+} // namespace
+
+PositionSettingsPtp::PositionSettingsPtp(const TPos& a_start, double a_dOffset)
+{
+    MovementPoint start;
+    start.position = a_start;
+    start.major = true;
+    start.speed = 0.0; // never read
+    MovementPoint end;
+    end.position = offsetBy(a_start, a_dOffset, a_dOffset);
+    end.major = true;
+    end.speed = s_dDefaultSpeed;
+    m_movements = {start, end};
+    updatePoint();
+}
+
+const QVector<MovementPoint>& PositionSettingsPtp::getMovments() const
+{
+    m_bHandedOut = true;
+    return points();
+}
+
+void PositionSettingsPtp::setMovements(const QVector<MovementPoint>& a_movements)
+{
+    if (a_movements.size() < 2) {
+        return;
+    }
+    m_movements = a_movements;
+    m_movements.first().major = true;
+    MovementPoint& last = m_movements.last();
+    if (!last.major) {
+        last.major = true;
+        last.speed = s_dDefaultSpeed;
+    }
+    updatePoint();
+}
+
+const MovementPoint& PositionSettingsPtp::getPoint(int a_iRow) const
+{
+    const QVector<MovementPoint>& movements = getMovments();
+    return hasRow(a_iRow) ? movements[a_iRow] : movements.last();
+}
+
+void PositionSettingsPtp::setPoint(int a_iRow, const MovementPoint& a_point)
+{
+    if (!hasRow(a_iRow)) {
+        return;
+    }
+    computeLegs();
+    m_movements[a_iRow] = a_point; // may be one of ours, which is valid by now
+    updatePoint();
+}
+
+unsigned int PositionSettingsPtp::getArivalTime(int a_iRow, unsigned int* a_pMin, unsigned int* a_pMax) const
+{
+    const int iRow = std::clamp(a_iRow, 0, static_cast<int>(m_movements.size()));
+    if (a_pMin != nullptr) {
+        *a_pMin = iRow > 0 ? getDepartureTime(iRow - 1) : 0;
+    }
+    if (a_pMax != nullptr) {
+        *a_pMax = iRow > 0 ? UINT32_MAX : 0;
+    }
+    return clampToUInt32(arrivals()[static_cast<std::size_t>(iRow)]);
+}
+
+void PositionSettingsPtp::setArivalTime(int a_iRow, unsigned int a_uiTime)
+{
+    if (a_iRow < 1 || !hasRow(a_iRow)) {
+        return;
+    }
+    const unsigned int uiDeparture = getDepartureTime(a_iRow - 1);
+    if (a_uiTime <= uiDeparture) {
+        return;
+    }
+    const QVector<MovementPoint>& movements = points();
+    double dDistance = 0.0;
+    for (int iRow = a_iRow; iRow > 0; --iRow) {
+        dDistance += distance(movements[iRow].position, movements[iRow - 1].position);
+        if (movements[iRow - 1].major) {
+            break;
+        }
+    }
+    const double dHours =
+        static_cast<float>(a_uiTime - uiDeparture) / static_cast<double>(s_fMillisecondsPerHour);
+    m_movements[a_iRow].speed = static_cast<float>(dDistance / dHours);
+    updatePoint();
+}
+
+unsigned int PositionSettingsPtp::getDepartureTime(int a_iRow, unsigned int* a_pMin,
+                                                   unsigned int* a_pMax) const
+{
+    const int iRow = std::clamp(a_iRow, 0, static_cast<int>(m_movements.size()));
+    const std::uint64_t uiArrival = arrivals()[static_cast<std::size_t>(iRow)];
+    if (a_pMin != nullptr) {
+        *a_pMin = clampToUInt32(uiArrival);
+    }
+    if (a_pMax != nullptr) {
+        *a_pMax = UINT32_MAX;
+    }
+    return clampToUInt32(uiArrival + (hasRow(a_iRow) ? points()[a_iRow].dwellTime : 0));
+}
+
+void PositionSettingsPtp::setDepartureTime(int a_iRow, unsigned int a_uiTime)
+{
+    if (!hasRow(a_iRow)) {
+        return;
+    }
+    const unsigned int uiArrival = getArivalTime(a_iRow);
+    m_movements[a_iRow].dwellTime = a_uiTime - uiArrival; // wraps on purpose
+    m_arrivals.clear();
+}
+
+float PositionSettingsPtp::getMovementSpeed(int a_iRow) const
+{
+    if (a_iRow < 1 || !hasRow(a_iRow)) {
+        return s_fNoSpeed;
+    }
+    const MovementPoint& from = points()[a_iRow - 1];
+    if (from.transitionTime == 0) {
+        return s_fNoSpeed;
+    }
+    const float fHours = static_cast<float>(from.transitionTime) / s_fMillisecondsPerHour;
+    const double dDistance = distance(from.position, points()[a_iRow].position);
+    return static_cast<float>(dDistance / static_cast<double>(fHours));
+}
+
+void PositionSettingsPtp::setMovementSpeed(int a_iRow, float a_fSpeed)
+{
+    if (a_iRow < 1 || !hasRow(a_iRow)) {
+        return;
+    }
+    computeLegs();
+    m_movements[a_iRow].speed = static_cast<double>(a_fSpeed);
+    updatePoint();
+}
+
+bool PositionSettingsPtp::canRemoveRow(int a_iRow) const
+{
+    return a_iRow >= 1 && hasRow(a_iRow);
+}
+
+void PositionSettingsPtp::removeRow(int a_iRow)
+{
+    if (!canRemoveRow(a_iRow)) {
+        return;
+    }
+    computeLegs();
+    const MovementPoint& removed = m_movements[a_iRow];
+    MovementPoint& before = m_movements[a_iRow - 1];
+    if (removed.major && !before.major) {
+        before.major = true;
+        before.speed = removed.speed;
+        before.dwellTime = removed.dwellTime;
+    }
+    m_movements.removeAt(a_iRow);
+    updatePoint();
+}
+
+void PositionSettingsPtp::insertRowAfter(int a_iRow, double a_dDistance, const QString& a_sName)
+{
+    if (a_iRow < 0) {
+        return;
+    }
+    MovementPoint point;
+    point.major = !a_sName.isNull();
+    point.name = a_sName;
+    point.speed = s_dDefaultSpeed; // an intermediate point gets that of the next one
+
+    computeLegs();
+    const qsizetype iCount = m_movements.size();
+    qsizetype iIndex = iCount;
+    const TPos end = m_movements.constLast().position;
+    if (iCount < 2) {
+        point.position = end;
+        point.major = true;
+    } else if (a_iRow < iCount - 1) {
+        iIndex = a_iRow + 1;
+        const TPos from = m_movements[a_iRow].position;
+        const TPos to = m_movements[iIndex].position;
+        const double dShare = std::min(shareOfLeg(from, to, a_dDistance), s_dLargestShare);
+        point.position = pointOnLine(from, to, dShare);
+    } else {
+        const TPos from = m_movements[iCount - 2].position;
+        const double dShare = shareOfLeg(from, end, a_dDistance);
+        point.position = pointOnLine(from, end, 1.0 + dShare);
+        if (a_sName.isEmpty()) {
+            iIndex = iCount - 1;
+            std::swap(point.position, m_movements[iIndex].position);
+        }
+    }
+    m_movements.insert(iIndex, point);
+    updatePoint();
+}
+
+void PositionSettingsPtp::insertRowsAfter(int a_iRow, QVector<MovementPoint> a_points)
+{
+    if (!hasRow(a_iRow) || a_points.isEmpty()) {
+        return;
+    }
+    computeLegs();
+    if (a_iRow == m_movements.size() - 1) {
+        MovementPoint& oldEnd = m_movements.last();
+        MovementPoint& newEnd = a_points.last();
+        newEnd.major = true;
+        newEnd.speed = oldEnd.speed;
+        newEnd.name = oldEnd.name;
+        newEnd.dwellTime = oldEnd.dwellTime;
+        if (a_iRow != 0) {
+            oldEnd.major = false;
+            oldEnd.name = QString();
+        }
+    }
+    const auto itGap = m_movements.insert(a_iRow + qsizetype{1}, a_points.size(), MovementPoint());
+    std::copy(a_points.cbegin(), a_points.cend(), itGap);
+    updatePoint();
+}
+
+void PositionSettingsPtp::insertArcAfter(int a_iRow, int a_iCount, int a_iAngle, double a_dRadius)
+{
+    if (!hasRow(a_iRow) || a_iCount < 1) {
+        return;
+    }
+    if (a_iCount > s_iMaxArcPoints) {
+        traceError(s_szSource, [a_iCount] {
+            return QStringLiteral("Arc of %1 points refused: at most %2")
+                .arg(QString::number(a_iCount), QString::number(s_iMaxArcPoints));
+        });
+        return;
+    }
+    const QVector<MovementPoint>& movements = points();
+    const TPos start = movements[a_iRow].position;
+    const double dRadius = a_dRadius / s_dMetresPerKilometre;
+    double dBase = a_iAngle > 0 ? s_dRightAngle : -s_dRightAngle;
+    if (a_iRow > 0) {
+        dBase += azimuth(movements[a_iRow - 1].position, start);
+    }
+    const TPos centre = Simulation::position(start, dBase, dRadius);
+    const double dTurn = a_iCount > 1 ? static_cast<double>(a_iAngle) / (a_iCount - 1) : 0.0;
+    QVector<MovementPoint> arc;
+    for (int iPoint = 0; iPoint < a_iCount; ++iPoint) {
+        const double dBearing = std::fmod(iPoint * dTurn + (dBase - s_dHalfTurn), s_dFullTurn);
+        MovementPoint point;
+        point.position =
+            Simulation::position(centre, dBearing < 0.0 ? dBearing + s_dFullTurn : dBearing, dRadius);
+        point.speed = 0.0;
+        arc.append(point);
+    }
+    insertRowsAfter(a_iRow, arc);
+}
+
+void PositionSettingsPtp::area(double& a_dWidth, double& a_dHeight) const
+{
+    TPos low = points().first().position;
+    TPos high = low;
+    for (const MovementPoint& point : points()) {
+        low.longitude = std::min(low.longitude, point.position.longitude);
+        low.latitude = std::min(low.latitude, point.position.latitude);
+        high.longitude = std::max(high.longitude, point.position.longitude);
+        high.latitude = std::max(high.latitude, point.position.latitude);
+    }
+    a_dWidth = distance(low, {high.longitude, low.latitude});
+    a_dHeight = distance(low, {low.longitude, high.latitude});
+}
+
+double PositionSettingsPtp::length() const
+{
+    const QVector<MovementPoint>& movements = points();
+    double dLength = 0.0;
+    for (qsizetype iRow = 1; iRow < movements.size(); ++iRow) {
+        dLength += distance(movements[iRow - 1].position, movements[iRow].position);
+    }
+    return dLength;
+}
+
+PositionSettingsType PositionSettingsPtp::getType()
+{
+    return PositionSettingsType::Movement;
+}
+
+TPos PositionSettingsPtp::getPosition()
+{
+    return m_movements.constFirst().position;
+}
+
+void PositionSettingsPtp::setPosition(const TPos& a_position)
+{
+    computeLegs(); // distances change with the latitude, the times are to stay
+    const TPos first = m_movements.constFirst().position;
+    const double dDeltaLongitude = a_position.longitude - first.longitude;
+    const double dDeltaLatitude = a_position.latitude - first.latitude;
+    for (MovementPoint& point : m_movements) {
+        point.position = offsetBy(point.position, dDeltaLongitude, dDeltaLatitude);
+    }
+}
+
+TPos PositionSettingsPtp::getPositionAt(unsigned int a_uiTime)
+{
+    const QVector<MovementPoint>& movements = points();
+    const auto stretch = stretchAt(a_uiTime);
+    if (!stretch) {
+        const auto time = timeInNextCycle(a_uiTime);
+        return time ? getPositionAt(*time) : movements.last().position;
+    }
+    const MovementPoint& from = movements[*stretch];
+    const std::uint64_t uiLegStart = arrivals()[static_cast<std::size_t>(*stretch)] + from.dwellTime;
+    if (a_uiTime < uiLegStart) {
+        return from.position;
+    }
+    const double dShare = static_cast<double>(a_uiTime - uiLegStart) / from.transitionTime;
+    return pointOnLine(from.position, movements[*stretch + 1].position, dShare);
+}
+
+double PositionSettingsPtp::headingAt(unsigned int a_uiTime) const
+{
+    const QVector<MovementPoint>& movements = points();
+    auto stretch = stretchAt(a_uiTime);
+    if (!stretch) {
+        if (const auto time = timeInNextCycle(a_uiTime)) {
+            return headingAt(*time);
+        }
+        if (movements.size() < 2) {
+            return 0.0;
+        }
+        stretch = movements.size() - 2;
+    }
+    return azimuth(movements[*stretch].position, movements[*stretch + 1].position);
+}
+
+double PositionSettingsPtp::speedAt(unsigned int a_uiTime) const
+{
+    if (const auto stretch = stretchAt(a_uiTime)) {
+        return static_cast<double>(getMovementSpeed(static_cast<int>(*stretch)));
+    }
+    const auto time = timeInNextCycle(a_uiTime);
+    return time ? speedAt(*time) : 0.0;
+}
+
+bool PositionSettingsPtp::isTimeDependend() const
+{
+    return true;
+}
+
+bool PositionSettingsPtp::isActiveAt(unsigned int a_uiTime) const
+{
+    return m_eEndBehavior != EndBehaviourType::Inactive || a_uiTime <= arrivals().back();
+}
+
+unsigned int PositionSettingsPtp::activeUntil() const
+{
+    return m_eEndBehavior == EndBehaviourType::Inactive ? clampToUInt32(arrivals().back()) : UINT32_MAX;
+}
+
+bool PositionSettingsPtp::equal(const IPositionSettings* a_pOther)
+{
+    const auto* pOther = dynamic_cast<const PositionSettingsPtp*>(a_pOther);
+    return pOther != nullptr &&
+           std::equal(points().cbegin(), points().cend(), pOther->points().cbegin(), pOther->points().cend());
+}
+
+IPositionSettings* PositionSettingsPtp::clone()
+{
+    computeLegs(); // once for both
+    auto pClone = std::make_unique<PositionSettingsPtp>(*this);
+    pClone->m_bHandedOut = false;
+    return pClone.release();
+}
+
+/// Has the derived fields computed again: by the next query, or at once when
+/// somebody may be looking at the points.
+void PositionSettingsPtp::updatePoint()
+{
+    m_bLegsStale = true;
+    if (m_bHandedOut) {
+        computeLegs();
+    }
+}
+
+/// Computes the derived fields of the points unless they are valid. Every
+/// change but a full replacement comes here first: what an intermediate point
+/// inherits must not depend on when it was last looked at.
+void PositionSettingsPtp::computeLegs() const
+{
+    if (!m_bLegsStale) {
+        return;
+    }
+    m_bLegsStale = false;
+    m_arrivals.clear();
+    m_movements.last().transitionTime = 0;
+    for (qsizetype iRow = m_movements.size() - 2; iRow >= 0; --iRow) {
+        MovementPoint& point = m_movements[iRow];
+        const MovementPoint& next = m_movements[iRow + 1];
+        if (!point.major) {
+            point.speed = next.speed;
+            point.dwellTime = 0;
+        }
+        point.transitionTime = travelTime(point.position, next.position, next.speed);
+    }
+}
+
+/// The points with their derived fields. Reading through here also keeps the
+/// mutable member from being copied for nothing.
+const QVector<MovementPoint>& PositionSettingsPtp::points() const
+{
+    computeLegs();
+    return m_movements;
+}
+
+/// When each point is reached (ms) and, as the last entry, when the movement
+/// ends: one entry more than there are points.
+const std::vector<std::uint64_t>& PositionSettingsPtp::arrivals() const
+{
+    computeLegs();
+    if (m_arrivals.empty()) {
+        const QVector<MovementPoint>& movements = points();
+        m_arrivals.reserve(static_cast<std::size_t>(movements.size()) + 1);
+        std::uint64_t uiTime = 0;
+        m_arrivals.push_back(uiTime);
+        for (const MovementPoint& point : movements) {
+            uiTime += std::uint64_t{point.dwellTime} + point.transitionTime;
+            m_arrivals.push_back(uiTime);
+        }
+    }
+    return m_arrivals;
+}
+
+/// The point at which the emitter stands or which it left last; none once it
+/// has arrived at the last point, whose dwell time is no part of the cycle.
+std::optional<qsizetype> PositionSettingsPtp::stretchAt(unsigned int a_uiTime) const
+{
+    const std::vector<std::uint64_t>& times = arrivals();
+    const auto itEnds = times.cbegin() + 1;
+    const auto itLast = times.cend() - 1;
+    const auto it = std::upper_bound(itEnds, itLast, std::uint64_t{a_uiTime});
+    return it != itLast ? std::optional<qsizetype>(it - itEnds) : std::nullopt;
+}
+
+/// For a time after the last arrival: the same time in the first cycle, when
+/// the movement begins again at all.
+std::optional<unsigned int> PositionSettingsPtp::timeInNextCycle(unsigned int a_uiTime) const
+{
+    const std::uint64_t uiCycle = *(arrivals().cend() - 2);
+    if (m_eEndBehavior != EndBehaviourType::Restart || uiCycle == 0) {
+        return std::nullopt;
+    }
+    return static_cast<unsigned int>(a_uiTime % uiCycle);
+}
+
+bool PositionSettingsPtp::hasRow(int a_iRow) const
+{
+    return a_iRow >= 0 && a_iRow < m_movements.size();
+}
+
+} // namespace Simulation

@@ -1,0 +1,161 @@
+#ifndef SIMULATIONDATA_POSITIONSETTINGSPTP_H
+#define SIMULATIONDATA_POSITIONSETTINGSPTP_H
+
+#include "simulationdata/ipositionsettings.h"
+#include "simulationdata/movementpoint.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include <QVector>
+
+namespace Simulation {
+
+/// A movement from way point to way point: at each point the emitter first
+/// dwells, then travels to the next.
+///
+/// There is always at least one point. After the last one the movement stays,
+/// begins again, or ends the emitter's activity; only the last case counts the
+/// last point's dwell time. What follows from the points (the transition times,
+/// and the speed and dwell time of intermediate points) is computed when it is
+/// first asked for, so that reading a document costs no geodesy.
+class SIMULATIONDATA_EXPORT PositionSettingsPtp : public IPositionSettings
+{
+public:
+    /// Two way points: `a_start`, and the point `a_dOffset` degrees north and
+    /// east of it, reached at 50 km/h. Begins again after its end.
+    PositionSettingsPtp(const TPos& a_start, double a_dOffset);
+
+    /// The points in order. The reference is valid as long as the object. The
+    /// spelling is part of the interface.
+    [[nodiscard]] const QVector<MovementPoint>& getMovments() const;
+
+    /// Replaces the points. Ignored for fewer than two. The first point becomes
+    /// a way point, and so does the last, at 50 km/h when it was none.
+    void setMovements(const QVector<MovementPoint>& a_movements);
+
+    /// A point, or the last one for a row out of range. The reference is valid
+    /// until the points change.
+    [[nodiscard]] const MovementPoint& getPoint(int a_iRow) const;
+    /// Ignored for a row out of range.
+    void setPoint(int a_iRow, const MovementPoint& a_point);
+
+    /// What follows the last point. Not part of equality.
+    [[nodiscard]] EndBehaviourType getEndBehavior() const { return m_eEndBehavior; }
+    void setEndBehavior(EndBehaviourType a_eBehavior) { m_eEndBehavior = a_eBehavior; }
+
+    /// When a point is reached (ms; 0 for row 0 and below, the movement's end
+    /// for rows beyond it, at most 0xFFFFFFFF). The bounds of what can be set
+    /// go to the pointers that are not null: the departure from the point
+    /// before, and 0xFFFFFFFF; both 0 for row 0. The spelling is part of the
+    /// interface.
+    unsigned int getArivalTime(int a_iRow, unsigned int* a_pMin = nullptr,
+                               unsigned int* a_pMax = nullptr) const;
+
+    /// Changes the speed of a point so that it is reached at a time (ms). The
+    /// distance counts from the way point before, over all intermediate points.
+    /// Ignored for row 0, rows out of range, and times that no speed reaches
+    /// (not after the departure from the point before).
+    void setArivalTime(int a_iRow, unsigned int a_uiTime);
+
+    /// When a point is left (ms, at most 0xFFFFFFFF). Bounds as above: the
+    /// arrival, and 0xFFFFFFFF.
+    unsigned int getDepartureTime(int a_iRow, unsigned int* a_pMin = nullptr,
+                                  unsigned int* a_pMax = nullptr) const;
+
+    /// Changes the dwell time of a point to the time (ms) since its arrival,
+    /// modulo 2^32. An intermediate point loses it again with the next change
+    /// of the points. Ignored for a row out of range.
+    void setDepartureTime(int a_iRow, unsigned int a_uiTime);
+
+    /// The speed (km/h) of the leg that leads to a point, from its distance and
+    /// transition time; -1 for row 0, rows out of range, and legs that take no
+    /// time.
+    [[nodiscard]] float getMovementSpeed(int a_iRow) const;
+    /// Ignored for row 0 and rows out of range. The speed of an intermediate
+    /// point gives way to that of the next point.
+    void setMovementSpeed(int a_iRow, float a_fSpeed);
+
+    /// Inserts a point after a row, on the straight line (in degrees) to the
+    /// next point, `a_dDistance` degrees away but at most 70 % of the way; 0 =
+    /// as far as the next point. After the last row it extends the last leg: a
+    /// named point becomes the new end, without a name the end itself moves on
+    /// and an intermediate point takes its place. A name that is not null makes
+    /// a way point. Ignored for rows below 0.
+    void insertRowAfter(int a_iRow, double a_dDistance, const QString& a_sName);
+
+    /// Inserts points after a row. After the last row, the last one becomes the
+    /// end of the path and takes over speed, name and dwell time of the old
+    /// end, which becomes an intermediate point unless it is the first point.
+    /// Ignored for rows out of range.
+    void insertRowsAfter(int a_iRow, QVector<MovementPoint> a_points);
+
+    /// Inserts `a_iCount` intermediate points after a row, on an arc of
+    /// `a_dRadius` metres that turns by `a_iAngle` degrees, to the right when
+    /// positive. Ignored for rows out of range and counts outside [1, 36000].
+    void insertArcAfter(int a_iRow, int a_iCount, int a_iAngle, double a_dRadius);
+
+    /// Every point but the first can be removed.
+    [[nodiscard]] bool canRemoveRow(int a_iRow) const;
+
+    /// Removes a point; ignored where canRemoveRow() is false. When a way point
+    /// follows an intermediate point, that one takes its place, speed and dwell
+    /// time.
+    void removeRow(int a_iRow);
+
+    /// The size of the box around all points, km: west to east along its
+    /// southern edge, and south to north.
+    void area(double& a_dWidth, double& a_dHeight) const;
+
+    /// The length of the path, km.
+    [[nodiscard]] double length() const;
+
+    [[nodiscard]] PositionSettingsType getType() override;
+    [[nodiscard]] TPos getPosition() override;
+
+    /// Moves every point by the same amount of degrees. Times stay as they are
+    /// until the points change.
+    void setPosition(const TPos& a_position) override;
+
+    /// Interpolates in degrees, not along the geodesic. Time queries are
+    /// O(log n) in the number of points, after the first one.
+    [[nodiscard]] TPos getPositionAt(unsigned int a_uiTime) override;
+
+    /// A waiting emitter faces its next leg.
+    [[nodiscard]] double headingAt(unsigned int a_uiTime) const override;
+
+    /// The speed with which the last point was reached, deliberately also while
+    /// the emitter dwells there; -1 at the first point, 0 after the end.
+    [[nodiscard]] double speedAt(unsigned int a_uiTime) const override;
+    [[nodiscard]] bool isTimeDependend() const override;
+
+    /// With Inactive, the instant at which the movement ends is still active.
+    [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;
+    [[nodiscard]] unsigned int activeUntil() const override;
+
+    /// Compares the points only.
+    [[nodiscard]] bool equal(const IPositionSettings* a_pOther) override;
+    [[nodiscard]] IPositionSettings* clone() override;
+
+private:
+    void updatePoint();
+    void computeLegs() const;
+    [[nodiscard]] const QVector<MovementPoint>& points() const;
+    [[nodiscard]] const std::vector<std::uint64_t>& arrivals() const;
+    [[nodiscard]] std::optional<qsizetype> stretchAt(unsigned int a_uiTime) const;
+    [[nodiscard]] std::optional<unsigned int> timeInNextCycle(unsigned int a_uiTime) const;
+    [[nodiscard]] bool hasRow(int a_iRow) const;
+
+    mutable QVector<MovementPoint> m_movements;
+    EndBehaviourType m_eEndBehavior = EndBehaviourType::Restart;
+    mutable bool m_bLegsStale = true;  ///< the derived fields of the points are to be computed
+    mutable bool m_bHandedOut = false; ///< a caller may hold a reference to the points
+    mutable std::vector<std::uint64_t>
+        m_arrivals; ///< ms, arrival at each point and the end; empty = not built
+};
+
+} // namespace Simulation
+
+#endif
