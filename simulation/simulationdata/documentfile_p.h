@@ -1,0 +1,31 @@
+#ifndef SIMULATIONDATA_DOCUMENTFILE_P_H
+#define SIMULATIONDATA_DOCUMENTFILE_P_H
+
+#include "simulationdata/simulationdata_export.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+class QIODevice;
+
+namespace Simulation {
+
+/// Replaces the file by the bytes, whole or not at all: what was there stays
+/// when the disk is full or the process dies. What exists and is no regular
+/// file is written to directly. False after one trace.
+[[nodiscard]] SIMULATIONDATA_EXPORT bool saveDocument(const QString& a_sFile, const QByteArray& a_data);
+
+/// Everything that the open device still holds. Nothing, with a reason, when
+/// that is more than Limits::DocumentBytes or the device cannot be read.
+[[nodiscard]] SIMULATIONDATA_EXPORT std::optional<QByteArray> readDocument(QIODevice* a_pDevice,
+                                                                           QString* a_pReason);
+
+/// The same for a file, which must be a regular one or a pipe, not a folder.
+[[nodiscard]] SIMULATIONDATA_EXPORT std::optional<QByteArray> loadDocument(const QString& a_sFile,
+                                                                           QString* a_pReason);
+
+} // namespace Simulation
+
+#endif

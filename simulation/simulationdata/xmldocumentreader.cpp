@@ -1,0 +1,61 @@
+#include "xmldocumentreader_p.h"
+
+#include "xmlencoding_p.h"
+#include "xmlposition_p.h"
+#include "xmlscanner_p.h"
+#include "xmlwalk_p.h"
+
+namespace Simulation {
+
+void skipElement(QXmlStreamReader& a_reader)
+{
+    a_reader.skipCurrentElement();
+}
+
+XmlDocumentReader::XmlDocumentReader(const QString& a_sText)
+    : XmlDocumentReader(QByteArrayLiteral("\xEF\xBB\xBF") + a_sText.toUtf8())
+{}
+
+XmlDocumentReader::XmlDocumentReader(const QByteArray& a_data)
+{
+    // Our names carry no prefixes, and looking one up costs time in proportion
+    // to the declarations that a document chooses to make.
+    m_stream.setNamespaceProcessing(false);
+
+    QString sReason;
+    std::optional<QByteArray> text = toUtf8Xml(a_data, &sReason);
+    if (!text) {
+        m_sRefusal = sReason;
+        m_stream.raiseError(sReason);
+        return;
+    }
+    XmlScanner scanner;
+    scanner.feed(*text);
+    if (scanner.hasOffence()) {
+        const XmlScanner::Offence& offence = scanner.offence();
+        m_sRefusal = xmlErrorText({offence.line, offence.column}, offence.reason);
+        text->truncate(static_cast<qsizetype>(offence.offset));
+    }
+    m_stream.addData(*text);
+}
+
+void XmlDocumentReader::readToEnd()
+{
+    while (!m_stream.atEnd()) {
+        m_stream.readNext();
+    }
+}
+
+QString XmlDocumentReader::errorString() const
+{
+    if (!m_stream.hasError()) {
+        return {};
+    }
+    if (!m_sRefusal.isEmpty() && (m_stream.error() == QXmlStreamReader::PrematureEndOfDocumentError ||
+                                  m_stream.error() == QXmlStreamReader::CustomError)) {
+        return m_sRefusal;
+    }
+    return xmlErrorText({m_stream.lineNumber(), m_stream.columnNumber()}, m_stream.errorString());
+}
+
+} // namespace Simulation

@@ -1,0 +1,39 @@
+#ifndef SIMULATIONDATA_XMLNODEWRITER_P_H
+#define SIMULATIONDATA_XMLNODEWRITER_P_H
+
+#include <QByteArray>
+
+#include <pugixml.hpp>
+
+#include <vector>
+
+namespace Simulation {
+
+/// Writes an element of a document tree in the form that
+/// XmlElement::toByteArray() describes. Never recursive; one object per text.
+class XmlNodeWriter
+{
+public:
+    [[nodiscard]] QByteArray write(pugi::xml_node a_element);
+
+private:
+    /// How the children of an element stand in the text.
+    enum class Layout : unsigned char {
+        Inline, ///< as they are: there is text beside or around them
+        Block,  ///< each element on a line of its own
+    };
+
+    void writeNode(pugi::xml_node a_node);
+    void openElement(pugi::xml_node a_element);
+    void closeElement(pugi::xml_node a_element);
+    void startLine();
+    void endLine();
+    [[nodiscard]] Layout layout() const { return m_layouts.empty() ? Layout::Block : m_layouts.back(); }
+
+    QByteArray m_text;
+    std::vector<Layout> m_layouts; ///< of the open elements
+};
+
+} // namespace Simulation
+
+#endif

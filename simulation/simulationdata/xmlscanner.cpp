@@ -1,0 +1,291 @@
+#include "xmlscanner_p.h"
+
+#include <cstring>
+
+namespace Simulation {
+
+namespace {
+
+constexpr const char* s_szCommentOpen = "--";
+constexpr const char* s_szCDataOpen = "[CDATA[";
+constexpr int s_iByteBits = 8;
+constexpr std::uint32_t s_uiTwoBytes = 0xFFFF;
+constexpr std::uint32_t s_uiThreeBytes = 0xFFFFFF;
+constexpr int s_iMostMarks = 2; ///< "--" and "]]" end a comment and a section
+
+constexpr std::uint32_t packed(const char* a_szText)
+{
+    std::uint32_t uiPacked = 0;
+    for (; *a_szText != 0; ++a_szText) {
+        uiPacked = (uiPacked << s_iByteBits) | static_cast<unsigned char>(*a_szText);
+    }
+    return uiPacked;
+}
+
+const char* find(const char* a_pFrom, const char* a_pEnd, char a_cByte)
+{
+    return static_cast<const char*>(
+        std::memchr(a_pFrom, a_cByte, static_cast<std::size_t>(a_pEnd - a_pFrom)));
+}
+
+/// The number of marks right before `a_pAt`, at most two. `a_iBefore` of them
+/// stood right before `a_pFrom`.
+int marksBefore(const char* a_pFrom, const char* a_pAt, char a_cMark, int a_iBefore)
+{
+    int iMarks = 0;
+    while (iMarks < s_iMostMarks && a_pAt != a_pFrom && a_pAt[-1] == a_cMark) {
+        ++iMarks;
+        --a_pAt;
+    }
+    return a_pAt == a_pFrom ? std::min(iMarks + a_iBefore, s_iMostMarks) : iMarks;
+}
+
+} // namespace
+
+bool XmlDeclarationEnd::consume(char a_cByte)
+{
+    m_uiRecent = (m_uiRecent << s_iByteBits) | static_cast<unsigned char>(a_cByte);
+    bool bLeft = false;
+    switch (m_eInside) {
+    case Inside::Markup:
+        return consumeMarkup(a_cByte);
+    case Inside::Quote:
+        bLeft = a_cByte == m_cQuote;
+        break;
+    case Inside::Comment:
+        bLeft = (m_uiRecent & s_uiThreeBytes) == packed("-->");
+        break;
+    case Inside::Instruction:
+        bLeft = (m_uiRecent & s_uiTwoBytes) == packed("?>");
+        break;
+    }
+    if (bLeft) {
+        m_eInside = Inside::Markup;
+        m_uiRecent = 0;
+    }
+    return false;
+}
+
+bool XmlDeclarationEnd::consumeMarkup(char a_cByte)
+{
+    if (a_cByte == '"' || a_cByte == '\'') {
+        m_eInside = Inside::Quote;
+        m_cQuote = a_cByte;
+    } else if (m_uiRecent == packed("<!--")) {
+        m_eInside = Inside::Comment;
+        m_uiRecent = 0;
+    } else if ((m_uiRecent & s_uiTwoBytes) == packed("<?")) {
+        m_eInside = Inside::Instruction;
+        m_uiRecent = 0;
+    } else if (a_cByte == '[') {
+        ++m_uiBrackets;
+    } else if (a_cByte == ']' && m_uiBrackets > 0) {
+        --m_uiBrackets;
+    }
+    return a_cByte == '>' && m_uiBrackets == 0;
+}
+
+void XmlScanner::feed(QByteArrayView a_bytes)
+{
+    if (m_bOffence || a_bytes.isEmpty()) {
+        return;
+    }
+    m_uiMaxDepth = Limits::value(Limits::NestingDepth);
+    m_uiMaxAttributes = Limits::value(Limits::ElementAttributes);
+    m_uiMaxDoctype = Limits::value(Limits::DoctypeBytes);
+    m_chunk = a_bytes;
+    const char* const pEnd = a_bytes.data() + a_bytes.size();
+    for (const char* p = a_bytes.data(); p != pEnd && !m_bOffence;) {
+        p = scan(p, pEnd);
+    }
+    if (!m_bOffence) {
+        m_openPosition = m_eState == State::Text ? XmlPosition() : openPosition();
+        m_chunkPosition = advanced(m_chunkPosition, a_bytes);
+        m_iChunk += a_bytes.size();
+    }
+    m_chunk = {};
+}
+
+const char* XmlScanner::scan(const char* a_pFrom, const char* a_pEnd)
+{
+    switch (m_eState) {
+    case State::Text:
+        return scanText(a_pFrom, a_pEnd);
+    case State::Open:
+        return scanOpen(a_pFrom);
+    case State::StartTag:
+        return scanStartTag(a_pFrom, a_pEnd);
+    case State::Value:
+        return scanValue(a_pFrom, a_pEnd);
+    case State::EndTag:
+        return scanEndTag(a_pFrom, a_pEnd);
+    case State::Instruction:
+        return scanUntilMarks(a_pFrom, a_pEnd, '?', 1);
+    case State::Markup:
+        return scanMarkup(a_pFrom);
+    case State::Comment:
+        return scanUntilMarks(a_pFrom, a_pEnd, '-', 2);
+    case State::CData:
+        return scanUntilMarks(a_pFrom, a_pEnd, ']', 2);
+    case State::Declaration:
+        break;
+    }
+    return scanDeclaration(a_pFrom, a_pEnd);
+}
+
+const char* XmlScanner::scanText(const char* a_pFrom, const char* a_pEnd)
+{
+    // Most tags follow each other or a few blanks.
+    const char* const pOpen = *a_pFrom == '<' ? a_pFrom : find(a_pFrom, a_pEnd, '<');
+    if (pOpen == nullptr) {
+        return a_pEnd;
+    }
+    m_iOpen = m_iChunk + (pOpen - m_chunk.data());
+    m_eState = State::Open;
+    return pOpen + 1;
+}
+
+const char* XmlScanner::scanOpen(const char* a_pFrom)
+{
+    switch (*a_pFrom) {
+    case '/':
+        m_eState = State::EndTag;
+        return a_pFrom + 1;
+    case '?':
+        enter(State::Instruction);
+        return a_pFrom + 1;
+    case '!':
+        enter(State::Markup);
+        return a_pFrom + 1;
+    default:
+        break;
+    }
+    if (m_uiDepth >= m_uiMaxDepth) {
+        offend(Limits::NestingDepth, m_uiMaxDepth);
+    }
+    m_uiAttributes = 0;
+    m_cLast = 0;
+    m_eState = State::StartTag;
+    return a_pFrom;
+}
+
+const char* XmlScanner::scanStartTag(const char* a_pFrom, const char* a_pEnd)
+{
+    char cLast = m_cLast;
+    for (const char* p = a_pFrom; p != a_pEnd; ++p) {
+        const char c = *p;
+        if (c == '"' || c == '\'') {
+            if (++m_uiAttributes > m_uiMaxAttributes) {
+                offend(Limits::ElementAttributes, m_uiMaxAttributes);
+                return a_pEnd;
+            }
+            const char* const pQuote = find(p + 1, a_pEnd, c);
+            if (pQuote == nullptr) {
+                m_cQuote = c;
+                m_eState = State::Value;
+                return a_pEnd;
+            }
+            p = pQuote;
+        } else if (c == '>') {
+            m_uiDepth += cLast == '/' ? 0 : 1;
+            m_eState = State::Text;
+            return p + 1;
+        }
+        cLast = c;
+    }
+    m_cLast = cLast;
+    return a_pEnd;
+}
+
+const char* XmlScanner::scanValue(const char* a_pFrom, const char* a_pEnd)
+{
+    const char* const pQuote = find(a_pFrom, a_pEnd, m_cQuote);
+    if (pQuote == nullptr) {
+        return a_pEnd;
+    }
+    m_cLast = m_cQuote;
+    m_eState = State::StartTag;
+    return pQuote + 1;
+}
+
+const char* XmlScanner::scanEndTag(const char* a_pFrom, const char* a_pEnd)
+{
+    const char* const pClose = find(a_pFrom, a_pEnd, '>');
+    if (pClose == nullptr) {
+        return a_pEnd;
+    }
+    m_uiDepth -= m_uiDepth > 0 ? 1 : 0;
+    m_eState = State::Text;
+    return pClose + 1;
+}
+
+const char* XmlScanner::scanMarkup(const char* a_pFrom)
+{
+    if (m_iMatched == 0) {
+        m_szExpected = *a_pFrom == '[' ? s_szCDataOpen : s_szCommentOpen;
+    }
+    if (*a_pFrom != m_szExpected[m_iMatched]) {
+        enter(State::Declaration);
+        return a_pFrom;
+    }
+    ++m_iMatched;
+    if (m_szExpected[m_iMatched] == 0) {
+        enter(m_szExpected == s_szCDataOpen ? State::CData : State::Comment);
+    }
+    return a_pFrom + 1;
+}
+
+const char* XmlScanner::scanUntilMarks(const char* a_pFrom, const char* a_pEnd, char a_cMark, int a_iCount)
+{
+    for (const char* p = find(a_pFrom, a_pEnd, '>'); p != nullptr; p = find(p + 1, a_pEnd, '>')) {
+        if (marksBefore(a_pFrom, p, a_cMark, m_iRun) >= a_iCount) {
+            m_eState = State::Text;
+            return p + 1;
+        }
+    }
+    m_iRun = marksBefore(a_pFrom, a_pEnd, a_cMark, m_iRun);
+    return a_pEnd;
+}
+
+const char* XmlScanner::scanDeclaration(const char* a_pFrom, const char* a_pEnd)
+{
+    for (const char* p = a_pFrom; p != a_pEnd; ++p) {
+        const qint64 iBytes = m_iChunk + (p - m_chunk.data()) - m_iOpen + 1;
+        if (m_uiDoctypeBytes + static_cast<std::uint64_t>(iBytes) > m_uiMaxDoctype) {
+            offend(Limits::DoctypeBytes, m_uiMaxDoctype);
+            return a_pEnd;
+        }
+        if (m_declarationEnd.consume(*p)) {
+            m_uiDoctypeBytes += static_cast<std::uint64_t>(iBytes);
+            m_eState = State::Text;
+            return p + 1;
+        }
+    }
+    return a_pEnd;
+}
+
+void XmlScanner::enter(State a_eState)
+{
+    m_iRun = 0;
+    if (a_eState == State::Declaration) {
+        m_declarationEnd = XmlDeclarationEnd(m_szExpected == s_szCDataOpen && m_iMatched > 0);
+    }
+    m_iMatched = 0;
+    m_eState = a_eState;
+}
+
+void XmlScanner::offend(Limits::Limit a_eLimit, std::uint64_t a_uiLimit)
+{
+    const XmlPosition position = openPosition();
+    m_bOffence = true;
+    m_offence = {m_iOpen, position.line, position.column, a_eLimit,
+                 QStringLiteral("%1 limit of %2 exceeded")
+                     .arg(QLatin1String(Limits::name(a_eLimit)), QString::number(a_uiLimit))};
+}
+
+XmlPosition XmlScanner::openPosition() const
+{
+    return m_iOpen < m_iChunk ? m_openPosition : advanced(m_chunkPosition, m_chunk.first(m_iOpen - m_iChunk));
+}
+
+} // namespace Simulation

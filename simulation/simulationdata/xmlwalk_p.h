@@ -1,0 +1,35 @@
+#ifndef SIMULATIONDATA_XMLWALK_P_H
+#define SIMULATIONDATA_XMLWALK_P_H
+
+#include <QString>
+#include <QXmlStreamReader>
+
+namespace Simulation {
+
+/// Sees every element that no reader wanted and skips it with all it holds.
+void skipElement(QXmlStreamReader& a_reader);
+
+/// Walks the child elements of the element on which the reader stands, up to
+/// its end. `a_handler` is called with the reader on each child's start and
+/// the child's name (valid until the reader moves); it either consumes the
+/// element whole and returns true, or leaves it alone and returns false.
+template<typename Handler>
+void forEachChild(QXmlStreamReader& a_reader, const Handler& a_handler)
+{
+    while (a_reader.readNextStartElement()) {
+        if (!a_handler(a_reader.qualifiedName())) {
+            skipElement(a_reader);
+        }
+    }
+}
+
+/// The text of the element on which the reader stands, up to its end. Children
+/// are left out: a stray one must not cost the rest of the document.
+[[nodiscard]] inline QString elementText(QXmlStreamReader& a_reader)
+{
+    return a_reader.readElementText(QXmlStreamReader::SkipChildElements);
+}
+
+} // namespace Simulation
+
+#endif
