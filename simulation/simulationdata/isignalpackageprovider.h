@@ -1,0 +1,48 @@
+#ifndef SIMULATIONDATA_ISIGNALPACKAGEPROVIDER_H
+#define SIMULATIONDATA_ISIGNALPACKAGEPROVIDER_H
+
+#include "simulationdata/simulationdata_export.h"
+
+#include <QString>
+
+#include <memory>
+
+namespace Simulation {
+
+class AudioFile;
+class ResultDataFile;
+class SignalPackage;
+class SignalShapeFile;
+class SymbolDataFile;
+
+/// How scenario documents reach signal packages and their data files. A
+/// document does not own its provider, which must outlive it and is called on
+/// the document's thread.
+///
+/// The order of the operations is part of the interface: keep it.
+class SIMULATIONDATA_EXPORT ISignalPackageProvider
+{
+public:
+    virtual ~ISignalPackageProvider() = default;
+
+    /// Whether the provider knows the id.
+    virtual bool validSignalPackageId(const QString& a_sId) = 0;
+
+    /// The package of that id. An unknown id gives the default package, so the
+    /// result is null only where there is none.
+    virtual std::shared_ptr<SignalPackage> signalPackage(const QString& a_sId) = 0;
+
+    /// What stands for unknown packages; null when the provider has none.
+    virtual std::shared_ptr<SignalPackage> defaultSignalPackage() = 0;
+
+    /// Readers of the package's data files, null when there is no such file.
+    /// They belong to the provider: callers do not delete them.
+    virtual SignalShapeFile* signalShapeFile(std::shared_ptr<SignalPackage> a_pPackage) = 0;
+    virtual AudioFile* audioFile(std::shared_ptr<SignalPackage> a_pPackage) = 0;
+    virtual SymbolDataFile* symbolDataFile(std::shared_ptr<SignalPackage> a_pPackage) = 0;
+    virtual ResultDataFile* resultDataFile(std::shared_ptr<SignalPackage> a_pPackage) = 0;
+};
+
+} // namespace Simulation
+
+#endif

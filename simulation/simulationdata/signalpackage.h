@@ -1,0 +1,101 @@
+#ifndef SIMULATIONDATA_SIGNALPACKAGE_H
+#define SIMULATIONDATA_SIGNALPACKAGE_H
+
+#include "simulationdata/enumerations.h"
+#include "simulationdata/simulationdata_export.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+
+namespace Simulation {
+
+/// The record of one signal package: what its descriptor says, and what a store
+/// learns from the folder that holds it.
+///
+/// A plain value. A default object has an empty id, which callers take as the
+/// sign that there is no package; its modulation is CW, all else is empty, 0 or
+/// false.
+class SIMULATIONDATA_EXPORT SignalPackage
+{
+public:
+    /// Identifies the package across stores; emissions name it.
+    [[nodiscard]] QString id() const { return m_sId; }
+    void setId(const QString& a_sId) { m_sId = a_sId; }
+
+    /// Ids of the packages that this one supersedes.
+    [[nodiscard]] const QStringList& updateIds() const { return m_updateIds; }
+    void setUpdateIds(const QStringList& a_updateIds) { m_updateIds = a_updateIds; }
+
+    /// The absolute path of the package's folder; not part of the descriptor.
+    [[nodiscard]] QString path() const { return m_sPath; }
+    void setPath(const QString& a_sPath) { m_sPath = a_sPath; }
+
+    /// For display.
+    [[nodiscard]] QString name() const { return m_sName; }
+    void setName(const QString& a_sName) { m_sName = a_sName; }
+
+    [[nodiscard]] QString author() const { return m_sAuthor; }
+    void setAuthor(const QString& a_sAuthor) { m_sAuthor = a_sAuthor; }
+
+    /// When or as which version the package was made; larger is newer.
+    [[nodiscard]] std::uint32_t timestamp() const { return m_uiTimestamp; }
+    void setTimestamp(std::uint32_t a_uiTimestamp) { m_uiTimestamp = a_uiTimestamp; }
+
+    /// In the unit of whoever made the package; descriptors do not name it.
+    [[nodiscard]] float signalBandwidth() const { return m_fSignalBandwidth; }
+    void setSignalBandwidth(float a_fBandwidth) { m_fSignalBandwidth = a_fBandwidth; }
+
+    [[nodiscard]] AnalogModulations analogModulation() const { return m_eAnalogModulation; }
+    void setAnalogModulation(AnalogModulations a_eModulation) { m_eAnalogModulation = a_eModulation; }
+
+    /// The name of the digital modulation. It counts only beside the analog
+    /// modulation Digital, see hasDigitalModulation().
+    [[nodiscard]] QString digitalModulation() const { return m_sDigitalModulation; }
+    void setDigitalModulation(const QString& a_sModulation) { m_sDigitalModulation = a_sModulation; }
+
+    /// Duration of the signal, in the unit of whoever made the package.
+    [[nodiscard]] std::uint32_t duration() const { return m_uiDuration; }
+    void setDuration(std::uint32_t a_uiDuration) { m_uiDuration = a_uiDuration; }
+
+    /// Whether the package's folder holds "Signal.wav", "Signal.sdf" and
+    /// "Signal.rdf"; not part of the descriptor.
+    [[nodiscard]] bool hasAudioContent() const { return m_bHasAudioContent; }
+    void setHasAudioContent(bool a_bContent) { m_bHasAudioContent = a_bContent; }
+    [[nodiscard]] bool hasSymbolDataContent() const { return m_bHasSymbolDataContent; }
+    void setHasSymbolDataContent(bool a_bContent) { m_bHasSymbolDataContent = a_bContent; }
+    [[nodiscard]] bool hasResultDataContent() const { return m_bHasResultDataContent; }
+    void setHasResultDataContent(bool a_bContent) { m_bHasResultDataContent = a_bContent; }
+
+    /// Whether the signal is digital and its modulation has a name. A name that
+    /// is left over beside another analog modulation counts as absent.
+    [[nodiscard]] bool hasDigitalModulation() const;
+
+    /// Path and name, joined by a slash.
+    [[nodiscard]] QString fullName() const;
+
+    /// The id as part of a file name: each of \ / : * ? " < > | and the full
+    /// stop is replaced by "_".
+    [[nodiscard]] static QString cleanId(const QString& a_sId);
+    [[nodiscard]] QString cleanId() const;
+
+private:
+    QString m_sId;
+    QStringList m_updateIds;
+    QString m_sPath;
+    QString m_sName;
+    QString m_sAuthor;
+    std::uint32_t m_uiTimestamp = 0;
+    float m_fSignalBandwidth = 0.0F;
+    AnalogModulations m_eAnalogModulation = AnalogModulations::CW;
+    QString m_sDigitalModulation;
+    std::uint32_t m_uiDuration = 0;
+    bool m_bHasAudioContent = false;
+    bool m_bHasSymbolDataContent = false;
+    bool m_bHasResultDataContent = false;
+};
+
+} // namespace Simulation
+
+#endif

@@ -1,0 +1,46 @@
+#ifndef SIMULATIONDATA_SIGNALPACKAGECONTENT_H
+#define SIMULATIONDATA_SIGNALPACKAGECONTENT_H
+
+#include "simulationdata/simulationdata_export.h"
+
+#include <QString>
+
+#include <cstdint>
+
+namespace Simulation {
+
+/// The record of one content item of a signal package, such as its signal shape
+/// or its audio. A plain value; a default object is empty. It is not part of
+/// what our descriptors hold.
+class SIMULATIONDATA_EXPORT SignalPackageContent
+{
+public:
+    [[nodiscard]] QString name() const { return m_sName; }
+    void setName(const QString& a_sName) { m_sName = a_sName; }
+
+    /// In the unit of whoever made the package.
+    [[nodiscard]] std::uint32_t duration() const { return m_uiDuration; }
+    void setDuration(std::uint32_t a_uiDuration) { m_uiDuration = a_uiDuration; }
+
+    /// A decimal number in the descriptors known so far.
+    [[nodiscard]] QString checksum() const { return m_sChecksum; }
+    void setChecksum(const QString& a_sChecksum) { m_sChecksum = a_sChecksum; }
+
+    /// What the content was made from.
+    [[nodiscard]] QString source() const { return m_sSource; }
+    void setSource(const QString& a_sSource) { m_sSource = a_sSource; }
+
+    [[nodiscard]] QString format() const { return m_sFormat; }
+    void setFormat(const QString& a_sFormat) { m_sFormat = a_sFormat; }
+
+private:
+    QString m_sName;
+    std::uint32_t m_uiDuration = 0;
+    QString m_sChecksum;
+    QString m_sSource;
+    QString m_sFormat;
+};
+
+} // namespace Simulation
+
+#endif

@@ -1,0 +1,41 @@
+#ifndef SIMULATIONDATA_UNRESOLVEDSIGNALPACKAGEPROVIDER_H
+#define SIMULATIONDATA_UNRESOLVEDSIGNALPACKAGEPROVIDER_H
+
+#include "simulationdata/isignalpackageprovider.h"
+#include "simulationdata/simulationdata_export.h"
+
+#include <QHash>
+#include <QString>
+
+#include <memory>
+
+namespace Simulation {
+
+/// The provider where no repository is at hand. It knows no id, has no default
+/// package and no data files, but keeps one bare package per id it was asked
+/// for, so that the ids of a document survive loading and saving. To be used by
+/// one thread at a time.
+class SIMULATIONDATA_EXPORT UnresolvedSignalPackageProvider : public ISignalPackageProvider
+{
+public:
+    /// Always false.
+    bool validSignalPackageId(const QString& a_sId) override;
+
+    /// A package that holds this id and nothing else, the same one each time.
+    /// Null for an empty id.
+    std::shared_ptr<SignalPackage> signalPackage(const QString& a_sId) override;
+
+    /// Always null, like the data files.
+    std::shared_ptr<SignalPackage> defaultSignalPackage() override;
+    SignalShapeFile* signalShapeFile(std::shared_ptr<SignalPackage> a_pPackage) override;
+    AudioFile* audioFile(std::shared_ptr<SignalPackage> a_pPackage) override;
+    SymbolDataFile* symbolDataFile(std::shared_ptr<SignalPackage> a_pPackage) override;
+    ResultDataFile* resultDataFile(std::shared_ptr<SignalPackage> a_pPackage) override;
+
+private:
+    QHash<QString, std::shared_ptr<SignalPackage>> m_packages; ///< by id
+};
+
+} // namespace Simulation
+
+#endif
