@@ -22,8 +22,8 @@ add_compile_definitions(
 
 if(SIMULATION_SANITIZE)
   set(sanitizers -fsanitize=address,undefined,float-cast-overflow -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  # Only classes with visible type information can be checked across the
-  # library's border; hidden interfaces would be reported as foreign.
+  # The check of dynamic types compares type information that hidden visibility
+  # keeps apart on both sides of the library's border.
   list(APPEND sanitizers -fno-sanitize=vptr)
   add_compile_options(${sanitizers})
   add_link_options(${sanitizers})

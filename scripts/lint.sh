@@ -1,14 +1,13 @@
 #!/usr/bin/env bash
 # Checks the format of all own sources, then lets clang-tidy look for mistakes.
-# Any finding fails. Needs the debug build, whose compile commands it uses.
+# Any finding fails. Needs the debug build: its compile commands and generated
+# sources are used.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-mapfile -t sources < <(git ls-files '*.cpp' '*.h')
-clang-format-14 --dry-run --Werror "${sources[@]}"
+# What git does not know yet counts as well, unless it is ignored.
+own_sources() { git ls-files --cached --others --exclude-standard "$@"; }
 
-build=build/debug
-# The flags are the compiler's own; clang-tidy's front end does not know all.
-git ls-files '*.cpp' | grep -v -e '^tests/consumer/' -e '^benchmarks/' |
-    xargs --max-procs="$(nproc)" --max-args=1 \
-        clang-tidy-14 -p "$build" --quiet --extra-arg=-Wno-unknown-warning-option
+own_sources '*.cpp' '*.h' | xargs clang-format-14 --dry-run --Werror
+own_sources '*.cpp' |
+    xargs --max-procs="$(nproc)" --max-args=1 clang-tidy-14 -p build/debug --quiet

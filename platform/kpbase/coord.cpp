@@ -107,7 +107,9 @@ QString utmText(const Coord& a_coord)
     if (!point) {
         return {};
     }
-    const double dBand = std::floor((a_coord.second() - s_dBandOrigin) / s_dBandHeight);
+    // Whole degrees first: a latitude just south of a band's edge would be
+    // rounded on to it.
+    const double dBand = std::floor((std::floor(a_coord.second()) - s_dBandOrigin) / s_dBandHeight);
     const qsizetype iBand = std::clamp<qsizetype>(static_cast<qsizetype>(dBand), 0, s_sBands.size() - 1);
     return QString::number(point->zone).rightJustified(2, u'0') + s_sBands[iBand] + u' ' +
            metresText(point->easting) + u' ' + metresText(point->northing);

@@ -3,7 +3,7 @@
 
 #include "simulationdata/hractivity.h"
 #include "simulationdata/limits.h"
-#include "simulationdata/trace_p.h"
+#include "trace_p.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -22,12 +22,14 @@ namespace Simulation {
 }
 
 /// Collects the activities of one answer, up to Limits::AnswerActivities.
-/// `a_szSource` names the asking source in the trace and must outlive this.
+/// `a_szSource` names the asking source in the trace, `a_iLine` the line there;
+/// the text must outlive this.
 class ActivityAnswer
 {
 public:
-    explicit ActivityAnswer(const char* a_szSource)
+    explicit ActivityAnswer(const char* a_szSource, int a_iLine = __builtin_LINE())
         : m_szSource(a_szSource)
+        , m_iLine(a_iLine)
     {}
 
     /// False when the answer is full already: the activity is dropped, one
@@ -35,10 +37,14 @@ public:
     [[nodiscard]] bool append(std::uint64_t a_uiStart, std::uint64_t a_uiDuration, double a_dFrequency)
     {
         if (static_cast<std::uint64_t>(m_activities.size()) >= m_uiLimit) {
-            traceError(m_szSource, [this] {
-                return QStringLiteral("Answer cut off at the limit \"%1\": %2")
-                    .arg(QLatin1String(Limits::name(Limits::AnswerActivities)), QString::number(m_uiLimit));
-            });
+            traceError(
+                m_szSource,
+                [this] {
+                    return QStringLiteral("Answer cut off: %1 limit of %2 exceeded")
+                        .arg(QLatin1String(Limits::name(Limits::AnswerActivities)),
+                             QString::number(m_uiLimit));
+                },
+                m_iLine);
             return false;
         }
         m_activities.append({a_uiStart, a_uiDuration, a_dFrequency});
@@ -51,6 +57,7 @@ private:
     QList<HRActivity> m_activities;
     std::uint64_t m_uiLimit = Limits::value(Limits::AnswerActivities);
     const char* m_szSource;
+    int m_iLine;
 };
 
 } // namespace Simulation

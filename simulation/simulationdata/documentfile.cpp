@@ -15,44 +15,48 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/documentfile";
 constexpr qint64 s_iChunkBytes = qint64{1} << 20;
+constexpr std::uint64_t s_uiLargestDocument = std::uint64_t{1} << 40; ///< whatever the limit says
 
-} // namespace
-
-namespace {
-
-/// A full device is seen only when the buffers are flushed.
-bool writeAll(QFileDevice& a_file, const QByteArray& a_data)
+bool failToSave(const QString& a_sFile, const QString& a_sReason)
 {
-    return a_file.open(QIODevice::WriteOnly) && a_file.write(a_data) == a_data.size() && a_file.flush();
-}
-
-bool failedToSave(const QFileDevice& a_file, const QByteArray& a_data)
-{
-    traceError(s_szSource, [&] {
-        return QStringLiteral("Cannot save \"%1\" (%2 bytes): %3")
-            .arg(a_file.fileName(), QString::number(a_data.size()), a_file.errorString());
-    });
+    traceError(s_szSource, [&] { return QStringLiteral("Cannot save \"%1\": %2").arg(a_sFile, a_sReason); });
     return false;
 }
 
+qint64 maximumBytes()
+{
+    return static_cast<qint64>(std::min(Limits::value(Limits::DocumentBytes), s_uiLargestDocument));
+}
+
 } // namespace
+
+bool checkDocumentBytes(qint64 a_iBytes, QString* a_pReason)
+{
+    const qint64 iLimit = maximumBytes();
+    if (a_iBytes <= iLimit) {
+        return true;
+    }
+    *a_pReason = QStringLiteral("%1 limit of %2 exceeded")
+                     .arg(QLatin1String(Limits::name(Limits::DocumentBytes)), QString::number(iLimit));
+    return false;
+}
 
 bool saveDocument(const QString& a_sFile, const QByteArray& a_data)
 {
-    // A device or a pipe holds nothing worth keeping and must not be replaced
-    // by a file of its name.
-    if (const QFileInfo info(a_sFile); info.exists() && !info.isFile()) {
-        QFile device(a_sFile);
-        return writeAll(device, a_data) || failedToSave(device, a_data);
+    // Replacing a device or a pipe by a file would take it from everybody.
+    if (const QFileInfo target(a_sFile); target.exists() && !target.isFile()) {
+        return failToSave(a_sFile, QStringLiteral("is no regular file"));
     }
     QSaveFile file(a_sFile);
-    return (writeAll(file, a_data) && file.commit()) || failedToSave(file, a_data);
+    // A full device is seen only when the buffers are flushed.
+    const bool bWritten =
+        file.open(QIODevice::WriteOnly) && file.write(a_data) == a_data.size() && file.flush();
+    return (bWritten && file.commit()) || failToSave(a_sFile, file.errorString());
 }
 
 std::optional<QByteArray> readDocument(QIODevice* a_pDevice, QString* a_pReason)
 {
-    const auto iLimit = static_cast<qint64>(
-        std::min<std::uint64_t>(Limits::value(Limits::DocumentBytes), std::uint64_t{1} << 40));
+    const qint64 iLimit = maximumBytes();
     if (!a_pDevice->isReadable()) {
         *a_pReason = QStringLiteral("is not open for reading");
         return std::nullopt;
@@ -74,12 +78,10 @@ std::optional<QByteArray> readDocument(QIODevice* a_pDevice, QString* a_pReason)
             return std::nullopt;
         }
         if (iRead <= 0) {
-            return data;
+            break;
         }
     }
-    *a_pReason = QStringLiteral("%1 limit of %2 exceeded")
-                     .arg(QLatin1String(Limits::name(Limits::DocumentBytes)), QString::number(iLimit));
-    return std::nullopt;
+    return checkDocumentBytes(data.size(), a_pReason) ? std::optional<QByteArray>(data) : std::nullopt;
 }
 
 std::optional<QByteArray> loadDocument(const QString& a_sFile, QString* a_pReason)

@@ -13,9 +13,14 @@ class QIODevice;
 namespace Simulation {
 
 /// Replaces the file by the bytes, whole or not at all: what was there stays
-/// when the disk is full or the process dies. What exists and is no regular
-/// file is written to directly. False after one trace.
+/// when the disk is full or the process dies. The new file is made beside the
+/// old one, so the folder must be writable; devices and folders are refused.
+/// False after one trace.
 [[nodiscard]] SIMULATIONDATA_EXPORT bool saveDocument(const QString& a_sFile, const QByteArray& a_data);
+
+/// Whether a document of that size may be read. False with a reason when it is
+/// more than Limits::DocumentBytes.
+[[nodiscard]] bool checkDocumentBytes(qint64 a_iBytes, QString* a_pReason);
 
 /// Everything that the open device still holds. Nothing, with a reason, when
 /// that is more than Limits::DocumentBytes or the device cannot be read.

@@ -1,8 +1,8 @@
 #include "frequencysettings_chirp.h"
 
-#include "simulationdata/activityanswer_p.h"
-#include "simulationdata/numbers_p.h"
-#include "simulationdata/timeslotoffset_p.h"
+#include "activityanswer_p.h"
+#include "numbers_p.h"
+#include "timeslotoffset_p.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 #include "frequencysettings_fasthopper.h"
 
+#include "activityanswer_p.h"
 #include "crt/crt.h"
-#include "simulationdata/activityanswer_p.h"
-#include "simulationdata/numbers_p.h"
-#include "simulationdata/timeslotoffset_p.h"
+#include "numbers_p.h"
+#include "timeslotoffset_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -184,9 +184,9 @@ bool FrequencySettings_FastHopper::hasChannels() const
         return m_uiHoppCount != 0;
     }
     if (!m_bLimitTraced) {
-        m_bLimitTraced = true;
         traceError(s_szSource, [this, uiLimit] {
-            return QStringLiteral("Hop count %1 exceeds the limit \"%2\": %3")
+            m_bLimitTraced = true;
+            return QStringLiteral("Hop count %1 gives no channels: %2 limit of %3 exceeded")
                 .arg(QString::number(m_uiHoppCount), QLatin1String(Limits::name(Limits::HopChannels)),
                      QString::number(uiLimit));
         });

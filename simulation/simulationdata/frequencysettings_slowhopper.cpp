@@ -1,6 +1,6 @@
 #include "frequencysettings_slowhopper.h"
 
-#include "simulationdata/activityanswer_p.h"
+#include "activityanswer_p.h"
 
 #include <algorithm>
 #include <cstddef>

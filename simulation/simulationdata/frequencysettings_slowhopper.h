@@ -57,6 +57,9 @@ public:
     /// after the beginning of the step before.
     void setTime(int a_iRow, unsigned int a_uiTime);
 
+    // Removing and inserting steps leaves the total length as it was last asked
+    // for: activeUntil() and activities go by it until a value is set.
+
     /// Removes a step. The first one stays: ignored for row 0 and out of range.
     void removeStep(int a_iRow);
 

@@ -14,7 +14,8 @@ namespace Simulation {
 /// Frequencies are in Hz. Times are scenario times in ms since scenario start,
 /// 32 bits. An object belongs to one emitter, which owns it; it takes no lock,
 /// and since queries may fill caches, one object serves one thread at a time.
-/// The order of the operations is part of the interface.
+/// The order of the operations, and which of them are const, is part of the
+/// interface.
 class SIMULATIONDATA_EXPORT IFrequencySettings
 {
 public:
@@ -41,10 +42,11 @@ public:
     /// time (ms).
     [[nodiscard]] virtual bool isActiveAt(unsigned int a_uiTime) const = 0;
 
-    /// The stretches of constant frequency that cover the window
-    /// [a_uiStart, a_uiStart + a_uiLength) (ms), in ascending order.
-    /// `a_dResolution` (Hz) is how far a sweep may move within one stretch. The
-    /// window ends at 2^32; the list ends at Limits::AnswerActivities.
+    /// The stretches of constant frequency in the window
+    /// [a_uiStart, a_uiStart + a_uiLength) (ms), in ascending order. The classes
+    /// say where they leave gaps or run past its end. `a_dResolution` (Hz) is
+    /// how far a sweep may move within one stretch. Walks end at 2^32 ms and at
+    /// Limits::AnswerActivities.
     [[nodiscard]] virtual QList<HRActivity>
     calculateHRActivities(unsigned int a_uiStart, unsigned int a_uiLength, double a_dResolution) const = 0;
 

@@ -10,6 +10,7 @@ namespace {
 
 struct LimitEntry
 {
+    Limits::Limit limit;
     const char* name;
     std::uint64_t defaultValue;
     const char* reason;
@@ -19,16 +20,34 @@ constexpr std::uint64_t s_uiKibi = 1024;
 constexpr std::uint64_t s_uiMebi = 1024 * s_uiKibi;
 
 constexpr std::array<LimitEntry, Limits::LimitCount> s_limits{{
-    {"document bytes", 256 * s_uiMebi, "A document is held in memory while it is read."},
-    {"nesting depth", 256, "Our documents nest eight deep; deeper ones only cost memory."},
-    {"attributes of one element", 4096, "The stream reader's time is quadratic in them: 100,000 take 17 s."},
-    {"bytes of a document type", 4 * s_uiKibi,
+    {Limits::DocumentBytes, "document bytes", 256 * s_uiMebi,
+     "A document is held in memory while it is read."},
+    {Limits::NestingDepth, "nesting depth", 256,
+     "Our documents nest eight deep; deeper ones only cost memory."},
+    {Limits::ElementAttributes, "attributes of one element", 4096,
+     "The stream reader's time is quadratic in them: 100,000 take 17 s."},
+    {Limits::DoctypeBytes, "bytes of a document type", 4 * s_uiKibi,
      "Our documents have none; its rules are applied to every element."},
-    {"elements of a record", 256 * s_uiKibi, "A tree of the shortest elements takes 16 times its text."},
-    {"activities in one answer", 16 * s_uiMebi,
+    {Limits::RecordElements, "elements of a record", 256 * s_uiKibi,
+     "A tree of the shortest elements takes 16 times its text."},
+    {Limits::AnswerActivities, "activities in one answer", 16 * s_uiMebi,
      "A list of them takes 24 bytes each: 384 MiB at the default."},
-    {"hop channels", 4 * s_uiMebi, "The channel list takes 8 bytes each and 8 shuffle rounds to build."},
+    {Limits::HopChannels, "hop channels", 4 * s_uiMebi,
+     "The channel list takes 8 bytes each and 8 shuffle rounds to build."},
+    {Limits::ArcPoints, "points of an arc", 64 * s_uiKibi,
+     "A way point takes 72 bytes, and no display tells more points apart."},
 }};
+
+constexpr bool isInOrder()
+{
+    for (std::size_t i = 0; i < s_limits.size(); ++i) {
+        if (static_cast<std::size_t>(s_limits[i].limit) != i) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(isInOrder(), "the table is looked up by the limit's value");
 
 /// 0 stands for the default, so that the table needs no start-up code.
 std::array<std::atomic<std::uint64_t>, Limits::LimitCount> s_values{};
@@ -40,7 +59,7 @@ bool isLimit(Limits::Limit a_eLimit)
 
 const LimitEntry& entry(Limits::Limit a_eLimit)
 {
-    static constexpr LimitEntry s_unknown{"unknown limit", 0, ""};
+    static constexpr LimitEntry s_unknown{Limits::LimitCount, "unknown limit", 0, ""};
     return isLimit(a_eLimit) ? s_limits[static_cast<std::size_t>(a_eLimit)] : s_unknown;
 }
 

@@ -24,6 +24,7 @@ public:
         RecordElements,    ///< elements of a record that is held as a tree (XmlElement)
         AnswerActivities,  ///< activities in one answer
         HopChannels,       ///< channels of a fast hopper
+        ArcPoints,         ///< points of one arc inserted into a movement
         LimitCount         ///< number of limits, not a limit
     };
 
@@ -32,7 +33,8 @@ public:
     /// The bound in force.
     [[nodiscard]] static std::uint64_t value(Limit a_eLimit);
 
-    /// Replaces a bound. 0 brings the default back.
+    /// Replaces a bound. 0 brings the default back. A bound that allows more than
+    /// the machine has memory for protects nothing.
     static void setValue(Limit a_eLimit, std::uint64_t a_uiValue);
 
     [[nodiscard]] static std::uint64_t defaultValue(Limit a_eLimit);

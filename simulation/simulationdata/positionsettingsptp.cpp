@@ -1,7 +1,8 @@
 #include "positionsettingsptp.h"
 
-#include "simulationdata/numbers_p.h"
-#include "simulationdata/trace_p.h"
+#include "numbers_p.h"
+#include "simulationdata/limits.h"
+#include "trace_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -24,7 +25,6 @@ constexpr double s_dLargestShare = 0.7; ///< of a leg, before an inserted point
 constexpr double s_dRightAngle = 90.0;
 constexpr double s_dHalfTurn = 180.0;
 constexpr double s_dFullTurn = 360.0;
-constexpr int s_iMaxArcPoints = 36'000; ///< one for each 0.01 degrees of a full circle
 
 std::uint32_t clampToUInt32(std::uint64_t a_uiValue)
 {
@@ -135,11 +135,12 @@ void PositionSettingsPtp::setArivalTime(int a_iRow, unsigned int a_uiTime)
     if (a_iRow < 1 || !hasRow(a_iRow)) {
         return;
     }
-    const unsigned int uiDeparture = getDepartureTime(a_iRow - 1);
-    if (a_uiTime <= uiDeparture) {
+    const QVector<MovementPoint>& movements = points();
+    const std::uint64_t uiDeparture =
+        arrivals()[static_cast<std::size_t>(a_iRow) - 1] + movements[a_iRow - 1].dwellTime;
+    if (a_uiTime < uiDeparture) {
         return;
     }
-    const QVector<MovementPoint>& movements = points();
     double dDistance = 0.0;
     for (int iRow = a_iRow; iRow > 0; --iRow) {
         dDistance += distance(movements[iRow].position, movements[iRow - 1].position);
@@ -149,7 +150,9 @@ void PositionSettingsPtp::setArivalTime(int a_iRow, unsigned int a_uiTime)
     }
     const double dHours =
         static_cast<float>(a_uiTime - uiDeparture) / static_cast<double>(s_fMillisecondsPerHour);
-    m_movements[a_iRow].speed = static_cast<float>(dDistance / dHours);
+    // Without a speed the leg takes no time.
+    m_movements[a_iRow].speed =
+        dHours > 0.0 ? static_cast<double>(static_cast<float>(dDistance / dHours)) : 0.0;
     updatePoint();
 }
 
@@ -287,10 +290,12 @@ void PositionSettingsPtp::insertArcAfter(int a_iRow, int a_iCount, int a_iAngle,
     if (!hasRow(a_iRow) || a_iCount < 1) {
         return;
     }
-    if (a_iCount > s_iMaxArcPoints) {
-        traceError(s_szSource, [a_iCount] {
-            return QStringLiteral("Arc of %1 points refused: at most %2")
-                .arg(QString::number(a_iCount), QString::number(s_iMaxArcPoints));
+    const std::uint64_t uiLimit = Limits::value(Limits::ArcPoints);
+    if (static_cast<std::uint64_t>(a_iCount) > uiLimit) {
+        traceError(s_szSource, [&] {
+            return QStringLiteral("Arc of %1 points refused: %2 limit of %3 exceeded")
+                .arg(QString::number(a_iCount), QLatin1String(Limits::name(Limits::ArcPoints)),
+                     QString::number(uiLimit));
         });
         return;
     }

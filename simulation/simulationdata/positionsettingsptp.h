@@ -56,8 +56,9 @@ public:
 
     /// Changes the speed of a point so that it is reached at a time (ms). The
     /// distance counts from the way point before, over all intermediate points.
-    /// Ignored for row 0, rows out of range, and times that no speed reaches
-    /// (not after the departure from the point before).
+    /// At the departure from the point before, the speed becomes 0, with which
+    /// the leg takes no time. Ignored for row 0, rows out of range, and times
+    /// before that departure.
     void setArivalTime(int a_iRow, unsigned int a_uiTime);
 
     /// When a point is left (ms, at most 0xFFFFFFFF). Bounds as above: the
@@ -79,8 +80,9 @@ public:
     void setMovementSpeed(int a_iRow, float a_fSpeed);
 
     /// Inserts a point after a row, on the straight line (in degrees) to the
-    /// next point, `a_dDistance` degrees away but at most 70 % of the way; 0 =
-    /// as far as the next point. After the last row it extends the last leg: a
+    /// next point, `a_dDistance` degrees away but at most 70 % of the way, and
+    /// just there for 0; below 0 it lies in the other direction. After the last
+    /// row it extends the last leg, for 0 by its own length: a
     /// named point becomes the new end, without a name the end itself moves on
     /// and an intermediate point takes its place. A name that is not null makes
     /// a way point. Ignored for rows below 0.
@@ -94,7 +96,9 @@ public:
 
     /// Inserts `a_iCount` intermediate points after a row, on an arc of
     /// `a_dRadius` metres that turns by `a_iAngle` degrees, to the right when
-    /// positive. Ignored for rows out of range and counts outside [1, 36000].
+    /// positive. The first of them lies on the row's point; the first row counts
+    /// as heading north. Ignored for rows out of range, counts below 1 and above
+    /// Limits::ArcPoints.
     void insertArcAfter(int a_iRow, int a_iCount, int a_iAngle, double a_dRadius);
 
     /// Every point but the first can be removed.

@@ -1,8 +1,15 @@
 #include "tpos.h"
 
 #include "geodesy/geodesy.h"
+#include "simulationdata/position.h"
+
+#include <type_traits>
 
 namespace Simulation {
+
+static_assert(sizeof(TPos) == sizeof(Units::Position_t) && std::is_standard_layout_v<TPos> &&
+                  std::is_standard_layout_v<Units::Position_t>,
+              "both types of a position have one layout");
 
 namespace {
 

@@ -14,7 +14,8 @@ struct TPos
 };
 
 /// The initial azimuth of the geodesic from one position to another, degrees
-/// clockwise from north, [0, 360); 0 for coincident positions.
+/// clockwise from north, [0, 360); 0 for coincident positions and when a
+/// latitude lies outside [-90, 90].
 [[nodiscard]] SIMULATIONDATA_EXPORT double azimuth(const TPos& a_from, const TPos& a_to);
 
 /// The length of the geodesic between two positions, kilometres. Not a number
@@ -22,7 +23,8 @@ struct TPos
 [[nodiscard]] SIMULATIONDATA_EXPORT double distance(const TPos& a_from, const TPos& a_to);
 
 /// The position reached from `a_start` in the direction `a_dAzimuth` (degrees
-/// clockwise from north) after `a_dDistance` (kilometres).
+/// clockwise from north) after `a_dDistance` (kilometres), its longitude in
+/// [-180, 180]. Not a number when the start is none on the globe.
 [[nodiscard]] SIMULATIONDATA_EXPORT TPos position(const TPos& a_start, double a_dAzimuth, double a_dDistance);
 
 } // namespace Simulation

@@ -1,5 +1,6 @@
 #include "xmldocumentreader_p.h"
 
+#include "documentfile_p.h"
 #include "xmlencoding_p.h"
 #include "xmlposition_p.h"
 #include "xmlscanner_p.h"
@@ -22,11 +23,12 @@ XmlDocumentReader::XmlDocumentReader(const QByteArray& a_data)
     // to the declarations that a document chooses to make.
     m_stream.setNamespaceProcessing(false);
 
-    QString sReason;
-    std::optional<QByteArray> text = toUtf8Xml(a_data, &sReason);
+    std::optional<QByteArray> text;
+    if (checkDocumentBytes(a_data.size(), &m_sRefusal)) {
+        text = toUtf8Xml(a_data, &m_sRefusal);
+    }
     if (!text) {
-        m_sRefusal = sReason;
-        m_stream.raiseError(sReason);
+        m_stream.raiseError(m_sRefusal);
         return;
     }
     XmlScanner scanner;

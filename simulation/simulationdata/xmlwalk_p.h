@@ -4,6 +4,9 @@
 #include <QString>
 #include <QXmlStreamReader>
 
+#include <optional>
+#include <utility>
+
 namespace Simulation {
 
 /// Sees every element that no reader wanted and skips it with all it holds.
@@ -24,10 +27,12 @@ void forEachChild(QXmlStreamReader& a_reader, const Handler& a_handler)
 }
 
 /// The text of the element on which the reader stands, up to its end. Children
-/// are left out: a stray one must not cost the rest of the document.
-[[nodiscard]] inline QString elementText(QXmlStreamReader& a_reader)
+/// are left out: a stray one must not cost the rest of the document. Nothing
+/// when the document breaks off inside: half a number is another number.
+[[nodiscard]] inline std::optional<QString> elementText(QXmlStreamReader& a_reader)
 {
-    return a_reader.readElementText(QXmlStreamReader::SkipChildElements);
+    QString sText = a_reader.readElementText(QXmlStreamReader::SkipChildElements);
+    return a_reader.hasError() ? std::nullopt : std::optional<QString>(std::move(sText));
 }
 
 } // namespace Simulation

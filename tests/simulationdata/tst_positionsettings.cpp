@@ -480,7 +480,7 @@ void TestPositionSettings::ignoredRows()
     QCOMPARE(settings.getMovementSpeed(0), -1.0F);
     settings.setMovementSpeed(0, 99.0F);
     settings.setArivalTime(0, 99999);
-    settings.setArivalTime(2, settings.getDepartureTime(1)); // no speed reaches it
+    settings.setArivalTime(2, settings.getDepartureTime(1) - 1); // no speed reaches it
     settings.insertArcAfter(1, 0, 90, 100.0);
     settings.insertArcAfter(1, -5, 90, 100.0);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("2147483647 points")));
@@ -518,6 +518,8 @@ void TestPositionSettings::arrivalAndDeparture()
     QCOMPARE(settings.getPoint(1).speed, double(float(s_dEquatorDegree)));
     QVERIFY(std::fabs(double(settings.getMovementSpeed(1)) - s_dEquatorDegree) < 0.001);
     // Two degrees from the way point before, in an hour since the intermediate point.
+    settings.setArivalTime(3, settings.getDepartureTime(2)); // at once
+    QCOMPARE(settings.getArivalTime(3), settings.getDepartureTime(2));
     settings.setArivalTime(3, settings.getDepartureTime(2) + 3'600'000);
     QVERIFY(std::fabs(settings.getPoint(3).speed - 2.0 * s_dEquatorDegree) < 0.001);
     QCOMPARE(settings.getPoint(2).speed, settings.getPoint(3).speed);
