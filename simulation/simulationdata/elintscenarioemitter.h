@@ -1,0 +1,34 @@
+#ifndef SIMULATIONDATA_ELINTSCENARIOEMITTER_H
+#define SIMULATIONDATA_ELINTSCENARIOEMITTER_H
+
+#include "simulationdata/szenarioemitter.h"
+
+namespace Simulation {
+
+/// An emitter whose pulses come from a file of emitter description words. The
+/// file is its schedule: it is active whenever flag, frequency and position
+/// are. A default object names no file.
+class SIMULATIONDATA_EXPORT ElintScenarioEmitter : public SzenarioEmitter
+{
+public:
+    ElintScenarioEmitter(const QString& a_sId, const QString& a_sName);
+    ~ElintScenarioEmitter() override;
+
+    [[nodiscard]] ScenarioObjectType type() const override;
+
+    /// Also takes the file name over, which copy() leaves alone.
+    [[nodiscard]] std::shared_ptr<ScenarioObject> clone() override;
+
+    [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;
+
+    [[nodiscard]] QString getEDWFile() const { return m_sEDWFile; }
+    /// The capital letter is part of the interface.
+    void SetEDWFile(const QString& a_sFile) { m_sEDWFile = a_sFile; }
+
+private:
+    QString m_sEDWFile;
+};
+
+} // namespace Simulation
+
+#endif

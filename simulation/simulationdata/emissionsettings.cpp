@@ -1,0 +1,367 @@
+#include "emissionsettings.h"
+
+#include "activityanswer_p.h"
+#include "emissionwalk_p.h"
+#include "referencegraph_p.h"
+#include "releasequeue_p.h"
+#include "simulationdata/szenarioemitter.h"
+
+#include <boost/make_shared.hpp>
+#include <QHash>
+#include <QSet>
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <utility>
+#include <vector>
+
+namespace Simulation {
+
+namespace {
+
+using EmissionPtr = boost::shared_ptr<EmissionSettings::Emission>;
+using GroupPtr = boost::shared_ptr<EmissionSettings::Group>;
+
+bool startsBefore(const EmissionPtr& a_emission, std::int64_t a_iStart)
+{
+    return a_emission->start < a_iStart;
+}
+
+/// Whether an emission that started before the time lasts until then. Starts
+/// come from documents: the difference is taken where it cannot overflow.
+bool lastsUntil(const EmissionSettings::Emission& a_emission, std::int64_t a_iTime)
+{
+    if (a_emission.duration < 0) {
+        return false;
+    }
+    const std::uint64_t uiElapsed =
+        static_cast<std::uint64_t>(a_iTime) - static_cast<std::uint64_t>(a_emission.start);
+    return uiElapsed <= static_cast<std::uint64_t>(a_emission.duration);
+}
+
+} // namespace
+
+EmissionSettings::Emission::~Emission()
+{
+    if (emitter.use_count() == 1) {
+        // Not as an initializer list: that would hold the last reference until
+        // the queue is gone.
+        std::vector<std::shared_ptr<const void>> references;
+        references.push_back(std::move(emitter));
+        ReleaseQueue::release(std::move(references));
+    }
+}
+
+EmissionSettings::Group::~Group()
+{
+    // Chains of groups are taken apart here, not one inside the other.
+    QList<GroupPtr> pending = std::move(groups);
+    while (!pending.isEmpty()) {
+        const GroupPtr group = pending.takeLast();
+        if (group && group.use_count() == 1) {
+            pending.append(std::exchange(group->groups, {}));
+        }
+    }
+}
+
+EmissionSettings& EmissionSettings::operator=(const EmissionSettings& a_other)
+{
+    EmissionSettings copy(a_other);
+    std::swap(m_emissions, copy.m_emissions);
+    std::swap(m_groups, copy.m_groups);
+    std::swap(m_iDuration, copy.m_iDuration);
+    std::swap(m_bBroadcast, copy.m_bBroadcast);
+    return *this;
+}
+
+EmissionSettings::~EmissionSettings()
+{
+    releaseGroups();
+}
+
+EmissionPtr EmissionSettings::createEmission()
+{
+    return boost::make_shared<Emission>();
+}
+
+GroupPtr EmissionSettings::createGroup()
+{
+    return boost::make_shared<Group>();
+}
+
+qsizetype EmissionSettings::lowerBound(std::int64_t a_iStart) const
+{
+    const auto found = std::lower_bound(m_emissions.cbegin(), m_emissions.cend(), a_iStart, startsBefore);
+    return std::distance(m_emissions.cbegin(), found);
+}
+
+void EmissionSettings::addEmission(const EmissionPtr& a_emission)
+{
+    if (a_emission) {
+        const EmissionPtr emission = a_emission; // may be an element of the list itself
+        m_emissions.insert(lowerBound(emission->start), emission);
+    }
+}
+
+void EmissionSettings::addEmissions(const QList<EmissionPtr>& a_emissions)
+{
+    QList<EmissionPtr> merged;
+    merged.reserve(a_emissions.size() + m_emissions.size());
+    std::copy_if(a_emissions.cbegin(), a_emissions.cend(), std::back_inserter(merged),
+                 [](const EmissionPtr& a_emission) { return a_emission != nullptr; });
+    merged.append(m_emissions);
+    const auto byStart = [](const EmissionPtr& a_first, const EmissionPtr& a_second) {
+        return a_first->start < a_second->start;
+    };
+    if (!std::is_sorted(merged.cbegin(), merged.cend(), byStart)) {
+        std::stable_sort(merged.begin(), merged.end(), byStart);
+    }
+    m_emissions = std::move(merged);
+}
+
+void EmissionSettings::updateEmission(const EmissionPtr& a_emission)
+{
+    const EmissionPtr emission = a_emission;
+    m_emissions.removeAll(emission);
+    addEmission(emission);
+}
+
+void EmissionSettings::removeEmission(const EmissionPtr& a_emission)
+{
+    const EmissionPtr emission = a_emission;
+    m_emissions.removeAll(emission);
+    for (const GroupPtr& group : std::as_const(m_groups)) {
+        group->emissions.removeAll(emission);
+    }
+    clearEmptyGroups();
+}
+
+void EmissionSettings::removeEmissions(const std::shared_ptr<SzenarioEmitter>& a_emitter)
+{
+    const std::shared_ptr<SzenarioEmitter> emitter = a_emitter; // may be an emission's own
+    QSet<const Emission*> removed;
+    for (const EmissionPtr& emission : std::as_const(m_emissions)) {
+        if (emission->emitter == emitter) {
+            removed.insert(emission.get());
+        }
+    }
+    if (removed.isEmpty()) {
+        return;
+    }
+    const auto isRemoved = [&removed](const EmissionPtr& a_emission) {
+        return removed.contains(a_emission.get());
+    };
+    for (const GroupPtr& group : std::as_const(m_groups)) {
+        group->emissions.removeIf(isRemoved);
+    }
+    m_emissions.removeIf(isRemoved);
+    clearEmptyGroups();
+}
+
+void EmissionSettings::replaceEmitter(const std::shared_ptr<SzenarioEmitter>& a_old,
+                                      const std::shared_ptr<SzenarioEmitter>& a_replacement)
+{
+    const std::shared_ptr<SzenarioEmitter> old = a_old; // may be an emission's own
+    const std::shared_ptr<SzenarioEmitter> replacement = a_replacement;
+    for (const EmissionPtr& emission : std::as_const(m_emissions)) {
+        if (emission->emitter == old) {
+            emission->emitter = replacement;
+        }
+    }
+}
+
+void EmissionSettings::replaceSignalPackage(const std::shared_ptr<SignalPackage>& a_old,
+                                            const std::shared_ptr<SignalPackage>& a_replacement)
+{
+    const std::shared_ptr<SignalPackage> old = a_old; // may be an emission's own
+    const std::shared_ptr<SignalPackage> replacement = a_replacement;
+    for (const EmissionPtr& emission : std::as_const(m_emissions)) {
+        if (emission->signalPackage == old) {
+            emission->signalPackage = replacement;
+        }
+    }
+}
+
+void EmissionSettings::addGroup(const GroupPtr& a_group)
+{
+    if (a_group) {
+        m_groups.append(a_group);
+    }
+}
+
+void EmissionSettings::removeGroup(const GroupPtr& a_group)
+{
+    const GroupPtr removed = a_group;
+    for (const GroupPtr& group : std::as_const(m_groups)) {
+        group->groups.removeAll(removed); // its own list too, or it would hold itself for ever
+    }
+    m_groups.removeAll(removed);
+}
+
+void EmissionSettings::clearEmptyGroups()
+{
+    // A group is only looked at again when a member went, and members are only
+    // counted until the end: chains and crowds of groups that empty each other
+    // cost no more than their number.
+    QHash<const Group*, QList<const Group*>> holders;
+    QHash<const Group*, qsizetype> membersLeft;
+    QSet<const Group*> empty;
+    QList<const Group*> pending;
+    const auto dropIfEmpty = [&](const Group* a_pGroup) {
+        if (a_pGroup->emissions.isEmpty() && membersLeft.value(a_pGroup) == 0) {
+            empty.insert(a_pGroup);
+            pending.append(a_pGroup);
+        }
+    };
+    for (const GroupPtr& group : std::as_const(m_groups)) {
+        if (membersLeft.contains(group.get())) {
+            continue;
+        }
+        membersLeft.insert(group.get(), group->groups.size());
+        for (const GroupPtr& member : std::as_const(group->groups)) {
+            holders[member.get()].append(group.get());
+        }
+        dropIfEmpty(group.get());
+    }
+    while (!pending.isEmpty()) {
+        const QList<const Group*> parents = holders.take(pending.takeLast());
+        for (const Group* pParent : parents) {
+            --membersLeft[pParent];
+            dropIfEmpty(pParent);
+        }
+    }
+    if (empty.isEmpty()) {
+        return;
+    }
+    const auto isEmpty = [&empty](const GroupPtr& a_group) { return empty.contains(a_group.get()); };
+    for (const GroupPtr& group : std::as_const(m_groups)) {
+        group->groups.removeIf(isEmpty);
+    }
+    m_groups.removeIf(isEmpty);
+}
+
+void EmissionSettings::clearAll()
+{
+    releaseGroups();
+    m_emissions.clear();
+}
+
+void EmissionSettings::setDuration(long long a_iDuration)
+{
+    m_iDuration = a_iDuration < 1 ? s_iUnlimited : a_iDuration;
+}
+
+void EmissionSettings::makeContinousActive(const std::shared_ptr<SzenarioEmitter>& a_emitter,
+                                           const std::shared_ptr<SignalPackage>& a_package)
+{
+    const EmissionPtr emission = createEmission();
+    emission->duration = m_iDuration;
+    emission->emitter = a_emitter;
+    emission->signalPackage = a_package;
+    if (!a_package && !m_emissions.isEmpty()) {
+        emission->signalPackage = m_emissions.constFirst()->signalPackage;
+    }
+    clearAll();
+    addEmission(emission);
+}
+
+EmissionPtr EmissionSettings::emissionAt(unsigned int a_uiTime) const
+{
+    const std::int64_t iTime = std::int64_t{a_uiTime} % m_iDuration;
+    const qsizetype iNext = lowerBound(iTime);
+    if (iNext == 0) {
+        return {};
+    }
+    const EmissionPtr& latest = m_emissions.at(iNext - 1);
+    return lastsUntil(*latest, iTime) ? latest : EmissionPtr();
+}
+
+bool EmissionSettings::isActiveAt(unsigned int a_uiTime) const
+{
+    return emissionAt(a_uiTime) != nullptr;
+}
+
+std::shared_ptr<SzenarioEmitter> EmissionSettings::activeEmitterAt(unsigned int a_uiTime) const
+{
+    const EmissionPtr emission = emissionAt(a_uiTime);
+    return emission ? emission->emitter : nullptr;
+}
+
+std::shared_ptr<SignalPackage> EmissionSettings::signalPackageAt(unsigned int a_uiTime) const
+{
+    const EmissionPtr emission = emissionAt(a_uiTime);
+    return emission ? emission->signalPackage : nullptr;
+}
+
+long long EmissionSettings::timeActiveAt(unsigned int a_uiTime) const
+{
+    const EmissionPtr emission = emissionAt(a_uiTime);
+    // An emission that is on started at most its own duration ago, so the
+    // difference fits.
+    return emission ? std::int64_t{a_uiTime} % m_iDuration - emission->start : -1;
+}
+
+unsigned int EmissionSettings::activeUntil() const
+{
+    return std::numeric_limits<unsigned int>::max();
+}
+
+QList<HRActivity> EmissionSettings::calculateHRActivities(const SzenarioEmitter* a_pEmitter,
+                                                          unsigned int a_uiStart,
+                                                          unsigned int a_uiLength) const
+{
+    if (m_emissions.isEmpty()) {
+        return {};
+    }
+    if (m_bBroadcast) {
+        return {HRActivity{a_uiStart, a_uiLength, 0.0}};
+    }
+    const std::int64_t iBase = a_uiStart - std::int64_t{a_uiStart} % m_iDuration;
+    const qsizetype iNext = lowerBound(a_uiStart - iBase);
+    return walkSchedule(m_emissions, a_pEmitter, std::max<qsizetype>(iNext - 1, 0), m_iDuration, iBase,
+                        static_cast<std::int64_t>(windowEnd(a_uiStart, a_uiLength)));
+}
+
+void EmissionSettings::releaseGroups()
+{
+    if (m_groups.isEmpty()) {
+        return;
+    }
+    // Lists that are shared with a copy are parted first: then every holder
+    // counts.
+    std::vector<GroupPtr> kept;
+    ReferenceGraph graph;
+    const auto add = [&](const GroupPtr& a_group) {
+        const auto [node, bNew] = graph.add(a_group.get());
+        if (bNew) {
+            kept.push_back(a_group);
+        }
+        return node;
+    };
+    m_groups.detach();
+    for (const GroupPtr& group : std::as_const(m_groups)) {
+        add(group);
+    }
+    m_groups.clear();
+    for (std::size_t i = 0; i < kept.size(); ++i) {
+        const GroupPtr group = kept[i];
+        group->groups.detach();
+        for (const GroupPtr& member : std::as_const(group->groups)) {
+            if (member) {
+                graph.addReference(i, add(member));
+            }
+        }
+    }
+    std::vector<long> useCounts(kept.size());
+    std::transform(kept.cbegin(), kept.cend(), useCounts.begin(),
+                   [](const GroupPtr& a_group) { return a_group.use_count() - 1; });
+    const std::vector<bool> unreachable = graph.unreachable(useCounts);
+    for (std::size_t i = 0; i < kept.size(); ++i) {
+        if (unreachable[i]) {
+            kept[i]->groups.clear();
+        }
+    }
+}
+
+} // namespace Simulation

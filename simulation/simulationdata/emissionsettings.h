@@ -1,0 +1,159 @@
+#ifndef SIMULATIONDATA_EMISSIONSETTINGS_H
+#define SIMULATIONDATA_EMISSIONSETTINGS_H
+
+#include "simulationdata/hractivity.h"
+#include "simulationdata/simulationdata_export.h"
+
+#include <boost/shared_ptr.hpp>
+#include <QList>
+#include <QString>
+
+#include <cstdint>
+#include <memory>
+
+namespace Simulation {
+
+class SignalPackage;
+class SzenarioEmitter;
+
+/// The transmission schedule of an emitter or of a network of emitters: which
+/// emitter sends which signal package from when and for how long, and named
+/// groups that bundle emissions and other groups. The schedule repeats with a
+/// period; in broadcast mode it is ignored and the transmitter is always on.
+///
+/// A value class: copies share the emissions and groups themselves, so what is
+/// replaced or removed inside them is so for all copies. Used from one thread. A default object has no
+/// emission, an unlimited period and no broadcast. Times are milliseconds since scenario start.
+class SIMULATIONDATA_EXPORT EmissionSettings
+{
+public:
+    /// A period that never ends, and so never repeats.
+    static constexpr std::int64_t s_iUnlimited = 0x7FFFFFFFFFFFFFFF;
+
+    /// One entry of the schedule, active on (start, start + duration]: not yet
+    /// at the instant of its start, still at the instant of its end.
+    struct SIMULATIONDATA_EXPORT Emission
+    {
+        Emission() = default;
+        Emission(const Emission&) = delete;
+        Emission& operator=(const Emission&) = delete;
+        ~Emission();
+
+        std::uint32_t id = 0;                         ///< number by which groups name it in documents
+        std::int64_t start = 0;                       ///< ms since the beginning of the period
+        std::int64_t duration = 0;                    ///< ms; below 0 it is never active
+        std::shared_ptr<SzenarioEmitter> emitter;     ///< who sends; may be null
+        std::shared_ptr<SignalPackage> signalPackage; ///< what is sent; may be null
+    };
+
+    /// A named bundle of emissions and other groups.
+    struct SIMULATIONDATA_EXPORT Group
+    {
+        Group() = default;
+        Group(const Group&) = delete;
+        Group& operator=(const Group&) = delete;
+        ~Group();
+
+        std::uint32_t id = 0; ///< number by which other groups name it in documents
+        QString name;
+        QList<boost::shared_ptr<Group>> groups;
+        QList<boost::shared_ptr<Emission>> emissions;
+    };
+
+    EmissionSettings() = default;
+    EmissionSettings(const EmissionSettings& a_other) = default;
+    EmissionSettings& operator=(const EmissionSettings& a_other);
+
+    /// Groups that hold each other in a circle are taken apart when nothing
+    /// else holds them.
+    ~EmissionSettings();
+
+    /// A new record with the defaults above. It is not added.
+    [[nodiscard]] static boost::shared_ptr<Emission> createEmission();
+    [[nodiscard]] static boost::shared_ptr<Group> createGroup();
+
+    /// The emissions in ascending order of their starts.
+    [[nodiscard]] const QList<boost::shared_ptr<Emission>>& emissions() const { return m_emissions; }
+    [[nodiscard]] const QList<boost::shared_ptr<Group>>& groups() const { return m_groups; }
+
+    /// Inserts by start, before those of equal start. Null is ignored.
+    void addEmission(const boost::shared_ptr<Emission>& a_emission);
+
+    /// Inserts many at once, those of equal start in the order given: the same
+    /// as adding them one by one from the last to the first, in O(n log n).
+    void addEmissions(const QList<boost::shared_ptr<Emission>>& a_emissions);
+
+    /// Puts an emission back in its place after its start was changed; adds it
+    /// when it is not there.
+    void updateEmission(const boost::shared_ptr<Emission>& a_emission);
+
+    /// Removes an emission from the schedule and from every group; groups that
+    /// are empty then go too.
+    void removeEmission(const boost::shared_ptr<Emission>& a_emission);
+
+    /// Removes all emissions of an emitter in the same way.
+    void removeEmissions(const std::shared_ptr<SzenarioEmitter>& a_emitter);
+
+    void replaceEmitter(const std::shared_ptr<SzenarioEmitter>& a_old,
+                        const std::shared_ptr<SzenarioEmitter>& a_replacement);
+    void replaceSignalPackage(const std::shared_ptr<SignalPackage>& a_old,
+                              const std::shared_ptr<SignalPackage>& a_replacement);
+
+    void addGroup(const boost::shared_ptr<Group>& a_group);
+    /// Removes a group from the list and from every group that holds it.
+    void removeGroup(const boost::shared_ptr<Group>& a_group);
+    /// Removes groups without members until none is left: a group that loses
+    /// its last member this way goes too.
+    void clearEmptyGroups();
+    /// Drops all emissions and groups.
+    void clearAll();
+
+    [[nodiscard]] bool isBroadcast() const { return m_bBroadcast; }
+    void setBroadcast(bool a_bBroadcast) { m_bBroadcast = a_bBroadcast; }
+
+    /// The period in ms; s_iUnlimited when the schedule does not repeat.
+    [[nodiscard]] long long duration() const { return m_iDuration; }
+    /// A value below 1 makes the period unlimited.
+    void setDuration(long long a_iDuration);
+
+    /// Replaces the schedule by one emission that covers the period. Without a
+    /// package the first emission's is taken over. The spelling is part of the
+    /// interface.
+    void makeContinousActive(const std::shared_ptr<SzenarioEmitter>& a_emitter,
+                             const std::shared_ptr<SignalPackage>& a_package);
+
+    /// The emission at a time (ms), or null: of those that started before it
+    /// the latest, if it lasts until then. O(log n).
+    [[nodiscard]] boost::shared_ptr<Emission> emissionAt(unsigned int a_uiTime) const;
+    /// Whether there is an emission at a time (ms); broadcast is not asked.
+    [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const;
+    [[nodiscard]] std::shared_ptr<SzenarioEmitter> activeEmitterAt(unsigned int a_uiTime) const;
+    [[nodiscard]] std::shared_ptr<SignalPackage> signalPackageAt(unsigned int a_uiTime) const;
+    /// How long the emission at a time has been on (ms), or -1.
+    [[nodiscard]] long long timeActiveAt(unsigned int a_uiTime) const;
+    /// 0xFFFFFFFF: a schedule never ends.
+    [[nodiscard]] unsigned int activeUntil() const;
+
+    /// The on-times inside the window [start, start + length) in ms, of one
+    /// emitter or, when that is null, of all. The frequency is left 0. The
+    /// first may begin, and even end, before the window; none ends after it.
+    /// The answer stops at Limits::AnswerActivities.
+    [[nodiscard]] QList<HRActivity> calculateHRActivities(const SzenarioEmitter* a_pEmitter,
+                                                          unsigned int a_uiStart,
+                                                          unsigned int a_uiLength) const;
+
+private:
+    friend class ScenarioGraph;
+
+    [[nodiscard]] qsizetype lowerBound(std::int64_t a_iStart) const;
+    void releaseGroups();
+
+    QList<boost::shared_ptr<Emission>> m_emissions;
+    QList<boost::shared_ptr<Group>> m_groups;
+    std::int64_t m_iDuration = s_iUnlimited;
+    bool m_bBroadcast = false;
+};
+
+} // namespace Simulation
+
+#endif

@@ -1,0 +1,301 @@
+#include "szenarioemitter.h"
+
+#include "activityanswer_p.h"
+#include "releasequeue_p.h"
+#include "simulationdata/emissionsettings.h"
+#include "simulationdata/ifrequencysettings.h"
+#include "simulationdata/positionsettingsfixed.h"
+#include "simulationdata/scenarionetwork.h"
+#include "simulationdata/transmittersettings.h"
+
+#include <algorithm>
+#include <atomic>
+#include <utility>
+#include <vector>
+
+namespace Simulation {
+
+namespace {
+
+constexpr const char* s_szSource = "simulation/simulationdata/szenarioemitter";
+
+/// Counts the changes of all links and positions: what a chain led to holds
+/// until the next one.
+std::atomic<std::uint64_t> s_uiLinkEpoch{1};
+
+void linksChanged()
+{
+    s_uiLinkEpoch.fetch_add(1, std::memory_order_relaxed);
+}
+
+/// The part of an activity that lies in [from, to) ms; empty when there is none.
+HRActivity clipped(const HRActivity& a_activity, std::uint64_t a_uiFrom, std::uint64_t a_uiTo)
+{
+    HRActivity result = a_activity;
+    result.start = std::max(a_activity.start, a_uiFrom);
+    const std::uint64_t uiEnd = std::min(a_activity.start + a_activity.duration, a_uiTo);
+    result.duration = uiEnd > result.start ? uiEnd - result.start : 0;
+    return result;
+}
+
+} // namespace
+
+SzenarioEmitter::SzenarioEmitter(const QString& a_sId, const QString& a_sName)
+    : SzenarioEmitter(a_sId, a_sName, nullptr)
+{}
+
+SzenarioEmitter::SzenarioEmitter(const QString& a_sId, const QString& a_sName,
+                                 const std::shared_ptr<SzenarioEmitter>& a_source)
+    : ScenarioObject(a_sId, a_sName, a_source)
+    , m_pTransmitterSettings(std::make_unique<TransmitterSettings>())
+    , m_pPositionSettings(std::make_unique<PositionSettingsFixed>(TPos{}))
+{
+    if (a_source) {
+        takeFrom(*a_source);
+    }
+}
+
+SzenarioEmitter::~SzenarioEmitter()
+{
+    linksChanged();
+    if (!m_linkedEmitters.isEmpty()) {
+        std::vector<std::shared_ptr<const void>> linked(m_linkedEmitters.cbegin(), m_linkedEmitters.cend());
+        m_linkedEmitters.clear();
+        ReleaseQueue::release(std::move(linked));
+    }
+}
+
+ScenarioObject::ScenarioObjectType SzenarioEmitter::type() const
+{
+    return ScenarioObjectType::Emitter;
+}
+
+EmissionSettings* SzenarioEmitter::emissionSettings() const
+{
+    const std::shared_ptr<ScenarioNetwork> network = m_network.lock();
+    return network ? network->emissionSettings() : ScenarioObject::emissionSettings();
+}
+
+void SzenarioEmitter::copy(std::shared_ptr<ScenarioObject> a_source)
+{
+    const auto* pEmitter = dynamic_cast<const SzenarioEmitter*>(a_source.get());
+    if (pEmitter == this) {
+        return;
+    }
+    ScenarioObject::copy(a_source);
+    if (pEmitter != nullptr) {
+        takeFrom(*pEmitter);
+    }
+}
+
+void SzenarioEmitter::takeFrom(const SzenarioEmitter& a_source)
+{
+    m_sClass = a_source.m_sClass;
+    m_pTransmitterSettings = a_source.m_pTransmitterSettings
+                                 ? std::make_unique<TransmitterSettings>(*a_source.m_pTransmitterSettings)
+                                 : nullptr;
+    m_pPositionSettings.reset(a_source.m_pPositionSettings ? a_source.m_pPositionSettings->clone() : nullptr);
+    // What refers to this emitter in the source must not become its own.
+    const bool bSelf = a_source.m_linkTarget.lock().get() == this;
+    m_linkTarget = bSelf ? std::weak_ptr<SzenarioEmitter>() : a_source.m_linkTarget;
+    m_linkedEmitters = a_source.m_linkedEmitters;
+    m_linkedEmitters.removeIf([this](const auto& a_linked) { return a_linked.get() == this; });
+    linksChanged();
+    // A copy of the emitter that this one is linked to must not hold itself.
+    m_linkedEmitters.remove(std::static_pointer_cast<SzenarioEmitter>(weak_from_this().lock()));
+}
+
+std::shared_ptr<ScenarioObject> SzenarioEmitter::clone()
+{
+    const auto clone = std::make_shared<SzenarioEmitter>(id(), name());
+    clone->copy(shared_from_this());
+    return clone;
+}
+
+bool SzenarioEmitter::isReadyAt(unsigned int a_uiTime) const
+{
+    const IFrequencySettings* pFrequency = getFrequencySettings();
+    const IPositionSettings* pPosition = positionSettings();
+    return isActive() && pFrequency != nullptr && pFrequency->isActiveAt(a_uiTime) && pPosition != nullptr &&
+           pPosition->isActiveAt(a_uiTime);
+}
+
+bool SzenarioEmitter::isActiveAt(unsigned int a_uiTime) const
+{
+    const std::shared_ptr<ScenarioNetwork> network = m_network.lock();
+    if ((network && !network->isActive()) || !isReadyAt(a_uiTime)) {
+        return false;
+    }
+    return emissionSettings()->isBroadcast() || speaksAt(a_uiTime);
+}
+
+bool SzenarioEmitter::speaksAt(unsigned int a_uiTime) const
+{
+    const auto emission = emissionSettings()->emissionAt(a_uiTime);
+    return emission && (!hasNetwork() || emission->emitter.get() == this);
+}
+
+void SzenarioEmitter::addLinkedEmitter(std::shared_ptr<SzenarioEmitter> a_emitter)
+{
+    if (a_emitter && a_emitter.get() != this) {
+        m_linkedEmitters.insert(a_emitter);
+    }
+}
+
+void SzenarioEmitter::removeLinkedEmitter(std::shared_ptr<SzenarioEmitter> a_emitter)
+{
+    m_linkedEmitters.remove(a_emitter);
+}
+
+QSet<std::shared_ptr<SzenarioEmitter>> SzenarioEmitter::affectedLinkedEmitter() const
+{
+    QSet<std::shared_ptr<SzenarioEmitter>> affected;
+    std::vector<const SzenarioEmitter*> pending{this};
+    while (!pending.empty()) {
+        const SzenarioEmitter* pEmitter = pending.back();
+        pending.pop_back();
+        for (const std::shared_ptr<SzenarioEmitter>& linked : pEmitter->m_linkedEmitters) {
+            if (linked.get() != this && !affected.contains(linked)) {
+                affected.insert(linked);
+                pending.push_back(linked.get());
+            }
+        }
+    }
+    return affected;
+}
+
+void SzenarioEmitter::setTransmitterSettings(TransmitterSettings* a_pSettings)
+{
+    if (a_pSettings != m_pTransmitterSettings.get()) {
+        m_pTransmitterSettings.reset(a_pSettings);
+    }
+}
+
+void SzenarioEmitter::setPositionSettings(IPositionSettings* a_pSettings)
+{
+    if (a_pSettings != m_pPositionSettings.get()) {
+        m_pPositionSettings.reset(a_pSettings);
+        linksChanged();
+    }
+}
+
+void SzenarioEmitter::setLinkTargetEmitter(const std::shared_ptr<SzenarioEmitter>& a_target)
+{
+    m_linkTarget = a_target;
+    linksChanged();
+}
+
+IFrequencySettings* SzenarioEmitter::getFrequencySettings() const
+{
+    const std::shared_ptr<ScenarioNetwork> network = m_network.lock();
+    return network ? network->frequencySettings() : frequencySettings();
+}
+
+IPositionSettings* SzenarioEmitter::positionSettings() const
+{
+    if (m_linkTarget.expired()) {
+        return m_pPositionSettings.get();
+    }
+    followChain();
+    return m_chain.isCircle ? m_pPositionSettings.get() : m_chain.end;
+}
+
+/// Follows the link targets to the end of the chain, to a part that has been
+/// followed since the last change, or round a circle, and notes the result for
+/// all on the way: without that, asking every emitter of a chain would cost the
+/// square of its length.
+void SzenarioEmitter::followChain() const
+{
+    const std::uint64_t uiEpoch = s_uiLinkEpoch.load(std::memory_order_relaxed);
+    if (m_chain.epoch == uiEpoch) {
+        return;
+    }
+    // Brent's cycle detection (1980): the marker waits at powers of two, and a
+    // chain that runs in a circle meets it again.
+    Chain chain{uiEpoch, nullptr, false};
+    const SzenarioEmitter* pMarker = this;
+    std::uint64_t uiSteps = 0;
+    std::uint64_t uiPower = 1;
+    for (const SzenarioEmitter* pEmitter = this;;) {
+        const SzenarioEmitter* pTarget = pEmitter->m_linkTarget.lock().get();
+        if (pTarget == nullptr) {
+            chain.end = pEmitter->m_pPositionSettings.get();
+            break;
+        }
+        if (pTarget->m_chain.epoch == uiEpoch) {
+            chain = pTarget->m_chain;
+            break;
+        }
+        if (pTarget == pMarker) {
+            chain.isCircle = true;
+            break;
+        }
+        if (++uiSteps == uiPower) {
+            pMarker = pTarget;
+            uiPower *= 2;
+            uiSteps = 0;
+        }
+        pEmitter = pTarget;
+    }
+    for (const SzenarioEmitter* pEmitter = this; pEmitter != nullptr && pEmitter->m_chain.epoch != uiEpoch;
+         pEmitter = pEmitter->m_linkTarget.lock().get()) {
+        pEmitter->m_chain = chain;
+    }
+}
+
+double SzenarioEmitter::getFrequencyAt(unsigned int a_uiTime) const
+{
+    const IFrequencySettings* pSettings = getFrequencySettings();
+    return pSettings != nullptr ? pSettings->getFrequencyAt(a_uiTime) : 0.0;
+}
+
+TPos SzenarioEmitter::getPositionAt(unsigned int a_uiTime) const
+{
+    IPositionSettings* pSettings = positionSettings();
+    return pSettings != nullptr ? pSettings->getPositionAt(a_uiTime) : TPos{};
+}
+
+double SzenarioEmitter::headingAt(unsigned int a_uiTime) const
+{
+    const IPositionSettings* pSettings = positionSettings();
+    return pSettings != nullptr ? pSettings->headingAt(a_uiTime) : 0.0;
+}
+
+long long SzenarioEmitter::timeActiveAt(unsigned int a_uiTime) const
+{
+    return speaksAt(a_uiTime) ? emissionSettings()->timeActiveAt(a_uiTime) : -1;
+}
+
+std::shared_ptr<SignalPackage> SzenarioEmitter::signalPackageAt(unsigned int a_uiTime) const
+{
+    return speaksAt(a_uiTime) ? emissionSettings()->signalPackageAt(a_uiTime) : nullptr;
+}
+
+QList<HRActivity> SzenarioEmitter::calculateBursts(unsigned int a_uiStart, unsigned int a_uiEnd,
+                                                   double a_dFactor) const
+{
+    const IFrequencySettings* pFrequency = getFrequencySettings();
+    if (pFrequency == nullptr || a_uiEnd <= a_uiStart) {
+        return {};
+    }
+    ActivityAnswer bursts(s_szSource);
+    const QList<HRActivity> onTimes = emissionSettings()->calculateHRActivities(
+        hasNetwork() ? this : nullptr, a_uiStart, a_uiEnd - a_uiStart);
+    for (const HRActivity& onTime : onTimes) {
+        const HRActivity inside = clipped(onTime, a_uiStart, a_uiEnd);
+        if (inside.duration == 0) {
+            continue;
+        }
+        const QList<HRActivity> activities = pFrequency->calculateHRActivities(
+            static_cast<unsigned int>(inside.start), static_cast<unsigned int>(inside.duration), a_dFactor);
+        for (const HRActivity& activity : activities) {
+            const HRActivity burst = clipped(activity, inside.start, inside.start + inside.duration);
+            if (burst.duration != 0 && !bursts.append(burst.start, burst.duration, burst.frequency)) {
+                return bursts.take();
+            }
+        }
+    }
+    return bursts.take();
+}
+
+} // namespace Simulation

@@ -1,0 +1,158 @@
+#ifndef SIMULATIONDATA_SZENARIOEMITTER_H
+#define SIMULATIONDATA_SZENARIOEMITTER_H
+
+#include "simulationdata/hractivity.h"
+#include "simulationdata/scenarioobject.h"
+#include "simulationdata/tpos.h"
+
+#include <QList>
+#include <QSet>
+
+#include <cstdint>
+
+namespace Simulation {
+
+class IPositionSettings;
+class ScenarioNetwork;
+class SignalPackage;
+class TransmitterSettings;
+
+/// One emitter of a scenario: a scenario object with a class, a transmitter and
+/// a position. It may belong to one network, whose frequency behaviour and
+/// schedule then hold for it, and it may be linked to another emitter, whose
+/// position it then follows.
+///
+/// Membership and links are kept on both sides by whoever makes them: the
+/// emitter's network and the network's members are set apart, and so are the
+/// link target and the target's linked emitters. Network and link target are
+/// held weakly, linked emitters strongly. The class name's spelling is part of
+/// the interface.
+class SIMULATIONDATA_EXPORT SzenarioEmitter : public ScenarioObject
+{
+public:
+    /// At (0, 0), not moving, with default transmitter settings and no relation.
+    SzenarioEmitter(const QString& a_sId, const QString& a_sName);
+    /// With all that the base class takes from a source, and its class,
+    /// transmitter, position, link target and linked emitters.
+    SzenarioEmitter(const QString& a_sId, const QString& a_sName,
+                    const std::shared_ptr<SzenarioEmitter>& a_source);
+    ~SzenarioEmitter() override;
+
+    [[nodiscard]] ScenarioObjectType type() const override;
+
+    /// The network's schedule while the emitter belongs to one, its own
+    /// otherwise. The own one is always ScenarioObject::emissionSettings().
+    [[nodiscard]] EmissionSettings* emissionSettings() const override;
+
+    /// Also takes class, transmitter, position, link target and linked emitters
+    /// when the source is an emitter; an ELINT emitter's file stays its own.
+    void copy(std::shared_ptr<ScenarioObject> a_source) override;
+    [[nodiscard]] std::shared_ptr<ScenarioObject> clone() override;
+
+    /// Whether the emitter sends at a time (ms): its flag and its network's,
+    /// frequency and position active, and broadcast or an emission that, in a
+    /// network, names this emitter.
+    [[nodiscard]] virtual bool isActiveAt(unsigned int a_uiTime) const;
+
+    /// The emitters that take their position from this one.
+    [[nodiscard]] virtual QSet<std::shared_ptr<SzenarioEmitter>> linkedEmitter() const
+    {
+        return m_linkedEmitters;
+    }
+    /// Null and the emitter itself are ignored.
+    virtual void addLinkedEmitter(std::shared_ptr<SzenarioEmitter> a_emitter);
+    virtual void removeLinkedEmitter(std::shared_ptr<SzenarioEmitter> a_emitter);
+
+    /// All emitters that move with this one, directly or through others,
+    /// without itself.
+    [[nodiscard]] QSet<std::shared_ptr<SzenarioEmitter>> affectedLinkedEmitter() const;
+
+    [[nodiscard]] QString getId() const { return id(); }
+    [[nodiscard]] QString getName() const { return name(); }
+    [[nodiscard]] QString getDescription() const { return description(); }
+
+    [[nodiscard]] QString getClass() const { return m_sClass; }
+    void setClass(const QString& a_sClass) { m_sClass = a_sClass; }
+
+    /// Owned by the emitter; null only when it was set so. The spelling is part
+    /// of the interface.
+    [[nodiscard]] TransmitterSettings* getTranmitterSettings() const { return m_pTransmitterSettings.get(); }
+    /// Takes ownership and deletes the former settings, unless they are the same.
+    void setTransmitterSettings(TransmitterSettings* a_pSettings);
+
+    /// The network's frequency behaviour while the emitter belongs to one, its
+    /// own otherwise.
+    [[nodiscard]] IFrequencySettings* getFrequencySettings() const;
+
+    /// The position of the last emitter in the chain of link targets; the own
+    /// one without a link, and when the chain runs in a circle. The chain is
+    /// followed once, however many emitters of it ask, until a link or a
+    /// position is set anywhere.
+    [[nodiscard]] IPositionSettings* positionSettings() const;
+    [[nodiscard]] IPositionSettings* getPositionSettings() const { return positionSettings(); }
+    /// Takes ownership of the emitter's own position and deletes the former
+    /// one, unless they are the same. Null leaves none: it is never active then.
+    void setPositionSettings(IPositionSettings* a_pSettings);
+
+    [[nodiscard]] std::shared_ptr<ScenarioNetwork> network() const { return m_network.lock(); }
+    /// Held weakly: without its network the emitter is on its own again.
+    void setScenarioNetwork(const std::shared_ptr<ScenarioNetwork>& a_network) { m_network = a_network; }
+    [[nodiscard]] bool hasNetwork() const { return !m_network.expired(); }
+
+    [[nodiscard]] std::shared_ptr<SzenarioEmitter> linkTargetEmitter() const { return m_linkTarget.lock(); }
+    /// Held weakly: without its target the emitter is where its own position
+    /// says.
+    void setLinkTargetEmitter(const std::shared_ptr<SzenarioEmitter>& a_target);
+    [[nodiscard]] bool isLinked() const { return !m_linkTarget.expired(); }
+
+    /// Answers at a time (ms since scenario start); they follow network and
+    /// link. Without settings the frequency is 0 Hz, the position (0, 0) and
+    /// the heading 0 degrees.
+    [[nodiscard]] double getFrequencyAt(unsigned int a_uiTime) const;
+    [[nodiscard]] TPos getPositionAt(unsigned int a_uiTime) const;
+    [[nodiscard]] double headingAt(unsigned int a_uiTime) const;
+    /// How long the emitter has been sending (ms), or -1; in a network only
+    /// while the emission names this emitter.
+    [[nodiscard]] long long timeActiveAt(unsigned int a_uiTime) const;
+    /// What the emitter sends, or null; in a network only while the emission
+    /// names this emitter.
+    [[nodiscard]] std::shared_ptr<SignalPackage> signalPackageAt(unsigned int a_uiTime) const;
+
+    /// The on-times of the schedule inside [start, end) ms, each filled with
+    /// the frequency activities of resolution `a_dFactor` (Hz, for a chirp);
+    /// nothing lies outside the window or outside its on-time. The answer stops
+    /// at Limits::AnswerActivities.
+    [[nodiscard]] QList<HRActivity> calculateBursts(unsigned int a_uiStart, unsigned int a_uiEnd,
+                                                    double a_dFactor) const;
+
+protected:
+    /// Whether flag, frequency and position let the emitter be active.
+    [[nodiscard]] bool isReadyAt(unsigned int a_uiTime) const;
+
+private:
+    friend class ScenarioGraph;
+
+    /// What the chain of link targets led to.
+    struct Chain
+    {
+        std::uint64_t epoch = 0; ///< of all links, when it was followed; 0 = never
+        IPositionSettings* end = nullptr;
+        bool isCircle = false;
+    };
+
+    void takeFrom(const SzenarioEmitter& a_source);
+    void followChain() const;
+    [[nodiscard]] bool speaksAt(unsigned int a_uiTime) const;
+
+    QString m_sClass;
+    std::unique_ptr<TransmitterSettings> m_pTransmitterSettings;
+    std::unique_ptr<IPositionSettings> m_pPositionSettings;
+    std::weak_ptr<ScenarioNetwork> m_network;
+    QSet<std::shared_ptr<SzenarioEmitter>> m_linkedEmitters;
+    std::weak_ptr<SzenarioEmitter> m_linkTarget;
+    mutable Chain m_chain;
+};
+
+} // namespace Simulation
+
+#endif

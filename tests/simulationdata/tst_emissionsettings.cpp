@@ -1,0 +1,532 @@
+#include "simulationdata/emissionsettings.h"
+#include "simulationdata/limits.h"
+#include "simulationdata/scenarionetwork.h"
+#include "simulationdata/signalpackage.h"
+#include "simulationdata/szenarioemitter.h"
+
+#include <boost/weak_ptr.hpp>
+
+#include <algorithm>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include <QLoggingCategory>
+#include <QTest>
+
+using namespace Simulation;
+
+using EmissionPtr = boost::shared_ptr<EmissionSettings::Emission>;
+using GroupPtr = boost::shared_ptr<EmissionSettings::Group>;
+using EmitterPtr = std::shared_ptr<SzenarioEmitter>;
+
+constexpr long long s_iLowest = std::numeric_limits<long long>::min();
+constexpr long long s_iHighest = std::numeric_limits<long long>::max();
+constexpr unsigned int s_uiForEver = 0xFFFFFFFF;
+
+namespace Simulation {
+
+bool operator==(const HRActivity& a_first, const HRActivity& a_second)
+{
+    return a_first.start == a_second.start && a_first.duration == a_second.duration &&
+           a_first.frequency == a_second.frequency;
+}
+
+char* toString(const HRActivity& a_activity)
+{
+    const QString sText =
+        QStringLiteral("%1+%2").arg(QString::number(a_activity.start), QString::number(a_activity.duration));
+    return QTest::toString(sText);
+}
+
+} // namespace Simulation
+
+namespace {
+
+EmissionPtr emission(std::int64_t a_iStart, std::int64_t a_iDuration, const EmitterPtr& a_emitter = nullptr)
+{
+    const EmissionPtr created = EmissionSettings::createEmission();
+    created->start = a_iStart;
+    created->duration = a_iDuration;
+    created->emitter = a_emitter;
+    return created;
+}
+
+GroupPtr group(const QList<EmissionPtr>& a_emissions, const QList<GroupPtr>& a_groups = {})
+{
+    const GroupPtr created = EmissionSettings::createGroup();
+    created->emissions = a_emissions;
+    created->groups = a_groups;
+    return created;
+}
+
+EmitterPtr emitter(const char* a_szId)
+{
+    return std::make_shared<SzenarioEmitter>(QLatin1String(a_szId), QString());
+}
+
+/// Two emissions, (100, 150] and (200, 210] ms.
+EmissionSettings twoEmissions(long long a_iPeriod = 0)
+{
+    EmissionSettings settings;
+    settings.setDuration(a_iPeriod);
+    settings.addEmission(emission(200, 10));
+    settings.addEmission(emission(100, 50));
+    return settings;
+}
+
+/// The walk as one would do it by hand, over every emission of every period.
+QList<HRActivity> naiveActivities(const EmissionSettings& a_settings, const SzenarioEmitter* a_pEmitter,
+                                  std::int64_t a_iFrom, std::int64_t a_iLength)
+{
+    const std::int64_t iEnd = a_iFrom + a_iLength;
+    std::int64_t iBase = a_iFrom - a_iFrom % a_settings.duration();
+    const QList<EmissionPtr>& all = a_settings.emissions();
+    qsizetype i = 0;
+    while (i < all.size() && all.at(i)->start < a_iFrom - iBase) {
+        ++i;
+    }
+    i = std::max<qsizetype>(i - 1, 0);
+    QList<HRActivity> result;
+    while (all.at(i)->start + iBase < iEnd) {
+        const std::int64_t iStart = all.at(i)->start + iBase;
+        if (a_pEmitter == nullptr || all.at(i)->emitter.get() == a_pEmitter) {
+            result.append({static_cast<std::uint64_t>(iStart),
+                           static_cast<std::uint64_t>(std::min(all.at(i)->duration, iEnd - iStart)), 0.0});
+        }
+        if (++i == all.size()) {
+            if (a_settings.duration() >= iEnd - iBase) {
+                break;
+            }
+            i = 0;
+            iBase += a_settings.duration();
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+class TestEmissionSettings : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void defaults();
+    void lookup_data();
+    void lookup();
+    void order();
+    void addingMany();
+    void replacing();
+    void continuous();
+    void removingGroups();
+    void circles();
+    void longChains();
+    void removingMany();
+    void activities_data();
+    void activities();
+    void activitiesAgainstNaiveWalk();
+    void hostileNumbers_data();
+    void hostileNumbers();
+    void answerLimit();
+};
+
+void TestEmissionSettings::defaults()
+{
+    EmissionSettings settings;
+    QCOMPARE(settings.duration(), 0x7FFFFFFFFFFFFFFFLL);
+    QVERIFY(!settings.isBroadcast());
+    QVERIFY(settings.emissions().isEmpty() && settings.groups().isEmpty());
+    QCOMPARE(settings.activeUntil(), s_uiForEver);
+    const EmissionPtr fresh = EmissionSettings::createEmission();
+    QVERIFY(fresh->id == 0 && fresh->start == 0 && fresh->duration == 0 && !fresh->emitter &&
+            !fresh->signalPackage);
+    const GroupPtr freshGroup = EmissionSettings::createGroup();
+    QVERIFY(freshGroup->id == 0 && freshGroup->name.isEmpty());
+
+    for (const long long iUnlimited : {0LL, -5LL, s_iLowest}) {
+        settings.setDuration(1000);
+        settings.setDuration(iUnlimited);
+        QCOMPARE(settings.duration(), 0x7FFFFFFFFFFFFFFFLL);
+    }
+    settings.addEmission(nullptr);
+    settings.addEmissions({nullptr, nullptr});
+    settings.addGroup(nullptr);
+    QVERIFY(settings.emissions().isEmpty() && settings.groups().isEmpty());
+}
+
+void TestEmissionSettings::lookup_data()
+{
+    QTest::addColumn<long long>("period");
+    QTest::addColumn<unsigned int>("time");
+    QTest::addColumn<long long>("start"); // of the emission found, -1 for none
+    QTest::addColumn<long long>("timeActive");
+    for (const long long iPeriod : {0LL, 1000LL}) {
+        const unsigned int uiShift = iPeriod == 0 ? 0 : 3000;
+        const auto row = [&](const char* a_szName, unsigned int a_uiTime, long long a_iStart,
+                             long long a_iActive) {
+            QTest::addRow("%s, period %lld", a_szName, iPeriod)
+                << iPeriod << a_uiTime + uiShift << a_iStart << a_iActive;
+        };
+        row("scenario start", 0, -1, -1);
+        row("at the start it is not on yet", 100, -1, -1);
+        row("just after the start", 101, 100, 1);
+        row("in the middle", 120, 100, 20);
+        row("at the end it is still on", 150, 100, 50);
+        row("just after the end", 151, -1, -1);
+        row("second start, the first long over", 200, -1, -1);
+        row("second", 205, 200, 5);
+        row("after all", 999, -1, -1);
+    }
+    QTest::newRow("last time there is, unlimited") << 0LL << s_uiForEver << -1LL << -1LL;
+    QTest::newRow("last time there is, period 1000") << 1000LL << s_uiForEver << -1LL << -1LL; // 295
+    QTest::newRow("last time there is, period 2^32") << (1LL << 32) << s_uiForEver << -1LL << -1LL;
+    QTest::newRow("last time there is, in an emission") << 4294967145LL << s_uiForEver << 100LL << 50LL;
+}
+
+void TestEmissionSettings::lookup()
+{
+    QFETCH(long long, period);
+    QFETCH(unsigned int, time);
+    QFETCH(long long, start);
+    QFETCH(long long, timeActive);
+    EmissionSettings settings = twoEmissions(period);
+    const EmitterPtr sender = emitter("sender");
+    const auto package = std::make_shared<SignalPackage>();
+    settings.replaceEmitter(nullptr, sender);
+    settings.replaceSignalPackage(nullptr, package);
+
+    const EmissionPtr found = settings.emissionAt(time);
+    QCOMPARE(found ? found->start : -1LL, start);
+    QCOMPARE(settings.timeActiveAt(time), timeActive);
+    QCOMPARE(settings.isActiveAt(time), start >= 0);
+    QCOMPARE(settings.activeEmitterAt(time), start >= 0 ? sender : nullptr);
+    QCOMPARE(settings.signalPackageAt(time), start >= 0 ? package : nullptr);
+}
+
+/// Among equal starts the newest comes first, and is the one that is found last.
+void TestEmissionSettings::order()
+{
+    EmissionSettings settings;
+    const EmissionPtr old = emission(100, 1000);
+    const EmissionPtr fresh = emission(100, 10);
+    const EmissionPtr late = emission(300, 10);
+    settings.addEmission(late);
+    settings.addEmission(old);
+    settings.addEmission(fresh);
+    QCOMPARE(settings.emissions(), (QList{fresh, old, late}));
+    QCOMPARE(settings.emissionAt(120), old); // the latest of equal starts counts
+
+    settings.addEmission(late); // twice in the list
+    late->start = 100;
+    settings.updateEmission(settings.emissions().constLast());
+    QCOMPARE(settings.emissions(), (QList{late, fresh, old}));
+    settings.updateEmission(old);
+    QCOMPARE(settings.emissions(), (QList{old, late, fresh}));
+}
+
+void TestEmissionSettings::addingMany()
+{
+    std::mt19937 random(1); // NOLINT(bugprone-random-generator-seed,cert-msc51-cpp): the same every time
+    QList<EmissionPtr> added;
+    EmissionSettings oneByOne = twoEmissions();
+    EmissionSettings atOnce = oneByOne;
+    for (int i = 0; i < 300; ++i) {
+        added.append(emission(static_cast<std::int64_t>(random() % 40) * 10, 5));
+    }
+    for (auto it = added.crbegin(); it != added.crend(); ++it) {
+        oneByOne.addEmission(*it);
+    }
+    added.insert(7, nullptr);
+    atOnce.addEmissions(added);
+    QCOMPARE(atOnce.emissions(), oneByOne.emissions());
+    atOnce.addEmissions(atOnce.emissions());
+    QCOMPARE(atOnce.emissions().size(), 604);
+}
+
+void TestEmissionSettings::replacing()
+{
+    const EmitterPtr first = emitter("first");
+    const EmitterPtr second = emitter("second");
+    EmissionSettings settings;
+    settings.addEmissions(
+        {emission(0, 1, first), emission(1, 1), emission(2, 1, second), emission(3, 1, first)});
+    // The arguments may be the settings' own.
+    settings.replaceEmitter(settings.emissions().constFirst()->emitter, settings.emissions().at(2)->emitter);
+    QVERIFY(settings.emissions().constFirst()->emitter == second &&
+            settings.emissions().constLast()->emitter == second);
+    settings.removeEmissions(settings.emissions().constFirst()->emitter);
+    QCOMPARE(settings.emissions().size(), 1);
+    settings.removeEmissions(nullptr);
+    QCOMPARE(settings.emissions().size(), 0);
+}
+
+void TestEmissionSettings::continuous()
+{
+    const auto own = std::make_shared<SignalPackage>();
+    const EmitterPtr sender = emitter("sender");
+    EmissionSettings settings;
+    settings.setDuration(700);
+    settings.addEmission(emission(5, 6, sender));
+    settings.addGroup(group(settings.emissions()));
+    settings.replaceSignalPackage(nullptr, own);
+    for (const auto& given : {std::shared_ptr<SignalPackage>(), std::make_shared<SignalPackage>()}) {
+        settings.makeContinousActive(settings.emissions().constFirst()->emitter, given);
+        QVERIFY(settings.emissions().size() == 1 && settings.groups().isEmpty());
+        const EmissionPtr all = settings.emissions().constFirst();
+        QVERIFY(all->start == 0 && all->duration == 700 && all->emitter == sender);
+        QCOMPARE(all->signalPackage, given ? given : own);
+    }
+    QVERIFY(settings.isActiveAt(1) && settings.isActiveAt(1399) && !settings.isActiveAt(1400));
+}
+
+void TestEmissionSettings::removingGroups()
+{
+    EmissionSettings settings = twoEmissions();
+    const EmissionPtr only = settings.emissions().constFirst();
+    const EmissionPtr other = settings.emissions().constLast();
+    const GroupPtr inner = group({only, only});
+    const GroupPtr middle = group({}, {inner, inner});
+    const GroupPtr outer = group({}, {middle});
+    const GroupPtr mixed = group({other}, {inner, outer});
+    for (const GroupPtr& added : {outer, mixed, inner, middle, inner}) {
+        settings.addGroup(added);
+    }
+    settings.removeEmission(only);
+    QCOMPARE(settings.groups(), QList{mixed});
+    QVERIFY(mixed->groups.isEmpty());
+    QCOMPARE(settings.emissions(), QList{other});
+
+    const GroupPtr held = group({other});
+    const GroupPtr self = group({other});
+    self->groups = {self, held};
+    mixed->groups = {held, self};
+    settings.addGroup(held);
+    settings.addGroup(self);
+    settings.removeGroup(held);
+    settings.removeGroup(self);
+    QCOMPARE(settings.groups(), QList{mixed});
+    QVERIFY(mixed->groups.isEmpty());
+    QVERIFY(self->groups.isEmpty()); // or it would hold itself for ever
+}
+
+/// Groups that hold each other are freed with their last settings, which the
+/// leak check sees, and not before.
+void TestEmissionSettings::circles()
+{
+    const EmissionPtr member = emission(0, 1);
+    const GroupPtr outside = group({member});
+    boost::weak_ptr<EmissionSettings::Group> watched;
+    {
+        EmissionSettings keeper;
+        {
+            EmissionSettings settings;
+            const GroupPtr first = group({}, {outside});
+            const GroupPtr second = group({}, {first});
+            const GroupPtr hidden = group({}, {second, second}); // in no list
+            first->groups.append(hidden);
+            first->groups.append(first);
+            watched = first;
+            settings.addGroup(first);
+            settings.addGroup(second);
+            settings.addGroup(outside);
+            const QList<GroupPtr> shared = first->groups;
+            settings.setBroadcast(true);
+            settings.setDuration(500);
+            keeper = settings;
+            settings.clearAll();
+        }
+        QVERIFY(keeper.groups().size() == 3 && keeper.isBroadcast() && keeper.duration() == 500);
+        QCOMPARE(keeper.groups().constFirst()->groups.size(), 3);
+        EmissionSettings assignedOver;
+        assignedOver = keeper;
+        keeper = EmissionSettings();
+        QVERIFY(!watched.expired());
+        assignedOver.makeContinousActive(nullptr, nullptr);
+        QVERIFY(watched.expired());
+    }
+    QCOMPARE(outside->emissions, QList{member});
+}
+
+/// Destruction must not recurse along what a document can make a million deep.
+void TestEmissionSettings::longChains()
+{
+    constexpr int iLength = 1'000'000;
+    EmissionSettings settings;
+    GroupPtr next = group({});
+    settings.addGroup(next);
+    for (int i = 0; i < iLength; ++i) {
+        next = group({}, {std::move(next)});
+    }
+    settings.addGroup(next);
+    next.reset();
+    settings.clearEmptyGroups(); // the innermost leaves the list only
+    QCOMPARE(settings.groups().size(), 1);
+    settings.clearAll();
+
+    EmitterPtr last = emitter("last");
+    for (int i = 0; i < iLength; ++i) {
+        const EmitterPtr holder = emitter("holder");
+        holder->emissionSettings()->addEmission(emission(0, 1, std::move(last)));
+        last = holder;
+    }
+    QVERIFY(last->isActiveAt(1));
+}
+
+/// Would take hours if any step cost as much as the whole list.
+void TestEmissionSettings::removingMany()
+{
+    constexpr int iCount = 100'000;
+    const EmitterPtr gone = emitter("gone");
+    const EmitterPtr stays = emitter("stays");
+    EmissionSettings settings;
+    const GroupPtr all = group({});
+    QList<EmissionPtr> emissions;
+    for (int i = iCount; i-- > 0;) {
+        emissions.append(emission(i, 1, i == 5 ? stays : gone));
+        // Every group of one emission empties its parent, and all are in one.
+        settings.addGroup(group({emissions.constLast()}));
+        settings.addGroup(group({}, {settings.groups().constLast()}));
+        all->groups.append(settings.groups().constLast());
+    }
+    all->emissions = emissions;
+    settings.addGroup(all);
+    settings.addEmissions(emissions);
+    settings.removeEmissions(gone);
+    QCOMPARE(settings.emissions().size(), 1);
+    QCOMPARE(settings.groups().size(), 3);
+    QCOMPARE(all->emissions, settings.emissions());
+    QCOMPARE(all->groups.size(), 1);
+    settings.removeEmissions(stays);
+    QVERIFY(settings.groups().isEmpty());
+}
+
+void TestEmissionSettings::activities_data()
+{
+    QTest::addColumn<long long>("period");
+    QTest::addColumn<unsigned int>("start");
+    QTest::addColumn<unsigned int>("length");
+    QTest::addColumn<QList<HRActivity>>("expected");
+    using List = QList<HRActivity>;
+    QTest::newRow("whole") << 0LL << 0U << 1000U << List{{100, 50, 0}, {200, 10, 0}};
+    QTest::newRow("cut at the end") << 0LL << 0U << 120U << List{{100, 20, 0}};
+    QTest::newRow("never cut in front") << 0LL << 120U << 10U << List{{100, 30, 0}};
+    QTest::newRow("one that is over is taken too") << 0LL << 180U << 10U << List{{100, 50, 0}};
+    QTest::newRow("past the last") << 0LL << 5000U << 10U << List{{200, 10, 0}};
+    QTest::newRow("begins at a start") << 0LL << 200U << 5U << List{{100, 50, 0}, {200, 5, 0}};
+    QTest::newRow("empty window") << 0LL << 0U << 0U << List{};
+    QTest::newRow("two periods") << 300LL << 310U << 400U << List{{400, 50, 0}, {500, 10, 0}, {700, 10, 0}};
+    QTest::newRow("into the next period") << 300LL << 510U << 150U << List{{500, 10, 0}};
+    QTest::newRow("period shorter than the schedule")
+        << 150LL << 150U << 210U << List{{250, 50, 0}, {350, 10, 0}};
+}
+
+void TestEmissionSettings::activities()
+{
+    QFETCH(long long, period);
+    QFETCH(unsigned int, start);
+    QFETCH(unsigned int, length);
+    EmissionSettings settings = twoEmissions(period);
+    QTEST(settings.calculateHRActivities(nullptr, start, length), "expected");
+    settings.setBroadcast(true);
+    QCOMPARE(settings.calculateHRActivities(nullptr, start, length), (QList<HRActivity>{{start, length, 0}}));
+    settings.clearAll();
+    QCOMPARE(settings.calculateHRActivities(nullptr, start, length), QList<HRActivity>());
+}
+
+void TestEmissionSettings::activitiesAgainstNaiveWalk()
+{
+    std::mt19937 random(20); // NOLINT(bugprone-random-generator-seed,cert-msc51-cpp): the same every time
+    const auto below = [&random](unsigned int a_uiBound) {
+        return static_cast<unsigned int>(random() % a_uiBound);
+    };
+    const std::vector<EmitterPtr> emitters{nullptr, emitter("a"), emitter("b"), emitter("silent")};
+    for (int iRound = 0; iRound < 3000; ++iRound) {
+        EmissionSettings settings;
+        const unsigned int uiPeriod = below(5) == 0 ? 0 : 1 + below(400);
+        settings.setDuration(uiPeriod);
+        QList<EmissionPtr> emissions;
+        for (unsigned int i = 0; i <= below(8); ++i) {
+            // Some start after the period's end, as a shortened period leaves them.
+            emissions.append(emission(below(uiPeriod == 0 || below(9) == 0 ? 900 : uiPeriod), below(60),
+                                      emitters[below(3)]));
+        }
+        settings.addEmissions(emissions);
+        const unsigned int uiStart = below(3) == 0 ? 0 : below(5000);
+        const unsigned int uiLength = below(2000);
+        for (const EmitterPtr& filter : emitters) {
+            QCOMPARE(settings.calculateHRActivities(filter.get(), uiStart, uiLength),
+                     naiveActivities(settings, filter.get(), uiStart, uiLength));
+        }
+    }
+}
+
+void TestEmissionSettings::hostileNumbers_data()
+{
+    QTest::addColumn<long long>("start");
+    QTest::addColumn<long long>("duration");
+    QTest::addColumn<long long>("period");
+    QTest::addColumn<bool>("active");    // at 1000 ms
+    QTest::addColumn<long long>("stop"); // of the only activity in [0, 2000); -1 for no activity
+    QTest::newRow("negative duration") << 10LL << -1LL << 0LL << false << 10LL;
+    QTest::newRow("lowest duration") << 10LL << s_iLowest << 0LL << false << 10LL;
+    QTest::newRow("negative start, over before 0") << -50LL << 20LL << 0LL << false << 0LL;
+    QTest::newRow("negative start, reaches in") << -50LL << 1050LL << 0LL << true << 1000LL;
+    QTest::newRow("lowest start, longest duration") << s_iLowest << s_iHighest << 0LL << false << 0LL;
+    QTest::newRow("lowest start, as long as possible") << s_iLowest + 1 << s_iHighest << 0LL << false << 0LL;
+    QTest::newRow("low start, longest duration") << -999LL << s_iHighest << 0LL << true << 2000LL;
+    QTest::newRow("all extremes") << s_iLowest << s_iLowest << s_iHighest << false << 0LL;
+    QTest::newRow("highest start") << s_iHighest << s_iHighest << 0LL << false << -1LL;
+    QTest::newRow("start and end beyond the range") << 1LL << s_iHighest << s_iHighest << true << 2000LL;
+    QTest::newRow("start beyond the period") << 5000LL << 5LL << 7LL << false << -1LL;
+}
+
+void TestEmissionSettings::hostileNumbers()
+{
+    QFETCH(long long, start);
+    QFETCH(long long, duration);
+    QFETCH(long long, period);
+    QFETCH(bool, active);
+    QFETCH(long long, stop);
+    EmissionSettings settings;
+    settings.setDuration(period);
+    settings.addEmission(emission(start, duration));
+    QCOMPARE(settings.isActiveAt(1000), active);
+    QCOMPARE(settings.timeActiveAt(1000), active ? 1000 - start : -1LL);
+    const QList<HRActivity> found = settings.calculateHRActivities(nullptr, 0, 2000);
+    QCOMPARE(found.isEmpty() ? -1LL
+                             : static_cast<long long>(found.constFirst().start + found.constFirst().duration),
+             stop);
+    QVERIFY(found.size() <= 1);
+    const QList<HRActivity> late = settings.calculateHRActivities(nullptr, s_uiForEver, s_uiForEver);
+    QVERIFY(std::all_of(late.cbegin(), late.cend(), [](const HRActivity& a_activity) {
+        return a_activity.start + a_activity.duration <= 2ULL * s_uiForEver;
+    }));
+}
+
+void TestEmissionSettings::answerLimit()
+{
+    QLoggingCategory::setFilterRules(QStringLiteral("simulation.trace=false"));
+    const EmitterPtr rare = emitter("rare");
+    EmissionSettings settings;
+    settings.setDuration(1);
+    settings.addEmission(emission(0, 1, rare));
+    constexpr std::uint64_t uiLimit = 1000;
+    Limits::setValue(Limits::AnswerActivities, uiLimit);
+    QCOMPARE(settings.calculateHRActivities(nullptr, 0, s_uiForEver).size(), static_cast<qsizetype>(uiLimit));
+    QList<EmissionPtr> others;
+    for (int i = 0; i < 100'000; ++i) {
+        others.append(emission(0, 1));
+    }
+    settings.addEmissions(others);
+    // Neither may periods without an answer cost what periods with one do.
+    QCOMPARE(settings.calculateHRActivities(rare.get(), 0, s_uiForEver).size(),
+             static_cast<qsizetype>(uiLimit));
+    QVERIFY(settings.calculateHRActivities(emitter("silent").get(), 0, s_uiForEver).isEmpty());
+    Limits::setValue(Limits::AnswerActivities, 0);
+    QLoggingCategory::setFilterRules({});
+}
+
+QTEST_GUILESS_MAIN(TestEmissionSettings)
+
+#include "tst_emissionsettings.moc"

@@ -1,0 +1,626 @@
+#include "simulationdata/elintscenarioemitter.h"
+#include "simulationdata/emissionsettings.h"
+#include "simulationdata/frequencysettings_slowhopper.h"
+#include "simulationdata/frequencysettingsfixed.h"
+#include "simulationdata/positionsettingsfixed.h"
+#include "simulationdata/positionsettingsptp.h"
+#include "simulationdata/scenarionetwork.h"
+#include "simulationdata/signalpackage.h"
+#include "simulationdata/transmittersettings.h"
+
+#include <functional>
+
+#include <QTest>
+
+using namespace Simulation;
+
+using EmitterPtr = std::shared_ptr<SzenarioEmitter>;
+using NetworkPtr = std::shared_ptr<ScenarioNetwork>;
+using EmitterChange = std::function<void(SzenarioEmitter&)>;
+Q_DECLARE_METATYPE(EmitterChange)
+
+namespace {
+
+EmitterPtr emitter(const QString& a_sId)
+{
+    return std::make_shared<SzenarioEmitter>(a_sId, a_sId.toUpper());
+}
+
+/// Makes an emitter send in (start, start + duration] ms.
+void send(EmissionSettings* a_pSchedule, const EmitterPtr& a_emitter, std::int64_t a_iStart,
+          std::int64_t a_iDuration)
+{
+    const auto emission = EmissionSettings::createEmission();
+    emission->start = a_iStart;
+    emission->duration = a_iDuration;
+    emission->emitter = a_emitter;
+    emission->signalPackage = std::make_shared<SignalPackage>();
+    a_pSchedule->addEmission(emission);
+}
+
+/// Links on both sides, as a document does.
+void link(const EmitterPtr& a_emitter, const EmitterPtr& a_target)
+{
+    a_emitter->setLinkTargetEmitter(a_target);
+    a_target->addLinkedEmitter(a_emitter);
+}
+
+/// A frequency that ends with its only step, of 1000 ms.
+IFrequencySettings* endingFrequency()
+{
+    auto* pSettings = new FrequencySettings_SlowHopper;
+    pSettings->setEndBehavior(EndBehaviourType::Inactive);
+    return pSettings;
+}
+
+/// A movement that ends within one minute.
+IPositionSettings* endingMovement()
+{
+    auto* pSettings = new PositionSettingsPtp(TPos{8.0, 48.0}, 0.001);
+    pSettings->setEndBehavior(EndBehaviourType::Inactive);
+    return pSettings;
+}
+
+QString bursts(const SzenarioEmitter& a_emitter, unsigned int a_uiStart, unsigned int a_uiEnd)
+{
+    QStringList texts;
+    const QList<HRActivity> activities = a_emitter.calculateBursts(a_uiStart, a_uiEnd, 1000.0);
+    for (const HRActivity& activity : activities) {
+        texts.append(QStringLiteral("%1+%2@%3")
+                         .arg(QString::number(activity.start), QString::number(activity.duration),
+                              QString::number(activity.frequency)));
+    }
+    return texts.join(u' ');
+}
+
+/// All that copies take over from an emitter, as text.
+QString description(const SzenarioEmitter& a_emitter)
+{
+    const EmissionSettings* pSchedule = a_emitter.ScenarioObject::emissionSettings();
+    const auto* pElint = dynamic_cast<const ElintScenarioEmitter*>(&a_emitter);
+    return QStringList{a_emitter.id(),
+                       a_emitter.name(),
+                       a_emitter.description(),
+                       QString::number(a_emitter.isActive()),
+                       QString::number(pSchedule->isBroadcast()),
+                       QString::number(pSchedule->emissions().size()),
+                       QString::number(a_emitter.frequencySettings()->getCenterFrequency()),
+                       a_emitter.getClass(),
+                       QString::number(static_cast<double>(a_emitter.getTranmitterSettings()->getPower())),
+                       QString::number(a_emitter.getPositionSettings()->getPosition().latitude),
+                       QString::number(a_emitter.isLinked()),
+                       QString::number(a_emitter.linkedEmitter().size()),
+                       pElint != nullptr ? pElint->getEDWFile() : QString()}
+        .join(u'|');
+}
+
+} // namespace
+
+class TestScenarioObjects : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void defaults();
+    void ownership();
+    void withoutSettings();
+    void copies_data();
+    void copies();
+    void copyBesides();
+    void networkCopies();
+    void membership();
+    void followsNetwork();
+    void followsLinks();
+    void linkCircles();
+    void affected();
+    void longChain();
+    void active_data();
+    void active();
+    void elintActive();
+    void speakers();
+    void burstWindows_data();
+    void burstWindows();
+    void burstsInNetwork();
+};
+
+void TestScenarioObjects::defaults()
+{
+    const EmitterPtr plain = emitter(QStringLiteral("e"));
+    const auto elint = std::make_shared<ElintScenarioEmitter>(QStringLiteral("x"), QStringLiteral("X"));
+    const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
+    QCOMPARE(static_cast<int>(network->type()), 0);
+    QCOMPARE(static_cast<int>(plain->type()), 1);
+    QCOMPARE(static_cast<int>(elint->type()), 2);
+    for (const std::shared_ptr<ScenarioObject>& object :
+         {std::shared_ptr<ScenarioObject>(plain), std::shared_ptr<ScenarioObject>(elint),
+          std::shared_ptr<ScenarioObject>(network)}) {
+        QVERIFY(object->isActive() && !object->isVisibleOnMap() && !object->isVisibleOnTimeline());
+        QVERIFY(object->description().isEmpty());
+        QVERIFY(object->frequencySettings()->getType() == FrequencySettingsType::Fixed);
+        QCOMPARE(object->frequencySettings()->getCenterFrequency(), 25e6);
+        QVERIFY(object->emissionSettings()->emissions().isEmpty());
+    }
+    QVERIFY(network->name().isEmpty() && network->headEmitter() == nullptr);
+    QCOMPARE(network->color(), QColor(Qt::black));
+    QCOMPARE(network->networkType(), NetworkType::Hierarchical);
+    QVERIFY(plain->positionSettings()->getType() == PositionSettingsType::Fixed);
+    QVERIFY(!plain->hasNetwork() && !plain->isLinked() && !plain->network() && !plain->linkTargetEmitter());
+}
+
+/// A double deletion or a leak shows under the sanitizers.
+void TestScenarioObjects::ownership()
+{
+    const EmitterPtr object = emitter(QStringLiteral("e"));
+    object->setFrequencySettings(object->frequencySettings());
+    object->setPositionSettings(object->getPositionSettings());
+    object->setTransmitterSettings(object->getTranmitterSettings());
+    QCOMPARE(object->frequencySettings()->getCenterFrequency(), 25e6);
+    object->setFrequencySettings(endingFrequency());
+    object->setPositionSettings(endingMovement());
+    object->setTransmitterSettings(new TransmitterSettings);
+    QVERIFY(object->frequencySettings()->getType() == FrequencySettingsType::SlowHopper);
+    QVERIFY(object->positionSettings()->getType() == PositionSettingsType::Movement);
+}
+
+void TestScenarioObjects::withoutSettings()
+{
+    const EmitterPtr bare = emitter(QStringLiteral("bare"));
+    bare->emissionSettings()->setBroadcast(true);
+    QVERIFY(bare->isActiveAt(1));
+    bare->setPositionSettings(nullptr);
+    QVERIFY(!bare->isActiveAt(1));
+    QVERIFY(bare->getPositionAt(1).longitude == 0.0 && bare->getPositionAt(1).latitude == 0.0);
+    QCOMPARE(bare->headingAt(1), 0.0);
+    bare->setPositionSettings(new PositionSettingsFixed(TPos{}));
+    send(bare->emissionSettings(), nullptr, 0, 10);
+    bare->setFrequencySettings(nullptr);
+    bare->setTransmitterSettings(nullptr);
+    QVERIFY(!bare->isActiveAt(1));
+    QCOMPARE(bare->getFrequencyAt(1), 0.0);
+    QVERIFY(bare->calculateBursts(0, 100, 1.0).isEmpty());
+    const EmitterPtr copy = std::static_pointer_cast<SzenarioEmitter>(bare->clone());
+    QVERIFY(!copy->frequencySettings() && !copy->getTranmitterSettings() && copy->positionSettings());
+    bare->setPositionSettings(nullptr);
+    copy->copy(bare);
+    QVERIFY(!copy->positionSettings());
+    copy->copy(nullptr);
+    copy->addLinkedEmitter(nullptr);
+    copy->removeLinkedEmitter(nullptr);
+    QVERIFY(copy->linkedEmitter().isEmpty());
+
+    const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("n"), nullptr);
+    network->setFrequencySettings(nullptr);
+    bare->setScenarioNetwork(network);
+    QCOMPARE(bare->getFrequencyAt(1), 0.0);
+    QVERIFY(!network->addEmitter(nullptr) && !network->removeEmitter(nullptr));
+    network->setHeadEmitter(nullptr);
+    QVERIFY(network->emitterList().isEmpty());
+}
+
+void TestScenarioObjects::copies_data()
+{
+    QTest::addColumn<EmitterChange>("change");
+    const auto row = [](const char* a_szName, const EmitterChange& a_change) {
+        QTest::newRow(a_szName) << a_change;
+    };
+    row("id", [](SzenarioEmitter& a_emitter) { a_emitter.setId(QStringLiteral("other")); });
+    row("name", [](SzenarioEmitter& a_emitter) { a_emitter.setName(QStringLiteral("other")); });
+    row("description", [](SzenarioEmitter& a_emitter) { a_emitter.setDescription(QStringLiteral("other")); });
+    row("active", [](SzenarioEmitter& a_emitter) { a_emitter.setActive(false); });
+    row("broadcast", [](SzenarioEmitter& a_emitter) { a_emitter.emissionSettings()->setBroadcast(true); });
+    row("emissions", [](SzenarioEmitter& a_emitter) { send(a_emitter.emissionSettings(), nullptr, 1, 1); });
+    row("frequency",
+        [](SzenarioEmitter& a_emitter) { a_emitter.frequencySettings()->setCenterFrequency(5e6); });
+    row("class", [](SzenarioEmitter& a_emitter) { a_emitter.setClass(QStringLiteral("other")); });
+    row("transmitter", [](SzenarioEmitter& a_emitter) { a_emitter.getTranmitterSettings()->setPower(9.0F); });
+    row("position", [](SzenarioEmitter& a_emitter) {
+        a_emitter.positionSettings()->setPosition(TPos{1.0, 2.0});
+    });
+    row("linked emitters",
+        [](SzenarioEmitter& a_emitter) { a_emitter.addLinkedEmitter(emitter(QStringLiteral("l"))); });
+}
+
+void TestScenarioObjects::copies()
+{
+    QFETCH(EmitterChange, change);
+    const EmitterPtr source = emitter(QStringLiteral("e"));
+    const EmitterPtr target = emitter(QStringLiteral("t"));
+    const QString sBefore = description(*source);
+    change(*source);
+    QVERIFY(description(*source) != sBefore);
+
+    const auto clone = std::static_pointer_cast<SzenarioEmitter>(source->clone());
+    QCOMPARE(description(*clone), description(*source));
+    target->copy(source);
+    QCOMPARE(description(*target), description(*source));
+    const auto elint = std::make_shared<ElintScenarioEmitter>(QStringLiteral("x"), QString());
+    elint->copy(source);
+    QCOMPARE(description(*elint), description(*source));
+
+    // The constructor takes its own id and name and leaves the flag alone.
+    SzenarioEmitter constructed(source->id(), source->name(), source);
+    constructed.setActive(source->isActive());
+    QCOMPARE(description(constructed), description(*source));
+
+    // What was copied is a copy.
+    source->frequencySettings()->setCenterFrequency(1.0);
+    source->getTranmitterSettings()->setPower(1234.0F);
+    source->positionSettings()->setPosition(TPos{77.0, 77.0});
+    source->emissionSettings()->clearAll();
+    QCOMPARE(description(*clone), description(*target));
+}
+
+void TestScenarioObjects::copyBesides()
+{
+    const EmitterPtr source = emitter(QStringLiteral("e"));
+    source->setVisibleOnMap(true);
+    source->setVisibleOnTimeline(true);
+    source->setActive(false);
+    const EmitterPtr target = emitter(QStringLiteral("target"));
+    link(source, target);
+    const std::shared_ptr<ScenarioObject> clone = source->clone();
+    QVERIFY(!clone->isVisibleOnMap() && !clone->isVisibleOnTimeline());
+    QCOMPARE(std::static_pointer_cast<SzenarioEmitter>(clone)->linkTargetEmitter(), target);
+    const SzenarioEmitter constructed(QStringLiteral("new"), QStringLiteral("New"), source);
+    QCOMPARE(constructed.id() + constructed.name(), QStringLiteral("newNew"));
+    QVERIFY(constructed.isVisibleOnMap() && constructed.isVisibleOnTimeline() && constructed.isActive());
+    QCOMPARE(constructed.linkTargetEmitter(), target);
+
+    const auto elint = std::make_shared<ElintScenarioEmitter>(QStringLiteral("x"), QString());
+    elint->SetEDWFile(QStringLiteral("pulses.edw"));
+    const auto elintClone = std::dynamic_pointer_cast<ElintScenarioEmitter>(elint->clone());
+    QVERIFY(elintClone);
+    QCOMPARE(elintClone->getEDWFile(), QStringLiteral("pulses.edw"));
+
+    // From another kind only what all objects have.
+    source->setClass(QStringLiteral("kept"));
+    const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
+    source->copy(network);
+    QCOMPARE(source->id() + source->getClass(), QStringLiteral("nkept"));
+    network->addEmitter(target);
+    network->copy(target);
+    QVERIFY(network->id() == u"target" && network->containsEmitter(target));
+    // A follower that copies what it follows must not end up holding itself.
+    source->copy(target);
+    QVERIFY(source->linkedEmitter().isEmpty());
+    source->copy(source);
+    QCOMPARE(source->id(), QStringLiteral("target"));
+}
+
+void TestScenarioObjects::networkCopies()
+{
+    const auto source = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
+    source->setName(QStringLiteral("Net"));
+    source->setColor(Qt::red);
+    source->setNetworkType(NetworkType::Star);
+    source->emissionSettings()->setBroadcast(true);
+    source->setVisibleOnMap(true);
+    const EmitterPtr first = emitter(QStringLiteral("1"));
+    const EmitterPtr second = emitter(QStringLiteral("2"));
+    source->addEmitter(first);
+    source->setHeadEmitter(second);
+    const auto clone = std::dynamic_pointer_cast<ScenarioNetwork>(source->clone());
+    const auto constructed = std::make_shared<ScenarioNetwork>(QStringLiteral("other"), source);
+    QVERIFY(clone->id() == u"n" && constructed->id() == u"other");
+    QVERIFY(!clone->isVisibleOnMap() && constructed->isVisibleOnMap());
+    for (const NetworkPtr& copy : {clone, constructed}) {
+        QCOMPARE(copy->name(), QStringLiteral("Net"));
+        QCOMPARE(copy->color(), QColor(Qt::red));
+        QCOMPARE(copy->networkType(), NetworkType::Star);
+        QVERIFY(copy->emissionSettings()->isBroadcast());
+        QCOMPARE(copy->emitterList(), (QList{second, first}));
+        QCOMPARE(copy->emitter(), source->emitter());
+    }
+    clone->removeEmitter(first);
+    QCOMPARE(source->emitterList().size(), 2);
+    source->copy(source);
+    QCOMPARE(source->emitterList().size(), 2);
+}
+
+void TestScenarioObjects::membership()
+{
+    const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
+    const EmitterPtr a = emitter(QStringLiteral("a"));
+    const EmitterPtr b = emitter(QStringLiteral("b"));
+    const EmitterPtr c = emitter(QStringLiteral("c"));
+    QVERIFY(network->addEmitter(a) && network->addEmitter(b));
+    QVERIFY(!network->addEmitter(a));
+    QVERIFY(!a->hasNetwork()); // its own side is the caller's
+    QCOMPARE(network->headEmitter(), a);
+    network->setHeadEmitter(b);
+    QCOMPARE(network->emitterList(), (QList{b, a}));
+    network->setHeadEmitter(c);
+    QCOMPARE(network->emitterList(), (QList{c, b, a}));
+    QCOMPARE(network->emitter(), (QSet{a, b, c}));
+    QCOMPARE(network->indexForEmitter(a), 2);
+    QCOMPARE(network->indexForEmitter(emitter(QStringLiteral("a"))), -1);
+    QCOMPARE(network->emitterForIndex(1), b);
+    QVERIFY(!network->emitterForIndex(3) && !network->emitterForIndex(-1));
+
+    send(network->emissionSettings(), c, 0, 10);
+    send(network->emissionSettings(), a, 20, 10);
+    QCOMPARE(network->emitterActiveAt(5), c);
+    QVERIFY(network->removeEmitter(network->emissionSettings()->emissions().constFirst()->emitter));
+    QVERIFY(!network->removeEmitter(c));
+    QVERIFY(!network->emitterActiveAt(5));
+    QCOMPARE(network->emitterActiveAt(25), a);
+    QCOMPARE(network->emitterList(), (QList{b, a}));
+    QVERIFY(!network->containsEmitter(c));
+}
+
+void TestScenarioObjects::followsNetwork()
+{
+    auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
+    network->frequencySettings()->setCenterFrequency(99e6);
+    const EmitterPtr member = emitter(QStringLiteral("m"));
+    EmissionSettings* pOwn = member->emissionSettings();
+    member->setScenarioNetwork(network);
+    QVERIFY(member->hasNetwork() && member->network() == network);
+    QCOMPARE(member->emissionSettings(), network->emissionSettings());
+    QCOMPARE(member->ScenarioObject::emissionSettings(), pOwn);
+    QCOMPARE(member->getFrequencyAt(0), 99e6);
+    QCOMPARE(member->frequencySettings()->getCenterFrequency(), 25e6);
+    // The network is not kept alive by its members.
+    network.reset();
+    QVERIFY(!member->hasNetwork());
+    QCOMPARE(member->emissionSettings(), pOwn);
+    QCOMPARE(member->getFrequencyAt(0), 25e6);
+}
+
+void TestScenarioObjects::followsLinks()
+{
+    const EmitterPtr leader = emitter(QStringLiteral("leader"));
+    const EmitterPtr middle = emitter(QStringLiteral("middle"));
+    EmitterPtr last = emitter(QStringLiteral("last"));
+    leader->setPositionSettings(endingMovement());
+    middle->positionSettings()->setPosition(TPos{1.0, 2.0});
+    link(middle, leader);
+    link(last, middle);
+    QCOMPARE(last->positionSettings(), leader->positionSettings());
+    QCOMPARE(last->getPositionAt(0).latitude, 48.0);
+    QCOMPARE(last->headingAt(1), leader->headingAt(1));
+    QVERIFY(last->headingAt(1) > 0.0);
+    middle->setLinkTargetEmitter(nullptr);
+    QCOMPARE(last->getPositionAt(0).latitude, 2.0);
+    middle->removeLinkedEmitter(last);
+    QVERIFY(middle->linkedEmitter().isEmpty());
+    EmitterPtr target = emitter(QStringLiteral("gone"));
+    last->setLinkTargetEmitter(target);
+    QVERIFY(last->isLinked());
+    target.reset(); // is not kept alive by its followers
+    QVERIFY(!last->isLinked());
+}
+
+void TestScenarioObjects::linkCircles()
+{
+    for (int iCase = 0; iCase < 30; ++iCase) {
+        const int iTail = iCase / 6;
+        const int iSize = iTail + 1 + iCase % 6;
+        QList<EmitterPtr> emitters;
+        for (int i = 0; i < iSize; ++i) {
+            emitters.append(emitter(QString::number(i)));
+            emitters.constLast()->positionSettings()->setPosition(TPos{0.0, static_cast<double>(i)});
+        }
+        for (int i = 0; i < iSize; ++i) {
+            emitters.at(i)->setLinkTargetEmitter(emitters.at(i + 1 < iSize ? i + 1 : iTail));
+        }
+        for (int i = 0; i < iSize; ++i) {
+            QCOMPARE(emitters.at(i)->getPositionAt(0).latitude, static_cast<double>(i));
+        }
+    }
+}
+
+void TestScenarioObjects::affected()
+{
+    const EmitterPtr a = emitter(QStringLiteral("a"));
+    const EmitterPtr b = emitter(QStringLiteral("b"));
+    const EmitterPtr c = emitter(QStringLiteral("c"));
+    const EmitterPtr d = emitter(QStringLiteral("d"));
+    a->addLinkedEmitter(a);
+    QVERIFY(a->affectedLinkedEmitter().isEmpty());
+    link(b, a);
+    link(c, b);
+    link(d, b);
+    link(c, a);
+    QCOMPARE(a->affectedLinkedEmitter(), (QSet{b, c, d}));
+    QVERIFY(c->affectedLinkedEmitter().isEmpty());
+    link(a, c); // a circle
+    QCOMPARE(a->affectedLinkedEmitter(), (QSet{b, c, d}));
+    QCOMPARE(c->affectedLinkedEmitter(), (QSet{a, b, d}));
+    c->removeLinkedEmitter(a); // linked emitters are held: the owner parts them
+}
+
+/// Neither queries nor destruction may recurse along a chain.
+void TestScenarioObjects::longChain()
+{
+    constexpr int iLength = 200'000; // 100 times what the stack would hold
+    EmitterPtr leader = emitter(QStringLiteral("leader"));
+    leader->positionSettings()->setPosition(TPos{3.0, 4.0});
+    std::weak_ptr<SzenarioEmitter> last;
+    {
+        EmitterPtr end = leader;
+        for (int i = 0; i < iLength; ++i) {
+            const EmitterPtr next = emitter(QStringLiteral("e"));
+            link(next, end);
+            end = next;
+        }
+        last = end;
+    }
+    QCOMPARE(last.lock()->getPositionAt(0).latitude, 4.0);
+    QCOMPARE(leader->affectedLinkedEmitter().size(), iLength);
+    leader.reset();
+    QVERIFY(last.expired());
+}
+
+void TestScenarioObjects::active_data()
+{
+    QTest::addColumn<EmitterChange>("change");
+    QTest::addColumn<bool>("inNetwork");
+    QTest::addColumn<bool>("active"); // at 500 ms, with an emission of its own at (0, 1000]
+    const auto row = [](const char* a_szName, const EmitterChange& a_change, bool a_bAlone, bool a_bMember) {
+        QTest::addRow("%s, alone", a_szName) << a_change << false << a_bAlone;
+        QTest::addRow("%s, in a network", a_szName) << a_change << true << a_bMember;
+    };
+    row(
+        "sending", [](SzenarioEmitter&) {}, true, true);
+    row(
+        "flag off", [](SzenarioEmitter& a_emitter) { a_emitter.setActive(false); }, false, false);
+    row(
+        "no emission", [](SzenarioEmitter& a_emitter) { a_emitter.emissionSettings()->clearAll(); }, false,
+        false);
+    row(
+        "broadcast",
+        [](SzenarioEmitter& a_emitter) {
+            a_emitter.emissionSettings()->clearAll();
+            a_emitter.emissionSettings()->setBroadcast(true);
+        },
+        true, true);
+    row(
+        "emission of nobody",
+        [](SzenarioEmitter& a_emitter) {
+            a_emitter.emissionSettings()->emissions().constFirst()->emitter.reset();
+        },
+        true, false);
+    row(
+        "frequency over",
+        [](SzenarioEmitter& a_emitter) {
+            auto* pHopper = static_cast<FrequencySettings_SlowHopper*>(endingFrequency());
+            pHopper->setFrequencySteps({{25e6, 400}});
+            a_emitter.setFrequencySettings(pHopper);
+        },
+        false, true); // the network's counts there
+    row(
+        "movement over",
+        [](SzenarioEmitter& a_emitter) {
+            auto* pMovement = static_cast<PositionSettingsPtp*>(endingMovement());
+            pMovement->setMovementSpeed(1, 1e6F);
+            a_emitter.setPositionSettings(pMovement);
+        },
+        false, false);
+    row(
+        "network off",
+        [](SzenarioEmitter& a_emitter) {
+            if (a_emitter.network()) {
+                a_emitter.network()->setActive(false);
+            }
+        },
+        true, false);
+    row(
+        "network's frequency over",
+        [](SzenarioEmitter& a_emitter) {
+            if (a_emitter.network()) {
+                a_emitter.network()->setFrequencySettings(nullptr);
+            }
+        },
+        true, false);
+}
+
+void TestScenarioObjects::active()
+{
+    QFETCH(EmitterChange, change);
+    QFETCH(bool, inNetwork);
+    const EmitterPtr subject = emitter(QStringLiteral("e"));
+    const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
+    if (inNetwork) {
+        subject->setScenarioNetwork(network);
+    }
+    send(subject->emissionSettings(), subject, 0, 1000);
+    change(*subject);
+    QTEST(subject->isActiveAt(500), "active");
+    subject->emissionSettings()->clearAll();
+}
+
+void TestScenarioObjects::elintActive()
+{
+    ElintScenarioEmitter elint(QStringLiteral("x"), QString());
+    const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
+    QVERIFY(elint.isActiveAt(0)); // without any schedule
+    network->setActive(false);
+    elint.setScenarioNetwork(network);
+    QVERIFY(elint.isActiveAt(0));
+    elint.setScenarioNetwork(nullptr);
+    elint.setFrequencySettings(endingFrequency());
+    QVERIFY(elint.isActiveAt(999) && !elint.isActiveAt(1001));
+    elint.setPositionSettings(nullptr);
+    QVERIFY(!elint.isActiveAt(999));
+    elint.setPositionSettings(new PositionSettingsFixed(TPos{}));
+    elint.setActive(false);
+    QVERIFY(!elint.isActiveAt(999));
+}
+
+void TestScenarioObjects::speakers()
+{
+    const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
+    const EmitterPtr first = emitter(QStringLiteral("1"));
+    const EmitterPtr second = emitter(QStringLiteral("2"));
+    EmissionSettings* pSchedule = network->emissionSettings();
+    for (const EmitterPtr& member : {first, second}) {
+        network->addEmitter(member);
+        member->setScenarioNetwork(network);
+    }
+    send(pSchedule, first, 0, 100);
+    send(pSchedule, second, 200, 100);
+    const auto package = pSchedule->emissions().constFirst()->signalPackage;
+    for (const bool bBroadcast : {false, true}) {
+        pSchedule->setBroadcast(bBroadcast);
+        QVERIFY(first->isActiveAt(50));
+        QCOMPARE(second->isActiveAt(50), bBroadcast);
+        QVERIFY(first->signalPackageAt(50) == package && !second->signalPackageAt(50) &&
+                !first->signalPackageAt(150));
+        QCOMPARE(first->timeActiveAt(50), 50LL);
+        QCOMPARE(second->timeActiveAt(50), -1LL);
+    }
+    // Alone, whoever its emissions name does not matter.
+    const EmitterPtr alone = emitter(QStringLiteral("3"));
+    send(alone->emissionSettings(), first, 0, 100);
+    QVERIFY(alone->isActiveAt(50) && alone->signalPackageAt(50));
+    QCOMPARE(alone->timeActiveAt(50), 50LL);
+}
+
+void TestScenarioObjects::burstWindows_data()
+{
+    QTest::addColumn<unsigned int>("start");
+    QTest::addColumn<unsigned int>("end");
+    QTest::addColumn<QString>("expected");
+    // On-times 100+300 and 1000+500; frequency steps of 250, 0 and 250 ms.
+    QTest::newRow("all") << 0U << 2000U << QStringLiteral("100+150@10 250+150@30 1000+250@10 1250+250@30");
+    QTest::newRow("cut in front and behind")
+        << 200U << 1100U << QStringLiteral("200+50@10 250+150@30 1000+100@10");
+    QTest::newRow("within one on-time") << 300U << 310U << QStringLiteral("300+10@30");
+    QTest::newRow("between on-times") << 500U << 900U << QString();
+    QTest::newRow("empty window") << 200U << 200U << QString();
+    QTest::newRow("backwards") << 300U << 200U << QString();
+    QTest::newRow("up to the end of time") << 1400U << 0xFFFFFFFFU << QStringLiteral("1400+100@30");
+}
+
+void TestScenarioObjects::burstWindows()
+{
+    QFETCH(unsigned int, start);
+    QFETCH(unsigned int, end);
+    SzenarioEmitter subject(QStringLiteral("e"), QString());
+    auto* pHopper = new FrequencySettings_SlowHopper;
+    pHopper->setFrequencySteps({{10.0, 250}, {20.0, 0}, {30.0, 250}});
+    subject.setFrequencySettings(pHopper);
+    send(subject.emissionSettings(), nullptr, 100, 300);
+    send(subject.emissionSettings(), nullptr, 1000, 500);
+    QTEST(bursts(subject, start, end), "expected");
+}
+
+void TestScenarioObjects::burstsInNetwork()
+{
+    const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
+    network->frequencySettings()->setCenterFrequency(7.0);
+    const EmitterPtr member = emitter(QStringLiteral("m"));
+    member->setScenarioNetwork(network);
+    send(network->emissionSettings(), member, 0, 10);
+    send(network->emissionSettings(), nullptr, 20, 10);
+    send(network->emissionSettings(), member, 40, 10);
+    QCOMPARE(bursts(*member, 5, 45), QStringLiteral("5+5@7 40+5@7"));
+    network->emissionSettings()->setBroadcast(true);
+    QCOMPARE(bursts(*member, 5, 45), QStringLiteral("5+40@7"));
+    network->emissionSettings()->clearAll();
+}
+
+QTEST_GUILESS_MAIN(TestScenarioObjects)
+
+#include "tst_scenarioobjects.moc"
