@@ -1,0 +1,355 @@
+#include "scenariodataxml.h"
+
+#include "documentfile_p.h"
+#include "persistentid_p.h"
+#include "scenariograph_p.h"
+#include "scenarioreferences_p.h"
+#include "simulationdata/scenarionetwork.h"
+#include "simulationdata/szenarioemitter.h"
+#include "trace_p.h"
+#include "valuesettingsxml_p.h"
+#include "xmldocumentreader_p.h"
+#include "xmlposition_p.h"
+#include "xmltext_p.h"
+#include "xmlwalk_p.h"
+
+#include <QIODevice>
+#include <QXmlStreamWriter>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+#include <vector>
+
+namespace Simulation {
+
+namespace {
+
+constexpr const char* s_szSource = "simulation/simulationdata/scenariodataxml";
+
+const QString s_sScenario = QStringLiteral("Scenario");
+const QString s_sScenarioObjects = QStringLiteral("ScenarioObjects");
+const QString s_sFileFormatVersion = QStringLiteral("FileFormatVersion");
+const QString s_sName = QStringLiteral("Name");
+const QString s_sAuthor = QStringLiteral("Author");
+const QString s_sUid = QStringLiteral("Uid");
+const QString s_sDuration = QStringLiteral("Duration");
+const QString s_sDescription = QStringLiteral("Description");
+const QString s_sStar = QStringLiteral("Star");
+const QString s_sHierarchical = QStringLiteral("Hierarchical");
+
+constexpr qsizetype s_iShownCharacters = 40; ///< of a foreign name in an error text
+
+using ObjectSet = QSet<std::shared_ptr<ScenarioObject>>;
+
+/// The objects of one kind in the order of their ids and then names: a set's own
+/// order changes from run to run. Objects that agree in both are put in the
+/// order of what `a_textOf` writes for them.
+template<typename Object, typename TextOf>
+std::vector<const Object*> inOrder(const ObjectSet& a_objects, const TextOf& a_textOf)
+{
+    struct Entry
+    {
+        std::pair<QString, QString> key; ///< id and name
+        const Object* object = nullptr;
+        QByteArray text;
+    };
+    std::vector<Entry> entries;
+    for (const std::shared_ptr<ScenarioObject>& object : a_objects) {
+        if (const auto* pObject = dynamic_cast<const Object*>(object.get())) {
+            entries.push_back({{object->id(), object->name()}, pObject, {}});
+        }
+    }
+    std::sort(entries.begin(), entries.end(),
+              [](const Entry& a_first, const Entry& a_second) { return a_first.key < a_second.key; });
+    for (auto first = entries.begin(); first != entries.end();) {
+        const auto last = std::find_if(first, entries.end(),
+                                       [&](const Entry& a_entry) { return a_entry.key != first->key; });
+        if (last - first > 1) {
+            std::for_each(first, last, [&](Entry& a_entry) { a_entry.text = a_textOf(*a_entry.object); });
+            std::sort(first, last, [](const Entry& a_first, const Entry& a_second) {
+                return a_first.text < a_second.text;
+            });
+        }
+        first = last;
+    }
+    std::vector<const Object*> objects;
+    objects.reserve(entries.size());
+    std::transform(entries.cbegin(), entries.cend(), std::back_inserter(objects),
+                   [](const Entry& a_entry) { return a_entry.object; });
+    return objects;
+}
+
+/// What a writing function puts out, as bytes.
+template<typename Write>
+QByteArray written(const Write& a_write)
+{
+    QByteArray text;
+    QXmlStreamWriter writer(&text);
+    a_write(writer);
+    return text;
+}
+
+} // namespace
+
+ScenarioDataXml::ScenarioDataXml(ISignalPackageProvider* a_pProvider)
+    : m_pProvider(a_pProvider)
+{}
+
+ScenarioDataXml::~ScenarioDataXml()
+{
+    clear();
+}
+
+void ScenarioDataXml::clear()
+{
+    ObjectSet objects = std::exchange(m_objects, {});
+    for (const std::shared_ptr<SzenarioEmitter>& emitter : std::exchange(m_defaultEmitters, {})) {
+        objects.insert(emitter);
+    }
+    ScenarioGraph::release(std::move(objects));
+}
+
+bool ScenarioDataXml::refuse(const QString& a_sReason)
+{
+    m_sErrorString = a_sReason;
+    traceError(s_szSource, [&] { return QStringLiteral("Scenario refused: %1").arg(a_sReason); });
+    return false;
+}
+
+bool ScenarioDataXml::fromXmlFile(const QString& a_sFile)
+{
+    QString sReason;
+    const std::optional<QByteArray> xml = loadDocument(a_sFile, &sReason);
+    return xml ? fromXml(*xml) : refuse(sReason);
+}
+
+bool ScenarioDataXml::fromXml(QIODevice* a_pDevice)
+{
+    if (a_pDevice == nullptr) {
+        return refuse(QStringLiteral("there is no device to read from"));
+    }
+    QString sReason;
+    const std::optional<QByteArray> xml = readDocument(a_pDevice, &sReason);
+    return xml ? fromXml(*xml) : refuse(sReason);
+}
+
+bool ScenarioDataXml::fromXml(const QByteArray& a_xml)
+{
+    XmlDocumentReader document(a_xml);
+    QXmlStreamReader& reader = document.stream();
+    if (!reader.readNextStartElement()) {
+        return refuse(document.errorString());
+    }
+    if (reader.qualifiedName() != s_sScenario) {
+        return refuse(xmlErrorText({reader.lineNumber(), reader.columnNumber()},
+                                   QStringLiteral("the root element is \"%1\", not \"Scenario\"")
+                                       .arg(reader.qualifiedName().left(s_iShownCharacters).toString())));
+    }
+    clear();
+    readHeader(reader.attributes());
+    readChildren(reader);
+    document.readToEnd();
+    m_sErrorString = document.errorString();
+    if (!m_sErrorString.isEmpty()) {
+        traceError(s_szSource, [&] { return QStringLiteral("Scenario broke off: %1").arg(m_sErrorString); });
+    }
+    return true;
+}
+
+void ScenarioDataXml::readHeader(const QXmlStreamAttributes& a_attributes)
+{
+    m_uiFileVersion = readUInt32(a_attributes.value(s_sFileFormatVersion));
+    m_sName = a_attributes.value(s_sName).toString();
+    m_sAuthor = a_attributes.value(s_sAuthor).toString();
+    m_sPersistantId = a_attributes.value(s_sUid).toString();
+    m_uiDuration = readUInt32(a_attributes.value(s_sDuration));
+    m_sDescription = a_attributes.value(s_sDescription).toString();
+    m_noiseSettings.setDefaults();
+}
+
+void ScenarioDataXml::writeHeader(QXmlStreamWriter& a_writer) const
+{
+    a_writer.writeAttribute(s_sFileFormatVersion, QString::number(s_uiFileFormatVersion));
+    writeXmlAttribute(a_writer, s_sName, m_sName);
+    writeXmlAttribute(a_writer, s_sAuthor, m_sAuthor);
+    writeXmlAttribute(a_writer, s_sUid, m_sPersistantId);
+    a_writer.writeAttribute(s_sDuration, QString::number(m_uiDuration));
+    writeXmlTextElement(a_writer, s_sDescription, m_sDescription);
+    writeNoiseSettings(a_writer, m_noiseSettings);
+}
+
+void ScenarioDataXml::readChildren(QXmlStreamReader& a_reader)
+{
+    ScenarioReferences references(m_objects, m_pProvider);
+    forEachChild(a_reader, [&](QStringView a_sName) { return readChild(a_reader, a_sName, references); });
+    references.resolve();
+    // An id that is used twice may have marked its emitter twice.
+    QSet<std::shared_ptr<SzenarioEmitter>> seen;
+    m_defaultEmitters.removeIf([&](const auto& a_default) {
+        const bool bAgain = seen.contains(a_default);
+        seen.insert(a_default);
+        return bAgain;
+    });
+}
+
+bool ScenarioDataXml::readChild(QXmlStreamReader& a_reader, QStringView a_sName,
+                                ScenarioReferences& a_references)
+{
+    if (a_sName == u"Emitter") {
+        readScenarioEmitter(a_reader, EmitterType::Emitter, a_references);
+    } else if (a_sName == u"ElintEmitter") {
+        readScenarioEmitter(a_reader, EmitterType::ElintEmitter, a_references);
+    } else if (a_sName == u"Network") {
+        readScenarioNetwork(a_reader, a_references);
+    } else if (a_sName == s_sDescription) {
+        m_sDescription = elementText(a_reader).value_or(m_sDescription);
+    } else if (a_sName == u"NoiseSettings") {
+        readNoiseSettings(a_reader, m_noiseSettings);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& a_objects,
+                                   const QList<std::shared_ptr<SzenarioEmitter>>& a_defaults)
+{
+    QSet<const SzenarioEmitter*> defaults;
+    for (const std::shared_ptr<SzenarioEmitter>& emitter : a_defaults) {
+        defaults.insert(emitter.get());
+    }
+    const auto writeEmitter = [&](QXmlStreamWriter& a_target, const SzenarioEmitter& a_emitter) {
+        writeScenarioEmitter(a_target, a_emitter, defaults.contains(&a_emitter));
+    };
+    const auto emitters = inOrder<SzenarioEmitter>(a_objects, [&](const SzenarioEmitter& a_emitter) {
+        return written([&](QXmlStreamWriter& a_target) { writeEmitter(a_target, a_emitter); });
+    });
+    for (const SzenarioEmitter* pEmitter : emitters) {
+        writeEmitter(a_writer, *pEmitter);
+    }
+    const auto networks = inOrder<ScenarioNetwork>(a_objects, [](const ScenarioNetwork& a_network) {
+        return written([&](QXmlStreamWriter& a_target) { writeScenarioNetwork(a_target, a_network); });
+    });
+    for (const ScenarioNetwork* pNetwork : networks) {
+        writeScenarioNetwork(a_writer, *pNetwork);
+    }
+}
+
+QByteArray ScenarioDataXml::toXml()
+{
+    if (m_sPersistantId.isEmpty()) {
+        m_sPersistantId = createPersistentId(m_sName);
+    }
+    QByteArray xml;
+    QXmlStreamWriter writer(&xml);
+    writer.setAutoFormatting(true);
+    writer.writeStartDocument();
+    writer.writeStartElement(s_sScenario);
+    writeHeader(writer);
+    writeObjects(writer, m_objects, m_defaultEmitters);
+    writer.writeEndElement();
+    writer.writeEndDocument();
+    return xml;
+}
+
+void ScenarioDataXml::toXml(QIODevice* a_pDevice)
+{
+    const QByteArray xml = toXml();
+    if (a_pDevice == nullptr || a_pDevice->write(xml) != xml.size()) {
+        traceError(s_szSource, [&] {
+            return QStringLiteral("Cannot write a scenario of %1 bytes: %2")
+                .arg(QString::number(xml.size()),
+                     a_pDevice != nullptr ? a_pDevice->errorString() : QStringLiteral("there is no device"));
+        });
+    }
+}
+
+bool ScenarioDataXml::toXmlFile(const QString& a_sFile)
+{
+    return saveDocument(a_sFile, toXml());
+}
+
+void ScenarioDataXml::setScenarioObjects(const ObjectSet& a_objects)
+{
+    ObjectSet objects = a_objects;
+    objects.remove(nullptr);
+    ObjectSet dropped = std::exchange(m_objects, std::move(objects));
+    m_defaultEmitters.removeIf([&](const auto& a_default) {
+        const bool bDropped = !m_objects.contains(a_default);
+        if (bDropped) {
+            dropped.insert(a_default);
+        }
+        return bDropped;
+    });
+    ScenarioGraph::release(std::move(dropped));
+}
+
+std::shared_ptr<SzenarioEmitter> ScenarioDataXml::getDefaultEmitter() const
+{
+    return m_defaultEmitters.value(0);
+}
+
+void ScenarioDataXml::setDefaultEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter)
+{
+    QList<std::shared_ptr<SzenarioEmitter>> former;
+    if (a_emitter) {
+        former.append(a_emitter);
+    }
+    std::swap(former, m_defaultEmitters);
+    ObjectSet dropped;
+    for (const std::shared_ptr<SzenarioEmitter>& emitter : std::exchange(former, {})) {
+        if (!m_objects.contains(emitter)) {
+            dropped.insert(emitter);
+        }
+    }
+    ScenarioGraph::release(std::move(dropped));
+}
+
+QString ScenarioDataXml::xmlForObjects(const ObjectSet& a_objects, ISignalPackageProvider* /*a_pProvider*/)
+{
+    ObjectSet objects = a_objects;
+    objects.remove(nullptr);
+    QString sXml;
+    QXmlStreamWriter writer(&sXml);
+    writer.setAutoFormatting(true);
+    writer.writeStartDocument();
+    writer.writeStartElement(s_sScenarioObjects);
+    writeObjects(writer, objects, {});
+    writer.writeEndElement();
+    writer.writeEndDocument();
+    return sXml;
+}
+
+ObjectSet ScenarioDataXml::objectsForXml(const QString& a_sXml, ISignalPackageProvider* a_pProvider)
+{
+    XmlDocumentReader document(a_sXml);
+    ScenarioDataXml scenario(a_pProvider);
+    if (!document.stream().readNextStartElement()) {
+        scenario.refuse(document.errorString());
+        return {};
+    }
+    scenario.readChildren(document.stream());
+    document.readToEnd();
+    if (const QString sError = document.errorString(); !sError.isEmpty()) {
+        traceError(s_szSource, [&] { return QStringLiteral("Objects broke off: %1").arg(sError); });
+    }
+    return std::exchange(scenario.m_objects, {});
+}
+
+void ScenarioDataXml::releaseObjects(ObjectSet&& a_objects)
+{
+    ScenarioGraph::release(std::move(a_objects));
+}
+
+QString ScenarioDataXml::networkTypeToString(NetworkType a_eType)
+{
+    return a_eType == NetworkType::Hierarchical ? s_sHierarchical : s_sStar;
+}
+
+NetworkType ScenarioDataXml::stringToNetworkType(const QString& a_sText)
+{
+    return a_sText == s_sStar ? NetworkType::Star : NetworkType::Hierarchical;
+}
+
+} // namespace Simulation

@@ -1,0 +1,19 @@
+#include <simulationdata/scenariodataxml.h>
+#include <simulationdata/szenarioemitter.h>
+#include <simulationdata/unresolvedsignalpackageprovider.h>
+
+#include <cstdio>
+
+/// Loads the default scenario that the library carries: fails when headers,
+/// library or resources are not where an installation puts them.
+int main()
+{
+    Simulation::UnresolvedSignalPackageProvider provider;
+    Simulation::ScenarioDataXml scenario(&provider);
+    if (!scenario.fromXmlFile(QStringLiteral(":/DefaultData/Default.sce.exp")) || !scenario.getDefaultEmitter()) {
+        std::fprintf(stderr, "%s\n", qPrintable(scenario.errorString()));
+        return 1;
+    }
+    std::printf("%lld objects\n", static_cast<long long>(scenario.scenarioObjects().size()));
+    return 0;
+}

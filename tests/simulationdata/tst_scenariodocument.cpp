@@ -1,0 +1,591 @@
+#include "simulationdata/emissionsettings.h"
+#include "simulationdata/frequencysettings_fasthopper.h"
+#include "simulationdata/limits.h"
+#include "simulationdata/scenariodataxml.h"
+#include "simulationdata/scenarionetwork.h"
+#include "simulationdata/signalpackage.h"
+#include "simulationdata/szenarioemitter.h"
+#include "simulationdata/unresolvedsignalpackageprovider.h"
+
+#include <csignal>
+#include <memory>
+#include <vector>
+
+#include <QBuffer>
+#include <QFile>
+#include <QLoggingCategory>
+#include <QStringConverter>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/resource.h>
+
+using namespace Simulation;
+
+using EmitterPtr = std::shared_ptr<SzenarioEmitter>;
+using ObjectPtr = std::shared_ptr<ScenarioObject>;
+
+namespace {
+
+/// Every kind of circle there is: an emitter and its own schedule, links, a
+/// network whose schedule names its members.
+const QByteArray s_circles =
+    "<?xml version='1.0'?>"
+    "<Scenario Name='Circles' FileFormatVersion='4'><Description>D</Description>"
+    "<Emitter ID='a' Name='A' Active='true' LinkTarget='b' Default='true'><Description>\xC3\xA4</Description>"
+    "<EmissionSettings><Emission ID='1' StartTime='0' Duration='9' Emitter='a' SignalPackage='p'/>"
+    "<Emission ID='2' StartTime='20' Emitter='b'/><Groups><Group "
+    "ID='1'><EmissionId>1</EmissionId><GroupId>2</GroupId></Group>"
+    "<Group ID='2'><EmissionId>1</EmissionId></Group></Groups></EmissionSettings></Emitter>"
+    "<Emitter ID='b' Name='B' LinkTarget='a'><EmissionSettings><Emission ID='1' "
+    "Emitter='a'/></EmissionSettings>"
+    "</Emitter>"
+    "<Network ID='n'><EmissionSettings><Emission ID='1' Emitter='b'/></EmissionSettings><Emitter>a</Emitter>"
+    "<Emitter>b</Emitter></Network></Scenario>";
+
+ObjectPtr find(const ScenarioDataXml& a_document, const char* a_szId)
+{
+    for (const ObjectPtr& object : a_document.scenarioObjects()) {
+        if (object->id() == QLatin1String(a_szId)) {
+            return object;
+        }
+    }
+    return nullptr;
+}
+
+EmitterPtr findEmitter(const ScenarioDataXml& a_document, const char* a_szId)
+{
+    return std::dynamic_pointer_cast<SzenarioEmitter>(find(a_document, a_szId));
+}
+
+/// Watches which objects of a document are alive.
+class Watch
+{
+public:
+    explicit Watch(const ScenarioDataXml& a_document)
+    {
+        for (const ObjectPtr& object : a_document.scenarioObjects()) {
+            m_objects.emplace_back(object);
+        }
+    }
+
+    [[nodiscard]] int alive() const
+    {
+        int iAlive = 0;
+        for (const std::weak_ptr<ScenarioObject>& object : m_objects) {
+            iAlive += object.expired() ? 0 : 1;
+        }
+        return iAlive;
+    }
+
+private:
+    std::vector<std::weak_ptr<ScenarioObject>> m_objects;
+};
+
+QByteArray repeated(const QByteArray& a_text, int a_iCount)
+{
+    return a_text.repeated(a_iCount);
+}
+
+} // namespace
+
+class TestScenarioDocument : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void refused_data();
+    void refused();
+    void secondLoad();
+    void brokenOff_data();
+    void brokenOff();
+    void cutAtEveryByte();
+    void changedAtEveryByte();
+    void encodings_data();
+    void encodings();
+    void hostile_data();
+    void hostile();
+    void manyReferences();
+    void devices();
+    void files();
+    void fullDisk();
+    void neverAHalfFile();
+    void loadAndDrop();
+    void keptEmitter();
+    void keptSet();
+    void keptSchedule();
+    void sharedObjects();
+    void replacedObjects();
+};
+
+void TestScenarioDocument::initTestCase()
+{
+    QLoggingCategory::setFilterRules(QStringLiteral("simulation.trace=false"));
+}
+
+void TestScenarioDocument::refused_data()
+{
+    QTest::addColumn<QByteArray>("xml");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("other root")
+        << QByteArray("<?xml version='1.0'?>\n  <Deployment/>")
+        << QStringLiteral("line 2, column 15: the root element is \"Deployment\", not \"Scenario\"");
+    QTest::newRow("root in other letters") << QByteArray("<scenario/>") << QStringLiteral("line 1,");
+    QTest::newRow("root with a prefix")
+        << QByteArray("<s:Scenario xmlns:s='s'/>") << QStringLiteral("line 1,");
+    QTest::newRow("empty") << QByteArray() << QStringLiteral("line 1,");
+    QTest::newRow("no XML") << QByteArray("Scenario") << QStringLiteral("line 1,");
+    QTest::newRow("cut before the root")
+        << QByteArray("<?xml version='1.0'?>\n<!-- a comment -->\n<Scen") << QStringLiteral("line 3,");
+    QTest::newRow("unknown encoding") << QByteArray("<?xml version='1.0' encoding='Klingon'?><Scenario/>")
+                                      << QStringLiteral("line 1, column 1: cannot decode");
+    QTest::newRow("not the bytes of its encoding")
+        << QByteArray("<Scenario>\n\xFF</Scenario>") << QStringLiteral("line 2, column 1: the bytes");
+    QTest::newRow("long document type")
+        << "<!DOCTYPE Scenario [" + repeated("<!ENTITY e 'e'>", 10000) + "]><Scenario/>"
+        << QStringLiteral("line 1, column 1: bytes of a document type limit");
+}
+
+/// What was held stays, down to the byte.
+void TestScenarioDocument::refused()
+{
+    QFETCH(QByteArray, xml);
+    QFETCH(QString, error);
+    ScenarioDataXml document(nullptr);
+    QVERIFY(document.fromXml(s_circles));
+    const QByteArray before = document.toXml();
+    const Watch watch(document);
+    QVERIFY(!document.fromXml(xml));
+    QVERIFY2(document.errorString().startsWith(error), qPrintable(document.errorString()));
+    QCOMPARE(document.errorString().count(QStringLiteral("line ")), 1);
+    QCOMPARE(document.toXml(), before);
+    QCOMPARE(watch.alive(), 3);
+    QVERIFY(document.getDefaultEmitter());
+    QVERIFY(document.fromXml(s_circles));
+    QCOMPARE(document.errorString(), QString());
+}
+
+void TestScenarioDocument::secondLoad()
+{
+    ScenarioDataXml document(nullptr);
+    ScenarioNoiseSettings noise;
+    noise.setNoiseDensity(1.0);
+    document.setNoiseSettings(noise);
+    document.setDuration(5);
+    document.setAuthor(QStringLiteral("me"));
+    QVERIFY(document.fromXml(s_circles));
+    const Watch watch(document);
+    const QByteArray once = document.toXml();
+    QVERIFY(document.fromXml(once));
+    QCOMPARE(watch.alive(), 0);
+    QCOMPARE(document.toXml(), once);
+    QVERIFY(document.getNoiseSettings() == ScenarioNoiseSettings());
+    QVERIFY(document.getDuration() == 0 && document.getAuthor().isEmpty());
+    QVERIFY(document.fromXml("<Scenario/>"));
+    QVERIFY(document.scenarioObjects().isEmpty() && !document.getDefaultEmitter() &&
+            document.getName().isEmpty());
+    QVERIFY(document.getDescription().isEmpty() && document.getPersistantId().isEmpty());
+}
+
+void TestScenarioDocument::brokenOff_data()
+{
+    QTest::addColumn<QByteArray>("rest");
+    QTest::addColumn<QString>("error");
+    const auto row = [](const char* a_szName, const QByteArray& a_rest, const char* a_szError) {
+        QTest::newRow(a_szName) << a_rest << QString::fromLatin1(a_szError);
+    };
+    row("cut", "\n<Emitter ID='late", "line 2,");
+    row("wrong end", "\n</Emitter></Scenario>", "line 2,");
+    row("second root", "</Scenario>\n<Scenario/>", "line 2,");
+    row("text behind the root", "</Scenario>\nx", "line 2,");
+    row("unknown entity", "\n&nothing;</Scenario>", "line 2,");
+    row("character that XML forbids", "\n\x01</Scenario>", "line 2,");
+    row("attribute twice", "\n<Emitter ID='x' ID='y'/></Scenario>", "line 2,");
+    row("a million unknown elements in each other", "\n" + repeated("<x>", 1'000'000),
+        "line 2, column 766: nesting depth limit of 256 exceeded");
+    QByteArray attributes = "\n<Unknown";
+    for (int i = 0; i < 100'000; ++i) {
+        attributes += " a" + QByteArray::number(i) + "=''";
+    }
+    row("100,000 attributes", attributes + "/></Scenario>",
+        "line 2, column 1: attributes of one element limit of 4096 exceeded");
+}
+
+void TestScenarioDocument::brokenOff()
+{
+    QFETCH(QByteArray, rest);
+    QFETCH(QString, error);
+    ScenarioDataXml document(nullptr);
+    QVERIFY(document.fromXml("<Scenario Name='N'><Emitter ID='e' LinkTarget='t'><Class>C</Class></Emitter>" +
+                             rest));
+    QVERIFY2(document.errorString().startsWith(error), qPrintable(document.errorString()));
+    QCOMPARE(document.getName(), QStringLiteral("N"));
+    QCOMPARE(findEmitter(document, "e")->getClass(), QStringLiteral("C"));
+    QVERIFY(findEmitter(document, "e")->isLinked()); // references are made none the less
+    QVERIFY(document.fromXml(document.toXml()) && document.errorString().isEmpty());
+}
+
+void TestScenarioDocument::cutAtEveryByte()
+{
+    QFile file(QStringLiteral(TEST_DATA_DIR "/scenarios/Rich.sce"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    UnresolvedSignalPackageProvider provider;
+    ScenarioDataXml document(&provider);
+    for (const QByteArray& xml : {s_circles, file.readAll().trimmed()}) {
+        const qsizetype iRootEnd = xml.indexOf('>', xml.indexOf("<Scenario")) + 1;
+        for (qsizetype i = 0; i < xml.size(); ++i) {
+            QCOMPARE(document.fromXml(xml.first(i)), i >= iRootEnd);
+            QVERIFY(!document.errorString().isEmpty());
+        }
+        QVERIFY(document.fromXml(xml));
+        QCOMPARE(document.errorString(), QString());
+    }
+}
+
+/// One byte wrong anywhere: any answer, but no crash, no hang and no leak.
+void TestScenarioDocument::changedAtEveryByte()
+{
+    UnresolvedSignalPackageProvider provider;
+    ScenarioDataXml document(&provider);
+    for (qsizetype i = 0; i < s_circles.size(); ++i) {
+        for (const char c : {'<', '"', '-', '9', '\0', '\x80'}) {
+            QByteArray xml = s_circles;
+            xml[i] = c;
+            if (document.fromXml(xml)) {
+                const QByteArray written = document.toXml();
+                QVERIFY(document.fromXml(written));
+                QVERIFY2(document.errorString().isEmpty(), qPrintable(document.errorString()));
+            } else {
+                QVERIFY(!document.errorString().isEmpty());
+            }
+        }
+    }
+}
+
+void TestScenarioDocument::encodings_data()
+{
+    QTest::addColumn<QByteArray>("xml");
+    const auto text = [](const char* a_szDeclaration) {
+        return QString::fromLatin1(a_szDeclaration) + QStringLiteral("<Scenario Name=\"M\u00FCller\"/>");
+    };
+    QStringEncoder utf16le(QStringConverter::Utf16LE, QStringConverter::Flag::WriteBom);
+    QStringEncoder utf16be(QStringConverter::Utf16BE, QStringConverter::Flag::WriteBom);
+    QTest::newRow("UTF-8") << text("").toUtf8();
+    QTest::newRow("UTF-8 with a mark")
+        << "\xEF\xBB\xBF" + text("<?xml version='1.0' encoding='utf-8'?>").toUtf8();
+    QTest::newRow("UTF-16, little end first")
+        << QByteArray(utf16le.encode(text("<?xml version='1.0' encoding='UTF-16'?>")));
+    QTest::newRow("UTF-16, big end first") << QByteArray(utf16be.encode(text("")));
+    QTest::newRow("Latin-1") << text("<?xml version='1.0' encoding='ISO-8859-1'?>").toLatin1();
+}
+
+void TestScenarioDocument::encodings()
+{
+    QFETCH(QByteArray, xml);
+    ScenarioDataXml document(nullptr);
+    QVERIFY2(document.fromXml(xml), qPrintable(document.errorString()));
+    QCOMPARE(document.errorString(), QString());
+    QCOMPARE(document.getName(), QStringLiteral("M\u00FCller"));
+    QVERIFY(document.toXml().startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>"));
+}
+
+void TestScenarioDocument::hostile_data()
+{
+    QTest::addColumn<QByteArray>("xml");
+    QTest::addColumn<int>("objects");
+    const auto row = [](const char* a_szName, const QByteArray& a_children, int a_iObjects) {
+        QTest::newRow(a_szName) << "<Scenario FileFormatVersion='4'>" + a_children + "</Scenario>"
+                                << a_iObjects;
+    };
+    QByteArray entities = "<!DOCTYPE Scenario [<!ENTITY e0 'xxxxxxxxxx'>";
+    for (int i = 1; i < 30; ++i) {
+        entities += "<!ENTITY e" + QByteArray::number(i) + " '" +
+                    repeated("&e" + QByteArray::number(i - 1) + ";", 10) + "'>";
+    }
+    QTest::newRow("entities within entities")
+        << entities + "]><Scenario><Emitter ID='a'/><Description>&e29;</Description></Scenario>" << 1;
+    row("longest hop list",
+        "<Emitter "
+        "ID='a'><Frequency><FastHopper><HoppCount>4294967295</HoppCount></FastHopper></Frequency></Emitter>",
+        1);
+    row("positions that are no numbers",
+        "<Emitter ID='a'><Position><Movement><Position Major='true' "
+        "Speed='nan'><Lon>nan</Lon><Lat>-inf</Lat></Position>"
+        "<Position><Lon>1e308</Lon><Lat>-1e308</Lat></Position></Movement></Position></Emitter>",
+        1);
+    row("times out of all range",
+        "<Emitter ID='a'><EmissionSettings Duration='1'><Emission StartTime='-9223372036854775808' "
+        "Duration='-9223372036854775808'/><Emission StartTime='9223372036854775807' "
+        "Duration='9223372036854775807'/></EmissionSettings></Emitter>",
+        1);
+    QByteArray groups;
+    constexpr int iGroups = 50'000;
+    for (int i = 0; i < iGroups; ++i) {
+        groups += "<Group ID='" + QByteArray::number(i + 1) + "'><GroupId>" +
+                  QByteArray::number((i + 1) % iGroups + 1) + "</GroupId></Group>";
+    }
+    row("a long circle of groups",
+        "<Emitter ID='a'><EmissionSettings><Groups>" + groups + "</Groups></EmissionSettings></Emitter>", 1);
+    row("children in texts",
+        "<Emitter ID='a'><Class>C<b><Class>D</Class></b></Class></Emitter><Network ID='n'><Emitter>"
+        "a<x/></Emitter></Network>",
+        2);
+    row("heads only", "<Network ID='n'>" + repeated("<Emitter Head=''>a</Emitter>", 100'000) + "</Network>",
+        2);
+}
+
+/// Every question is asked of what such documents make.
+void TestScenarioDocument::hostile()
+{
+    QFETCH(QByteArray, xml);
+    Limits::setValue(Limits::AnswerActivities, 100);
+    UnresolvedSignalPackageProvider provider;
+    ScenarioDataXml document(&provider);
+    QVERIFY(document.fromXml(xml));
+    QTEST(static_cast<int>(document.scenarioObjects().size()), "objects");
+    const EmitterPtr emitter = findEmitter(document, "a");
+    QVERIFY(emitter);
+    for (const unsigned int uiTime : {0U, 1U, 1000U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
+        const TPos position = emitter->getPositionAt(uiTime);
+        QVERIFY(qIsFinite(position.longitude) && qIsFinite(position.latitude));
+        QVERIFY(qIsFinite(emitter->getFrequencyAt(uiTime)));
+        QVERIFY(qIsFinite(emitter->headingAt(uiTime)));
+        QVERIFY(emitter->timeActiveAt(uiTime) >= -1);
+        QCOMPARE(emitter->isActiveAt(uiTime), false); // none has "Active"
+        QVERIFY(emitter->calculateBursts(uiTime, 0xFFFFFFFF, 1.0).size() <= 100);
+    }
+    QVERIFY(document.fromXml(document.toXml()));
+    QVERIFY(document.errorString().isEmpty());
+    Limits::setValue(Limits::AnswerActivities, 0);
+}
+
+/// 100,000 of everything, forward, would take hours if a step cost O(n).
+void TestScenarioDocument::manyReferences()
+{
+    constexpr int iCount = 100'000;
+    QByteArray members;
+    QByteArray emissions;
+    QByteArray emitters;
+    for (int i = 0; i < iCount; ++i) {
+        const QByteArray id = QByteArray::number(i);
+        members += "<Emitter" + QByteArray(i % 2 == 0 ? " Head=''" : "") + ">" + id + "</Emitter>";
+        emissions +=
+            "<Emission ID='7' StartTime='" + QByteArray::number(iCount - i) + "' Emitter='" + id + "'/>";
+        emitters += "<Emitter ID='" + id + "' LinkTarget='leader'/>";
+    }
+    ScenarioDataXml document(nullptr);
+    QVERIFY(document.fromXml("<Scenario><Network ID='n'><EmissionSettings>" + emissions +
+                             "<Groups><Group ID='1'/></Groups>" + "</EmissionSettings>" + members +
+                             "</Network>" + emitters + "</Scenario>"));
+    QCOMPARE(document.scenarioObjects().size(), iCount + 2);
+    QCOMPARE(findEmitter(document, "leader")->linkedEmitter().size(), iCount);
+    const auto network = std::dynamic_pointer_cast<ScenarioNetwork>(find(document, "n"));
+    QCOMPARE(network->headEmitter()->id(), QString::number(iCount - 2));
+    QCOMPARE(network->emissionSettings()->emissions().constFirst()->emitter->id(),
+             QString::number(iCount - 1));
+}
+
+void TestScenarioDocument::devices()
+{
+    ScenarioDataXml document(nullptr);
+    QVERIFY(!document.fromXml(static_cast<QIODevice*>(nullptr)));
+    QVERIFY(!document.errorString().isEmpty());
+    QBuffer buffer;
+    QVERIFY(!document.fromXml(&buffer)); // not open
+    document.toXml(static_cast<QIODevice*>(nullptr));
+    buffer.setData("skipped" + s_circles);
+    QVERIFY(buffer.open(QIODevice::ReadOnly));
+    buffer.seek(7);
+    QVERIFY(document.fromXml(&buffer));
+    QCOMPARE(document.getName(), QStringLiteral("Circles"));
+    document.toXml(&buffer); // not writable: a trace
+    QBuffer target;
+    QVERIFY(target.open(QIODevice::WriteOnly));
+    document.toXml(&target);
+    QCOMPARE(target.data(), document.toXml());
+}
+
+void TestScenarioDocument::files()
+{
+    QTemporaryDir folder;
+    const QString sFile = folder.filePath(QStringLiteral("scenario.sce"));
+    ScenarioDataXml document(nullptr);
+    QVERIFY(!document.fromXmlFile(sFile));
+    QVERIFY(!document.fromXmlFile(folder.path()));
+    QCOMPARE(document.errorString(), QStringLiteral("is a folder"));
+    QVERIFY(!document.fromXmlFile(QString()));
+    QVERIFY(!document.toXmlFile(folder.filePath(QStringLiteral("missing/scenario.sce"))));
+    QVERIFY(!document.toXmlFile(folder.path()));
+    QVERIFY(!document.toXmlFile(QString()));
+    QVERIFY(document.fromXml(s_circles));
+    QVERIFY(document.toXmlFile(sFile));
+    ScenarioDataXml again(nullptr);
+    QVERIFY(again.fromXmlFile(sFile));
+    QCOMPARE(again.toXml(), document.toXml());
+    Limits::setValue(Limits::DocumentBytes, 100);
+    QVERIFY(!again.fromXmlFile(sFile));
+    QCOMPARE(again.errorString(), QStringLiteral("document bytes limit of 100 exceeded"));
+    Limits::setValue(Limits::DocumentBytes, 0);
+}
+
+void TestScenarioDocument::fullDisk()
+{
+    // A link of our own: should the device be replaced, then not the machine's.
+    QTemporaryDir folder;
+    const QString sLink = folder.filePath(QStringLiteral("full"));
+    if (!QFile::exists(QStringLiteral("/dev/full"))) {
+        QSKIP("there is no device that is always full");
+    }
+    QVERIFY(QFile::link(QStringLiteral("/dev/full"), sLink));
+    ScenarioDataXml document(nullptr);
+    QVERIFY(!document.toXmlFile(sLink));
+    QVERIFY(!QFileInfo(QStringLiteral("/dev/full")).isFile());
+    QCOMPARE(QFileInfo(sLink).symLinkTarget(), QStringLiteral("/dev/full"));
+}
+
+/// A write that fails midway leaves the old file as it was and no other beside.
+void TestScenarioDocument::neverAHalfFile()
+{
+    QTemporaryDir folder;
+    const QString sFile = folder.filePath(QStringLiteral("scenario.sce"));
+    ScenarioDataXml document(nullptr);
+    QVERIFY(document.toXmlFile(sFile));
+    QFile file(sFile);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray before = file.readAll();
+    file.close();
+
+    document.setDescription(QStringLiteral("x").repeated(1 << 20));
+    rlimit former{};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &former), 0);
+    rlimit small = former;
+    small.rlim_cur = 1 << 16;
+    const auto formerHandler = std::signal(SIGXFSZ, SIG_IGN); // NOLINT(cert-err33-c)
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const bool bSaved = document.toXmlFile(sFile);
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &former), 0);
+    std::signal(SIGXFSZ, formerHandler);
+    QVERIFY(!bSaved);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), before);
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
+}
+
+void TestScenarioDocument::loadAndDrop()
+{
+    UnresolvedSignalPackageProvider provider;
+    ScenarioDataXml reused(&provider);
+    for (int i = 0; i < 3000; ++i) {
+        QVERIFY(reused.fromXml(s_circles));
+        const Watch watch(reused);
+        {
+            ScenarioDataXml fresh(&provider);
+            QVERIFY(fresh.fromXml(s_circles));
+            const Watch freshWatch(fresh);
+            fresh.setScenarioObjects({});
+            QCOMPARE(freshWatch.alive(), 0);
+            fresh.setScenarioObjects(ScenarioDataXml::objectsForXml(QString::fromUtf8(s_circles), &provider));
+        }
+        QCOMPARE(watch.alive(), 3);
+    }
+}
+
+void TestScenarioDocument::keptEmitter()
+{
+    auto document = std::make_unique<ScenarioDataXml>(nullptr);
+    QVERIFY(document->fromXml(s_circles));
+    const Watch watch(*document);
+    EmitterPtr kept = findEmitter(*document, "a");
+    document.reset();
+    QCOMPARE(watch.alive(), 2); // the network knows the emitter, not the other way round
+    QVERIFY(!kept->hasNetwork());
+    QCOMPARE(kept->emissionSettings()->groups().size(), 2);
+    QCOMPARE(kept->emissionSettings()->activeEmitterAt(5), kept);
+    kept->emissionSettings()->clearAll();
+    kept->removeLinkedEmitter(kept->linkTargetEmitter());
+    kept.reset();
+    QCOMPARE(watch.alive(), 0);
+}
+
+void TestScenarioDocument::keptSet()
+{
+    auto document = std::make_unique<ScenarioDataXml>(nullptr);
+    QVERIFY(document->fromXml(s_circles));
+    const Watch watch(*document);
+    const QByteArray before = document->toXml();
+    QSet<ObjectPtr> kept = document->scenarioObjects();
+    QList<EmitterPtr> members =
+        std::dynamic_pointer_cast<ScenarioNetwork>(find(*document, "n"))->emitterList();
+    document.reset();
+    QCOMPARE(watch.alive(), 3);
+    ScenarioDataXml other(nullptr);
+    QVERIFY(other.fromXml(before.left(before.indexOf('>', before.indexOf("<Scenario")) + 1)));
+    other.setDescription(QStringLiteral("D"));
+    other.setScenarioObjects(kept);
+    other.setDefaultEmitter(findEmitter(other, "a"));
+    QCOMPARE(other.toXml(), before);
+    kept.clear();
+    other.setScenarioObjects({});
+    QCOMPARE(watch.alive(), 2); // a copy of the member list holds too
+    other.setScenarioObjects({members.constFirst()});
+    members.clear();
+    QCOMPARE(watch.alive(), 2);
+    QVERIFY(other.fromXml("<Scenario/>"));
+    QCOMPARE(watch.alive(), 0);
+}
+
+void TestScenarioDocument::keptSchedule()
+{
+    auto document = std::make_unique<ScenarioDataXml>(nullptr);
+    QVERIFY(document->fromXml(s_circles));
+    const Watch watch(*document);
+    EmissionSettings kept = *find(*document, "n")->emissionSettings();
+    EmissionSettings own = *findEmitter(*document, "a")->ScenarioObject::emissionSettings();
+    document.reset();
+    QCOMPARE(watch.alive(), 2);
+    QCOMPARE(own.groups().constFirst()->groups, QList{own.groups().constLast()});
+    EmitterPtr b = kept.emissions().constFirst()->emitter;
+    EmitterPtr a = own.emissions().constFirst()->emitter->linkTargetEmitter()->linkTargetEmitter();
+    QCOMPARE(b->id() + a->id(), QStringLiteral("ba"));
+    kept.clearAll();
+    own.clearAll();
+    QCOMPARE(a->emissionSettings()->emissions().size(), 2);
+    ScenarioDataXml last(nullptr);
+    last.setScenarioObjects({a, b}); // takes them apart at its end
+    a.reset();
+    b.reset();
+    QCOMPARE(watch.alive(), 2);
+}
+
+void TestScenarioDocument::sharedObjects()
+{
+    auto first = std::make_unique<ScenarioDataXml>(nullptr);
+    ScenarioDataXml second(nullptr);
+    QVERIFY(first->fromXml(s_circles));
+    const Watch watch(*first);
+    second.setScenarioObjects({find(*first, "b")});
+    first.reset();
+    QCOMPARE(watch.alive(), 2);
+    QCOMPARE(findEmitter(second, "b")->emissionSettings()->emissions().constFirst()->emitter->id(),
+             QStringLiteral("a"));
+    second.setScenarioObjects({});
+    QCOMPARE(watch.alive(), 0);
+}
+
+void TestScenarioDocument::replacedObjects()
+{
+    ScenarioDataXml document(nullptr);
+    QVERIFY(document.fromXml(s_circles));
+    const Watch watch(document);
+    document.setScenarioObjects(document.scenarioObjects());
+    QVERIFY(watch.alive() == 3 && document.getDefaultEmitter());
+    document.setScenarioObjects({find(document, "n")});
+    QCOMPARE(watch.alive(), 3); // its members are its own to hold
+    QVERIFY(!document.getDefaultEmitter());
+    QVERIFY(document.toXml().contains("<Emitter>b</Emitter>"));
+}
+
+QTEST_GUILESS_MAIN(TestScenarioDocument)
+
+#include "tst_scenariodocument.moc"
