@@ -1,0 +1,75 @@
+#include "csvwriter.h"
+
+#include <QByteArray>
+#include <QFileInfo>
+#include <QLocale>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace SimulationTool {
+
+namespace {
+
+constexpr double s_dPlainFrom = 1e-5;
+constexpr double s_dPlainTo = 1e15;
+
+} // namespace
+
+CsvWriter::CsvWriter(const QString& a_sFile)
+    : m_file(a_sFile)
+{}
+
+bool CsvWriter::open()
+{
+    const QFileInfo target(m_file.fileName());
+    if (target.exists() && !target.isFile()) {
+        m_sRefusal = target.isDir() ? QStringLiteral("is a folder") : QStringLiteral("is not a regular file");
+        return false;
+    }
+    return m_file.open(QIODevice::WriteOnly);
+}
+
+bool CsvWriter::writeRow(const QStringList& a_fields)
+{
+    QStringList fields;
+    fields.reserve(a_fields.size());
+    std::transform(a_fields.cbegin(), a_fields.cend(), std::back_inserter(fields), field);
+    const QByteArray line = fields.join(u',').toUtf8() + "\r\n";
+    return m_file.write(line) == line.size();
+}
+
+bool CsvWriter::commit()
+{
+    // A full device is seen only when the buffers are flushed.
+    return m_file.flush() && m_file.commit();
+}
+
+QString CsvWriter::errorString() const
+{
+    return m_sRefusal.isEmpty() ? m_file.errorString() : m_sRefusal;
+}
+
+QString CsvWriter::field(const QString& a_sText)
+{
+    const bool bQuoted = std::any_of(a_sText.cbegin(), a_sText.cend(), [](QChar a_cUnit) {
+        return a_cUnit == u',' || a_cUnit == u'"' || a_cUnit == u'\n' || a_cUnit == u'\r';
+    });
+    if (!bQuoted) {
+        return a_sText;
+    }
+    QString sText = a_sText;
+    sText.replace(QLatin1String("\""), QLatin1String("\"\""));
+    return u'"' + sText + u'"';
+}
+
+QString CsvWriter::number(double a_dValue)
+{
+    // Plain digits where they are few: not every reader knows exponents.
+    const double dMagnitude = std::fabs(a_dValue);
+    const bool bPlain = dMagnitude == 0.0 || (dMagnitude >= s_dPlainFrom && dMagnitude < s_dPlainTo);
+    return QString::number(a_dValue, bPlain ? 'f' : 'g', QLocale::FloatingPointShortest);
+}
+
+} // namespace SimulationTool

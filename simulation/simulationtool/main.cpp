@@ -1,0 +1,35 @@
+#include "commandline.h"
+#include "output.h"
+
+#include "kpbase/errorhandler.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+/// Messages of the toolkit and the library: shown with --trace, one line each,
+/// and otherwise dropped. What concerns the user is told by the commands.
+void traceMessage(QtMsgType /*a_eType*/, const QMessageLogContext& /*a_context*/, const QString& a_sMessage)
+{
+    if (ErrorHandler::Instance().traceMask() != 0) {
+        SimulationTool::complain(QStringLiteral("trace: ") + a_sMessage);
+    }
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    SimulationTool::prepareStandardStreams();
+    ErrorHandler::Instance().setTraceMask(0);
+    qInstallMessageHandler(traceMessage);
+    const QCoreApplication application(argc, argv);
+
+    SimulationTool::Output output;
+    SimulationTool::ExitCode eCode = SimulationTool::runCommandLine(QCoreApplication::arguments(), output);
+    if (!output.finish()) {
+        SimulationTool::complain(QStringLiteral("standard output: ") + output.errorString());
+        eCode = SimulationTool::ExitCode::Unusable;
+    }
+    return static_cast<int>(eCode);
+}

@@ -1,0 +1,27 @@
+#ifndef SIMULATIONTOOL_OBJECTDETAILS_H
+#define SIMULATIONTOOL_OBJECTDETAILS_H
+
+#include <QString>
+
+namespace Simulation {
+class IFrequencySettings;
+class ScenarioNetwork;
+class SzenarioEmitter;
+} // namespace Simulation
+
+namespace SimulationTool {
+
+class Report;
+
+/// A frequency behaviour in one line, "-" for null.
+[[nodiscard]] QString frequencySummary(Simulation::IFrequencySettings* a_pSettings);
+/// Where an emitter is, in one line; a linked one names whom it follows.
+[[nodiscard]] QString positionSummary(const Simulation::SzenarioEmitter& a_emitter);
+
+/// One object with all its settings and relations, under a heading of its own.
+void describeEmitter(Report& a_report, const Simulation::SzenarioEmitter& a_emitter, bool a_bDefault);
+void describeNetwork(Report& a_report, const Simulation::ScenarioNetwork& a_network);
+
+} // namespace SimulationTool
+
+#endif

@@ -1,0 +1,43 @@
+#ifndef SIMULATIONTOOL_OUTPUT_H
+#define SIMULATIONTOOL_OUTPUT_H
+
+#include <QFile>
+#include <QString>
+#include <QTextStream>
+
+namespace SimulationTool {
+
+/// The program's standard output: buffered, UTF-8, and watched. A reader that
+/// goes away or a full disk is noticed at the next full buffer or at finish();
+/// what is written after that is dropped.
+class Output
+{
+public:
+    Output();
+
+    /// Text with its own line ends. It must be fit for a terminal already.
+    void write(const QString& a_sText);
+    /// False once something could not be written: stop then.
+    [[nodiscard]] bool isOk() const;
+    /// Writes what is still buffered. False, with errorString(), when that or
+    /// anything before failed.
+    [[nodiscard]] bool finish();
+    [[nodiscard]] QString errorString() const;
+
+private:
+    QFile m_file;
+    QTextStream m_stream;
+};
+
+/// Writes one line to standard error: the program's name and the message, made
+/// harmless.
+void complain(const QString& a_sMessage);
+
+/// Makes sure that writing to a closed pipe is an error like any other, and
+/// that no file which is opened later takes the place of a closed standard
+/// stream. To be called first of all.
+void prepareStandardStreams();
+
+} // namespace SimulationTool
+
+#endif

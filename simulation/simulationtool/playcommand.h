@@ -1,0 +1,32 @@
+#ifndef SIMULATIONTOOL_PLAYCOMMAND_H
+#define SIMULATIONTOOL_PLAYCOMMAND_H
+
+#include "exitcode.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+
+namespace SimulationTool {
+
+class Output;
+
+/// What to play and how. Times are ms since scenario start.
+struct PlayOptions
+{
+    QString scenario = QStringLiteral(":/DefaultData/Default.sce.exp"); ///< file; default: the built-in one
+    std::uint32_t from = 0;
+    std::optional<std::uint32_t> to; ///< none = the scenario's duration, at most ten seconds
+    std::uint32_t step = 100;        ///< at least 1
+    QString csvFile;                 ///< empty = a table on the output
+};
+
+/// Plays a scenario over [from, to) and writes one row per time and emitter,
+/// emitters in the order of their ids. Rows are written as they come: memory
+/// does not grow with the window.
+[[nodiscard]] ExitCode runPlay(const PlayOptions& a_options, Output& a_output);
+
+} // namespace SimulationTool
+
+#endif

@@ -1,0 +1,35 @@
+#ifndef SIMULATIONTOOL_SCENARIOFILE_H
+#define SIMULATIONTOOL_SCENARIOFILE_H
+
+#include "exitcode.h"
+
+#include <QList>
+#include <QString>
+
+#include <memory>
+
+namespace Simulation {
+class ScenarioDataXml;
+class ScenarioNetwork;
+class SzenarioEmitter;
+} // namespace Simulation
+
+namespace SimulationTool {
+
+/// Reads a scenario. What is wrong with it goes to standard error as one line
+/// that names the file and, where there is one, line and column: Unusable when
+/// nothing could be read, Findings when the document broke off and what came
+/// before was kept.
+[[nodiscard]] ExitCode loadScenario(Simulation::ScenarioDataXml& a_scenario, const QString& a_sFile);
+
+/// The emitters of both kinds, in the order of their ids.
+[[nodiscard]] QList<std::shared_ptr<Simulation::SzenarioEmitter>>
+emittersOf(const Simulation::ScenarioDataXml& a_scenario);
+
+/// The networks, in the order of their ids.
+[[nodiscard]] QList<std::shared_ptr<Simulation::ScenarioNetwork>>
+networksOf(const Simulation::ScenarioDataXml& a_scenario);
+
+} // namespace SimulationTool
+
+#endif

@@ -1,0 +1,22 @@
+#ifndef SIMULATIONTOOL_TERMINALTEXT_H
+#define SIMULATIONTOOL_TERMINALTEXT_H
+
+#include <QString>
+#include <QStringView>
+
+namespace SimulationTool {
+
+/// The text with everything that could steer a terminal spelled out: control,
+/// format and other unprintable characters become "\n", "\t", "\r" or
+/// "\u{1b}". A harmless text is returned as it is.
+[[nodiscard]] QString terminalText(const QString& a_sText);
+
+/// How many columns a text takes: one for each code point.
+[[nodiscard]] qsizetype terminalWidth(QStringView a_sText);
+
+/// The text, cut to a width (at least 1) and then ending in an ellipsis.
+[[nodiscard]] QString shortened(const QString& a_sText, qsizetype a_iWidth);
+
+} // namespace SimulationTool
+
+#endif

@@ -1,0 +1,77 @@
+#include "valuetexts.h"
+
+#include "simulationdata/emissionsettings.h"
+
+#include <QLocale>
+
+#include <cmath>
+
+namespace SimulationTool {
+
+namespace {
+
+constexpr double s_dKilo = 1e3;
+constexpr double s_dMega = 1e6;
+constexpr double s_dGiga = 1e9;
+constexpr double s_dFixedLimit = 1e9; ///< from here on numbers are scientific
+constexpr int s_iScientificDigits = 6;
+
+} // namespace
+
+QString yesNo(bool a_bValue)
+{
+    return a_bValue ? QStringLiteral("yes") : QStringLiteral("no");
+}
+
+QString plainNumber(double a_dValue)
+{
+    return QString::number(a_dValue, 'g', QLocale::FloatingPointShortest);
+}
+
+QString frequencyText(double a_dFrequency)
+{
+    const double dMagnitude = std::fabs(a_dFrequency);
+    if (dMagnitude >= s_dGiga) {
+        return plainNumber(a_dFrequency / s_dGiga) + QStringLiteral(" GHz");
+    }
+    if (dMagnitude >= s_dMega) {
+        return plainNumber(a_dFrequency / s_dMega) + QStringLiteral(" MHz");
+    }
+    if (dMagnitude >= s_dKilo) {
+        return plainNumber(a_dFrequency / s_dKilo) + QStringLiteral(" kHz");
+    }
+    return plainNumber(a_dFrequency) + QStringLiteral(" Hz");
+}
+
+QString fixedNumber(double a_dValue, int a_iDecimals)
+{
+    return std::fabs(a_dValue) < s_dFixedLimit ? QString::number(a_dValue, 'f', a_iDecimals)
+                                               : QString::number(a_dValue, 'g', s_iScientificDigits);
+}
+
+QString durationText(qint64 a_iMilliseconds)
+{
+    return a_iMilliseconds == Simulation::EmissionSettings::s_iUnlimited
+               ? QStringLiteral("unlimited")
+               : QStringLiteral("%1 ms").arg(a_iMilliseconds);
+}
+
+QString endBehaviourText(Simulation::EndBehaviourType a_eBehaviour)
+{
+    switch (a_eBehaviour) {
+    case Simulation::EndBehaviourType::Stop:
+        return QStringLiteral("then stays at the end");
+    case Simulation::EndBehaviourType::Inactive:
+        return QStringLiteral("then falls silent");
+    case Simulation::EndBehaviourType::Restart:
+        break;
+    }
+    return QStringLiteral("then begins again");
+}
+
+QString orDash(const QString& a_sText)
+{
+    return a_sText.isEmpty() ? QStringLiteral("-") : a_sText;
+}
+
+} // namespace SimulationTool

@@ -1,0 +1,29 @@
+#ifndef SIMULATIONTOOL_VALUETEXTS_H
+#define SIMULATIONTOOL_VALUETEXTS_H
+
+#include "simulationdata/enumerations.h"
+
+#include <QString>
+
+namespace SimulationTool {
+
+/// Values as people read them; independent of the locale.
+
+/// "yes" or "no".
+[[nodiscard]] QString yesNo(bool a_bValue);
+/// The shortest text that reads back as the same number.
+[[nodiscard]] QString plainNumber(double a_dValue);
+/// A frequency (Hz) with a fitting unit and all its digits: "156.8 MHz".
+[[nodiscard]] QString frequencyText(double a_dFrequency);
+/// A number with fixed decimals, or in scientific form when it has more than
+/// nine digits before the point: a column keeps its width.
+[[nodiscard]] QString fixedNumber(double a_dValue, int a_iDecimals);
+/// "2000 ms", or "unlimited".
+[[nodiscard]] QString durationText(qint64 a_iMilliseconds);
+[[nodiscard]] QString endBehaviourText(Simulation::EndBehaviourType a_eBehaviour);
+/// The text, or "-" for an empty one.
+[[nodiscard]] QString orDash(const QString& a_sText);
+
+} // namespace SimulationTool
+
+#endif

@@ -1,0 +1,538 @@
+#include "simulationdata/scenariodataxml.h"
+#include "simulationdata/unresolvedsignalpackageprovider.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+constexpr int s_iTimeout = 60'000; ///< ms; instrumented builds are slow
+constexpr int s_iEmitters = 13;    ///< in the built-in scenario
+constexpr int s_iHeaderLines = 2;
+
+const QString s_sBuiltIn = QStringLiteral(":/DefaultData/Default.sce.exp");
+
+struct Result
+{
+    int code = -1;
+    QString out;
+    QString err;
+};
+
+/// What the program answers; the code is -1 when it crashed or hung.
+Result run(const QStringList& a_arguments)
+{
+    QProcess process;
+    process.start(QStringLiteral(SIMULATIONTOOL_PATH), a_arguments);
+    Result result;
+    if (process.waitForFinished(s_iTimeout) && process.exitStatus() == QProcess::NormalExit) {
+        result.code = process.exitCode();
+    }
+    result.out = QString::fromUtf8(process.readAllStandardOutput());
+    result.err = QString::fromUtf8(process.readAllStandardError());
+    return result;
+}
+
+/// A scenario around some elements.
+QByteArray scenario(const QByteArray& a_elements, const QByteArray& a_attributes = {})
+{
+    return R"(<Scenario FileFormatVersion="4" )" + a_attributes + ">" + a_elements + "</Scenario>";
+}
+
+QStringList lines(const QString& a_sText)
+{
+    return a_sText.split(u'\n', Qt::SkipEmptyParts);
+}
+
+/// The rows of a played table with single blanks between the cells.
+QStringList tableRows(const QString& a_sText)
+{
+    QStringList rows;
+    const QStringList all = lines(a_sText).mid(s_iHeaderLines);
+    for (const QString& line : all) {
+        rows.append(line.simplified());
+    }
+    return rows;
+}
+
+} // namespace
+
+class tst_SimulationTool : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void wrongFiles_data();
+    void wrongFiles();
+    void wrongUsage_data();
+    void wrongUsage();
+    void help_data();
+    void help();
+    void builtInScenarioIsAsWritten();
+    void playBuiltIn();
+    void playRow_data();
+    void playRow();
+    void window_data();
+    void window();
+    void csvFields();
+    void csvIsAllOrNothing_data();
+    void csvIsAllOrNothing();
+    void inspectBuiltIn_data();
+    void inspectBuiltIn();
+    void inspectTamesHostileTexts();
+    void olderFile();
+    void outputFails();
+    void traceOnDemand();
+
+private:
+    QString write(const QString& a_sName, const QByteArray& a_data);
+
+    QTemporaryDir m_dir;
+};
+
+QString tst_SimulationTool::write(const QString& a_sName, const QByteArray& a_data)
+{
+    QFile file(m_dir.filePath(a_sName));
+    return file.open(QIODevice::WriteOnly) && file.write(a_data) == a_data.size() ? file.fileName()
+                                                                                  : QString();
+}
+
+void tst_SimulationTool::wrongFiles_data()
+{
+    QTest::addColumn<QByteArray>("content"); // null: nothing is written
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("reason");
+
+    QTest::newRow("missing") << QByteArray() << 2 << "No such file or directory";
+    QTest::newRow("empty") << QByteArray("") << 2 << "line 1, column 0: Premature end of document.";
+    QTest::newRow("no XML") << QByteArray("hello") << 2 << "line 1, column 1: Start tag expected.";
+    QTest::newRow("other root") << QByteArray("<?xml version=\"1.0\"?>\n<Deployment/>") << 2
+                                << "line 2, column 13: the root element is \"Deployment\", not \"Scenario\"";
+    QTest::newRow("breaks off") << QByteArray("<Scenario>\n<Emitter ID=\"kept\"/>\n<Network") << 1
+                                << "line 3, column 8: Premature end of document.";
+    QTest::newRow("wrong end tag") << QByteArray("<Scenario>\n<Emitter ID=\"kept\"/>\n<Network></Emitter>")
+                                   << 1 << "line 3, column 19: Opening and ending tag mismatch.";
+    QByteArray nested = "<Scenario>\n<Emitter ID=\"kept\"/>\n";
+    for (int i = 0; i < 1'000'000; ++i) {
+        nested += "<a>";
+    }
+    QTest::newRow("a million nested elements")
+        << nested << 1 << "line 3, column 766: nesting depth limit of 256 exceeded";
+}
+
+void tst_SimulationTool::wrongFiles()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(int, code);
+    QFETCH(QString, reason);
+    QString sFile = m_dir.filePath(QStringLiteral("missing.xml"));
+    if (!content.isNull()) {
+        sFile = write(QStringLiteral("wrong.xml"), content);
+    }
+    for (const QString& command : {QStringLiteral("inspect"), QStringLiteral("play")}) {
+        const Result result = run({command, sFile});
+        QCOMPARE(result.err, QStringLiteral("simulationtool: %1: %2\n").arg(sFile, reason));
+        QCOMPARE(result.code, code);
+        // What stood before the fault is shown.
+        QCOMPARE(result.out.contains(QStringLiteral("kept")), code == 1);
+        QCOMPARE(result.out.isEmpty(), code == 2);
+    }
+}
+
+void tst_SimulationTool::wrongUsage_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("message");
+
+    // Arguments are separated by bars; the message ends by pointing to a help.
+    const auto add = [](const char* a_szName, const char* a_szArguments, const char* a_szMessage,
+                        const char* a_szHelp) {
+        const QString sArguments = QString::fromLatin1(a_szArguments);
+        QTest::newRow(a_szName) << (sArguments.isEmpty() ? QStringList() : sArguments.split(u'|'))
+                                << QStringLiteral("%1 (see simulationtool %2--help)")
+                                       .arg(QString::fromLatin1(a_szMessage), QString::fromLatin1(a_szHelp));
+    };
+    add("no command", "", "a command is needed: inspect or play", "");
+    add("unknown command", "paly", "there is no command \"paly\"", "");
+    add("control characters", "a\x1b[31m\nb", "there is no command \"a\\u{1b}[31m\\nb\"", "");
+    add("unknown option", "--loud", "Unknown option 'loud'", "");
+    add("nothing to inspect", "inspect", "inspect: one FILE is needed, 0 given", "inspect ");
+    add("option of the other command", "inspect|f|--step|1", "inspect: Unknown option 'step'", "inspect ");
+    add("two scenarios", "play|a|b", "play: at most one SCENARIO can be played, 2 given", "play ");
+    add("no value", "play|--to", "play: Missing value after '--to'", "play ");
+    add("no file name", "play|--csv|", "play: --csv needs the name of a file", "play ");
+    add("empty window", "play|--from|5|--to|5", "play: --to (5) must be later than --from (5)", "play ");
+    add("backward window", "play|--from|6|--to|5", "play: --to (5) must be later than --from (6)", "play ");
+
+    const auto addNumber = [&](const char* a_szName, const char* a_szOption, const char* a_szMin,
+                               const char* a_szValue) {
+        const QByteArray option(a_szOption);
+        const QByteArray message = "play: " + option + " needs a whole number of milliseconds from " +
+                                   a_szMin + " to 4294967295, not \"" + a_szValue + '"';
+        add(a_szName, ("play|" + option + '=' + a_szValue).constData(), message.constData(), "play ");
+    };
+    addNumber("word", "--from", "0", "x");
+    addNumber("fraction", "--to", "1", "1.5");
+    addNumber("negative", "--from", "0", "-1");
+    addNumber("signed", "--to", "1", "+5");
+    addNumber("too large", "--to", "1", "4294967296");
+    addNumber("step 0", "--step", "1", "0");
+    addNumber("empty value", "--step", "1", "");
+
+    QTest::newRow("behind the default window")
+        << QStringList{QStringLiteral("play"), QStringLiteral("--from"), QStringLiteral("10000")}
+        << "play: the window would end at 10000 ms, not after its begin at 10000 ms: give a later --to";
+}
+
+void tst_SimulationTool::wrongUsage()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, message);
+    const Result result = run(arguments);
+    QCOMPARE(result.err, QStringLiteral("simulationtool: ") + message + u'\n');
+    QCOMPARE(result.code, 2);
+    QCOMPARE(result.out, QString());
+}
+
+void tst_SimulationTool::help_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QStringList>("mentions");
+
+    const QString sHelp = QStringLiteral("--help");
+    QTest::newRow("program") << QStringList(sHelp) << QStringList{QStringLiteral("inspect"),
+                                                                  QStringLiteral("play"),
+                                                                  sHelp,
+                                                                  QStringLiteral("--version"),
+                                                                  QStringLiteral("--trace"),
+                                                                  QStringLiteral("Examples:"),
+                                                                  QStringLiteral("Exit codes:")};
+    QTest::newRow("inspect") << QStringList{QStringLiteral("inspect"), sHelp}
+                             << QStringList{QStringLiteral("FILE"), sHelp, QStringLiteral("--trace"),
+                                            QStringLiteral("Examples:"), s_sBuiltIn};
+    QTest::newRow("play") << QStringList{QStringLiteral("play"), sHelp, QStringLiteral("--step")}
+                          << QStringList{QStringLiteral("SCENARIO"),     QStringLiteral("--from <MS>"),
+                                         QStringLiteral("--to <MS>"),    QStringLiteral("--step <MS>"),
+                                         QStringLiteral("--csv <FILE>"), sHelp,
+                                         QStringLiteral("--trace"),      QStringLiteral("Examples:")};
+    QTest::newRow("version") << QStringList(QStringLiteral("--version"))
+                             << QStringList(QStringLiteral("simulationtool "));
+}
+
+void tst_SimulationTool::help()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QStringList, mentions);
+    const Result result = run(arguments);
+    QCOMPARE(result.code, 0);
+    QCOMPARE(result.err, QString());
+    for (const QString& mention : mentions) {
+        QVERIFY2(result.out.contains(mention), qPrintable(mention));
+    }
+}
+
+void tst_SimulationTool::builtInScenarioIsAsWritten()
+{
+    QFile file(s_sBuiltIn);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray xml = file.readAll();
+    Simulation::UnresolvedSignalPackageProvider provider;
+    Simulation::ScenarioDataXml document(&provider);
+    QVERIFY(document.fromXml(xml));
+    QCOMPARE(document.errorString(), QString());
+    QCOMPARE(document.toXml(), xml);
+}
+
+void tst_SimulationTool::playBuiltIn()
+{
+    const Result result = run({QStringLiteral("play")});
+    QCOMPARE(result.code, 0);
+    QCOMPARE(result.err, QString());
+    const QStringList rows = tableRows(result.out);
+    QCOMPARE(rows.size(), 100 * s_iEmitters);
+    QVERIFY(rows.constFirst().startsWith(QStringLiteral("0 beacon ")));
+    QVERIFY(rows.constLast().startsWith(QStringLiteral("9900 survey-van ")));
+}
+
+void tst_SimulationTool::playRow_data()
+{
+    QTest::addColumn<int>("time");
+    QTest::addColumn<QString>("emitter");
+    QTest::addColumn<QString>("rest"); // how the row goes on
+
+    const auto add = [](const char* a_szName, int a_iTime, const char* a_szEmitter, const char* a_szRest) {
+        QTest::newRow(a_szName) << a_iTime << QString::fromLatin1(a_szEmitter)
+                                << QString::fromLatin1(a_szRest);
+    };
+    const char* const szSilent = "no 156.800000 10.998700 54.431100 0.0 0.0 -";
+    const char* const szSpeaks =
+        "yes 156.800000 10.998700 54.431100 0.0 0.0 9a567123-d88f-4177-9b57-b02c1ec104f7";
+    add("not yet on at its start", 200, "coast-station", szSilent);
+    add("on after its start", 201, "coast-station", szSpeaks);
+    add("still on at its end", 2000, "coast-station", szSpeaks);
+    add("off after its end", 2001, "coast-station", szSilent);
+    add("on again in the next period", 12'201, "coast-station", szSpeaks);
+    add("broadcast", 0, "beacon", "yes 0.312500 11.023100 54.440200 0.0 0.0 -");
+    add("pulses from a file", 0, "harbour-radar", "yes 9375.000000 11.042900 54.449100 0.0 0.0 -");
+    add("switched off", 500, "reserve", "no 156.800000 10.998900 54.431200 0.0 0.0 -");
+    add("network hops to its second step", 1000, "survey-lead", "no 76.125000 10.987100 54.427600 0.0 0.0 -");
+    add("network begins its steps again", 3101, "survey-lead",
+        "yes 75.500000 10.987100 54.427600 0.0 0.0 c0d40372-37c8-4ad4-9fb1-97bfc477769c");
+    add("half of a sweep, on the quay", 250, "ferry-radar", "yes 9410.000000 11.002100 54.430500");
+    add("last instant of the movement", 8273, "drone", "yes 2480.000000 11.010500 54.451200");
+    add("movement has ended", 8274, "drone", "no 2480.000000 11.010500 54.451200");
+}
+
+void tst_SimulationTool::playRow()
+{
+    QFETCH(int, time);
+    QFETCH(QString, emitter);
+    QFETCH(QString, rest);
+    const Result result = run({QStringLiteral("play"), s_sBuiltIn, QStringLiteral("--from"),
+                               QString::number(time), QStringLiteral("--to"), QString::number(time + 1)});
+    QCOMPARE(result.code, 0);
+    const QString sBegin = QStringLiteral("%1 %2 ").arg(QString::number(time), emitter);
+    const QStringList rows = tableRows(result.out).filter(QRegularExpression(u'^' + sBegin));
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows.constFirst().left(sBegin.size() + rest.size()), sBegin + rest);
+}
+
+void tst_SimulationTool::window_data()
+{
+    QTest::addColumn<QByteArray>("duration");
+    QTest::addColumn<QString>("options");
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("last");
+    QTest::addColumn<int>("count");
+
+    QTest::newRow("no duration") << QByteArray("0") << ""
+                                 << "0"
+                                 << "9900" << 100;
+    QTest::newRow("short scenario") << QByteArray("450") << ""
+                                    << "0"
+                                    << "400" << 5;
+    QTest::newRow("long scenario") << QByteArray("60000") << ""
+                                   << "0"
+                                   << "9900" << 100;
+    QTest::newRow("end is left out") << QByteArray("0") << "--to 200"
+                                     << "0"
+                                     << "100" << 2;
+    QTest::newRow("end just beyond a step") << QByteArray("0") << "--to 201"
+                                            << "0"
+                                            << "200" << 3;
+    QTest::newRow("beyond the duration") << QByteArray("450") << "--from 400 --to 700"
+                                         << "400"
+                                         << "600" << 3;
+    QTest::newRow("own step") << QByteArray("0") << "--from 5 --to 20 --step 7"
+                              << "5"
+                              << "19" << 3;
+    QTest::newRow("step beyond the window") << QByteArray("0") << "--to 10 --step 4294967295"
+                                            << "0"
+                                            << "0" << 1;
+    QTest::newRow("end of time") << QByteArray("0") << "--from 4294967293 --to 4294967295 --step 1"
+                                 << "4294967293"
+                                 << "4294967294" << 2;
+}
+
+void tst_SimulationTool::window()
+{
+    QFETCH(QByteArray, duration);
+    QFETCH(QString, options);
+    QFETCH(QString, first);
+    QFETCH(QString, last);
+    QFETCH(int, count);
+    const QString sFile = write(QStringLiteral("window.xml"), scenario(R"(<Emitter ID="e" Active="true"/>)",
+                                                                       "Duration=\"" + duration + '"'));
+    const Result result =
+        run(QStringList{QStringLiteral("play"), sFile} + options.split(u' ', Qt::SkipEmptyParts));
+    QCOMPARE(result.code, 0);
+    const QStringList rows = tableRows(result.out);
+    QCOMPARE(rows.size(), count);
+    QCOMPARE(rows.constFirst().section(u' ', 0, 0), first);
+    QCOMPARE(rows.constLast().section(u' ', 0, 0), last);
+}
+
+void tst_SimulationTool::csvFields()
+{
+    // Ids that need quoting, a frequency and a position with many digits, and a
+    // movement due north that has come to its end.
+    const QString sFile = write(QStringLiteral("csv.xml"), scenario(R"(
+<Emitter ID="a,b" Active="true"><Frequency><Fixed>433925100.125</Fixed></Frequency>
+ <EmissionSettings Broadcast="false" Duration="0"><Emission ID="1" StartTime="-1" Duration="9" SignalPackage="p &quot;1&quot;"/></EmissionSettings>
+ <Position><Fixed><Lon>-8.1234567890123</Lon><Lat>1e-7</Lat></Fixed></Position></Emitter>
+<Emitter ID="c&#10;d" Active="false"><Frequency><Fixed>5</Fixed></Frequency>
+ <Position><Movement EndBehavior="STOP">
+  <Position Major="true" Speed="0"><Lon>10</Lon><Lat>50</Lat></Position>
+  <Position Major="true" Speed="0"><Lon>10</Lon><Lat>50.5</Lat></Position>
+ </Movement></Position></Emitter>
+<Emitter ID="Möwe" Active="true"><Frequency><Fixed>1e300</Fixed></Frequency></Emitter>)"));
+    const QString sCsv = m_dir.filePath(QStringLiteral("fields.csv"));
+    const Result result = run({QStringLiteral("play"), sFile, QStringLiteral("--to"), QStringLiteral("1"),
+                               QStringLiteral("--csv"), sCsv});
+    QCOMPARE(result.err, QString());
+    QCOMPARE(result.code, 0);
+    QCOMPARE(result.out, QStringLiteral("3 rows written\n"));
+    QFile csv(sCsv);
+    QVERIFY(csv.open(QIODevice::ReadOnly));
+    QCOMPARE(csv.readAll(),
+             QByteArray("time_ms,emitter,active,frequency_hz,longitude,latitude,heading,speed_kmh,package\r\n"
+                        "0,Möwe,false,1e+300,0,0,0,0,\r\n"
+                        "0,\"a,b\",true,433925100.125,-8.1234567890123,1e-07,0,0,\"p \"\"1\"\"\"\r\n"
+                        "0,\"c\nd\",false,5,10,50.5,0,0,\r\n"));
+}
+
+void tst_SimulationTool::csvIsAllOrNothing_data()
+{
+    QTest::addColumn<QString>("scenario");
+    QTest::addColumn<QString>("csv");
+    QTest::addColumn<QString>("message");
+
+    const QString sOld = m_dir.filePath(QStringLiteral("old.csv"));
+    const QString sMissing = m_dir.filePath(QStringLiteral("none.xml"));
+    const QString sNoFolder = m_dir.filePath(QStringLiteral("none/new.csv"));
+    QTest::newRow("no scenario") << sMissing << sOld
+                                 << sMissing + QStringLiteral(": No such file or directory");
+    QTest::newRow("no folder") << s_sBuiltIn << sNoFolder
+                               << sNoFolder + QStringLiteral(": No such file or directory");
+    QTest::newRow("folder") << s_sBuiltIn << m_dir.path() << m_dir.path() + QStringLiteral(": is a folder");
+    QTest::newRow("device") << s_sBuiltIn << "/dev/full"
+                            << "/dev/full: is not a regular file";
+}
+
+void tst_SimulationTool::csvIsAllOrNothing()
+{
+    QFETCH(QString, scenario);
+    QFETCH(QString, csv);
+    QFETCH(QString, message);
+    const QString sOld = write(QStringLiteral("old.csv"), "old");
+    const Result result = run({QStringLiteral("play"), scenario, QStringLiteral("--csv"), csv});
+    QCOMPARE(result.err, QStringLiteral("simulationtool: ") + message + u'\n');
+    QCOMPARE(result.code, 2);
+    QFile old(sOld);
+    QVERIFY(old.open(QIODevice::ReadOnly));
+    QCOMPARE(old.readAll(), QByteArray("old"));
+}
+
+void tst_SimulationTool::inspectBuiltIn_data()
+{
+    QTest::addColumn<QString>("line"); // with single blanks
+
+    const auto add = [](const char* a_szLine) { QTest::newRow(a_szLine) << QString::fromUtf8(a_szLine); };
+    add("Author SimulationData");
+    add("Duration 60000 ms (00:01:00s)");
+    add("-96 -102 -92.5 0.25 1.5");
+    add("ferry Ferry Möwe yes calling-channel fixed moves over 5 points, then begins again");
+    add("survey Road survey yes Hierarchical 3 5 survey-lead");
+    add("Default the scenario's default emitter");
+    add("Antenna gain 2.15, height over ground 6, direction 0 degrees, type Dipole");
+    add("Frequency fixed, 312.5 kHz");
+    add("Frequency chirp, 9.38 GHz to 9.44 GHz in 500 ms, offset 0");
+    add("Frequency fast hopper, 440 MHz to 443.2 MHz, 128 channels, 50 hops/s, set 7, offset 0.5");
+    add("2 76.125 MHz 1500");
+    add("3 11.010900 54.451450 4987 500 36 yes Mast");
+    add("Position follows ferry");
+    add("Followed by ferry-radar");
+    add("EDW file HarbourRadar.edw");
+    add("Schedule broadcast: always on, whatever the schedule says");
+    add("Schedule 5 emissions, repeated every 12000 ms");
+    add("3 4400 1200 ms 9a567123-d88f-4177-9b57-b02c1ec104f7 pilot-boat");
+    add("Colour #1f77b4");
+    add("Members coast-station, ferry, pilot-boat");
+    add("3 Round 2 4, 5");
+}
+
+void tst_SimulationTool::inspectBuiltIn()
+{
+    QFETCH(QString, line);
+    static const Result s_result = run({QStringLiteral("inspect"), s_sBuiltIn});
+    QCOMPARE(s_result.code, 0);
+    QCOMPARE(s_result.err, QString());
+    QStringList found;
+    const QStringList all = lines(s_result.out);
+    for (const QString& candidate : all) {
+        if (candidate.simplified() == line) {
+            found.append(candidate);
+        }
+    }
+    QVERIFY2(!found.isEmpty(), qPrintable(line));
+}
+
+void tst_SimulationTool::inspectTamesHostileTexts()
+{
+    const QByteArray longName(100'000, 'x');
+    const QString sFile = write(
+        QStringLiteral("hostile.xml"),
+        scenario("<Description>first&#10;second \xc2\x9b[31m \xe2\x80\xae end</Description>"
+                 "<Emitter ID=\"1\" Name=\"" +
+                     longName + "\" Active=\"true\"/><Emitter ID=\"2\" Name=\"öä𝄞&#9;x\" Active=\"true\"/>",
+                 "Name=\"a&#10;b\""));
+    const Result result = run({QStringLiteral("inspect"), sFile});
+    QCOMPARE(result.code, 0);
+    const QStringList all = lines(result.out);
+    QVERIFY(all.contains(QStringLiteral("  Description   first")));
+    QVERIFY(all.contains(QStringLiteral("                second \\u{9b}[31m \\u{202e} end")));
+    // The long name is cut in the table, whose columns stay in line: the musical
+    // sign takes two code units but one column.
+    const qsizetype iHeader = all.indexOf(QStringLiteral("Emitters: 2")) + 1;
+    const qsizetype iActive = all.at(iHeader).indexOf(QStringLiteral("Active"));
+    QCOMPARE(all.at(iHeader + 2).indexOf(QStringLiteral("yes")), iActive);
+    QCOMPARE(all.at(iHeader + 3).indexOf(QStringLiteral("yes")), iActive + 1);
+    QVERIFY(all.at(iHeader + 3).contains(QStringLiteral("öä𝄞\\tx ")));
+    QVERIFY(result.out.contains(QString::fromLatin1(longName)));
+}
+
+void tst_SimulationTool::olderFile()
+{
+    const QString sFile = write(QStringLiteral("older.xml"), "<Scenario FileFormatVersion=\"3\"/>");
+    const Result result = run({QStringLiteral("inspect"), sFile});
+    QCOMPARE(result.code, 0);
+    QVERIFY(result.out.contains(QStringLiteral("File version  older than 4")));
+    QVERIFY(!run({QStringLiteral("inspect"), s_sBuiltIn}).out.contains(QStringLiteral("File version")));
+}
+
+void tst_SimulationTool::outputFails()
+{
+    for (const QString& command : {QStringLiteral("play"), QStringLiteral("--help")}) {
+        QProcess process;
+        process.setStandardOutputFile(QStringLiteral("/dev/full"));
+        process.start(QStringLiteral(SIMULATIONTOOL_PATH), {command});
+        QVERIFY(process.waitForFinished(s_iTimeout));
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 2);
+        QCOMPARE(process.readAllStandardError(),
+                 QByteArray("simulationtool: standard output: No space left on device\n"));
+    }
+    // A reader that goes away ends a play that would last for days. It is the
+    // program itself, which does not read what is piped into it.
+    QProcess process;
+    QProcess reader;
+    process.setStandardOutputProcess(&reader);
+    process.start(QStringLiteral(SIMULATIONTOOL_PATH),
+                  {QStringLiteral("play"), QStringLiteral("--to"), QStringLiteral("4294967295")});
+    reader.start(QStringLiteral(SIMULATIONTOOL_PATH), {QStringLiteral("--version")});
+    QVERIFY(reader.waitForFinished(s_iTimeout));
+    QVERIFY(process.waitForFinished(s_iTimeout));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 2);
+    QCOMPARE(process.readAllStandardError(), QByteArray("simulationtool: standard output: Broken pipe\n"));
+}
+
+void tst_SimulationTool::traceOnDemand()
+{
+    const QString sFile = write(QStringLiteral("trace.xml"), "<Other/>");
+    QCOMPARE(lines(run({QStringLiteral("inspect"), sFile}).err).size(), 1);
+    for (const QStringList& arguments :
+         {QStringList{QStringLiteral("--trace"), QStringLiteral("inspect"), sFile},
+          QStringList{QStringLiteral("inspect"), sFile, QStringLiteral("--trace")}}) {
+        const QStringList errors = lines(run(arguments).err);
+        QCOMPARE(errors.size(), 2);
+        QVERIFY(errors.constFirst().startsWith(QStringLiteral("simulationtool: trace: Scenario refused: ")));
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_SimulationTool)
+
+#include "tst_simulationtool.moc"
