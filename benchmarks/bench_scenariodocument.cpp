@@ -1,0 +1,207 @@
+#include "simulationdata/emissionsettings.h"
+#include "simulationdata/frequencysettings_chirp.h"
+#include "simulationdata/frequencysettings_fasthopper.h"
+#include "simulationdata/frequencysettings_slowhopper.h"
+#include "simulationdata/frequencysettingsfixed.h"
+#include "simulationdata/positionsettingsfixed.h"
+#include "simulationdata/positionsettingsptp.h"
+#include "simulationdata/scenariodataxml.h"
+#include "simulationdata/signalpackage.h"
+#include "simulationdata/szenarioemitter.h"
+#include "simulationdata/unresolvedsignalpackageprovider.h"
+
+#include <benchmark/benchmark.h>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+#include <chrono>
+#include <memory>
+#include <vector>
+
+using namespace Simulation;
+
+namespace {
+
+using Seconds = std::chrono::duration<double>;
+
+constexpr int s_iEmitters = 10'000;
+constexpr int s_iWayPoints = 4;
+
+/// The settings of the kinds that documents hold, a quarter each.
+IFrequencySettings* frequencyFor(int a_iIndex)
+{
+    switch (a_iIndex % 4) {
+    case 0:
+        return new FrequencySettingsFixed();
+    case 1:
+        return new FrequencySettings_Chirp();
+    case 2:
+        return new FrequencySettings_FastHopper();
+    default:
+        return new FrequencySettings_SlowHopper();
+    }
+}
+
+std::unique_ptr<PositionSettingsPtp> movementFor(double a_dLongitude)
+{
+    auto movement = std::make_unique<PositionSettingsPtp>(TPos{a_dLongitude, 54.123456789}, 0.01);
+    for (int i = 2; i < s_iWayPoints; ++i) {
+        movement->insertRowAfter(i - 1, 0.01, QStringLiteral("Way point"));
+    }
+    return movement;
+}
+
+std::shared_ptr<SzenarioEmitter> emitterFor(int a_iIndex, ISignalPackageProvider& a_provider)
+{
+    const auto emitter = std::make_shared<SzenarioEmitter>(QStringLiteral("emitter-%1").arg(a_iIndex),
+                                                           QStringLiteral("Emitter %1").arg(a_iIndex));
+    emitter->setDescription(QStringLiteral("An emitter as applications make them"));
+    emitter->setClass(QStringLiteral("Vehicle"));
+    emitter->setFrequencySettings(frequencyFor(a_iIndex));
+    const double dLongitude = 8.0 + a_iIndex * 0.000123456789;
+    if (a_iIndex % 2 == 0) {
+        emitter->setPositionSettings(movementFor(dLongitude).release());
+    } else {
+        emitter->setPositionSettings(new PositionSettingsFixed(TPos{dLongitude, 54.123456789}));
+    }
+    for (int i = 0; i < 2; ++i) {
+        const auto emission = EmissionSettings::createEmission();
+        emission->id = static_cast<std::uint32_t>(i + 1);
+        emission->start = 1000 * i;
+        emission->duration = 500;
+        emission->emitter = emitter;
+        emission->signalPackage = a_provider.signalPackage(QStringLiteral("package"));
+        emitter->emissionSettings()->addEmission(emission);
+    }
+    return emitter;
+}
+
+/// A document of emitters, and the provider that it needs.
+struct Scenario
+{
+    Scenario()
+        : document(&provider)
+    {
+        QSet<std::shared_ptr<ScenarioObject>> objects;
+        for (int i = 0; i < s_iEmitters; ++i) {
+            objects.insert(emitterFor(i, provider));
+        }
+        document.setScenarioObjects(objects);
+    }
+
+    UnresolvedSignalPackageProvider provider;
+    ScenarioDataXml document;
+};
+
+/// One step of a stream writer with its strings ready.
+struct WriterStep
+{
+    QXmlStreamReader::TokenType type = QXmlStreamReader::NoToken;
+    QString text; ///< name or characters
+    std::vector<std::pair<QString, QString>> attributes;
+};
+
+std::vector<WriterStep> writerSteps(const QByteArray& a_xml)
+{
+    std::vector<WriterStep> steps;
+    QXmlStreamReader reader(a_xml);
+    while (!reader.atEnd()) {
+        WriterStep step;
+        step.type = reader.readNext();
+        if (reader.isStartElement()) {
+            step.text = reader.name().toString();
+            const auto attributes = reader.attributes();
+            for (const QXmlStreamAttribute& attribute : attributes) {
+                step.attributes.emplace_back(attribute.name().toString(), attribute.value().toString());
+            }
+        } else if (reader.isCharacters() && !reader.isWhitespace()) {
+            step.text = reader.text().toString();
+        } else if (!reader.isEndElement()) {
+            continue;
+        }
+        steps.push_back(std::move(step));
+    }
+    return steps;
+}
+
+QByteArray writePrepared(const std::vector<WriterStep>& a_steps)
+{
+    QByteArray xml;
+    QXmlStreamWriter writer(&xml);
+    writer.setAutoFormatting(true);
+    writer.writeStartDocument();
+    for (const WriterStep& step : a_steps) {
+        if (step.type == QXmlStreamReader::StartElement) {
+            writer.writeStartElement(step.text);
+            for (const auto& attribute : step.attributes) {
+                writer.writeAttribute(attribute.first, attribute.second);
+            }
+        } else if (step.type == QXmlStreamReader::EndElement) {
+            writer.writeEndElement();
+        } else {
+            writer.writeCharacters(step.text);
+        }
+    }
+    writer.writeEndDocument();
+    return xml;
+}
+
+template<typename Work>
+double secondsOf(const Work& a_work)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    a_work();
+    return Seconds(std::chrono::steady_clock::now() - begin).count();
+}
+
+/// Runs the bare work and ours in turn and reports both beside their ratio.
+template<typename Bare, typename Ours>
+void compare(benchmark::State& a_state, qsizetype a_iBytes, const Bare& a_bare, const Ours& a_ours)
+{
+    double dBare = 0.0;
+    double dOurs = 0.0;
+    for ([[maybe_unused]] auto iteration : a_state) {
+        dBare += secondsOf(a_bare);
+        const double dSeconds = a_ours();
+        dOurs += dSeconds;
+        a_state.SetIterationTime(dSeconds);
+    }
+    const auto dIterations = static_cast<double>(a_state.iterations());
+    a_state.counters["bare_ms"] = dBare / dIterations * 1000.0;
+    a_state.counters["ours_ms"] = dOurs / dIterations * 1000.0;
+    a_state.counters["ratio"] = dOurs / dBare;
+    a_state.counters["MiB"] = static_cast<double>(a_iBytes) / (1024.0 * 1024.0);
+}
+
+void loadScenario(benchmark::State& a_state)
+{
+    Scenario scenario;
+    const QByteArray xml = scenario.document.toXml();
+    compare(
+        a_state, xml.size(),
+        [&] {
+            QXmlStreamReader reader(xml);
+            while (!reader.atEnd()) {
+                benchmark::DoNotOptimize(reader.readNext());
+            }
+        },
+        [&] {
+            // Taking the scenario apart afterwards is not part of loading it.
+            const auto document = std::make_unique<ScenarioDataXml>(&scenario.provider);
+            return secondsOf([&] { benchmark::DoNotOptimize(document->fromXml(xml)); });
+        });
+}
+BENCHMARK(loadScenario)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(5.0);
+
+void saveScenario(benchmark::State& a_state)
+{
+    Scenario scenario;
+    const QByteArray xml = scenario.document.toXml();
+    const std::vector<WriterStep> steps = writerSteps(xml);
+    compare(
+        a_state, xml.size(), [&] { benchmark::DoNotOptimize(writePrepared(steps)); },
+        [&] { return secondsOf([&] { benchmark::DoNotOptimize(scenario.document.toXml()); }); });
+}
+BENCHMARK(saveScenario)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(5.0);
+
+} // namespace
