@@ -32,22 +32,24 @@ public:
         , m_iLine(a_iLine)
     {}
 
-    /// False when the answer is full already: the activity is dropped, one
-    /// trace names the limit, and the caller stops its walk.
-    [[nodiscard]] bool append(std::uint64_t a_uiStart, std::uint64_t a_uiDuration, double a_dFrequency)
+    /// Counts an activity and takes it, unless it has no length and
+    /// `a_bKeepEmpty` is false. False when the limit is reached already: it is
+    /// dropped, one trace names the limit, and the caller stops its walk.
+    [[nodiscard]] bool append(const HRActivity& a_activity, bool a_bKeepEmpty = true)
     {
-        if (static_cast<std::uint64_t>(m_activities.size()) >= m_uiLimit) {
+        if (m_uiCalculated >= m_uiLimit) {
             traceError(
                 m_szSource,
-                [this] {
-                    return QStringLiteral("Answer cut off: %1 limit of %2 exceeded")
-                        .arg(QLatin1String(Limits::name(Limits::AnswerActivities)),
-                             QString::number(m_uiLimit));
+                [] {
+                    return QStringLiteral("Answer cut off: ") + Limits::exceeded(Limits::AnswerActivities);
                 },
                 m_iLine);
             return false;
         }
-        m_activities.append({a_uiStart, a_uiDuration, a_dFrequency});
+        ++m_uiCalculated;
+        if (a_bKeepEmpty || a_activity.duration != 0) {
+            m_activities.append(a_activity);
+        }
         return true;
     }
 
@@ -55,6 +57,7 @@ public:
 
 private:
     QList<HRActivity> m_activities;
+    std::uint64_t m_uiCalculated = 0;
     std::uint64_t m_uiLimit = Limits::value(Limits::AnswerActivities);
     const char* m_szSource;
     int m_iLine;

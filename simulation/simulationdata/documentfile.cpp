@@ -32,12 +32,10 @@ qint64 maximumBytes()
 
 bool checkDocumentBytes(qint64 a_iBytes, QString* a_pReason)
 {
-    const qint64 iLimit = maximumBytes();
-    if (a_iBytes <= iLimit) {
+    if (a_iBytes <= maximumBytes()) {
         return true;
     }
-    *a_pReason = QStringLiteral("%1 limit of %2 exceeded")
-                     .arg(QLatin1String(Limits::name(Limits::DocumentBytes)), QString::number(iLimit));
+    *a_pReason = Limits::exceeded(Limits::DocumentBytes);
     return false;
 }
 

@@ -107,8 +107,7 @@ QList<HRActivity> walkSchedule(const QList<EmissionPtr>& a_emissions, const Szen
             if (a_pEmitter != nullptr && emission.emitter.get() != a_pEmitter) {
                 continue;
             }
-            const HRActivity activity = clipped(emission, iBase, a_iEnd);
-            if (!answer.append(activity.start, activity.duration, activity.frequency)) {
+            if (!answer.append(clipped(emission, iBase, a_iEnd))) {
                 return answer.take();
             }
         }

@@ -102,7 +102,7 @@ QList<HRActivity> FrequencySettings_Chirp::calculateHRActivities(unsigned int a_
     ActivityAnswer answer(s_szSource);
     const std::uint64_t uiEnd = windowEnd(a_uiStart, a_uiLength);
     for (std::uint64_t uiTime = a_uiStart; uiTime < uiEnd; uiTime += uiPiece) {
-        if (!answer.append(uiTime, uiPiece, getFrequencyAt(static_cast<std::uint32_t>(uiTime)))) {
+        if (!answer.append({uiTime, uiPiece, getFrequencyAt(static_cast<std::uint32_t>(uiTime))})) {
             break;
         }
     }

@@ -132,7 +132,7 @@ QList<HRActivity> FrequencySettings_FastHopper::calculateHRActivities(unsigned i
     const std::uint64_t uiEnd = windowEnd(a_uiStart, a_uiLength);
 
     ActivityAnswer answer(s_szSource);
-    bool bRoom = answer.append(uiStart, uiOffset, frequencyInMiddle(uiStart, uiOffset));
+    bool bRoom = answer.append({uiStart, uiOffset, frequencyInMiddle(uiStart, uiOffset)});
     // A window that ends inside the offset's gap has no stretch after the
     // lead-in: hops begin past its end, and later ones even more so.
     std::uint64_t uiHopStart = (uiStart + uiOffset) / uiHop * uiHop + uiOffset;
@@ -140,7 +140,7 @@ QList<HRActivity> FrequencySettings_FastHopper::calculateHRActivities(unsigned i
         const std::uint64_t uiFrom = std::max(uiHopStart, uiStart);
         const std::uint64_t uiTo = std::min(uiHopStart + uiHop, uiEnd);
         if (uiTo > uiFrom) {
-            bRoom = answer.append(uiFrom, uiTo - uiFrom, frequencyInMiddle(uiFrom, uiTo - uiFrom));
+            bRoom = answer.append({uiFrom, uiTo - uiFrom, frequencyInMiddle(uiFrom, uiTo - uiFrom)});
         }
         uiHopStart += uiHop;
     }
@@ -179,16 +179,14 @@ IFrequencySettings* FrequencySettings_FastHopper::clone() const
 /// Whether there is a channel list to build: a document may ask for gigabytes.
 bool FrequencySettings_FastHopper::hasChannels() const
 {
-    const std::uint64_t uiLimit = Limits::value(Limits::HopChannels);
-    if (m_uiHoppCount <= uiLimit) {
+    if (m_uiHoppCount <= Limits::value(Limits::HopChannels)) {
         return m_uiHoppCount != 0;
     }
     if (!m_bLimitTraced) {
-        traceError(s_szSource, [this, uiLimit] {
+        traceError(s_szSource, [this] {
             m_bLimitTraced = true;
-            return QStringLiteral("Hop count %1 gives no channels: %2 limit of %3 exceeded")
-                .arg(QString::number(m_uiHoppCount), QLatin1String(Limits::name(Limits::HopChannels)),
-                     QString::number(uiLimit));
+            return QStringLiteral("Hop count %1 gives no channels: %2")
+                .arg(QString::number(m_uiHoppCount), Limits::exceeded(Limits::HopChannels));
         });
     }
     return false;

@@ -202,7 +202,7 @@ QList<HRActivity> FrequencySettings_SlowHopper::calculateHRActivities(unsigned i
         const bool bLast = uiStepEnd == uiLength && m_eEndBehavior != EndBehaviourType::Restart;
         const std::uint64_t uiFrom = std::max(uiTime, uiOffset);
         const std::uint64_t uiTo = bLast ? uiEnd : std::min(uiStepEnd, uiEnd);
-        if (!answer.append(uiBase + uiFrom, uiTo - uiFrom, step.frequency) || bLast) {
+        if (!answer.append({uiBase + uiFrom, uiTo - uiFrom, step.frequency}) || bLast) {
             break;
         }
         uiTime = uiStepEnd;

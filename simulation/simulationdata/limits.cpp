@@ -91,6 +91,12 @@ const char* Limits::name(Limit a_eLimit)
     return entry(a_eLimit).name;
 }
 
+QString Limits::exceeded(Limit a_eLimit)
+{
+    return QStringLiteral("%1 limit of %2 exceeded")
+        .arg(QLatin1String(name(a_eLimit)), QString::number(value(a_eLimit)));
+}
+
 const char* Limits::reason(Limit a_eLimit)
 {
     return entry(a_eLimit).reason;

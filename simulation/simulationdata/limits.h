@@ -3,6 +3,8 @@
 
 #include "simulationdata/simulationdata_export.h"
 
+#include <QString>
+
 #include <cstdint>
 
 namespace Simulation {
@@ -42,6 +44,10 @@ public:
     /// The name by which traces and error texts call the limit, for example
     /// "nesting depth".
     [[nodiscard]] static const char* name(Limit a_eLimit);
+
+    /// What error texts and traces say beyond the bound in force, for example
+    /// "nesting depth limit of 256 exceeded".
+    [[nodiscard]] static QString exceeded(Limit a_eLimit);
 
     /// Why the bound stands where it stands: one sentence in English.
     [[nodiscard]] static const char* reason(Limit a_eLimit);

@@ -290,12 +290,10 @@ void PositionSettingsPtp::insertArcAfter(int a_iRow, int a_iCount, int a_iAngle,
     if (!hasRow(a_iRow) || a_iCount < 1) {
         return;
     }
-    const std::uint64_t uiLimit = Limits::value(Limits::ArcPoints);
-    if (static_cast<std::uint64_t>(a_iCount) > uiLimit) {
-        traceError(s_szSource, [&] {
-            return QStringLiteral("Arc of %1 points refused: %2 limit of %3 exceeded")
-                .arg(QString::number(a_iCount), QLatin1String(Limits::name(Limits::ArcPoints)),
-                     QString::number(uiLimit));
+    if (static_cast<std::uint64_t>(a_iCount) > Limits::value(Limits::ArcPoints)) {
+        traceError(s_szSource, [a_iCount] {
+            return QStringLiteral("Arc of %1 points refused: %2")
+                .arg(QString::number(a_iCount), Limits::exceeded(Limits::ArcPoints));
         });
         return;
     }

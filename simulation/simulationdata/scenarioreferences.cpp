@@ -77,6 +77,10 @@ void ScenarioReferences::resolve()
 {
     for (const Link& link : m_links) {
         const auto target = emitterForId(link.targetId, EmitterType::Emitter);
+        // An id that is used twice may name two targets: the last one counts.
+        if (const auto former = link.emitter->linkTargetEmitter()) {
+            former->removeLinkedEmitter(link.emitter);
+        }
         link.emitter->setLinkTargetEmitter(target);
         target->addLinkedEmitter(link.emitter);
     }

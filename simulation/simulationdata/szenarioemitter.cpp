@@ -289,8 +289,7 @@ QList<HRActivity> SzenarioEmitter::calculateBursts(unsigned int a_uiStart, unsig
         const QList<HRActivity> activities = pFrequency->calculateHRActivities(
             static_cast<unsigned int>(inside.start), static_cast<unsigned int>(inside.duration), a_dFactor);
         for (const HRActivity& activity : activities) {
-            const HRActivity burst = clipped(activity, inside.start, inside.start + inside.duration);
-            if (burst.duration != 0 && !bursts.append(burst.start, burst.duration, burst.frequency)) {
+            if (!bursts.append(clipped(activity, inside.start, inside.start + inside.duration), false)) {
                 return bursts.take();
             }
         }

@@ -23,22 +23,19 @@ XmlDocumentReader::XmlDocumentReader(const QByteArray& a_data)
     // to the declarations that a document chooses to make.
     m_stream.setNamespaceProcessing(false);
 
-    std::optional<QByteArray> text;
-    if (checkDocumentBytes(a_data.size(), &m_sRefusal)) {
-        text = toUtf8Xml(a_data, &m_sRefusal);
-    }
-    if (!text) {
+    if (!checkDocumentBytes(a_data.size(), &m_sRefusal)) {
         m_stream.raiseError(m_sRefusal);
         return;
     }
+    QByteArray text = toUtf8Xml(a_data, &m_sRefusal);
     XmlScanner scanner;
-    scanner.feed(*text);
+    scanner.feed(text);
     if (scanner.hasOffence()) {
         const XmlScanner::Offence& offence = scanner.offence();
         m_sRefusal = xmlErrorText({offence.line, offence.column}, offence.reason);
-        text->truncate(static_cast<qsizetype>(offence.offset));
+        text.truncate(static_cast<qsizetype>(offence.offset));
     }
-    m_stream.addData(*text);
+    m_stream.addData(text);
 }
 
 void XmlDocumentReader::readToEnd()
@@ -51,7 +48,8 @@ void XmlDocumentReader::readToEnd()
 QString XmlDocumentReader::errorString() const
 {
     if (!m_stream.hasError()) {
-        return {};
+        // What was cut off may have stood behind the root element.
+        return m_stream.atEnd() ? m_sRefusal : QString();
     }
     if (!m_sRefusal.isEmpty() && (m_stream.error() == QXmlStreamReader::PrematureEndOfDocumentError ||
                                   m_stream.error() == QXmlStreamReader::CustomError)) {

@@ -27,7 +27,7 @@ public:
     [[nodiscard]] QString errorString() const;
 
 private:
-    QString m_sRefusal; ///< a limit or an encoding, with its place
+    QString m_sRefusal; ///< what made the text end early, with its place
     QXmlStreamReader m_stream;
 };
 

@@ -1,6 +1,6 @@
 #include "xmlelement.h"
 
-#include "simulationdata/limits.h"
+#include "documentfile_p.h"
 #include "xmlencoding_p.h"
 #include "xmlname_p.h"
 #include "xmlnodewriter_p.h"
@@ -70,17 +70,14 @@ QString objection(QByteArrayView a_text, QByteArrayView* a_pRoot)
 /// Null with a reason when the bytes are refused.
 std::shared_ptr<pugi::xml_document> load(const QByteArray& a_bytes, QString* a_pError)
 {
-    const std::uint64_t uiLimit = Limits::value(Limits::DocumentBytes);
-    if (static_cast<std::uint64_t>(a_bytes.size()) > uiLimit) {
-        *a_pError = QStringLiteral("%1 limit of %2 exceeded")
-                        .arg(QLatin1String(Limits::name(Limits::DocumentBytes)), QString::number(uiLimit));
+    if (!checkDocumentBytes(a_bytes.size(), a_pError)) {
         return nullptr;
     }
-    const std::optional<QByteArray> utf8 = toUtf8Xml(a_bytes, a_pError);
-    if (!utf8) {
+    const QByteArray utf8 = toUtf8Xml(a_bytes, a_pError);
+    if (!a_pError->isEmpty()) {
         return nullptr;
     }
-    const QByteArrayView text = QByteArrayView(*utf8).sliced(utf8MarkBytes(*utf8));
+    const QByteArrayView text = QByteArrayView(utf8).sliced(utf8MarkBytes(utf8));
     QByteArrayView root;
     *a_pError = objection(text, &root);
     if (!a_pError->isEmpty()) {

@@ -81,12 +81,11 @@ bool is(const QByteArray& a_name, QByteArrayView a_expected)
     return a_name.compare(a_expected, Qt::CaseInsensitive) == 0;
 }
 
-std::optional<QByteArray> refused(QString* a_pError, const QString& a_sReason, XmlPosition a_position = {})
+/// The bytes before a fault, which the error text places.
+QByteArray cutAt(const QByteArray& a_bytes, qsizetype a_iOffset, const QString& a_sReason, QString* a_pError)
 {
-    if (a_pError != nullptr) {
-        *a_pError = xmlErrorText(a_position, a_sReason);
-    }
-    return std::nullopt;
+    *a_pError = xmlErrorText(advanced({}, QByteArrayView(a_bytes).first(a_iOffset)), a_sReason);
+    return a_bytes.first(a_iOffset);
 }
 
 bool isContinuation(char a_cByte)
@@ -122,8 +121,7 @@ qsizetype firstInvalidByte(QByteArrayView a_bytes)
     return isCutOff(a_bytes.sliced(i)) ? -1 : i;
 }
 
-std::optional<QByteArray> decoded(const QByteArray& a_bytes, QStringConverter::Encoding a_eEncoding,
-                                  QString* a_pError)
+QByteArray decoded(const QByteArray& a_bytes, QStringConverter::Encoding a_eEncoding, QString* a_pError)
 {
     QStringDecoder decoder(a_eEncoding);
     QString sText = decoder.decode(a_bytes);
@@ -133,36 +131,35 @@ std::optional<QByteArray> decoded(const QByteArray& a_bytes, QStringConverter::E
     QStringEncoder encoder(QStringConverter::Utf8);
     QByteArray bytes = encoder.encode(sText);
     if (decoder.hasError() || encoder.hasError()) {
-        return refused(a_pError, QStringLiteral("the bytes are not valid %1")
-                                     .arg(QLatin1String(QStringConverter::nameForEncoding(a_eEncoding))));
+        return cutAt(a_bytes, 0,
+                     QStringLiteral("the bytes are not valid %1")
+                         .arg(QLatin1String(QStringConverter::nameForEncoding(a_eEncoding))),
+                     a_pError);
     }
     return withoutEncoding(bytes, 0);
 }
 
-std::optional<QByteArray> checkedUtf8(const QByteArray& a_bytes, QString* a_pError)
+QByteArray checkedUtf8(const QByteArray& a_bytes, QString* a_pError)
 {
     const qsizetype iInvalid = firstInvalidByte(a_bytes);
-    if (iInvalid < 0) {
-        return a_bytes;
-    }
-    const XmlPosition position = advanced({}, QByteArrayView(a_bytes).first(iInvalid));
-    return refused(a_pError, QStringLiteral("the bytes are not valid UTF-8"), position);
+    return iInvalid < 0 ? a_bytes
+                        : cutAt(a_bytes, iInvalid, QStringLiteral("the bytes are not valid UTF-8"), a_pError);
 }
 
-std::optional<QByteArray> checkedAscii(const QByteArray& a_bytes, QString* a_pError)
+QByteArray checkedAscii(const QByteArray& a_bytes, QString* a_pError)
 {
     const auto it = std::find_if(a_bytes.cbegin(), a_bytes.cend(), [](char a_cByte) {
         return static_cast<unsigned char>(a_cByte) >= s_ucFirstNonAscii;
     });
-    if (it == a_bytes.cend()) {
-        return withoutEncoding(a_bytes, 0);
-    }
-    const XmlPosition position = advanced({}, QByteArrayView(a_bytes).first(it - a_bytes.cbegin()));
-    return refused(a_pError, QStringLiteral("the bytes are not valid US-ASCII"), position);
+    const bool bValid = it == a_bytes.cend();
+    return withoutEncoding(bValid ? a_bytes
+                                  : cutAt(a_bytes, it - a_bytes.cbegin(),
+                                          QStringLiteral("the bytes are not valid US-ASCII"), a_pError),
+                           0);
 }
 
 /// Decodes by the declaration, where no mark tells.
-std::optional<QByteArray> decodedAsDeclared(const QByteArray& a_bytes, QString* a_pError)
+QByteArray decodedAsDeclared(const QByteArray& a_bytes, QString* a_pError)
 {
     const DeclaredEncoding declared = declaredEncoding(a_bytes);
     const auto eEncoding = QStringConverter::encodingForName(declared.name.constData());
@@ -175,9 +172,10 @@ std::optional<QByteArray> decodedAsDeclared(const QByteArray& a_bytes, QString* 
     // The declaration could be read bytewise, so wide characters are a false
     // claim; the encoding of the machine is no encoding of a document.
     if (eEncoding != QStringConverter::Latin1) {
-        return refused(
-            a_pError,
-            QStringLiteral("cannot decode the encoding \"%1\"").arg(QString::fromLatin1(declared.name)));
+        return cutAt(
+            a_bytes, 0,
+            QStringLiteral("cannot decode the encoding \"%1\"").arg(QString::fromLatin1(declared.name)),
+            a_pError);
     }
     return decoded(a_bytes, *eEncoding, a_pError);
 }
@@ -239,8 +237,9 @@ qsizetype utf8MarkBytes(QByteArrayView a_bytes)
     return a_bytes.startsWith(s_utf8Mark) ? s_utf8Mark.size() : 0;
 }
 
-std::optional<QByteArray> toUtf8Xml(const QByteArray& a_bytes, QString* a_pError)
+QByteArray toUtf8Xml(const QByteArray& a_bytes, QString* a_pError)
 {
+    a_pError->clear();
     const auto eDetected = QStringConverter::encodingForData(a_bytes, u'<');
     if (!eDetected) {
         return decodedAsDeclared(a_bytes, a_pError);

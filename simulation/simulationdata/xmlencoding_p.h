@@ -7,8 +7,6 @@
 #include <QByteArrayView>
 #include <QString>
 
-#include <optional>
-
 namespace Simulation {
 
 /// A decoded character; length 0 (bytes) when the bytes are no UTF-8.
@@ -33,13 +31,14 @@ struct Utf8Character
 /// A text that is UTF-8 already is given back as it is, its mark included and
 /// sharing its bytes. Otherwise it is decoded, without a mark, and the encoding
 /// in its declaration is replaced by blanks, so that a parser believes neither
-/// and columns stay. Nothing, with a reason ("line 3, column 7: ...") in
-/// `*a_pError` (may be null), when the encoding is unknown or the bytes do not
-/// keep to it. Bytes of a character
+/// and columns stay.
+///
+/// `*a_pError` is empty when all is well. Otherwise it says why and where
+/// ("line 3, column 7: ..."), and only the text before the fault is given:
+/// nothing at all when the encoding is unknown or wide. Bytes of a character
 /// that the end of the text cuts off are not judged: a document that breaks off
 /// is the parser's to report.
-[[nodiscard]] SIMULATIONDATA_EXPORT std::optional<QByteArray> toUtf8Xml(const QByteArray& a_bytes,
-                                                                        QString* a_pError);
+[[nodiscard]] SIMULATIONDATA_EXPORT QByteArray toUtf8Xml(const QByteArray& a_bytes, QString* a_pError);
 
 } // namespace Simulation
 

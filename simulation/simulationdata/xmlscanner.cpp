@@ -161,7 +161,7 @@ const char* XmlScanner::scanOpen(const char* a_pFrom)
         break;
     }
     if (m_uiDepth >= m_uiMaxDepth) {
-        offend(Limits::NestingDepth, m_uiMaxDepth);
+        offend(Limits::NestingDepth);
     }
     m_uiAttributes = 0;
     m_cLast = 0;
@@ -176,7 +176,7 @@ const char* XmlScanner::scanStartTag(const char* a_pFrom, const char* a_pEnd)
         const char c = *p;
         if (c == '"' || c == '\'') {
             if (++m_uiAttributes > m_uiMaxAttributes) {
-                offend(Limits::ElementAttributes, m_uiMaxAttributes);
+                offend(Limits::ElementAttributes);
                 return a_pEnd;
             }
             const char* const pQuote = find(p + 1, a_pEnd, c);
@@ -252,7 +252,7 @@ const char* XmlScanner::scanDeclaration(const char* a_pFrom, const char* a_pEnd)
     for (const char* p = a_pFrom; p != a_pEnd; ++p) {
         const qint64 iBytes = m_iChunk + (p - m_chunk.data()) - m_iOpen + 1;
         if (m_uiDoctypeBytes + static_cast<std::uint64_t>(iBytes) > m_uiMaxDoctype) {
-            offend(Limits::DoctypeBytes, m_uiMaxDoctype);
+            offend(Limits::DoctypeBytes);
             return a_pEnd;
         }
         if (m_declarationEnd.consume(*p)) {
@@ -274,13 +274,11 @@ void XmlScanner::enter(State a_eState)
     m_eState = a_eState;
 }
 
-void XmlScanner::offend(Limits::Limit a_eLimit, std::uint64_t a_uiLimit)
+void XmlScanner::offend(Limits::Limit a_eLimit)
 {
     const XmlPosition position = openPosition();
     m_bOffence = true;
-    m_offence = {m_iOpen, position.line, position.column, a_eLimit,
-                 QStringLiteral("%1 limit of %2 exceeded")
-                     .arg(QLatin1String(Limits::name(a_eLimit)), QString::number(a_uiLimit))};
+    m_offence = {m_iOpen, position.line, position.column, a_eLimit, Limits::exceeded(a_eLimit)};
 }
 
 XmlPosition XmlScanner::openPosition() const

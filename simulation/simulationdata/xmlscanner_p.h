@@ -95,7 +95,7 @@ private:
     const char* scanUntilMarks(const char* a_pFrom, const char* a_pEnd, char a_cMark, int a_iCount);
     const char* scanDeclaration(const char* a_pFrom, const char* a_pEnd);
     void enter(State a_eState);
-    void offend(Limits::Limit a_eLimit, std::uint64_t a_uiLimit);
+    void offend(Limits::Limit a_eLimit);
     [[nodiscard]] XmlPosition openPosition() const;
 
     State m_eState = State::Text;

@@ -226,11 +226,8 @@ bool XmlValidator::markup()
 bool XmlValidator::startTag()
 {
     QByteArrayView tag;
-    const std::uint64_t uiLimit = Limits::value(Limits::RecordElements);
-    if (++m_uiElements > uiLimit) {
-        return fail(m_iPos,
-                    QStringLiteral("%1 limit of %2 exceeded")
-                        .arg(QLatin1String(Limits::name(Limits::RecordElements)), QString::number(uiLimit)));
+    if (++m_uiElements > Limits::value(Limits::RecordElements)) {
+        return fail(m_iPos, Limits::exceeded(Limits::RecordElements));
     }
     ++m_iPos;
     if (!name(&tag) || !attributes()) {

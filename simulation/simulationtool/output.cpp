@@ -58,7 +58,7 @@ void complain(const QString& a_sMessage)
 
 void prepareStandardStreams()
 {
-    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+    static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
     // Standard output is opened for reading: what is written there must fail.
     constexpr int s_iModes[] = {O_RDONLY, O_RDONLY, O_WRONLY};
     for (int iStream = STDIN_FILENO; iStream <= STDERR_FILENO; ++iStream) {

@@ -33,9 +33,9 @@ private:
 /// harmless.
 void complain(const QString& a_sMessage);
 
-/// Makes sure that writing to a closed pipe is an error like any other, and
-/// that no file which is opened later takes the place of a closed standard
-/// stream. To be called first of all.
+/// Makes sure that the program ends quietly when whoever reads its output has
+/// seen enough, and that no file which is opened later takes the place of a
+/// closed standard stream. To be called first of all.
 void prepareStandardStreams();
 
 } // namespace SimulationTool

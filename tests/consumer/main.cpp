@@ -10,7 +10,8 @@ int main()
 {
     Simulation::UnresolvedSignalPackageProvider provider;
     Simulation::ScenarioDataXml scenario(&provider);
-    if (!scenario.fromXmlFile(QStringLiteral(":/DefaultData/Default.sce.exp")) || !scenario.getDefaultEmitter()) {
+    if (!scenario.fromXmlFile(QStringLiteral(":/DefaultData/Default.sce.exp")) ||
+        !scenario.getDefaultEmitter()) {
         std::fprintf(stderr, "%s\n", qPrintable(scenario.errorString()));
         return 1;
     }

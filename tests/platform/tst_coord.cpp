@@ -36,6 +36,7 @@ private Q_SLOTS:
     void text_data();
     void text();
     void readsBack();
+    void bandEdges();
     void reads_data();
     void reads();
 };
@@ -91,6 +92,22 @@ void TestCoord::readsBack()
         QVERIFY(isNear(read, coord.first(), coord.second(), s_dDecimetre));
         QVERIFY(read.SetString(coord.GetString(s_iLocator), s_iLocator));
         QVERIFY(isNear(read, coord.first(), coord.second(), s_dLocator));
+    }
+}
+
+/// Next to the edge of a band both grid forms name the same one.
+void TestCoord::bandEdges()
+{
+    for (int iEdge = -72; iEdge <= 72; iEdge += 8) {
+        for (const double dBeside : {-90.0, 90.0}) {
+            const double dLatitude = std::nextafter(static_cast<double>(iEdge), dBeside);
+            const Coord coord(9.0, dLatitude);
+            const QString sUtm = coord.GetString(s_iUtm);
+            QCOMPARE(sUtm.left(3), coord.GetString(s_iMgrs).left(3));
+            Coord read;
+            QVERIFY(read.SetString(sUtm, s_iUtm));
+            QVERIFY(isNear(read, 9.0, dLatitude, s_dMetre));
+        }
     }
 }
 

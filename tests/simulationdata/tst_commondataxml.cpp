@@ -148,6 +148,13 @@ void TestCommonDataXml::positionSettings_data()
     row("movement, inactive", movement(" EndBehavior=\"INACTIVE\""), movement(" EndBehavior=\"INACTIVE\""));
     row("movement, unknown end", movement(" EndBehavior=\"Restart\""), movement(" EndBehavior=\"STOP\""));
     row("movement, no end", movement(""), movement(" EndBehavior=\"STOP\""));
+    row("movement of one point",
+        QStringLiteral(
+            "<Movement EndBehavior=\"STOP\"><Position DWellTime=\"7\" TransitionTime=\"0\" "
+            "Major=\"true\" Speed=\"50\" Name=\"A\"><Lon>8</Lon><Lat>48</Lat></Position></Movement>"),
+        QStringLiteral(
+            "<Movement EndBehavior=\"STOP\"><Position DWellTime=\"7\" TransitionTime=\"0\" "
+            "Major=\"true\" Speed=\"50\" Name=\"A\"><Lon>8</Lon><Lat>48</Lat></Position></Movement>"));
     row("the last of several", movement("") + QStringLiteral("<X/>") + sFixed, sFixed);
 }
 
@@ -237,7 +244,7 @@ void TestCommonDataXml::movementText()
                             "        <Lat>48.125</Lat>\n"
                             "    </Position>\n"
                             "</MovementsXml>\n"));
-    QCOMPARE(CommonDataXml::movementsForXml(sXml), QVector{point});
+    QCOMPARE(CommonDataXml::movementsForXml(sXml), QVector<MovementPoint>{point});
     QVERIFY(CommonDataXml::movementsForXml(CommonDataXml::xmlForMovements({})).isEmpty());
 }
 

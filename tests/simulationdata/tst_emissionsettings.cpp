@@ -45,7 +45,7 @@ namespace {
 
 EmissionPtr emission(std::int64_t a_iStart, std::int64_t a_iDuration, const EmitterPtr& a_emitter = nullptr)
 {
-    const EmissionPtr created = EmissionSettings::createEmission();
+    EmissionPtr created = EmissionSettings::createEmission();
     created->start = a_iStart;
     created->duration = a_iDuration;
     created->emitter = a_emitter;
@@ -54,7 +54,7 @@ EmissionPtr emission(std::int64_t a_iStart, std::int64_t a_iDuration, const Emit
 
 GroupPtr group(const QList<EmissionPtr>& a_emissions, const QList<GroupPtr>& a_groups = {})
 {
-    const GroupPtr created = EmissionSettings::createGroup();
+    GroupPtr created = EmissionSettings::createGroup();
     created->emissions = a_emissions;
     created->groups = a_groups;
     return created;
@@ -367,7 +367,7 @@ void TestEmissionSettings::longChains()
     EmitterPtr last = emitter("last");
     for (int i = 0; i < iLength; ++i) {
         const EmitterPtr holder = emitter("holder");
-        holder->emissionSettings()->addEmission(emission(0, 1, std::move(last)));
+        holder->emissionSettings()->addEmission(emission(0, 1, last));
         last = holder;
     }
     QVERIFY(last->isActiveAt(1));

@@ -87,7 +87,7 @@ boost::shared_ptr<EmissionSettings::Emission>
 addEmission(EmissionSettings* a_pSettings, std::uint32_t a_uiId, std::int64_t a_iStart,
             const EmitterPtr& a_emitter, const std::shared_ptr<SignalPackage>& a_package = nullptr)
 {
-    const auto emission = EmissionSettings::createEmission();
+    auto emission = EmissionSettings::createEmission();
     emission->id = a_uiId;
     emission->start = a_iStart;
     emission->duration = 100;
@@ -100,8 +100,7 @@ addEmission(EmissionSettings* a_pSettings, std::uint32_t a_uiId, std::int64_t a_
 /// The chirping emitter of the reference document, its default.
 EmitterPtr chirpEmitter()
 {
-    const auto emitter =
-        std::make_shared<SzenarioEmitter>(QStringLiteral("c"), QStringLiteral("Chirp \"<&>'"));
+    auto emitter = std::make_shared<SzenarioEmitter>(QStringLiteral("c"), QStringLiteral("Chirp \"<&>'"));
     emitter->setDescription(QStringLiteral("two\nlines\r\n & \U0001F4E1"));
     emitter->setClass(QStringLiteral("Radar"));
     emitter->getTranmitterSettings()->setPower(12.5F);
@@ -122,7 +121,7 @@ EmitterPtr chirpEmitter()
 /// The fast hopper of the reference document, which moves.
 EmitterPtr hopperEmitter()
 {
-    const auto emitter = std::make_shared<SzenarioEmitter>(QStringLiteral("f"), QStringLiteral("Hopper"));
+    auto emitter = std::make_shared<SzenarioEmitter>(QStringLiteral("f"), QStringLiteral("Hopper"));
     emitter->setActive(false);
     auto* pHopper = new FrequencySettings_FastHopper;
     pHopper->setMinimumFrequency(30e6);
@@ -152,8 +151,7 @@ EmitterPtr hopperEmitter()
 /// The ELINT emitter of the reference document, a slow hopper that follows another.
 EmitterPtr elintEmitter(const EmitterPtr& a_target)
 {
-    const auto emitter =
-        std::make_shared<ElintScenarioEmitter>(QStringLiteral("a"), QStringLiteral("Pulses"));
+    auto emitter = std::make_shared<ElintScenarioEmitter>(QStringLiteral("a"), QStringLiteral("Pulses"));
     emitter->SetEDWFile(QStringLiteral("dir\\pulses.edw"));
     auto* pHopper = new FrequencySettings_SlowHopper;
     pHopper->setEndBehavior(EndBehaviourType::Stop);
@@ -606,6 +604,7 @@ void TestScenarioDataXml::numbersAreUnique()
     group->emissions.append(EmissionSettings::createEmission()); // not in the schedule
     group->emissions.removeFirst();
     pSettings->addGroup(group);
+    pSettings->addGroup(group); // is still one group
     pSettings->addGroup(EmissionSettings::createGroup());
     const QString sBefore = schedule(*pSettings);
     ScenarioDataXml document(nullptr);

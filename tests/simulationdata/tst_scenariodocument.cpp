@@ -19,6 +19,7 @@
 #include <QTest>
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 using namespace Simulation;
 
@@ -109,7 +110,7 @@ private Q_SLOTS:
     void manyReferences();
     void devices();
     void files();
-    void fullDisk();
+    void neverOverAPipe();
     void neverAHalfFile();
     void loadAndDrop();
     void keptEmitter();
@@ -117,6 +118,8 @@ private Q_SLOTS:
     void keptSchedule();
     void sharedObjects();
     void replacedObjects();
+    void outsideDocuments();
+    void equalNames();
 };
 
 void TestScenarioDocument::initTestCase()
@@ -140,8 +143,6 @@ void TestScenarioDocument::refused_data()
         << QByteArray("<?xml version='1.0'?>\n<!-- a comment -->\n<Scen") << QStringLiteral("line 3,");
     QTest::newRow("unknown encoding") << QByteArray("<?xml version='1.0' encoding='Klingon'?><Scenario/>")
                                       << QStringLiteral("line 1, column 1: cannot decode");
-    QTest::newRow("not the bytes of its encoding")
-        << QByteArray("<Scenario>\n\xFF</Scenario>") << QStringLiteral("line 2, column 1: the bytes");
     QTest::newRow("long document type")
         << "<!DOCTYPE Scenario [" + repeated("<!ENTITY e 'e'>", 10000) + "]><Scenario/>"
         << QStringLiteral("line 1, column 1: bytes of a document type limit");
@@ -202,6 +203,13 @@ void TestScenarioDocument::brokenOff_data()
     row("unknown entity", "\n&nothing;</Scenario>", "line 2,");
     row("character that XML forbids", "\n\x01</Scenario>", "line 2,");
     row("attribute twice", "\n<Emitter ID='x' ID='y'/></Scenario>", "line 2,");
+    row("bytes that are not UTF-8", "\n<x>\xFF</x></Scenario>", "line 2, column 4: the bytes");
+    row("such bytes behind the root", "</Scenario>\n\xFF", "line 2, column 1: the bytes");
+    // What a value was meant to be nobody knows.
+    row("cut class", "\n<Emitter ID='e'><Class>D", "line 2,");
+    row("cut frequency", "\n<Emitter ID='e'><Frequency><Fixed>1", "line 2,");
+    row("cut position", "\n<Emitter ID='e'><Position><Movement><Position><Lat>1", "line 2,");
+    row("cut text of the scenario", "\n<Description>E", "line 2,");
     row("a million unknown elements in each other", "\n" + repeated("<x>", 1'000'000),
         "line 2, column 766: nesting depth limit of 256 exceeded");
     QByteArray attributes = "\n<Unknown";
@@ -217,12 +225,16 @@ void TestScenarioDocument::brokenOff()
     QFETCH(QByteArray, rest);
     QFETCH(QString, error);
     ScenarioDataXml document(nullptr);
-    QVERIFY(document.fromXml("<Scenario Name='N'><Emitter ID='e' LinkTarget='t'><Class>C</Class></Emitter>" +
-                             rest));
+    QVERIFY(document.fromXml(
+        "<Scenario Name='N' Description='D'><Emitter ID='e' LinkTarget='t'><Class>C</Class></Emitter>" +
+        rest));
     QVERIFY2(document.errorString().startsWith(error), qPrintable(document.errorString()));
     QCOMPARE(document.getName(), QStringLiteral("N"));
     QCOMPARE(findEmitter(document, "e")->getClass(), QStringLiteral("C"));
     QVERIFY(findEmitter(document, "e")->isLinked()); // references are made none the less
+    QCOMPARE(findEmitter(document, "e")->getFrequencyAt(0), 25e6);
+    QCOMPARE(findEmitter(document, "e")->getPositionAt(0).latitude, 0.0);
+    QCOMPARE(document.getDescription(), QStringLiteral("D"));
     QVERIFY(document.fromXml(document.toXml()) && document.errorString().isEmpty());
 }
 
@@ -429,19 +441,15 @@ void TestScenarioDocument::files()
     Limits::setValue(Limits::DocumentBytes, 0);
 }
 
-void TestScenarioDocument::fullDisk()
+/// Nothing that others may be using is replaced, nor waited for.
+void TestScenarioDocument::neverOverAPipe()
 {
-    // A link of our own: should the device be replaced, then not the machine's.
     QTemporaryDir folder;
-    const QString sLink = folder.filePath(QStringLiteral("full"));
-    if (!QFile::exists(QStringLiteral("/dev/full"))) {
-        QSKIP("there is no device that is always full");
-    }
-    QVERIFY(QFile::link(QStringLiteral("/dev/full"), sLink));
+    const QString sPipe = folder.filePath(QStringLiteral("pipe"));
+    QCOMPARE(mkfifo(QFile::encodeName(sPipe).constData(), S_IRUSR | S_IWUSR), 0);
     ScenarioDataXml document(nullptr);
-    QVERIFY(!document.toXmlFile(sLink));
-    QVERIFY(!QFileInfo(QStringLiteral("/dev/full")).isFile());
-    QCOMPARE(QFileInfo(sLink).symLinkTarget(), QStringLiteral("/dev/full"));
+    QVERIFY(!document.toXmlFile(sPipe));
+    QVERIFY(QFileInfo::exists(sPipe) && !QFileInfo(sPipe).isFile());
 }
 
 /// A write that fails midway leaves the old file as it was and no other beside.
@@ -584,6 +592,40 @@ void TestScenarioDocument::replacedObjects()
     QCOMPARE(watch.alive(), 3); // its members are its own to hold
     QVERIFY(!document.getDefaultEmitter());
     QVERIFY(document.toXml().contains("<Emitter>b</Emitter>"));
+}
+
+/// Objects that no set of a document holds are taken apart as well.
+void TestScenarioDocument::outsideDocuments()
+{
+    QSet<ObjectPtr> objects = ScenarioDataXml::objectsForXml(QString::fromUtf8(s_circles), nullptr);
+    ScenarioDataXml document(nullptr);
+    document.setScenarioObjects(objects);
+    const Watch watch(document);
+    EmitterPtr a = findEmitter(document, "a");
+    document.setScenarioObjects({});
+    document.setDefaultEmitter(a);
+    a.reset();
+    ScenarioDataXml::releaseObjects(std::move(objects));
+    QCOMPARE(watch.alive(), 2); // the default emitter and what it is linked to
+    document.setDefaultEmitter(nullptr);
+    QCOMPARE(watch.alive(), 0);
+}
+
+/// Objects of one id and one name are written in one order all the same.
+void TestScenarioDocument::equalNames()
+{
+    QByteArray xml = "<Scenario Uid='u'>";
+    for (const char* szColor : {"#000003", "#000001", "#000004", "#000002"}) {
+        xml += QByteArray("<Network><Color>") + szColor + "</Color></Network>";
+    }
+    xml += "</Scenario>";
+    ScenarioDataXml first(nullptr);
+    QVERIFY(first.fromXml(xml));
+    for (int i = 0; i < 5; ++i) {
+        ScenarioDataXml again(nullptr);
+        QVERIFY(again.fromXml(xml));
+        QCOMPARE(again.toXml(), first.toXml());
+    }
 }
 
 QTEST_GUILESS_MAIN(TestScenarioDocument)

@@ -380,6 +380,8 @@ void TestScenarioObjects::followsLinks()
     QCOMPARE(last->getPositionAt(0).latitude, 48.0);
     QCOMPARE(last->headingAt(1), leader->headingAt(1));
     QVERIFY(last->headingAt(1) > 0.0);
+    leader->setPositionSettings(new PositionSettingsFixed(TPos{5.0, 6.0}));
+    QCOMPARE(last->getPositionAt(0).latitude, 6.0);
     middle->setLinkTargetEmitter(nullptr);
     QCOMPARE(last->getPositionAt(0).latitude, 2.0);
     middle->removeLinkedEmitter(last);

@@ -198,6 +198,8 @@ void TestXmlElement::refusedBeyondLimits_data()
                                 << u8("line 1, column 1: attributes of one element limit of 4096 exceeded");
     QTest::newRow("document type") << "<!DOCTYPE A [" + QByteArray(5000, ' ') + "]><A/>"
                                    << u8("line 1, column 1: bytes of a document type limit of 4096 exceeded");
+    QTest::newRow("elements") << "<A>" + QByteArray("<B/>").repeated(262144) + "</A>"
+                              << u8("line 1, column 1048576: elements of a record limit of 262144 exceeded");
     QTest::newRow("size") << "<A>" + QByteArray(600000, 'x') + "</A>"
                           << u8("document bytes limit of 600000 exceeded");
 }
@@ -244,22 +246,24 @@ void TestXmlElement::encodings()
     QCOMPARE(sError, QString());
     QCOMPARE(root.childText(), u8("\xC3\xA4\xF0\x9D\x84\x9E"));
     // A stream reader that gets these bytes must not decode them again.
-    const std::optional<QByteArray> utf8 = toUtf8Xml(text, nullptr);
-    QVERIFY(utf8);
-    QVERIFY(!utf8->contains("encoding"));
-    QCOMPARE(XmlElement::parse(*utf8).childText(), root.childText());
+    const QByteArray utf8 = toUtf8Xml(text, &sError);
+    QCOMPARE(sError, QString());
+    QVERIFY(!utf8.contains("encoding"));
+    QCOMPARE(XmlElement::parse(utf8).childText(), root.childText());
 }
 
 void TestXmlElement::sharesUtf8()
 {
     const QByteArray text("<?xml version='1.0' encoding='utf-8'?><A>\xC3\xA4</A>");
-    const std::optional<QByteArray> utf8 = toUtf8Xml(text, nullptr);
-    QVERIFY(utf8);
-    QCOMPARE(static_cast<const void*>(utf8->constData()), static_cast<const void*>(text.constData()));
+    QString sError;
+    const QByteArray utf8 = toUtf8Xml(text, &sError);
+    QCOMPARE(static_cast<const void*>(utf8.constData()), static_cast<const void*>(text.constData()));
     // Cut inside a character, as where a disk filled up.
-    QCOMPARE(toUtf8Xml("<A>\xC3", nullptr), QByteArray("<A>\xC3"));
-    QCOMPARE(toUtf8Xml("<A>\xF0\x9D\x84", nullptr), QByteArray("<A>\xF0\x9D\x84"));
-    QCOMPARE(toUtf8Xml("<A>\xF0\x9D\x84<", nullptr), std::nullopt);
+    QCOMPARE(toUtf8Xml("<A>\xC3", &sError), QByteArray("<A>\xC3"));
+    QCOMPARE(toUtf8Xml("<A>\xF0\x9D\x84", &sError), QByteArray("<A>\xF0\x9D\x84"));
+    QCOMPARE(sError, QString());
+    QCOMPARE(toUtf8Xml("<A>\xF0\x9D\x84<", &sError), QByteArray("<A>"));
+    QCOMPARE(sError, u8("line 1, column 4: the bytes are not valid UTF-8"));
 }
 
 void TestXmlElement::access()
