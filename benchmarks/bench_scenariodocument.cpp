@@ -53,8 +53,8 @@ std::unique_ptr<PositionSettingsPtp> movementFor(double a_dLongitude)
 
 std::shared_ptr<SzenarioEmitter> emitterFor(int a_iIndex, ISignalPackageProvider& a_provider)
 {
-    const auto emitter = std::make_shared<SzenarioEmitter>(QStringLiteral("emitter-%1").arg(a_iIndex),
-                                                           QStringLiteral("Emitter %1").arg(a_iIndex));
+    auto emitter = std::make_shared<SzenarioEmitter>(QStringLiteral("emitter-%1").arg(a_iIndex),
+                                                     QStringLiteral("Emitter %1").arg(a_iIndex));
     emitter->setDescription(QStringLiteral("An emitter as applications make them"));
     emitter->setClass(QStringLiteral("Vehicle"));
     emitter->setFrequencySettings(frequencyFor(a_iIndex));
@@ -67,7 +67,7 @@ std::shared_ptr<SzenarioEmitter> emitterFor(int a_iIndex, ISignalPackageProvider
     for (int i = 0; i < 2; ++i) {
         const auto emission = EmissionSettings::createEmission();
         emission->id = static_cast<std::uint32_t>(i + 1);
-        emission->start = 1000 * i;
+        emission->start = 1000LL * i;
         emission->duration = 500;
         emission->emitter = emitter;
         emission->signalPackage = a_provider.signalPackage(QStringLiteral("package"));
