@@ -45,6 +45,10 @@ bool saveDocument(const QString& a_sFile, const QByteArray& a_data)
     if (const QFileInfo target(a_sFile); target.exists() && !target.isFile()) {
         return failToSave(a_sFile, QStringLiteral("is no regular file"));
     }
+    // What no reader would accept must not take the place of what one did.
+    if (QString sReason; !checkDocumentBytes(a_data.size(), &sReason)) {
+        return failToSave(a_sFile, sReason);
+    }
     QSaveFile file(a_sFile);
     // A full device is seen only when the buffers are flushed.
     const bool bWritten =

@@ -14,7 +14,8 @@ namespace Simulation {
 
 /// Replaces the file by the bytes, whole or not at all: what was there stays
 /// when the disk is full or the process dies. The new file is made beside the
-/// old one, so the folder must be writable; devices and folders are refused.
+/// old one, so the folder must be writable; devices and folders are refused,
+/// and so is what is too large to be read back.
 /// False after one trace.
 [[nodiscard]] SIMULATIONDATA_EXPORT bool saveDocument(const QString& a_sFile, const QByteArray& a_data);
 

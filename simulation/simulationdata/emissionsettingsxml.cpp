@@ -73,6 +73,9 @@ void writeEmission(QXmlStreamWriter& a_writer, const EmissionSettings::Emission&
 void readEmissionSettings(QXmlStreamReader& a_reader, EmissionSettings& a_settings,
                           ScenarioReferences& a_references)
 {
+    if (!a_references.isFirstSchedule(a_settings)) {
+        a_settings.clearAll();
+    }
     const QXmlStreamAttributes attributes = a_reader.attributes();
     a_settings.setBroadcast(CommonDataXml::toBool(attributes.value(s_sBroadcast)));
     a_settings.setDuration(readInt64(attributes.value(s_sDuration)));
@@ -113,7 +116,8 @@ void writeEmissionSettings(QXmlStreamWriter& a_writer, const EmissionSettings& a
 
 namespace {
 
-/// Emissions one after another, each after a pause; the period is the sum.
+/// Emissions one after another, each after a pause; the period is the sum. Like
+/// the continuous form they are the whole schedule.
 QList<EmissionPtr> readManual(QXmlStreamReader& a_reader, EmissionSettings& a_settings,
                               const std::shared_ptr<SzenarioEmitter>& a_emitter,
                               const std::shared_ptr<SignalPackage>& a_package)
@@ -141,6 +145,7 @@ QList<EmissionPtr> readManual(QXmlStreamReader& a_reader, EmissionSettings& a_se
         a_reader.skipCurrentElement();
         return true;
     });
+    a_settings.clearAll();
     a_settings.addEmissions(emissions);
     a_settings.setDuration(iTime);
     groups.addTo(a_settings);
@@ -159,7 +164,7 @@ QList<EmissionPtr> readOlderTiming(QXmlStreamReader& a_reader, EmissionSettings&
             emissions = a_settings.emissions();
             a_reader.skipCurrentElement();
         } else if (a_sName == s_sManual) {
-            emissions.append(readManual(a_reader, a_settings, a_emitter, a_package));
+            emissions = readManual(a_reader, a_settings, a_emitter, a_package);
         } else {
             return false;
         }

@@ -14,9 +14,9 @@ class ScenarioReferences;
 class SignalPackage;
 class SzenarioEmitter;
 
-/// Read the element on which the reader stands, up to its end, and add to the
-/// settings. Emitters that emissions name are set when the references are
-/// resolved.
+/// Reads the element on which the reader stands, up to its end. The first such
+/// element of an object adds to its settings, a later one replaces them.
+/// Emitters that emissions name are set when the references are resolved.
 void readEmissionSettings(QXmlStreamReader& a_reader, EmissionSettings& a_settings,
                           ScenarioReferences& a_references);
 

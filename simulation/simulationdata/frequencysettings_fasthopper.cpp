@@ -6,6 +6,7 @@
 #include "timeslotoffset_p.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -20,6 +21,20 @@ constexpr const char* s_szSource = "simulation/simulationdata/frequencysettings_
 
 constexpr float s_fMillisecondsPerSecond = 1000.0F;
 constexpr std::uint64_t s_uiShuffleRounds = 8;
+
+/// The channels in all lists that there are.
+std::atomic<std::uint64_t> s_uiAllChannels{0};
+
+/// A list that counts among them as long as it lives.
+std::shared_ptr<std::vector<double>> countedList(std::size_t a_uiChannels)
+{
+    auto list = std::make_unique<std::vector<double>>(a_uiChannels);
+    s_uiAllChannels += a_uiChannels;
+    return {list.release(), [a_uiChannels](std::vector<double>* a_pList) {
+                s_uiAllChannels -= a_uiChannels;
+                const std::unique_ptr<std::vector<double>> owner(a_pList);
+            }};
+}
 
 } // namespace
 
@@ -92,7 +107,7 @@ double FrequencySettings_FastHopper::getFrequencyAt(unsigned int a_uiTime) const
     }
     setupFrequencyList();
     if (m_uiHoppRate == 0) {
-        return m_frequencyList.front();
+        return m_pFrequencyList->front();
     }
     // Single precision, and times before the shift wrap round: replays of a
     // stored scenario depend on both.
@@ -100,7 +115,7 @@ double FrequencySettings_FastHopper::getFrequencyAt(unsigned int a_uiTime) const
     const float fShift = fHop * m_fTimeslotOffset;
     const std::uint32_t uiShifted = toUInt32(static_cast<float>(a_uiTime) - fShift);
     const std::uint32_t uiHop = toUInt32(static_cast<float>(uiShifted) / fHop);
-    return m_frequencyList[uiHop % m_uiHoppCount];
+    return (*m_pFrequencyList)[uiHop % m_uiHoppCount];
 }
 
 bool FrequencySettings_FastHopper::isTimeDependend() const
@@ -176,44 +191,64 @@ IFrequencySettings* FrequencySettings_FastHopper::clone() const
     return pClone.release();
 }
 
-/// Whether there is a channel list to build: a document may ask for gigabytes.
+/// Whether there is a channel list, or one may be built: a document may ask for
+/// gigabytes, in one hopper or in thousands of them.
 bool FrequencySettings_FastHopper::hasChannels() const
 {
-    if (m_uiHoppCount <= Limits::value(Limits::HopChannels)) {
+    if (isListBuilt() || m_uiHoppCount == 0) {
         return m_uiHoppCount != 0;
     }
+    if (m_uiHoppCount > Limits::value(Limits::HopChannels)) {
+        traceOnce(Limits::HopChannels);
+        return false;
+    }
+    if (s_uiAllChannels.load() + m_uiHoppCount > Limits::value(Limits::AllHopChannels)) {
+        traceOnce(Limits::AllHopChannels);
+        return false;
+    }
+    return true;
+}
+
+void FrequencySettings_FastHopper::traceOnce(Limits::Limit a_eLimit) const
+{
     if (!m_bLimitTraced) {
-        traceError(s_szSource, [this] {
+        traceError(s_szSource, [this, a_eLimit] {
             m_bLimitTraced = true;
             return QStringLiteral("Hop count %1 gives no channels: %2")
-                .arg(QString::number(m_uiHoppCount), Limits::exceeded(Limits::HopChannels));
+                .arg(QString::number(m_uiHoppCount), Limits::exceeded(a_eLimit));
         });
     }
-    return false;
+}
+
+bool FrequencySettings_FastHopper::isListBuilt() const
+{
+    return m_pFrequencyList && m_pFrequencyList->size() == m_uiHoppCount;
 }
 
 /// Builds the list unless it fits the hop count already.
 void FrequencySettings_FastHopper::setupFrequencyList() const
 {
-    const std::size_t uiCount = m_uiHoppCount;
-    if (m_frequencyList.size() == uiCount) {
+    if (isListBuilt()) {
         return;
     }
-    m_frequencyList.resize(uiCount);
+    const std::size_t uiCount = m_uiHoppCount;
+    const std::shared_ptr<std::vector<double>> pList = countedList(uiCount);
+    std::vector<double>& list = *pList;
     const double dStep = (m_dMaximumFrequency - m_dMinimumFrequency) / m_uiHoppCount;
     for (std::size_t uiChannel = 0; uiChannel < uiCount; ++uiChannel) {
-        m_frequencyList[uiChannel] = static_cast<double>(uiChannel) * dStep + m_dMinimumFrequency;
+        list[uiChannel] = static_cast<double>(uiChannel) * dStep + m_dMinimumFrequency;
     }
     Crt::srand(m_uiHoppSet);
     for (std::uint64_t uiSwap = 0; uiSwap < s_uiShuffleRounds * uiCount; ++uiSwap) {
         const auto uiRandom = static_cast<std::uint64_t>(Crt::rand());
-        std::swap(m_frequencyList[uiSwap % uiCount], m_frequencyList[(uiRandom + uiSwap) % uiCount]);
+        std::swap(list[uiSwap % uiCount], list[(uiRandom + uiSwap) % uiCount]);
     }
+    m_pFrequencyList = pList;
 }
 
 void FrequencySettings_FastHopper::clearFrequencyList()
 {
-    m_frequencyList.clear();
+    m_pFrequencyList.reset();
     m_bLimitTraced = false;
 }
 

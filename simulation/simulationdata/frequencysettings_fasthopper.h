@@ -2,7 +2,9 @@
 #define SIMULATIONDATA_FREQUENCYSETTINGS_FASTHOPPER_H
 
 #include "simulationdata/ifrequencysettings.h"
+#include "simulationdata/limits.h"
 
+#include <memory>
 #include <vector>
 
 namespace Simulation {
@@ -68,17 +70,20 @@ public:
 
 private:
     [[nodiscard]] bool hasChannels() const;
+    [[nodiscard]] bool isListBuilt() const;
     void setupFrequencyList() const;
+    void traceOnce(Limits::Limit a_eLimit) const;
     void clearFrequencyList();
 
-    double m_dMinimumFrequency = 24'000'000.0;   ///< Hz
-    double m_dMaximumFrequency = 26'000'000.0;   ///< Hz
-    unsigned int m_uiHoppCount = 1000;           ///< channels
-    unsigned int m_uiHoppRate = 100;             ///< hops per second
-    unsigned int m_uiHoppSet = 0;                ///< seed
-    float m_fTimeslotOffset;                     ///< fraction of a hop
-    mutable std::vector<double> m_frequencyList; ///< Hz, in hop order; empty = not built
-    mutable bool m_bLimitTraced = false;         ///< one trace for one hop count, not one for each query
+    double m_dMinimumFrequency = 24'000'000.0; ///< Hz
+    double m_dMaximumFrequency = 26'000'000.0; ///< Hz
+    unsigned int m_uiHoppCount = 1000;         ///< channels
+    unsigned int m_uiHoppRate = 100;           ///< hops per second
+    unsigned int m_uiHoppSet = 0;              ///< seed
+    float m_fTimeslotOffset;                   ///< fraction of a hop
+    /// Hz, in hop order; null = not built. Copies share it.
+    mutable std::shared_ptr<const std::vector<double>> m_pFrequencyList;
+    mutable bool m_bLimitTraced = false; ///< one trace for one hop count, not one for each query
 };
 
 } // namespace Simulation

@@ -17,7 +17,8 @@ class SymbolDataFile;
 
 /// How scenario documents reach signal packages and their data files. A
 /// document does not own its provider, which must outlive it and is called on
-/// the document's thread.
+/// the document's thread. While a document is being read its provider must not
+/// change that document.
 ///
 /// The order of the operations is part of the interface: keep it.
 class SIMULATIONDATA_EXPORT ISignalPackageProvider

@@ -19,15 +19,18 @@ class SIMULATIONDATA_EXPORT Limits
 {
 public:
     enum Limit : int {
-        DocumentBytes,     ///< bytes of one document
-        NestingDepth,      ///< elements inside each other
-        ElementAttributes, ///< attributes of one element
-        DoctypeBytes,      ///< bytes of a document type declaration
-        RecordElements,    ///< elements of a record that is held as a tree (XmlElement)
-        AnswerActivities,  ///< activities in one answer
-        HopChannels,       ///< channels of a fast hopper
-        ArcPoints,         ///< points of one arc inserted into a movement
-        LimitCount         ///< number of limits, not a limit
+        DocumentBytes,      ///< bytes of one document
+        NestingDepth,       ///< elements inside each other
+        ElementAttributes,  ///< attributes of one element
+        DoctypeBytes,       ///< bytes of a document type declaration
+        EntityDeclarations, ///< entities that a document defines
+        ScenarioObjects,    ///< objects of one scenario document
+        RecordElements,     ///< elements of a record that is held as a tree (XmlElement)
+        AnswerActivities,   ///< activities in one answer
+        HopChannels,        ///< channels of a fast hopper
+        AllHopChannels,     ///< channels of all fast hoppers together
+        ArcPoints,          ///< points of one arc inserted into a movement
+        LimitCount          ///< number of limits, not a limit
     };
 
     Limits() = delete;

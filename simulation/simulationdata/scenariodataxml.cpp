@@ -80,6 +80,12 @@ std::vector<const Object*> inOrder(const ObjectSet& a_objects, const TextOf& a_t
     return objects;
 }
 
+bool failToWrite(const QString& a_sReason)
+{
+    traceError(s_szSource, [&] { return QStringLiteral("Cannot write a scenario: %1").arg(a_sReason); });
+    return false;
+}
+
 /// What a writing function puts out, as bytes.
 template<typename Write>
 QByteArray written(const Write& a_write)
@@ -212,9 +218,13 @@ bool ScenarioDataXml::readChild(QXmlStreamReader& a_reader, QStringView a_sName,
     return true;
 }
 
-void ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& a_objects,
-                                   const QList<std::shared_ptr<SzenarioEmitter>>& a_defaults)
+/// False as soon as the text, whose size is asked after every object, is longer
+/// than a reader accepts.
+bool ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& a_objects,
+                                   const QList<std::shared_ptr<SzenarioEmitter>>& a_defaults,
+                                   const std::function<qsizetype()>& a_size)
 {
+    QString sReason;
     QSet<const SzenarioEmitter*> defaults;
     for (const std::shared_ptr<SzenarioEmitter>& emitter : a_defaults) {
         defaults.insert(emitter.get());
@@ -227,13 +237,20 @@ void ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& 
     });
     for (const SzenarioEmitter* pEmitter : emitters) {
         writeEmitter(a_writer, *pEmitter);
+        if (!checkDocumentBytes(a_size(), &sReason)) {
+            return failToWrite(sReason);
+        }
     }
     const auto networks = inOrder<ScenarioNetwork>(a_objects, [](const ScenarioNetwork& a_network) {
         return written([&](QXmlStreamWriter& a_target) { writeScenarioNetwork(a_target, a_network); });
     });
     for (const ScenarioNetwork* pNetwork : networks) {
         writeScenarioNetwork(a_writer, *pNetwork);
+        if (!checkDocumentBytes(a_size(), &sReason)) {
+            return failToWrite(sReason);
+        }
     }
+    return true;
 }
 
 QByteArray ScenarioDataXml::toXml()
@@ -247,7 +264,9 @@ QByteArray ScenarioDataXml::toXml()
     writer.writeStartDocument();
     writer.writeStartElement(s_sScenario);
     writeHeader(writer);
-    writeObjects(writer, m_objects, m_defaultEmitters);
+    if (!writeObjects(writer, m_objects, m_defaultEmitters, [&] { return xml.size(); })) {
+        return {};
+    }
     writer.writeEndElement();
     writer.writeEndDocument();
     return xml;
@@ -256,18 +275,17 @@ QByteArray ScenarioDataXml::toXml()
 void ScenarioDataXml::toXml(QIODevice* a_pDevice)
 {
     const QByteArray xml = toXml();
-    if (a_pDevice == nullptr || a_pDevice->write(xml) != xml.size()) {
-        traceError(s_szSource, [&] {
-            return QStringLiteral("Cannot write a scenario of %1 bytes: %2")
-                .arg(QString::number(xml.size()),
-                     a_pDevice != nullptr ? a_pDevice->errorString() : QStringLiteral("there is no device"));
-        });
+    if (a_pDevice == nullptr) {
+        failToWrite(QStringLiteral("there is no device"));
+    } else if (a_pDevice->write(xml) != xml.size()) {
+        failToWrite(a_pDevice->errorString());
     }
 }
 
 bool ScenarioDataXml::toXmlFile(const QString& a_sFile)
 {
-    return saveDocument(a_sFile, toXml());
+    const QByteArray xml = toXml();
+    return !xml.isEmpty() && saveDocument(a_sFile, xml);
 }
 
 void ScenarioDataXml::setScenarioObjects(const ObjectSet& a_objects)
@@ -315,7 +333,9 @@ QString ScenarioDataXml::xmlForObjects(const ObjectSet& a_objects, ISignalPackag
     writer.setAutoFormatting(true);
     writer.writeStartDocument();
     writer.writeStartElement(s_sScenarioObjects);
-    writeObjects(writer, objects, {});
+    if (!writeObjects(writer, objects, {}, [&] { return sXml.size(); })) {
+        return {};
+    }
     writer.writeEndElement();
     writer.writeEndDocument();
     return sXml;

@@ -12,6 +12,7 @@
 #include <QStringView>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 
 class QIODevice;
@@ -62,6 +63,9 @@ public:
     /// Writes the document. An empty persistent id is built and kept first, of
     /// the name, the time and the machine. Objects come in the order of their
     /// ids, emitters before networks, so equal scenarios give equal bytes.
+    /// Empty, after one trace, when that would be more than a reader accepts
+    /// (Limits::DocumentBytes): every emitter carries the whole path that it
+    /// follows.
     [[nodiscard]] QByteArray toXml();
     /// The device must be open for writing; a failure is traced.
     void toXml(QIODevice* a_pDevice);
@@ -104,7 +108,8 @@ public:
     /// Objects as text, root "ScenarioObjects", for copying between scenarios,
     /// and back (from any root). Objects that are only referred to come back as
     /// plain emitters of that id; default marks are not written. Writing needs
-    /// no provider. The objects read belong to the caller, who puts them into a
+    /// no provider; a text beyond Limits::DocumentBytes is left empty, after one
+    /// trace. The objects read belong to the caller, who puts them into a
     /// document or gives them to releaseObjects().
     [[nodiscard]] static QString xmlForObjects(const QSet<std::shared_ptr<ScenarioObject>>& a_objects,
                                                ISignalPackageProvider* a_pProvider);
@@ -132,9 +137,10 @@ private:
     void readChildren(QXmlStreamReader& a_reader);
     bool readChild(QXmlStreamReader& a_reader, QStringView a_sName, ScenarioReferences& a_references);
     void writeHeader(QXmlStreamWriter& a_writer) const;
-    static void writeObjects(QXmlStreamWriter& a_writer,
+    static bool writeObjects(QXmlStreamWriter& a_writer,
                              const QSet<std::shared_ptr<ScenarioObject>>& a_objects,
-                             const QList<std::shared_ptr<SzenarioEmitter>>& a_defaults);
+                             const QList<std::shared_ptr<SzenarioEmitter>>& a_defaults,
+                             const std::function<qsizetype()>& a_size);
 
     // Its objects (scenariodataxml_objects.cpp)
     void readScenarioEmitter(QXmlStreamReader& a_reader, EmitterType a_eType,

@@ -7,6 +7,7 @@
 #include "simulationdata/elintscenarioemitter.h"
 #include "simulationdata/ifrequencysettings.h"
 #include "simulationdata/ipositionsettings.h"
+#include "simulationdata/limits.h"
 #include "simulationdata/scenarionetwork.h"
 #include "simulationdata/transmittersettings.h"
 #include "valuesettingsxml_p.h"
@@ -144,6 +145,10 @@ void ScenarioDataXml::readScenarioEmitter(QXmlStreamReader& a_reader, EmitterTyp
         return;
     }
     const auto emitter = a_references.emitterForId(attributes.value(s_sId).toString(), a_eType);
+    if (!emitter) {
+        a_reader.raiseError(Limits::exceeded(Limits::ScenarioObjects));
+        return;
+    }
     emitter->setActive(CommonDataXml::toBool(attributes.value(s_sActive)));
     if (attributes.hasAttribute(s_sName)) {
         emitter->setName(attributes.value(s_sName).toString());
@@ -194,6 +199,10 @@ void ScenarioDataXml::writeScenarioEmitter(QXmlStreamWriter& a_writer, const Sze
 void ScenarioDataXml::readScenarioNetwork(QXmlStreamReader& a_reader, ScenarioReferences& a_references)
 {
     const QXmlStreamAttributes attributes = a_reader.attributes();
+    if (a_references.isFull()) {
+        a_reader.raiseError(Limits::exceeded(Limits::ScenarioObjects));
+        return;
+    }
     const auto network = std::make_shared<ScenarioNetwork>(attributes.value(s_sId).toString());
     m_objects.insert(network);
     network->setActive(CommonDataXml::toBool(attributes.value(s_sActive)));

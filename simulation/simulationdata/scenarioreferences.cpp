@@ -2,9 +2,12 @@
 
 #include "simulationdata/elintscenarioemitter.h"
 #include "simulationdata/isignalpackageprovider.h"
+#include "simulationdata/limits.h"
 #include "simulationdata/scenarionetwork.h"
 
 #include <QList>
+
+#include <algorithm>
 
 namespace Simulation {
 
@@ -16,16 +19,33 @@ ScenarioReferences::ScenarioReferences(QSet<std::shared_ptr<ScenarioObject>>& a_
 
 std::shared_ptr<SzenarioEmitter> ScenarioReferences::emitterForId(const QString& a_sId, EmitterType a_eType)
 {
-    std::shared_ptr<SzenarioEmitter>& emitter = m_emitters[a_sId];
-    if (!emitter) {
+    const auto found = m_emitters.constFind(a_sId);
+    if (found != m_emitters.constEnd()) {
+        return *found;
+    }
+    std::shared_ptr<SzenarioEmitter> emitter;
+    if (!isFull()) {
         if (a_eType == EmitterType::ElintEmitter) {
             emitter = std::make_shared<ElintScenarioEmitter>(a_sId, QString());
         } else {
             emitter = std::make_shared<SzenarioEmitter>(a_sId, QString());
         }
+        m_emitters.insert(a_sId, emitter);
         m_objects.insert(emitter);
     }
     return emitter;
+}
+
+bool ScenarioReferences::isFull() const
+{
+    return static_cast<std::uint64_t>(m_objects.size()) >= Limits::value(Limits::ScenarioObjects);
+}
+
+bool ScenarioReferences::isFirstSchedule(const EmissionSettings& a_settings)
+{
+    const bool bFirst = !m_schedules.contains(&a_settings);
+    m_schedules.insert(&a_settings);
+    return bFirst;
 }
 
 std::shared_ptr<SignalPackage> ScenarioReferences::packageForId(const QString& a_sId) const
@@ -77,6 +97,9 @@ void ScenarioReferences::resolve()
 {
     for (const Link& link : m_links) {
         const auto target = emitterForId(link.targetId, EmitterType::Emitter);
+        if (!target) {
+            continue;
+        }
         // An id that is used twice may name two targets: the last one counts.
         if (const auto former = link.emitter->linkTargetEmitter()) {
             former->removeLinkedEmitter(link.emitter);
@@ -84,6 +107,10 @@ void ScenarioReferences::resolve()
         link.emitter->setLinkTargetEmitter(target);
         target->addLinkedEmitter(link.emitter);
     }
+    std::stable_sort(m_memberships.begin(), m_memberships.end(),
+                     [](const Membership& a_first, const Membership& a_second) {
+                         return a_first.network->id() < a_second.network->id();
+                     });
     for (const Membership& membership : m_memberships) {
         resolveMembers(membership);
     }
@@ -103,6 +130,9 @@ void ScenarioReferences::resolveMembers(const Membership& a_membership)
     QSet<QString> heads;
     const auto join = [&](const Member& a_member) {
         const auto emitter = emitterForId(a_member.emitterId, EmitterType::Emitter);
+        if (!emitter) {
+            return;
+        }
         a_membership.network->addEmitter(emitter);
         emitter->setScenarioNetwork(a_membership.network);
     };

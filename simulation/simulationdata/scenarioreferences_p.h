@@ -36,7 +36,8 @@ public:
     /// New objects are entered in `a_objects`. The provider may be null.
     ScenarioReferences(QSet<std::shared_ptr<ScenarioObject>>& a_objects, ISignalPackageProvider* a_pProvider);
 
-    /// The emitter of an id, created as the kind when there is none yet.
+    /// The emitter of an id, created as the kind when there is none yet; null
+    /// when the scenario is full.
     std::shared_ptr<SzenarioEmitter> emitterForId(const QString& a_sId, EmitterType a_eType);
 
     /// Whether packages can be resolved at all.
@@ -51,7 +52,16 @@ public:
                    bool a_bHead);
     void setHeadEmitter(const Emission& a_emission, const std::shared_ptr<ScenarioNetwork>& a_network);
 
-    /// Makes all references that wait.
+    /// Whether the scenario holds as many objects as it may
+    /// (Limits::ScenarioObjects).
+    [[nodiscard]] bool isFull() const;
+
+    /// Whether the element is the first of this object to describe a schedule:
+    /// a later one replaces what the former said.
+    bool isFirstSchedule(const EmissionSettings& a_settings);
+
+    /// Makes all references that wait. An emitter that several networks name
+    /// belongs to the one whose id is the greatest, which is written last.
     void resolve();
 
 private:
@@ -86,6 +96,7 @@ private:
     QSet<std::shared_ptr<ScenarioObject>>& m_objects;
     ISignalPackageProvider* m_pProvider;
     QHash<QString, std::shared_ptr<SzenarioEmitter>> m_emitters;
+    QSet<const EmissionSettings*> m_schedules;
     std::vector<Link> m_links;
     std::vector<EmissionEmitter> m_emissionEmitters;
     std::vector<EmissionHead> m_emissionHeads;

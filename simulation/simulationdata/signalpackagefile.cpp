@@ -143,7 +143,15 @@ SignalPackage SignalPackageFile::signalPackage(const QString& a_sFile)
 
 bool SignalPackageFile::signalPackageFile(const SignalPackage& a_package, const QString& a_sFile)
 {
-    return saveDocument(a_sFile, writeSignalPackageDescriptor(a_package));
+    const QByteArray descriptor = writeSignalPackageDescriptor(a_package);
+    QString sReason;
+    // What cannot be read back must not take the place of what could.
+    if (XmlElement::parse(descriptor, &sReason).isNull()) {
+        traceError(s_szSource,
+                   [&] { return QStringLiteral("Cannot save \"%1\": %2").arg(a_sFile, sReason); });
+        return false;
+    }
+    return saveDocument(a_sFile, descriptor);
 }
 
 } // namespace Simulation

@@ -51,8 +51,8 @@ QString XmlDocumentReader::errorString() const
         // What was cut off may have stood behind the root element.
         return m_stream.atEnd() ? m_sRefusal : QString();
     }
-    if (!m_sRefusal.isEmpty() && (m_stream.error() == QXmlStreamReader::PrematureEndOfDocumentError ||
-                                  m_stream.error() == QXmlStreamReader::CustomError)) {
+    const bool bCutShort = m_stream.error() == QXmlStreamReader::PrematureEndOfDocumentError;
+    if (!m_sRefusal.isEmpty() && (bCutShort || m_stream.errorString() == m_sRefusal)) {
         return m_sRefusal;
     }
     return xmlErrorText({m_stream.lineNumber(), m_stream.columnNumber()}, m_stream.errorString());

@@ -163,13 +163,16 @@ void XmlElement::setChildText(const QString& a_sName, const QString& a_sValue)
 
 QString XmlElement::attribute(const QString& a_sName) const
 {
-    const pugi::xml_attribute attribute = pugi::xml_node(m_pNode).attribute(a_sName.toUtf8().constData());
+    // A NUL inside would end the name where it is compared.
+    const QByteArray name = a_sName.toUtf8();
+    const pugi::xml_attribute attribute =
+        isXmlName(name) ? pugi::xml_node(m_pNode).attribute(name.constData()) : pugi::xml_attribute();
     return attribute ? QString::fromUtf8(attribute.value()) : QString();
 }
 
 bool XmlElement::hasAttribute(const QString& a_sName) const
 {
-    return !pugi::xml_node(m_pNode).attribute(a_sName.toUtf8().constData()).empty();
+    return !attribute(a_sName).isNull();
 }
 
 void XmlElement::setAttribute(const QString& a_sName, const QString& a_sValue)

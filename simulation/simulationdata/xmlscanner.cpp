@@ -77,6 +77,8 @@ bool XmlDeclarationEnd::consumeMarkup(char a_cByte)
     } else if ((m_uiRecent & s_uiTwoBytes) == packed("<?")) {
         m_eInside = Inside::Instruction;
         m_uiRecent = 0;
+    } else if (m_uiRecent == packed("<!EN")) { // no other declaration begins so
+        ++m_uiEntities;
     } else if (a_cByte == '[') {
         ++m_uiBrackets;
     } else if (a_cByte == ']' && m_uiBrackets > 0) {
@@ -93,6 +95,7 @@ void XmlScanner::feed(QByteArrayView a_bytes)
     m_uiMaxDepth = Limits::value(Limits::NestingDepth);
     m_uiMaxAttributes = Limits::value(Limits::ElementAttributes);
     m_uiMaxDoctype = Limits::value(Limits::DoctypeBytes);
+    m_uiMaxEntities = Limits::value(Limits::EntityDeclarations);
     m_chunk = a_bytes;
     const char* const pEnd = a_bytes.data() + a_bytes.size();
     for (const char* p = a_bytes.data(); p != pEnd && !m_bOffence;) {
@@ -255,7 +258,12 @@ const char* XmlScanner::scanDeclaration(const char* a_pFrom, const char* a_pEnd)
             offend(Limits::DoctypeBytes);
             return a_pEnd;
         }
-        if (m_declarationEnd.consume(*p)) {
+        const bool bEnd = m_declarationEnd.consume(*p);
+        if (m_declarationEnd.entities() > m_uiMaxEntities) {
+            offend(Limits::EntityDeclarations);
+            return a_pEnd;
+        }
+        if (bEnd) {
             m_uiDoctypeBytes += static_cast<std::uint64_t>(iBytes);
             m_eState = State::Text;
             return p + 1;

@@ -26,6 +26,9 @@ public:
     /// True when the byte is the closing '>'.
     bool consume(char a_cByte);
 
+    /// How many entities the declaration has defined so far.
+    [[nodiscard]] std::uint64_t entities() const { return m_uiEntities; }
+
 private:
     enum class Inside : std::uint8_t { Markup, Quote, Comment, Instruction };
 
@@ -35,10 +38,12 @@ private:
     char m_cQuote = 0;
     std::uint32_t m_uiRecent = 0; ///< the last four bytes, the latest lowest
     std::uint64_t m_uiBrackets = 0;
+    std::uint64_t m_uiEntities = 0;
 };
 
 /// Finds where an XML text goes beyond a limit (nesting depth, attributes of
-/// one element, bytes of a document type) before a parser sees that tag. The
+/// one element, bytes and entities of a document type) before a parser sees that
+/// tag. The
 /// bytes of several document types are added up: a lenient parser takes them
 /// inside elements, too, and keeps the rules of all.
 ///
@@ -112,6 +117,7 @@ private:
     std::uint64_t m_uiMaxDepth = 0;
     std::uint64_t m_uiMaxAttributes = 0;
     std::uint64_t m_uiMaxDoctype = 0;
+    std::uint64_t m_uiMaxEntities = 0;
     qint64 m_iOpen = 0;          ///< offset of the '<' of the latest construct
     qint64 m_iChunk = 0;         ///< offset of the chunk
     QByteArrayView m_chunk;      ///< the chunk being scanned

@@ -52,12 +52,12 @@ QString cleanXmlText(const QString& a_sText)
 
 QString coordinateText(double a_dDegrees)
 {
-    return QString::number(a_dDegrees, 'g', s_iCoordinateDigits);
+    return QString::number(finiteOrZero(a_dDegrees), 'g', s_iCoordinateDigits);
 }
 
 QString numberText(double a_dValue)
 {
-    return QString::number(a_dValue, 'g', s_iNumberDigits);
+    return QString::number(finiteOrZero(a_dValue), 'g', s_iNumberDigits);
 }
 
 const QString& boolText(bool a_bValue)

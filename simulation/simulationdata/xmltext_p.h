@@ -18,9 +18,10 @@ namespace Simulation {
 [[nodiscard]] SIMULATIONDATA_EXPORT QString cleanXmlText(const QString& a_sText);
 
 /// A coordinate as text: 14 significant digits, general format, "." as point.
+/// What is not finite is written as it would be read: 0.
 [[nodiscard]] SIMULATIONDATA_EXPORT QString coordinateText(double a_dDegrees);
 
-/// Any other real number as text: 6 significant digits, general format.
+/// Any other real number as text in the same way: 6 significant digits.
 [[nodiscard]] SIMULATIONDATA_EXPORT QString numberText(double a_dValue);
 
 /// A truth value as text.

@@ -12,6 +12,8 @@
 #include "simulationdata/szenarioemitter.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 
 namespace SimulationTool {
@@ -198,6 +200,13 @@ ExitCode runPlay(const PlayOptions& a_options, Output& a_output)
 {
     Simulation::UnresolvedSignalPackageProvider provider;
     Simulation::ScenarioDataXml scenario(&provider);
+    const QString sTarget = QFileInfo(a_options.csvFile).canonicalFilePath();
+    if (!a_options.csvFile.isEmpty() && !sTarget.isEmpty() &&
+        sTarget == QFileInfo(a_options.scenario).canonicalFilePath()) {
+        complain(
+            QStringLiteral("play: %1 is the scenario itself: give another --csv").arg(a_options.csvFile));
+        return ExitCode::Unusable;
+    }
     const ExitCode eLoaded = loadScenario(scenario, a_options.scenario);
     if (eLoaded == ExitCode::Unusable) {
         return eLoaded;

@@ -160,6 +160,7 @@ private Q_SLOTS:
     void channelOrder_data();
     void channelOrder();
     void tooManyChannels();
+    void tooManyChannelsTogether();
     void slowHopperEditing();
     void slowHopperKeepsLengthOverInsertAndRemove();
     void slowHopperBeyond32Bits();
@@ -498,6 +499,24 @@ void TestFrequencySettings::tooManyChannels()
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); // said once, not with each query
     QCOMPARE(text(hopper.calculateHRActivities(3, 40, 1.0)), QStringLiteral("3+40@0"));
     QCOMPARE(hopper.getHoppCount(), s_uiMax);
+}
+
+/// Thousands of hoppers together may not take what one may not.
+void TestFrequencySettings::tooManyChannelsTogether()
+{
+    Limits::setValue(Limits::AllHopChannels, 20);
+    auto pFirst = std::make_unique<FastHopper>(numberedHopper(8, 1000));
+    const FastHopper second = numberedHopper(8, 1000);
+    const FastHopper third = numberedHopper(8, 1000);
+    QVERIFY(pFirst->getFrequencyAt(1) > 0.0 && second.getFrequencyAt(1) > 0.0);
+    const FastHopper copy = second; // shares the list
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression(QStringLiteral("all hoppers limit of 20 exceeded")));
+    QCOMPARE(third.getFrequencyAt(1), 0.0);
+    QCOMPARE(copy.getFrequencyAt(1), second.getFrequencyAt(1));
+    pFirst.reset();
+    QCOMPARE(third.getFrequencyAt(1), second.getFrequencyAt(1));
+    Limits::setValue(Limits::AllHopChannels, 0);
 }
 
 void TestFrequencySettings::slowHopperEditing()

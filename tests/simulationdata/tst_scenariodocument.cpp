@@ -120,6 +120,10 @@ private Q_SLOTS:
     void replacedObjects();
     void outsideDocuments();
     void equalNames();
+    void tooManyObjects();
+    void tooLargeToSave();
+    void scheduleAgain();
+    void memberOfTwo();
 };
 
 void TestScenarioDocument::initTestCase()
@@ -144,8 +148,16 @@ void TestScenarioDocument::refused_data()
     QTest::newRow("unknown encoding") << QByteArray("<?xml version='1.0' encoding='Klingon'?><Scenario/>")
                                       << QStringLiteral("line 1, column 1: cannot decode");
     QTest::newRow("long document type")
-        << "<!DOCTYPE Scenario [" + repeated("<!ENTITY e 'e'>", 10000) + "]><Scenario/>"
+        << "<!DOCTYPE Scenario [" + repeated("<!ELEMENT e ANY>", 10000) + "]><Scenario/>"
         << QStringLiteral("line 1, column 1: bytes of a document type limit");
+    QByteArray entities = "<!DOCTYPE Scenario [<!ENTITY e0 'xxxxxxxxxx'>";
+    for (int i = 1; i < 30; ++i) {
+        entities += "<!ENTITY e" + QByteArray::number(i) + " '" +
+                    repeated("&e" + QByteArray::number(i - 1) + ";", 10) + "'>";
+    }
+    QTest::newRow("entities within entities")
+        << entities + "]><Scenario><Description>&e29;</Description></Scenario>"
+        << QStringLiteral("line 1, column 1: entity declarations limit of 0");
 }
 
 /// What was held stays, down to the byte.
@@ -310,13 +322,6 @@ void TestScenarioDocument::hostile_data()
         QTest::newRow(a_szName) << "<Scenario FileFormatVersion='4'>" + a_children + "</Scenario>"
                                 << a_iObjects;
     };
-    QByteArray entities = "<!DOCTYPE Scenario [<!ENTITY e0 'xxxxxxxxxx'>";
-    for (int i = 1; i < 30; ++i) {
-        entities += "<!ENTITY e" + QByteArray::number(i) + " '" +
-                    repeated("&e" + QByteArray::number(i - 1) + ";", 10) + "'>";
-    }
-    QTest::newRow("entities within entities")
-        << entities + "]><Scenario><Emitter ID='a'/><Description>&e29;</Description></Scenario>" << 1;
     row("longest hop list",
         "<Emitter "
         "ID='a'><Frequency><FastHopper><HoppCount>4294967295</HoppCount></FastHopper></Frequency></Emitter>",
@@ -626,6 +631,78 @@ void TestScenarioDocument::equalNames()
         QVERIFY(again.fromXml(xml));
         QCOMPARE(again.toXml(), first.toXml());
     }
+}
+
+void TestScenarioDocument::tooManyObjects()
+{
+    Limits::setValue(Limits::ScenarioObjects, 3);
+    ScenarioDataXml document(nullptr);
+    QVERIFY(document.fromXml("<Scenario>\n<Emitter ID='a' LinkTarget='x'/><Network/><Emitter ID='b'/>\n"
+                             "<Emitter ID='a' Name='A'/><Network/></Scenario>"));
+    const QString sError = document.errorString();
+    QVERIFY2(sError.startsWith(QStringLiteral("line 3,")), qPrintable(sError));
+    QVERIFY(sError.endsWith(QStringLiteral("objects of one scenario limit of 3 exceeded")));
+    QCOMPARE(document.scenarioObjects().size(), 3);
+    QCOMPARE(findEmitter(document, "a")->name(), QStringLiteral("A"));
+    QVERIFY(!findEmitter(document, "a")->isLinked()); // there is no room for its target
+    Limits::setValue(Limits::ScenarioObjects, 0);
+}
+
+/// Followers carry the path that they follow: a small document may save as a
+/// large one, which must not take the place of the small one.
+void TestScenarioDocument::tooLargeToSave()
+{
+    QByteArray xml = "<Scenario><Emitter ID='path'><Position><Movement>" +
+                     repeated("<Position Major='true'/>", 200) + "</Movement></Position></Emitter>";
+    for (int i = 0; i < 200; ++i) {
+        xml += "<Emitter ID='f" + QByteArray::number(i) + "' LinkTarget='path'/>";
+    }
+    xml += "</Scenario>";
+    QTemporaryDir folder;
+    const QString sFile = folder.filePath(QStringLiteral("small.sce"));
+    QFile file(sFile);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(xml) == xml.size());
+    file.close();
+    Limits::setValue(Limits::DocumentBytes, 1'000'000);
+    ScenarioDataXml document(nullptr);
+    QVERIFY(document.fromXmlFile(sFile) && document.errorString().isEmpty());
+    QVERIFY(document.toXml().isEmpty());
+    QVERIFY(!document.toXmlFile(sFile));
+    QVERIFY(ScenarioDataXml::xmlForObjects(document.scenarioObjects(), nullptr).isEmpty());
+    QCOMPARE(QFileInfo(sFile).size(), xml.size());
+    Limits::setValue(Limits::DocumentBytes, 0);
+    QVERIFY(document.toXml().size() > 1'000'000);
+}
+
+/// What comes again replaces what was there: adding it every time would cost
+/// the square of the repetitions.
+void TestScenarioDocument::scheduleAgain()
+{
+    ScenarioDataXml document(nullptr);
+    QVERIFY(document.fromXml(
+        "<Scenario><Emitter ID='e'><Timing><Manual><Activity ActiveDuration='5'/></Manual>"
+        "</Timing><EmissionSettings><Emission ID='7'/></EmissionSettings></Emitter></Scenario>"));
+    QCOMPARE(findEmitter(document, "e")->emissionSettings()->emissions().size(), 2);
+    QVERIFY(document.fromXml(
+        "<Scenario>" +
+        repeated("<Emitter ID='e'><EmissionSettings><Emission ID='7'/></EmissionSettings></Emitter>",
+                 20'000) +
+        "<Emitter ID='m'><Timing>" + repeated("<Manual><Activity/></Manual>", 20'000) +
+        "</Timing></Emitter></Scenario>"));
+    QCOMPARE(findEmitter(document, "e")->emissionSettings()->emissions().size(), 1);
+    QCOMPARE(findEmitter(document, "m")->emissionSettings()->emissions().size(), 1);
+}
+
+/// Saving sorts the networks: whose member an emitter is must not depend on
+/// their order.
+void TestScenarioDocument::memberOfTwo()
+{
+    ScenarioDataXml document(nullptr);
+    QVERIFY(document.fromXml("<Scenario><Network ID='b'><Emitter>e</Emitter></Network>"
+                             "<Network ID='a'><Emitter>e</Emitter></Network></Scenario>"));
+    QCOMPARE(findEmitter(document, "e")->network()->id(), QStringLiteral("b"));
+    QVERIFY(document.fromXml(document.toXml()));
+    QCOMPARE(findEmitter(document, "e")->network()->id(), QStringLiteral("b"));
 }
 
 QTEST_GUILESS_MAIN(TestScenarioDocument)

@@ -101,10 +101,10 @@ void TestXmlScanner::offences_data()
     bad("one attribute too many", "<a>\n <b x='' y=\"1\" z=''/></a>", Limits::ElementAttributes, 5, 2, 2);
     good("quotes in text and end tags", "<a>''''\"</a '' '' ''>");
 
-    const QByteArray fits = "<!DOCTYPE a [<!ENTITY x 'y'><!ELEMENT>]>";
+    const QByteArray fits = "<!DOCTYPE a [<!NOTATE x 'y'><!ELEMENT>]>";
     QCOMPARE(fits.size(), s_iDoctype);
     good("document type that just fits", fits + "<a/>");
-    bad("document type too long", " \n<!DOCTYPE a [<!ENTITY x 'yy'><!ELEMENT>]><a/>", Limits::DoctypeBytes, 2,
+    bad("document type too long", " \n<!DOCTYPE a [<!NOTATE x 'yy'><!ELEMENT>]><a/>", Limits::DoctypeBytes, 2,
         2, 1);
     bad("two document types that do not fit", fits.first(12) + "><a>" + fits + "</a>", Limits::DoctypeBytes,
         16, 1, 17);

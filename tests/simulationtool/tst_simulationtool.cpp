@@ -86,6 +86,7 @@ private Q_SLOTS:
     void inspectBuiltIn();
     void inspectTamesHostileTexts();
     void olderFile();
+    void csvOverScenario();
     void outputFails();
     void traceOnDemand();
 
@@ -493,6 +494,20 @@ void tst_SimulationTool::olderFile()
     QCOMPARE(result.code, 0);
     QVERIFY(result.out.contains(QStringLiteral("File version  older than 4")));
     QVERIFY(!run({QStringLiteral("inspect"), s_sBuiltIn}).out.contains(QStringLiteral("File version")));
+}
+
+/// A slip of the pen must not cost the scenario.
+void tst_SimulationTool::csvOverScenario()
+{
+    const QString sFile = write(QStringLiteral("kept.xml"), "<Scenario><Emitter ID='e'/></Scenario>");
+    const QString sLink = sFile + QStringLiteral(".link");
+    QVERIFY(QFile::link(sFile, sLink));
+    for (const QString& sTarget : {sFile, sLink}) {
+        const auto result = run({QStringLiteral("play"), sFile, QStringLiteral("--csv"), sTarget});
+        QCOMPARE(result.code, 2);
+        QVERIFY(result.err.contains(QStringLiteral("is the scenario itself")));
+    }
+    QCOMPARE(run({QStringLiteral("inspect"), sFile}).code, 0);
 }
 
 void tst_SimulationTool::outputFails()
