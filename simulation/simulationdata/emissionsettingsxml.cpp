@@ -52,7 +52,7 @@ EmissionPtr readEmission(QXmlStreamReader& a_reader, ScenarioReferences& a_refer
             emission->signalPackage = a_references.packageForId(attribute.value().toString());
         }
     }
-    a_reader.skipCurrentElement();
+    skipChildren(a_reader);
     return emission;
 }
 
@@ -142,7 +142,7 @@ QList<EmissionPtr> readManual(QXmlStreamReader& a_reader, EmissionSettings& a_se
         emission->signalPackage = a_package;
         iTime = emission->start + emission->duration;
         emissions.append(emission);
-        a_reader.skipCurrentElement();
+        skipChildren(a_reader);
         return true;
     });
     a_settings.clearAll();
@@ -162,7 +162,7 @@ QList<EmissionPtr> readOlderTiming(QXmlStreamReader& a_reader, EmissionSettings&
         if (a_sName == s_sContionus || a_sName == s_sContious) {
             a_settings.makeContinousActive(a_emitter, a_package);
             emissions = a_settings.emissions();
-            a_reader.skipCurrentElement();
+            skipChildren(a_reader);
         } else if (a_sName == s_sManual) {
             emissions = readManual(a_reader, a_settings, a_emitter, a_package);
         } else {

@@ -4,14 +4,8 @@
 #include "xmlencoding_p.h"
 #include "xmlposition_p.h"
 #include "xmlscanner_p.h"
-#include "xmlwalk_p.h"
 
 namespace Simulation {
-
-void skipElement(QXmlStreamReader& a_reader)
-{
-    a_reader.skipCurrentElement();
-}
 
 XmlDocumentReader::XmlDocumentReader(const QString& a_sText)
     : XmlDocumentReader(QByteArrayLiteral("\xEF\xBB\xBF") + a_sText.toUtf8())

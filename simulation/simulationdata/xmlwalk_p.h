@@ -5,7 +5,6 @@
 #include <QXmlStreamReader>
 
 #include <optional>
-#include <utility>
 
 namespace Simulation {
 
@@ -26,14 +25,16 @@ void forEachChild(QXmlStreamReader& a_reader, const Handler& a_handler)
     }
 }
 
-/// The text of the element on which the reader stands, up to its end. Children
-/// are left out: a stray one must not cost the rest of the document. Nothing
-/// when the document breaks off inside: half a number is another number.
-[[nodiscard]] inline std::optional<QString> elementText(QXmlStreamReader& a_reader)
+/// Passes over the children of an element whose attributes are all it has.
+inline void skipChildren(QXmlStreamReader& a_reader)
 {
-    QString sText = a_reader.readElementText(QXmlStreamReader::SkipChildElements);
-    return a_reader.hasError() ? std::nullopt : std::optional<QString>(std::move(sText));
+    forEachChild(a_reader, [](QStringView) { return false; });
 }
+
+/// The text of the element on which the reader stands, up to its end. Children
+/// are skipped: a stray one must not cost the rest of the document. Nothing
+/// when the document breaks off inside: half a number is another number.
+[[nodiscard]] std::optional<QString> elementText(QXmlStreamReader& a_reader);
 
 } // namespace Simulation
 
