@@ -73,7 +73,7 @@ void writeEmission(QXmlStreamWriter& a_writer, const EmissionSettings::Emission&
 void readEmissionSettings(QXmlStreamReader& a_reader, EmissionSettings& a_settings,
                           ScenarioReferences& a_references)
 {
-    if (!a_references.isFirstSchedule(a_settings)) {
+    if (!a_references.isFirst(ScenarioReferences::ScheduleForm::EmissionSettings, a_settings)) {
         a_settings.clearAll();
     }
     const QXmlStreamAttributes attributes = a_reader.attributes();
@@ -116,11 +116,11 @@ void writeEmissionSettings(QXmlStreamWriter& a_writer, const EmissionSettings& a
 
 namespace {
 
-/// Emissions one after another, each after a pause; the period is the sum. Like
-/// the continuous form they are the whole schedule.
+/// Emissions one after another, each after a pause; the period is the sum.
 QList<EmissionPtr> readManual(QXmlStreamReader& a_reader, EmissionSettings& a_settings,
                               const std::shared_ptr<SzenarioEmitter>& a_emitter,
-                              const std::shared_ptr<SignalPackage>& a_package)
+                              const std::shared_ptr<SignalPackage>& a_package,
+                              ScenarioReferences& a_references)
 {
     QList<EmissionPtr> emissions;
     EmissionGroupsReader groups;
@@ -145,9 +145,13 @@ QList<EmissionPtr> readManual(QXmlStreamReader& a_reader, EmissionSettings& a_se
         skipChildren(a_reader);
         return true;
     });
-    a_settings.clearAll();
+    if (!a_references.isFirst(ScenarioReferences::ScheduleForm::Manual, a_settings)) {
+        a_settings.clearAll();
+    }
     a_settings.addEmissions(emissions);
-    a_settings.setDuration(iTime);
+    if (iTime > 0) {
+        a_settings.setDuration(iTime);
+    }
     groups.addTo(a_settings);
     return emissions;
 }
@@ -155,7 +159,8 @@ QList<EmissionPtr> readManual(QXmlStreamReader& a_reader, EmissionSettings& a_se
 /// The forms of an older timing; gives the emissions that it made.
 QList<EmissionPtr> readOlderTiming(QXmlStreamReader& a_reader, EmissionSettings& a_settings,
                                    const std::shared_ptr<SzenarioEmitter>& a_emitter,
-                                   const std::shared_ptr<SignalPackage>& a_package)
+                                   const std::shared_ptr<SignalPackage>& a_package,
+                                   ScenarioReferences& a_references)
 {
     QList<EmissionPtr> emissions;
     forEachChild(a_reader, [&](QStringView a_sName) {
@@ -164,7 +169,7 @@ QList<EmissionPtr> readOlderTiming(QXmlStreamReader& a_reader, EmissionSettings&
             emissions = a_settings.emissions();
             skipChildren(a_reader);
         } else if (a_sName == s_sManual) {
-            emissions = readManual(a_reader, a_settings, a_emitter, a_package);
+            emissions = readManual(a_reader, a_settings, a_emitter, a_package, a_references);
         } else {
             return false;
         }
@@ -176,16 +181,17 @@ QList<EmissionPtr> readOlderTiming(QXmlStreamReader& a_reader, EmissionSettings&
 } // namespace
 
 void readTimingSettings2(QXmlStreamReader& a_reader, const std::shared_ptr<SzenarioEmitter>& a_emitter,
-                         const std::shared_ptr<SignalPackage>& a_package)
+                         const std::shared_ptr<SignalPackage>& a_package, ScenarioReferences& a_references)
 {
-    readOlderTiming(a_reader, *a_emitter->ScenarioObject::emissionSettings(), a_emitter, a_package);
+    readOlderTiming(a_reader, *a_emitter->ScenarioObject::emissionSettings(), a_emitter, a_package,
+                    a_references);
 }
 
 void readActivitySettings2(QXmlStreamReader& a_reader, const std::shared_ptr<ScenarioNetwork>& a_network,
                            const std::shared_ptr<SignalPackage>& a_package, ScenarioReferences& a_references)
 {
     const QList<EmissionPtr> emissions =
-        readOlderTiming(a_reader, *a_network->emissionSettings(), nullptr, a_package);
+        readOlderTiming(a_reader, *a_network->emissionSettings(), nullptr, a_package, a_references);
     for (const EmissionPtr& emission : emissions) {
         a_references.setHeadEmitter(emission, a_network);
     }

@@ -27,7 +27,7 @@ void writeEmissionSettings(QXmlStreamWriter& a_writer, const EmissionSettings& a
 /// Read the timing of documents before version 4: of an emitter, and of a
 /// network, whose emissions get its head emitter once the members are known.
 void readTimingSettings2(QXmlStreamReader& a_reader, const std::shared_ptr<SzenarioEmitter>& a_emitter,
-                         const std::shared_ptr<SignalPackage>& a_package);
+                         const std::shared_ptr<SignalPackage>& a_package, ScenarioReferences& a_references);
 void readActivitySettings2(QXmlStreamReader& a_reader, const std::shared_ptr<ScenarioNetwork>& a_network,
                            const std::shared_ptr<SignalPackage>& a_package, ScenarioReferences& a_references);
 

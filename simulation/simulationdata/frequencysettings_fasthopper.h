@@ -32,7 +32,8 @@ public:
     void setMinimumFrequency(double a_dFrequency);
     void setMaximumFrequency(double a_dFrequency);
 
-    /// Number of channels. With 0, and above Limits::HopChannels, the hopper
+    /// Number of channels. With 0, above Limits::HopChannels, and as long as the
+    /// lists of other hoppers leave no room (Limits::AllHopChannels), the hopper
     /// stays at its minimum frequency.
     [[nodiscard]] unsigned int getHoppCount() const { return m_uiHoppCount; }
     void setHoppCount(unsigned int a_uiCount);

@@ -4,6 +4,7 @@
 #include "persistentid_p.h"
 #include "scenariograph_p.h"
 #include "scenarioreferences_p.h"
+#include "simulationdata/limits.h"
 #include "simulationdata/scenarionetwork.h"
 #include "simulationdata/szenarioemitter.h"
 #include "trace_p.h"
@@ -154,9 +155,12 @@ bool ScenarioDataXml::fromXml(const QByteArray& a_xml)
     }
     clear();
     readHeader(reader.attributes());
-    readChildren(reader);
+    const bool bWhole = readChildren(reader);
     document.readToEnd();
     m_sErrorString = document.errorString();
+    if (m_sErrorString.isEmpty() && !bWhole) {
+        m_sErrorString = Limits::exceeded(Limits::ScenarioObjects);
+    }
     if (!m_sErrorString.isEmpty()) {
         traceError(s_szSource, [&] { return QStringLiteral("Scenario broke off: %1").arg(m_sErrorString); });
     }
@@ -185,11 +189,12 @@ void ScenarioDataXml::writeHeader(QXmlStreamWriter& a_writer) const
     writeNoiseSettings(a_writer, m_noiseSettings);
 }
 
-void ScenarioDataXml::readChildren(QXmlStreamReader& a_reader)
+/// False when the scenario is full and emitters that are only named are missing.
+bool ScenarioDataXml::readChildren(QXmlStreamReader& a_reader)
 {
     ScenarioReferences references(m_objects, m_pProvider);
     forEachChild(a_reader, [&](QStringView a_sName) { return readChild(a_reader, a_sName, references); });
-    references.resolve();
+    const bool bWhole = references.resolve();
     // An id that is used twice may have marked its emitter twice.
     QSet<std::shared_ptr<SzenarioEmitter>> seen;
     m_defaultEmitters.removeIf([&](const auto& a_default) {
@@ -197,6 +202,7 @@ void ScenarioDataXml::readChildren(QXmlStreamReader& a_reader)
         seen.insert(a_default);
         return bAgain;
     });
+    return bWhole;
 }
 
 bool ScenarioDataXml::readChild(QXmlStreamReader& a_reader, QStringView a_sName,
@@ -269,6 +275,10 @@ QByteArray ScenarioDataXml::toXml()
     }
     writer.writeEndElement();
     writer.writeEndDocument();
+    if (QString sReason; !checkDocumentBytes(xml.size(), &sReason)) {
+        failToWrite(sReason);
+        return {};
+    }
     return xml;
 }
 
@@ -338,6 +348,12 @@ QString ScenarioDataXml::xmlForObjects(const ObjectSet& a_objects, ISignalPackag
     }
     writer.writeEndElement();
     writer.writeEndDocument();
+    // The reader counts the bytes that it decodes, and a mark before them.
+    constexpr qsizetype iMarkBytes = 3;
+    if (QString sReason; !checkDocumentBytes(sXml.toUtf8().size() + iMarkBytes, &sReason)) {
+        failToWrite(sReason);
+        return {};
+    }
     return sXml;
 }
 
@@ -349,9 +365,13 @@ ObjectSet ScenarioDataXml::objectsForXml(const QString& a_sXml, ISignalPackagePr
         scenario.refuse(document.errorString());
         return {};
     }
-    scenario.readChildren(document.stream());
+    const bool bWhole = scenario.readChildren(document.stream());
     document.readToEnd();
-    if (const QString sError = document.errorString(); !sError.isEmpty()) {
+    QString sError = document.errorString();
+    if (sError.isEmpty() && !bWhole) {
+        sError = Limits::exceeded(Limits::ScenarioObjects);
+    }
+    if (!sError.isEmpty()) {
         traceError(s_szSource, [&] { return QStringLiteral("Objects broke off: %1").arg(sError); });
     }
     return std::exchange(scenario.m_objects, {});
@@ -360,6 +380,13 @@ ObjectSet ScenarioDataXml::objectsForXml(const QString& a_sXml, ISignalPackagePr
 void ScenarioDataXml::releaseObjects(ObjectSet&& a_objects)
 {
     ScenarioGraph::release(std::move(a_objects));
+}
+
+void ScenarioDataXml::releaseObject(std::shared_ptr<ScenarioObject> a_object)
+{
+    ObjectSet objects;
+    objects.insert(std::move(a_object));
+    ScenarioGraph::release(std::move(objects));
 }
 
 QString ScenarioDataXml::networkTypeToString(NetworkType a_eType)

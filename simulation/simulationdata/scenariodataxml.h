@@ -120,6 +120,8 @@ public:
     /// hold only each other: an emitter that its own schedule names would live
     /// for ever. What anybody else still holds stays whole.
     static void releaseObjects(QSet<std::shared_ptr<ScenarioObject>>&& a_objects);
+    /// The same for one object: releaseObject(std::move(object)).
+    static void releaseObject(std::shared_ptr<ScenarioObject> a_object);
 
     /// "Hierarchical" or, for every other value, "Star".
     [[nodiscard]] static QString networkTypeToString(NetworkType a_eType);
@@ -134,7 +136,7 @@ private:
     bool refuse(const QString& a_sReason);
     void clear();
     void readHeader(const QXmlStreamAttributes& a_attributes);
-    void readChildren(QXmlStreamReader& a_reader);
+    bool readChildren(QXmlStreamReader& a_reader);
     bool readChild(QXmlStreamReader& a_reader, QStringView a_sName, ScenarioReferences& a_references);
     void writeHeader(QXmlStreamWriter& a_writer) const;
     static bool writeObjects(QXmlStreamWriter& a_writer,

@@ -88,7 +88,7 @@ bool readEmitterChild(ElementReading& a_reading, QStringView a_sName,
     } else if (a_sName == s_sTransmitter && a_emitter->getTranmitterSettings() != nullptr) {
         readTransmitterSettings(a_reading.reader, *a_emitter->getTranmitterSettings());
     } else if (a_sName == s_sTiming) {
-        readTimingSettings2(a_reading.reader, a_emitter, a_reading.olderPackage);
+        readTimingSettings2(a_reading.reader, a_emitter, a_reading.olderPackage, a_reading.references);
     } else if (a_sName == s_sEdwFile &&
                a_emitter->type() == ScenarioObject::ScenarioObjectType::ElintEmitter) {
         auto& elint = static_cast<ElintScenarioEmitter&>(*a_emitter);

@@ -7,8 +7,6 @@
 
 #include <QList>
 
-#include <algorithm>
-
 namespace Simulation {
 
 ScenarioReferences::ScenarioReferences(QSet<std::shared_ptr<ScenarioObject>>& a_objects,
@@ -33,6 +31,7 @@ std::shared_ptr<SzenarioEmitter> ScenarioReferences::emitterForId(const QString&
         m_emitters.insert(a_sId, emitter);
         m_objects.insert(emitter);
     }
+    m_bDropped = m_bDropped || !emitter;
     return emitter;
 }
 
@@ -41,10 +40,11 @@ bool ScenarioReferences::isFull() const
     return static_cast<std::uint64_t>(m_objects.size()) >= Limits::value(Limits::ScenarioObjects);
 }
 
-bool ScenarioReferences::isFirstSchedule(const EmissionSettings& a_settings)
+bool ScenarioReferences::isFirst(ScheduleForm a_eForm, const EmissionSettings& a_settings)
 {
-    const bool bFirst = !m_schedules.contains(&a_settings);
-    m_schedules.insert(&a_settings);
+    const std::pair key(&a_settings, static_cast<int>(a_eForm));
+    const bool bFirst = !m_schedules.contains(key);
+    m_schedules.insert(key);
     return bFirst;
 }
 
@@ -93,7 +93,7 @@ void ScenarioReferences::setHeadEmitter(const Emission& a_emission,
     m_emissionHeads.push_back({a_emission, a_network});
 }
 
-void ScenarioReferences::resolve()
+bool ScenarioReferences::resolve()
 {
     for (const Link& link : m_links) {
         const auto target = emitterForId(link.targetId, EmitterType::Emitter);
@@ -107,19 +107,19 @@ void ScenarioReferences::resolve()
         link.emitter->setLinkTargetEmitter(target);
         target->addLinkedEmitter(link.emitter);
     }
-    std::stable_sort(m_memberships.begin(), m_memberships.end(),
-                     [](const Membership& a_first, const Membership& a_second) {
-                         return a_first.network->id() < a_second.network->id();
-                     });
     for (const Membership& membership : m_memberships) {
         resolveMembers(membership);
     }
     for (const EmissionEmitter& reference : m_emissionEmitters) {
-        reference.emission->emitter = emitterForId(reference.emitterId, EmitterType::Emitter);
+        // A schedule that was replaced names nobody any more.
+        if (reference.emission.use_count() > 1) {
+            reference.emission->emitter = emitterForId(reference.emitterId, EmitterType::Emitter);
+        }
     }
     for (const EmissionHead& reference : m_emissionHeads) {
         reference.emission->emitter = reference.network->headEmitter();
     }
+    return !m_bDropped;
 }
 
 void ScenarioReferences::resolveMembers(const Membership& a_membership)

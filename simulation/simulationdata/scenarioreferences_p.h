@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace Simulation {
@@ -56,13 +57,16 @@ public:
     /// (Limits::ScenarioObjects).
     [[nodiscard]] bool isFull() const;
 
-    /// Whether the element is the first of this object to describe a schedule:
-    /// a later one replaces what the former said.
-    bool isFirstSchedule(const EmissionSettings& a_settings);
+    /// The element kinds that describe a schedule.
+    enum class ScheduleForm { EmissionSettings, Manual };
 
-    /// Makes all references that wait. An emitter that several networks name
-    /// belongs to the one whose id is the greatest, which is written last.
-    void resolve();
+    /// Whether this is the first element of its kind for the schedule: it adds
+    /// to it, a later one replaces what is there.
+    bool isFirst(ScheduleForm a_eForm, const EmissionSettings& a_settings);
+
+    /// Makes all references that wait. False when emitters that are only named
+    /// found no room in the scenario: what refers to them stays without.
+    bool resolve();
 
 private:
     struct Link
@@ -96,7 +100,8 @@ private:
     QSet<std::shared_ptr<ScenarioObject>>& m_objects;
     ISignalPackageProvider* m_pProvider;
     QHash<QString, std::shared_ptr<SzenarioEmitter>> m_emitters;
-    QSet<const EmissionSettings*> m_schedules;
+    QSet<std::pair<const EmissionSettings*, int>> m_schedules; ///< with their ScheduleForm
+    bool m_bDropped = false;
     std::vector<Link> m_links;
     std::vector<EmissionEmitter> m_emissionEmitters;
     std::vector<EmissionHead> m_emissionHeads;

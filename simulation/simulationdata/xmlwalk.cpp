@@ -13,6 +13,7 @@ std::optional<QString> elementText(QXmlStreamReader& a_reader)
     for (;;) {
         switch (a_reader.readNext()) {
         case QXmlStreamReader::Characters:
+        case QXmlStreamReader::EntityReference: // of a document type elsewhere: no text of its own
             sText += a_reader.text();
             break;
         case QXmlStreamReader::StartElement:

@@ -11,7 +11,6 @@
 #include <random>
 #include <vector>
 
-#include <QLoggingCategory>
 #include <QTest>
 
 using namespace Simulation;
@@ -30,13 +29,6 @@ bool operator==(const HRActivity& a_first, const HRActivity& a_second)
 {
     return a_first.start == a_second.start && a_first.duration == a_second.duration &&
            a_first.frequency == a_second.frequency;
-}
-
-char* toString(const HRActivity& a_activity)
-{
-    const QString sText =
-        QStringLiteral("%1+%2").arg(QString::number(a_activity.start), QString::number(a_activity.duration));
-    return QTest::toString(sText);
 }
 
 } // namespace Simulation
@@ -112,7 +104,7 @@ class TestEmissionSettings : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void defaults();
+    void refusals();
     void lookup_data();
     void lookup();
     void order();
@@ -123,7 +115,6 @@ private Q_SLOTS:
     void circles();
     void longChains();
     void removingMany();
-    void activities_data();
     void activities();
     void activitiesAgainstNaiveWalk();
     void hostileNumbers_data();
@@ -131,26 +122,15 @@ private Q_SLOTS:
     void answerLimit();
 };
 
-void TestEmissionSettings::defaults()
+void TestEmissionSettings::refusals()
 {
     EmissionSettings settings;
-    QCOMPARE(settings.duration(), 0x7FFFFFFFFFFFFFFFLL);
-    QVERIFY(!settings.isBroadcast());
-    QVERIFY(settings.emissions().isEmpty() && settings.groups().isEmpty());
-    QCOMPARE(settings.activeUntil(), s_uiForEver);
-    const EmissionPtr fresh = EmissionSettings::createEmission();
-    QVERIFY(fresh->id == 0 && fresh->start == 0 && fresh->duration == 0 && !fresh->emitter &&
-            !fresh->signalPackage);
-    const GroupPtr freshGroup = EmissionSettings::createGroup();
-    QVERIFY(freshGroup->id == 0 && freshGroup->name.isEmpty());
-
     for (const long long iUnlimited : {0LL, -5LL, s_iLowest}) {
         settings.setDuration(1000);
         settings.setDuration(iUnlimited);
-        QCOMPARE(settings.duration(), 0x7FFFFFFFFFFFFFFFLL);
+        QCOMPARE(settings.duration(), s_iHighest);
     }
     settings.addEmission(nullptr);
-    settings.addEmissions({nullptr, nullptr});
     settings.addGroup(nullptr);
     QVERIFY(settings.emissions().isEmpty() && settings.groups().isEmpty());
 }
@@ -168,19 +148,12 @@ void TestEmissionSettings::lookup_data()
             QTest::addRow("%s, period %lld", a_szName, iPeriod)
                 << iPeriod << a_uiTime + uiShift << a_iStart << a_iActive;
         };
-        row("scenario start", 0, -1, -1);
         row("at the start it is not on yet", 100, -1, -1);
         row("just after the start", 101, 100, 1);
-        row("in the middle", 120, 100, 20);
         row("at the end it is still on", 150, 100, 50);
         row("just after the end", 151, -1, -1);
         row("second start, the first long over", 200, -1, -1);
-        row("second", 205, 200, 5);
-        row("after all", 999, -1, -1);
     }
-    QTest::newRow("last time there is, unlimited") << 0LL << s_uiForEver << -1LL << -1LL;
-    QTest::newRow("last time there is, period 1000") << 1000LL << s_uiForEver << -1LL << -1LL; // 295
-    QTest::newRow("last time there is, period 2^32") << (1LL << 32) << s_uiForEver << -1LL << -1LL;
     QTest::newRow("last time there is, in an emission") << 4294967145LL << s_uiForEver << 100LL << 50LL;
 }
 
@@ -191,38 +164,27 @@ void TestEmissionSettings::lookup()
     QFETCH(long long, start);
     QFETCH(long long, timeActive);
     EmissionSettings settings = twoEmissions(period);
-    const EmitterPtr sender = emitter("sender");
     const auto package = std::make_shared<SignalPackage>();
-    settings.replaceEmitter(nullptr, sender);
     settings.replaceSignalPackage(nullptr, package);
-
     const EmissionPtr found = settings.emissionAt(time);
     QCOMPARE(found ? found->start : -1LL, start);
     QCOMPARE(settings.timeActiveAt(time), timeActive);
-    QCOMPARE(settings.isActiveAt(time), start >= 0);
-    QCOMPARE(settings.activeEmitterAt(time), start >= 0 ? sender : nullptr);
     QCOMPARE(settings.signalPackageAt(time), start >= 0 ? package : nullptr);
 }
 
-/// Among equal starts the newest comes first, and is the one that is found last.
 void TestEmissionSettings::order()
 {
     EmissionSettings settings;
     const EmissionPtr old = emission(100, 1000);
     const EmissionPtr fresh = emission(100, 10);
     const EmissionPtr late = emission(300, 10);
-    settings.addEmission(late);
-    settings.addEmission(old);
+    settings.addEmissions({old, late, late}); // twice in the list
     settings.addEmission(fresh);
-    QCOMPARE(settings.emissions(), (QList{fresh, old, late}));
+    QCOMPARE(settings.emissions(), (QList{fresh, old, late, late}));
     QCOMPARE(settings.emissionAt(120), old); // the latest of equal starts counts
-
-    settings.addEmission(late); // twice in the list
     late->start = 100;
     settings.updateEmission(settings.emissions().constLast());
     QCOMPARE(settings.emissions(), (QList{late, fresh, old}));
-    settings.updateEmission(old);
-    QCOMPARE(settings.emissions(), (QList{old, late, fresh}));
 }
 
 void TestEmissionSettings::addingMany()
@@ -240,8 +202,6 @@ void TestEmissionSettings::addingMany()
     added.insert(7, nullptr);
     atOnce.addEmissions(added);
     QCOMPARE(atOnce.emissions(), oneByOne.emissions());
-    atOnce.addEmissions(atOnce.emissions());
-    QCOMPARE(atOnce.emissions().size(), 604);
 }
 
 void TestEmissionSettings::replacing()
@@ -253,31 +213,24 @@ void TestEmissionSettings::replacing()
         {emission(0, 1, first), emission(1, 1), emission(2, 1, second), emission(3, 1, first)});
     // The arguments may be the settings' own.
     settings.replaceEmitter(settings.emissions().constFirst()->emitter, settings.emissions().at(2)->emitter);
-    QVERIFY(settings.emissions().constFirst()->emitter == second &&
-            settings.emissions().constLast()->emitter == second);
     settings.removeEmissions(settings.emissions().constFirst()->emitter);
-    QCOMPARE(settings.emissions().size(), 1);
-    settings.removeEmissions(nullptr);
-    QCOMPARE(settings.emissions().size(), 0);
+    QVERIFY(settings.emissions().size() == 1 && !settings.emissions().constFirst()->emitter);
 }
 
 void TestEmissionSettings::continuous()
 {
-    const auto own = std::make_shared<SignalPackage>();
-    const EmitterPtr sender = emitter("sender");
-    EmissionSettings settings;
-    settings.setDuration(700);
-    settings.addEmission(emission(5, 6, sender));
+    EmissionSettings settings = twoEmissions(700);
     settings.addGroup(group(settings.emissions()));
+    const auto own = std::make_shared<SignalPackage>();
     settings.replaceSignalPackage(nullptr, own);
+    settings.replaceEmitter(nullptr, emitter("sender"));
     for (const auto& given : {std::shared_ptr<SignalPackage>(), std::make_shared<SignalPackage>()}) {
         settings.makeContinousActive(settings.emissions().constFirst()->emitter, given);
         QVERIFY(settings.emissions().size() == 1 && settings.groups().isEmpty());
         const EmissionPtr all = settings.emissions().constFirst();
-        QVERIFY(all->start == 0 && all->duration == 700 && all->emitter == sender);
+        QVERIFY(all->start == 0 && all->duration == 700 && all->emitter->id() == u"sender");
         QCOMPARE(all->signalPackage, given ? given : own);
     }
-    QVERIFY(settings.isActiveAt(1) && settings.isActiveAt(1399) && !settings.isActiveAt(1400));
 }
 
 void TestEmissionSettings::removingGroups()
@@ -310,12 +263,10 @@ void TestEmissionSettings::removingGroups()
     QVERIFY(self->groups.isEmpty()); // or it would hold itself for ever
 }
 
-/// Groups that hold each other are freed with their last settings, which the
-/// leak check sees, and not before.
+/// Groups that hold each other are freed with their last settings and not before.
 void TestEmissionSettings::circles()
 {
-    const EmissionPtr member = emission(0, 1);
-    const GroupPtr outside = group({member});
+    const GroupPtr outside = group({emission(0, 1)});
     boost::weak_ptr<EmissionSettings::Group> watched;
     {
         EmissionSettings keeper;
@@ -330,14 +281,10 @@ void TestEmissionSettings::circles()
             settings.addGroup(first);
             settings.addGroup(second);
             settings.addGroup(outside);
-            const QList<GroupPtr> shared = first->groups;
-            settings.setBroadcast(true);
-            settings.setDuration(500);
             keeper = settings;
             settings.clearAll();
         }
-        QVERIFY(keeper.groups().size() == 3 && keeper.isBroadcast() && keeper.duration() == 500);
-        QCOMPARE(keeper.groups().constFirst()->groups.size(), 3);
+        QVERIFY(keeper.groups().size() == 3);
         EmissionSettings assignedOver;
         assignedOver = keeper;
         keeper = EmissionSettings();
@@ -345,7 +292,6 @@ void TestEmissionSettings::circles()
         assignedOver.makeContinousActive(nullptr, nullptr);
         QVERIFY(watched.expired());
     }
-    QCOMPARE(outside->emissions, QList{member});
 }
 
 /// Destruction must not recurse along what a document can make a million deep.
@@ -370,13 +316,11 @@ void TestEmissionSettings::longChains()
         holder->emissionSettings()->addEmission(emission(0, 1, last));
         last = holder;
     }
-    QVERIFY(last->isActiveAt(1));
 }
 
-/// Would take hours if any step cost as much as the whole list.
 void TestEmissionSettings::removingMany()
 {
-    constexpr int iCount = 100'000;
+    constexpr int iCount = 100'000; // hours if a step cost as much as the list
     const EmitterPtr gone = emitter("gone");
     const EmitterPtr stays = emitter("stays");
     EmissionSettings settings;
@@ -401,37 +345,25 @@ void TestEmissionSettings::removingMany()
     QVERIFY(settings.groups().isEmpty());
 }
 
-void TestEmissionSettings::activities_data()
-{
-    QTest::addColumn<long long>("period");
-    QTest::addColumn<unsigned int>("start");
-    QTest::addColumn<unsigned int>("length");
-    QTest::addColumn<QList<HRActivity>>("expected");
-    using List = QList<HRActivity>;
-    QTest::newRow("whole") << 0LL << 0U << 1000U << List{{100, 50, 0}, {200, 10, 0}};
-    QTest::newRow("cut at the end") << 0LL << 0U << 120U << List{{100, 20, 0}};
-    QTest::newRow("never cut in front") << 0LL << 120U << 10U << List{{100, 30, 0}};
-    QTest::newRow("one that is over is taken too") << 0LL << 180U << 10U << List{{100, 50, 0}};
-    QTest::newRow("past the last") << 0LL << 5000U << 10U << List{{200, 10, 0}};
-    QTest::newRow("begins at a start") << 0LL << 200U << 5U << List{{100, 50, 0}, {200, 5, 0}};
-    QTest::newRow("empty window") << 0LL << 0U << 0U << List{};
-    QTest::newRow("two periods") << 300LL << 310U << 400U << List{{400, 50, 0}, {500, 10, 0}, {700, 10, 0}};
-    QTest::newRow("into the next period") << 300LL << 510U << 150U << List{{500, 10, 0}};
-    QTest::newRow("period shorter than the schedule")
-        << 150LL << 150U << 210U << List{{250, 50, 0}, {350, 10, 0}};
-}
-
 void TestEmissionSettings::activities()
 {
-    QFETCH(long long, period);
-    QFETCH(unsigned int, start);
-    QFETCH(unsigned int, length);
-    EmissionSettings settings = twoEmissions(period);
-    QTEST(settings.calculateHRActivities(nullptr, start, length), "expected");
+    using List = QList<HRActivity>;
+    EmissionSettings settings = twoEmissions();
+    const auto in = [&](unsigned int a_uiStart, unsigned int a_uiLength) {
+        return settings.calculateHRActivities(nullptr, a_uiStart, a_uiLength);
+    };
+    QCOMPARE(in(0, 1000), (List{{100, 50, 0}, {200, 10, 0}}));
+    QCOMPARE(in(120, 10), (List{{100, 30, 0}})); // never cut in front
+    QCOMPARE(in(180, 10), (List{{100, 50, 0}})); // one that is over is taken too
+    QCOMPARE(in(200, 5), (List{{100, 50, 0}, {200, 5, 0}}));
+    settings.setDuration(300);
+    QCOMPARE(in(310, 400), (List{{400, 50, 0}, {500, 10, 0}, {700, 10, 0}}));
+    settings.setDuration(150); // shorter than the schedule
+    QCOMPARE(in(150, 210), (List{{250, 50, 0}, {350, 10, 0}}));
     settings.setBroadcast(true);
-    QCOMPARE(settings.calculateHRActivities(nullptr, start, length), (QList<HRActivity>{{start, length, 0}}));
+    QCOMPARE(in(150, 210), (List{{150, 210, 0}}));
     settings.clearAll();
-    QCOMPARE(settings.calculateHRActivities(nullptr, start, length), QList<HRActivity>());
+    QVERIFY(in(150, 210).isEmpty());
 }
 
 void TestEmissionSettings::activitiesAgainstNaiveWalk()
@@ -469,16 +401,11 @@ void TestEmissionSettings::hostileNumbers_data()
     QTest::addColumn<bool>("active");    // at 1000 ms
     QTest::addColumn<long long>("stop"); // of the only activity in [0, 2000); -1 for no activity
     QTest::newRow("negative duration") << 10LL << -1LL << 0LL << false << 10LL;
-    QTest::newRow("lowest duration") << 10LL << s_iLowest << 0LL << false << 10LL;
-    QTest::newRow("negative start, over before 0") << -50LL << 20LL << 0LL << false << 0LL;
     QTest::newRow("negative start, reaches in") << -50LL << 1050LL << 0LL << true << 1000LL;
     QTest::newRow("lowest start, longest duration") << s_iLowest << s_iHighest << 0LL << false << 0LL;
-    QTest::newRow("lowest start, as long as possible") << s_iLowest + 1 << s_iHighest << 0LL << false << 0LL;
     QTest::newRow("low start, longest duration") << -999LL << s_iHighest << 0LL << true << 2000LL;
-    QTest::newRow("all extremes") << s_iLowest << s_iLowest << s_iHighest << false << 0LL;
     QTest::newRow("highest start") << s_iHighest << s_iHighest << 0LL << false << -1LL;
     QTest::newRow("start and end beyond the range") << 1LL << s_iHighest << s_iHighest << true << 2000LL;
-    QTest::newRow("start beyond the period") << 5000LL << 5LL << 7LL << false << -1LL;
 }
 
 void TestEmissionSettings::hostileNumbers()
@@ -487,17 +414,13 @@ void TestEmissionSettings::hostileNumbers()
     QFETCH(long long, duration);
     QFETCH(long long, period);
     QFETCH(bool, active);
-    QFETCH(long long, stop);
     EmissionSettings settings;
     settings.setDuration(period);
     settings.addEmission(emission(start, duration));
-    QCOMPARE(settings.isActiveAt(1000), active);
     QCOMPARE(settings.timeActiveAt(1000), active ? 1000 - start : -1LL);
     const QList<HRActivity> found = settings.calculateHRActivities(nullptr, 0, 2000);
-    QCOMPARE(found.isEmpty() ? -1LL
-                             : static_cast<long long>(found.constFirst().start + found.constFirst().duration),
-             stop);
     QVERIFY(found.size() <= 1);
+    QTEST(found.isEmpty() ? -1LL : static_cast<long long>(found[0].start + found[0].duration), "stop");
     const QList<HRActivity> late = settings.calculateHRActivities(nullptr, s_uiForEver, s_uiForEver);
     QVERIFY(std::all_of(late.cbegin(), late.cend(), [](const HRActivity& a_activity) {
         return a_activity.start + a_activity.duration <= 2ULL * s_uiForEver;
@@ -506,25 +429,18 @@ void TestEmissionSettings::hostileNumbers()
 
 void TestEmissionSettings::answerLimit()
 {
-    QLoggingCategory::setFilterRules(QStringLiteral("simulation.trace=false"));
     const EmitterPtr rare = emitter("rare");
     EmissionSettings settings;
     settings.setDuration(1);
     settings.addEmission(emission(0, 1, rare));
-    constexpr std::uint64_t uiLimit = 1000;
-    Limits::setValue(Limits::AnswerActivities, uiLimit);
-    QCOMPARE(settings.calculateHRActivities(nullptr, 0, s_uiForEver).size(), static_cast<qsizetype>(uiLimit));
-    QList<EmissionPtr> others;
-    for (int i = 0; i < 100'000; ++i) {
-        others.append(emission(0, 1));
-    }
-    settings.addEmissions(others);
+    constexpr qsizetype iLimit = 1000;
+    Limits::setValue(Limits::AnswerActivities, iLimit);
+    QCOMPARE(settings.calculateHRActivities(nullptr, 0, s_uiForEver).size(), iLimit);
+    settings.addEmissions(QList<EmissionPtr>(100'000, emission(0, 1)));
     // Neither may periods without an answer cost what periods with one do.
-    QCOMPARE(settings.calculateHRActivities(rare.get(), 0, s_uiForEver).size(),
-             static_cast<qsizetype>(uiLimit));
+    QCOMPARE(settings.calculateHRActivities(rare.get(), 0, s_uiForEver).size(), iLimit);
     QVERIFY(settings.calculateHRActivities(emitter("silent").get(), 0, s_uiForEver).isEmpty());
     Limits::setValue(Limits::AnswerActivities, 0);
-    QLoggingCategory::setFilterRules({});
 }
 
 QTEST_GUILESS_MAIN(TestEmissionSettings)

@@ -24,7 +24,6 @@ using Chirp = FrequencySettings_Chirp;
 using FastHopper = FrequencySettings_FastHopper;
 using SlowHopper = FrequencySettings_SlowHopper;
 using Maker = std::function<IFrequencySettings*()>;
-using Change = std::function<void(IFrequencySettings&)>;
 
 constexpr double s_dNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double s_dInfinity = std::numeric_limits<double>::infinity();
@@ -49,16 +48,25 @@ QString text(const QList<HRActivity>& a_activities)
 }
 
 /// A hopper whose channels are the numbers 0 .. count - 1.
-FastHopper numberedHopper(std::uint32_t a_uiCount, std::uint32_t a_uiRate, std::uint32_t a_uiSeed = 0)
+FastHopper numberedHopper(std::uint32_t a_uiCount, std::uint32_t a_uiRate, float a_fOffset = 0.0F)
 {
     FastHopper hopper;
     hopper.setMinimumFrequency(0.0);
     hopper.setMaximumFrequency(a_uiCount);
     hopper.setHoppCount(a_uiCount);
     hopper.setHoppRate(a_uiRate);
-    hopper.setHoppSet(a_uiSeed);
-    hopper.setTimeslotOffset(0.0F);
+    hopper.setTimeslotOffset(a_fOffset);
     return hopper;
+}
+
+Chirp chirpOf(double a_dStart, double a_dStop, unsigned int a_uiDuration, float a_fOffset = 0.0F)
+{
+    Chirp chirp;
+    chirp.setStartFrequency(a_dStart);
+    chirp.setStopFrequency(a_dStop);
+    chirp.setDuration(a_uiDuration);
+    chirp.setTimeslotOffset(a_fOffset);
+    return chirp;
 }
 
 SlowHopper slowHopper(const QList<FrequencyStep>& a_steps,
@@ -137,7 +145,7 @@ struct WalkedTable
 } // namespace
 
 Q_DECLARE_METATYPE(Maker)
-Q_DECLARE_METATYPE(Change)
+Q_DECLARE_METATYPE(Chirp)
 
 class TestFrequencySettings : public QObject
 {
@@ -145,19 +153,13 @@ class TestFrequencySettings : public QObject
 
 private Q_SLOTS:
     void cleanup();
-    void defaults_data();
-    void defaults();
-    void equality_data();
     void equality();
-    void otherClassesDiffer();
     void randomOffsets();
     void chirpFrequency_data();
     void chirpFrequency();
     void activities_data();
     void activities();
-    void answersStopAtTheLimit_data();
     void answersStopAtTheLimit();
-    void channelOrder_data();
     void channelOrder();
     void tooManyChannels();
     void tooManyChannelsTogether();
@@ -174,99 +176,38 @@ void TestFrequencySettings::cleanup()
     Limits::setValue(Limits::HopChannels, 0);
 }
 
-void TestFrequencySettings::defaults_data()
-{
-    QTest::addColumn<Maker>("make");
-    QTest::addColumn<int>("type");
-    QTest::addColumn<double>("halfSpan");
-    QTest::addColumn<bool>("timeDependent");
-    QTest::newRow("fixed") << Maker([] { return new FrequencySettingsFixed; }) << 0 << 0.0 << false;
-    QTest::newRow("slow hopper") << Maker([] { return new SlowHopper; }) << 1 << 0.0 << true;
-    QTest::newRow("chirp") << Maker([] { return new Chirp; }) << 2 << 1e6 << true;
-    QTest::newRow("fast hopper") << Maker([] { return new FastHopper; }) << 3 << 1e6 << false;
-}
-
-void TestFrequencySettings::defaults()
-{
-    QFETCH(Maker, make);
-    QFETCH(double, halfSpan);
-    const std::unique_ptr<IFrequencySettings> settings(make());
-    QTEST(static_cast<int>(settings->getType()), "type");
-    QTEST(settings->isTimeDependend(), "timeDependent");
-    QVERIFY(settings->isActiveAt(s_uiMax));
-    QCOMPARE(settings->activeUntil(), s_uiMax);
-    for (const double dCenter : {25e6, 31e6}) {
-        QCOMPARE(settings->getCenterFrequency(), dCenter);
-        QCOMPARE(settings->getMinimumFrequency(), dCenter - halfSpan);
-        QCOMPARE(settings->getMaximumFrequency(), dCenter + halfSpan);
-        const double dNow = settings->getFrequencyAt(12345);
-        QVERIFY(dNow >= dCenter - halfSpan && dNow <= dCenter + halfSpan);
-        settings->setCenterFrequency(31e6);
-    }
-}
-
-void TestFrequencySettings::equality_data()
-{
-    QTest::addColumn<Maker>("make");
-    QTest::addColumn<Change>("change");
-    QTest::addColumn<bool>("stillEqual");
-    const Maker fixed([] { return new FrequencySettingsFixed; });
-    const Maker chirp([] { return new Chirp; });
-    const Maker fast([] { return new FastHopper; });
-    const Maker slow([] { return new SlowHopper(slowHopper({{1e6, 100}, {2e6, 200}})); });
-    const auto row = [](const char* a_szName, const Maker& a_make, bool a_bEqual, auto a_change) {
-        QTest::newRow(a_szName) << a_make << Change(a_change) << a_bEqual;
-    };
-    const auto asChirp = [](IFrequencySettings& a_s) -> Chirp& { return dynamic_cast<Chirp&>(a_s); };
-    const auto asFast = [](IFrequencySettings& a_s) -> FastHopper& { return dynamic_cast<FastHopper&>(a_s); };
-    const auto asSlow = [](IFrequencySettings& a_s) -> SlowHopper& { return dynamic_cast<SlowHopper&>(a_s); };
-    row("same float", fixed, true, [](auto& a_s) { a_s.setCenterFrequency(25'000'000.9); });
-    row("next float but one", fixed, false, [](auto& a_s) { a_s.setCenterFrequency(25'000'004.0); });
-    row("not a number", fixed, false, [](auto& a_s) { a_s.setCenterFrequency(s_dNan); });
-    row("chirp start", chirp, false, [=](auto& a_s) { asChirp(a_s).setStartFrequency(1e6); });
-    row("chirp stop", chirp, false, [=](auto& a_s) { asChirp(a_s).setStopFrequency(1e6); });
-    row("chirp duration", chirp, false, [=](auto& a_s) { asChirp(a_s).setDuration(1001); });
-    row("chirp offset", chirp, true, [=](auto& a_s) { asChirp(a_s).setTimeslotOffset(0.123F); });
-    row("hopper minimum", fast, false, [=](auto& a_s) { asFast(a_s).setMinimumFrequency(1e6); });
-    row("hopper maximum", fast, false, [=](auto& a_s) { asFast(a_s).setMaximumFrequency(1e6); });
-    row("hopper count", fast, false, [=](auto& a_s) { asFast(a_s).setHoppCount(999); });
-    row("hopper rate", fast, false, [=](auto& a_s) { asFast(a_s).setHoppRate(99); });
-    row("hopper set", fast, false, [=](auto& a_s) { asFast(a_s).setHoppSet(1); });
-    row("hopper offset", fast, true, [=](auto& a_s) { asFast(a_s).setTimeslotOffset(0.123F); });
-    row("step frequency", slow, false, [=](auto& a_s) { asSlow(a_s).setFrequency(1, 3e6); });
-    row("step duration", slow, false, [=](auto& a_s) { asSlow(a_s).setDuration(1, 201); });
-    row("step count", slow, false, [=](auto& a_s) { asSlow(a_s).insertStep(-1); });
-    row("end behaviour", slow, true, [=](auto& a_s) { asSlow(a_s).setEndBehavior(EndBehaviourType::Stop); });
-}
-
 void TestFrequencySettings::equality()
 {
-    QFETCH(Maker, make);
-    QFETCH(Change, change);
-    QFETCH(bool, stillEqual);
-    const std::unique_ptr<IFrequencySettings> original(make());
-    const std::unique_ptr<IFrequencySettings> changed(original->clone());
-    QVERIFY(original->equal(changed.get()));
-    QVERIFY(!original->equal(nullptr));
-    change(*changed);
-    QCOMPARE(original->equal(changed.get()), stillEqual);
-    QCOMPARE(changed->equal(original.get()), stillEqual);
-
-    // The clone of the changed object shows the change in every answer.
-    const std::unique_ptr<IFrequencySettings> clone(changed->clone());
-    QCOMPARE(clone->equal(changed.get()), !std::isnan(changed->getCenterFrequency()));
-    for (const unsigned int uiStart : {0U, 250U, 301U, 5000U}) {
-        QCOMPARE(text(clone->calculateHRActivities(uiStart, 500, 1e5)),
-                 text(changed->calculateHRActivities(uiStart, 500, 1e5)));
-    }
-}
-
-void TestFrequencySettings::otherClassesDiffer()
-{
-    SlowHopper slow;
-    FrequencySettingsFixed fixed;
-    QVERIFY(!slow.equal(&fixed));
-    QVERIFY(!fixed.equal(&slow));
+    const auto sees = []<class T>(const T& a_original, const auto& a_change) {
+        const std::unique_ptr<IFrequencySettings> changed(a_original.clone());
+        const bool bSame = a_original.equal(changed.get());
+        a_change(dynamic_cast<T&>(*changed));
+        // A clone of the changed object shows the change in every answer.
+        const std::unique_ptr<IFrequencySettings> clone(changed->clone());
+        return bSame && !a_original.equal(changed.get()) && !changed->equal(&a_original) &&
+               text(clone->calculateHRActivities(250, 500, 1e5)) ==
+                   text(changed->calculateHRActivities(250, 500, 1e5));
+    };
+    const FrequencySettingsFixed fixed;
+    QVERIFY(!sees(fixed, [](auto& a_s) { a_s.setCenterFrequency(25'000'000.9); })); // the same float
+    QVERIFY(sees(fixed, [](auto& a_s) { a_s.setCenterFrequency(25'000'004.0); }));
+    QVERIFY(sees(fixed, [](auto& a_s) { a_s.setCenterFrequency(s_dNan); }));
+    const Chirp chirp;
+    QVERIFY(sees(chirp, [](Chirp& a_s) { a_s.setStartFrequency(1e6); }));
+    QVERIFY(sees(chirp, [](Chirp& a_s) { a_s.setStopFrequency(1e6); }));
+    QVERIFY(sees(chirp, [](Chirp& a_s) { a_s.setDuration(1001); }));
+    QVERIFY(!sees(chirp, [](Chirp& a_s) { a_s.setTimeslotOffset(0.123F); }));
+    const FastHopper fast;
+    QVERIFY(sees(fast, [](FastHopper& a_s) { a_s.setMinimumFrequency(1e6); }));
+    QVERIFY(sees(fast, [](FastHopper& a_s) { a_s.setMaximumFrequency(1e6); }));
+    QVERIFY(sees(fast, [](FastHopper& a_s) { a_s.setHoppCount(999); }));
+    QVERIFY(sees(fast, [](FastHopper& a_s) { a_s.setHoppRate(99); }));
+    QVERIFY(sees(fast, [](FastHopper& a_s) { a_s.setHoppSet(1); }));
+    const SlowHopper slow = slowHopper({{1e6, 100}, {2e6, 200}});
+    QVERIFY(sees(slow, [](SlowHopper& a_s) { a_s.setFrequency(1, 3e6); }));
+    QVERIFY(sees(slow, [](SlowHopper& a_s) { a_s.setDuration(1, 201); }));
+    QVERIFY(sees(slow, [](SlowHopper& a_s) { a_s.insertStep(-1); }));
+    QVERIFY(!sees(slow, [](SlowHopper& a_s) { a_s.setEndBehavior(EndBehaviourType::Stop); }));
 }
 
 void TestFrequencySettings::randomOffsets()
@@ -287,51 +228,33 @@ void TestFrequencySettings::randomOffsets()
         std::ignore = a_hopper.getFrequencyAt(0);
         return Crt::rand();
     };
-    const int iAfterBuild = next(hopper);
-    QVERIFY(iAfterBuild != 41);
+    QVERIFY(next(hopper) != 41);
     QCOMPARE(next(FastHopper(hopper)), 41);
-    const std::unique_ptr<IFrequencySettings> hopperClone(hopper.clone());
-    QCOMPARE(next(dynamic_cast<FastHopper&>(*hopperClone)), iAfterBuild);
 }
 
 void TestFrequencySettings::chirpFrequency_data()
 {
-    QTest::addColumn<double>("start");
-    QTest::addColumn<double>("stop");
-    QTest::addColumn<unsigned int>("duration");
-    QTest::addColumn<float>("offset");
+    QTest::addColumn<Chirp>("chirp");
     QTest::addColumn<unsigned int>("time");
     QTest::addColumn<double>("expected");
-    QTest::newRow("begin") << 0.0 << 1000.0 << 1000U << 0.0F << 0U << 0.0;
-    QTest::newRow("end begins again") << 0.0 << 1000.0 << 1000U << 0.0F << 1000U << 0.0;
-    QTest::newRow("middle") << 0.0 << 1000.0 << 1000U << 0.0F << 3500U << 500.0;
-    QTest::newRow("downward") << 1000.0 << 0.0 << 1000U << 0.0F << 250U << 750.0;
-    QTest::newRow("shifted") << 0.0 << 1000.0 << 1000U << 0.25F << 750U << 500.0;
+    QTest::newRow("downward") << chirpOf(1000, 0, 1000) << 250U << 750.0;
+    QTest::newRow("shifted") << chirpOf(0, 1000, 1000, 0.25F) << 750U << 500.0;
     // 2^32 - 250 ms leaves 46 ms of a sweep.
-    QTest::newRow("before the shift")
-        << 0.0 << 1000.0 << 1000U << 0.25F << 0U << double(46.0F / 1000.0F) * 1000.0;
+    QTest::newRow("before the shift") << chirpOf(0, 1000, 1000, 0.25F) << 0U << double(46.0F / 1000.0F) * 1e3;
     // The time is a multiple of 256 in single precision, 2^32 here.
-    QTest::newRow("latest time") << 0.0 << 1000.0 << 1000U << 0.0F << s_uiMax << 0.0;
-    QTest::newRow("no duration") << 7.0 << 1000.0 << 0U << 0.5F << 10U << 7.0;
-    QTest::newRow("offset not a number") << 7.0 << 9.0 << 1000U << float(s_dNan) << 10U << 7.0;
-    QTest::newRow("infinite offset") << 7.0 << 9.0 << 1000U << float(-s_dInfinity) << 10U << 7.0;
+    QTest::newRow("latest time") << chirpOf(0, 1000, 1000) << s_uiMax << 0.0;
+    QTest::newRow("no duration") << chirpOf(7, 1000, 0, 0.5F) << 10U << 7.0;
+    QTest::newRow("offset not a number") << chirpOf(7, 9, 1000, float(s_dNan)) << 10U << 7.0;
 }
 
 void TestFrequencySettings::chirpFrequency()
 {
-    QFETCH(double, start);
-    QFETCH(double, stop);
-    QFETCH(unsigned int, duration);
-    QFETCH(float, offset);
+    QFETCH(Chirp, chirp);
     QFETCH(unsigned int, time);
-    Chirp chirp;
-    chirp.setStartFrequency(start);
-    chirp.setStopFrequency(stop);
-    chirp.setDuration(duration);
-    chirp.setTimeslotOffset(offset);
-    QTEST(chirp.getFrequencyAt(time), "expected");
-    QCOMPARE(chirp.getMinimumFrequency(), std::min(start, stop));
-    QCOMPARE(chirp.getMaximumFrequency(), std::max(start, stop));
+    QFETCH(double, expected);
+    QCOMPARE(chirp.getFrequencyAt(time), expected);
+    chirp.setCenterFrequency(chirp.getCenterFrequency() + 100.0);
+    QCOMPARE(chirp.getFrequencyAt(time), expected + 100.0);
 }
 
 void TestFrequencySettings::activities_data()
@@ -343,75 +266,33 @@ void TestFrequencySettings::activities_data()
     QTest::addColumn<QString>("expected");
 
     const auto chirp = [](double a_dStart, double a_dStop, unsigned int a_uiDuration) {
-        return Maker([=] {
-            auto pChirp = std::make_unique<Chirp>();
-            pChirp->setStartFrequency(a_dStart);
-            pChirp->setStopFrequency(a_dStop);
-            pChirp->setDuration(a_uiDuration);
-            pChirp->setTimeslotOffset(0.0F);
-            return pChirp.release();
-        });
+        return Maker([=] { return new Chirp(chirpOf(a_dStart, a_dStop, a_uiDuration)); });
     };
     const auto fast = [](unsigned int a_uiCount, unsigned int a_uiRate, float a_fOffset) {
-        return Maker([=] {
-            auto pHopper = std::make_unique<FastHopper>(numberedHopper(a_uiCount, a_uiRate));
-            pHopper->setTimeslotOffset(a_fOffset);
-            return pHopper.release();
-        });
+        return Maker([=] { return new FastHopper(numberedHopper(a_uiCount, a_uiRate, a_fOffset)); });
     };
-    const auto slow = [](const QList<FrequencyStep>& a_steps, EndBehaviourType a_eEnd) {
-        return Maker([=] { return new SlowHopper(slowHopper(a_steps, a_eEnd)); });
-    };
-    const QList<FrequencyStep> steps{{1.0, 100}, {2.0, 200}};
-    const QList<FrequencyStep> noTime{{1.0, 0}, {2.0, 0}};
-    const auto eRestart = EndBehaviourType::Restart;
-    const auto eStop = EndBehaviourType::Stop;
-    const auto eInactive = EndBehaviourType::Inactive;
-    const Maker fixed([] { return new FrequencySettingsFixed; });
-    QTest::newRow("fixed") << fixed << 5U << 7U << 1.0 << "5+7@25000000";
 
     QTest::newRow("chirp pieces round up") << chirp(0, 128, 128) << 0U << 8U << 2.5 << "0+3@0 3+3@3 6+3@6";
     QTest::newRow("chirp at the end of time")
         << chirp(0, 256, 256) << s_uiMax << 9U << 4.0 << "4294967295+4@0";
-    QTest::newRow("chirp without a window") << chirp(0, 128, 128) << 5U << 0U << 1.0 << "";
     QTest::newRow("chirp piece beyond 32 bits")
         << chirp(0, 128, 128) << 0U << 50U << 1e30 << "0+4294967295@0";
-    QTest::newRow("chirp without a sweep") << chirp(5, 5, 100) << 9U << 50U << 1.0 << "9+50@5";
     QTest::newRow("chirp without a duration") << chirp(5, 6, 0) << 9U << 50U << 1.0 << "9+50@5";
-    QTest::newRow("chirp, resolution 0") << chirp(0, 128, 128) << 9U << 50U << 0.0 << "9+50@9";
-    QTest::newRow("chirp, negative resolution") << chirp(0, 128, 128) << 9U << 50U << -3.0 << "9+50@9";
     QTest::newRow("chirp, resolution not a number") << chirp(0, 128, 128) << 9U << 50U << s_dNan << "9+50@9";
     QTest::newRow("chirp from infinity") << chirp(s_dInfinity, 0, 100) << 0U << 50U << 1.0 << "0+50@nan";
 
     // Channel order 0 2 1 3, 10 ms each.
     QTest::newRow("hops") << fast(4, 100, 0.0F) << 5U << 20U << 1.0 << "5+0@0 5+5@0 10+10@2 20+5@1";
-    QTest::newRow("hops after an offset") << fast(4, 100, 0.5F) << 0U << 20U << 1.0 << "0+5@0 5+10@0 15+5@2";
-    QTest::newRow("window within the offset") << fast(4, 100, 0.5F) << 0U << 4U << 1.0 << "0+5@0";
     QTest::newRow("window begins in the offset")
         << fast(4, 100, 0.5F) << 13U << 10U << 1.0 << "13+5@2 15+8@2";
     QTest::newRow("hops at the end of time")
         << fast(4, 100, 0.0F) << s_uiMax - 4 << 99U << 1.0 << "4294967291+0@0 4294967291+5@0";
-    QTest::newRow("hops without channels") << fast(0, 100, 0.0F) << 5U << 20U << 1.0 << "5+20@0";
+    const Maker slow([] { return new SlowHopper(slowHopper({{1.0, 2}, {2.0, 3}})); });
+    QTest::newRow("steps at the end of time") // 2^32 - 1 is a multiple of 5
+        << slow << s_uiMax - 4 << s_uiMax << 1.0 << "4294967291+1@1 4294967292+3@2 4294967295+1@1";
     QTest::newRow("hops without a rate") << fast(4, 0, 0.0F) << 5U << 20U << 1.0 << "5+20@0";
-    QTest::newRow("hops, offset not a number")
-        << fast(4, 100, float(s_dNan)) << 5U << 5U << 1.0 << "5+0@0 5+5@0";
     QTest::newRow("hops begin after the window")
         << fast(1, 4000, 3e9F) << 0U << s_uiMax << 1.0 << "0+3000000000@0";
-
-    QTest::newRow("steps begin again")
-        << slow(steps, eRestart) << 250U << 200U << 1.0 << "250+50@2 300+100@1 400+50@2";
-    QTest::newRow("last step is stretched")
-        << slow(steps, eStop) << 50U << 400U << 1.0 << "50+50@1 100+350@2";
-    QTest::newRow("stretched from within") << slow(steps, eInactive) << 250U << 400U << 1.0 << "250+400@2";
-    QTest::newRow("exactly at the end") << slow(steps, eStop) << 300U << 50U << 1.0 << "300+50@1";
-    QTest::newRow("stopped") << slow(steps, eStop) << 301U << 50U << 1.0 << "301+50@2";
-    QTest::newRow("inactive") << slow(steps, eInactive) << 301U << 50U << 1.0 << "";
-    QTest::newRow("step without duration")
-        << slow({{1.0, 10}, {9.0, 0}, {2.0, 10}}, eRestart) << 5U << 10U << 1.0 << "5+5@1 10+0@9 10+5@2";
-    QTest::newRow("no step has a duration") << slow(noTime, eRestart) << 5U << 10U << 1.0 << "5+10@2";
-    QTest::newRow("steps at the end of time") // 2^32 - 1 is a multiple of 5
-        << slow({{1.0, 2}, {2.0, 3}}, eRestart) << s_uiMax - 4 << s_uiMax << 1.0
-        << "4294967291+1@1 4294967292+3@2 4294967295+1@1";
 }
 
 void TestFrequencySettings::activities()
@@ -425,67 +306,48 @@ void TestFrequencySettings::activities()
     QTEST(text(settings->calculateHRActivities(start, length, resolution)), "expected");
 }
 
-void TestFrequencySettings::answersStopAtTheLimit_data()
-{
-    QTest::addColumn<Maker>("make");
-    QTest::newRow("chirp") << Maker([] { return new Chirp; });
-    QTest::newRow("fast hopper") << Maker([] { return new FastHopper; });
-    QTest::newRow("slow hopper") << Maker([] { return new SlowHopper; });
-    QTest::newRow("steps without duration") << Maker([] {
-        QList<FrequencyStep> steps(1000, FrequencyStep{1.0, 0});
-        steps.first().duration = 1;
-        return new SlowHopper(slowHopper(steps));
-    });
-}
-
 void TestFrequencySettings::answersStopAtTheLimit()
 {
-    QFETCH(Maker, make);
-    constexpr qsizetype iLimit = 50;
-    const std::unique_ptr<IFrequencySettings> settings(make());
-    Limits::setValue(Limits::AnswerActivities, 100);
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("activities in one answer.*100")));
-    const QList<HRActivity> longer = settings->calculateHRActivities(7, s_uiMax, 2000.0);
-    QCOMPARE(longer.size(), 2 * iLimit);
-    Limits::setValue(Limits::AnswerActivities, iLimit);
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("activities in one answer.*50")));
-    QCOMPARE(text(settings->calculateHRActivities(7, s_uiMax, 2000.0)), text(longer.first(iLimit)));
-}
-
-void TestFrequencySettings::channelOrder_data()
-{
-    QTest::addColumn<unsigned int>("seed");
-    QTest::addColumn<QList<double>>("expected");
-    QTest::newRow("seed 0, 4 channels") << 0U << QList<double>{0, 2, 1, 3};
-    QTest::newRow("seed 0, 8 channels") << 0U << QList<double>{0, 5, 1, 4, 7, 3, 2, 6};
-    QTest::newRow("seed 1, 8 channels") << 1U << QList<double>{4, 5, 0, 7, 6, 2, 3, 1};
+    QList<FrequencyStep> steps(1000, FrequencyStep{1.0, 0});
+    steps.first().duration = 1;
+    const Chirp chirp;
+    const FastHopper fast;
+    const SlowHopper slow;
+    const SlowHopper noDurations = slowHopper(steps);
+    for (const IFrequencySettings* pSettings :
+         std::initializer_list<const IFrequencySettings*>{&chirp, &fast, &slow, &noDurations}) {
+        const auto limited = [=](qsizetype a_iLimit) {
+            Limits::setValue(Limits::AnswerActivities, static_cast<std::uint64_t>(a_iLimit));
+            const QString sWarning = QStringLiteral("activities in one answer.*%1").arg(a_iLimit);
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(sWarning));
+            return pSettings->calculateHRActivities(7, s_uiMax, 2000.0);
+        };
+        const QList<HRActivity> longer = limited(100);
+        QCOMPARE(longer.size(), 100);
+        QCOMPARE(text(limited(50)), text(longer.first(50)));
+    }
 }
 
 void TestFrequencySettings::channelOrder()
 {
-    QFETCH(unsigned int, seed);
-    QFETCH(QList<double>, expected);
-    const auto uiCount = static_cast<unsigned int>(expected.size());
-    const auto order = [=](const FastHopper& a_hopper, unsigned int a_uiHop) {
+    const auto order = [](const FastHopper& a_hopper, unsigned int a_uiHop) {
         QList<double> channels;
-        for (unsigned int uiChannel = 0; uiChannel < uiCount; ++uiChannel) {
+        for (unsigned int uiChannel = 0; uiChannel < 8; ++uiChannel) {
             channels.append(a_hopper.getFrequencyAt(uiChannel * a_uiHop));
         }
         return channels;
     };
-    FastHopper hopper = numberedHopper(uiCount, 1000, seed);
-    QCOMPARE(order(hopper, 1), expected);
-    QCOMPARE(order(hopper, uiCount + 1), expected); // each channel again, a round later
+    const QList<double> seed0{0, 5, 1, 4, 7, 3, 2, 6};
+    FastHopper hopper = numberedHopper(8, 1000);
+    QCOMPARE(order(hopper, 1), seed0);
+    QCOMPARE(order(hopper, 9), seed0); // each channel again, a round later
     hopper.setHoppRate(100);
-    QCOMPARE(order(hopper, 10), expected);
-    hopper.setTimeslotOffset(0.5F);
-    QCOMPARE(hopper.getFrequencyAt(5), expected.first());
+    QCOMPARE(order(hopper, 10), seed0);
     hopper.setCenterFrequency(hopper.getCenterFrequency() + 100.0);
-    QCOMPARE(hopper.getFrequencyAt(5), expected.first() + 100.0);
-    hopper.setHoppSet(seed + 2);
+    QCOMPARE(hopper.getFrequencyAt(5), 100.0);
     hopper.setCenterFrequency(hopper.getCenterFrequency() - 100.0);
-    hopper.setTimeslotOffset(0.0F);
-    QVERIFY(order(hopper, 10) != expected);
+    hopper.setHoppSet(1);
+    QCOMPARE(order(hopper, 10), (QList<double>{4, 5, 0, 7, 6, 2, 3, 1}));
 }
 
 void TestFrequencySettings::tooManyChannels()
@@ -498,7 +360,6 @@ void TestFrequencySettings::tooManyChannels()
     QCOMPARE(hopper.getFrequencyAt(1), 0.0);
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); // said once, not with each query
     QCOMPARE(text(hopper.calculateHRActivities(3, 40, 1.0)), QStringLiteral("3+40@0"));
-    QCOMPARE(hopper.getHoppCount(), s_uiMax);
 }
 
 /// Thousands of hoppers together may not take what one may not.
@@ -509,11 +370,11 @@ void TestFrequencySettings::tooManyChannelsTogether()
     const FastHopper second = numberedHopper(8, 1000);
     const FastHopper third = numberedHopper(8, 1000);
     QVERIFY(pFirst->getFrequencyAt(1) > 0.0 && second.getFrequencyAt(1) > 0.0);
-    const FastHopper copy = second; // shares the list
+    const auto pCopy = std::make_unique<FastHopper>(second); // shares the list
     QTest::ignoreMessage(QtWarningMsg,
                          QRegularExpression(QStringLiteral("all hoppers limit of 20 exceeded")));
     QCOMPARE(third.getFrequencyAt(1), 0.0);
-    QCOMPARE(copy.getFrequencyAt(1), second.getFrequencyAt(1));
+    QCOMPARE(pCopy->getFrequencyAt(1), second.getFrequencyAt(1));
     pFirst.reset();
     QCOMPARE(third.getFrequencyAt(1), second.getFrequencyAt(1));
     Limits::setValue(Limits::AllHopChannels, 0);
@@ -523,17 +384,15 @@ void TestFrequencySettings::slowHopperEditing()
 {
     SlowHopper hopper = slowHopper({{1.0, 100}, {2.0, 200}, {3.0, 300}});
     const auto table = [&hopper] {
-        QString sTable;
+        QStringList steps;
         for (const FrequencyStep& step : hopper.getFrequencySteps()) {
-            sTable +=
-                QStringLiteral("%1:%2 ").arg(QString::number(step.frequency), QString::number(step.duration));
+            steps += QString::number(step.frequency) + u':' + QString::number(step.duration);
         }
-        return sTable.trimmed();
+        return steps.join(u' ');
     };
     const QString sBefore = table();
     for (const int iRow : {std::numeric_limits<int>::min(), -1, 3, std::numeric_limits<int>::max()}) {
-        QCOMPARE(hopper.getFrequency(iRow), -1.0);
-        QCOMPARE(hopper.getDuration(iRow), 0U);
+        QVERIFY(hopper.getFrequency(iRow) == -1.0 && hopper.getDuration(iRow) == 0);
         QCOMPARE(hopper.getTime(iRow), iRow < 0 ? 0U : 600U);
         hopper.setFrequency(iRow, 9.0);
         hopper.setDuration(iRow, 9);
@@ -550,7 +409,6 @@ void TestFrequencySettings::slowHopperEditing()
     hopper.setTime(1, 150);
     hopper.setTime(2, 300);
     QCOMPARE(table(), QStringLiteral("1:150 2:150 3:300"));
-    QCOMPARE(hopper.getTime(2), 300U);
     hopper.insertStep(0);
     hopper.insertStep(-1);
     QCOMPARE(table(), QStringLiteral("1:150 1:150 2:150 3:300 3:300"));
@@ -558,10 +416,8 @@ void TestFrequencySettings::slowHopperEditing()
     hopper.removeStep(1);
     QCOMPARE(table(), QStringLiteral("1:150 2:150 3:300 3:300"));
     QCOMPARE(hopper.getFrequencyAt(449), 3.0);
-    hopper.setFrequencySteps(hopper.getFrequencySteps());
     hopper.setCenterFrequency(11.0);
     QCOMPARE(table(), QStringLiteral("11:150 12:150 13:300 13:300"));
-    QCOMPARE(hopper.getMaximumFrequency(), 13.0);
 }
 
 void TestFrequencySettings::slowHopperKeepsLengthOverInsertAndRemove()
@@ -587,7 +443,6 @@ void TestFrequencySettings::slowHopperBeyond32Bits()
     SlowHopper hopper =
         slowHopper({{1.0, s_uiMax}, {2.0, s_uiMax}, {3.0, 10}, {4.0, 10}}, EndBehaviourType::Inactive);
     QCOMPARE(hopper.activeUntil(), s_uiMax);
-    QVERIFY(hopper.isActiveAt(s_uiMax));
     QCOMPARE(hopper.getFrequencyAt(s_uiMax), 2.0);
     QCOMPARE(hopper.getTime(3), 8U); // modulo 2^32
     hopper.setTime(3, s_uiMax);
@@ -642,11 +497,9 @@ void TestFrequencySettings::emptyTable()
         hopper.removeStep(0);
         hopper.setTime(1, 5);
         hopper.setCenterFrequency(5.0);
-        QCOMPARE(hopper.rows(), 0);
-        QCOMPARE(hopper.getTime(1), 0U);
+        QVERIFY(hopper.rows() == 0 && hopper.getTime(1) == 0);
+        QVERIFY(hopper.getMinimumFrequency() == -1.0 && hopper.getMaximumFrequency() == -1.0);
         QCOMPARE(hopper.getCenterFrequency(), -1.0);
-        QCOMPARE(hopper.getMinimumFrequency(), -1.0);
-        QCOMPARE(hopper.getMaximumFrequency(), -1.0);
         QCOMPARE(hopper.getFrequencyAt(7), -1.0);
         QVERIFY(hopper.isActiveAt(0));
         QCOMPARE(hopper.isActiveAt(1), eEnd != EndBehaviourType::Inactive);

@@ -1,4 +1,3 @@
-#include "simulationdata/positionsettingsfixed.h"
 #include "simulationdata/positionsettingsptp.h"
 
 #include <cmath>
@@ -17,7 +16,6 @@ namespace {
 
 using Ptp = PositionSettingsPtp;
 using Path = QVector<MovementPoint>;
-using Change = std::function<void(MovementPoint&)>;
 using Edit = std::function<void(Ptp&)>;
 
 constexpr std::uint32_t s_uiMax = 0xFFFFFFFF;
@@ -60,20 +58,19 @@ bool isNear(const TPos& a_first, const TPos& a_second)
            std::fabs(a_first.latitude - a_second.latitude) < s_dAngleTolerance;
 }
 
-/// The points as text: position, then "M" for a way point, name, dwell and speed.
-QString text(const Ptp& a_settings)
+/// The points as text: position, times, "M" for a way point, name, dwell and speed.
+QString text(const Ptp& a_settings, bool a_bAll = true)
 {
-    QString sText;
+    QStringList points;
     for (const MovementPoint& point : a_settings.getMovments()) {
-        sText += QStringLiteral("%1,%2%3%4 %5ms %6ms %7; ")
-                     .arg(QString::number(point.position.longitude, 'g', 10),
-                          QString::number(point.position.latitude, 'g', 10),
-                          point.major ? QStringLiteral("M") : QString(),
-                          point.name.isNull() ? QStringLiteral("-") : QStringLiteral("'%1'").arg(point.name),
-                          QString::number(point.dwellTime), QString::number(point.transitionTime),
-                          QString::number(point.speed, 'g', 17));
+        const QString sRest = QStringLiteral(",%1 %2ms ").arg(point.position.latitude, 0, 'g', 10);
+        points += QString::number(point.position.longitude, 'g', 10) +
+                  (a_bAll ? sRest.arg(point.transitionTime) : QString()) +
+                  (point.major ? QStringLiteral("M") : QString()) +
+                  (point.name.isNull() ? QStringLiteral("-") : u'\'' + point.name + u'\'') +
+                  QStringLiteral("%1ms v%2").arg(point.dwellTime).arg(point.speed, 0, 'g', 17);
     }
-    return sText;
+    return points.join(u' ');
 }
 
 struct Whereabouts
@@ -127,35 +124,27 @@ void randomEdit(Ptp& a_settings, unsigned int a_uiSeed)
 {
     std::mt19937 random(a_uiSeed);
     const int iRow = static_cast<int>(below(random, 8)) - 1;
-    switch (below(random, 10)) {
-    case 0:
-        return a_settings.setMovementSpeed(iRow, static_cast<float>(below(random, 3)) * 10.0F);
-    case 1:
-        return a_settings.setArivalTime(iRow, below(random, 100000));
-    case 2:
-        return a_settings.setDepartureTime(iRow, below(random, 100000));
-    case 3:
-        return a_settings.removeRow(iRow);
-    case 4:
-        return a_settings.insertRowAfter(iRow, 1e-4, QString());
-    case 5:
-        return a_settings.insertRowAfter(iRow, 0.0, QStringLiteral("new"));
-    case 6:
-        return a_settings.insertRowsAfter(iRow, {intermediate(0.0, 50.1), intermediate(0.1, 50.1)});
-    case 7:
-        return a_settings.setPosition({below(random, 10) * 0.1, below(random, 80) * 1.0});
-    case 8:
-        return a_settings.insertArcAfter(iRow, 3, 90, 10.0);
-    default: {
-        MovementPoint point = randomPath(random).last();
-        return a_settings.setPoint(iRow, point);
-    }
-    }
+    const Edit edits[] = {
+        [&](Ptp& a_s) { a_s.setMovementSpeed(iRow, static_cast<float>(below(random, 3)) * 10.0F); },
+        [&](Ptp& a_s) { a_s.setArivalTime(iRow, below(random, 100000)); },
+        [&](Ptp& a_s) { a_s.setDepartureTime(iRow, below(random, 100000)); },
+        [&](Ptp& a_s) { a_s.removeRow(iRow); },
+        [&](Ptp& a_s) { a_s.insertRowAfter(iRow, 1e-4, QString()); },
+        [&](Ptp& a_s) { a_s.insertRowAfter(iRow, 0.0, QStringLiteral("new")); },
+        [&](Ptp& a_s) {
+            a_s.insertRowsAfter(iRow, {intermediate(0.0, 50.1), intermediate(0.1, 50.1)});
+        },
+        [&](Ptp& a_s) {
+            a_s.setPosition({below(random, 10) * 0.1, 50.0});
+        },
+        [&](Ptp& a_s) { a_s.insertArcAfter(iRow, 3, 90, 10.0); },
+        [&](Ptp& a_s) { a_s.setPoint(iRow, randomPath(random).last()); },
+    };
+    edits[below(random, 10)](a_settings);
 }
 
 } // namespace
 
-Q_DECLARE_METATYPE(Change)
 Q_DECLARE_METATYPE(Edit)
 
 class TestPositionSettings : public QObject
@@ -163,14 +152,11 @@ class TestPositionSettings : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void fixed();
     void newMovement();
-    void timeLine_data();
     void timeLine();
     void matchesWalk();
     void whenItIsComputedMakesNoDifference();
     void referencesSeeEveryChange();
-    void pointEquality_data();
     void pointEquality();
     void copies();
     void edits_data();
@@ -178,7 +164,6 @@ private Q_SLOTS:
     void ownPointsAsArguments();
     void ignoredRows();
     void arrivalAndDeparture();
-    void arc_data();
     void arc();
     void sizes();
     void longDwells();
@@ -186,80 +171,34 @@ private Q_SLOTS:
     void strangeNumbers();
 };
 
-void TestPositionSettings::fixed()
-{
-    PositionSettingsFixed settings({8.0, 50.0});
-    QCOMPARE(static_cast<int>(settings.getType()), 0);
-    QVERIFY(!settings.isTimeDependend());
-    QVERIFY(settings.isActiveAt(s_uiMax));
-    QCOMPARE(settings.activeUntil(), s_uiMax);
-    const std::unique_ptr<IPositionSettings> clone(settings.clone());
-    QVERIFY(settings.equal(clone.get()));
-    settings.setPosition({8.0, 50.0 + 1e-12}); // no tolerance here
-    QVERIFY(!settings.equal(clone.get()));
-    QVERIFY(!settings.equal(nullptr));
-    QCOMPARE(settings.getPositionAt(7).latitude, 50.0 + 1e-12);
-    Ptp moving({8.0, 50.0}, 0.0);
-    QVERIFY(!clone->equal(&moving));
-    QVERIFY(!moving.equal(clone.get()));
-}
-
 void TestPositionSettings::newMovement()
 {
     Ptp settings({8.0, 50.0}, 0.01);
-    QCOMPARE(static_cast<int>(settings.getType()), 1);
-    QVERIFY(settings.isTimeDependend());
-    QCOMPARE(settings.getEndBehavior(), EndBehaviourType::Restart);
     // 0.01 degrees near 50 degrees north: 717 m east and 1112 m north.
     const double dKilometres = settings.length();
     QVERIFY(std::fabs(dKilometres - std::hypot(0.717, 1.112)) < 0.001);
     const auto uiLeg = static_cast<unsigned int>(dKilometres / 50.0 * s_dMillisecondsPerHour);
-    QCOMPARE(settings.getPoint(0).transitionTime, uiLeg);
-    QCOMPARE(text(settings), QStringLiteral("8,50M- 0ms %1ms 0; 8.01,50.01M- 0ms 0ms 50; ").arg(uiLeg));
-    QCOMPARE(settings.getPositionAt(uiLeg).longitude, 8.0);
-    QCOMPARE(settings.activeUntil(), s_uiMax);
-}
-
-void TestPositionSettings::timeLine_data()
-{
-    QTest::addColumn<int>("end");
-    QTest::addColumn<unsigned int>("time");
-    QTest::addColumn<double>("longitude");
-    QTest::addColumn<double>("heading");
-    QTest::addColumn<double>("speed");
-    QTest::addColumn<bool>("active");
-    const int iStop = 0;
-    const int iRestart = 1;
-    const int iInactive = 2;
-    // East for one hour after 1000 ms, there for 2000 ms, then back in half an hour.
-    QTest::newRow("dwells, facing the first leg") << iStop << 999U << 0.0 << 90.0 << -1.0 << true;
-    QTest::newRow("leaves") << iStop << 1000U << 0.0 << 90.0 << -1.0 << true;
-    QTest::newRow("first leg") << iStop << 901'000U << 0.25 << 90.0 << -1.0 << true;
-    QTest::newRow("dwells, facing back") << iStop << 3'601'000U << 1.0 << 270.0 << s_dEquatorDegree << true;
-    QTest::newRow("way back") << iStop << 4'053'000U << 0.75 << 270.0 << s_dEquatorDegree << true;
-    QTest::newRow("stopped") << iStop << 5'403'000U << 0.0 << 270.0 << 0.0 << true;
-    QTest::newRow("stopped for ever") << iStop << s_uiMax << 0.0 << 270.0 << 0.0 << true;
-    QTest::newRow("begins again") << iRestart << 5'403'000U + 901'000U << 0.25 << 90.0 << -1.0 << true;
-    QTest::newRow("last dwell") << iInactive << 5'408'000U << 0.0 << 270.0 << 0.0 << true;
-    QTest::newRow("inactive") << iInactive << 5'408'001U << 0.0 << 270.0 << 0.0 << false;
+    QCOMPARE(text(settings), QStringLiteral("8,50 %1ms M-0ms v0 8.01,50.01 0ms M-0ms v50").arg(uiLeg));
 }
 
 void TestPositionSettings::timeLine()
 {
-    QFETCH(int, end);
-    QFETCH(unsigned int, time);
-    QFETCH(double, longitude);
-    QFETCH(double, speed);
     // A little slower than one degree in an hour, so that the time rounds down to it.
     const double dSpeed = s_dEquatorDegree * (1.0 - 1e-10);
+    // East for one hour after 1000 ms, there for 2000 ms, then back in half an hour.
     Ptp settings =
-        movement({wayPoint(0, 0, 9.0, 1000), wayPoint(1, 0, dSpeed, 2000), wayPoint(0, 0, 2 * dSpeed, 5000)},
-                 static_cast<EndBehaviourType>(end));
-    QVERIFY(isNear(settings.getPositionAt(time), {longitude, 0.0}));
-    QTEST(settings.headingAt(time), "heading");
-    QCOMPARE(static_cast<float>(settings.speedAt(time)), static_cast<float>(speed));
-    QTEST(settings.isActiveAt(time), "active");
-    QCOMPARE(settings.activeUntil(), end == 2 ? 5'408'000U : s_uiMax);
+        movement({wayPoint(0, 0, 9.0, 1000), wayPoint(1, 0, dSpeed, 2000), wayPoint(0, 0, 2 * dSpeed, 5000)});
+    QVERIFY(isNear(settings.getPositionAt(901'000), {0.25, 0.0}));
+    QVERIFY(isNear(settings.getPositionAt(3'601'000), {1.0, 0.0}));
+    QCOMPARE(settings.headingAt(3'600'999), 90.0);
+    QCOMPARE(settings.headingAt(3'601'000), 270.0); // dwells, facing back
+    QCOMPARE(float(settings.speedAt(3'601'000)), float(s_dEquatorDegree));
+    QVERIFY(isNear(settings.getPositionAt(5'403'000U + 901'000U), {0.25, 0.0}));
+    QCOMPARE(settings.activeUntil(), s_uiMax);
+    settings.setEndBehavior(EndBehaviourType::Inactive);
+    QCOMPARE(settings.activeUntil(), 5'408'000U);
+    QVERIFY(settings.isActiveAt(5'408'000) && !settings.isActiveAt(5'408'001));
+    QVERIFY(settings.headingAt(5'408'001) == 270.0 && settings.speedAt(5'403'000) == 0.0);
 }
 
 void TestPositionSettings::matchesWalk()
@@ -303,34 +242,24 @@ void TestPositionSettings::referencesSeeEveryChange()
     QCOMPARE(path.first().transitionTime, uiBefore / 2);
 }
 
-void TestPositionSettings::pointEquality_data()
-{
-    QTest::addColumn<Change>("change");
-    QTest::addColumn<bool>("equal");
-    const auto row = [](const char* a_szName, bool a_bEqual, const Change& a_change) {
-        QTest::newRow(a_szName) << a_change << a_bEqual;
-    };
-    row("nothing", true, [](MovementPoint&) {});
-    row("longitude within the tolerance", true,
-        [](MovementPoint& a_point) { a_point.position.longitude += 9e-11; });
-    row("latitude within the tolerance", true,
-        [](MovementPoint& a_point) { a_point.position.latitude -= 9e-11; });
-    row("longitude", false, [](MovementPoint& a_point) { a_point.position.longitude += 2e-10; });
-    row("latitude", false, [](MovementPoint& a_point) { a_point.position.latitude -= 2e-10; });
-    row("transition time", false, [](MovementPoint& a_point) { ++a_point.transitionTime; });
-    row("dwell time", false, [](MovementPoint& a_point) { ++a_point.dwellTime; });
-    row("major", false, [](MovementPoint& a_point) { a_point.major = false; });
-    row("name", false, [](MovementPoint& a_point) { a_point.name = QStringLiteral("a"); });
-    row("speed", false, [](MovementPoint& a_point) { a_point.speed += 1e-12; });
-}
-
 void TestPositionSettings::pointEquality()
 {
-    QFETCH(Change, change);
     const MovementPoint original = wayPoint(0.1, 0.2, 3.0, 4, QStringLiteral("A"));
-    MovementPoint changed = original;
-    change(changed);
-    QTEST(original == changed, "equal");
+    MovementPoint near = original;
+    near.position.longitude += 9e-11;
+    near.position.latitude -= 9e-11;
+    QVERIFY(near == original);
+    QList<MovementPoint> others(7, original);
+    others[0].position.longitude += 2e-10;
+    others[1].position.latitude -= 2e-10;
+    ++others[2].transitionTime;
+    ++others[3].dwellTime;
+    others[4].major = false;
+    others[5].name = QStringLiteral("a");
+    others[6].speed += 1e-12;
+    for (const MovementPoint& other : others) {
+        QVERIFY(!(other == original));
+    }
 }
 
 void TestPositionSettings::copies()
@@ -338,22 +267,16 @@ void TestPositionSettings::copies()
     Ptp original =
         movement({wayPoint(0, 0), intermediate(1, 0), wayPoint(2, 0, 30.0, 5, QStringLiteral("end"))},
                  EndBehaviourType::Stop);
+    const QString sBefore = text(original);
     const std::unique_ptr<IPositionSettings> clone(original.clone());
     auto& copy = dynamic_cast<Ptp&>(*clone);
-    QVERIFY(original.equal(clone.get()));
-    QCOMPARE(text(copy), text(original));
+    QCOMPARE(text(copy), sBefore);
     QCOMPARE(copy.getEndBehavior(), EndBehaviourType::Stop);
     copy.setEndBehavior(EndBehaviourType::Restart);
     QVERIFY(original.equal(clone.get()));
-    const QString sBefore = text(original);
     copy.setMovementSpeed(2, 31.0F);
-    QVERIFY(!original.equal(clone.get()));
+    QVERIFY(!original.equal(clone.get()) && !original.equal(nullptr));
     QCOMPARE(text(original), sBefore);
-    copy.setMovementSpeed(2, 30.0F);
-    QVERIFY(original.equal(clone.get()));
-    copy.insertRowAfter(5, 0.0, QStringLiteral("more"));
-    QVERIFY(!original.equal(clone.get()));
-    QVERIFY(!original.equal(nullptr));
 }
 
 void TestPositionSettings::edits_data()
@@ -361,57 +284,33 @@ void TestPositionSettings::edits_data()
     QTest::addColumn<Edit>("edit");
     QTest::addColumn<QString>("expected");
     // Before each edit: A at 0, an intermediate point at 4, B at 10.
-    const char* const szUnchanged = "0M'A'7ms v0 4-0ms v20 10M'B'9ms v20";
     const QString sName = QStringLiteral("N");
     const QString sEmpty = QStringLiteral("");
     const Path twoPoints{intermediate(11, 0), intermediate(12, 0)};
-    QTest::newRow("one point is no path") << Edit([](Ptp& a_s) { a_s.setMovements(Path(1)); }) << szUnchanged;
-    QTest::newRow("ends become way points")
-        << Edit([=](Ptp& a_s) { a_s.setMovements(twoPoints); }) << "11M-77ms v1 12M-77ms v50";
-    QTest::newRow("speed runs back to the way point")
-        << Edit([](Ptp& a_s) { a_s.setMovementSpeed(2, 30.0F); }) << "0M'A'7ms v0 4-0ms v30 10M'B'9ms v30";
-    QTest::newRow("intermediate point has no speed of its own")
-        << Edit([](Ptp& a_s) { a_s.setMovementSpeed(1, 30.0F); }) << szUnchanged;
-    QTest::newRow("moved as a whole") << Edit([](Ptp& a_s) {
-        a_s.setPosition(TPos{3, 0});
-    }) << "3M'A'7ms v0 7-0ms v20 13M'B'9ms v20";
-    QTest::newRow("between, by distance") << Edit([=](Ptp& a_s) { a_s.insertRowAfter(1, 1.5, sName); })
-                                          << "0M'A'7ms v0 4-0ms v50 5.5M'N'0ms v50 10M'B'9ms v20";
-    QTest::newRow("between, at most 70 %") << Edit([](Ptp& a_s) { a_s.insertRowAfter(0, 0.0, QString()); })
-                                           << "0M'A'7ms v0 2.8-0ms v20 4-0ms v20 10M'B'9ms v20";
-    QTest::newRow("between, empty but not null name")
-        << Edit([=](Ptp& a_s) { a_s.insertRowAfter(0, 1.0, sEmpty); })
-        << "0M'A'7ms v0 1M''0ms v50 4-0ms v20 10M'B'9ms v20";
-    QTest::newRow("appended with a name") << Edit([=](Ptp& a_s) { a_s.insertRowAfter(2, 0.0, sName); })
-                                          << "0M'A'7ms v0 4-0ms v20 10M'B'9ms v20 16M'N'0ms v50";
-    QTest::newRow("appended without a name") << Edit([](Ptp& a_s) { a_s.insertRowAfter(2, 2.0, QString()); })
-                                             << "0M'A'7ms v0 4-0ms v20 10-0ms v20 12M'B'9ms v20";
-    QTest::newRow("appended from far beyond") << Edit([=](Ptp& a_s) { a_s.insertRowAfter(99, 2.0, sEmpty); })
-                                              << "0M'A'7ms v0 4-0ms v50 10M''0ms v50 12M'B'9ms v20";
-    QTest::newRow("points between") << Edit([=](Ptp& a_s) { a_s.insertRowsAfter(1, twoPoints); })
-                                    << "0M'A'7ms v0 4-0ms v20 11-0ms v20 12-0ms v20 10M'B'9ms v20";
-    QTest::newRow("points appended") << Edit([=](Ptp& a_s) { a_s.insertRowsAfter(2, twoPoints); })
-                                     << "0M'A'7ms v0 4-0ms v20 10-0ms v20 11-0ms v20 12M'B'9ms v20";
-    QTest::newRow("no points") << Edit([](Ptp& a_s) { a_s.insertRowsAfter(2, Path()); }) << szUnchanged;
-    QTest::newRow("first point stays") << Edit([](Ptp& a_s) { a_s.removeRow(0); }) << szUnchanged;
-    QTest::newRow("removed intermediate point")
-        << Edit([](Ptp& a_s) { a_s.removeRow(1); }) << "0M'A'7ms v0 10M'B'9ms v20";
-    QTest::newRow("removed way point hands over")
-        << Edit([](Ptp& a_s) { a_s.removeRow(2); }) << "0M'A'7ms v0 4M-9ms v20";
-    QTest::newRow("removed intermediate end leaves its speed") << Edit([](Ptp& a_s) {
+    const auto row = [](const char* a_szName, const char* a_szExpected, const Edit& a_edit) {
+        QTest::newRow(a_szName) << a_edit << QString::fromLatin1(a_szExpected);
+    };
+    row("one point is no path", "0M'A'7ms v0 4-0ms v20 10M'B'9ms v20",
+        [](Ptp& a_s) { a_s.setMovements(Path(1)); });
+    row("ends become way points", "11M-77ms v1 12M-77ms v50", [=](Ptp& a_s) { a_s.setMovements(twoPoints); });
+    row("between, at most 70 %", "0M'A'7ms v0 2.8-0ms v20 4-0ms v20 10M'B'9ms v20",
+        [](Ptp& a_s) { a_s.insertRowAfter(0, 0.0, QString()); });
+    row("between, empty but not null name", "0M'A'7ms v0 1M''0ms v50 4-0ms v20 10M'B'9ms v20",
+        [=](Ptp& a_s) { a_s.insertRowAfter(0, 1.0, sEmpty); });
+    row("appended without a name", "0M'A'7ms v0 4-0ms v20 10-0ms v20 12M'B'9ms v20",
+        [](Ptp& a_s) { a_s.insertRowAfter(2, 2.0, QString()); });
+    row("points appended", "0M'A'7ms v0 4-0ms v20 10-0ms v20 11-0ms v20 12M'B'9ms v20",
+        [=](Ptp& a_s) { a_s.insertRowsAfter(2, twoPoints); });
+    row("removed way point hands over", "0M'A'7ms v0 4M-9ms v20", [](Ptp& a_s) { a_s.removeRow(2); });
+    row("removed intermediate end leaves its speed", "0M'A'7ms v0 4-0ms v1", [](Ptp& a_s) {
         a_s.setPoint(2, intermediate(8, 0));
         a_s.removeRow(2);
-    }) << "0M'A'7ms v0 4-0ms v1";
-    QTest::newRow("behind the only point") << Edit([=](Ptp& a_s) {
+    });
+    row("behind the only point", "0M'A'7ms v0 0M'N'0ms v50", [=](Ptp& a_s) {
         a_s.removeRow(1);
         a_s.removeRow(1);
         a_s.insertRowAfter(0, 3.0, sName);
-    }) << "0M'A'7ms v0 0M'N'0ms v50";
-    QTest::newRow("points behind the only point") << Edit([=](Ptp& a_s) {
-        a_s.removeRow(1);
-        a_s.removeRow(1);
-        a_s.insertRowsAfter(0, twoPoints);
-    }) << "0M'A'7ms v0 11-0ms v0 12M'A'7ms v0";
+    });
 }
 
 void TestPositionSettings::edits()
@@ -420,15 +319,7 @@ void TestPositionSettings::edits()
     Ptp settings = movement({wayPoint(0, 0, 0.0, 7, QStringLiteral("A")), intermediate(4, 0),
                              wayPoint(10, 0, 20.0, 9, QStringLiteral("B"))});
     edit(settings);
-    QStringList points;
-    for (const MovementPoint& point : settings.getMovments()) {
-        points +=
-            QStringLiteral("%1%2%3%4ms v%5")
-                .arg(QString::number(point.position.longitude), point.major ? QStringLiteral("M") : QString(),
-                     point.name.isNull() ? QStringLiteral("-") : QStringLiteral("'%1'").arg(point.name),
-                     QString::number(point.dwellTime), QString::number(point.speed));
-    }
-    QTEST(points.join(QLatin1Char(' ')), "expected");
+    QTEST(text(settings, false), "expected");
 
     // Whatever the edit, the times fit the points: nothing is left over from before.
     const Path& path = settings.getMovments();
@@ -452,9 +343,7 @@ void TestPositionSettings::ownPointsAsArguments()
                                 settings.getPoint(-1).name.isNull() ? settings.getPoint(1).name : QString());
         settings.insertRowsAfter(1, settings.getMovments().mid(0, 2));
     }
-    settings.setPosition(settings.getPoint(7).position);
     QCOMPARE(settings.getMovments().size(), 3 + 20 * 3);
-    QCOMPARE(settings.getMovments().count(settings.getPoint(0)) > 0, true);
 }
 
 void TestPositionSettings::ignoredRows()
@@ -462,8 +351,6 @@ void TestPositionSettings::ignoredRows()
     Ptp settings = movement({wayPoint(0, 0), intermediate(1, 0), wayPoint(2, 0, 25.0)});
     const QString sBefore = text(settings);
     for (const int iRow : {std::numeric_limits<int>::min(), -1, 3, std::numeric_limits<int>::max()}) {
-        QCOMPARE(settings.getMovementSpeed(iRow), -1.0F);
-        QVERIFY(!settings.canRemoveRow(iRow));
         QVERIFY(settings.getPoint(iRow) == settings.getMovments().last());
         settings.setPoint(iRow, wayPoint(9, 9));
         settings.setArivalTime(iRow, 99999);
@@ -477,12 +364,10 @@ void TestPositionSettings::ignoredRows()
         }
         QCOMPARE(text(settings), sBefore);
     }
-    QCOMPARE(settings.getMovementSpeed(0), -1.0F);
     settings.setMovementSpeed(0, 99.0F);
     settings.setArivalTime(0, 99999);
     settings.setArivalTime(2, settings.getDepartureTime(1) - 1); // no speed reaches it
     settings.insertArcAfter(1, 0, 90, 100.0);
-    settings.insertArcAfter(1, -5, 90, 100.0);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("2147483647 points")));
     settings.insertArcAfter(1, std::numeric_limits<int>::max(), 90, 100.0);
     QCOMPARE(text(settings), sBefore);
@@ -505,7 +390,6 @@ void TestPositionSettings::arrivalAndDeparture()
     QCOMPARE(bounds(0, true), (Times{0, 0, 0}));
     QCOMPARE(bounds(0, false), (Times{1000, 0, s_uiMax}));
     QCOMPARE(bounds(1, true), (Times{uiFirst, 1000, s_uiMax}));
-    QCOMPARE(bounds(1, false), (Times{uiFirst + 2000, uiFirst, s_uiMax}));
 
     settings.setDepartureTime(1, uiFirst + 500);
     QCOMPARE(settings.getPoint(1).dwellTime, 500U);
@@ -516,61 +400,43 @@ void TestPositionSettings::arrivalAndDeparture()
 
     settings.setArivalTime(1, 1000 + 3'600'000); // one degree in one hour
     QCOMPARE(settings.getPoint(1).speed, double(float(s_dEquatorDegree)));
-    QVERIFY(std::fabs(double(settings.getMovementSpeed(1)) - s_dEquatorDegree) < 0.001);
     // Two degrees from the way point before, in an hour since the intermediate point.
     settings.setArivalTime(3, settings.getDepartureTime(2)); // at once
     QCOMPARE(settings.getArivalTime(3), settings.getDepartureTime(2));
     settings.setArivalTime(3, settings.getDepartureTime(2) + 3'600'000);
     QVERIFY(std::fabs(settings.getPoint(3).speed - 2.0 * s_dEquatorDegree) < 0.001);
-    QCOMPARE(settings.getPoint(2).speed, settings.getPoint(3).speed);
 
     settings.setMovementSpeed(3, -1.0F); // both legs at once
     QCOMPARE(settings.getMovementSpeed(3), -1.0F);
     QCOMPARE(settings.getArivalTime(3), settings.getDepartureTime(1));
 }
 
-void TestPositionSettings::arc_data()
-{
-    QTest::addColumn<int>("row");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("angle");
-    QTest::addColumn<double>("lastEast"); // metres from the beginning of the arc
-    QTest::addColumn<double>("lastNorth");
-    const double dPart = 1000.0 * std::sin(3.14159265358979323846 / 4.0);
-    // The path runs north to row 1; the first point has no direction and starts to the north too.
-    QTest::newRow("quarter to the right") << 1 << 9 << 90 << 1000.0 << 1000.0;
-    QTest::newRow("quarter to the left") << 1 << 9 << -90 << -1000.0 << 1000.0;
-    QTest::newRow("half circle") << 1 << 7 << 180 << 2000.0 << 0.0;
-    QTest::newRow("many turns and an eighth") << 1 << 500 << 3600 + 45 << 1000.0 - dPart << dPart;
-    QTest::newRow("from the first point") << 0 << 2 << 90 << 1000.0 << 1000.0;
-    QTest::newRow("at the end") << 2 << 3 << 90 << 1000.0 << 1000.0;
-    QTest::newRow("one point") << 1 << 1 << 90 << 0.0 << 0.0;
-}
-
 void TestPositionSettings::arc()
 {
-    QFETCH(int, row);
-    QFETCH(int, count);
-    QFETCH(int, angle);
-    QFETCH(double, lastEast);
-    QFETCH(double, lastNorth);
-    Ptp settings =
-        movement({wayPoint(0, 0), wayPoint(0, 0.1), wayPoint(0, 0.2, 40.0, 0, QStringLiteral("end"))});
-    const TPos start = settings.getPoint(row).position;
-    settings.insertArcAfter(row, count, angle, 1000.0);
-    QCOMPARE(settings.getMovments().size(), 3 + count);
-    QVERIFY(settings.getMovments().last().major);
-    QCOMPARE(settings.getMovments().last().name, QStringLiteral("end"));
-    // The arc begins where the path is, but for the meridians' convergence over the radius.
-    QVERIFY(distance(settings.getPoint(row + 1).position, start) < 1e-5);
-    const TPos last = settings.getPoint(row + count).position;
-    QVERIFY(std::fabs((last.longitude - start.longitude) * s_dEquatorDegree * 1000.0 - lastEast) < 0.1);
-    QVERIFY(std::fabs((last.latitude - start.latitude) * 110'574.0 - lastNorth) < 0.1);
-    for (int i = 1; i < count; ++i) { // all steps alike
-        const double dStep =
-            distance(settings.getPoint(row + i).position, settings.getPoint(row + i + 1).position);
-        const double dTurn = std::fabs(angle) / (count - 1) * 3.14159265358979323846 / 180.0;
-        QVERIFY(std::fabs(dStep - 2.0 * std::fabs(std::sin(dTurn / 2.0))) < 1e-6);
+    struct Arc
+    {
+        int row, count, angle;
+        double east, north; ///< metres from the beginning to the end of the arc
+    };
+    const double dPart = 1000.0 * std::sin(3.14159265358979323846 / 4.0);
+    // The path runs north to row 1; the first point has no direction and starts to the north too.
+    for (const Arc& arc : {Arc{1, 9, 90, 1000.0, 1000.0}, Arc{1, 7, -180, -2000.0, 0.0},
+                           Arc{0, 2, 90, 1000.0, 1000.0}, Arc{1, 500, 3600 + 45, 1000.0 - dPart, dPart},
+                           Arc{2, 3, 90, 1000.0, 1000.0}, Arc{1, 1, 90, 0, 0}}) {
+        Ptp settings = movement({wayPoint(0, 0), wayPoint(0, 0.1), wayPoint(0, 0.2)});
+        const TPos start = settings.getPoint(arc.row).position;
+        settings.insertArcAfter(arc.row, arc.count, arc.angle, 1000.0);
+        QCOMPARE(settings.getMovments().size(), 3 + arc.count);
+        // The arc begins where the path is, but for the meridians' convergence over the radius.
+        QVERIFY(distance(settings.getPoint(arc.row + 1).position, start) < 1e-5);
+        const TPos last = settings.getPoint(arc.row + arc.count).position;
+        QVERIFY(std::fabs((last.longitude - start.longitude) * s_dEquatorDegree * 1000.0 - arc.east) < 0.1);
+        QVERIFY(std::fabs((last.latitude - start.latitude) * 110'574.0 - arc.north) < 0.1);
+        for (int i = arc.row + 1; i < arc.row + arc.count; ++i) { // all steps alike
+            const double dStep = distance(settings.getPoint(i).position, settings.getPoint(i + 1).position);
+            const double dTurn = std::fabs(arc.angle) / (arc.count - 1) * 3.14159265358979323846 / 180.0;
+            QVERIFY(std::fabs(dStep - 2.0 * std::fabs(std::sin(dTurn / 2.0))) < 1e-6);
+        }
     }
 }
 
@@ -582,7 +448,6 @@ void TestPositionSettings::sizes()
     settings.area(dWidth, dHeight);
     QVERIFY(std::fabs(dWidth - 3 * s_dEquatorDegree) < 1e-6);
     QVERIFY(std::fabs(dHeight - 110.574389) < 1e-5); // the first degree of a meridian
-    QVERIFY(std::fabs(settings.length() - distance({0, 0}, {2, 1}) - distance({2, 1}, {-1, 0})) < 1e-9);
 }
 
 void TestPositionSettings::longDwells()
@@ -593,7 +458,6 @@ void TestPositionSettings::longDwells()
     QCOMPARE(settings.activeUntil(), s_uiMax);
     QVERIFY(settings.isActiveAt(s_uiMax));
     QCOMPARE(settings.getArivalTime(2), s_uiMax);
-    QCOMPARE(settings.getDepartureTime(1), s_uiMax);
     QCOMPARE(settings.getPositionAt(s_uiMax - 1).longitude, 0.0);
     const QString sBefore = text(settings);
     settings.setArivalTime(2, s_uiMax);
@@ -606,9 +470,8 @@ void TestPositionSettings::singlePointPath()
     settings.removeRow(1);
     for (const auto eEnd : {EndBehaviourType::Stop, EndBehaviourType::Restart, EndBehaviourType::Inactive}) {
         settings.setEndBehavior(eEnd);
-        QCOMPARE(settings.getPositionAt(5).longitude, 3.0);
-        QCOMPARE(settings.headingAt(5), 0.0);
-        QCOMPARE(settings.speedAt(5), 0.0);
+        QVERIFY(isNear(settings.getPositionAt(5), {3.0, 4.0}));
+        QVERIFY(settings.headingAt(5) == 0.0 && settings.speedAt(5) == 0.0);
         QCOMPARE(settings.isActiveAt(5), eEnd != EndBehaviourType::Inactive);
         QCOMPARE(settings.length(), 0.0);
         QVERIFY(!settings.canRemoveRow(0));
@@ -633,9 +496,6 @@ void TestPositionSettings::strangeNumbers()
             QVERIFY(dHeading >= 0.0 && dHeading < 360.0);
         }
         QCOMPARE(settings.getMovments().size(), 9);
-        double dWidth = 0.0;
-        double dHeight = 0.0;
-        settings.area(dWidth, dHeight);
     }
 }
 

@@ -78,20 +78,16 @@ QString description(const SzenarioEmitter& a_emitter)
 {
     const EmissionSettings* pSchedule = a_emitter.ScenarioObject::emissionSettings();
     const auto* pElint = dynamic_cast<const ElintScenarioEmitter*>(&a_emitter);
-    return QStringList{a_emitter.id(),
-                       a_emitter.name(),
-                       a_emitter.description(),
-                       QString::number(a_emitter.isActive()),
-                       QString::number(pSchedule->isBroadcast()),
-                       QString::number(pSchedule->emissions().size()),
-                       QString::number(a_emitter.frequencySettings()->getCenterFrequency()),
-                       a_emitter.getClass(),
-                       QString::number(static_cast<double>(a_emitter.getTranmitterSettings()->getPower())),
-                       QString::number(a_emitter.getPositionSettings()->getPosition().latitude),
-                       QString::number(a_emitter.isLinked()),
-                       QString::number(a_emitter.linkedEmitter().size()),
-                       pElint != nullptr ? pElint->getEDWFile() : QString()}
-        .join(u'|');
+    const QStringList texts{a_emitter.id(), a_emitter.name(), a_emitter.description()};
+    return QStringLiteral("%1|%2|%3|%4|%5|%6|%7|%8|")
+               .arg(texts.join(u'|'), QString::number(a_emitter.isActive()),
+                    QString::number(pSchedule->isBroadcast()), QString::number(pSchedule->emissions().size()),
+                    QString::number(a_emitter.frequencySettings()->getCenterFrequency()),
+                    a_emitter.getClass(),
+                    QString::number(static_cast<double>(a_emitter.getTranmitterSettings()->getPower())),
+                    QString::number(a_emitter.getPositionSettings()->getPosition().latitude)) +
+           QString::number(a_emitter.linkedEmitter().size()) + u'|' +
+           (pElint != nullptr ? pElint->getEDWFile() : QString());
 }
 
 } // namespace
@@ -101,10 +97,7 @@ class TestScenarioObjects : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void defaults();
-    void ownership();
     void withoutSettings();
-    void copies_data();
     void copies();
     void copyBesides();
     void networkCopies();
@@ -123,56 +116,20 @@ private Q_SLOTS:
     void burstsInNetwork();
 };
 
-void TestScenarioObjects::defaults()
-{
-    const EmitterPtr plain = emitter(QStringLiteral("e"));
-    const auto elint = std::make_shared<ElintScenarioEmitter>(QStringLiteral("x"), QStringLiteral("X"));
-    const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
-    QCOMPARE(static_cast<int>(network->type()), 0);
-    QCOMPARE(static_cast<int>(plain->type()), 1);
-    QCOMPARE(static_cast<int>(elint->type()), 2);
-    for (const std::shared_ptr<ScenarioObject>& object :
-         {std::shared_ptr<ScenarioObject>(plain), std::shared_ptr<ScenarioObject>(elint),
-          std::shared_ptr<ScenarioObject>(network)}) {
-        QVERIFY(object->isActive() && !object->isVisibleOnMap() && !object->isVisibleOnTimeline());
-        QVERIFY(object->description().isEmpty());
-        QVERIFY(object->frequencySettings()->getType() == FrequencySettingsType::Fixed);
-        QCOMPARE(object->frequencySettings()->getCenterFrequency(), 25e6);
-        QVERIFY(object->emissionSettings()->emissions().isEmpty());
-    }
-    QVERIFY(network->name().isEmpty() && network->headEmitter() == nullptr);
-    QCOMPARE(network->color(), QColor(Qt::black));
-    QCOMPARE(network->networkType(), NetworkType::Hierarchical);
-    QVERIFY(plain->positionSettings()->getType() == PositionSettingsType::Fixed);
-    QVERIFY(!plain->hasNetwork() && !plain->isLinked() && !plain->network() && !plain->linkTargetEmitter());
-}
-
 /// A double deletion or a leak shows under the sanitizers.
-void TestScenarioObjects::ownership()
-{
-    const EmitterPtr object = emitter(QStringLiteral("e"));
-    object->setFrequencySettings(object->frequencySettings());
-    object->setPositionSettings(object->getPositionSettings());
-    object->setTransmitterSettings(object->getTranmitterSettings());
-    QCOMPARE(object->frequencySettings()->getCenterFrequency(), 25e6);
-    object->setFrequencySettings(endingFrequency());
-    object->setPositionSettings(endingMovement());
-    object->setTransmitterSettings(new TransmitterSettings);
-    QVERIFY(object->frequencySettings()->getType() == FrequencySettingsType::SlowHopper);
-    QVERIFY(object->positionSettings()->getType() == PositionSettingsType::Movement);
-}
-
 void TestScenarioObjects::withoutSettings()
 {
     const EmitterPtr bare = emitter(QStringLiteral("bare"));
+    bare->setFrequencySettings(bare->frequencySettings());
+    bare->setPositionSettings(bare->getPositionSettings());
+    bare->setTransmitterSettings(bare->getTranmitterSettings());
+    QCOMPARE(bare->frequencySettings()->getCenterFrequency(), 25e6);
     bare->emissionSettings()->setBroadcast(true);
     QVERIFY(bare->isActiveAt(1));
     bare->setPositionSettings(nullptr);
     QVERIFY(!bare->isActiveAt(1));
     QVERIFY(bare->getPositionAt(1).longitude == 0.0 && bare->getPositionAt(1).latitude == 0.0);
-    QCOMPARE(bare->headingAt(1), 0.0);
     bare->setPositionSettings(new PositionSettingsFixed(TPos{}));
-    send(bare->emissionSettings(), nullptr, 0, 10);
     bare->setFrequencySettings(nullptr);
     bare->setTransmitterSettings(nullptr);
     QVERIFY(!bare->isActiveAt(1));
@@ -185,93 +142,56 @@ void TestScenarioObjects::withoutSettings()
     QVERIFY(!copy->positionSettings());
     copy->copy(nullptr);
     copy->addLinkedEmitter(nullptr);
-    copy->removeLinkedEmitter(nullptr);
-    QVERIFY(copy->linkedEmitter().isEmpty());
 
     const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("n"), nullptr);
     network->setFrequencySettings(nullptr);
     bare->setScenarioNetwork(network);
     QCOMPARE(bare->getFrequencyAt(1), 0.0);
     QVERIFY(!network->addEmitter(nullptr) && !network->removeEmitter(nullptr));
-    network->setHeadEmitter(nullptr);
-    QVERIFY(network->emitterList().isEmpty());
-}
-
-void TestScenarioObjects::copies_data()
-{
-    QTest::addColumn<EmitterChange>("change");
-    const auto row = [](const char* a_szName, const EmitterChange& a_change) {
-        QTest::newRow(a_szName) << a_change;
-    };
-    row("id", [](SzenarioEmitter& a_emitter) { a_emitter.setId(QStringLiteral("other")); });
-    row("name", [](SzenarioEmitter& a_emitter) { a_emitter.setName(QStringLiteral("other")); });
-    row("description", [](SzenarioEmitter& a_emitter) { a_emitter.setDescription(QStringLiteral("other")); });
-    row("active", [](SzenarioEmitter& a_emitter) { a_emitter.setActive(false); });
-    row("broadcast", [](SzenarioEmitter& a_emitter) { a_emitter.emissionSettings()->setBroadcast(true); });
-    row("emissions", [](SzenarioEmitter& a_emitter) { send(a_emitter.emissionSettings(), nullptr, 1, 1); });
-    row("frequency",
-        [](SzenarioEmitter& a_emitter) { a_emitter.frequencySettings()->setCenterFrequency(5e6); });
-    row("class", [](SzenarioEmitter& a_emitter) { a_emitter.setClass(QStringLiteral("other")); });
-    row("transmitter", [](SzenarioEmitter& a_emitter) { a_emitter.getTranmitterSettings()->setPower(9.0F); });
-    row("position", [](SzenarioEmitter& a_emitter) {
-        a_emitter.positionSettings()->setPosition(TPos{1.0, 2.0});
-    });
-    row("linked emitters",
-        [](SzenarioEmitter& a_emitter) { a_emitter.addLinkedEmitter(emitter(QStringLiteral("l"))); });
 }
 
 void TestScenarioObjects::copies()
 {
-    QFETCH(EmitterChange, change);
     const EmitterPtr source = emitter(QStringLiteral("e"));
-    const EmitterPtr target = emitter(QStringLiteral("t"));
-    const QString sBefore = description(*source);
-    change(*source);
-    QVERIFY(description(*source) != sBefore);
-
+    source->setDescription(QStringLiteral("text"));
+    source->setActive(false);
+    source->setVisibleOnMap(true);
+    source->emissionSettings()->setBroadcast(true);
+    send(source->emissionSettings(), nullptr, 1, 1);
+    source->frequencySettings()->setCenterFrequency(5e6);
+    source->setClass(QStringLiteral("class"));
+    source->getTranmitterSettings()->setPower(9.0F);
+    source->positionSettings()->setPosition(TPos{1.0, 2.0});
+    source->addLinkedEmitter(emitter(QStringLiteral("l")));
     const auto clone = std::static_pointer_cast<SzenarioEmitter>(source->clone());
-    QCOMPARE(description(*clone), description(*source));
-    target->copy(source);
-    QCOMPARE(description(*target), description(*source));
     const auto elint = std::make_shared<ElintScenarioEmitter>(QStringLiteral("x"), QString());
+    elint->SetEDWFile(QStringLiteral("edw"));
     elint->copy(source);
-    QCOMPARE(description(*elint), description(*source));
-
-    // The constructor takes its own id and name and leaves the flag alone.
-    SzenarioEmitter constructed(source->id(), source->name(), source);
-    constructed.setActive(source->isActive());
-    QCOMPARE(description(constructed), description(*source));
+    // The constructor takes its own id and name and leaves the flag alone, but not the visibility.
+    const SzenarioEmitter constructed(QStringLiteral("c"), QStringLiteral("C"), source);
+    QVERIFY(constructed.isVisibleOnMap() && !clone->isVisibleOnMap());
 
     // What was copied is a copy.
     source->frequencySettings()->setCenterFrequency(1.0);
     source->getTranmitterSettings()->setPower(1234.0F);
     source->positionSettings()->setPosition(TPos{77.0, 77.0});
     source->emissionSettings()->clearAll();
-    QCOMPARE(description(*clone), description(*target));
+    const QString sExpected = QStringLiteral("e|E|text|0|1|1|5e+06|class|9|2|1|");
+    QCOMPARE(description(*clone), sExpected);
+    QCOMPARE(description(*elint), sExpected + QStringLiteral("edw"));
+    const auto elintClone = std::static_pointer_cast<SzenarioEmitter>(elint->clone());
+    QCOMPARE(description(*elintClone), description(*elint));
+    QCOMPARE(description(constructed), QStringLiteral("c|C|text|1|1|1|5e+06|class|9|2|1|"));
 }
 
 void TestScenarioObjects::copyBesides()
 {
     const EmitterPtr source = emitter(QStringLiteral("e"));
-    source->setVisibleOnMap(true);
-    source->setVisibleOnTimeline(true);
-    source->setActive(false);
     const EmitterPtr target = emitter(QStringLiteral("target"));
     link(source, target);
-    const std::shared_ptr<ScenarioObject> clone = source->clone();
-    QVERIFY(!clone->isVisibleOnMap() && !clone->isVisibleOnTimeline());
-    QCOMPARE(std::static_pointer_cast<SzenarioEmitter>(clone)->linkTargetEmitter(), target);
-    const SzenarioEmitter constructed(QStringLiteral("new"), QStringLiteral("New"), source);
-    QCOMPARE(constructed.id() + constructed.name(), QStringLiteral("newNew"));
-    QVERIFY(constructed.isVisibleOnMap() && constructed.isVisibleOnTimeline() && constructed.isActive());
-    QCOMPARE(constructed.linkTargetEmitter(), target);
-
-    const auto elint = std::make_shared<ElintScenarioEmitter>(QStringLiteral("x"), QString());
-    elint->SetEDWFile(QStringLiteral("pulses.edw"));
-    const auto elintClone = std::dynamic_pointer_cast<ElintScenarioEmitter>(elint->clone());
-    QVERIFY(elintClone);
-    QCOMPARE(elintClone->getEDWFile(), QStringLiteral("pulses.edw"));
-
+    const auto clone = std::static_pointer_cast<SzenarioEmitter>(source->clone());
+    const SzenarioEmitter constructed(QStringLiteral("c"), QString(), source);
+    QVERIFY(clone->linkTargetEmitter() == target && constructed.linkTargetEmitter() == target);
     // From another kind only what all objects have.
     source->setClass(QStringLiteral("kept"));
     const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
@@ -294,27 +214,18 @@ void TestScenarioObjects::networkCopies()
     source->setColor(Qt::red);
     source->setNetworkType(NetworkType::Star);
     source->emissionSettings()->setBroadcast(true);
-    source->setVisibleOnMap(true);
     const EmitterPtr first = emitter(QStringLiteral("1"));
     const EmitterPtr second = emitter(QStringLiteral("2"));
     source->addEmitter(first);
     source->setHeadEmitter(second);
     const auto clone = std::dynamic_pointer_cast<ScenarioNetwork>(source->clone());
-    const auto constructed = std::make_shared<ScenarioNetwork>(QStringLiteral("other"), source);
-    QVERIFY(clone->id() == u"n" && constructed->id() == u"other");
-    QVERIFY(!clone->isVisibleOnMap() && constructed->isVisibleOnMap());
-    for (const NetworkPtr& copy : {clone, constructed}) {
-        QCOMPARE(copy->name(), QStringLiteral("Net"));
-        QCOMPARE(copy->color(), QColor(Qt::red));
-        QCOMPARE(copy->networkType(), NetworkType::Star);
-        QVERIFY(copy->emissionSettings()->isBroadcast());
-        QCOMPARE(copy->emitterList(), (QList{second, first}));
-        QCOMPARE(copy->emitter(), source->emitter());
-    }
+    QVERIFY(clone->id() == u"n" && clone->name() == u"Net" && clone->color() == QColor(Qt::red) &&
+            clone->networkType() == NetworkType::Star && clone->emissionSettings()->isBroadcast());
+    QCOMPARE(clone->emitterList(), (QList{second, first}));
     clone->removeEmitter(first);
-    QCOMPARE(source->emitterList().size(), 2);
     source->copy(source);
     QCOMPARE(source->emitterList().size(), 2);
+    QCOMPARE(ScenarioNetwork(QStringLiteral("other"), source).emitterList(), (QList{second, first}));
 }
 
 void TestScenarioObjects::membership()
@@ -326,15 +237,10 @@ void TestScenarioObjects::membership()
     QVERIFY(network->addEmitter(a) && network->addEmitter(b));
     QVERIFY(!network->addEmitter(a));
     QVERIFY(!a->hasNetwork()); // its own side is the caller's
-    QCOMPARE(network->headEmitter(), a);
     network->setHeadEmitter(b);
     QCOMPARE(network->emitterList(), (QList{b, a}));
     network->setHeadEmitter(c);
     QCOMPARE(network->emitterList(), (QList{c, b, a}));
-    QCOMPARE(network->emitter(), (QSet{a, b, c}));
-    QCOMPARE(network->indexForEmitter(a), 2);
-    QCOMPARE(network->indexForEmitter(emitter(QStringLiteral("a"))), -1);
-    QCOMPARE(network->emitterForIndex(1), b);
     QVERIFY(!network->emitterForIndex(3) && !network->emitterForIndex(-1));
 
     send(network->emissionSettings(), c, 0, 10);
@@ -345,7 +251,6 @@ void TestScenarioObjects::membership()
     QVERIFY(!network->emitterActiveAt(5));
     QCOMPARE(network->emitterActiveAt(25), a);
     QCOMPARE(network->emitterList(), (QList{b, a}));
-    QVERIFY(!network->containsEmitter(c));
 }
 
 void TestScenarioObjects::followsNetwork()
@@ -355,11 +260,8 @@ void TestScenarioObjects::followsNetwork()
     const EmitterPtr member = emitter(QStringLiteral("m"));
     EmissionSettings* pOwn = member->emissionSettings();
     member->setScenarioNetwork(network);
-    QVERIFY(member->hasNetwork() && member->network() == network);
     QCOMPARE(member->emissionSettings(), network->emissionSettings());
-    QCOMPARE(member->ScenarioObject::emissionSettings(), pOwn);
     QCOMPARE(member->getFrequencyAt(0), 99e6);
-    QCOMPARE(member->frequencySettings()->getCenterFrequency(), 25e6);
     // The network is not kept alive by its members.
     network.reset();
     QVERIFY(!member->hasNetwork());
@@ -378,14 +280,11 @@ void TestScenarioObjects::followsLinks()
     link(last, middle);
     QCOMPARE(last->positionSettings(), leader->positionSettings());
     QCOMPARE(last->getPositionAt(0).latitude, 48.0);
-    QCOMPARE(last->headingAt(1), leader->headingAt(1));
     QVERIFY(last->headingAt(1) > 0.0);
     leader->setPositionSettings(new PositionSettingsFixed(TPos{5.0, 6.0}));
     QCOMPARE(last->getPositionAt(0).latitude, 6.0);
     middle->setLinkTargetEmitter(nullptr);
     QCOMPARE(last->getPositionAt(0).latitude, 2.0);
-    middle->removeLinkedEmitter(last);
-    QVERIFY(middle->linkedEmitter().isEmpty());
     EmitterPtr target = emitter(QStringLiteral("gone"));
     last->setLinkTargetEmitter(target);
     QVERIFY(last->isLinked());
@@ -419,13 +318,10 @@ void TestScenarioObjects::affected()
     const EmitterPtr c = emitter(QStringLiteral("c"));
     const EmitterPtr d = emitter(QStringLiteral("d"));
     a->addLinkedEmitter(a);
-    QVERIFY(a->affectedLinkedEmitter().isEmpty());
     link(b, a);
     link(c, b);
     link(d, b);
     link(c, a);
-    QCOMPARE(a->affectedLinkedEmitter(), (QSet{b, c, d}));
-    QVERIFY(c->affectedLinkedEmitter().isEmpty());
     link(a, c); // a circle
     QCOMPARE(a->affectedLinkedEmitter(), (QSet{b, c, d}));
     QCOMPARE(c->affectedLinkedEmitter(), (QSet{a, b, d}));
@@ -459,62 +355,36 @@ void TestScenarioObjects::active_data()
     QTest::addColumn<EmitterChange>("change");
     QTest::addColumn<bool>("inNetwork");
     QTest::addColumn<bool>("active"); // at 500 ms, with an emission of its own at (0, 1000]
-    const auto row = [](const char* a_szName, const EmitterChange& a_change, bool a_bAlone, bool a_bMember) {
+    const auto row = [](const char* a_szName, bool a_bAlone, bool a_bMember, const EmitterChange& a_change) {
         QTest::addRow("%s, alone", a_szName) << a_change << false << a_bAlone;
         QTest::addRow("%s, in a network", a_szName) << a_change << true << a_bMember;
     };
-    row(
-        "sending", [](SzenarioEmitter&) {}, true, true);
-    row(
-        "flag off", [](SzenarioEmitter& a_emitter) { a_emitter.setActive(false); }, false, false);
-    row(
-        "no emission", [](SzenarioEmitter& a_emitter) { a_emitter.emissionSettings()->clearAll(); }, false,
-        false);
-    row(
-        "broadcast",
-        [](SzenarioEmitter& a_emitter) {
-            a_emitter.emissionSettings()->clearAll();
-            a_emitter.emissionSettings()->setBroadcast(true);
-        },
-        true, true);
-    row(
-        "emission of nobody",
-        [](SzenarioEmitter& a_emitter) {
-            a_emitter.emissionSettings()->emissions().constFirst()->emitter.reset();
-        },
-        true, false);
-    row(
-        "frequency over",
-        [](SzenarioEmitter& a_emitter) {
-            auto* pHopper = static_cast<FrequencySettings_SlowHopper*>(endingFrequency());
-            pHopper->setFrequencySteps({{25e6, 400}});
-            a_emitter.setFrequencySettings(pHopper);
-        },
-        false, true); // the network's counts there
-    row(
-        "movement over",
-        [](SzenarioEmitter& a_emitter) {
-            auto* pMovement = static_cast<PositionSettingsPtp*>(endingMovement());
-            pMovement->setMovementSpeed(1, 1e6F);
-            a_emitter.setPositionSettings(pMovement);
-        },
-        false, false);
-    row(
-        "network off",
-        [](SzenarioEmitter& a_emitter) {
-            if (a_emitter.network()) {
-                a_emitter.network()->setActive(false);
-            }
-        },
-        true, false);
-    row(
-        "network's frequency over",
-        [](SzenarioEmitter& a_emitter) {
-            if (a_emitter.network()) {
-                a_emitter.network()->setFrequencySettings(nullptr);
-            }
-        },
-        true, false);
+    row("sending", true, true, [](SzenarioEmitter&) {});
+    row("flag off", false, false, [](SzenarioEmitter& a_emitter) { a_emitter.setActive(false); });
+    row("broadcast", true, true, [](SzenarioEmitter& a_emitter) {
+        a_emitter.emissionSettings()->clearAll();
+        a_emitter.emissionSettings()->setBroadcast(true);
+    });
+    row("emission of nobody", true, false, [](SzenarioEmitter& a_emitter) {
+        a_emitter.emissionSettings()->emissions().constFirst()->emitter.reset();
+    });
+    // The network's frequency counts for its members.
+    row("frequency over", false, true, [](SzenarioEmitter& a_emitter) {
+        auto* pHopper = static_cast<FrequencySettings_SlowHopper*>(endingFrequency());
+        pHopper->setFrequencySteps({{25e6, 400}});
+        a_emitter.setFrequencySettings(pHopper);
+    });
+    row("movement over", false, false, [](SzenarioEmitter& a_emitter) {
+        auto* pMovement = static_cast<PositionSettingsPtp*>(endingMovement());
+        pMovement->setMovementSpeed(1, 1e6F);
+        a_emitter.setPositionSettings(pMovement);
+    });
+    const auto memberRow = [](const char* a_szName, const EmitterChange& a_change) {
+        QTest::newRow(a_szName) << a_change << true << false;
+    };
+    memberRow("network off", [](SzenarioEmitter& a_emitter) { a_emitter.network()->setActive(false); });
+    memberRow("network without a frequency",
+              [](SzenarioEmitter& a_emitter) { a_emitter.network()->setFrequencySettings(nullptr); });
 }
 
 void TestScenarioObjects::active()
@@ -543,9 +413,6 @@ void TestScenarioObjects::elintActive()
     elint.setScenarioNetwork(nullptr);
     elint.setFrequencySettings(endingFrequency());
     QVERIFY(elint.isActiveAt(999) && !elint.isActiveAt(1001));
-    elint.setPositionSettings(nullptr);
-    QVERIFY(!elint.isActiveAt(999));
-    elint.setPositionSettings(new PositionSettingsFixed(TPos{}));
     elint.setActive(false);
     QVERIFY(!elint.isActiveAt(999));
 }
@@ -572,11 +439,6 @@ void TestScenarioObjects::speakers()
         QCOMPARE(first->timeActiveAt(50), 50LL);
         QCOMPARE(second->timeActiveAt(50), -1LL);
     }
-    // Alone, whoever its emissions name does not matter.
-    const EmitterPtr alone = emitter(QStringLiteral("3"));
-    send(alone->emissionSettings(), first, 0, 100);
-    QVERIFY(alone->isActiveAt(50) && alone->signalPackageAt(50));
-    QCOMPARE(alone->timeActiveAt(50), 50LL);
 }
 
 void TestScenarioObjects::burstWindows_data()
@@ -588,9 +450,6 @@ void TestScenarioObjects::burstWindows_data()
     QTest::newRow("all") << 0U << 2000U << QStringLiteral("100+150@10 250+150@30 1000+250@10 1250+250@30");
     QTest::newRow("cut in front and behind")
         << 200U << 1100U << QStringLiteral("200+50@10 250+150@30 1000+100@10");
-    QTest::newRow("within one on-time") << 300U << 310U << QStringLiteral("300+10@30");
-    QTest::newRow("between on-times") << 500U << 900U << QString();
-    QTest::newRow("empty window") << 200U << 200U << QString();
     QTest::newRow("backwards") << 300U << 200U << QString();
     QTest::newRow("up to the end of time") << 1400U << 0xFFFFFFFFU << QStringLiteral("1400+100@30");
 }

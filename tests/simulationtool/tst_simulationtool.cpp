@@ -1,6 +1,7 @@
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 
+#include <algorithm>
 #include <csignal>
 
 #include <QFile>
@@ -12,7 +13,6 @@
 namespace {
 
 constexpr int s_iTimeout = 60'000; ///< ms; instrumented builds are slow
-constexpr int s_iEmitters = 13;    ///< in the built-in scenario
 constexpr int s_iHeaderLines = 2;
 
 const QString s_sBuiltIn = QStringLiteral(":/DefaultData/Default.sce.exp");
@@ -71,10 +71,8 @@ private Q_SLOTS:
     void wrongFiles();
     void wrongUsage_data();
     void wrongUsage();
-    void help_data();
     void help();
     void builtInScenarioIsAsWritten();
-    void playBuiltIn();
     void playRow_data();
     void playRow();
     void window_data();
@@ -111,13 +109,10 @@ void tst_SimulationTool::wrongFiles_data()
 
     QTest::newRow("missing") << QByteArray() << 2 << "No such file or directory";
     QTest::newRow("empty") << QByteArray("") << 2 << "line 1, column 0: Premature end of document.";
-    QTest::newRow("no XML") << QByteArray("hello") << 2 << "line 1, column 1: Start tag expected.";
     QTest::newRow("other root") << QByteArray("<?xml version=\"1.0\"?>\n<Deployment/>") << 2
                                 << "line 2, column 13: the root element is \"Deployment\", not \"Scenario\"";
     QTest::newRow("breaks off") << QByteArray("<Scenario>\n<Emitter ID=\"kept\"/>\n<Network") << 1
                                 << "line 3, column 8: Premature end of document.";
-    QTest::newRow("wrong end tag") << QByteArray("<Scenario>\n<Emitter ID=\"kept\"/>\n<Network></Emitter>")
-                                   << 1 << "line 3, column 19: Opening and ending tag mismatch.";
     QByteArray nested = "<Scenario>\n<Emitter ID=\"kept\"/>\n";
     for (int i = 0; i < 1'000'000; ++i) {
         nested += "<a>";
@@ -158,17 +153,12 @@ void tst_SimulationTool::wrongUsage_data()
                                 << QStringLiteral("%1 (see simulationtool %2--help)")
                                        .arg(QString::fromLatin1(a_szMessage), QString::fromLatin1(a_szHelp));
     };
-    add("no command", "", "a command is needed: inspect or play", "");
-    add("unknown command", "paly", "there is no command \"paly\"", "");
     add("control characters", "a\x1b[31m\nb", "there is no command \"a\\u{1b}[31m\\nb\"", "");
     add("unknown option", "--loud", "Unknown option 'loud'", "");
     add("nothing to inspect", "inspect", "inspect: one FILE is needed, 0 given", "inspect ");
-    add("option of the other command", "inspect|f|--step|1", "inspect: Unknown option 'step'", "inspect ");
     add("two scenarios", "play|a|b", "play: at most one SCENARIO can be played, 2 given", "play ");
-    add("no value", "play|--to", "play: Missing value after '--to'", "play ");
     add("no file name", "play|--csv|", "play: --csv needs the name of a file", "play ");
     add("empty window", "play|--from|5|--to|5", "play: --to (5) must be later than --from (5)", "play ");
-    add("backward window", "play|--from|6|--to|5", "play: --to (5) must be later than --from (6)", "play ");
 
     const auto addNumber = [&](const char* a_szName, const char* a_szOption, const char* a_szMin,
                                const char* a_szValue) {
@@ -177,13 +167,9 @@ void tst_SimulationTool::wrongUsage_data()
                                    a_szMin + " to 4294967295, not \"" + a_szValue + '"';
         add(a_szName, ("play|" + option + '=' + a_szValue).constData(), message.constData(), "play ");
     };
-    addNumber("word", "--from", "0", "x");
     addNumber("fraction", "--to", "1", "1.5");
-    addNumber("negative", "--from", "0", "-1");
-    addNumber("signed", "--to", "1", "+5");
     addNumber("too large", "--to", "1", "4294967296");
     addNumber("step 0", "--step", "1", "0");
-    addNumber("empty value", "--step", "1", "");
 
     QTest::newRow("behind the default window")
         << QStringList{QStringLiteral("play"), QStringLiteral("--from"), QStringLiteral("10000")}
@@ -200,40 +186,15 @@ void tst_SimulationTool::wrongUsage()
     QCOMPARE(result.out, QString());
 }
 
-void tst_SimulationTool::help_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QStringList>("mentions");
-
-    const QString sHelp = QStringLiteral("--help");
-    QTest::newRow("program") << QStringList(sHelp) << QStringList{QStringLiteral("inspect"),
-                                                                  QStringLiteral("play"),
-                                                                  sHelp,
-                                                                  QStringLiteral("--version"),
-                                                                  QStringLiteral("--trace"),
-                                                                  QStringLiteral("Examples:"),
-                                                                  QStringLiteral("Exit codes:")};
-    QTest::newRow("inspect") << QStringList{QStringLiteral("inspect"), sHelp}
-                             << QStringList{QStringLiteral("FILE"), sHelp, QStringLiteral("--trace"),
-                                            QStringLiteral("Examples:"), s_sBuiltIn};
-    QTest::newRow("play") << QStringList{QStringLiteral("play"), sHelp, QStringLiteral("--step")}
-                          << QStringList{QStringLiteral("SCENARIO"),     QStringLiteral("--from <MS>"),
-                                         QStringLiteral("--to <MS>"),    QStringLiteral("--step <MS>"),
-                                         QStringLiteral("--csv <FILE>"), sHelp,
-                                         QStringLiteral("--trace"),      QStringLiteral("Examples:")};
-    QTest::newRow("version") << QStringList(QStringLiteral("--version"))
-                             << QStringList(QStringLiteral("simulationtool "));
-}
-
 void tst_SimulationTool::help()
 {
-    QFETCH(QStringList, arguments);
-    QFETCH(QStringList, mentions);
-    const Result result = run(arguments);
-    QCOMPARE(result.code, 0);
-    QCOMPARE(result.err, QString());
-    for (const QString& mention : mentions) {
-        QVERIFY2(result.out.contains(mention), qPrintable(mention));
+    const QStringList calls{QStringLiteral("--help"), QStringLiteral("inspect --help"),
+                            QStringLiteral("play --help --step"), QStringLiteral("--version")};
+    for (const QString& call : calls) {
+        const Result result = run(call.split(u' '));
+        QCOMPARE(result.code, 0);
+        QCOMPARE(result.err, QString());
+        QCOMPARE(result.out.contains(QStringLiteral("Examples:")), call != u"--version");
     }
 }
 
@@ -247,17 +208,6 @@ void tst_SimulationTool::builtInScenarioIsAsWritten()
     QVERIFY(document.fromXml(xml));
     QCOMPARE(document.errorString(), QString());
     QCOMPARE(document.toXml(), xml);
-}
-
-void tst_SimulationTool::playBuiltIn()
-{
-    const Result result = run({QStringLiteral("play")});
-    QCOMPARE(result.code, 0);
-    QCOMPARE(result.err, QString());
-    const QStringList rows = tableRows(result.out);
-    QCOMPARE(rows.size(), 100 * s_iEmitters);
-    QVERIFY(rows.constFirst().startsWith(QStringLiteral("0 beacon ")));
-    QVERIFY(rows.constLast().startsWith(QStringLiteral("9900 survey-van ")));
 }
 
 void tst_SimulationTool::playRow_data()
@@ -278,13 +228,8 @@ void tst_SimulationTool::playRow_data()
     add("still on at its end", 2000, "coast-station", szSpeaks);
     add("off after its end", 2001, "coast-station", szSilent);
     add("on again in the next period", 12'201, "coast-station", szSpeaks);
-    add("broadcast", 0, "beacon", "yes 0.312500 11.023100 54.440200 0.0 0.0 -");
-    add("pulses from a file", 0, "harbour-radar", "yes 9375.000000 11.042900 54.449100 0.0 0.0 -");
-    add("switched off", 500, "reserve", "no 156.800000 10.998900 54.431200 0.0 0.0 -");
-    add("network hops to its second step", 1000, "survey-lead", "no 76.125000 10.987100 54.427600 0.0 0.0 -");
     add("network begins its steps again", 3101, "survey-lead",
         "yes 75.500000 10.987100 54.427600 0.0 0.0 c0d40372-37c8-4ad4-9fb1-97bfc477769c");
-    add("half of a sweep, on the quay", 250, "ferry-radar", "yes 9410.000000 11.002100 54.430500");
     add("last instant of the movement", 8273, "drone", "yes 2480.000000 11.010500 54.451200");
     add("movement has ended", 8274, "drone", "no 2480.000000 11.010500 54.451200");
 }
@@ -307,55 +252,38 @@ void tst_SimulationTool::window_data()
 {
     QTest::addColumn<QByteArray>("duration");
     QTest::addColumn<QString>("options");
-    QTest::addColumn<QString>("first");
-    QTest::addColumn<QString>("last");
-    QTest::addColumn<int>("count");
-
-    QTest::newRow("no duration") << QByteArray("0") << ""
-                                 << "0"
-                                 << "9900" << 100;
-    QTest::newRow("short scenario") << QByteArray("450") << ""
-                                    << "0"
-                                    << "400" << 5;
-    QTest::newRow("long scenario") << QByteArray("60000") << ""
-                                   << "0"
-                                   << "9900" << 100;
-    QTest::newRow("end is left out") << QByteArray("0") << "--to 200"
-                                     << "0"
-                                     << "100" << 2;
-    QTest::newRow("end just beyond a step") << QByteArray("0") << "--to 201"
-                                            << "0"
-                                            << "200" << 3;
-    QTest::newRow("beyond the duration") << QByteArray("450") << "--from 400 --to 700"
-                                         << "400"
-                                         << "600" << 3;
-    QTest::newRow("own step") << QByteArray("0") << "--from 5 --to 20 --step 7"
-                              << "5"
-                              << "19" << 3;
-    QTest::newRow("step beyond the window") << QByteArray("0") << "--to 10 --step 4294967295"
-                                            << "0"
-                                            << "0" << 1;
-    QTest::newRow("end of time") << QByteArray("0") << "--from 4294967293 --to 4294967295 --step 1"
-                                 << "4294967293"
-                                 << "4294967294" << 2;
+    QTest::addColumn<QString>("times"); // first, last, count
+    const auto add = [](const char* a_szName, const char* a_szDuration, const char* a_szOptions,
+                        const char* a_szTimes) {
+        QTest::newRow(a_szName) << QByteArray(a_szDuration) << QString::fromLatin1(a_szOptions)
+                                << QString::fromLatin1(a_szTimes);
+    };
+    add("no duration", "0", "", "0 9900 100");
+    add("short scenario", "450", "", "0 400 5");
+    add("long scenario", "60000", "", "0 9900 100");
+    add("end is left out", "0", "--to 200", "0 100 2");
+    add("end just beyond a step", "0", "--to 201", "0 200 3");
+    add("beyond the duration", "450", "--from 400 --to 700", "400 600 3");
+    add("own step", "0", "--from 5 --to 20 --step 7", "5 19 3");
+    add("step beyond the window", "0", "--to 10 --step 4294967295", "0 0 1");
+    add("end of time", "0", "--from 4294967293 --to 4294967295 --step 1", "4294967293 4294967294 2");
 }
 
 void tst_SimulationTool::window()
 {
     QFETCH(QByteArray, duration);
     QFETCH(QString, options);
-    QFETCH(QString, first);
-    QFETCH(QString, last);
-    QFETCH(int, count);
     const QString sFile = write(QStringLiteral("window.xml"), scenario(R"(<Emitter ID="e" Active="true"/>)",
                                                                        "Duration=\"" + duration + '"'));
     const Result result =
         run(QStringList{QStringLiteral("play"), sFile} + options.split(u' ', Qt::SkipEmptyParts));
     QCOMPARE(result.code, 0);
     const QStringList rows = tableRows(result.out);
-    QCOMPARE(rows.size(), count);
-    QCOMPARE(rows.constFirst().section(u' ', 0, 0), first);
-    QCOMPARE(rows.constLast().section(u' ', 0, 0), last);
+    QVERIFY(!rows.isEmpty());
+    QTEST(QStringLiteral("%1 %2 %3")
+              .arg(rows.constFirst().section(u' ', 0, 0), rows.constLast().section(u' ', 0, 0),
+                   QString::number(rows.size())),
+          "times");
 }
 
 void tst_SimulationTool::csvFields()
@@ -395,11 +323,8 @@ void tst_SimulationTool::csvIsAllOrNothing_data()
 
     const QString sOld = m_dir.filePath(QStringLiteral("old.csv"));
     const QString sMissing = m_dir.filePath(QStringLiteral("none.xml"));
-    const QString sNoFolder = m_dir.filePath(QStringLiteral("none/new.csv"));
     QTest::newRow("no scenario") << sMissing << sOld
                                  << sMissing + QStringLiteral(": No such file or directory");
-    QTest::newRow("no folder") << s_sBuiltIn << sNoFolder
-                               << sNoFolder + QStringLiteral(": No such file or directory");
     QTest::newRow("folder") << s_sBuiltIn << m_dir.path() << m_dir.path() + QStringLiteral(": is a folder");
     QTest::newRow("device") << s_sBuiltIn << "/dev/full"
                             << "/dev/full: is not a regular file";
@@ -424,25 +349,16 @@ void tst_SimulationTool::inspectBuiltIn_data()
     QTest::addColumn<QString>("line"); // with single blanks
 
     const auto add = [](const char* a_szLine) { QTest::newRow(a_szLine) << QString::fromUtf8(a_szLine); };
-    add("Author SimulationData");
-    add("Duration 60000 ms (00:01:00s)");
-    add("-96 -102 -92.5 0.25 1.5");
     add("ferry Ferry Möwe yes calling-channel fixed moves over 5 points, then begins again");
     add("survey Road survey yes Hierarchical 3 5 survey-lead");
-    add("Default the scenario's default emitter");
     add("Antenna gain 2.15, height over ground 6, direction 0 degrees, type Dipole");
-    add("Frequency fixed, 312.5 kHz");
     add("Frequency chirp, 9.38 GHz to 9.44 GHz in 500 ms, offset 0");
     add("Frequency fast hopper, 440 MHz to 443.2 MHz, 128 channels, 50 hops/s, set 7, offset 0.5");
     add("2 76.125 MHz 1500");
     add("3 11.010900 54.451450 4987 500 36 yes Mast");
-    add("Position follows ferry");
-    add("Followed by ferry-radar");
-    add("EDW file HarbourRadar.edw");
     add("Schedule broadcast: always on, whatever the schedule says");
     add("Schedule 5 emissions, repeated every 12000 ms");
     add("3 4400 1200 ms 9a567123-d88f-4177-9b57-b02c1ec104f7 pilot-boat");
-    add("Colour #1f77b4");
     add("Members coast-station, ferry, pilot-boat");
     add("3 Round 2 4, 5");
 }
@@ -453,14 +369,9 @@ void tst_SimulationTool::inspectBuiltIn()
     static const Result s_result = run({QStringLiteral("inspect"), s_sBuiltIn});
     QCOMPARE(s_result.code, 0);
     QCOMPARE(s_result.err, QString());
-    QStringList found;
     const QStringList all = lines(s_result.out);
-    for (const QString& candidate : all) {
-        if (candidate.simplified() == line) {
-            found.append(candidate);
-        }
-    }
-    QVERIFY2(!found.isEmpty(), qPrintable(line));
+    QVERIFY(std::any_of(all.cbegin(), all.cend(),
+                        [&](const QString& a_sLine) { return a_sLine.simplified() == line; }));
 }
 
 void tst_SimulationTool::inspectTamesHostileTexts()
@@ -491,9 +402,7 @@ void tst_SimulationTool::olderFile()
 {
     const QString sFile = write(QStringLiteral("older.xml"), "<Scenario FileFormatVersion=\"3\"/>");
     const Result result = run({QStringLiteral("inspect"), sFile});
-    QCOMPARE(result.code, 0);
-    QVERIFY(result.out.contains(QStringLiteral("File version  older than 4")));
-    QVERIFY(!run({QStringLiteral("inspect"), s_sBuiltIn}).out.contains(QStringLiteral("File version")));
+    QVERIFY(result.code == 0 && result.out.contains(QStringLiteral("File version  older than 4")));
 }
 
 /// A slip of the pen must not cost the scenario.
