@@ -40,6 +40,18 @@ bool lastsUntil(const EmissionSettings::Emission& a_emission, std::int64_t a_iTi
     return uiElapsed <= static_cast<std::uint64_t>(a_emission.duration);
 }
 
+/// Both are taken as copies: they may be an emission's own.
+template<typename Pointer>
+void replaceIn(const QList<EmissionPtr>& a_emissions, Pointer EmissionSettings::Emission::*a_pMember,
+               const Pointer a_old, const Pointer a_replacement)
+{
+    for (const EmissionPtr& emission : a_emissions) {
+        if ((*emission).*a_pMember == a_old) {
+            (*emission).*a_pMember = a_replacement;
+        }
+    }
+}
+
 } // namespace
 
 EmissionSettings::Emission::~Emission()
@@ -162,25 +174,13 @@ void EmissionSettings::removeEmissions(const std::shared_ptr<SzenarioEmitter>& a
 void EmissionSettings::replaceEmitter(const std::shared_ptr<SzenarioEmitter>& a_old,
                                       const std::shared_ptr<SzenarioEmitter>& a_replacement)
 {
-    const std::shared_ptr<SzenarioEmitter> old = a_old; // may be an emission's own
-    const std::shared_ptr<SzenarioEmitter> replacement = a_replacement;
-    for (const EmissionPtr& emission : std::as_const(m_emissions)) {
-        if (emission->emitter == old) {
-            emission->emitter = replacement;
-        }
-    }
+    replaceIn(m_emissions, &Emission::emitter, a_old, a_replacement);
 }
 
 void EmissionSettings::replaceSignalPackage(const std::shared_ptr<SignalPackage>& a_old,
                                             const std::shared_ptr<SignalPackage>& a_replacement)
 {
-    const std::shared_ptr<SignalPackage> old = a_old; // may be an emission's own
-    const std::shared_ptr<SignalPackage> replacement = a_replacement;
-    for (const EmissionPtr& emission : std::as_const(m_emissions)) {
-        if (emission->signalPackage == old) {
-            emission->signalPackage = replacement;
-        }
-    }
+    replaceIn(m_emissions, &Emission::signalPackage, a_old, a_replacement);
 }
 
 void EmissionSettings::addGroup(const GroupPtr& a_group)

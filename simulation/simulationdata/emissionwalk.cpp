@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 namespace Simulation {
@@ -66,9 +65,10 @@ HRActivity clipped(const EmissionSettings::Emission& a_emission, std::int64_t a_
 {
     // The caller has made sure that start + base lies before the end, but a
     // document may put it far below zero.
-    const std::int64_t iFrom = a_emission.start < -a_iBase ? 0 : a_emission.start + a_iBase;
+    const bool bBeforeZero = a_emission.start < -a_iBase;
+    const std::int64_t iFrom = bBeforeZero ? 0 : a_emission.start + a_iBase;
     std::int64_t iDuration = std::max<std::int64_t>(a_emission.duration, 0);
-    if (iFrom == 0 && a_emission.start < -a_iBase) {
+    if (bBeforeZero) {
         const std::uint64_t uiBefore = std::uint64_t{0} - static_cast<std::uint64_t>(a_emission.start) -
                                        static_cast<std::uint64_t>(a_iBase);
         iDuration = uiBefore >= static_cast<std::uint64_t>(iDuration)

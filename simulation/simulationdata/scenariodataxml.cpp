@@ -81,10 +81,29 @@ std::vector<const Object*> inOrder(const ObjectSet& a_objects, const TextOf& a_t
     return objects;
 }
 
-bool failToWrite(const QString& a_sReason)
+void traceUnwritten(const QString& a_sReason)
 {
     traceError(s_szSource, [&] { return QStringLiteral("Cannot write a scenario: %1").arg(a_sReason); });
-    return false;
+}
+
+/// Whether a reader accepts a text of that size; false after one trace.
+bool isReadable(qint64 a_iBytes)
+{
+    QString sReason;
+    const bool bReadable = checkDocumentBytes(a_iBytes, &sReason);
+    if (!bReadable) {
+        traceUnwritten(sReason);
+    }
+    return bReadable;
+}
+
+/// Reads what follows the root; tells what kept the document from being read
+/// whole, empty when nothing did.
+QString faultOf(XmlDocumentReader& a_document, bool a_bWhole)
+{
+    a_document.readToEnd();
+    const QString sError = a_document.errorString();
+    return sError.isEmpty() && !a_bWhole ? Limits::exceeded(Limits::ScenarioObjects) : sError;
 }
 
 /// What a writing function puts out, as bytes.
@@ -156,11 +175,7 @@ bool ScenarioDataXml::fromXml(const QByteArray& a_xml)
     clear();
     readHeader(reader.attributes());
     const bool bWhole = readChildren(reader);
-    document.readToEnd();
-    m_sErrorString = document.errorString();
-    if (m_sErrorString.isEmpty() && !bWhole) {
-        m_sErrorString = Limits::exceeded(Limits::ScenarioObjects);
-    }
+    m_sErrorString = faultOf(document, bWhole);
     if (!m_sErrorString.isEmpty()) {
         traceError(s_szSource, [&] { return QStringLiteral("Scenario broke off: %1").arg(m_sErrorString); });
     }
@@ -230,7 +245,6 @@ bool ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& 
                                    const QList<std::shared_ptr<SzenarioEmitter>>& a_defaults,
                                    const std::function<qsizetype()>& a_size)
 {
-    QString sReason;
     QSet<const SzenarioEmitter*> defaults;
     for (const std::shared_ptr<SzenarioEmitter>& emitter : a_defaults) {
         defaults.insert(emitter.get());
@@ -243,8 +257,8 @@ bool ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& 
     });
     for (const SzenarioEmitter* pEmitter : emitters) {
         writeEmitter(a_writer, *pEmitter);
-        if (!checkDocumentBytes(a_size(), &sReason)) {
-            return failToWrite(sReason);
+        if (!isReadable(a_size())) {
+            return false;
         }
     }
     const auto networks = inOrder<ScenarioNetwork>(a_objects, [](const ScenarioNetwork& a_network) {
@@ -252,8 +266,8 @@ bool ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& 
     });
     for (const ScenarioNetwork* pNetwork : networks) {
         writeScenarioNetwork(a_writer, *pNetwork);
-        if (!checkDocumentBytes(a_size(), &sReason)) {
-            return failToWrite(sReason);
+        if (!isReadable(a_size())) {
+            return false;
         }
     }
     return true;
@@ -275,20 +289,16 @@ QByteArray ScenarioDataXml::toXml()
     }
     writer.writeEndElement();
     writer.writeEndDocument();
-    if (QString sReason; !checkDocumentBytes(xml.size(), &sReason)) {
-        failToWrite(sReason);
-        return {};
-    }
-    return xml;
+    return isReadable(xml.size()) ? xml : QByteArray();
 }
 
 void ScenarioDataXml::toXml(QIODevice* a_pDevice)
 {
     const QByteArray xml = toXml();
     if (a_pDevice == nullptr) {
-        failToWrite(QStringLiteral("there is no device"));
+        traceUnwritten(QStringLiteral("there is no device"));
     } else if (a_pDevice->write(xml) != xml.size()) {
-        failToWrite(a_pDevice->errorString());
+        traceUnwritten(a_pDevice->errorString());
     }
 }
 
@@ -350,11 +360,7 @@ QString ScenarioDataXml::xmlForObjects(const ObjectSet& a_objects, ISignalPackag
     writer.writeEndDocument();
     // The reader counts the bytes that it decodes, and a mark before them.
     constexpr qsizetype iMarkBytes = 3;
-    if (QString sReason; !checkDocumentBytes(sXml.toUtf8().size() + iMarkBytes, &sReason)) {
-        failToWrite(sReason);
-        return {};
-    }
-    return sXml;
+    return isReadable(sXml.toUtf8().size() + iMarkBytes) ? sXml : QString();
 }
 
 ObjectSet ScenarioDataXml::objectsForXml(const QString& a_sXml, ISignalPackageProvider* a_pProvider)
@@ -366,12 +372,7 @@ ObjectSet ScenarioDataXml::objectsForXml(const QString& a_sXml, ISignalPackagePr
         return {};
     }
     const bool bWhole = scenario.readChildren(document.stream());
-    document.readToEnd();
-    QString sError = document.errorString();
-    if (sError.isEmpty() && !bWhole) {
-        sError = Limits::exceeded(Limits::ScenarioObjects);
-    }
-    if (!sError.isEmpty()) {
+    if (const QString sError = faultOf(document, bWhole); !sError.isEmpty()) {
         traceError(s_szSource, [&] { return QStringLiteral("Objects broke off: %1").arg(sError); });
     }
     return std::exchange(scenario.m_objects, {});

@@ -5,8 +5,6 @@
 #include "simulationdata/limits.h"
 #include "simulationdata/scenarionetwork.h"
 
-#include <QList>
-
 namespace Simulation {
 
 ScenarioReferences::ScenarioReferences(QSet<std::shared_ptr<ScenarioObject>>& a_objects,
