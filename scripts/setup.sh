@@ -6,7 +6,8 @@ set -euo pipefail
 packages=(
     build-essential cmake ninja-build git ca-certificates
     qt6-base-dev libgl-dev libboost-dev libgeographiclib-dev libpugixml-dev
-    libbenchmark-dev
+    libzip-dev zlib1g-dev
+    libbenchmark-dev libsndfile1-dev
     clang-14 clang-format-14 clang-tidy-14
 )
 
