@@ -1,0 +1,44 @@
+#ifndef VELAAPPSTARTUP_SETTINGSCFG_P_H
+#define VELAAPPSTARTUP_SETTINGSCFG_P_H
+
+#include "velaappstartup/icfg.h"
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+/// The values of a settings file by their full names, "Group/Sub-group/Name".
+using SettingsValues = QMap<QString, QString>;
+
+/// The values of a text in the form that CfgCenter::CreateCfg() describes.
+/// Lines that are no setting are passed over. Nothing, with a reason, when the
+/// text cannot be handed to QSettings.
+[[nodiscard]] std::optional<SettingsValues> parseSettings(const QByteArray& a_text, QString* a_pReason);
+
+/// The values of one text and the groups that programs have opened in them,
+/// which live as long as this does. Any thread may call.
+class SettingsStore
+{
+public:
+    explicit SettingsStore(SettingsValues a_values);
+    ~SettingsStore();
+    SettingsStore(const SettingsStore&) = delete;
+    SettingsStore& operator=(const SettingsStore&) = delete;
+
+    [[nodiscard]] const SettingsValues& values() const { return m_values; }
+
+    /// The group whose names begin with this text: empty, or ending in a slash.
+    [[nodiscard]] ICfg* group(const QString& a_sPrefix);
+
+private:
+    const SettingsValues m_values;
+    std::mutex m_mutex;                                ///< guards the groups
+    std::map<QString, std::unique_ptr<ICfg>> m_groups; ///< by prefix
+};
+
+#endif
