@@ -1,0 +1,25 @@
+#ifndef DEFAULTDATA_DEFAULTPACKAGES_H
+#define DEFAULTDATA_DEFAULTPACKAGES_H
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+namespace DefaultData {
+
+/// A signal package as the bytes of its files.
+struct Package
+{
+    QString name;
+    QByteArray signalShape; ///< "Signal.ssf"
+    QByteArray audio;       ///< "Signal.wav"
+    QByteArray descriptor;  ///< "Signal.xml"
+};
+
+/// "Default", a voice; "Gauss 10kHz", bursts of noise; "Rect 10kHz", a keyed
+/// tone. All are computed, and the same on every machine.
+[[nodiscard]] QList<Package> defaultPackages();
+
+} // namespace DefaultData
+
+#endif

@@ -1,0 +1,69 @@
+// Makes the zip files of signal packages that the library carries:
+//   makedefaultdata FOLDER
+// writes TuK-Default.zip, the library of default packages, and Default.zip, the
+// files of the package "Default" alone, into the folder and makes it when it is
+// missing. Every run gives the same bytes.
+
+#include "defaultpackages.h"
+#include "zipwriter.h"
+
+#include <QDir>
+
+#include <cstdio>
+
+namespace {
+
+using namespace DefaultData;
+
+void appendFiles(QList<ZipEntry>& a_entries, const QString& a_sFolder, const Package& a_package)
+{
+    a_entries.append({a_sFolder + QStringLiteral("Signal.ssf"), a_package.signalShape});
+    a_entries.append({a_sFolder + QStringLiteral("Signal.wav"), a_package.audio});
+    a_entries.append({a_sFolder + QStringLiteral("Signal.xml"), a_package.descriptor});
+}
+
+/// The folder of a library carries two empty files that say what it is: a
+/// library, and one that its users do not edit.
+QList<ZipEntry> libraryEntries(const QList<Package>& a_packages)
+{
+    const QString sTop = QStringLiteral("TuK-Default/");
+    QList<ZipEntry> entries{
+        {sTop, {}}, {sTop + QStringLiteral(".library"), {}}, {sTop + QStringLiteral(".lock"), {}}};
+    for (const Package& package : a_packages) {
+        const QString sFolder = sTop + package.name + QLatin1Char('/');
+        entries.append({sFolder, {}});
+        appendFiles(entries, sFolder, package);
+    }
+    return entries;
+}
+
+bool write(const QString& a_sFile, const QList<ZipEntry>& a_entries)
+{
+    QString sReason;
+    if (writeZip(a_sFile, a_entries, &sReason)) {
+        return true;
+    }
+    std::fprintf(stderr, "makedefaultdata: %s: %s\n", qPrintable(a_sFile), qPrintable(sReason));
+    return false;
+}
+
+} // namespace
+
+int main(int a_iCount, char** a_ppArguments)
+{
+    if (a_iCount != 2) {
+        std::fputs("usage: makedefaultdata FOLDER\n", stderr);
+        return 2;
+    }
+    const QString sFolder = QFile::decodeName(a_ppArguments[1]);
+    if (!QDir().mkpath(sFolder)) {
+        std::fprintf(stderr, "makedefaultdata: cannot make %s\n", a_ppArguments[1]);
+        return 1;
+    }
+    const QList<Package> packages = defaultPackages();
+    QList<ZipEntry> defaultEntries;
+    appendFiles(defaultEntries, QString(), packages.first());
+    const bool bWritten = write(sFolder + QStringLiteral("/TuK-Default.zip"), libraryEntries(packages)) &&
+                          write(sFolder + QStringLiteral("/Default.zip"), defaultEntries);
+    return bWritten ? 0 : 1;
+}

@@ -1,0 +1,46 @@
+#include "wavewriter.h"
+
+#include <QDataStream>
+#include <QIODevice>
+
+namespace DefaultData {
+
+namespace {
+
+constexpr quint32 s_uiFormatBytes = 16;
+constexpr quint16 s_uiPcm = 1;
+constexpr quint16 s_uiChannels = 1;
+constexpr quint16 s_uiBytesPerSample = 2;
+constexpr quint16 s_uiBitsPerSample = 16;
+
+/// Bytes between the size of the file's outermost chunk and the samples.
+constexpr quint32 s_uiHeaderBytes = 36;
+
+void writeId(QDataStream& a_stream, const char (&a_szId)[5])
+{
+    a_stream.writeRawData(a_szId, 4);
+}
+
+} // namespace
+
+QByteArray writeWave(const std::vector<std::int16_t>& a_samples, std::uint32_t a_uiRate)
+{
+    const auto uiDataBytes = static_cast<quint32>(a_samples.size() * s_uiBytesPerSample);
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setByteOrder(QDataStream::LittleEndian);
+    writeId(stream, "RIFF");
+    stream << s_uiHeaderBytes + uiDataBytes;
+    writeId(stream, "WAVE");
+    writeId(stream, "fmt ");
+    stream << s_uiFormatBytes << s_uiPcm << s_uiChannels << quint32{a_uiRate}
+           << quint32{a_uiRate * s_uiBytesPerSample} << s_uiBytesPerSample << s_uiBitsPerSample;
+    writeId(stream, "data");
+    stream << uiDataBytes;
+    for (const std::int16_t iSample : a_samples) {
+        stream << iSample;
+    }
+    return bytes;
+}
+
+} // namespace DefaultData
