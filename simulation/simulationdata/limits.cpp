@@ -42,6 +42,20 @@ constexpr std::array<LimitEntry, Limits::LimitCount> s_limits{{
      "The lists of all fast hoppers that are asked take 256 MiB together."},
     {Limits::ArcPoints, "points of an arc", 64 * s_uiKibi,
      "A way point takes 72 bytes, and no display tells more points apart."},
+    {Limits::DataBytes, "bytes of one answer from a data file", 256 * s_uiMebi,
+     "More than two hours of audio; spans of time are cheap to write and their bytes are not."},
+    {Limits::WaveChunks, "chunks of a wave file", 64 * s_uiKibi,
+     "Every chunk takes a read and a seek, an empty one only eight bytes of the file."},
+    {Limits::CuePoints, "cue points of a wave file", 64 * s_uiKibi,
+     "One second of audio with a cue point in every other frame."},
+    {Limits::CueLabelBytes, "bytes of cue labels", s_uiMebi,
+     "Labels are held in memory while the file is open, and in most files are words."},
+    {Limits::ArchiveBytes, "bytes unpacked from an archive", 1024 * s_uiMebi,
+     "A kilobyte can claim to unpack to a gigabyte and more."},
+    {Limits::ArchiveEntries, "entries of an archive", 100'000,
+     "Every entry takes a file, or some 200 bytes of memory."},
+    {Limits::UpdateIds, "update ids of a package", 1024,
+     "For every one the cache folder takes a copy of the descriptor."},
 }};
 
 constexpr bool isInOrder()

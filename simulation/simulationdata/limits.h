@@ -30,6 +30,13 @@ public:
         HopChannels,        ///< channels of a fast hopper
         AllHopChannels,     ///< channels of all fast hoppers together
         ArcPoints,          ///< points of one arc inserted into a movement
+        DataBytes,          ///< bytes of one answer from a data file
+        WaveChunks,         ///< chunks of a wave file
+        CuePoints,          ///< cue points of a wave file
+        CueLabelBytes,      ///< bytes of all cue labels of a wave file
+        ArchiveBytes,       ///< bytes that one archive unpacks to
+        ArchiveEntries,     ///< entries of an archive
+        UpdateIds,          ///< update ids of a package that the cache follows
         LimitCount          ///< number of limits, not a limit
     };
 

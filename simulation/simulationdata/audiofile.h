@@ -1,0 +1,68 @@
+#ifndef SIMULATIONDATA_AUDIOFILE_H
+#define SIMULATIONDATA_AUDIOFILE_H
+
+#include "simulationdata/simulationdata_export.h"
+#include "simulationdata/wavefilereader.h"
+
+#include <QMutex>
+#include <QString>
+
+#include <cstdint>
+#include <vector>
+
+namespace Simulation {
+
+/// The audio signal of a signal package: a wave file of one channel at 32,000
+/// frames per second, of 16-bit or 8-bit PCM samples. Its signal goes on from
+/// the start when it ends.
+///
+/// Any thread may call; every operation holds the file's lock, so that calls
+/// wait for each other's file access. Before a successful open() the file has
+/// no samples.
+class SIMULATIONDATA_EXPORT AudioFile
+{
+public:
+    /// Nothing is read before open().
+    explicit AudioFile(const QString& a_sPath);
+    AudioFile(const AudioFile&) = delete;
+    AudioFile& operator=(const AudioFile&) = delete;
+    ~AudioFile() = default;
+
+    /// An open file is read afresh. False after one trace, with the reason in
+    /// errorString(); the file is closed then.
+    [[nodiscard]] bool open();
+    [[nodiscard]] bool isOpen() const;
+
+    /// Why the last open() failed, in English; empty after success.
+    [[nodiscard]] QString errorString() const;
+
+    /// Length of the recording (ms, rounded down).
+    [[nodiscard]] std::uint32_t length() const;
+
+    /// Duration of the package that the signal belongs to (ms; 0 when it was
+    /// never set). It is kept for the file's users and changes nothing here.
+    [[nodiscard]] std::uint32_t packageDuration() const;
+    void setPackageDuration(unsigned int a_uiDuration);
+
+    /// `a_uiCount` samples from frame `a_uiStart` on (1/32 ms each), both taken
+    /// round the end of the recording as often as it takes. 8-bit samples are
+    /// widened to 16 bits. Empty when none are asked for, and after one trace
+    /// when the file has none, cannot be read, or when more than
+    /// Limits::DataBytes are asked for.
+    [[nodiscard]] std::vector<std::int16_t> readSamples(std::uint64_t a_uiStart, std::uint64_t a_uiCount);
+
+private:
+    [[nodiscard]] QString refusal(std::uint64_t a_uiCount) const;
+    [[nodiscard]] bool readOnce(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
+                                std::vector<std::int16_t>& a_samples);
+
+    mutable QMutex m_mutex;
+    QString m_sPath;
+    QString m_sError;
+    WaveFileReader m_reader;
+    std::uint32_t m_uiPackageDuration = 0;
+};
+
+} // namespace Simulation
+
+#endif
