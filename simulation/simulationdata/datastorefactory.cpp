@@ -1,0 +1,176 @@
+#include "datastorefactory.h"
+
+#include "resourcearchive_p.h"
+#include "simulationdata/folderoperations.h"
+#include "storepath_p.h"
+#include "trace_p.h"
+#include "wholefile_p.h"
+
+#include "velaappstartup/icfg.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QThread>
+
+#include <optional>
+
+namespace Simulation {
+
+namespace {
+
+constexpr const char* s_szSource = "simulation/simulationdata/datastorefactory";
+constexpr char s_szContext[] = "Simulation::DataStoreFactory";
+
+constexpr QLatin1String s_sFileSystem("FileSystem");
+constexpr QLatin1String s_sSessions("Sessions");
+constexpr QLatin1String s_sSignalPackages("SignalPackages");
+constexpr QLatin1String s_sFiles("Files");
+constexpr QLatin1String s_sRadar("Radar");
+constexpr QLatin1String s_sIcons("Icons");
+constexpr QLatin1String s_sDefaultPackages("TuK-Default");
+
+/// The repository that a configuration names; nothing without a configuration.
+std::optional<QString> repository(ICfg* a_pCfg)
+{
+    if (a_pCfg == nullptr || !a_pCfg->hasGroup(s_sFileSystem)) {
+        return std::nullopt;
+    }
+    return a_pCfg->openGroup(s_sFileSystem)->readString(QStringLiteral("Repository"), QDir::tempPath());
+}
+
+QString storeDir(ICfg* a_pCfg, QLatin1String a_sName)
+{
+    const std::optional<QString> sRepository = repository(a_pCfg);
+    return sRepository ? *sRepository + u'\\' + a_sName : QString();
+}
+
+QString pathIn(const QString& a_sFolder, const QString& a_sName)
+{
+    return a_sFolder.isEmpty() ? QString() : QDir(resolvedStorePath(a_sFolder)).absoluteFilePath(a_sName);
+}
+
+bool makeFolder(const QString& a_sFolder, QString* a_pReason)
+{
+    if (QDir().mkpath(a_sFolder)) {
+        return true;
+    }
+    *a_pReason = QStringLiteral("folder \"%1\" cannot be made").arg(a_sFolder);
+    return false;
+}
+
+/// The folders of the stores. False with a reason.
+bool prepareFolders(const QDir& a_repository, QString* a_pReason)
+{
+    for (const QLatin1String sName : {s_sSignalPackages, s_sIcons, s_sFiles}) {
+        if (!makeFolder(a_repository.absoluteFilePath(sName), a_pReason)) {
+            return false;
+        }
+    }
+    for (const QLatin1String sName : {s_sSignalPackages, s_sIcons, s_sFiles}) {
+        makeWritable(a_repository.absoluteFilePath(sName));
+    }
+    const QDir packages(a_repository.absoluteFilePath(s_sSignalPackages));
+    return makeFolder(packages.absoluteFilePath(s_sDefaultPackages), a_pReason);
+}
+
+/// Without the default data the repository serves all the same, so what fails
+/// here is traced where it fails and no more.
+void putDefaultData(const QDir& a_repository)
+{
+    const QDir packages(a_repository.absoluteFilePath(s_sSignalPackages));
+    removeAbandonedFiles(packages.absolutePath());
+    static_cast<void>(unpackResource(QStringLiteral(":/DefaultData/TuK-Default.zip"),
+                                     packages.absoluteFilePath(QStringLiteral("~tmp.zip")),
+                                     u'/' + s_sDefaultPackages,
+                                     packages.absoluteFilePath(s_sDefaultPackages)));
+    const QString sScenario = DataStoreFactory::defaultScenario(a_repository.absoluteFilePath(s_sFiles));
+    const QString sFolder = QFileInfo(sScenario).absolutePath();
+    if (QString sReason; !makeFolder(sFolder, &sReason)) {
+        traceError(s_szSource, [&] { return QStringLiteral("No default scenario: ") + sReason; });
+        return;
+    }
+    removeAbandonedFiles(sFolder);
+    // The user may have changed the scenario that is there: it stays.
+    static_cast<void>(copyFileWhole(QStringLiteral(":/DefaultData/Default.sce.exp"), sScenario));
+}
+
+/// Says that there is no repository: always in a trace, which has the reason,
+/// and to the user where there is one to answer.
+bool failToInitialize(const QString& a_sReason)
+{
+    const QString sText = QCoreApplication::translate(
+        s_szContext, "There is an error in your simulation repository configuration. The repository is "
+                     "either not accessible or not writable!");
+    traceError(s_szSource, [&] { return QStringLiteral("%1 (%2)").arg(sText, a_sReason); });
+    const auto* pApplication = qobject_cast<QApplication*>(QCoreApplication::instance());
+    if (pApplication != nullptr && pApplication->thread() == QThread::currentThread()) {
+        QMessageBox::critical(nullptr, QCoreApplication::translate(s_szContext, "Simulation System"), sText,
+                              QMessageBox::Ok);
+    }
+    return false;
+}
+
+} // namespace
+
+QString DataStoreFactory::sessionStoreDir(ICfg* a_pCfg)
+{
+    return storeDir(a_pCfg, s_sSessions);
+}
+
+QString DataStoreFactory::signalPackageStoreDir(ICfg* a_pCfg)
+{
+    return storeDir(a_pCfg, s_sSignalPackages);
+}
+
+QString DataStoreFactory::fileStoreDir(ICfg* a_pCfg)
+{
+    return storeDir(a_pCfg, s_sFiles);
+}
+
+QString DataStoreFactory::radarStoreDir(ICfg* a_pCfg)
+{
+    return storeDir(a_pCfg, s_sRadar);
+}
+
+QString DataStoreFactory::iconStoreDir(ICfg* a_pCfg)
+{
+    return storeDir(a_pCfg, s_sIcons);
+}
+
+QString DataStoreFactory::defaultSignalPackage(const QString& a_sStoreDir)
+{
+    return pathIn(a_sStoreDir, QStringLiteral("TuK-Default/Default"));
+}
+
+QString DataStoreFactory::defaultScenario(const QString& a_sFileDir)
+{
+    return pathIn(a_sFileDir, QStringLiteral("Tessaro/Default.scexml"));
+}
+
+bool DataStoreFactory::initializeDataStore(ICfg* a_pCfg)
+{
+    const std::optional<QString> sRepository = repository(a_pCfg);
+    if (!sRepository) {
+        return failToInitialize(QStringLiteral("no group \"%1\" is configured").arg(s_sFileSystem));
+    }
+    const QString sFolder = resolvedStorePath(*sRepository);
+    if (sFolder.isEmpty() || !QFileInfo(sFolder).isDir()) {
+        return failToInitialize(QStringLiteral("there is no folder \"%1\"").arg(*sRepository));
+    }
+    const QDir folder(sFolder);
+    static_cast<void>(removeDir(folder.absoluteFilePath(s_sSessions)));
+    if (QString sReason; !prepareFolders(folder, &sReason)) {
+        return failToInitialize(sReason);
+    }
+    putDefaultData(folder);
+    return true;
+}
+
+ISignalPackageStore* DataStoreFactory::createSignalPackageStore(ICfg* /*a_pCfg*/, bool /*a_bOn*/)
+{
+    return nullptr;
+}
+
+} // namespace Simulation

@@ -1,0 +1,145 @@
+#include "folderoperations.h"
+
+#include "nativepath_p.h"
+#include "trace_p.h"
+#include "wholefile_p.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace Simulation {
+
+namespace {
+
+constexpr const char* s_szSource = "simulation/simulationdata/folderoperations";
+
+/// Everything that a folder holds, folders first. Broken links count as system
+/// entries.
+QFileInfoList entriesOf(const QString& a_sFolder)
+{
+    return QDir(a_sFolder).entryInfoList(
+        QDir::NoDotAndDotDot | QDir::AllDirs | QDir::Files | QDir::Hidden | QDir::System, QDir::DirsFirst);
+}
+
+bool isLink(const QFileInfo& a_info)
+{
+    return a_info.isSymLink() || a_info.isJunction();
+}
+
+bool fail(const char* a_szWhat, const QString& a_sPath, const QString& a_sReason)
+{
+    traceError(s_szSource, [&] {
+        return QStringLiteral("Cannot %1 \"%2\": %3").arg(QLatin1String(a_szWhat), a_sPath, a_sReason);
+    });
+    return false;
+}
+
+bool removeFile(const QString& a_sFile)
+{
+    QFile file(a_sFile);
+    // On some platforms a link to a folder is removed as a folder is.
+    return file.remove() || (isLink(QFileInfo(a_sFile)) && QDir().rmdir(a_sFile)) ||
+           fail("remove", a_sFile, file.errorString());
+}
+
+/// Whether the path lies in the folder or is that folder, links followed; the
+/// last parts of both may be missing. True, too, when one cannot be followed.
+bool isInside(const QString& a_sPath, const QString& a_sFolder)
+{
+    const auto canonical = [](const QString& a_sOne, std::error_code& a_error) {
+        return std::filesystem::weakly_canonical(nativePath(QDir(a_sOne).absolutePath()), a_error);
+    };
+    std::error_code pathError;
+    std::error_code folderError;
+    const std::filesystem::path path = canonical(a_sPath, pathError);
+    const std::filesystem::path folder = canonical(a_sFolder, folderError);
+    const auto difference = std::mismatch(folder.begin(), folder.end(), path.begin(), path.end());
+    return pathError || folderError || difference.first == folder.end();
+}
+
+/// The copy points to what the original's text says, seen from its new place.
+bool copyLink(const QFileInfo& a_link, const QString& a_sTo)
+{
+    std::error_code error;
+    std::filesystem::copy_symlink(nativePath(a_link.filePath()), nativePath(a_sTo), error);
+    return !error || fail("copy link to", a_sTo, QString::fromLocal8Bit(error.message().c_str()));
+}
+
+bool copyFile(const QFileInfo& a_file, const QString& a_sTo)
+{
+    if (const QFileInfo target(a_sTo); target.exists() || isLink(target)) {
+        return fail("copy to", a_sTo, QStringLiteral("is there already"));
+    }
+    return copyFileWhole(a_file.filePath(), a_sTo);
+}
+
+bool copyEntries(const QString& a_sFrom, const QString& a_sTo)
+{
+    if (!QDir().mkpath(a_sTo)) {
+        return fail("make folder", a_sTo, QStringLiteral("a file is in the way or a folder is not writable"));
+    }
+    if (!QDir(a_sFrom).exists()) {
+        return true;
+    }
+    // It would look empty.
+    if (!QDir(a_sFrom).isReadable()) {
+        return fail("read folder", a_sFrom, QStringLiteral("not permitted"));
+    }
+    const QFileInfoList entries = entriesOf(a_sFrom);
+    return std::all_of(entries.begin(), entries.end(), [&a_sTo](const QFileInfo& a_entry) {
+        const QString sTo = QDir(a_sTo).filePath(a_entry.fileName());
+        if (isLink(a_entry)) {
+            return copyLink(a_entry, sTo);
+        }
+        if (!a_entry.isDir()) {
+            return copyFile(a_entry, sTo);
+        }
+        return isLink(QFileInfo(sTo)) ? fail("copy into", sTo, QStringLiteral("is a link"))
+                                      : copyEntries(a_entry.filePath(), sTo);
+    });
+}
+
+} // namespace
+
+bool removeDir(const QString& a_sFolder)
+{
+    // A slash behind the name of a link would open it.
+    const QString sFolder = QDir::cleanPath(a_sFolder);
+    const QFileInfo folder(sFolder);
+    if (sFolder.isEmpty()) {
+        return true;
+    }
+    if (isLink(folder)) {
+        return removeFile(sFolder);
+    }
+    if (!folder.isDir()) {
+        return true;
+    }
+    const QFileInfoList entries = entriesOf(sFolder);
+    const bool bEmpty = std::all_of(entries.begin(), entries.end(), [](const QFileInfo& a_entry) {
+        const bool bFolder = a_entry.isDir() && !isLink(a_entry);
+        return bFolder ? removeDir(a_entry.filePath()) : removeFile(a_entry.filePath());
+    });
+    return bEmpty && (QDir().rmdir(sFolder) ||
+                      fail("remove", sFolder, QStringLiteral("not permitted, in use or not empty")));
+}
+
+bool copyDir(const QString& a_sFrom, const QString& a_sTo)
+{
+    if (a_sFrom.isEmpty() || a_sTo.isEmpty()) {
+        return fail("copy to", a_sTo, QStringLiteral("\"%1\" to \"%2\" names no folder").arg(a_sFrom, a_sTo));
+    }
+    const QString sFrom = QDir::cleanPath(a_sFrom);
+    const QString sTo = QDir::cleanPath(a_sTo);
+    if (isInside(sTo, sFrom)) {
+        return fail("copy to", sTo, QStringLiteral("lies inside \"%1\"").arg(sFrom));
+    }
+    return copyEntries(sFrom, sTo);
+}
+
+} // namespace Simulation

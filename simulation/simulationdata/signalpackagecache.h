@@ -1,0 +1,127 @@
+#ifndef SIMULATIONDATA_SIGNALPACKAGECACHE_H
+#define SIMULATIONDATA_SIGNALPACKAGECACHE_H
+
+#include "simulationdata/isignalpackageprovider.h"
+#include "simulationdata/simulationdata_export.h"
+
+#include <QList>
+#include <QReadWriteLock>
+#include <QString>
+#include <QStringList>
+
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace Simulation {
+
+/// The provider that resolves packages from disk. It keeps a flat cache folder
+/// in which every known package stands as files named after its cleaned id
+/// ("<id>.xml", ".ssf", ".wav", ".sdf", ".rdf"), fills that folder from a
+/// repository, and hands out packages and opened data files.
+///
+/// Several caches, also of several processes, may share one folder: a file
+/// appears there whole or not at all and is never replaced. Every operation may
+/// be called from any thread but none from inside another; lookups wait for a
+/// running updateCache(). Of a data file that stands open the folder's copy may
+/// go: the reader keeps what it has.
+class SIMULATIONDATA_EXPORT SignalPackageCache : public ISignalPackageProvider
+{
+public:
+    /// Nothing is read or made yet. The second folder is kept as given.
+    SignalPackageCache(const QString& a_sCacheDir, const QString& a_sSourceDir);
+    /// Deletes the readers.
+    ~SignalPackageCache() override;
+
+    SignalPackageCache(const SignalPackageCache&) = delete;
+    SignalPackageCache& operator=(const SignalPackageCache&) = delete;
+
+    [[nodiscard]] QString cacheDir() const { return m_sCacheDir; }
+    [[nodiscard]] QString sourceDir() const { return m_sSourceDir; }
+
+    /// Makes the folder if it is missing, unpacks the default package into it,
+    /// and removes what processes that died left half done. Call it once before
+    /// any lookup. False after one trace when there is no default package then;
+    /// lookups work without it.
+    bool prepareCacheForUse();
+
+    /// Copies all packages below a folder that are not in the cache folder yet,
+    /// in background tasks on the global thread pool, and waits for them. With
+    /// `a_bAnew` the cache is cleared first, so that packages which changed under
+    /// their id are taken anew. What cannot be copied is passed over after a
+    /// trace; a package without an id is.
+    void updateCache(const QString& a_sFolder, bool a_bAnew);
+
+    /// Removes the files of all packages from the cache folder and forgets the
+    /// packages. The default package stays, and so does every file that the cache
+    /// did not make. Readers that were handed out stay valid until
+    /// deleteAllSignalpackages(), but the next lookup opens the file anew.
+    void clearCache();
+
+    /// Forgets all packages and deletes all readers that were handed out. (The
+    /// spelling is part of the interface.)
+    void deleteAllSignalpackages();
+
+    /// Whether the id is that of a package in memory or in the folder, of the
+    /// default package, or one that a package in the folder supersedes.
+    bool validSignalPackageId(const QString& a_sId) override;
+
+    /// From memory in O(log n), otherwise from the folder. The default package
+    /// where the id is not known or its descriptor cannot be read.
+    std::shared_ptr<SignalPackage> signalPackage(const QString& a_sId) override;
+
+    /// Null before prepareCacheForUse().
+    std::shared_ptr<SignalPackage> defaultSignalPackage() override;
+
+    /// The same reader for every caller, until the cache is cleared. Null for a
+    /// null package and without a file. A file that cannot be read gives a
+    /// reader that is not open. Every reader keeps its file open.
+    SignalShapeFile* signalShapeFile(std::shared_ptr<SignalPackage> a_pPackage) override;
+    AudioFile* audioFile(std::shared_ptr<SignalPackage> a_pPackage) override;
+    SymbolDataFile* symbolDataFile(std::shared_ptr<SignalPackage> a_pPackage) override;
+    ResultDataFile* resultDataFile(std::shared_ptr<SignalPackage> a_pPackage) override;
+
+private:
+    template<typename Reader>
+    struct Readers
+    {
+        std::map<QString, std::unique_ptr<Reader>> current; ///< by package id
+        std::vector<std::unique_ptr<Reader>> retired;       ///< opened before the cache was cleared
+
+        void retire();
+    };
+
+    template<typename Reader>
+    Reader* reader(Readers<Reader>& a_readers, const SignalPackage* a_pPackage, const char* a_szEnding);
+
+    // These want the write lock.
+    void clear();
+    [[nodiscard]] std::shared_ptr<SignalPackage> readPackage(const QString& a_sId) const;
+
+    // These touch nothing but the file system.
+    void unpackDefaultPackage() const;
+    [[nodiscard]] static bool isOurDescriptor(const QString& a_sFile);
+    void removeCachedFiles(const QString& a_sCleanId) const;
+    [[nodiscard]] static QStringList listSignalPackages(const QString& a_sFolder);
+    [[nodiscard]] static QList<SignalPackage> readPackages(const QStringList& a_folders);
+    [[nodiscard]] static SignalPackage readPackageFolder(const QString& a_sFolder);
+    void cacheDescriptors(const QList<SignalPackage>& a_packages) const;
+    void cacheDescriptor(const SignalPackage& a_package, const QString& a_sCleanId) const;
+    void cachePackage(const SignalPackage& a_package) const;
+    [[nodiscard]] static QString cleanId(const QString& a_sId);
+    [[nodiscard]] QString cachedFile(const QString& a_sCleanId, const char* a_szEnding) const;
+
+    const QString m_sCacheDir; ///< absolute; empty when none was given
+    const QString m_sSourceDir;
+    std::shared_ptr<SignalPackage> m_defaultPackage;
+    std::map<QString, std::shared_ptr<SignalPackage>> m_packages; ///< by the id that was asked for
+    Readers<SignalShapeFile> m_shapeFiles;
+    Readers<AudioFile> m_audioFiles;
+    Readers<SymbolDataFile> m_symbolFiles;
+    Readers<ResultDataFile> m_resultFiles;
+    QReadWriteLock m_lock; ///< recursive; guards all of the above
+};
+
+} // namespace Simulation
+
+#endif

@@ -1,0 +1,17 @@
+#include "storepath_p.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace Simulation {
+
+QString resolvedStorePath(const QString& a_sPath)
+{
+    if (QDir::separator() != u'/' || !a_sPath.contains(u'\\') || QFileInfo::exists(a_sPath)) {
+        return a_sPath;
+    }
+    QString sPath = a_sPath;
+    return sPath.replace(u'\\', u'/');
+}
+
+} // namespace Simulation

@@ -1,0 +1,17 @@
+#ifndef SIMULATIONDATA_STOREPATH_P_H
+#define SIMULATIONDATA_STOREPATH_P_H
+
+#include "simulationdata/simulationdata_export.h"
+
+#include <QString>
+
+namespace Simulation {
+
+/// The path to open for one that a getter of DataStoreFactory joined. Where the
+/// separator is the slash and nothing lies at the path as it is given, its
+/// backslashes are read as slashes.
+[[nodiscard]] SIMULATIONDATA_EXPORT QString resolvedStorePath(const QString& a_sPath);
+
+} // namespace Simulation
+
+#endif

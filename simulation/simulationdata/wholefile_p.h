@@ -1,0 +1,38 @@
+#ifndef SIMULATIONDATA_WHOLEFILE_P_H
+#define SIMULATIONDATA_WHOLEFILE_P_H
+
+#include "simulationdata/simulationdata_export.h"
+
+#include <QString>
+
+namespace Simulation {
+
+/// How files come into folders that several processes fill: under a temporary
+/// name first, then all at once. A crash or a full disk leaves no half file
+/// under a final name. Any thread may call.
+
+/// A name beside the file that no other call and no other process uses. It
+/// holds the id of this process.
+[[nodiscard]] SIMULATIONDATA_EXPORT QString temporaryName(const QString& a_sFile);
+
+/// Removes the files and folders in the folder, not below, whose names
+/// temporaryName() gave to processes of this machine that are gone.
+SIMULATIONDATA_EXPORT void removeAbandonedFiles(const QString& a_sFolder);
+
+/// Copies a regular file, or one that the program carries, whole or not at all.
+/// A file that is there already is never replaced and gives false, silently:
+/// another process may just have made it. Any other failure is traced. The copy
+/// has the permissions of a new file.
+[[nodiscard]] SIMULATIONDATA_EXPORT bool copyFileWhole(const QString& a_sFrom, const QString& a_sTo);
+
+/// Gives a finished file, which lies on the same file system, its final name in
+/// place of what has it. False after one trace.
+[[nodiscard]] bool replaceByRename(const QString& a_sFrom, const QString& a_sTo);
+
+/// Lets the owner write to a file or folder; on Windows all four write flags
+/// are set, and they alone. False when that is not permitted.
+SIMULATIONDATA_EXPORT bool makeWritable(const QString& a_sPath);
+
+} // namespace Simulation
+
+#endif

@@ -1,0 +1,472 @@
+#include "simulationdata/audiofile.h"
+#include "simulationdata/limits.h"
+#include "simulationdata/signalpackage.h"
+#include "simulationdata/signalpackagecache.h"
+#include "simulationdata/signalpackagefile.h"
+#include "simulationdata/signalpackagefolder.h"
+#include "simulationdata/signalshapefile.h"
+#include "simulationdata/wholefile_p.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <memory>
+#include <set>
+#include <thread>
+#include <vector>
+
+#include <sys/resource.h>
+
+using namespace Simulation;
+
+namespace {
+
+const QString s_sDefaultId = QStringLiteral("c0d40372-37c8-4ad4-9fb1-97bfc477769c");
+
+QString u8(const char* a_szText)
+{
+    return QString::fromUtf8(a_szText);
+}
+
+QByteArray contents(const QString& a_sFile)
+{
+    QFile file(a_sFile);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+}
+
+void write(const QString& a_sFile, const QByteArray& a_data)
+{
+    QFile file(a_sFile);
+    QVERIFY2(file.open(QIODevice::WriteOnly) && file.write(a_data) == a_data.size(), qPrintable(a_sFile));
+}
+
+/// A repository and a cache folder beside it.
+class Folders
+{
+public:
+    [[nodiscard]] QString repository() const { return m_dir.filePath(u8("repository")); }
+    [[nodiscard]] QString cache() const { return m_dir.filePath(u8("cache")); }
+    [[nodiscard]] QString cached(const char* a_szName) const { return cache() + u'/' + u8(a_szName); }
+    [[nodiscard]] QStringList cachedNames() const
+    {
+        QStringList names = QDir(cache()).entryList(QDir::Files | QDir::Hidden);
+        names.sort();
+        return names;
+    }
+
+    /// Makes a package whose shape file holds the text.
+    void addPackage(const char* a_szFolder, const QString& a_sId, const QStringList& a_updateIds = {},
+                    const QByteArray& a_shape = "shape", std::uint32_t a_uiTimestamp = 0) const
+    {
+        const QString sFolder = repository() + u'/' + u8(a_szFolder);
+        QVERIFY(QDir().mkpath(sFolder));
+        SignalPackage package;
+        package.setId(a_sId);
+        package.setUpdateIds(a_updateIds);
+        package.setTimestamp(a_uiTimestamp);
+        package.setDuration(3000);
+        QVERIFY(SignalPackageFolder::setSignalPackage(sFolder, package));
+        write(SignalPackageFolder::signalShapeFilePath(sFolder), a_shape);
+    }
+
+private:
+    QTemporaryDir m_dir;
+};
+
+/// Runs this program as another process that fills the cache folder, with files
+/// of at most so many bytes (0 = any): beyond that it is killed in the middle of
+/// a write, or else, when it is to survive, the write fails as on a full disk.
+std::unique_ptr<QProcess> startFilling(const Folders& a_folders, qint64 a_iMaxBytes, bool a_bSurvive)
+{
+    auto process = std::make_unique<QProcess>();
+    process->setProcessChannelMode(QProcess::ForwardedChannels);
+    process->start(QCoreApplication::applicationFilePath(),
+                   {u8("--fill"), a_folders.cache(), a_folders.repository(), QString::number(a_iMaxBytes),
+                    QString::number(static_cast<int>(a_bSurvive))});
+    return process;
+}
+
+int fill(const QStringList& a_arguments)
+{
+    const QString sCache = a_arguments.at(2);
+    SignalPackageCache cache(sCache, {});
+    if (!cache.prepareCacheForUse()) {
+        return 2;
+    }
+    if (const auto uiMaxBytes = static_cast<rlim_t>(a_arguments.at(4).toULongLong()); uiMaxBytes != 0) {
+        const rlimit limit{uiMaxBytes, uiMaxBytes};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        const rlimit noCore{0, 0};
+        setrlimit(RLIMIT_CORE, &noCore);
+        std::signal(SIGXFSZ, a_arguments.at(5) == u"1" ? SIG_IGN : SIG_DFL);
+    }
+    cache.updateCache(a_arguments.at(3), false);
+    return 0;
+}
+
+} // namespace
+
+class TestSignalPackageCache : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void beforePreparing();
+    void defaultPackage();
+    void unusableFolders();
+    void findsPackages();
+    void supersededIds();
+    void packagesOfOneId();
+    void tooManyUpdateIds();
+    void unreadableDescriptor();
+    void readers();
+    void addsOrTakesAnew();
+    void clearsOnlyItsOwn();
+    void readersOutliveClearing();
+    void manyThreads();
+    void twoProcesses();
+    void interruptedCopy();
+    void fullDisk();
+};
+
+void TestSignalPackageCache::beforePreparing()
+{
+    const Folders folders;
+    SignalPackageCache cache(folders.cache(), u8("source"));
+    QCOMPARE(cache.sourceDir(), u8("source"));
+    QVERIFY(!cache.signalPackage(u8("unknown")));
+    QVERIFY(!cache.defaultSignalPackage());
+    QVERIFY(!cache.signalShapeFile(nullptr));
+    cache.updateCache(folders.repository(), true);
+    QVERIFY(!QDir(folders.cache()).exists());
+}
+
+void TestSignalPackageCache::defaultPackage()
+{
+    const Folders folders;
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    QStringList prepared{s_sDefaultId + u8(".ssf"), s_sDefaultId + u8(".wav"), u8("Signal.ssf"),
+                         u8("Signal.wav"), u8("Signal.xml")};
+    prepared.sort();
+    QCOMPARE(folders.cachedNames(), prepared);
+
+    const std::shared_ptr<SignalPackage> package = cache.defaultSignalPackage();
+    QCOMPARE(package->id(), s_sDefaultId);
+    QVERIFY(package->hasAudioContent());
+    for (const char* szId : {"", "unknown", "a/b", "..", "x\ny", "Signal.xml"}) {
+        QCOMPARE(cache.signalPackage(u8(szId)), package);
+        QVERIFY2(!cache.validSignalPackageId(u8(szId)), szId);
+    }
+    QCOMPARE(cache.signalPackage(s_sDefaultId), package);
+    QVERIFY(cache.validSignalPackageId(s_sDefaultId));
+
+    SignalShapeFile* pShape = cache.signalShapeFile(package);
+    QVERIFY(pShape != nullptr && pShape->isOpen());
+    pShape->readSpectrum(100);
+    QVERIFY(pShape->signalLevelInSpectrum() > 0.0F);
+    QCOMPARE(cache.audioFile(package)->length(), 2999U);
+    QVERIFY(cache.symbolDataFile(package) == nullptr);
+
+    SignalPackageCache again(folders.cache(), {});
+    QVERIFY(again.prepareCacheForUse());
+    QCOMPARE(folders.cachedNames(), prepared);
+}
+
+void TestSignalPackageCache::unusableFolders()
+{
+    const Folders folders;
+    QVERIFY(!SignalPackageCache({}, {}).prepareCacheForUse());
+    write(folders.cache(), "a file");
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(!cache.prepareCacheForUse());
+    folders.addPackage("p", u8("p"));
+    cache.updateCache(folders.repository(), true);
+    QVERIFY(!cache.signalPackage(u8("p")));
+    QCOMPARE(contents(folders.cache()), QByteArray("a file"));
+}
+
+void TestSignalPackageCache::findsPackages()
+{
+    const Folders folders;
+    folders.addPackage("near", u8("a:b/c"));
+    folders.addPackage("group/deeper/far", u8("far"));
+    folders.addPackage("near/inside", u8("inside"));
+    folders.addPackage("nameless", {});
+    QVERIFY(QFile::link(folders.repository(), folders.repository() + u8("/group/circle")));
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    cache.updateCache(folders.repository(), false);
+
+    QVERIFY(cache.validSignalPackageId(u8("a:b/c")));
+    QCOMPARE(cache.signalPackage(u8("a:b/c"))->id(), u8("a:b/c"));
+    QCOMPARE(contents(folders.cached("a_b_c.ssf")), QByteArray("shape"));
+    QVERIFY(cache.validSignalPackageId(u8("far")));
+    QVERIFY(!cache.validSignalPackageId(u8("inside")));
+    QVERIFY(!cache.validSignalPackageId({}));
+    QCOMPARE(folders.cachedNames().size(), 5 + 2 * 2);
+}
+
+// Which of the two is found first must not matter, so there are many of them.
+void TestSignalPackageCache::supersededIds()
+{
+    constexpr int s_iPairs = 40;
+    const Folders folders;
+    for (int i = 0; i < s_iPairs; ++i) {
+        const QString sOld = QStringLiteral("old%1").arg(i);
+        const QString sNew = QStringLiteral("new%1").arg(i);
+        folders.addPackage(qPrintable(u8(i % 2 == 0 ? "a%1" : "z%1").arg(i)), sOld, {u8("older") + sOld});
+        folders.addPackage(qPrintable(QStringLiteral("m%1").arg(i)), sNew, {sOld, u8("gone") + sOld});
+    }
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    cache.updateCache(folders.repository(), false);
+    for (int i = 0; i < s_iPairs; ++i) {
+        const QString sOld = QStringLiteral("old%1").arg(i);
+        const QString sNew = QStringLiteral("new%1").arg(i);
+        for (const QString& sId : {sNew, sOld, u8("gone") + sOld}) {
+            QVERIFY(cache.validSignalPackageId(sId));
+            QCOMPARE(cache.signalPackage(sId)->id(), sNew);
+        }
+        QCOMPARE(cache.signalPackage(u8("older") + sOld)->id(), sOld);
+    }
+}
+
+void TestSignalPackageCache::packagesOfOneId()
+{
+    const Folders folders;
+    folders.addPackage("a", u8("same"), {}, "first", 1);
+    folders.addPackage("b", u8("same"), {}, "newest", 3);
+    folders.addPackage("c", u8("same"), {}, "second", 2);
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    cache.updateCache(folders.repository(), false);
+    QCOMPARE(cache.signalPackage(u8("same"))->timestamp(), 3U);
+    QCOMPARE(contents(folders.cached("same.ssf")), QByteArray("newest"));
+}
+
+void TestSignalPackageCache::tooManyUpdateIds()
+{
+    const Folders folders;
+    folders.addPackage("p", u8("p"), {u8("u1"), u8("u2"), u8("u3")});
+    Limits::setValue(Limits::UpdateIds, 2);
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    cache.updateCache(folders.repository(), false);
+    Limits::setValue(Limits::UpdateIds, 0);
+    QVERIFY(cache.validSignalPackageId(u8("p")) && cache.validSignalPackageId(u8("u2")));
+    QVERIFY(!cache.validSignalPackageId(u8("u3")));
+}
+
+void TestSignalPackageCache::unreadableDescriptor()
+{
+    const Folders folders;
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    write(folders.cached("broken.xml"), "<SignalPackage UID=\"broken\"");
+    QVERIFY(QDir().mkpath(folders.cached("folder.xml")));
+    QCOMPARE(cache.signalPackage(u8("broken")), cache.defaultSignalPackage());
+    QCOMPARE(cache.signalPackage(u8("folder")), cache.defaultSignalPackage());
+}
+
+void TestSignalPackageCache::readers()
+{
+    const Folders folders;
+    folders.addPackage("p", u8("p"), {u8("p-old")});
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    const QString sAudio = SignalPackageFolder::audioFilePath(folders.repository() + u8("/p"));
+    QVERIFY(QFile::copy(folders.cached("Signal.wav"), sAudio));
+    cache.updateCache(folders.repository(), false);
+
+    const std::shared_ptr<SignalPackage> package = cache.signalPackage(u8("p-old"));
+    QVERIFY(package->hasAudioContent() && !package->hasSymbolDataContent());
+    AudioFile* pAudio = cache.audioFile(package);
+    QVERIFY(pAudio != nullptr && pAudio->isOpen());
+    QCOMPARE(pAudio->packageDuration(), 3000U);
+    QCOMPARE(cache.audioFile(cache.signalPackage(u8("p"))), pAudio);
+    QVERIFY(cache.resultDataFile(package) == nullptr);
+    // "shape" is no shape file.
+    SignalShapeFile* pShape = cache.signalShapeFile(package);
+    QVERIFY(pShape != nullptr && !pShape->isOpen());
+    QCOMPARE(cache.signalShapeFile(package), pShape);
+}
+
+void TestSignalPackageCache::addsOrTakesAnew()
+{
+    const Folders folders;
+    folders.addPackage("p", u8("p"), {u8("dropped")}, "first");
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    cache.updateCache(folders.repository(), false);
+    const auto former = cache.signalPackage(u8("p"));
+
+    folders.addPackage("p", u8("p"), {}, "second", 7);
+    folders.addPackage("q", u8("q"));
+    cache.updateCache(folders.repository(), false);
+    QVERIFY(cache.validSignalPackageId(u8("q")) && cache.validSignalPackageId(u8("dropped")));
+    QCOMPARE(contents(folders.cached("p.ssf")), QByteArray("first"));
+    QCOMPARE(cache.signalPackage(u8("p")), former);
+
+    cache.updateCache(folders.repository(), true);
+    QCOMPARE(contents(folders.cached("p.ssf")), QByteArray("second"));
+    QCOMPARE(cache.signalPackage(u8("p"))->timestamp(), 7U);
+    QVERIFY(!cache.validSignalPackageId(u8("dropped")));
+}
+
+void TestSignalPackageCache::clearsOnlyItsOwn()
+{
+    const Folders folders;
+    folders.addPackage("p", u8("p:1"), {u8("old")});
+    folders.addPackage("standard", s_sDefaultId, {}, "other shape");
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    const QStringList prepared = folders.cachedNames();
+    cache.updateCache(folders.repository(), false);
+
+    const QByteArray foreignPackage = contents(folders.cached("p_1.xml"));
+    const QList<std::pair<const char*, QByteArray>> foreign{
+        {"letter.xml", "<Letter UID=\"letter\"/>"}, {"letter.ssf", "x"}, {"no.xml", "no document"},
+        {"elsewhere.xml", foreignPackage},          {"movie.wav", "x"},  {"p_1.txt", "x"}};
+    for (const auto& [szName, data] : foreign) {
+        write(folders.cached(szName), data);
+    }
+    cache.clearCache();
+    QVERIFY(!cache.validSignalPackageId(u8("p:1")) && !cache.validSignalPackageId(u8("old")));
+    QStringList expected = prepared;
+    for (const auto& [szName, data] : foreign) {
+        QCOMPARE(contents(folders.cached(szName)), data);
+        expected.append(u8(szName));
+    }
+    expected.sort();
+    QCOMPARE(folders.cachedNames(), expected);
+    QVERIFY(cache.validSignalPackageId(s_sDefaultId));
+    QVERIFY(cache.signalShapeFile(cache.defaultSignalPackage())->isOpen());
+}
+
+void TestSignalPackageCache::readersOutliveClearing()
+{
+    const Folders folders;
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    const auto package = cache.defaultSignalPackage();
+    SignalShapeFile* pFormer = cache.signalShapeFile(package);
+    cache.clearCache();
+    QVERIFY(cache.signalShapeFile(package) != pFormer);
+    pFormer->readSpectrum(200);
+    QVERIFY(pFormer->isOpen() && pFormer->signalLevelInSpectrum() > 0.0F);
+    cache.deleteAllSignalpackages();
+    QVERIFY(cache.signalShapeFile(package)->isOpen());
+}
+
+// Lookups of all kinds beside an update: everybody is given the same objects.
+void TestSignalPackageCache::manyThreads()
+{
+    const Folders folders;
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    for (int i = 0; i < 20; ++i) {
+        folders.addPackage(qPrintable(QString::number(i)), QString::number(i), {},
+                           contents(folders.cached("Signal.ssf")));
+    }
+    cache.updateCache(folders.repository(), false);
+    std::array<std::set<const void*>, 4> seen;
+    std::vector<std::thread> threads;
+    for (auto& objects : seen) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < 20; ++i) {
+                const auto package = cache.signalPackage(QString::number(i));
+                objects.insert(package.get());
+                objects.insert(cache.signalShapeFile(package));
+            }
+        });
+    }
+    cache.updateCache(folders.repository(), false);
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    QCOMPARE(seen.front().size(), std::size_t{40});
+    QVERIFY(std::all_of(seen.cbegin(), seen.cend(),
+                        [&](const auto& a_objects) { return a_objects == seen.front(); }));
+}
+
+void TestSignalPackageCache::twoProcesses()
+{
+    constexpr int s_iPackages = 60;
+    const Folders folders;
+    for (int i = 0; i < s_iPackages; ++i) {
+        folders.addPackage(qPrintable(QString::number(i)), QString::number(i), {},
+                           QByteArray(200'000, static_cast<char>('A' + i % 26)));
+    }
+    const auto first = startFilling(folders, 0, true);
+    const auto second = startFilling(folders, 0, true);
+    for (QProcess* pProcess : {first.get(), second.get()}) {
+        QVERIFY(pProcess->waitForFinished());
+        QCOMPARE(pProcess->exitStatus(), QProcess::NormalExit);
+        QCOMPARE(pProcess->exitCode(), 0);
+    }
+    QCOMPARE(folders.cachedNames().size(), 5 + 2 * s_iPackages);
+    for (int i = 0; i < s_iPackages; ++i) {
+        QCOMPARE(contents(folders.cached(qPrintable(QStringLiteral("%1.ssf").arg(i)))),
+                 QByteArray(200'000, static_cast<char>('A' + i % 26)));
+    }
+}
+
+void TestSignalPackageCache::interruptedCopy()
+{
+    const Folders folders;
+    const QByteArray shape(1'000'000, 's');
+    folders.addPackage("p", u8("p"), {}, shape);
+    const auto process = startFilling(folders, 300'000, false);
+    QVERIFY(process->waitForFinished());
+    QCOMPARE(process->exitStatus(), QProcess::CrashExit);
+    const QStringList left = folders.cachedNames().filter(u8(".tmp"));
+    QCOMPARE(left.size(), 1);
+    QVERIFY(!QFile::exists(folders.cached("p.ssf")));
+
+    // One that a living process works on, and one that only looks alike.
+    const QString sRunning = QFileInfo(temporaryName(folders.cached("p.ssf"))).fileName();
+    QStringList foreign{sRunning, u8("simulationdata.notes.tmp")};
+    for (const QString& sName : foreign) {
+        write(folders.cached(qPrintable(sName)), "foreign");
+    }
+    foreign.sort();
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    QCOMPARE(folders.cachedNames().filter(u8(".tmp")), foreign);
+    cache.updateCache(folders.repository(), false);
+    QCOMPARE(contents(folders.cached("p.ssf")), shape);
+}
+
+void TestSignalPackageCache::fullDisk()
+{
+    const Folders folders;
+    folders.addPackage("large", u8("large"), {}, QByteArray(1'000'000, 's'));
+    folders.addPackage("small", u8("small"));
+    const auto process = startFilling(folders, 300'000, true);
+    QVERIFY(process->waitForFinished());
+    QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+    QVERIFY(!QFile::exists(folders.cached("large.ssf")));
+    QCOMPARE(contents(folders.cached("small.ssf")), QByteArray("shape"));
+    QVERIFY(folders.cachedNames().filter(u8(".tmp")).isEmpty());
+}
+
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == u"--fill") {
+        return fill(arguments);
+    }
+    TestSignalPackageCache test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_signalpackagecache.moc"
