@@ -1,5 +1,7 @@
 #!/usr/bin/env bash
-# The main job: builds the release and plays the default scenario.
+# The main job: builds the release, makes a repository of signal packages in a
+# scratch folder, and plays the default scenario with them. Arguments go to
+# "simulationtool play".
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -7,4 +9,12 @@ scripts/setup.sh
 cmake --preset release >/dev/null
 cmake --build --preset release --target simulationtool
 
-build/release/bin/simulationtool play "$@"
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+tool=build/release/bin/simulationtool
+
+"$tool" repository init "$scratch/repository"
+echo
+"$tool" repository list "$scratch/repository"
+echo
+"$tool" play --repository "$scratch/repository" --cache "$scratch/cache" "$@"

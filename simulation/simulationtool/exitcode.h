@@ -3,11 +3,12 @@
 
 namespace SimulationTool {
 
-/// What the program tells the shell. Scripts rely on the values.
+/// What the program tells the shell. Scripts rely on the values; the higher one
+/// is the graver.
 enum class ExitCode : int {
     Ok = 0,
-    Findings = 1, ///< done, but the scenario broke off and was shown up to there
-    Unusable = 2, ///< wrong usage, or something could not be read or written
+    Findings = 1, ///< done, but something is broken, missing or inconsistent
+    Unusable = 2, ///< wrong usage, or something was refused or could not be read or written
 };
 
 } // namespace SimulationTool

@@ -1,132 +1,99 @@
 #include "inspectcommand.h"
 
-#include "objectdetails.h"
+#include "archivedetails.h"
+#include "datafiledetails.h"
+#include "output.h"
+#include "packagedetails.h"
+#include "pulsefiledetails.h"
 #include "report.h"
-#include "scenariofile.h"
-#include "valuetexts.h"
+#include "scenariodetails.h"
+#include "verdict.h"
 
-#include "simulationdata/duration.h"
-#include "simulationdata/emissionsettings.h"
-#include "simulationdata/scenariodataxml.h"
-#include "simulationdata/scenarionetwork.h"
-#include "simulationdata/szenarioemitter.h"
-#include "simulationdata/unresolvedsignalpackageprovider.h"
+#include "simulationdata/signalpackagefolder.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QXmlStreamReader>
+
+#include <algorithm>
+#include <array>
 
 namespace SimulationTool {
 
 namespace {
 
-constexpr qsizetype s_iMaxIdWidth = 24;
-constexpr qsizetype s_iMaxNameWidth = 28;
+constexpr qint64 s_iHeadBytes = 4096;
 
-using Emitters = QList<std::shared_ptr<Simulation::SzenarioEmitter>>;
-using Networks = QList<std::shared_ptr<Simulation::ScenarioNetwork>>;
-
-void describeHeader(Report& a_report, const Simulation::ScenarioDataXml& a_scenario)
+/// A kind of file that is more than a scenario.
+struct Kind
 {
-    a_report.heading(QStringLiteral("Scenario"));
-    a_report.field(QStringLiteral("Name"), a_scenario.getName());
-    a_report.field(QStringLiteral("Author"), a_scenario.getAuthor());
-    a_report.field(QStringLiteral("Description"), a_scenario.getDescription());
-    a_report.field(QStringLiteral("Uid"), a_scenario.getPersistantId());
-    const std::uint32_t uiDuration = a_scenario.getDuration();
-    a_report.field(QStringLiteral("Duration"),
-                   uiDuration != 0
-                       ? QStringLiteral("%1 ms (%2)")
-                             .arg(QString::number(uiDuration), Units::Duration::toString(uiDuration))
-                       : QStringLiteral("not given"));
-    if (a_scenario.isOlderFileVersion()) {
-        a_report.field(QStringLiteral("File version"),
-                       QStringLiteral("older than %1, the current one")
-                           .arg(Simulation::ScenarioDataXml::s_uiFileFormatVersion));
-    }
+    bool (*recognises)(const QByteArray& a_head); ///< by the file's first bytes
+    const char* ending; ///< of files whose first bytes say nothing; empty: there are none
+    Verdict (*describe)(Report& a_report, const QString& a_sFile);
+};
+
+bool isDescriptor(const QByteArray& a_head)
+{
+    QXmlStreamReader reader(a_head);
+    return reader.readNextStartElement() && reader.name() == QLatin1String("SignalPackage");
 }
 
-void describeNoise(Report& a_report, const Simulation::ScenarioNoiseSettings& a_noise)
+bool isArchive(const QByteArray& a_head)
 {
-    a_report.heading(QStringLiteral("Noise"));
-    a_report.table({{QStringLiteral("Density"), true},
-                    {QStringLiteral("Deviation"), true},
-                    {QStringLiteral("By frequency: density"), true},
-                    {QStringLiteral("granularity"), true},
-                    {QStringLiteral("variability"), true}},
-                   {{plainNumber(a_noise.noiseDensity()), plainNumber(a_noise.noiseDeviation()),
-                     plainNumber(a_noise.frequencyDependentNoiseDensity()),
-                     plainNumber(a_noise.frequencyDependentNoiseGranularity()),
-                     plainNumber(a_noise.frequencyDependentNoiseVariability())}});
+    return a_head.startsWith("PK\3\4") || a_head.startsWith("PK\5\6");
 }
 
-void listEmitters(Report& a_report, const Emitters& a_emitters)
-{
-    a_report.heading(QStringLiteral("Emitters: %1").arg(a_emitters.size()));
-    QList<QStringList> rows;
-    for (const std::shared_ptr<Simulation::SzenarioEmitter>& emitter : a_emitters) {
-        const auto network = emitter->network();
-        rows.append({orDash(emitter->id()), orDash(emitter->name()), yesNo(emitter->isActive()),
-                     orDash(network ? network->id() : QString()),
-                     frequencySummary(emitter->getFrequencySettings()).section(u',', 0, 0),
-                     positionSummary(*emitter)});
-    }
-    a_report.table({{QStringLiteral("ID"), false, s_iMaxIdWidth},
-                    {QStringLiteral("Name"), false, s_iMaxNameWidth},
-                    {QStringLiteral("Active")},
-                    {QStringLiteral("Network"), false, s_iMaxIdWidth},
-                    {QStringLiteral("Frequency")},
-                    {QStringLiteral("Position")}},
-                   rows);
-}
+constexpr std::array<Kind, 7> s_kinds{{
+    {[](const QByteArray& a_head) { return a_head.startsWith("T&K-SSF"); }, ".ssf", &describeShapeFile},
+    {[](const QByteArray& a_head) { return a_head.startsWith("T&K-SDF"); }, ".sdf", &describeSymbolFile},
+    {[](const QByteArray& a_head) { return a_head.startsWith("T&K-RDF"); }, ".rdf", &describeResultFile},
+    {[](const QByteArray& a_head) { return a_head.startsWith("RIFF"); }, ".wav", &describeWaveFile},
+    {[](const QByteArray& a_head) { return a_head.startsWith("\x72\x65\x74\xFB"); }, ".pdw",
+     &describePulseFile},
+    {&isArchive, ".zip", &describeArchive},
+    {&isDescriptor, "", &describeDescriptor},
+}};
 
-void listNetworks(Report& a_report, const Networks& a_networks)
+/// The kind of a file; null for what may be a scenario.
+const Kind* kindOf(const QString& a_sFile)
 {
-    a_report.heading(QStringLiteral("Networks: %1").arg(a_networks.size()));
-    QList<QStringList> rows;
-    for (const std::shared_ptr<Simulation::ScenarioNetwork>& network : a_networks) {
-        const auto head = network->headEmitter();
-        rows.append({orDash(network->id()), orDash(network->name()), yesNo(network->isActive()),
-                     Simulation::stringForNetworkType(network->networkType()),
-                     QString::number(network->emitterList().size()),
-                     QString::number(network->emissionSettings()->emissions().size()),
-                     orDash(head ? head->id() : QString())});
+    QFile file(a_sFile);
+    // A pipe could keep us waiting for ever.
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) {
+        return nullptr;
     }
-    a_report.table({{QStringLiteral("ID"), false, s_iMaxIdWidth},
-                    {QStringLiteral("Name"), false, s_iMaxNameWidth},
-                    {QStringLiteral("Active")},
-                    {QStringLiteral("Type")},
-                    {QStringLiteral("Members"), true},
-                    {QStringLiteral("Emissions"), true},
-                    {QStringLiteral("Head")}},
-                   rows);
+    const QByteArray head = file.read(s_iHeadBytes);
+    auto found = std::find_if(s_kinds.begin(), s_kinds.end(),
+                              [&](const Kind& a_kind) { return a_kind.recognises(head); });
+    if (found == s_kinds.end()) {
+        found = std::find_if(s_kinds.begin(), s_kinds.end(), [&](const Kind& a_kind) {
+            const QLatin1String sEnding(a_kind.ending);
+            return !sEnding.isEmpty() && a_sFile.endsWith(sEnding, Qt::CaseInsensitive);
+        });
+    }
+    return found != s_kinds.end() ? &*found : nullptr;
 }
 
 } // namespace
 
-ExitCode runInspect(const QString& a_sFile, Output& a_output)
+ExitCode runInspect(const QString& a_sPath, Output& a_output)
 {
-    Simulation::UnresolvedSignalPackageProvider provider;
-    Simulation::ScenarioDataXml scenario(&provider);
-    const ExitCode eLoaded = loadScenario(scenario, a_sFile);
-    if (eLoaded == ExitCode::Unusable) {
-        return eLoaded;
-    }
     Report report(a_output);
-    describeHeader(report, scenario);
-    describeNoise(report, scenario.getNoiseSettings());
-    const Emitters emitters = emittersOf(scenario);
-    const Networks networks = networksOf(scenario);
-    listEmitters(report, emitters);
-    listNetworks(report, networks);
-    const auto defaultEmitter = scenario.getDefaultEmitter();
-    for (const std::shared_ptr<Simulation::SzenarioEmitter>& emitter : emitters) {
-        if (report.isOk()) {
-            describeEmitter(report, *emitter, emitter == defaultEmitter);
-        }
+    const bool bFolder = QFileInfo(a_sPath).isDir();
+    if (bFolder && !Simulation::SignalPackageFolder::isValid(a_sPath)) {
+        complain(QStringLiteral("%1: is a folder without a signal package (repository list shows those "
+                                "below it)")
+                     .arg(a_sPath));
+        return ExitCode::Unusable;
     }
-    for (const std::shared_ptr<Simulation::ScenarioNetwork>& network : networks) {
-        if (report.isOk()) {
-            describeNetwork(report, *network);
-        }
+    const Kind* pKind = bFolder ? nullptr : kindOf(a_sPath);
+    if (!bFolder && pKind == nullptr) {
+        return describeScenario(report, a_sPath);
     }
-    return eLoaded;
+    const Verdict verdict =
+        bFolder ? describePackageFolder(report, a_sPath) : pKind->describe(report, a_sPath);
+    report.field(QStringLiteral("Verdict"), verdict.text);
+    return verdict.code;
 }
 
 } // namespace SimulationTool

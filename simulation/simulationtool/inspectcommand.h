@@ -9,9 +9,10 @@ namespace SimulationTool {
 
 class Output;
 
-/// Writes what a scenario holds: header, noise, an overview of emitters and
-/// networks, then each object with all its settings.
-[[nodiscard]] ExitCode runInspect(const QString& a_sFile, Output& a_output);
+/// Writes what a file or a package folder holds. What it is, its content tells;
+/// where that says nothing, the ending of its name does; everything else is
+/// taken for a scenario.
+[[nodiscard]] ExitCode runInspect(const QString& a_sPath, Output& a_output);
 
 } // namespace SimulationTool
 

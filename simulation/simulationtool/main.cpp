@@ -1,4 +1,5 @@
 #include "commandline.h"
+#include "interruption.h"
 #include "output.h"
 
 #include "kpbase/errorhandler.h"
@@ -16,6 +17,17 @@ void traceMessage(QtMsgType /*a_eType*/, const QMessageLogContext& /*a_context*/
     }
 }
 
+SimulationTool::ExitCode runProgram()
+{
+    SimulationTool::Output output;
+    SimulationTool::ExitCode eCode = SimulationTool::runCommandLine(QCoreApplication::arguments(), output);
+    if (!output.finish() && !SimulationTool::isInterrupted()) {
+        SimulationTool::complain(QStringLiteral("standard output: ") + output.errorString());
+        eCode = SimulationTool::ExitCode::Unusable;
+    }
+    return eCode;
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -24,12 +36,7 @@ int main(int argc, char* argv[])
     ErrorHandler::Instance().setTraceMask(0);
     qInstallMessageHandler(traceMessage);
     const QCoreApplication application(argc, argv);
-
-    SimulationTool::Output output;
-    SimulationTool::ExitCode eCode = SimulationTool::runCommandLine(QCoreApplication::arguments(), output);
-    if (!output.finish()) {
-        SimulationTool::complain(QStringLiteral("standard output: ") + output.errorString());
-        eCode = SimulationTool::ExitCode::Unusable;
-    }
+    const SimulationTool::ExitCode eCode = runProgram();
+    SimulationTool::endIfInterrupted();
     return static_cast<int>(eCode);
 }

@@ -20,11 +20,14 @@ struct PlayOptions
     std::optional<std::uint32_t> to; ///< none = the scenario's duration, at most ten seconds
     std::uint32_t step = 100;        ///< at least 1
     QString csvFile;                 ///< empty = a table on the output
+    QString repository;              ///< folder to resolve packages from; empty = none, and no levels
+    QString cache;                   ///< folder that is kept; empty = a temporary one
 };
 
 /// Plays a scenario over [from, to) and writes one row per time and emitter,
 /// emitters in the order of their ids. Rows are written as they come: memory
-/// does not grow with the window.
+/// does not grow with the window. With a repository a play that is interrupted
+/// cleans up and returns; see interruption.h.
 [[nodiscard]] ExitCode runPlay(const PlayOptions& a_options, Output& a_output);
 
 } // namespace SimulationTool

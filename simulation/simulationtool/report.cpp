@@ -68,6 +68,11 @@ void Report::field(const QString& a_sLabel, const QString& a_sValue)
     }
 }
 
+void Report::plainTable(const QList<TextColumn>& a_columns, const QList<QStringList>& a_rows)
+{
+    writeTable(a_columns, a_rows, 0);
+}
+
 void Report::table(const QList<TextColumn>& a_columns, const QList<QStringList>& a_rows)
 {
     writeTable(a_columns, a_rows, s_iIndent);

@@ -23,7 +23,9 @@ public:
     void heading(const QString& a_sText);
     /// A label and its value, wrapped at spaces and broken at line ends.
     void field(const QString& a_sLabel, const QString& a_sValue);
-    /// A table, indented. Nothing without rows.
+    /// A table from the first column on. Nothing without rows.
+    void plainTable(const QList<TextColumn>& a_columns, const QList<QStringList>& a_rows);
+    /// The same, indented.
     void table(const QList<TextColumn>& a_columns, const QList<QStringList>& a_rows);
     /// The same with a title line of its own.
     void titledTable(const QString& a_sTitle, const QList<TextColumn>& a_columns,

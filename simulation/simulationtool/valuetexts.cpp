@@ -4,6 +4,8 @@
 
 #include <QLocale>
 
+#include <array>
+#include <charconv>
 #include <cmath>
 
 namespace SimulationTool {
@@ -15,6 +17,10 @@ constexpr double s_dMega = 1e6;
 constexpr double s_dGiga = 1e9;
 constexpr double s_dFixedLimit = 1e9; ///< from here on numbers are scientific
 constexpr int s_iScientificDigits = 6;
+constexpr int s_iLevelDecimals = 3;
+constexpr float s_fFixedLevelFrom = 0.1F;
+constexpr float s_fFixedLevelTo = 1e5F;
+constexpr std::size_t s_uiFloatTextBytes = 32; ///< twice what the longest takes
 
 } // namespace
 
@@ -26,6 +32,21 @@ QString yesNo(bool a_bValue)
 QString plainNumber(double a_dValue)
 {
     return QString::number(a_dValue, 'g', QLocale::FloatingPointShortest);
+}
+
+QString shortNumber(float a_fValue)
+{
+    std::array<char, s_uiFloatTextBytes> text{};
+    const std::to_chars_result end = std::to_chars(text.data(), text.data() + text.size(), a_fValue);
+    return QString::fromLatin1(text.data(), end.ptr - text.data());
+}
+
+QString levelText(float a_fLevel)
+{
+    const float fMagnitude = std::fabs(a_fLevel);
+    const bool bFixed =
+        fMagnitude == 0.0F || (fMagnitude >= s_fFixedLevelFrom && fMagnitude < s_fFixedLevelTo);
+    return QString::number(static_cast<double>(a_fLevel), bFixed ? 'f' : 'e', s_iLevelDecimals);
 }
 
 QString frequencyText(double a_dFrequency)
@@ -67,6 +88,12 @@ QString endBehaviourText(Simulation::EndBehaviourType a_eBehaviour)
         break;
     }
     return QStringLiteral("then begins again");
+}
+
+QString counted(quint64 a_uiCount, const char* a_szNoun)
+{
+    return QStringLiteral("%1 %2%3").arg(QString::number(a_uiCount), QLatin1String(a_szNoun),
+                                         a_uiCount == 1 ? QString() : QStringLiteral("s"));
 }
 
 QString orDash(const QString& a_sText)

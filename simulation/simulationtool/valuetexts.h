@@ -13,6 +13,11 @@ namespace SimulationTool {
 [[nodiscard]] QString yesNo(bool a_bValue);
 /// The shortest text that reads back as the same number.
 [[nodiscard]] QString plainNumber(double a_dValue);
+/// The same in single precision.
+[[nodiscard]] QString shortNumber(float a_fValue);
+/// A level with three decimals, where it is very large or small in scientific
+/// form: a column keeps its width. "14.012", "1.418e-12".
+[[nodiscard]] QString levelText(float a_fLevel);
 /// A frequency (Hz) with a fitting unit and all its digits: "156.8 MHz".
 [[nodiscard]] QString frequencyText(double a_dFrequency);
 /// A number with fixed decimals, or in scientific form when it has more than
@@ -21,6 +26,8 @@ namespace SimulationTool {
 /// "2000 ms", or "unlimited".
 [[nodiscard]] QString durationText(qint64 a_iMilliseconds);
 [[nodiscard]] QString endBehaviourText(Simulation::EndBehaviourType a_eBehaviour);
+/// A count with its noun: "1 byte", "2 bytes".
+[[nodiscard]] QString counted(quint64 a_uiCount, const char* a_szNoun);
 /// The text, or "-" for an empty one.
 [[nodiscard]] QString orDash(const QString& a_sText);
 

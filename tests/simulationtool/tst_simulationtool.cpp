@@ -1,5 +1,6 @@
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
+#include "simulationtool/toolrun.h"
 
 #include <algorithm>
 #include <csignal>
@@ -12,31 +13,9 @@
 
 namespace {
 
-constexpr int s_iTimeout = 60'000; ///< ms; instrumented builds are slow
 constexpr int s_iHeaderLines = 2;
 
 const QString s_sBuiltIn = QStringLiteral(":/DefaultData/Default.sce.exp");
-
-struct Result
-{
-    int code = -1;
-    QString out;
-    QString err;
-};
-
-/// What the program answers; the code is -1 when it crashed or hung.
-Result run(const QStringList& a_arguments)
-{
-    QProcess process;
-    process.start(QStringLiteral(SIMULATIONTOOL_PATH), a_arguments);
-    Result result;
-    if (process.waitForFinished(s_iTimeout) && process.exitStatus() == QProcess::NormalExit) {
-        result.code = process.exitCode();
-    }
-    result.out = QString::fromUtf8(process.readAllStandardOutput());
-    result.err = QString::fromUtf8(process.readAllStandardError());
-    return result;
-}
 
 /// A scenario around some elements.
 QByteArray scenario(const QByteArray& a_elements, const QByteArray& a_attributes = {})
@@ -52,12 +31,7 @@ QStringList lines(const QString& a_sText)
 /// The rows of a played table with single blanks between the cells.
 QStringList tableRows(const QString& a_sText)
 {
-    QStringList rows;
-    const QStringList all = lines(a_sText).mid(s_iHeaderLines);
-    for (const QString& line : all) {
-        rows.append(line.simplified());
-    }
-    return rows;
+    return simplifiedLines(a_sText).mid(s_iHeaderLines);
 }
 
 } // namespace
@@ -131,7 +105,7 @@ void tst_SimulationTool::wrongFiles()
         sFile = write(QStringLiteral("wrong.xml"), content);
     }
     for (const QString& command : {QStringLiteral("inspect"), QStringLiteral("play")}) {
-        const Result result = run({command, sFile});
+        const ToolResult result = runTool({command, sFile});
         QCOMPARE(result.err, QStringLiteral("simulationtool: %1: %2\n").arg(sFile, reason));
         QCOMPARE(result.code, code);
         // What stood before the fault is shown.
@@ -157,7 +131,7 @@ void tst_SimulationTool::wrongUsage_data()
     add("unknown option", "--loud", "Unknown option 'loud'", "");
     add("nothing to inspect", "inspect", "inspect: one FILE is needed, 0 given", "inspect ");
     add("two scenarios", "play|a|b", "play: at most one SCENARIO can be played, 2 given", "play ");
-    add("no file name", "play|--csv|", "play: --csv needs the name of a file", "play ");
+    add("no file name", "play|--csv|", "play: --csv needs a name", "play ");
     add("empty window", "play|--from|5|--to|5", "play: --to (5) must be later than --from (5)", "play ");
 
     const auto addNumber = [&](const char* a_szName, const char* a_szOption, const char* a_szMin,
@@ -180,7 +154,7 @@ void tst_SimulationTool::wrongUsage()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, message);
-    const Result result = run(arguments);
+    const ToolResult result = runTool(arguments);
     QCOMPARE(result.err, QStringLiteral("simulationtool: ") + message + u'\n');
     QCOMPARE(result.code, 2);
     QCOMPARE(result.out, QString());
@@ -191,7 +165,7 @@ void tst_SimulationTool::help()
     const QStringList calls{QStringLiteral("--help"), QStringLiteral("inspect --help"),
                             QStringLiteral("play --help --step"), QStringLiteral("--version")};
     for (const QString& call : calls) {
-        const Result result = run(call.split(u' '));
+        const ToolResult result = runTool(call.split(u' '));
         QCOMPARE(result.code, 0);
         QCOMPARE(result.err, QString());
         QCOMPARE(result.out.contains(QStringLiteral("Examples:")), call != u"--version");
@@ -239,8 +213,9 @@ void tst_SimulationTool::playRow()
     QFETCH(int, time);
     QFETCH(QString, emitter);
     QFETCH(QString, rest);
-    const Result result = run({QStringLiteral("play"), s_sBuiltIn, QStringLiteral("--from"),
-                               QString::number(time), QStringLiteral("--to"), QString::number(time + 1)});
+    const ToolResult result =
+        runTool({QStringLiteral("play"), s_sBuiltIn, QStringLiteral("--from"), QString::number(time),
+                 QStringLiteral("--to"), QString::number(time + 1)});
     QCOMPARE(result.code, 0);
     const QString sBegin = QStringLiteral("%1 %2 ").arg(QString::number(time), emitter);
     const QStringList rows = tableRows(result.out).filter(QRegularExpression(u'^' + sBegin));
@@ -275,8 +250,8 @@ void tst_SimulationTool::window()
     QFETCH(QString, options);
     const QString sFile = write(QStringLiteral("window.xml"), scenario(R"(<Emitter ID="e" Active="true"/>)",
                                                                        "Duration=\"" + duration + '"'));
-    const Result result =
-        run(QStringList{QStringLiteral("play"), sFile} + options.split(u' ', Qt::SkipEmptyParts));
+    const ToolResult result =
+        runTool(QStringList{QStringLiteral("play"), sFile} + options.split(u' ', Qt::SkipEmptyParts));
     QCOMPARE(result.code, 0);
     const QStringList rows = tableRows(result.out);
     QVERIFY(!rows.isEmpty());
@@ -301,8 +276,8 @@ void tst_SimulationTool::csvFields()
  </Movement></Position></Emitter>
 <Emitter ID="Möwe" Active="true"><Frequency><Fixed>1e300</Fixed></Frequency></Emitter>)"));
     const QString sCsv = m_dir.filePath(QStringLiteral("fields.csv"));
-    const Result result = run({QStringLiteral("play"), sFile, QStringLiteral("--to"), QStringLiteral("1"),
-                               QStringLiteral("--csv"), sCsv});
+    const ToolResult result = runTool({QStringLiteral("play"), sFile, QStringLiteral("--to"),
+                                       QStringLiteral("1"), QStringLiteral("--csv"), sCsv});
     QCOMPARE(result.err, QString());
     QCOMPARE(result.code, 0);
     QCOMPARE(result.out, QStringLiteral("3 rows written\n"));
@@ -336,7 +311,7 @@ void tst_SimulationTool::csvIsAllOrNothing()
     QFETCH(QString, csv);
     QFETCH(QString, message);
     const QString sOld = write(QStringLiteral("old.csv"), "old");
-    const Result result = run({QStringLiteral("play"), scenario, QStringLiteral("--csv"), csv});
+    const ToolResult result = runTool({QStringLiteral("play"), scenario, QStringLiteral("--csv"), csv});
     QCOMPARE(result.err, QStringLiteral("simulationtool: ") + message + u'\n');
     QCOMPARE(result.code, 2);
     QFile old(sOld);
@@ -366,7 +341,7 @@ void tst_SimulationTool::inspectBuiltIn_data()
 void tst_SimulationTool::inspectBuiltIn()
 {
     QFETCH(QString, line);
-    static const Result s_result = run({QStringLiteral("inspect"), s_sBuiltIn});
+    static const ToolResult s_result = runTool({QStringLiteral("inspect"), s_sBuiltIn});
     QCOMPARE(s_result.code, 0);
     QCOMPARE(s_result.err, QString());
     const QStringList all = lines(s_result.out);
@@ -383,7 +358,7 @@ void tst_SimulationTool::inspectTamesHostileTexts()
                  "<Emitter ID=\"1\" Name=\"" +
                      longName + "\" Active=\"true\"/><Emitter ID=\"2\" Name=\"öä𝄞&#9;x\" Active=\"true\"/>",
                  "Name=\"a&#10;b\""));
-    const Result result = run({QStringLiteral("inspect"), sFile});
+    const ToolResult result = runTool({QStringLiteral("inspect"), sFile});
     QCOMPARE(result.code, 0);
     const QStringList all = lines(result.out);
     QVERIFY(all.contains(QStringLiteral("  Description   first")));
@@ -401,7 +376,7 @@ void tst_SimulationTool::inspectTamesHostileTexts()
 void tst_SimulationTool::olderFile()
 {
     const QString sFile = write(QStringLiteral("older.xml"), "<Scenario FileFormatVersion=\"3\"/>");
-    const Result result = run({QStringLiteral("inspect"), sFile});
+    const ToolResult result = runTool({QStringLiteral("inspect"), sFile});
     QVERIFY(result.code == 0 && result.out.contains(QStringLiteral("File version  older than 4")));
 }
 
@@ -412,11 +387,11 @@ void tst_SimulationTool::csvOverScenario()
     const QString sLink = sFile + QStringLiteral(".link");
     QVERIFY(QFile::link(sFile, sLink));
     for (const QString& sTarget : {sFile, sLink}) {
-        const auto result = run({QStringLiteral("play"), sFile, QStringLiteral("--csv"), sTarget});
+        const auto result = runTool({QStringLiteral("play"), sFile, QStringLiteral("--csv"), sTarget});
         QCOMPARE(result.code, 2);
         QVERIFY(result.err.contains(QStringLiteral("is the scenario itself")));
     }
-    QCOMPARE(run({QStringLiteral("inspect"), sFile}).code, 0);
+    QCOMPARE(runTool({QStringLiteral("inspect"), sFile}).code, 0);
 }
 
 void tst_SimulationTool::outputFails()
@@ -425,7 +400,7 @@ void tst_SimulationTool::outputFails()
         QProcess process;
         process.setStandardOutputFile(QStringLiteral("/dev/full"));
         process.start(QStringLiteral(SIMULATIONTOOL_PATH), {command});
-        QVERIFY(process.waitForFinished(s_iTimeout));
+        QVERIFY(process.waitForFinished(s_iToolTimeout));
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(process.exitCode(), 2);
         QCOMPARE(process.readAllStandardError(),
@@ -439,8 +414,8 @@ void tst_SimulationTool::outputFails()
     process.start(QStringLiteral(SIMULATIONTOOL_PATH),
                   {QStringLiteral("play"), QStringLiteral("--to"), QStringLiteral("4294967295")});
     reader.start(QStringLiteral(SIMULATIONTOOL_PATH), {QStringLiteral("--version")});
-    QVERIFY(reader.waitForFinished(s_iTimeout));
-    QVERIFY(process.waitForFinished(s_iTimeout));
+    QVERIFY(reader.waitForFinished(s_iToolTimeout));
+    QVERIFY(process.waitForFinished(s_iToolTimeout));
     QCOMPARE(process.exitStatus(), QProcess::CrashExit);
     QCOMPARE(process.exitCode(), SIGPIPE);
     QCOMPARE(process.readAllStandardError(), QByteArray());
@@ -449,11 +424,11 @@ void tst_SimulationTool::outputFails()
 void tst_SimulationTool::traceOnDemand()
 {
     const QString sFile = write(QStringLiteral("trace.xml"), "<Other/>");
-    QCOMPARE(lines(run({QStringLiteral("inspect"), sFile}).err).size(), 1);
+    QCOMPARE(lines(runTool({QStringLiteral("inspect"), sFile}).err).size(), 1);
     for (const QStringList& arguments :
          {QStringList{QStringLiteral("--trace"), QStringLiteral("inspect"), sFile},
           QStringList{QStringLiteral("inspect"), sFile, QStringLiteral("--trace")}}) {
-        const QStringList errors = lines(run(arguments).err);
+        const QStringList errors = lines(runTool(arguments).err);
         QCOMPARE(errors.size(), 2);
         QVERIFY(errors.constFirst().startsWith(QStringLiteral("simulationtool: trace: Scenario refused: ")));
     }

@@ -1,0 +1,98 @@
+#include "archivedetails.h"
+
+#include "interruption.h"
+#include "packagedetails.h"
+#include "report.h"
+#include "valuetexts.h"
+
+#include "kpzip/archive.h"
+#include "simulationdata/limits.h"
+#include "simulationdata/signalpackagefolder.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+namespace SimulationTool {
+
+namespace {
+
+/// Unpacks all files below a folder and lists them with what became of each.
+/// How many could not be unpacked.
+qsizetype unpackFiles(Report& a_report, KPZip::Archive& a_archive, const QString& a_sFolder)
+{
+    qsizetype iFailed = 0;
+    QList<QStringList> rows;
+    const QDir folder(a_sFolder);
+    for (const QString& file : a_archive.files()) {
+        if (isInterrupted()) {
+            break;
+        }
+        const QString sTarget = folder.filePath(file);
+        const bool bPlace = QDir().mkpath(QFileInfo(sTarget).path());
+        const bool bUnpacked = bPlace && a_archive.extractToFile(file, sTarget);
+        iFailed += bUnpacked ? 0 : 1;
+        QString sVerdict = Verdict().text;
+        if (!bUnpacked) {
+            sVerdict = bPlace ? a_archive.errorString() : QStringLiteral("refused: its folder is a file");
+        }
+        rows.append({file, QString::number(a_archive.declaredSize(file)), sVerdict});
+    }
+    a_report.titledTable(
+        QStringLiteral("Files"),
+        {{QStringLiteral("Name")}, {QStringLiteral("Bytes"), true}, {QStringLiteral("Verdict")}}, rows);
+    return iFailed;
+}
+
+ExitCode describePackages(Report& a_report, const QString& a_sFolder)
+{
+    ExitCode eWorst = ExitCode::Ok;
+    QStringList folders = Simulation::SignalPackageFolder::list(a_sFolder);
+    if (Simulation::SignalPackageFolder::isValid(a_sFolder)) {
+        folders.prepend(a_sFolder);
+    }
+    for (const QString& folder : folders) {
+        if (isInterrupted() || !a_report.isOk()) {
+            break;
+        }
+        const Verdict verdict =
+            describePackageFolder(a_report, folder, QDir(a_sFolder).relativeFilePath(folder));
+        a_report.field(QStringLiteral("Verdict"), verdict.text);
+        eWorst = worse(eWorst, verdict.code);
+    }
+    return eWorst;
+}
+
+} // namespace
+
+Verdict describeArchive(Report& a_report, const QString& a_sFile)
+{
+    a_report.heading(QStringLiteral("Zip archive"));
+    a_report.field(QStringLiteral("File"), a_sFile);
+    a_report.field(QStringLiteral("Size"), counted(static_cast<quint64>(QFileInfo(a_sFile).size()), "byte"));
+    KPZip::Archive archive(a_sFile);
+    archive.setBounds(Simulation::Limits::value(Simulation::Limits::ArchiveBytes),
+                      Simulation::Limits::value(Simulation::Limits::ArchiveEntries));
+    if (!archive.open(KPZip::Archive::ModeRead)) {
+        return refusedVerdict(archive.errorString());
+    }
+    const std::uint64_t uiRefused = archive.refusedCount();
+    catchInterruptions();
+    const QTemporaryDir folder;
+    if (!folder.isValid()) {
+        return refusedVerdict(folder.errorString());
+    }
+    const qsizetype iFailed = unpackFiles(a_report, archive, folder.path());
+    const ExitCode ePackages = describePackages(a_report, folder.path());
+    a_report.heading(QStringLiteral("Archive"));
+    if (uiRefused == 0 && iFailed == 0) {
+        return ePackages == ExitCode::Ok
+                   ? Verdict{}
+                   : Verdict{ePackages, QStringLiteral("whole, but not all packages are")};
+    }
+    return refusedVerdict(
+        QStringLiteral("%1 not unpacked, %2 unsafe (--trace names them)")
+            .arg(counted(static_cast<quint64>(iFailed), "file"), QString::number(uiRefused)));
+}
+
+} // namespace SimulationTool

@@ -1,0 +1,210 @@
+#include "datafiledetails.h"
+
+#include "report.h"
+#include "shapelevels.h"
+#include "valuetexts.h"
+
+#include "simulationdata/audiofile.h"
+#include "simulationdata/resultdatafile.h"
+#include "simulationdata/signalpackagefolder.h"
+#include "simulationdata/signalshapefile.h"
+#include "simulationdata/symboldatafile.h"
+#include "simulationdata/wavefilereader.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace SimulationTool {
+
+namespace {
+
+constexpr qsizetype s_iShownCuePoints = 20;
+constexpr std::uint64_t s_uiMillisecondsPerSecond = 1000;
+
+void describeFile(Report& a_report, const QString& a_sKind, const QString& a_sFile)
+{
+    a_report.heading(a_sKind);
+    a_report.field(QStringLiteral("File"), a_sFile);
+    a_report.field(QStringLiteral("Size"), counted(static_cast<quint64>(QFileInfo(a_sFile).size()), "byte"));
+}
+
+/// Opens a reader whose data are taken at a rate, of which the length in ms is
+/// 0 when rate or count are unusable. A wave file has frames instead.
+template<typename Reader>
+Verdict openTimed(Reader& a_reader, std::uint32_t (Reader::*a_pLength)() const)
+{
+    Verdict verdict = openVerdict(a_reader);
+    if (verdict.code == ExitCode::Ok && (a_reader.*a_pLength)() == 0) {
+        verdict = {ExitCode::Findings,
+                   QStringLiteral("whole, but by its rate and count nothing can be read")};
+    }
+    return verdict;
+}
+
+QString rateText(float a_fRate)
+{
+    return shortNumber(a_fRate) + QStringLiteral(" per second");
+}
+
+QString lengthText(std::uint64_t a_uiMilliseconds)
+{
+    return QStringLiteral("%1 ms").arg(a_uiMilliseconds);
+}
+
+QString waveLengthText(const Simulation::WaveFileReader& a_reader)
+{
+    const std::uint32_t uiRate = a_reader.format().sampleRate;
+    return uiRate == 0 ? QStringLiteral("no sample rate")
+                       : lengthText(a_reader.length() * s_uiMillisecondsPerSecond / uiRate);
+}
+
+DataFileSummary shapeSummary(const QString& a_sFile)
+{
+    Simulation::SignalShapeFile reader(a_sFile);
+    DataFileSummary summary{{}, openTimed(reader, &Simulation::SignalShapeFile::duration)};
+    if (reader.isOpen()) {
+        summary.text =
+            QStringLiteral("%1 records of %2 points, %3 per second, %4 wide")
+                .arg(QString::number(reader.recordCount()), QString::number(reader.pointsPerSpectrum()),
+                     QString::number(reader.recordsPerSecond()), frequencyText(reader.bandwidth()));
+    }
+    return summary;
+}
+
+/// An audio signal must be more than a wave file that can be read.
+DataFileSummary audioSummary(const QString& a_sFile)
+{
+    Simulation::AudioFile audio(a_sFile);
+    if (!audio.open()) {
+        return {{}, refusedVerdict(audio.errorString())};
+    }
+    Simulation::WaveFileReader reader(a_sFile);
+    DataFileSummary summary{{}, openTimed(reader, &Simulation::WaveFileReader::length)};
+    if (reader.isOpen()) {
+        summary.text = QStringLiteral("%1 bits mono, %2 frames, %3")
+                           .arg(QString::number(reader.format().bitsPerSample),
+                                QString::number(reader.length()), waveLengthText(reader));
+    }
+    return summary;
+}
+
+DataFileSummary symbolSummary(const QString& a_sFile)
+{
+    Simulation::SymbolDataFile reader(a_sFile);
+    DataFileSummary summary{{}, openTimed(reader, &Simulation::SymbolDataFile::length)};
+    if (reader.isOpen()) {
+        summary.text = QStringLiteral("%1 symbols of valency %2, %3")
+                           .arg(QString::number(reader.symbolCount()),
+                                QString::number(reader.symbolValency()), rateText(reader.symbolRate()));
+    }
+    return summary;
+}
+
+DataFileSummary resultSummary(const QString& a_sFile)
+{
+    Simulation::ResultDataFile reader(a_sFile);
+    DataFileSummary summary{{}, openTimed(reader, &Simulation::ResultDataFile::length)};
+    if (reader.isOpen()) {
+        summary.text = QStringLiteral("%1 items, %2")
+                           .arg(QString::number(reader.itemCount()), rateText(reader.itemRate()));
+    }
+    return summary;
+}
+
+void describeCuePoints(Report& a_report, const QList<Simulation::WaveFileReader::CuePoint>& a_points)
+{
+    QList<QStringList> rows;
+    for (const auto& point : a_points.first(std::min(a_points.size(), s_iShownCuePoints))) {
+        rows.append({QString::number(point.id), QString::number(point.position), orDash(point.label)});
+    }
+    const QString sTitle =
+        a_points.size() > s_iShownCuePoints
+            ? QStringLiteral("Cue points, the first %1 of %2")
+                  .arg(QString::number(s_iShownCuePoints), QString::number(a_points.size()))
+            : QStringLiteral("Cue points");
+    a_report.titledTable(
+        sTitle, {{QStringLiteral("ID"), true}, {QStringLiteral("Frame"), true}, {QStringLiteral("Label")}},
+        rows);
+}
+
+} // namespace
+
+const std::array<PackageDataFile, 4> s_packageDataFiles{{
+    {"Signal.ssf", "ssf", &Simulation::SignalPackageFolder::signalShapeFilePath, &shapeSummary},
+    {"Signal.wav", "wav", &Simulation::SignalPackageFolder::audioFilePath, &audioSummary},
+    {"Signal.sdf", "sdf", &Simulation::SignalPackageFolder::symbolDataFilePath, &symbolSummary},
+    {"Signal.rdf", "rdf", &Simulation::SignalPackageFolder::resultDataFilePath, &resultSummary},
+}};
+
+Verdict describeShapeFile(Report& a_report, const QString& a_sFile)
+{
+    describeFile(a_report, QStringLiteral("Signal shape file"), a_sFile);
+    Simulation::SignalShapeFile reader(a_sFile);
+    Verdict verdict = openTimed(reader, &Simulation::SignalShapeFile::duration);
+    if (reader.isOpen()) {
+        a_report.field(QStringLiteral("Version"), QString::number(reader.version()));
+        a_report.field(QStringLiteral("Bandwidth"), frequencyText(reader.bandwidth()));
+        a_report.field(QStringLiteral("Base power"), shortNumber(reader.basePower()));
+        a_report.field(QStringLiteral("Records"), QStringLiteral("%1, %2 per second")
+                                                      .arg(QString::number(reader.recordCount()),
+                                                           QString::number(reader.recordsPerSecond())));
+        a_report.field(QStringLiteral("Spectrum"),
+                       QStringLiteral("%1 points").arg(reader.pointsPerSpectrum()));
+        a_report.field(QStringLiteral("Duration"), lengthText(reader.duration()));
+        describeLevels(a_report, reader);
+    }
+    return verdict;
+}
+
+Verdict describeSymbolFile(Report& a_report, const QString& a_sFile)
+{
+    describeFile(a_report, QStringLiteral("Symbol data file"), a_sFile);
+    Simulation::SymbolDataFile reader(a_sFile);
+    Verdict verdict = openTimed(reader, &Simulation::SymbolDataFile::length);
+    if (reader.isOpen()) {
+        a_report.field(QStringLiteral("Valency"), QString::number(reader.symbolValency()));
+        a_report.field(QStringLiteral("Symbols"), QString::number(reader.symbolCount()));
+        a_report.field(QStringLiteral("Rate"), rateText(reader.symbolRate()));
+        a_report.field(QStringLiteral("Duration"), lengthText(reader.length()));
+    }
+    return verdict;
+}
+
+Verdict describeResultFile(Report& a_report, const QString& a_sFile)
+{
+    describeFile(a_report, QStringLiteral("Result data file"), a_sFile);
+    Simulation::ResultDataFile reader(a_sFile);
+    Verdict verdict = openTimed(reader, &Simulation::ResultDataFile::length);
+    if (reader.isOpen()) {
+        a_report.field(QStringLiteral("Items"), QString::number(reader.itemCount()));
+        a_report.field(QStringLiteral("Rate"), rateText(reader.itemRate()));
+        a_report.field(QStringLiteral("Duration"), lengthText(reader.length()));
+    }
+    return verdict;
+}
+
+Verdict describeWaveFile(Report& a_report, const QString& a_sFile)
+{
+    describeFile(a_report, QStringLiteral("Wave file"), a_sFile);
+    Simulation::WaveFileReader reader(a_sFile);
+    Verdict verdict = openTimed(reader, &Simulation::WaveFileReader::length);
+    if (reader.isOpen()) {
+        const Simulation::WaveFileReader::Format& format = reader.format();
+        a_report.field(QStringLiteral("Channels"), QString::number(format.channels));
+        a_report.field(QStringLiteral("Samples"),
+                       QStringLiteral("%1 bits, %2 per second")
+                           .arg(QString::number(format.bitsPerSample), QString::number(format.sampleRate)));
+        a_report.field(QStringLiteral("Frames"),
+                       QStringLiteral("%1 of %2 bytes")
+                           .arg(QString::number(reader.length()), QString::number(format.blockAlign)));
+        a_report.field(QStringLiteral("Duration"), waveLengthText(reader));
+        Simulation::AudioFile audio(a_sFile);
+        a_report.field(QStringLiteral("For packages"),
+                       audio.open() ? yesNo(true) : QStringLiteral("no: ") + audio.errorString());
+        describeCuePoints(a_report, reader.cuePoints());
+    }
+    return verdict;
+}
+
+} // namespace SimulationTool

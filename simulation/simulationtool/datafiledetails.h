@@ -1,0 +1,41 @@
+#ifndef SIMULATIONTOOL_DATAFILEDETAILS_H
+#define SIMULATIONTOOL_DATAFILEDETAILS_H
+
+#include "verdict.h"
+
+#include <QString>
+
+#include <array>
+
+namespace SimulationTool {
+
+class Report;
+
+/// A data file of a package: what its header says in one line, and the verdict
+/// on it. The data themselves are not read.
+struct DataFileSummary
+{
+    QString text; ///< empty when the file is refused
+    Verdict verdict;
+};
+
+/// The data files that a package may have.
+struct PackageDataFile
+{
+    const char* name; ///< in the package folder
+    const char* kind; ///< the ending, for lists
+    QString (*path)(const QString& a_sPackageFolder);
+    DataFileSummary (*summary)(const QString& a_sFile);
+};
+extern const std::array<PackageDataFile, 4> s_packageDataFiles;
+
+/// The fields of one file's header, under a heading of its own; the verdict
+/// that is returned is not written.
+[[nodiscard]] Verdict describeShapeFile(Report& a_report, const QString& a_sFile);
+[[nodiscard]] Verdict describeSymbolFile(Report& a_report, const QString& a_sFile);
+[[nodiscard]] Verdict describeResultFile(Report& a_report, const QString& a_sFile);
+[[nodiscard]] Verdict describeWaveFile(Report& a_report, const QString& a_sFile);
+
+} // namespace SimulationTool
+
+#endif

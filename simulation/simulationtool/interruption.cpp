@@ -1,0 +1,48 @@
+#include "interruption.h"
+
+#include <csignal>
+#include <initializer_list>
+
+namespace SimulationTool {
+
+namespace {
+
+volatile std::sig_atomic_t s_iSignal = 0;
+
+void noteSignal(int a_iSignal)
+{
+    s_iSignal = a_iSignal;
+}
+
+} // namespace
+
+void catchInterruptions()
+{
+    struct sigaction action = {};
+    action.sa_handler = noteSignal;
+    sigemptyset(&action.sa_mask);
+    for (const int iSignal : {SIGHUP, SIGINT, SIGTERM, SIGPIPE}) {
+        // The toolkit may write to a closed pipe again before it gives up.
+        action.sa_flags = static_cast<int>(iSignal == SIGPIPE ? SA_RESTART : SA_RESTART | SA_RESETHAND);
+        struct sigaction former = {};
+        // What the parent wants ignored, as nohup does, stays ignored.
+        if (sigaction(iSignal, nullptr, &former) == 0 && former.sa_handler != SIG_IGN) {
+            static_cast<void>(sigaction(iSignal, &action, nullptr));
+        }
+    }
+}
+
+bool isInterrupted()
+{
+    return s_iSignal != 0;
+}
+
+void endIfInterrupted()
+{
+    if (isInterrupted()) {
+        static_cast<void>(std::signal(s_iSignal, SIG_DFL));
+        static_cast<void>(std::raise(s_iSignal));
+    }
+}
+
+} // namespace SimulationTool

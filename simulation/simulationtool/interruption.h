@@ -1,0 +1,23 @@
+#ifndef SIMULATIONTOOL_INTERRUPTION_H
+#define SIMULATIONTOOL_INTERRUPTION_H
+
+namespace SimulationTool {
+
+/// Commands that leave something behind when the process is killed ask for the
+/// usual signals to be noted instead, stop when one came, and clean up. The
+/// second signal of a kind kills at once, but for that of a closed pipe.
+
+/// From now on the signals by which users, terminals and closed pipes end
+/// programs are only noted.
+void catchInterruptions();
+
+/// Whether such a signal came.
+[[nodiscard]] bool isInterrupted();
+
+/// Ends the process by the signal that came, so that its parent sees what it
+/// expects. Returns when there was none.
+void endIfInterrupted();
+
+} // namespace SimulationTool
+
+#endif

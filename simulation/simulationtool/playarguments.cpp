@@ -1,0 +1,159 @@
+#include "playarguments.h"
+
+#include "commandparser.h"
+#include "output.h"
+#include "playcommand.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace SimulationTool {
+
+namespace {
+
+constexpr std::uint32_t s_uiMaxTime = std::numeric_limits<std::uint32_t>::max(); ///< ms
+
+const char s_szPlay[] = "Plays a scenario over the times from FROM up to, but not including, TO and\n"
+                        "shows for each time and emitter whether it sends, on what frequency, where it\n"
+                        "is (degrees, east and north positive), its heading (degrees clockwise from\n"
+                        "north) and speed, and the id of the signal package it sends. An emission is\n"
+                        "on after the instant of its start up to and including that of its end. Until\n"
+                        "its first leg is done a moving emitter has no speed: \"-\", or -1 in a CSV\n"
+                        "file.\n"
+                        "\n"
+                        "With a repository the packages are read from there, and each row ends with the\n"
+                        "signal level of the package at the time since its emission began. A package\n"
+                        "that the repository does not have is played as the default package: this is\n"
+                        "told once, and the exit code is 1, as it is when a signal shape file is broken.";
+
+const char s_szPlayExamples[] =
+    "\n"
+    "Examples:\n"
+    "  simulationtool play                                     (the built-in scenario)\n"
+    "  simulationtool play harbour.sce.exp --from 5000 --to 6000 --step 10\n"
+    "  simulationtool play harbour.sce.exp --to 60000 --csv harbour.csv\n"
+    "  simulationtool play harbour.sce.exp --repository packages\n"
+    "\n"
+    "Exit codes:\n"
+    "  0  Played.\n"
+    "  1  Played, but the scenario broke off, or a package is missing or broken.\n"
+    "  2  Wrong usage, or something could not be read or written.\n";
+
+/// The value of an option as a time (ms) from a minimum on; nothing, with a
+/// reason, when it is none. Without the option the time stays as it is.
+bool readTime(const QCommandLineParser& a_parser, const QString& a_sOption, std::uint32_t a_uiMin,
+              std::optional<std::uint32_t>& a_time, QString& a_sReason)
+{
+    if (!a_parser.isSet(a_sOption)) {
+        return true;
+    }
+    const QString sValue = a_parser.value(a_sOption);
+    const bool bDigits = std::all_of(sValue.cbegin(), sValue.cend(),
+                                     [](QChar a_cUnit) { return a_cUnit >= u'0' && a_cUnit <= u'9'; });
+    bool bNumber = false;
+    const std::uint32_t uiValue = sValue.toUInt(&bNumber);
+    if (bDigits && bNumber && uiValue >= a_uiMin) {
+        a_time = uiValue;
+        return true;
+    }
+    a_sReason = QStringLiteral("--%1 needs a whole number of milliseconds from %2 to %3, not \"")
+                    .arg(a_sOption, QString::number(a_uiMin), QString::number(s_uiMaxTime)) +
+                sValue + u'"';
+    return false;
+}
+
+const QString s_sFrom = QStringLiteral("from");
+const QString s_sTo = QStringLiteral("to");
+const QString s_sStep = QStringLiteral("step");
+const QString s_sCsv = QStringLiteral("csv");
+const QString s_sRepository = QStringLiteral("repository");
+const QString s_sCache = QStringLiteral("cache");
+
+void addPlayOptions(QCommandLineParser& a_parser)
+{
+    const QString sMilliseconds = QStringLiteral("MS");
+    a_parser.addOption({s_sFrom, QStringLiteral("First time in ms. Default: 0."), sMilliseconds});
+    a_parser.addOption({s_sTo,
+                        QStringLiteral("End of the window in ms, itself not played. Default: the scenario's "
+                                       "duration, but at most 10000."),
+                        sMilliseconds});
+    a_parser.addOption(
+        {s_sStep, QStringLiteral("Time between two steps in ms. Default: 100."), sMilliseconds});
+    a_parser.addOption(
+        {s_sCsv,
+         QStringLiteral("Write comma-separated values with all digits to FILE instead of a table. "
+                        "FILE is replaced only when all went well."),
+         QStringLiteral("FILE")});
+    a_parser.addOption({s_sRepository,
+                        QStringLiteral("Read the signal packages from this repository, or from any folder "
+                                       "with packages, and show signal levels."),
+                        QStringLiteral("DIR")});
+    a_parser.addOption({s_sCache,
+                        QStringLiteral("Copy the packages into FOLDER and leave them there: the next play "
+                                       "finds them. Those that are there are not copied again. Default: a "
+                                       "temporary folder, which is removed at the end."),
+                        QStringLiteral("FOLDER")});
+    a_parser.addPositionalArgument(
+        QStringLiteral("SCENARIO"),
+        QStringLiteral("The scenario document to play. Default: the built-in one."));
+}
+
+/// What the parsed arguments ask for; nothing, with a reason, when they are
+/// wrong.
+std::optional<PlayOptions> readPlayOptions(const QCommandLineParser& a_parser, QString& a_sReason)
+{
+    const QStringList files = a_parser.positionalArguments();
+    if (files.size() > 1) {
+        a_sReason = QStringLiteral("at most one SCENARIO can be played, %1 given").arg(files.size());
+        return std::nullopt;
+    }
+    PlayOptions play;
+    std::optional<std::uint32_t> from;
+    std::optional<std::uint32_t> step;
+    if (!readTime(a_parser, s_sFrom, 0, from, a_sReason) ||
+        !readTime(a_parser, s_sTo, 1, play.to, a_sReason) ||
+        !readTime(a_parser, s_sStep, 1, step, a_sReason)) {
+        return std::nullopt;
+    }
+    play.scenario = files.value(0, play.scenario);
+    play.from = from.value_or(play.from);
+    play.step = step.value_or(play.step);
+    play.csvFile = a_parser.value(s_sCsv);
+    play.repository = a_parser.value(s_sRepository);
+    play.cache = a_parser.value(s_sCache);
+    if (play.to && *play.to <= play.from) {
+        a_sReason = QStringLiteral("--to (%1) must be later than --from (%2)")
+                        .arg(QString::number(*play.to), QString::number(play.from));
+        return std::nullopt;
+    }
+    for (const QString& sOption : {s_sCsv, s_sRepository, s_sCache}) {
+        if (a_parser.isSet(sOption) && a_parser.value(sOption).isEmpty()) {
+            a_sReason = QStringLiteral("--%1 needs a name").arg(sOption);
+            return std::nullopt;
+        }
+    }
+    if (!play.cache.isEmpty() && play.repository.isEmpty()) {
+        a_sReason = QStringLiteral("--cache is filled from a --repository");
+        return std::nullopt;
+    }
+    return play;
+}
+
+} // namespace
+
+ExitCode play(const QStringList& a_arguments, Output& a_output)
+{
+    CommandParser parser(QStringLiteral("play"),
+                         QStringLiteral("[SCENARIO] [--from MS] [--to MS] [--step MS] [--csv FILE]\n"
+                                        "                           [--repository DIR [--cache FOLDER]]"),
+                         s_szPlay, s_szPlayExamples);
+    addPlayOptions(parser.get());
+    if (const auto done = parser.parse(a_arguments, a_output)) {
+        return *done;
+    }
+    QString sReason;
+    const std::optional<PlayOptions> options = readPlayOptions(parser.get(), sReason);
+    return options ? runPlay(*options, a_output) : parser.refuse(sReason);
+}
+
+} // namespace SimulationTool

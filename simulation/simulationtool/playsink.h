@@ -1,0 +1,63 @@
+#ifndef SIMULATIONTOOL_PLAYSINK_H
+#define SIMULATIONTOOL_PLAYSINK_H
+
+#include "simulationdata/tpos.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace Simulation {
+class SzenarioEmitter;
+} // namespace Simulation
+
+namespace SimulationTool {
+
+class Output;
+class RepositoryPackages;
+
+/// What an emitter does at one time.
+struct Moment
+{
+    /// Without packages there is no level.
+    Moment(const Simulation::SzenarioEmitter& a_emitter, std::uint32_t a_uiTime,
+           RepositoryPackages* a_pPackages);
+
+    std::uint32_t time; ///< ms
+    bool active;
+    double frequency;           ///< Hz
+    Simulation::TPos position;  ///< degrees
+    double heading;             ///< degrees
+    double speed = 0.0;         ///< km/h; -1 before the first leg is done
+    QString packageId;          ///< empty without a package
+    std::optional<float> level; ///< at the emission's own time; none without a signal shape
+};
+
+/// Where the rows of a play go.
+class Sink
+{
+public:
+    Sink() = default;
+    Sink(const Sink&) = delete;
+    Sink& operator=(const Sink&) = delete;
+    virtual ~Sink() = default;
+
+    [[nodiscard]] virtual bool begin() = 0;
+    [[nodiscard]] virtual bool add(const QString& a_sEmitterId, const Moment& a_moment) = 0;
+    /// Tells on standard error what went wrong, if anything did.
+    [[nodiscard]] virtual bool end(bool a_bOk) = 0;
+};
+
+/// Rows of a table on the output, whose columns are wide enough for these emitter
+/// ids and for times up to an end (ms).
+[[nodiscard]] std::unique_ptr<Sink> makeTableSink(Output& a_output, const QStringList& a_ids,
+                                                  std::uint32_t a_uiTo, bool a_bLevels);
+/// Rows of a CSV file. The output gets their number at the end.
+[[nodiscard]] std::unique_ptr<Sink> makeCsvSink(Output& a_output, const QString& a_sFile, bool a_bLevels);
+
+} // namespace SimulationTool
+
+#endif

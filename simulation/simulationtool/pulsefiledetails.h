@@ -1,0 +1,19 @@
+#ifndef SIMULATIONTOOL_PULSEFILEDETAILS_H
+#define SIMULATIONTOOL_PULSEFILEDETAILS_H
+
+#include "verdict.h"
+
+#include <QString>
+
+namespace SimulationTool {
+
+class Report;
+
+/// What a file of pulse descriptor words holds. One with block headers, which
+/// is told by its first word, is walked through from block to block. The
+/// verdict that is returned is not written.
+[[nodiscard]] Verdict describePulseFile(Report& a_report, const QString& a_sFile);
+
+} // namespace SimulationTool
+
+#endif

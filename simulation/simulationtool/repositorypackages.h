@@ -1,0 +1,73 @@
+#ifndef SIMULATIONTOOL_REPOSITORYPACKAGES_H
+#define SIMULATIONTOOL_REPOSITORYPACKAGES_H
+
+#include "exitcode.h"
+
+#include "simulationdata/isignalpackageprovider.h"
+
+#include <QSet>
+#include <QString>
+#include <QTemporaryDir>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace Simulation {
+class SignalPackageCache;
+} // namespace Simulation
+
+namespace SimulationTool {
+
+/// The packages of a repository, as a play needs them: resolved by a cache that
+/// is filled from the repository. What the scenario asks for and does not get
+/// is told on standard error, once for each.
+///
+/// Must be opened before it is asked.
+class RepositoryPackages : public Simulation::ISignalPackageProvider
+{
+public:
+    RepositoryPackages();
+    ~RepositoryPackages() override;
+    RepositoryPackages(const RepositoryPackages&) = delete;
+    RepositoryPackages& operator=(const RepositoryPackages&) = delete;
+
+    /// Fills the cache from a repository. Without a cache folder a temporary one
+    /// is used, which ends with this object. False after one line on standard
+    /// error.
+    [[nodiscard]] bool open(const QString& a_sRepository, const QString& a_sCache);
+
+    /// The signal level of a package at a time (ms) since its emission began;
+    /// none when the package has no usable signal shape.
+    [[nodiscard]] std::optional<float> levelAt(const std::shared_ptr<Simulation::SignalPackage>& a_package,
+                                               std::int64_t a_iTime);
+
+    /// Findings when something was told. Tells how much was not, when there was
+    /// too much.
+    [[nodiscard]] ExitCode finish();
+
+    bool validSignalPackageId(const QString& a_sId) override;
+    std::shared_ptr<Simulation::SignalPackage> signalPackage(const QString& a_sId) override;
+    std::shared_ptr<Simulation::SignalPackage> defaultSignalPackage() override;
+    Simulation::SignalShapeFile*
+    signalShapeFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage) override;
+    Simulation::AudioFile* audioFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage) override;
+    Simulation::SymbolDataFile*
+    symbolDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage) override;
+    Simulation::ResultDataFile*
+    resultDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage) override;
+
+private:
+    void tell(const QString& a_sMessage);
+    void checkShape(const Simulation::SignalPackage& a_package, const Simulation::SignalShapeFile& a_reader);
+
+    std::unique_ptr<QTemporaryDir> m_temporary; ///< outlives the cache, whose files lie there
+    std::unique_ptr<Simulation::SignalPackageCache> m_cache;
+    QSet<QString> m_unknownIds;
+    QSet<QString> m_checkedIds; ///< of packages whose shape was looked at
+    std::uint64_t m_uiTold = 0;
+};
+
+} // namespace SimulationTool
+
+#endif

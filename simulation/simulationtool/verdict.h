@@ -1,0 +1,38 @@
+#ifndef SIMULATIONTOOL_VERDICT_H
+#define SIMULATIONTOOL_VERDICT_H
+
+#include "exitcode.h"
+
+#include <QString>
+
+#include <cstdint>
+
+namespace SimulationTool {
+
+/// What is to be said of a file in one line; by default that nothing is wrong.
+struct Verdict
+{
+    ExitCode code = ExitCode::Ok;
+    QString text = QStringLiteral("whole");
+};
+
+/// Of a file that cannot be used at all.
+[[nodiscard]] Verdict refusedVerdict(const QString& a_sReason);
+
+/// Of a file that lacks so many bytes of what its header claims; negative when
+/// it holds more.
+[[nodiscard]] Verdict sizeVerdict(std::int64_t a_iMissingBytes);
+
+/// Opens a reader of a data file, which then is open unless it is refused.
+template<typename Reader>
+[[nodiscard]] Verdict openVerdict(Reader& a_reader)
+{
+    return a_reader.open() ? sizeVerdict(a_reader.missingBytes()) : refusedVerdict(a_reader.errorString());
+}
+
+/// The graver of two.
+[[nodiscard]] ExitCode worse(ExitCode a_eFirst, ExitCode a_eSecond);
+
+} // namespace SimulationTool
+
+#endif

@@ -1,0 +1,43 @@
+#ifndef TESTS_TOOLRUN_H
+#define TESTS_TOOLRUN_H
+
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+
+/// How the tests run the program.
+
+constexpr int s_iToolTimeout = 60'000; ///< ms; instrumented builds are slow
+
+struct ToolResult
+{
+    int code = -1;
+    QString out;
+    QString err;
+};
+
+/// What the program answers; the code is -1 when it crashed or hung.
+inline ToolResult runTool(const QStringList& a_arguments)
+{
+    QProcess process;
+    process.start(QStringLiteral(SIMULATIONTOOL_PATH), a_arguments);
+    ToolResult result;
+    if (process.waitForFinished(s_iToolTimeout) && process.exitStatus() == QProcess::NormalExit) {
+        result.code = process.exitCode();
+    }
+    result.out = QString::fromUtf8(process.readAllStandardOutput());
+    result.err = QString::fromUtf8(process.readAllStandardError());
+    return result;
+}
+
+/// The lines that are not empty, with single blanks between the words.
+inline QStringList simplifiedLines(const QString& a_sText)
+{
+    QStringList lines;
+    for (const QString& line : a_sText.split(u'\n', Qt::SkipEmptyParts)) {
+        lines.append(line.simplified());
+    }
+    return lines;
+}
+
+#endif
