@@ -1,5 +1,6 @@
 #include "audiofile.h"
 
+#include "datafile_p.h"
 #include "simulationdata/limits.h"
 #include "trace_p.h"
 
@@ -26,15 +27,9 @@ std::int16_t widened(std::uint8_t a_uiSample)
     return static_cast<std::int16_t>((a_uiSample - iSilence) * iSteps);
 }
 
-/// Fills up with copies of the first `a_uiPeriod` samples. With fewer there is
-/// nothing to fill up.
-void repeat(std::vector<std::int16_t>& a_samples, std::size_t a_uiPeriod, std::size_t a_uiCount)
+qint64 bytesOf(std::size_t a_uiSamples)
 {
-    std::size_t uiFilled = a_samples.size();
-    a_samples.resize(a_uiCount);
-    for (; uiFilled < a_uiCount; ++uiFilled) {
-        a_samples[uiFilled] = a_samples[uiFilled - a_uiPeriod];
-    }
+    return static_cast<qint64>(a_uiSamples * sizeof(std::int16_t));
 }
 
 } // namespace
@@ -128,7 +123,10 @@ std::vector<std::int16_t> AudioFile::readSamples(std::uint64_t a_uiStart, std::u
         }
         samples.insert(samples.end(), rest.begin(), rest.end());
     }
-    repeat(samples, static_cast<std::size_t>(uiFrames), static_cast<std::size_t>(a_uiCount));
+    // With fewer samples than the recording has there is nothing to repeat.
+    const std::size_t uiPeriod = samples.size();
+    samples.resize(static_cast<std::size_t>(a_uiCount));
+    repeat(samples.data(), bytesOf(uiPeriod), bytesOf(samples.size()));
     return samples;
 }
 

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 namespace Simulation {
@@ -34,16 +33,6 @@ std::uint64_t itemsIn(std::uint32_t a_uiMilliseconds, float a_fRate)
     const float fProduct = static_cast<float>(a_uiMilliseconds) * a_fRate;
     const double dItems = static_cast<double>(fProduct) / static_cast<double>(s_fMillisecondsPerSecond);
     return dItems < dTwoTo64 ? static_cast<std::uint64_t>(dItems) : std::numeric_limits<std::uint64_t>::max();
-}
-
-/// Fills memory with repetitions of its first bytes.
-void repeat(char* a_pTarget, qint64 a_iPeriod, qint64 a_iBytes)
-{
-    for (qint64 iDone = a_iPeriod; iDone < a_iBytes;) {
-        const qint64 iPiece = std::min(iDone, a_iBytes - iDone);
-        std::memcpy(a_pTarget + iDone, a_pTarget, static_cast<std::size_t>(iPiece));
-        iDone += iPiece;
-    }
 }
 
 } // namespace
@@ -76,7 +65,7 @@ void ConstantRateStream::takeClaims(float a_fRate, std::uint64_t a_uiCount)
     m_fRate = a_fRate;
     m_uiCount = std::min(a_uiCount, uiHeld);
     m_iMissingBytes = Simulation::missingBytes(m_iFirstByte, a_uiCount, m_uiItemBytes, iFileSize);
-    if (m_uiCount < a_uiCount || !isUsable(a_fRate)) {
+    if (m_uiCount < a_uiCount || length() == 0) {
         traceError(s_szSource, [&] {
             return QStringLiteral("\"%1\" holds %2 of %3 items, %4 a second")
                 .arg(m_file.fileName(), QString::number(m_uiCount), QString::number(a_uiCount),

@@ -25,8 +25,8 @@ public:
 
     /// Reads the stream's header, which ends before the first item and begins
     /// with the rate, a 32-bit float, and the number of items, 64 bits. The items
-    /// are at most those that the file holds. Traces once what keeps the stream
-    /// from being read whole. False with a reason when the header is cut short.
+    /// are at most those that the file holds. Traces once when the stream
+    /// cannot be read whole, or not at all. False with a reason when the header is cut short.
     [[nodiscard]] bool readHeader(std::span<char> a_header, QString* a_pReason);
 
     /// Items per second, as the header claims.

@@ -17,7 +17,8 @@ constexpr std::size_t s_uiMagicBytes = 7;
 bool openDataFile(QFile& a_file, QString* a_pReason)
 {
     const QFileInfo info(a_file.fileName());
-    if (!info.exists()) {
+    // A name with a zero in it names no file, and would be reported twice.
+    if (a_file.fileName().contains(QChar::Null) || !info.exists()) {
         *a_pReason = QStringLiteral("no such file");
         return false;
     }
@@ -70,6 +71,16 @@ std::int64_t missingBytes(std::int64_t a_iHeaderBytes, std::uint64_t a_uiItems, 
         return std::numeric_limits<std::int64_t>::max();
     }
     return a_iHeaderBytes + static_cast<std::int64_t>(a_uiItems * a_uiItemBytes) - a_iFileSize;
+}
+
+void repeat(void* a_pTarget, qint64 a_iPeriod, qint64 a_iBytes)
+{
+    char* pTarget = static_cast<char*>(a_pTarget);
+    for (qint64 iDone = a_iPeriod; iDone < a_iBytes;) {
+        const qint64 iPiece = std::min(iDone, a_iBytes - iDone);
+        std::memcpy(pTarget + iDone, pTarget, static_cast<std::size_t>(iPiece));
+        iDone += iPiece;
+    }
 }
 
 qint64 readAt(QFile& a_file, qint64 a_iOffset, void* a_pTarget, qint64 a_iBytes)

@@ -47,6 +47,10 @@ struct DataFileKind
 /// before, 0 when it cannot be read.
 [[nodiscard]] qint64 readAt(QFile& a_file, qint64 a_iOffset, void* a_pTarget, qint64 a_iBytes);
 
+/// Fills memory with repetitions of its first bytes, of which there is one at
+/// least. Nothing to do where they are all of it.
+void repeat(void* a_pTarget, qint64 a_iPeriod, qint64 a_iBytes);
+
 /// The little-endian number at an offset of a header that was read whole.
 template<typename Number>
 [[nodiscard]] Number numberAt(const char* a_pHeader, std::size_t a_uiOffset)

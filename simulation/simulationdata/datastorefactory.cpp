@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QThread>
@@ -42,13 +43,9 @@ std::optional<QString> repository(ICfg* a_pCfg)
 
 QString storeDir(ICfg* a_pCfg, QLatin1String a_sName)
 {
-    const std::optional<QString> sRepository = repository(a_pCfg);
-    return sRepository ? *sRepository + u'\\' + a_sName : QString();
-}
-
-QString pathIn(const QString& a_sFolder, const QString& a_sName)
-{
-    return a_sFolder.isEmpty() ? QString() : QDir(resolvedStorePath(a_sFolder)).absoluteFilePath(a_sName);
+    const QString sRepository = repository(a_pCfg).value_or(QString());
+    // An empty text names no folder; joined it would name one of the root.
+    return !sRepository.isEmpty() ? sRepository + u'\\' + a_sName : QString();
 }
 
 bool makeFolder(const QString& a_sFolder, QString* a_pReason)
@@ -81,8 +78,11 @@ void putDefaultData(const QDir& a_repository)
 {
     const QDir packages(a_repository.absoluteFilePath(s_sSignalPackages));
     removeAbandonedFiles(packages.absolutePath());
-    static_cast<void>(unpackResource(QStringLiteral(":/DefaultData/TuK-Default.zip"),
-                                     packages.absoluteFilePath(QStringLiteral("~tmp.zip")),
+    // Under this name older programs unpacked; a crash may have left it behind.
+    const QString sFormer = packages.absoluteFilePath(QStringLiteral("~tmp.zip"));
+    makeWritable(sFormer);
+    QFile::remove(sFormer);
+    static_cast<void>(unpackResource(QStringLiteral(":/DefaultData/TuK-Default.zip"), packages.absolutePath(),
                                      u'/' + s_sDefaultPackages,
                                      packages.absoluteFilePath(s_sDefaultPackages)));
     const QString sScenario = DataStoreFactory::defaultScenario(a_repository.absoluteFilePath(s_sFiles));
@@ -141,12 +141,12 @@ QString DataStoreFactory::iconStoreDir(ICfg* a_pCfg)
 
 QString DataStoreFactory::defaultSignalPackage(const QString& a_sStoreDir)
 {
-    return pathIn(a_sStoreDir, QStringLiteral("TuK-Default/Default"));
+    return filePathIn(a_sStoreDir, QStringLiteral("TuK-Default/Default"));
 }
 
 QString DataStoreFactory::defaultScenario(const QString& a_sFileDir)
 {
-    return pathIn(a_sFileDir, QStringLiteral("Tessaro/Default.scexml"));
+    return filePathIn(a_sFileDir, QStringLiteral("Tessaro/Default.scexml"));
 }
 
 bool DataStoreFactory::initializeDataStore(ICfg* a_pCfg)

@@ -1,6 +1,7 @@
 #include "folderoperations.h"
 
 #include "nativepath_p.h"
+#include "storepath_p.h"
 #include "trace_p.h"
 #include "wholefile_p.h"
 
@@ -104,29 +105,33 @@ bool copyEntries(const QString& a_sFrom, const QString& a_sTo)
     });
 }
 
+bool removeTree(const QString& a_sFolder)
+{
+    const QFileInfo folder(a_sFolder);
+    if (a_sFolder.isEmpty()) {
+        return true;
+    }
+    if (isLink(folder)) {
+        return removeFile(a_sFolder);
+    }
+    if (!folder.isDir()) {
+        return true;
+    }
+    const QFileInfoList entries = entriesOf(a_sFolder);
+    const bool bEmpty = std::all_of(entries.begin(), entries.end(), [](const QFileInfo& a_entry) {
+        const bool bFolder = a_entry.isDir() && !isLink(a_entry);
+        return bFolder ? removeTree(a_entry.filePath()) : removeFile(a_entry.filePath());
+    });
+    return bEmpty && (QDir().rmdir(a_sFolder) ||
+                      fail("remove", a_sFolder, QStringLiteral("not permitted, in use or not empty")));
+}
+
 } // namespace
 
 bool removeDir(const QString& a_sFolder)
 {
     // A slash behind the name of a link would open it.
-    const QString sFolder = QDir::cleanPath(a_sFolder);
-    const QFileInfo folder(sFolder);
-    if (sFolder.isEmpty()) {
-        return true;
-    }
-    if (isLink(folder)) {
-        return removeFile(sFolder);
-    }
-    if (!folder.isDir()) {
-        return true;
-    }
-    const QFileInfoList entries = entriesOf(sFolder);
-    const bool bEmpty = std::all_of(entries.begin(), entries.end(), [](const QFileInfo& a_entry) {
-        const bool bFolder = a_entry.isDir() && !isLink(a_entry);
-        return bFolder ? removeDir(a_entry.filePath()) : removeFile(a_entry.filePath());
-    });
-    return bEmpty && (QDir().rmdir(sFolder) ||
-                      fail("remove", sFolder, QStringLiteral("not permitted, in use or not empty")));
+    return removeTree(QDir::cleanPath(resolvedStorePath(a_sFolder)));
 }
 
 bool copyDir(const QString& a_sFrom, const QString& a_sTo)
@@ -134,8 +139,8 @@ bool copyDir(const QString& a_sFrom, const QString& a_sTo)
     if (a_sFrom.isEmpty() || a_sTo.isEmpty()) {
         return fail("copy to", a_sTo, QStringLiteral("\"%1\" to \"%2\" names no folder").arg(a_sFrom, a_sTo));
     }
-    const QString sFrom = QDir::cleanPath(a_sFrom);
-    const QString sTo = QDir::cleanPath(a_sTo);
+    const QString sFrom = QDir::cleanPath(resolvedStorePath(a_sFrom));
+    const QString sTo = QDir::cleanPath(resolvedStorePath(a_sTo));
     if (isInside(sTo, sFrom)) {
         return fail("copy to", sTo, QStringLiteral("lies inside \"%1\"").arg(sFrom));
     }

@@ -7,6 +7,8 @@
 
 namespace Simulation {
 
+// Both take paths as the getters of DataStoreFactory join them.
+
 /// Removes a folder with all it holds. True when there is no such folder
 /// afterwards; an empty path names none. A link, to a file or a folder, is
 /// removed as a link and what it points to stays. False after one trace at the

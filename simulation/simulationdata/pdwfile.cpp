@@ -120,8 +120,8 @@ int PDWFile::getPDW(CPackedPDW* a_pRecord)
     if (a_pRecord == nullptr || m_bForWriting || !m_stream.is_open() || !m_stream.good()) {
         return 0;
     }
-    std::memset(static_cast<void*>(a_pRecord), 0, s_uiRecordBytes);
-    m_stream.read(reinterpret_cast<char*>(a_pRecord), s_uiRecordBytes);
+    std::array<char, s_uiRecordBytes> bytes{};
+    m_stream.read(bytes.data(), s_uiRecordBytes);
     if (m_stream.bad()) {
         traceError(s_szSource, [&] {
             return QStringLiteral("Cannot read the pulse word file \"%1\": %2")
@@ -129,6 +129,7 @@ int PDWFile::getPDW(CPackedPDW* a_pRecord)
         });
         return 0;
     }
+    std::memcpy(static_cast<void*>(a_pRecord), bytes.data(), s_uiRecordBytes);
     return static_cast<int>(s_uiRecordBytes);
 }
 

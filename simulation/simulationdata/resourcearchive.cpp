@@ -2,6 +2,7 @@
 
 #include "simulationdata/folderoperations.h"
 #include "simulationdata/limits.h"
+#include "trace_p.h"
 #include "wholefile_p.h"
 
 #include "kpzip/archive.h"
@@ -15,14 +16,7 @@ namespace Simulation {
 
 namespace {
 
-/// A file that may be read-only.
-void removeStaleFile(const QString& a_sFile)
-{
-    if (QFile::exists(a_sFile)) {
-        makeWritable(a_sFile);
-        QFile::remove(a_sFile);
-    }
-}
+constexpr const char* s_szSource = "simulation/simulationdata/resourcearchive";
 
 bool unpack(const QString& a_sArchive, const QString& a_sFolder, const QString& a_sTarget)
 {
@@ -31,34 +25,62 @@ bool unpack(const QString& a_sArchive, const QString& a_sFolder, const QString& 
     return archive.open(KPZip::Archive::ModeRead) && archive.extractToFolder(a_sFolder, a_sTarget);
 }
 
-/// Moves every file below a folder to its place below another one.
+bool moveFile(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
+{
+    const QString sFolder = QFileInfo(a_sTo).path();
+    if (!QDir().mkpath(sFolder)) {
+        *a_pReason = QStringLiteral("folder \"%1\" cannot be made").arg(sFolder);
+        return false;
+    }
+    return replaceByRename(a_sFrom, a_sTo, a_pReason);
+}
+
+/// Moves every file below a folder to its place below another one, or as many
+/// as can be.
 bool moveFiles(const QString& a_sFrom, const QString& a_sTo)
 {
     const QDir from(a_sFrom);
     const QDir to(a_sTo);
-    bool bMoved = true;
+    int iLeft = 0;
+    QString sReason;
     QDirIterator files(a_sFrom, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (files.hasNext()) {
         const QString sFile = files.next();
-        const QString sTarget = to.filePath(from.relativeFilePath(sFile));
-        bMoved = QDir().mkpath(QFileInfo(sTarget).path()) && replaceByRename(sFile, sTarget) && bMoved;
+        if (!moveFile(sFile, to.filePath(from.relativeFilePath(sFile)), &sReason)) {
+            ++iLeft;
+        }
     }
-    return bMoved;
+    if (iLeft > 0) {
+        traceError(s_szSource, [&] {
+            return QStringLiteral("%1 files cannot be put below \"%2\", the last because %3")
+                .arg(QString::number(iLeft), a_sTo, sReason);
+        });
+    }
+    return iLeft == 0;
 }
 
 } // namespace
 
-bool unpackResource(const QString& a_sResource, const QString& a_sTemporary, const QString& a_sFolder,
+bool unpackResource(const QString& a_sResource, const QString& a_sWorkFolder, const QString& a_sFolder,
                     const QString& a_sTarget)
 {
-    removeStaleFile(a_sTemporary);
-    const QString sArchive = temporaryName(a_sTemporary);
-    const QString sUnpacked = temporaryName(a_sTemporary);
+    const QDir workFolder(a_sWorkFolder);
+    const QString sArchive = temporaryName(workFolder.filePath(QStringLiteral("archive")));
+    const QString sUnpacked = temporaryName(workFolder.filePath(QStringLiteral("unpacked")));
     const bool bUnpacked = copyFileWhole(a_sResource, sArchive) && unpack(sArchive, a_sFolder, sUnpacked) &&
                            moveFiles(sUnpacked, a_sTarget);
-    removeStaleFile(sArchive);
+    QFile::remove(sArchive);
     static_cast<void>(removeDir(sUnpacked));
     return bUnpacked;
+}
+
+bool isCopyOfResource(const QString& a_sFile, const QString& a_sResource)
+{
+    QFile file(a_sFile);
+    QFile resource(a_sResource);
+    return QFileInfo(a_sFile).isFile() && file.open(QIODevice::ReadOnly) &&
+           resource.open(QIODevice::ReadOnly) && file.size() <= resource.size() &&
+           resource.readAll().startsWith(file.readAll());
 }
 
 } // namespace Simulation

@@ -11,16 +11,20 @@ namespace Simulation {
 /// that is there, over what it holds: "/" is the whole archive, "/name" what
 /// lies below "name".
 ///
-/// The archive is copied beside `a_sTemporary` and unpacked there under names
-/// that no other process uses, which are removed in every case, and then every
-/// file is moved to its place: a crash leaves only what removeAbandonedFiles()
-/// removes. The file `a_sTemporary` itself, which programs that unpacked under
-/// this fixed name may have left behind, is removed, too. What the archive may
+/// The archive is copied into the work folder and unpacked there, both under
+/// names that no other process uses and that are removed in every case; then
+/// every file is moved to its place, which must lie on the same file system. A
+/// crash leaves only what removeAbandonedFiles() removes. What the archive may
 /// unpack to is bounded by Limits::ArchiveBytes and Limits::ArchiveEntries.
-/// False after one trace. Any thread may call.
+/// False after a trace; what can be moved is moved all the same. Any thread may
+/// call.
 [[nodiscard]] SIMULATIONDATA_EXPORT bool unpackResource(const QString& a_sResource,
-                                                        const QString& a_sTemporary, const QString& a_sFolder,
-                                                        const QString& a_sTarget);
+                                                        const QString& a_sWorkFolder,
+                                                        const QString& a_sFolder, const QString& a_sTarget);
+
+/// Whether the file is a copy of what the program carries, or the first part of
+/// one that was cut off.
+[[nodiscard]] bool isCopyOfResource(const QString& a_sFile, const QString& a_sResource);
 
 } // namespace Simulation
 

@@ -32,8 +32,8 @@ public:
     ResultDataFile& operator=(const ResultDataFile&) = delete;
 
     /// Opens the file, anew if it is open, and reads its header. False after one
-    /// trace, with the file closed. A file that is cut short, or whose rate is
-    /// unusable, opens with one trace.
+    /// trace, with the file closed. A file that is cut short, or whose
+    /// length() is 0, opens with one trace.
     [[nodiscard]] bool open();
     void close();
     [[nodiscard]] bool isOpen() const;
@@ -51,7 +51,8 @@ public:
     [[nodiscard]] float itemRate() const;
 
     /// Length of the stream (whole ms), rounded to single precision; at most
-    /// 0xFFFFFFFF, 0 when the rate is not positive and finite.
+    /// 0xFFFFFFFF, 0 when there is nothing to read: no item, no rate that
+    /// is positive and finite, or less than a millisecond.
     [[nodiscard]] std::uint32_t length() const;
 
     /// How many bytes the file had fewer at open() than its header claims: 0

@@ -130,6 +130,13 @@ bool SignalPackageCache::prepareCacheForUse()
 void SignalPackageCache::updateCache(const QString& a_sFolder, bool a_bAnew)
 {
     const QWriteLocker locker(&m_lock);
+    const QString sFolder = resolvedStorePath(a_sFolder);
+    // A repository that is out of reach must not cost what is cached of it.
+    if (sFolder.isEmpty() || !QFileInfo(sFolder).isDir()) {
+        traceError(s_szSource,
+                   [&] { return QStringLiteral("There is no folder \"%1\" with packages").arg(a_sFolder); });
+        return;
+    }
     if (a_bAnew) {
         clear();
     }
@@ -138,7 +145,7 @@ void SignalPackageCache::updateCache(const QString& a_sFolder, bool a_bAnew)
                    [&] { return QStringLiteral("There is no cache folder \"%1\"").arg(m_sCacheDir); });
         return;
     }
-    const QList<SignalPackage> packages = readPackages(listSignalPackages(a_sFolder));
+    const QList<SignalPackage> packages = readPackages(listSignalPackages(sFolder));
     // The descriptors come first: by them clearCache() finds what it may remove.
     cacheDescriptors(packages);
     QList<QFuture<void>> tasks;
@@ -150,7 +157,7 @@ void SignalPackageCache::updateCache(const QString& a_sFolder, bool a_bAnew)
         task.waitForFinished();
     }
     trace(ErrorHandler::TraceProgress, s_szSource, [&] {
-        return QStringLiteral("The cache holds the %1 packages below \"%2\"")
+        return QStringLiteral("The cache was updated by the %1 packages below \"%2\"")
             .arg(QString::number(packages.size()), a_sFolder);
     });
 }
@@ -259,19 +266,18 @@ Reader* SignalPackageCache::reader(Readers<Reader>& a_readers, const SignalPacka
 }
 
 /// Makes the files of the default package: under their own names, and the data
-/// under those by which its readers are looked up.
+/// under those by which its readers are looked up. Both take the place of what
+/// an older program has put there.
 void SignalPackageCache::unpackDefaultPackage() const
 {
-    const QDir folder(m_sCacheDir);
-    if (!unpackResource(s_sDefaultArchive, folder.filePath(s_sArchiveName), QStringLiteral("/"),
-                        m_sCacheDir)) {
+    if (!unpackResource(s_sDefaultArchive, m_sCacheDir, QStringLiteral("/"), m_sCacheDir)) {
         return;
     }
     const QString sCleanId = SignalPackageFolder::signalPackage(m_sCacheDir).cleanId();
     for (const DataFile& file : s_dataFiles) {
         const QString sSource = file.path(m_sCacheDir);
         if (QFileInfo::exists(sSource)) {
-            static_cast<void>(copyFileWhole(sSource, cachedFile(sCleanId, file.ending)));
+            static_cast<void>(replaceByCopy(sSource, cachedFile(sCleanId, file.ending)));
         }
     }
 }
@@ -284,18 +290,35 @@ void SignalPackageCache::clear()
     m_audioFiles.retire();
     m_symbolFiles.retire();
     m_resultFiles.retire();
-    if (m_sCacheDir.isEmpty()) {
-        return;
+    if (!m_sCacheDir.isEmpty()) {
+        removePackages();
     }
+}
+
+void SignalPackageCache::removePackages() const
+{
     const QDir folder(m_sCacheDir);
     const QStringList descriptors =
-        folder.entryList({QStringLiteral("*.xml")}, QDir::Files | QDir::NoSymLinks);
+        folder.entryList({QStringLiteral("*.xml")}, QDir::Files | QDir::NoSymLinks | QDir::CaseSensitive);
+    QStringList left;
     for (const QString& sDescriptor : descriptors) {
-        if (isOurDescriptor(folder.filePath(sDescriptor))) {
-            removeCachedFiles(QFileInfo(sDescriptor).completeBaseName());
+        if (isOurDescriptor(folder.filePath(sDescriptor)) &&
+            !removeCachedFiles(QFileInfo(sDescriptor).completeBaseName())) {
+            left.append(sDescriptor);
         }
     }
-    QFile::remove(folder.filePath(s_sArchiveName));
+    // Under this name older programs unpacked, and so may others.
+    const QString sFormer = folder.filePath(s_sArchiveName);
+    if (isCopyOfResource(sFormer, s_sDefaultArchive)) {
+        makeWritable(sFormer);
+        QFile::remove(sFormer);
+    }
+    if (!left.isEmpty()) {
+        traceError(s_szSource, [&] {
+            return QStringLiteral("%1 packages in \"%2\" cannot be removed, the first is \"%3\"")
+                .arg(QString::number(left.size()), m_sCacheDir, left.front());
+        });
+    }
 }
 
 /// Whether the cache made the descriptor: the folder may be one that everybody
@@ -314,15 +337,22 @@ bool SignalPackageCache::isOurDescriptor(const QString& a_sFile)
     return isName(package.id()) || std::any_of(updateIds.cbegin(), updateIds.cend(), isName);
 }
 
-void SignalPackageCache::removeCachedFiles(const QString& a_sCleanId) const
+/// The descriptor goes last and only when the data are gone: by it they are
+/// found again, after a crash as well. Data that nobody finds would later be
+/// taken for those of a changed package.
+bool SignalPackageCache::removeCachedFiles(const QString& a_sCleanId) const
 {
+    const auto remove = [&](const char* a_szEnding) {
+        const QString sFile = cachedFile(a_sCleanId, a_szEnding);
+        return QFile::remove(sFile) || !QFileInfo::exists(sFile);
+    };
     const bool bDefault = m_defaultPackage && m_defaultPackage->cleanId() == a_sCleanId;
-    QFile::remove(cachedFile(a_sCleanId, s_szDescriptor));
+    bool bRemoved = true;
     for (const DataFile& file : s_dataFiles) {
-        if (!bDefault || !QFileInfo::exists(file.path(m_sCacheDir))) {
-            QFile::remove(cachedFile(a_sCleanId, file.ending));
-        }
+        const bool bStays = bDefault && QFileInfo::exists(file.path(m_sCacheDir));
+        bRemoved = (bStays || remove(file.ending)) && bRemoved;
     }
+    return bRemoved && remove(s_szDescriptor);
 }
 
 /// What the folder holds of an id, or null.
@@ -348,7 +378,7 @@ std::shared_ptr<SignalPackage> SignalPackageCache::readPackage(const QString& a_
 
 QStringList SignalPackageCache::listSignalPackages(const QString& a_sFolder)
 {
-    return SignalPackageFolder::list(resolvedStorePath(a_sFolder));
+    return SignalPackageFolder::list(a_sFolder);
 }
 
 /// The packages in the folders, with their paths, the newest first. One without
@@ -422,8 +452,13 @@ void SignalPackageCache::cacheDescriptor(const SignalPackage& a_package, const Q
 }
 
 /// Copies the data files of one package that the folder does not hold yet.
+/// Without its descriptor, which could not be copied then, clear() would not
+/// find them.
 void SignalPackageCache::cachePackage(const SignalPackage& a_package) const
 {
+    if (!QFileInfo::exists(cachedFile(a_package.cleanId(), s_szDescriptor))) {
+        return;
+    }
     for (const DataFile& file : s_dataFiles) {
         const QString sSource = file.path(a_package.path());
         const QString sTarget = cachedFile(a_package.cleanId(), file.ending);

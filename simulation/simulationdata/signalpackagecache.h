@@ -21,10 +21,10 @@ namespace Simulation {
 /// repository, and hands out packages and opened data files.
 ///
 /// Several caches, also of several processes, may share one folder: a file
-/// appears there whole or not at all and is never replaced. Every operation may
-/// be called from any thread but none from inside another; lookups wait for a
-/// running updateCache(). Of a data file that stands open the folder's copy may
-/// go: the reader keeps what it has.
+/// appears there whole or not at all, and none but the default package's is ever
+/// replaced. Every operation may be called from any thread but none from inside
+/// another; lookups wait for a running updateCache(). Of a data file that stands
+/// open the folder's copy may go: the reader keeps what it has.
 class SIMULATIONDATA_EXPORT SignalPackageCache : public ISignalPackageProvider
 {
 public:
@@ -41,7 +41,7 @@ public:
 
     /// Makes the folder if it is missing, unpacks the default package into it,
     /// and removes what processes that died left half done. Call it once before
-    /// any lookup. False after one trace when there is no default package then;
+    /// any lookup. False after a trace when there is no default package then;
     /// lookups work without it.
     bool prepareCacheForUse();
 
@@ -49,13 +49,15 @@ public:
     /// in background tasks on the global thread pool, and waits for them. With
     /// `a_bAnew` the cache is cleared first, so that packages which changed under
     /// their id are taken anew. What cannot be copied is passed over after a
-    /// trace; a package without an id is.
+    /// trace, a package without an id silently; a folder that is not there
+    /// changes nothing.
     void updateCache(const QString& a_sFolder, bool a_bAnew);
 
     /// Removes the files of all packages from the cache folder and forgets the
     /// packages. The default package stays, and so does every file that the cache
-    /// did not make. Readers that were handed out stay valid until
-    /// deleteAllSignalpackages(), but the next lookup opens the file anew.
+    /// did not make. No other process may update the folder meanwhile. A package whose files cannot be
+    /// removed stays after one trace. Readers that were handed out stay valid
+    /// until deleteAllSignalpackages(), but the next lookup opens the file anew.
     void clearCache();
 
     /// Forgets all packages and deletes all readers that were handed out. (The
@@ -101,7 +103,8 @@ private:
     // These touch nothing but the file system.
     void unpackDefaultPackage() const;
     [[nodiscard]] static bool isOurDescriptor(const QString& a_sFile);
-    void removeCachedFiles(const QString& a_sCleanId) const;
+    void removePackages() const;
+    [[nodiscard]] bool removeCachedFiles(const QString& a_sCleanId) const;
     [[nodiscard]] static QStringList listSignalPackages(const QString& a_sFolder);
     [[nodiscard]] static QList<SignalPackage> readPackages(const QStringList& a_folders);
     [[nodiscard]] static SignalPackage readPackageFolder(const QString& a_sFolder);

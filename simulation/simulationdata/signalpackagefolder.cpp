@@ -16,13 +16,6 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/signalpackagefolder";
 
-/// The absolute path of a file in a folder; empty for an empty folder, which
-/// would be the current one.
-QString pathIn(const QString& a_sFolder, const QString& a_sName)
-{
-    return a_sFolder.isEmpty() ? QString() : QDir(resolvedStorePath(a_sFolder)).absoluteFilePath(a_sName);
-}
-
 bool isFile(const QString& a_sFile)
 {
     return !a_sFile.isEmpty() && QFileInfo(a_sFile).isFile();
@@ -75,27 +68,27 @@ QStringList SignalPackageFolder::list(const QString& a_sFolder)
 
 QString SignalPackageFolder::signalFilePath(const QString& a_sFolder)
 {
-    return pathIn(a_sFolder, QStringLiteral("Signal.xml"));
+    return filePathIn(a_sFolder, QStringLiteral("Signal.xml"));
 }
 
 QString SignalPackageFolder::signalShapeFilePath(const QString& a_sFolder)
 {
-    return pathIn(a_sFolder, QStringLiteral("Signal.ssf"));
+    return filePathIn(a_sFolder, QStringLiteral("Signal.ssf"));
 }
 
 QString SignalPackageFolder::audioFilePath(const QString& a_sFolder)
 {
-    return pathIn(a_sFolder, QStringLiteral("Signal.wav"));
+    return filePathIn(a_sFolder, QStringLiteral("Signal.wav"));
 }
 
 QString SignalPackageFolder::symbolDataFilePath(const QString& a_sFolder)
 {
-    return pathIn(a_sFolder, QStringLiteral("Signal.sdf"));
+    return filePathIn(a_sFolder, QStringLiteral("Signal.sdf"));
 }
 
 QString SignalPackageFolder::resultDataFilePath(const QString& a_sFolder)
 {
-    return pathIn(a_sFolder, QStringLiteral("Signal.rdf"));
+    return filePathIn(a_sFolder, QStringLiteral("Signal.rdf"));
 }
 
 SignalPackage SignalPackageFolder::signalPackage(const QString& a_sFolder)

@@ -65,6 +65,13 @@ bool SignalShapeFile::open()
         return false;
     }
     m_sError.clear();
+    if (!hasRecords()) {
+        traceError(s_szSource, [&] {
+            return QStringLiteral("\"%1\" has no record for any time: %2 of %3 points, %4 a second")
+                .arg(m_pFile->fileName(), QString::number(m_uiRecordCount),
+                     QString::number(m_uiPointsPerSpectrum), QString::number(m_uiRecordsPerSecond));
+        });
+    }
     return true;
 }
 
@@ -206,8 +213,7 @@ float SignalShapeFile::signalLevelInSpectrum() const
 
 bool SignalShapeFile::hasRecords() const
 {
-    return m_pFile->isOpen() && !m_spectrum.empty() && m_uiPackageDuration != 0 && m_uiRecordDuration != 0 &&
-           m_uiRecordCount != 0;
+    return !m_spectrum.empty() && m_uiRecordDuration != 0 && m_uiRecordCount != 0;
 }
 
 std::uint64_t SignalShapeFile::posInFile(std::uint32_t a_uiTime) const
@@ -220,7 +226,7 @@ std::uint64_t SignalShapeFile::posInFile(std::uint32_t a_uiTime) const
 void SignalShapeFile::readSpectrum(std::uint32_t a_uiTime)
 {
     const std::lock_guard lock(m_mutex);
-    if (!hasRecords()) {
+    if (!m_pFile->isOpen() || m_uiPackageDuration == 0 || !hasRecords()) {
         return;
     }
     const std::uint64_t uiPos = posInFile(a_uiTime % m_uiPackageDuration);

@@ -35,7 +35,9 @@ public:
 
     /// Opens the file, anew if it is open, and reads its header. The spectrum
     /// and its levels are 0 until one is read. False after one trace: the file
-    /// is closed and the spectrum empty.
+    /// is closed and the spectrum empty. A file that has no record for any time
+    /// (a count or the rate is 0, or a record takes less than a millisecond)
+    /// opens with one trace.
     [[nodiscard]] bool open();
     void close();
     [[nodiscard]] bool isOpen() const;
@@ -68,8 +70,8 @@ public:
 
     /// Loads the spectrum for a time (ms since the start of the package). A time
     /// within the loaded record costs no file access. Does nothing while the
-    /// file is closed, and when there is no record for any time: a count, a rate
-    /// or the package duration is 0, or a record takes less than a millisecond.
+    /// file is closed or the package duration is 0, and when the file has no
+    /// record for any time.
     /// Where the file ends too early, what it holds replaces the old values,
     /// the others stay; the first of such reads in a row is traced.
     void readSpectrum(std::uint32_t a_uiTime);

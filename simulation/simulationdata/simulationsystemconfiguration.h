@@ -16,6 +16,17 @@ namespace Simulation {
 /// stay valid until the process ends. To be used by one thread at a time.
 ///
 /// Before loadConfiguation() every value is the default, and there are no stores.
+/// The settings stand in "Simulation.ini", for which CfgCenter::CreateCfg() names
+/// the places:
+///
+///     SimulationServer=127.0.0.1
+///     SimulationCache=/var/cache/simulation
+///     [Ports]
+///     SimulationServer=57401
+///     SimulationService=57400
+///     SimulationEditor=57409
+///     [SimulationRepository]
+///     FileSystem\Repository=/srv/simulation
 class SIMULATIONDATA_EXPORT SimulationSystemConfiguration
 {
 public:

@@ -14,4 +14,9 @@ QString resolvedStorePath(const QString& a_sPath)
     return sPath.replace(u'\\', u'/');
 }
 
+QString filePathIn(const QString& a_sFolder, const QString& a_sName)
+{
+    return a_sFolder.isEmpty() ? QString() : QDir(resolvedStorePath(a_sFolder)).absoluteFilePath(a_sName);
+}
+
 } // namespace Simulation

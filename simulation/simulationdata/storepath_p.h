@@ -12,6 +12,10 @@ namespace Simulation {
 /// backslashes are read as slashes.
 [[nodiscard]] SIMULATIONDATA_EXPORT QString resolvedStorePath(const QString& a_sPath);
 
+/// The absolute path of a file in such a folder. Empty for an empty folder, which
+/// would be the current one.
+[[nodiscard]] QString filePathIn(const QString& a_sFolder, const QString& a_sName);
+
 } // namespace Simulation
 
 #endif

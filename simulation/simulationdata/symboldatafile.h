@@ -27,8 +27,8 @@ public:
     SymbolDataFile& operator=(const SymbolDataFile&) = delete;
 
     /// Opens the file, anew if it is open, and reads its header. False after one
-    /// trace, with the file closed. A file that is cut short, or whose rate is
-    /// unusable, opens with one trace.
+    /// trace, with the file closed. A file that is cut short, or whose
+    /// length() is 0, opens with one trace.
     [[nodiscard]] bool open();
     void close();
     [[nodiscard]] bool isOpen() const;
@@ -52,7 +52,8 @@ public:
     void setSymbolRate(std::uint32_t a_uiRate);
 
     /// Length of the stream (whole ms), rounded to single precision; at most
-    /// 0xFFFFFFFF, 0 when the rate is not positive and finite.
+    /// 0xFFFFFFFF, 0 when there is nothing to read: no symbol, no rate that
+    /// is positive and finite, or less than a millisecond.
     [[nodiscard]] std::uint32_t length() const;
 
     /// How many bytes the file had fewer at open() than its header claims: 0

@@ -29,7 +29,7 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/wholefile";
 constexpr qsizetype s_iMachineDigits = 8;
-constexpr qsizetype s_iCopyBytes = 128 * 1024;
+constexpr qsizetype s_iCopyBytes = qsizetype{128} * 1024;
 
 /// Tells the machines apart that share a folder: their process ids mean nothing
 /// to each other.
@@ -159,15 +159,29 @@ bool copyFileWhole(const QString& a_sFrom, const QString& a_sTo)
     return false;
 }
 
-bool replaceByRename(const QString& a_sFrom, const QString& a_sTo)
+bool replaceByRename(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
 {
     std::error_code error;
     std::filesystem::rename(nativePath(a_sFrom), nativePath(a_sTo), error);
     if (error) {
-        traceError(s_szSource,
-                   [&] { return QStringLiteral("Cannot replace \"%1\": %2").arg(a_sTo, errorText(error)); });
+        *a_pReason = QStringLiteral("\"%1\" cannot be replaced: %2").arg(a_sTo, errorText(error));
     }
     return !error;
+}
+
+bool replaceByCopy(const QString& a_sFrom, const QString& a_sTo)
+{
+    const QString sTemporary = temporaryName(a_sTo);
+    if (!copyFileWhole(a_sFrom, sTemporary)) {
+        return false;
+    }
+    QString sReason;
+    if (replaceByRename(sTemporary, a_sTo, &sReason)) {
+        return true;
+    }
+    QFile::remove(sTemporary);
+    traceError(s_szSource, [&] { return QStringLiteral("Cannot copy \"%1\": %2").arg(a_sFrom, sReason); });
+    return false;
 }
 
 bool makeWritable(const QString& a_sPath)

@@ -8,7 +8,7 @@
 namespace Simulation {
 
 /// How files come into folders that several processes fill: under a temporary
-/// name first, then all at once. A crash or a full disk leaves no half file
+/// name first, then all at once. A process that dies or a full disk leaves no half file
 /// under a final name. Any thread may call.
 
 /// A name beside the file that no other call and no other process uses. It
@@ -26,8 +26,12 @@ SIMULATIONDATA_EXPORT void removeAbandonedFiles(const QString& a_sFolder);
 [[nodiscard]] SIMULATIONDATA_EXPORT bool copyFileWhole(const QString& a_sFrom, const QString& a_sTo);
 
 /// Gives a finished file, which lies on the same file system, its final name in
-/// place of what has it. False after one trace.
-[[nodiscard]] bool replaceByRename(const QString& a_sFrom, const QString& a_sTo);
+/// place of what has it. False with a reason.
+[[nodiscard]] bool replaceByRename(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason);
+
+/// Copies a file as copyFileWhole() does, in place of what is there. Who has that
+/// open keeps it. False after one trace.
+[[nodiscard]] bool replaceByCopy(const QString& a_sFrom, const QString& a_sTo);
 
 /// Lets the owner write to a file or folder; on Windows all four write flags
 /// are set, and they alone. False when that is not permitted.

@@ -83,6 +83,7 @@ private Q_SLOTS:
     void storePaths();
     void initializes();
     void initializesAgain();
+    void defaultDataInTheWay();
     void cannotInitialize_data();
     void cannotInitialize();
     void messageOnlyOnItsThread();
@@ -178,6 +179,9 @@ void TestDataStore::copiesFolders()
     QCOMPARE(contents(path("to/new/copy/a/link")), QByteArray("22"));
 
     QVERIFY(copyDir(path("missing"), path("made")));
+    QVERIFY(copyDir(path("missing"), m_folder->path() + u8("\\stores\\Files")));
+    QVERIFY(QDir(path("stores/Files")).exists());
+    QVERIFY(removeDir(m_folder->path() + u8("\\stores")) && !QDir(path("stores")).exists());
     QVERIFY(QFileInfo(path("made")).isDir());
 
     s_traces.clear();
@@ -324,6 +328,17 @@ void TestDataStore::initializesAgain()
     QVERIFY(s_traces.isEmpty());
 }
 
+void TestDataStore::defaultDataInTheWay()
+{
+    QVERIFY(make("SignalPackages/TuK-Default/Default") &&
+            make("SignalPackages/TuK-Default/Rect 10kHz/Signal.wav/x"));
+    QVERIFY(DataStoreFactory::initializeDataStore(configuration(m_folder->path())));
+    QCOMPARE(s_traces.size(), 1);
+    QVERIFY2(s_traces.front().startsWith(u8("4 files ")), qPrintable(s_traces.front()));
+    QVERIFY(QFile::exists(path("SignalPackages/TuK-Default/Rect 10kHz/Signal.xml")));
+    QVERIFY(QFile::exists(path("SignalPackages/TuK-Default/Rect 10kHz/Signal.wav/x")));
+}
+
 void TestDataStore::cannotInitialize_data()
 {
     QTest::addColumn<QString>("repository");
@@ -377,10 +392,10 @@ void TestDataStore::messageOnlyOnItsThread()
 void TestDataStore::unpacksWithinBounds()
 {
     const auto unpack = [this] {
-        return unpackResource(u8(":/DefaultData/TuK-Default.zip"), path("~tmp.zip"), u8("/TuK-Default"),
+        return unpackResource(u8(":/DefaultData/TuK-Default.zip"), m_folder->path(), u8("/TuK-Default"),
                               path("target"));
     };
-    QVERIFY(make("target/") && make("~tmp.zip"));
+    QVERIFY(make("target/"));
     Limits::setValue(Limits::ArchiveEntries, 3);
     const bool bFew = unpack();
     Limits::setValue(Limits::ArchiveEntries, 0);
@@ -388,8 +403,8 @@ void TestDataStore::unpacksWithinBounds()
     const bool bSmall = unpack();
     Limits::setValue(Limits::ArchiveBytes, 0);
     QVERIFY(!bFew && !bSmall);
-    QVERIFY(!unpackResource(u8(":/DefaultData/Default.sce.exp"), path("~tmp.zip"), u8("/"), path("target")));
-    QVERIFY(!unpackResource(u8(":/missing.zip"), path("~tmp.zip"), u8("/"), path("target")));
+    QVERIFY(!unpackResource(u8(":/DefaultData/Default.sce.exp"), m_folder->path(), u8("/"), path("target")));
+    QVERIFY(!unpackResource(u8(":/missing.zip"), m_folder->path(), u8("/"), path("target")));
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
              QStringList{u8("target")});
     QVERIFY(unpack());

@@ -26,6 +26,7 @@ private Q_SLOTS:
     void readsRecords();
     void otherDirection();
     void refused();
+    void unreadable();
     void fullDisk();
 
 private:
@@ -188,6 +189,18 @@ void TestPDWFile::refused()
     }
     QCOMPARE(s_traces.size(), 2 * paths.size());
     QCOMPARE(content(), before);
+}
+
+/// A file whose first page is not there.
+void TestPDWFile::unreadable()
+{
+    PDWFile file(QStringLiteral("/proc/self/mem"), false, false);
+    QVERIFY(file.is_open());
+    CPackedPDW pulse = record(7);
+    QCOMPARE(file.getPDW(&pulse), 0);
+    QCOMPARE(file.getPDW(&pulse), 0);
+    QCOMPARE(QByteArray(pulse.bytes.data(), 32), recordBytes(7));
+    QCOMPARE(s_traces.size(), 1);
 }
 
 /// Room for a block and a bit; and less than a header, which is seen when the

@@ -95,7 +95,7 @@ std::unique_ptr<QProcess> startFilling(const Folders& a_folders, qint64 a_iMaxBy
 
 int fill(const QStringList& a_arguments)
 {
-    const QString sCache = a_arguments.at(2);
+    const QString& sCache = a_arguments.at(2);
     SignalPackageCache cache(sCache, {});
     if (!cache.prepareCacheForUse()) {
         return 2;
@@ -129,6 +129,7 @@ private Q_SLOTS:
     void readers();
     void addsOrTakesAnew();
     void clearsOnlyItsOwn();
+    void cannotClear();
     void readersOutliveClearing();
     void manyThreads();
     void twoProcesses();
@@ -175,9 +176,14 @@ void TestSignalPackageCache::defaultPackage()
     QCOMPARE(cache.audioFile(package)->length(), 2999U);
     QVERIFY(cache.symbolDataFile(package) == nullptr);
 
+    // As an older program left it.
+    const QString sShape = folders.cache() + u'/' + s_sDefaultId + u8(".ssf");
+    QVERIFY(QFile::remove(sShape));
+    write(sShape, "older");
     SignalPackageCache again(folders.cache(), {});
     QVERIFY(again.prepareCacheForUse());
     QCOMPARE(folders.cachedNames(), prepared);
+    QCOMPARE(contents(sShape), contents(folders.cached("Signal.ssf")));
 }
 
 void TestSignalPackageCache::unusableFolders()
@@ -334,7 +340,8 @@ void TestSignalPackageCache::clearsOnlyItsOwn()
     const QByteArray foreignPackage = contents(folders.cached("p_1.xml"));
     const QList<std::pair<const char*, QByteArray>> foreign{
         {"letter.xml", "<Letter UID=\"letter\"/>"}, {"letter.ssf", "x"}, {"no.xml", "no document"},
-        {"elsewhere.xml", foreignPackage},          {"movie.wav", "x"},  {"p_1.txt", "x"}};
+        {"elsewhere.xml", foreignPackage},          {"movie.wav", "x"},  {"p_1.txt", "x"},
+        {"q.XML", "<SignalPackage UID=\"q\"/>"},    {"q.ssf", "x"}};
     for (const auto& [szName, data] : foreign) {
         write(folders.cached(szName), data);
     }
@@ -349,6 +356,27 @@ void TestSignalPackageCache::clearsOnlyItsOwn()
     QCOMPARE(folders.cachedNames(), expected);
     QVERIFY(cache.validSignalPackageId(s_sDefaultId));
     QVERIFY(cache.signalShapeFile(cache.defaultSignalPackage())->isOpen());
+}
+
+// Data that stay behind must be found again when they can be removed, or they
+// would be taken for those of the changed package.
+void TestSignalPackageCache::cannotClear()
+{
+    const Folders folders;
+    folders.addPackage("p", u8("p"), {}, "first");
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    cache.updateCache(folders.repository(), false);
+    // Nobody can remove a folder as a file.
+    QVERIFY(QDir().mkdir(folders.cached("p.wav")));
+    cache.clearCache();
+    QVERIFY(cache.validSignalPackageId(u8("p")));
+
+    write(folders.cached("p.ssf"), "left behind");
+    QVERIFY(QDir().rmdir(folders.cached("p.wav")));
+    folders.addPackage("p", u8("p"), {}, "second");
+    cache.updateCache(folders.repository(), true);
+    QCOMPARE(contents(folders.cached("p.ssf")), QByteArray("second"));
 }
 
 void TestSignalPackageCache::readersOutliveClearing()
@@ -379,6 +407,7 @@ void TestSignalPackageCache::manyThreads()
     cache.updateCache(folders.repository(), false);
     std::array<std::set<const void*>, 4> seen;
     std::vector<std::thread> threads;
+    threads.reserve(seen.size());
     for (auto& objects : seen) {
         threads.emplace_back([&] {
             for (int i = 0; i < 20; ++i) {
@@ -450,11 +479,14 @@ void TestSignalPackageCache::fullDisk()
     const Folders folders;
     folders.addPackage("large", u8("large"), {}, QByteArray(1'000'000, 's'));
     folders.addPackage("small", u8("small"));
+    folders.addPackage("wordy", u8("wordy"), {QString(400'000, u'w')});
     const auto process = startFilling(folders, 300'000, true);
     QVERIFY(process->waitForFinished());
     QCOMPARE(process->exitStatus(), QProcess::NormalExit);
     QVERIFY(!QFile::exists(folders.cached("large.ssf")));
     QCOMPARE(contents(folders.cached("small.ssf")), QByteArray("shape"));
+    // Without the descriptor its data would stay for ever.
+    QVERIFY(!QFile::exists(folders.cached("wordy.ssf")));
     QVERIFY(folders.cachedNames().filter(u8(".tmp")).isEmpty());
 }
 

@@ -98,8 +98,9 @@ void TestSignalShapeFile::recordDurations()
     const std::vector<quint32> rates{3, 10, 25, 50, 100, 200, 1001, 0};
     std::vector<quint32> durations;
     for (const quint32 uiRate : rates) {
-        writeFile(m_sPath, Header{.uiRecords = 1, .uiRecordsPerSecond = uiRate}.bytes());
+        writeFile(m_sPath, Header{.uiRecords = 1, .uiRecordsPerSecond = uiRate, .uiPoints = 0}.bytes());
         SignalShapeFile file(m_sPath);
+        expectTrace(QStringLiteral("no record for any time: 1 of 0 points, %1 a second").arg(uiRate));
         QVERIFY(file.open());
         durations.push_back(file.duration());
     }
@@ -155,6 +156,9 @@ void TestSignalShapeFile::nothingToRead()
     QFETCH(const quint32, packageDuration);
     writeFile(m_sPath, fields.bytes() + record(1, 2));
     SignalShapeFile file(m_sPath);
+    if (packageDuration != 0) {
+        expectTrace(QStringLiteral("has no record for any time"));
+    }
     QVERIFY(file.open());
     file.setPackageDuration(packageDuration);
     file.readSpectrum(0);
@@ -190,8 +194,8 @@ void TestSignalShapeFile::refused()
 
 void TestSignalShapeFile::noRegularFile()
 {
-    for (const QString& sPath :
-         {m_sPath + QLatin1Char('x'), m_folder.path(), QStringLiteral("/dev/zero"), QString()}) {
+    for (const QString& sPath : {m_sPath + QLatin1Char('x'), m_folder.path(), QStringLiteral("/dev/zero"),
+                                 QString(), m_sPath + QChar(QChar::Null)}) {
         SignalShapeFile file(sPath);
         expectTrace(QStringLiteral("Cannot open the signal shape file"));
         QVERIFY(!file.open());
