@@ -1,12 +1,12 @@
+#include "comparison.h"
+
 #include "simulationdata/signalshapefile.h"
 #include "simulationdata/symboldatafile.h"
 
-#include <benchmark/benchmark.h>
 #include <QDataStream>
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <vector>
@@ -14,10 +14,6 @@
 using namespace Simulation;
 
 namespace {
-
-using Seconds = std::chrono::duration<double>;
-
-constexpr double s_dMebi = 1024.0 * 1024.0;
 
 /// A data file whose contents do not matter, but for the header.
 class ScratchFile
@@ -65,33 +61,6 @@ std::size_t readBare(const QString& a_sPath, qsizetype a_iHeaderBytes, std::vect
         benchmark::DoNotOptimize(a_piece.data());
     }
     return uiBytes;
-}
-
-template<typename Work>
-double secondsOf(const Work& a_work)
-{
-    const auto begin = std::chrono::steady_clock::now();
-    a_work();
-    return Seconds(std::chrono::steady_clock::now() - begin).count();
-}
-
-/// Runs the bare work and ours in turn and reports both beside their ratio.
-template<typename Bare, typename Ours>
-void compare(benchmark::State& a_state, qsizetype a_iBytes, const Bare& a_bare, const Ours& a_ours)
-{
-    double dBare = 0.0;
-    double dOurs = 0.0;
-    for ([[maybe_unused]] auto iteration : a_state) {
-        dBare += secondsOf(a_bare);
-        const double dSeconds = secondsOf(a_ours);
-        dOurs += dSeconds;
-        a_state.SetIterationTime(dSeconds);
-    }
-    const auto dIterations = static_cast<double>(a_state.iterations());
-    a_state.counters["bare_ms"] = dBare / dIterations * 1000.0;
-    a_state.counters["ours_ms"] = dOurs / dIterations * 1000.0;
-    a_state.counters["ratio"] = dOurs / dBare;
-    a_state.counters["MiB"] = static_cast<double>(a_iBytes) / s_dMebi;
 }
 
 /// All spectra of a file in order; the argument is the points of a spectrum.

@@ -1,3 +1,5 @@
+#include "comparison.h"
+
 #include "simulationdata/emissionsettings.h"
 #include "simulationdata/frequencysettings_chirp.h"
 #include "simulationdata/frequencysettings_fasthopper.h"
@@ -10,19 +12,15 @@
 #include "simulationdata/szenarioemitter.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 
-#include <benchmark/benchmark.h>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
-#include <chrono>
 #include <memory>
 #include <vector>
 
 using namespace Simulation;
 
 namespace {
-
-using Seconds = std::chrono::duration<double>;
 
 constexpr int s_iEmitters = 10'000;
 constexpr int s_iWayPoints = 4;
@@ -144,33 +142,6 @@ QByteArray writePrepared(const std::vector<WriterStep>& a_steps)
     }
     writer.writeEndDocument();
     return xml;
-}
-
-template<typename Work>
-double secondsOf(const Work& a_work)
-{
-    const auto begin = std::chrono::steady_clock::now();
-    a_work();
-    return Seconds(std::chrono::steady_clock::now() - begin).count();
-}
-
-/// Runs the bare work and ours in turn and reports both beside their ratio.
-template<typename Bare, typename Ours>
-void compare(benchmark::State& a_state, qsizetype a_iBytes, const Bare& a_bare, const Ours& a_ours)
-{
-    double dBare = 0.0;
-    double dOurs = 0.0;
-    for ([[maybe_unused]] auto iteration : a_state) {
-        dBare += secondsOf(a_bare);
-        const double dSeconds = a_ours();
-        dOurs += dSeconds;
-        a_state.SetIterationTime(dSeconds);
-    }
-    const auto dIterations = static_cast<double>(a_state.iterations());
-    a_state.counters["bare_ms"] = dBare / dIterations * 1000.0;
-    a_state.counters["ours_ms"] = dOurs / dIterations * 1000.0;
-    a_state.counters["ratio"] = dOurs / dBare;
-    a_state.counters["MiB"] = static_cast<double>(a_iBytes) / (1024.0 * 1024.0);
 }
 
 void loadScenario(benchmark::State& a_state)

@@ -1,13 +1,13 @@
+#include "comparison.h"
+
 #include "simulationdata/pdwfile.h"
 #include "simulationdata/wavefilereader.h"
 
-#include <benchmark/benchmark.h>
 #include <QFile>
 #include <QTemporaryDir>
 #include <sndfile.h>
 
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -22,41 +22,12 @@ struct CPackedPDW
 
 namespace {
 
-using Seconds = std::chrono::duration<double>;
-
 constexpr int s_iFramesPerBlock = 32'000;
 constexpr int s_iWaveBlocks = 1'000;
 constexpr int s_iSampleRate = 32'000;
 constexpr int s_iPulseBlocks = 2'000;
 constexpr std::size_t s_uiPulseBlockBytes =
     std::size_t{PDWFile::s_uiRecordsPerBlock} * PDWFile::s_uiRecordBytes;
-
-template<typename Work>
-double secondsOf(const Work& a_work)
-{
-    const auto begin = std::chrono::steady_clock::now();
-    a_work();
-    return Seconds(std::chrono::steady_clock::now() - begin).count();
-}
-
-/// Runs the bare work and ours in turn and reports both beside their ratio.
-template<typename Bare, typename Ours>
-void compare(benchmark::State& a_state, double a_dBytes, const Bare& a_bare, const Ours& a_ours)
-{
-    double dBare = 0.0;
-    double dOurs = 0.0;
-    for ([[maybe_unused]] auto iteration : a_state) {
-        dBare += secondsOf(a_bare);
-        const double dSeconds = secondsOf(a_ours);
-        dOurs += dSeconds;
-        a_state.SetIterationTime(dSeconds);
-    }
-    const auto dIterations = static_cast<double>(a_state.iterations());
-    a_state.counters["bare_ms"] = dBare / dIterations * 1000.0;
-    a_state.counters["ours_ms"] = dOurs / dIterations * 1000.0;
-    a_state.counters["ratio"] = dOurs / dBare;
-    a_state.counters["MiB"] = a_dBytes / (1024.0 * 1024.0);
-}
 
 bool writeWave(const QByteArray& a_path)
 {
@@ -116,7 +87,7 @@ void readSamples(benchmark::State& a_state)
         return;
     }
     compare(
-        a_state, static_cast<double>(iFrames) * sizeof(std::int16_t),
+        a_state, iFrames * std::int64_t{sizeof(std::int16_t)},
         [&] { benchmark::DoNotOptimize(readBare(path, block)); },
         [&] { benchmark::DoNotOptimize(readOurs(path, block)); });
 }
@@ -157,7 +128,7 @@ void writePulseWords(benchmark::State& a_state)
         return;
     }
     compare(
-        a_state, static_cast<double>(uiBytes), [&] { writeBare(path, header, block); },
+        a_state, static_cast<std::int64_t>(uiBytes), [&] { writeBare(path, header, block); },
         [&] { writeOurs(path, pulse); });
 }
 BENCHMARK(writePulseWords)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(3.0);

@@ -29,7 +29,7 @@ std::int16_t widened(std::uint8_t a_uiSample)
 
 qint64 bytesOf(std::size_t a_uiSamples)
 {
-    return static_cast<qint64>(a_uiSamples * sizeof(std::int16_t));
+    return static_cast<qint64>(a_uiSamples) * qint64{sizeof(std::int16_t)};
 }
 
 } // namespace

@@ -14,7 +14,7 @@ constexpr std::size_t s_uiMagicBytes = 7;
 
 } // namespace
 
-bool openDataFile(QFile& a_file, QString* a_pReason)
+bool openDataFile(QFile& a_file, QString* a_pReason, QIODevice::OpenMode a_eMode)
 {
     const QFileInfo info(a_file.fileName());
     // A name with a zero in it names no file, and would be reported twice.
@@ -26,7 +26,7 @@ bool openDataFile(QFile& a_file, QString* a_pReason)
         *a_pReason = QStringLiteral("is no regular file");
         return false;
     }
-    if (!a_file.open(QIODevice::ReadOnly)) {
+    if (!a_file.open(a_eMode)) {
         *a_pReason = a_file.errorString();
         return false;
     }
@@ -34,9 +34,9 @@ bool openDataFile(QFile& a_file, QString* a_pReason)
 }
 
 bool openDataFileOfKind(QFile& a_file, const DataFileKind& a_kind, std::span<char> a_header,
-                        QString* a_pReason)
+                        QString* a_pReason, QIODevice::OpenMode a_eMode)
 {
-    if (!openDataFile(a_file, a_pReason)) {
+    if (!openDataFile(a_file, a_pReason, a_eMode)) {
         return false;
     }
     const auto iHeaderBytes = static_cast<qint64>(a_header.size());
@@ -71,6 +71,18 @@ std::int64_t missingBytes(std::int64_t a_iHeaderBytes, std::uint64_t a_uiItems, 
         return std::numeric_limits<std::int64_t>::max();
     }
     return a_iHeaderBytes + static_cast<std::int64_t>(a_uiItems * a_uiItemBytes) - a_iFileSize;
+}
+
+std::span<const char> RecordBuffer::record(QFile& a_file, qint64 a_iOffset, qint64 a_iBytes)
+{
+    const qint64 iEnd = m_iAt + m_iHeld;
+    if (a_iOffset < m_iAt || a_iOffset + a_iBytes > iEnd) {
+        const qint64 iRecords = m_iHeld > 0 && a_iOffset == iEnd ? s_iMaxRecord / a_iBytes : 1;
+        m_iHeld = readAt(a_file, a_iOffset, m_bytes.data(), iRecords * a_iBytes);
+        m_iAt = a_iOffset;
+    }
+    const qint64 iSkipped = a_iOffset - m_iAt;
+    return {m_bytes.data() + iSkipped, static_cast<std::size_t>(std::min(a_iBytes, m_iHeld - iSkipped))};
 }
 
 void repeat(void* a_pTarget, qint64 a_iPeriod, qint64 a_iBytes)

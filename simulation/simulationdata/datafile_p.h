@@ -5,6 +5,7 @@
 #include <QString>
 #include <QtEndian>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -18,7 +19,8 @@ namespace Simulation {
 
 /// Opens the file for reading. Regular files only: a pipe could keep us waiting
 /// for ever. False with a reason.
-[[nodiscard]] bool openDataFile(QFile& a_file, QString* a_pReason);
+[[nodiscard]] bool openDataFile(QFile& a_file, QString* a_pReason,
+                                QIODevice::OpenMode a_eMode = QIODevice::ReadOnly);
 
 /// What tells one of our own formats from another.
 struct DataFileKind
@@ -32,7 +34,7 @@ struct DataFileKind
 /// the version: both are checked. False with a reason; the file may then be
 /// open or not.
 [[nodiscard]] bool openDataFileOfKind(QFile& a_file, const DataFileKind& a_kind, std::span<char> a_header,
-                                      QString* a_pReason);
+                                      QString* a_pReason, QIODevice::OpenMode a_eMode = QIODevice::ReadOnly);
 
 /// What the trace of a refused file says.
 [[nodiscard]] QString refusal(const DataFileKind& a_kind, const QFile& a_file, const QString& a_sReason);
@@ -46,6 +48,27 @@ struct DataFileKind
 /// stands there already. The number of bytes read: fewer when the file ends
 /// before, 0 when it cannot be read.
 [[nodiscard]] qint64 readAt(QFile& a_file, qint64 a_iOffset, void* a_pTarget, qint64 a_iBytes);
+
+/// Reads records of one size from a file that is open unbuffered. Those that
+/// follow each other are read ahead, any other costs one seek and its own bytes.
+/// Nothing is allocated.
+class RecordBuffer
+{
+public:
+    static constexpr qint64 s_iMaxRecord = qint64{16} * 1024; ///< bytes
+
+    /// The record of at most s_iMaxRecord bytes that begins there, cut where the
+    /// file ends. Valid until the next call.
+    [[nodiscard]] std::span<const char> record(QFile& a_file, qint64 a_iOffset, qint64 a_iBytes);
+
+    /// Forgets what was read, for another file.
+    void reset() { m_iHeld = 0; }
+
+private:
+    std::array<char, s_iMaxRecord> m_bytes{};
+    qint64 m_iAt = 0; ///< where the bytes begin in the file
+    qint64 m_iHeld = 0;
+};
 
 /// Fills memory with repetitions of its first bytes, of which there is one at
 /// least. Nothing to do where they are all of it.

@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <limits>
+#include <span>
 
 namespace Simulation {
 
@@ -49,6 +51,7 @@ std::uint32_t recordDuration(std::uint32_t a_uiRecordsPerSecond)
 
 SignalShapeFile::SignalShapeFile(const QString& a_sPath)
     : m_pFile(std::make_unique<QFile>(a_sPath))
+    , m_pRecords(std::make_unique<RecordBuffer>())
 {}
 
 SignalShapeFile::~SignalShapeFile() = default;
@@ -90,6 +93,7 @@ void SignalShapeFile::reset()
     m_fMaxLevel = 0.0F;
     m_fSignalLevel = 0.0F;
     m_uiCurrentPos = 0;
+    m_pRecords->reset();
     m_iMissingBytes = 0;
     m_bTruncated = false;
 }
@@ -97,7 +101,8 @@ void SignalShapeFile::reset()
 bool SignalShapeFile::readGlobalHeader()
 {
     std::array<char, s_uiHeaderBytes> header{};
-    if (!openDataFileOfKind(*m_pFile, s_kind, header, &m_sError)) {
+    if (!openDataFileOfKind(*m_pFile, s_kind, header, &m_sError,
+                            QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         return false;
     }
     m_uiVersion = s_kind.uiVersion;
@@ -250,23 +255,41 @@ void SignalShapeFile::readSpectrum(std::uint32_t a_uiTime)
 /// False when the file ends within the record or before it.
 bool SignalShapeFile::readRecord(std::uint64_t a_uiPos)
 {
-    constexpr std::uint64_t uiLargest = std::numeric_limits<qint64>::max();
-    std::array<char, s_uiRecordHeaderBytes> header{};
-    if (a_uiPos > uiLargest || readAt(*m_pFile, static_cast<qint64>(a_uiPos), header.data(),
-                                      s_uiRecordHeaderBytes) != s_uiRecordHeaderBytes) {
+    constexpr std::uint64_t uiLargest = std::numeric_limits<qint64>::max() - RecordBuffer::s_iMaxRecord;
+    if (a_uiPos > uiLargest) {
         return false;
     }
-    const auto fLevelA = numberAt<float>(header.data(), s_uiLevelAAt);
-    const auto fLevelB = numberAt<float>(header.data(), s_uiLevelBAt);
-    const bool bBIsLarger = fLevelB > fLevelA;
-    m_fMaxLevel = bBIsLarger ? fLevelA : fLevelB;
-    m_fSignalLevel = bBIsLarger ? fLevelB : fLevelA;
-
+    const auto iPos = static_cast<qint64>(a_uiPos);
     const qint64 iBytes = m_uiRecordSize - s_uiRecordHeaderBytes;
-    const qint64 iRead = readAt(*m_pFile, m_pFile->pos(), m_spectrum.data(), iBytes);
+    const bool bSmall = m_uiRecordSize <= RecordBuffer::s_iMaxRecord;
+    const std::span<const char> record =
+        m_pRecords->record(*m_pFile, iPos, bSmall ? m_uiRecordSize : s_uiRecordHeaderBytes);
+    if (record.size() < s_uiRecordHeaderBytes) {
+        return false;
+    }
+    takeLevels(record.data());
+    qint64 iRead = 0;
+    if (bSmall) {
+        iRead = static_cast<qint64>(record.size()) - s_uiRecordHeaderBytes;
+        std::memcpy(m_spectrum.data(), record.data() + s_uiRecordHeaderBytes,
+                    static_cast<std::size_t>(iRead));
+    } else {
+        m_pRecords->reset();
+        iRead = readAt(*m_pFile, iPos + s_uiRecordHeaderBytes, m_spectrum.data(), iBytes);
+    }
     // In place: no work where the processor is little-endian.
     qFromLittleEndian<float>(m_spectrum.data(), iRead / qint64{sizeof(float)}, m_spectrum.data());
     return iRead == iBytes;
+}
+
+/// From the header of a record.
+void SignalShapeFile::takeLevels(const char* a_pRecord)
+{
+    const auto fLevelA = numberAt<float>(a_pRecord, s_uiLevelAAt);
+    const auto fLevelB = numberAt<float>(a_pRecord, s_uiLevelBAt);
+    const bool bBIsLarger = fLevelB > fLevelA;
+    m_fMaxLevel = bBIsLarger ? fLevelA : fLevelB;
+    m_fSignalLevel = bBIsLarger ? fLevelB : fLevelA;
 }
 
 } // namespace Simulation

@@ -14,6 +14,8 @@ class QFile;
 
 namespace Simulation {
 
+class RecordBuffer;
+
 /// Reads a signal shape file, "Signal.ssf": power spectra of a signal, taken at
 /// a fixed rate. The recorded sequence repeats over the duration of the signal
 /// package, which must be set before the first spectrum is read.
@@ -93,6 +95,7 @@ private:
     [[nodiscard]] bool hasRecords() const;
     [[nodiscard]] std::uint64_t posInFile(std::uint32_t a_uiTime) const;
     [[nodiscard]] bool readRecord(std::uint64_t a_uiPos);
+    void takeLevels(const char* a_pRecord);
 
     template<typename Value>
     [[nodiscard]] Value locked(const Value& a_value) const
@@ -102,6 +105,7 @@ private:
     }
 
     std::unique_ptr<QFile> m_pFile;
+    std::unique_ptr<RecordBuffer> m_pRecords;
     std::uint64_t m_uiRecordCount = 0;
     std::uint32_t m_uiRecordsPerSecond = 0;
     std::uint32_t m_uiRecordDuration = 0; ///< (ms)

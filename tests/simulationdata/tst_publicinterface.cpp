@@ -53,8 +53,9 @@ static_assert(!std::is_copy_constructible_v<ScenarioNetwork> &&
               !std::is_copy_constructible_v<ScenarioDataXml>);
 static_assert(std::is_base_of_v<SzenarioEmitter, ElintScenarioEmitter>);
 
-/// Uses every operation that the installed headers offer once: one that is
+/// Uses every operation of the values, settings and documents once: one that is
 /// renamed or not exported breaks the build. What they do is tested elsewhere.
+/// Stores, cache, data files and protocol are used whole by their own tests.
 class TestPublicInterface : public QObject
 {
     Q_OBJECT
