@@ -18,6 +18,7 @@ struct LimitEntry
 
 constexpr std::uint64_t s_uiKibi = 1024;
 constexpr std::uint64_t s_uiMebi = 1024 * s_uiKibi;
+constexpr std::uint64_t s_uiGibi = 1024 * s_uiMebi;
 
 constexpr std::array<LimitEntry, Limits::LimitCount> s_limits{{
     {Limits::DocumentBytes, "document bytes", 256 * s_uiMebi,
@@ -56,6 +57,10 @@ constexpr std::array<LimitEntry, Limits::LimitCount> s_limits{{
      "Every entry takes a file, or some 200 bytes of memory."},
     {Limits::UpdateIds, "update ids of a package", 1024,
      "For every one the cache folder takes a copy of the descriptor."},
+    {Limits::InflatedBytes, "inflated bytes", s_uiGibi,
+     "A compressed megabyte may hold a gigabyte; four of the largest documents fit."},
+    {Limits::PendingBytes, "bytes that wait for one peer", 256 * s_uiMebi,
+     "A peer that does not read makes us hold all that it was sent; the largest document fits."},
 }};
 
 constexpr bool isInOrder()

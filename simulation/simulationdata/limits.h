@@ -37,6 +37,8 @@ public:
         ArchiveBytes,       ///< bytes that one archive unpacks to
         ArchiveEntries,     ///< entries of an archive
         UpdateIds,          ///< update ids of a package that the cache follows
+        InflatedBytes,      ///< bytes that one compressed content may hold
+        PendingBytes,       ///< bytes that wait for one peer
         LimitCount          ///< number of limits, not a limit
     };
 

@@ -10,6 +10,7 @@
 
 #include <pugixml.hpp>
 
+#include <algorithm>
 #include <utility>
 
 namespace Simulation {
@@ -39,7 +40,7 @@ pugi::xml_node firstElement(pugi::xml_node a_parent, const QString& a_sName)
     return elementFrom(a_parent.first_child(), a_sName);
 }
 
-QString ownText(pugi::xml_node a_element)
+QByteArray ownText(pugi::xml_node a_element)
 {
     QByteArray text("");
     for (pugi::xml_node node = a_element.first_child(); node; node = node.next_sibling()) {
@@ -47,7 +48,17 @@ QString ownText(pugi::xml_node a_element)
             text.append(node.value());
         }
     }
-    return QString::fromUtf8(text);
+    return text;
+}
+
+/// Whether the text is ASCII that XML allows, and needs no cleaning.
+bool isCleanAscii(const QByteArray& a_text)
+{
+    constexpr signed char cFirstPrintable = 0x20; // beyond ASCII all are negative
+    return std::all_of(a_text.cbegin(), a_text.cend(), [](char a_cByte) {
+        return static_cast<signed char>(a_cByte) >= cFirstPrintable || a_cByte == '\n' || a_cByte == '\r' ||
+               a_cByte == '\t';
+    });
 }
 
 /// What can be said against the text before it is parsed; empty when nothing.
@@ -129,9 +140,14 @@ bool XmlElement::hasChildText(const QString& a_sName) const
 
 QString XmlElement::childText(const QString& a_sName) const
 {
+    return QString::fromUtf8(childUtf8(a_sName));
+}
+
+QByteArray XmlElement::childUtf8(const QString& a_sName) const
+{
     const pugi::xml_node element(m_pNode);
     const pugi::xml_node named = a_sName.isEmpty() ? element : firstElement(element, a_sName);
-    return named ? ownText(named) : QString();
+    return named ? ownText(named) : QByteArray();
 }
 
 unsigned int XmlElement::childUnsigned(const QString& a_sName, bool* a_pOk) const
@@ -151,11 +167,16 @@ bool XmlElement::childBool(const QString& a_sName, bool* a_pOk) const
 
 void XmlElement::setChildText(const QString& a_sName, const QString& a_sValue)
 {
+    setChildUtf8(a_sName, cleanXmlText(a_sValue).toUtf8());
+}
+
+void XmlElement::setChildUtf8(const QString& a_sName, const QByteArray& a_text)
+{
     if (hasChildText(a_sName)) {
         return;
     }
     pugi::xml_node child(appendChild(a_sName).m_pNode);
-    const QByteArray text = cleanXmlText(a_sValue).toUtf8();
+    const QByteArray text = isCleanAscii(a_text) ? a_text : cleanXmlText(QString::fromUtf8(a_text)).toUtf8();
     if (child && !text.isEmpty()) {
         child.append_child(pugi::node_pcdata).set_value(text.constData());
     }

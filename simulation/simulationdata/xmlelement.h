@@ -52,6 +52,9 @@ public:
     /// when it is empty.
     [[nodiscard]] QString childText(const QString& a_sName = QString()) const;
 
+    /// The same text as UTF-8: for large texts, which are not widened then.
+    [[nodiscard]] QByteArray childUtf8(const QString& a_sName = QString()) const;
+
     /// The child text as a number in base 10; 0 with `*a_pOk` false when it is
     /// none or does not fit 32 bits.
     [[nodiscard]] unsigned int childUnsigned(const QString& a_sName, bool* a_pOk = nullptr) const;
@@ -65,6 +68,10 @@ public:
     /// messages are written once and never edited. Characters that XML forbids
     /// are left out.
     void setChildText(const QString& a_sName, const QString& a_sValue);
+
+    /// The same with a text in UTF-8: for large texts, of which plain ASCII is
+    /// not widened then.
+    void setChildUtf8(const QString& a_sName, const QByteArray& a_text);
 
     /// The value of the attribute, null when there is none.
     [[nodiscard]] QString attribute(const QString& a_sName) const;

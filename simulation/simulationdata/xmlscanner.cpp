@@ -1,6 +1,7 @@
 #include "xmlscanner_p.h"
 
 #include <cstring>
+#include <limits>
 
 namespace Simulation {
 
@@ -87,26 +88,45 @@ bool XmlDeclarationEnd::consumeMarkup(char a_cByte)
     return a_cByte == '>' && m_uiBrackets == 0;
 }
 
-void XmlScanner::feed(QByteArrayView a_bytes)
+void XmlScanner::scanChunk(QByteArrayView a_bytes, bool a_bOneDocument)
 {
-    if (m_bOffence || a_bytes.isEmpty()) {
-        return;
-    }
-    m_uiMaxDepth = Limits::value(Limits::NestingDepth);
-    m_uiMaxAttributes = Limits::value(Limits::ElementAttributes);
-    m_uiMaxDoctype = Limits::value(Limits::DoctypeBytes);
-    m_uiMaxEntities = Limits::value(Limits::EntityDeclarations);
+    readLimits();
     m_chunk = a_bytes;
-    const char* const pEnd = a_bytes.data() + a_bytes.size();
-    for (const char* p = a_bytes.data(); p != pEnd && !m_bOffence;) {
+    const char* p = a_bytes.data();
+    const char* const pEnd = p + a_bytes.size();
+    while (p != pEnd && !m_bOffence && !(a_bOneDocument && m_bComplete)) {
         p = scan(p, pEnd);
     }
     if (!m_bOffence) {
-        m_openPosition = m_eState == State::Text ? XmlPosition() : openPosition();
-        m_chunkPosition = advanced(m_chunkPosition, a_bytes);
-        m_iChunk += a_bytes.size();
+        const QByteArrayView taken = a_bytes.first(p - a_bytes.data());
+        if (!a_bOneDocument) {
+            m_openPosition = m_eState == State::Text ? XmlPosition() : openPosition();
+            m_chunkPosition = advanced(m_chunkPosition, taken);
+        }
+        m_iChunk += taken.size();
     }
     m_chunk = {};
+}
+
+void XmlScanner::readLimits()
+{
+    m_uiMaxDepth = Limits::value(Limits::NestingDepth);
+    m_uiMaxElements = m_eElements == Limits::LimitCount ? std::numeric_limits<std::uint64_t>::max()
+                                                        : Limits::value(m_eElements);
+    m_uiMaxAttributes = Limits::value(Limits::ElementAttributes);
+    m_uiMaxDoctype = Limits::value(Limits::DoctypeBytes);
+    m_uiMaxEntities = Limits::value(Limits::EntityDeclarations);
+}
+
+qint64 XmlScanner::parsableBytes() const
+{
+    if (m_bOffence) {
+        return m_offence.offset;
+    }
+    // A section outside the elements is a fault, which a parser sees at once.
+    const bool bHeld = m_eState == State::Open || m_eState == State::Markup || m_eState == State::Comment ||
+                       m_eState == State::Instruction || (m_eState == State::CData && m_uiDepth > 0);
+    return bHeld ? m_iOpen : m_iChunk;
 }
 
 const char* XmlScanner::scan(const char* a_pFrom, const char* a_pEnd)
@@ -165,6 +185,8 @@ const char* XmlScanner::scanOpen(const char* a_pFrom)
     }
     if (m_uiDepth >= m_uiMaxDepth) {
         offend(Limits::NestingDepth);
+    } else if (++m_uiElements > m_uiMaxElements) {
+        offend(m_eElements);
     }
     m_uiAttributes = 0;
     m_cLast = 0;
@@ -191,7 +213,7 @@ const char* XmlScanner::scanStartTag(const char* a_pFrom, const char* a_pEnd)
             p = pQuote;
         } else if (c == '>') {
             m_uiDepth += cLast == '/' ? 0 : 1;
-            m_eState = State::Text;
+            closeTag();
             return p + 1;
         }
         cLast = c;
@@ -218,7 +240,7 @@ const char* XmlScanner::scanEndTag(const char* a_pFrom, const char* a_pEnd)
         return a_pEnd;
     }
     m_uiDepth -= m_uiDepth > 0 ? 1 : 0;
-    m_eState = State::Text;
+    closeTag();
     return pClose + 1;
 }
 
@@ -280,6 +302,12 @@ void XmlScanner::enter(State a_eState)
     }
     m_iMatched = 0;
     m_eState = a_eState;
+}
+
+void XmlScanner::closeTag()
+{
+    m_bComplete = m_uiDepth == 0;
+    m_eState = State::Text;
 }
 
 void XmlScanner::offend(Limits::Limit a_eLimit)

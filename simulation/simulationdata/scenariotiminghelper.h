@@ -1,0 +1,65 @@
+#ifndef SIMULATIONDATA_SCENARIOTIMINGHELPER_H
+#define SIMULATIONDATA_SCENARIOTIMINGHELPER_H
+
+#include "simulationdata/simulationdata_export.h"
+
+namespace Simulation {
+
+/// Turns the wall clock into the running time of a scenario, in milliseconds
+/// since its start: stopped at first, then running, paused or stopped again.
+///
+/// A plain value that is used by one thread at a time. The clock is that of
+/// VelaOS::Get(), microseconds since 1970, because timestamps cross machines.
+/// Differences of timestamps are taken modulo 2^64 us and times modulo 2^32 ms
+/// (49.7 days), so a start that lies in the future gives times without meaning.
+///
+/// There is no resuming: after a pause start again with the time that was
+/// shown, startScenarioTime(currentTimeStamp(), scenarioTime()).
+class SIMULATIONDATA_EXPORT ScenarioTimingHelper
+{
+public:
+    /// Paused and stopped at time 0.
+    ScenarioTimingHelper() = default;
+
+    /// Now (us).
+    [[nodiscard]] static unsigned long long currentTimeStamp();
+
+    /// The time since `a_uiStartTimestamp` (us) less `a_uiOffset` (ms), in ms.
+    /// Both timestamps are cut to whole milliseconds first, so the result may
+    /// differ from scenarioTime() by 1.
+    [[nodiscard]] static unsigned int calculateCurrentScenarioTime(unsigned long long a_uiStartTimestamp,
+                                                                   unsigned int a_uiOffset);
+
+    /// Runs: at `a_uiTimestamp` (us) the scenario time is `a_uiOffset` (ms).
+    void startScenarioTime(unsigned long long a_uiTimestamp, unsigned int a_uiOffset);
+
+    /// Shows `a_uiTime` (ms) from now on.
+    void pauseScenarioTime(unsigned int a_uiTime);
+
+    /// Shows 0 from now on.
+    void stopScenarioTime();
+
+    /// The scenario time (ms).
+    [[nodiscard]] unsigned int scenarioTime() const;
+
+    /// Always 0 (ms): the offset of a start is part of startTimestamp().
+    [[nodiscard]] unsigned int scenarioStartTime() const { return m_uiScenarioStartTime; }
+
+    /// When the scenario time was 0 (us); 0 before the first start.
+    [[nodiscard]] unsigned long long startTimestamp() const { return m_uiStartTimestamp; }
+
+    /// Whether the time stands; stopped is paused, too.
+    [[nodiscard]] bool isPaused() const { return m_bPaused; }
+    [[nodiscard]] bool isStopped() const { return m_bStopped; }
+
+private:
+    unsigned long long m_uiStartTimestamp = 0;
+    unsigned int m_uiScenarioStartTime = 0;
+    unsigned int m_uiPausedTime = 0;
+    bool m_bPaused = true;
+    bool m_bStopped = true;
+};
+
+} // namespace Simulation
+
+#endif

@@ -1,0 +1,144 @@
+#include "simulationservicecommunication.h"
+
+#include "payload_p.h"
+#include "servicecommands_p.h"
+#include "simulationdata/limits.h"
+#include "simulationdata/xmlelement.h"
+#include "trace_p.h"
+#include "xmlseparator_p.h"
+
+#include <QCryptographicHash>
+#include <QStringList>
+#include <QTcpSocket>
+
+#include <utility>
+
+// The commands themselves, read and written, are in servicecommands.cpp.
+
+namespace Simulation {
+
+namespace {
+
+constexpr const char* s_szSource = "simulation/simulationdata/simulationservicecommunication";
+
+} // namespace
+
+SimulationServiceCommunication::SimulationServiceCommunication(QTcpSocket* a_pSocket)
+{
+    if (a_pSocket != nullptr) {
+        setSocket(a_pSocket);
+    }
+}
+
+SimulationServiceCommunication::~SimulationServiceCommunication()
+{
+    dropSeparator();
+}
+
+void SimulationServiceCommunication::setSocket(QTcpSocket* a_pSocket)
+{
+    // Two separators on one socket would take the bytes from each other.
+    if (a_pSocket == nullptr || a_pSocket == m_pSocket) {
+        dropSeparator();
+    }
+    m_pSocket = a_pSocket;
+    m_bLostCommands = false;
+    if (a_pSocket == nullptr) {
+        return;
+    }
+    m_pSeparator = new XmlSeparator(a_pSocket, this);
+    connect(m_pSeparator, &XmlSeparator::xmlReceived, this, &SimulationServiceCommunication::slotXmlReceived);
+    connect(m_pSeparator, &XmlSeparator::errorOccured, this,
+            &SimulationServiceCommunication::slotErrorOccured);
+    // The other end of a new connection knows nothing of the half document that
+    // the old one may have left.
+    connect(a_pSocket, &QTcpSocket::connected, m_pSeparator, [this, pSeparator = m_pSeparator] {
+        pSeparator->reset();
+        m_bLostCommands = m_bLostCommands && pSeparator != m_pSeparator;
+    });
+}
+
+QTcpSocket* SimulationServiceCommunication::socket() const
+{
+    return m_pSocket.data();
+}
+
+void SimulationServiceCommunication::dropSeparator()
+{
+    if (m_pSeparator == nullptr) {
+        return;
+    }
+    m_pSeparator->disconnect();
+    if (m_pSocket != nullptr) {
+        m_pSocket->disconnect(m_pSeparator);
+    }
+    m_pSeparator->deleteLater();
+    m_pSeparator = nullptr;
+}
+
+void SimulationServiceCommunication::sendCommand(const XmlElement& a_command)
+{
+    if (m_pSeparator == nullptr) {
+        return;
+    }
+    const QByteArray document = a_command.toByteArray();
+    const bool bTooLarge = static_cast<quint64>(document.size()) > Limits::value(Limits::DocumentBytes);
+    if (bTooLarge) {
+        // The peer would read nothing any more.
+        traceError(s_szSource, [&] {
+            return QStringLiteral("Not sent: %1 of %2 bytes, %3")
+                .arg(a_command.tagName(), QString::number(document.size()),
+                     Limits::exceeded(Limits::DocumentBytes));
+        });
+    }
+    m_bLostCommands = bTooLarge || !m_pSeparator->sendXml(document) || m_bLostCommands;
+}
+
+/// Adds the bytes to the command and sends it.
+void SimulationServiceCommunication::sendPayload(XmlElement a_command, const QString& a_sName,
+                                                 const QByteArray& a_data)
+{
+    if (m_pSeparator != nullptr) { // or compressing would be for nobody
+        a_command.setChildUtf8(a_sName, compressPayload(a_data, m_bCompression));
+        sendCommand(a_command);
+    }
+}
+
+// NOLINTNEXTLINE(readability-identifier-naming)
+void SimulationServiceCommunication::slotXmlReceived(const QByteArray& Xml)
+{
+    QString sError;
+    XmlElement root = XmlElement::parse(Xml, &sError);
+    if (root.tagName() != QLatin1String("Command")) {
+        traceError(s_szSource, [&] {
+            return QStringLiteral("Invalid xml: %1").arg(root.isNull() ? sError : root.tagName());
+        });
+        return;
+    }
+    root = root.firstChild();
+    const QString sName = root.tagName();
+    // The categories are the ones that the system's log filters expect.
+    if (ReceivedCommand(std::move(root), m_bCompression, this).process()) {
+        traceError(s_szSource, [&] { return QStringLiteral("Processed Command/Update: %1").arg(sName); });
+    } else {
+        trace(ErrorHandler::TraceProgress, s_szSource,
+              [&] { return QStringLiteral("Invalid or incomplete command/update: %1").arg(sName); });
+    }
+}
+
+// NOLINTNEXTLINE(readability-identifier-naming)
+void SimulationServiceCommunication::slotErrorOccured(const QString& sErrorString)
+{
+    traceError(s_szSource, [&] { return sErrorString; });
+}
+
+QString SimulationServiceCommunication::createConfirmation(const SimulationDeviceConfiguration& a_device)
+{
+    // Both ends hash the same text, so it must never change.
+    const QStringList parts{QStringLiteral("608241937725;4410;27316;81952;64107"), a_device.id(),
+                            a_device.machine(), a_device.machineId(), a_device.deviceType()};
+    const QByteArray joined = parts.join(u';').toUtf8();
+    return QString::fromLatin1(QCryptographicHash::hash(joined, QCryptographicHash::Sha1).toBase64());
+}
+
+} // namespace Simulation

@@ -1,0 +1,139 @@
+#ifndef SIMULATIONDATA_SIMULATIONSERVICECOMMUNICATION_H
+#define SIMULATIONDATA_SIMULATIONSERVICECOMMUNICATION_H
+
+#include "simulationdata/simulationdata_export.h"
+#include "simulationdata/simulationdeviceconfiguration.h"
+#include "simulationdata/simulationdevicestate.h"
+
+#include <QByteArray>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QVector>
+
+class QTcpSocket;
+class XmlSeparator;
+
+namespace Simulation {
+
+class XmlElement;
+
+/// One end of the protocol by which editors, the simulation service and
+/// simulation devices talk over TCP. Both ends are of this class: every command
+/// has a slot that sends it and a signal that tells of its arrival.
+///
+/// Lives on the thread of the socket's event loop. Signals come from the event
+/// loop, never out of a read or a send; the object may be deleted in a slot on
+/// one of them. Commands that are unknown, incomplete or broken are traced and
+/// passed over. What cannot be parsed as a stream of documents is traced once
+/// and ends the reading until the next connection or setSocket().
+///
+/// Texts that are sent lose the characters that XML forbids.
+class SIMULATIONDATA_EXPORT SimulationServiceCommunication : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `a_pSocket` may be null, see setSocket(). There is no parent.
+    explicit SimulationServiceCommunication(QTcpSocket* a_pSocket);
+    ~SimulationServiceCommunication() override;
+
+    /// Talks over that socket from now on; it is not owned and may die first.
+    ///
+    /// Null ends the talk: nothing is received any more, not even commands that
+    /// have arrived and wait for the event loop, and what is sent goes nowhere.
+    /// The socket in use begins afresh. Another socket takes the sending over,
+    /// while the earlier one is still listened to; set null between to end it.
+    ///
+    /// When the socket connects anew, a half command of the old connection is
+    /// forgotten: it may be set once for all its connections.
+    void setSocket(QTcpSocket* a_pSocket);
+
+    /// Null also when it has died.
+    [[nodiscard]] QTcpSocket* socket() const;
+
+    /// Whether scenarios, deployments and device descriptors are compressed:
+    /// true at first. Both ends must agree, for the commands do not tell.
+    /// Without compression only Latin-1 text without control characters arrives
+    /// as it was.
+    void setCompression(bool a_bOn) { m_bCompression = a_bOn; }
+
+    /// Whether a command could not be handed to the socket whole since it was
+    /// set or has connected: the peer does not read, is gone, or would refuse
+    /// the command for its size. It lacks that command, so drop it.
+    [[nodiscard]] bool hasLostCommands() const { return m_bLostCommands; }
+
+    /// The text by which the service confirms a device, 28 characters: made
+    /// from its id, machine, machine id and type. The device compares it with
+    /// its own.
+    [[nodiscard]] static QString createConfirmation(const SimulationDeviceConfiguration& a_device);
+
+    // The order of signals and slots is part of the interface: keep it.
+Q_SIGNALS:
+    void registerSimulationDevice(const QString& a_sId, const SimulationDeviceConfiguration& a_device);
+    void simulationDeviceStateUpdate(const QString& a_sId, const SimulationDeviceState& a_state);
+    void unregisterSimulationDevice(const QString& a_sId);
+
+    /// The descriptor is empty when it could not be decompressed, and so are a
+    /// scenario and a deployment.
+    void addJxDevice(const QString& a_sDeviceId, const QByteArray& a_jxDefinition);
+    void removeJxDevice(const QString& a_sDeviceId);
+
+    /// The confirmation is as received: compare it with createConfirmation().
+    void acceptSimulationDevice(const QString& a_sId, const QString& a_sConfirmation);
+    void loadScenario(const QByteArray& a_scenarioData);
+    void unloadScenario();
+    void loadDeployment(const QByteArray& a_deploymentData);
+
+    /// At the timestamp (us since 1970) the scenario time is the given one (ms).
+    void startScenario(quint64 a_uiTimestamp, uint a_uiScenarioTime);
+    void pauseScenario(uint a_uiScenarioTime);
+    void stopScenario();
+    void testModeOn(bool a_bOn);
+
+    /// Fields that a device's record lacks have the values of a default one.
+    void responseSimulationDevices(const QVector<SimulationDeviceConfiguration>& a_devices);
+    void commandAcquireServer();
+    void commandReleaseServer();
+    void commandRequestSimulationDevices();
+
+public Q_SLOTS:
+    void sendRegisterSimulationDevice(const QString& a_sId, const SimulationDeviceConfiguration& a_device);
+    void sendSimulationDeviceStateUpdate(const QString& a_sId, const SimulationDeviceState& a_state);
+    void sendUnregisterSimulationDevice(const QString& a_sId);
+    void sendAddJxDevice(const QString& a_sDeviceId, const QByteArray& a_jxDefinition);
+    void sendRemoveJxDevice(const QString& a_sDeviceId);
+    void sendAcceptSimulationDevice(const QString& a_sId, const QString& a_sConfirmation);
+    void sendLoadScenario(const QByteArray& a_scenarioData);
+    void sendUnloadScenario();
+    void sendLoadDeployment(const QByteArray& a_deploymentData);
+    void sendStartScenario(quint64 a_uiTimestamp, uint a_uiScenarioTime);
+    void sendPauseScenario(uint a_uiScenarioTime);
+    void sendStopScenario();
+    void sendTestModeOn(bool a_bOn);
+    void sendResponseSimulationDevices(const QVector<SimulationDeviceConfiguration>& a_devices);
+    void sendCommandAcquireServer();
+    void sendCommandReleaseServer();
+    void sendCommandRequestSimulationDevices();
+
+private Q_SLOTS:
+    // The names of these parameters are part of the interface.
+    // NOLINTBEGIN(readability-identifier-naming)
+    void slotXmlReceived(const QByteArray& Xml);
+    void slotErrorOccured(const QString& sErrorString);
+    // NOLINTEND(readability-identifier-naming)
+
+private:
+    void dropSeparator();
+    void sendCommand(const XmlElement& a_command);
+    void sendPayload(XmlElement a_command, const QString& a_sName, const QByteArray& a_data);
+
+    QPointer<QTcpSocket> m_pSocket;
+    XmlSeparator* m_pSeparator = nullptr; ///< child
+    bool m_bCompression = true;
+    bool m_bLostCommands = false;
+};
+
+} // namespace Simulation
+
+#endif

@@ -1,0 +1,74 @@
+#ifndef SIMULATIONDATA_TCPSERVERCONNECTOR_H
+#define SIMULATIONDATA_TCPSERVERCONNECTOR_H
+
+#include "simulationdata/simulationdata_export.h"
+
+#include <QObject>
+#include <QString>
+
+class QTcpSocket;
+
+namespace Simulation {
+
+/// Keeps a client's TCP connection to the simulation service: every failed
+/// attempt and every loss is followed by a new attempt at once, without pause
+/// and without end. Whoever wants it to stop deletes the connector.
+///
+/// Lives on the thread of the event loop that owns it. It may be deleted in a
+/// slot on its own signals. A new connector waits for connectToServer().
+class SIMULATIONDATA_EXPORT TcpServerConnector : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Host and port divided by a colon, as in "localhost:4000"; what follows a
+    /// second colon is not looked at. Port 0 when there is none or it is no
+    /// number of 16 bits.
+    explicit TcpServerConnector(const QString& a_sServer);
+    TcpServerConnector(const QString& a_sHost, unsigned short a_uiPort);
+
+    /// Closes the connection; what was not sent yet is lost.
+    ~TcpServerConnector() override;
+
+    [[nodiscard]] bool isConnected() const;
+
+    /// The socket, the same one through all connections; the connector owns it.
+    [[nodiscard]] QTcpSocket* socket() { return m_pSocket; }
+
+Q_SIGNALS:
+    void connectedToServer();
+
+    /// A new attempt follows.
+    void disconnectedFromServer();
+
+public Q_SLOTS:
+    /// Starts an attempt from the event loop, unless the socket is connected or
+    /// about to be. A connection of the socket with itself, which attempts on a
+    /// local port that nobody listens on can end in, is a failed attempt.
+    void connectToServer();
+
+    /// Closes the connection, after which a new attempt follows.
+    void disconnectFromServer();
+
+private Q_SLOTS:
+    void slotConnected();
+    void slotError();
+    void slotDisconnected();
+    void slotStartConnection();
+
+private:
+    [[nodiscard]] QString tryText() const;
+    void queueStart();
+    bool emitGuarded(void (TcpServerConnector::*a_pSignal)());
+
+    QString m_sHost;
+    unsigned short m_uiPort = 0;
+    QTcpSocket* m_pSocket = nullptr; ///< child
+    bool m_bStartQueued = false;
+    bool m_bAnnounced = false; ///< connectedToServer() was the last signal
+    bool m_bEmitting = false;  ///< from inside a signal of the socket
+};
+
+} // namespace Simulation
+
+#endif

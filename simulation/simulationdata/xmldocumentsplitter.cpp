@@ -1,0 +1,211 @@
+#include "xmldocumentsplitter_p.h"
+
+#include "xmlencoding_p.h"
+
+#include <QStringConverter>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace Simulation {
+
+namespace {
+
+/// What the reader is given at once. It decodes all of it first, which is
+/// fastest as long as the result stays in the processor's cache.
+constexpr std::int64_t s_iPieceBytes = 16'384;
+
+/// Before it has so many, the reader says nothing.
+constexpr qsizetype s_iReaderBytes = 4;
+
+/// Whether no text of one-byte units begins like this: marks of wide encodings
+/// and the zeros of their first character.
+bool isWide(QByteArrayView a_start)
+{
+    constexpr QByteArrayView marks("\xFE\xFF");
+    return (!a_start.isEmpty() && (a_start[0] == 0 || marks.contains(a_start[0]))) ||
+           (a_start.size() > 1 && a_start[1] == 0);
+}
+
+/// How many bytes at the end mean nothing without the next: the beginning of a
+/// character of UTF-8, or brackets that may belong to "]]>", which the reader
+/// only notices as a whole.
+qsizetype unfinishedBytes(QByteArrayView a_bytes)
+{
+    constexpr unsigned char leads[] = {0x80, 0xC0, 0xE0, 0xF0}; // from here on longer than the index
+    if (a_bytes.endsWith(']')) {
+        return a_bytes.endsWith("]]") ? 2 : 1;
+    }
+    for (qsizetype i = 1; i < std::ssize(leads) && i <= a_bytes.size(); ++i) {
+        const auto ucByte = static_cast<unsigned char>(a_bytes[a_bytes.size() - i]);
+        if (ucByte >= leads[i]) {
+            return i;
+        }
+        if (ucByte < leads[0] || ucByte >= leads[1]) {
+            return 0;
+        }
+    }
+    return 0;
+}
+
+/// The first bytes that are UTF-8.
+QByteArrayView utf8Part(QByteArrayView a_bytes)
+{
+    if (a_bytes.isValidUtf8()) {
+        return a_bytes;
+    }
+    qsizetype i = 0;
+    for (int iLength = 1; iLength > 0; i += iLength) {
+        iLength = firstUtf8Character(a_bytes.sliced(i)).length;
+    }
+    return a_bytes.first(i);
+}
+
+/// Whether the bytes are well formed wherever an element may have text, apart
+/// from the inside of a reference.
+bool isPlainText(QByteArrayView a_bytes)
+{
+    constexpr unsigned char ucFirstPrintable = 0x20;
+    constexpr unsigned char ucFirstNonAscii = 0x80;
+    return std::all_of(a_bytes.begin(), a_bytes.end(), [](char a_cByte) {
+        const auto ucByte = static_cast<unsigned char>(a_cByte);
+        const bool bPrintable = ucByte >= ucFirstPrintable && ucByte < ucFirstNonAscii;
+        return (bPrintable || a_cByte == '\n' || a_cByte == '\r' || a_cByte == '\t') && a_cByte != '<' &&
+               a_cByte != '&' && a_cByte != ']';
+    });
+}
+
+} // namespace
+
+std::optional<QByteArray> XmlDocumentSplitter::takeDocument()
+{
+    while (m_sFault.isEmpty() && scan()) {
+        const qsizetype iParsable = m_scanner.parsableBytes() - m_document.size();
+        if (iParsable > 0 && !parse(iParsable)) {
+            break;
+        }
+        if (m_scanner.hasOffence()) {
+            fail(m_scanner.offence().reason);
+        } else if (m_scanner.isDocumentComplete()) {
+            QByteArray document = std::exchange(m_document, {});
+            startDocument();
+            return document;
+        }
+    }
+    return std::nullopt;
+}
+
+/// False when there is nothing to scan.
+bool XmlDocumentSplitter::scan()
+{
+    if (m_document.isEmpty()) {
+        skipBlanks();
+    }
+    const QByteArrayView rest = m_buffer.bytes().sliced(m_scanner.bytes() - m_document.size());
+    if (rest.isEmpty()) {
+        return false;
+    }
+    const auto uiMost = static_cast<std::uint64_t>(s_iPieceBytes);
+    const auto uiScanned = static_cast<std::uint64_t>(m_scanner.bytes());
+    const std::uint64_t uiLimit = Limits::value(Limits::DocumentBytes);
+    if (uiScanned >= uiLimit) {
+        return fail(Limits::exceeded(Limits::DocumentBytes));
+    }
+    const auto iAllowed = static_cast<qsizetype>(std::min(uiLimit - uiScanned, uiMost));
+    const QByteArrayView piece = rest.first(std::min(rest.size(), iAllowed));
+    // The reader would hold a long text as a whole, in twice the memory.
+    const bool bSkip = m_scanner.isInContent() && m_scanner.bytes() == m_document.size() &&
+                       m_document.size() >= s_iReaderBytes && !m_bInReference && isPlainText(piece);
+    m_scanner.feedDocument(piece);
+    if (bSkip) {
+        m_document.append(m_buffer.take(piece.size()));
+    }
+    return true;
+}
+
+void XmlDocumentSplitter::skipBlanks()
+{
+    constexpr QByteArrayView blanks(" \n\r\t");
+    const QByteArrayView bytes = m_buffer.bytes();
+    const auto it =
+        std::find_if_not(bytes.begin(), bytes.end(), [&](char a_cByte) { return blanks.contains(a_cByte); });
+    m_buffer.skip(it - bytes.begin());
+}
+
+bool XmlDocumentSplitter::parse(qsizetype a_iBytes)
+{
+    const QByteArray piece = m_buffer.take(a_iBytes - unfinishedBytes(m_buffer.bytes().first(a_iBytes)));
+    m_document.append(piece);
+    const qsizetype iReference = piece.lastIndexOf('&');
+    const qsizetype iReferenceEnd = piece.lastIndexOf(';');
+    if (iReference != iReferenceEnd) { // in text, at least
+        m_bInReference = iReference > iReferenceEnd;
+    }
+    if (isWide(m_document)) {
+        return fail(QStringLiteral("The document is neither UTF-8 nor any other text of single bytes."));
+    }
+    // The reader decodes all that it is given before it looks at any of it, and
+    // waits for ever behind bytes that it cannot decode.
+    const qsizetype iDecodable = m_bLatin1 ? piece.size() : utf8Part(piece).size();
+    QString sFault = readerFault(piece.left(iDecodable));
+    if (sFault.isEmpty() && m_bLatin1 && iDecodable < piece.size()) {
+        sFault = readerFault(piece.sliced(iDecodable));
+    } else if (sFault.isEmpty() &&
+               (iDecodable < piece.size() || m_reader->isEndDocument() != m_scanner.isDocumentComplete())) {
+        sFault = QStringLiteral("Encountered incorrectly encoded content.");
+    }
+    return sFault.isEmpty() || fail(sFault);
+}
+
+QString XmlDocumentSplitter::readerFault(const QByteArray& a_piece)
+{
+    m_reader->addData(a_piece);
+    do { // an earlier want of more bytes still stands as an error here
+        m_reader->readNext();
+        if (m_reader->isStartDocument() && !adoptEncoding(m_reader->documentEncoding())) {
+            return QStringLiteral("Encoding %1 is unsupported in a stream of documents.")
+                .arg(m_reader->documentEncoding());
+        }
+    } while (!m_reader->hasError() && !m_reader->isEndDocument());
+    const bool bWaits = m_reader->error() == QXmlStreamReader::PrematureEndOfDocumentError;
+    return m_reader->hasError() && !bWaits ? m_reader->errorString() : QString();
+}
+
+/// Whether the bytes of tags mean tags in that encoding, and no others do.
+bool XmlDocumentSplitter::adoptEncoding(QStringView a_sDeclared)
+{
+    const QByteArray name = a_sDeclared.toLatin1();
+    const auto eEncoding = QStringConverter::encodingForName(name.constData());
+    m_bDeclared = !name.isEmpty();
+    m_bLatin1 = eEncoding == QStringConverter::Latin1;
+    return !m_bDeclared || m_bLatin1 || eEncoding == QStringConverter::Utf8 ||
+           name.compare("US-ASCII", Qt::CaseInsensitive) == 0;
+}
+
+void XmlDocumentSplitter::startDocument()
+{
+    // A cleared reader would remember the encoding, and keep room for the text.
+    if (m_reader == nullptr || m_bDeclared || m_scanner.bytes() > s_iPieceBytes) {
+        m_reader = std::make_unique<QXmlStreamReader>();
+    } else {
+        m_reader->clear();
+    }
+    m_scanner.reset();
+    m_bDeclared = false;
+    m_bLatin1 = false;
+    m_bInReference = false;
+    // Our names carry no prefixes, and looking one up costs time in proportion
+    // to the declarations that a peer chooses to make.
+    m_reader->setNamespaceProcessing(false);
+}
+
+/// Always false. What was read is dropped: a peer should not make us keep it.
+bool XmlDocumentSplitter::fail(QString a_sFault)
+{
+    clear();
+    m_sFault = std::move(a_sFault);
+    return false;
+}
+
+} // namespace Simulation

@@ -1,0 +1,477 @@
+#include "kpbase/errorhandler.h"
+#include "simulationdata/boundedinflate_p.h"
+#include "simulationdata/limits.h"
+#include "simulationdata/xmlseparator_p.h"
+
+#include <QMetaMethod>
+#include <QTcpSocket>
+#include <QtEndian>
+#include <QTest>
+
+#include <algorithm>
+#include <cstring>
+#include <ctime>
+#include <memory>
+
+using namespace Simulation;
+
+class TestXmlSeparator : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { ErrorHandler::Instance().setTraceMask(0); }
+    void cleanup();
+    void metaObject();
+    void documents_data();
+    void documents();
+    void longStretches();
+    void errors_data();
+    void errors();
+    void millionLevels();
+    void pausing();
+    void lifetimes();
+    void framings_data();
+    void framings();
+    void compression();
+    void frameErrors();
+    void pausedBetweenFrames();
+    void sending();
+    void inflating();
+};
+
+namespace {
+
+constexpr qsizetype s_iMebi = 1'048'576;
+
+/// What arrives and how much is taken is the test's to say.
+class ScriptedDevice : public QIODevice
+{
+public:
+    ScriptedDevice() { open(QIODevice::ReadWrite | QIODevice::Unbuffered); }
+
+    [[nodiscard]] bool isSequential() const override { return true; }
+    [[nodiscard]] qint64 bytesAvailable() const override { return m_incoming.size(); }
+    [[nodiscard]] qint64 bytesToWrite() const override { return m_iPending; }
+
+    void arrive(const QByteArray& a_bytes)
+    {
+        m_incoming += a_bytes;
+        Q_EMIT readyRead();
+    }
+
+    QByteArray m_incoming;
+    QByteArray m_written;
+    qint64 m_iPending = 0;
+    qint64 m_iAccepted = s_iMebi; ///< bytes that one write takes
+
+protected:
+    qint64 readData(char* a_pData, qint64 a_iMost) override
+    {
+        const qsizetype iBytes = std::min<qint64>(a_iMost, m_incoming.size());
+        std::memcpy(a_pData, m_incoming.constData(), static_cast<std::size_t>(iBytes));
+        m_incoming.remove(0, iBytes);
+        return iBytes;
+    }
+    qint64 writeData(const char* a_pData, qint64 a_iBytes) override
+    {
+        const qint64 iBytes = std::min(a_iBytes, m_iAccepted);
+        m_written.append(a_pData, iBytes);
+        return iBytes;
+    }
+};
+
+struct Peer
+{
+    explicit Peer(XmlSeparator::FramingMode a_eMode = XmlSeparator::PlainXml)
+        : separator(&device, a_eMode, nullptr)
+    {
+        QObject::connect(&separator, &XmlSeparator::xmlReceived, &separator,
+                         [this](const QByteArray& a_xml) { documents += a_xml; });
+        QObject::connect(&separator, &XmlSeparator::errorOccured, &separator,
+                         [this](const QString& a_sError) { errors += a_sError; });
+    }
+
+    void arrive(const QByteArray& a_bytes, qsizetype a_iSegment = s_iMebi)
+    {
+        for (qsizetype i = 0; i < a_bytes.size(); i += a_iSegment) {
+            device.arrive(a_bytes.mid(i, a_iSegment));
+        }
+        QCoreApplication::processEvents();
+    }
+
+    ScriptedDevice device;
+    XmlSeparator separator;
+    QByteArrayList documents;
+    QStringList errors;
+};
+
+QByteArray bigEndian(qsizetype a_iLength)
+{
+    const auto uiLength = qToBigEndian(static_cast<quint32>(a_iLength));
+    return {reinterpret_cast<const char*>(&uiLength), sizeof uiLength};
+}
+
+QByteArray frame(const QByteArray& a_payload, XmlSeparator::FramingMode a_eMode)
+{
+    QByteArray length = bigEndian(a_payload.size());
+    if (a_eMode == XmlSeparator::LengthPrefixedLittleEndian) {
+        std::reverse(length.begin(), length.end());
+    }
+    return length + a_payload;
+}
+
+/// The compressed form with a length that its writer claims.
+QByteArray claiming(qsizetype a_iLength, const QByteArray& a_content)
+{
+    return bigEndian(a_iLength) + qCompress(a_content).sliced(4);
+}
+
+} // namespace
+
+void TestXmlSeparator::cleanup()
+{
+    for (int i = 0; i < Limits::LimitCount; ++i) {
+        Limits::setValue(static_cast<Limits::Limit>(i), 0);
+    }
+}
+
+void TestXmlSeparator::metaObject()
+{
+    const QMetaObject& meta = XmlSeparator::staticMetaObject;
+    QCOMPARE(meta.className(), "XmlSeparator");
+    QByteArray methods;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        methods += meta.method(i).methodSignature() + meta.method(i).parameterNames().join() + ' ';
+    }
+    QCOMPARE(methods, QByteArray("xmlReceived(QByteArray)Xml errorOccured(QString)sErrorString "
+                                 "queued_xmlReceived(QByteArray)Xml sendXml(QByteArray)Xml "
+                                 "setEnabled(bool)bEnabled setDisabled(bool)bDisabled "
+                                 "pause() resume() reset() readNewData() "));
+}
+
+void TestXmlSeparator::documents_data()
+{
+    QTest::addColumn<QByteArrayList>("parts"); // documents at odd places, what is between them at even ones
+    const auto row = [](const char* a_szRow, const QByteArrayList& a_parts) {
+        QTest::newRow(a_szRow) << a_parts;
+    };
+    row("one", {"", "<a>x</a>"});
+    row("back to back", {"", "<a/>", "", "<b></b>", "", "<?xml version=\"1.0\"?><c d='/>'/>", "\n"});
+    row("blanks between and inside", {"\r\n\t ", "<a> \n<b/>\t</a>", "\n\n", "<c/>", " "});
+    row("UTF-8", {"", "<\xC3\xA4 b='\xE2\x82\xAC'>\xF0\x9F\x93\xA1</\xC3\xA4>", "\n", "<a>\xC3\xBC</a>"});
+    row("marks", {"", "\xEF\xBB\xBF<a>\xC3\xBC</a>", " ", "\xEF\xBB\xBF\n<b/>", "", "<c/>"});
+    row("declared Latin-1",
+        {"", "<?xml version='1.0' encoding='ISO-8859-1'?><a>\xFC</a>", "", "<a>\xC3\xBC</a>"});
+    row("tags in comments", {"", "<!-- <a> --><a><!-- </a> ->--></a>", "", "<b><!----></b>"});
+    row("tags in sections", {"", "<a><![CDATA[</a>]]]]></a>", "", "<a><![CDATA[]]>]&gt;</a>"});
+    row("tags in instructions", {"", "<a><?p </a>?></a>", "\n", "<?p <b>? ?><a/>"});
+    row("tags in values", {"", "<a b='/>' c=\"'>\"></a >", "", "<b c='a/'/>"});
+    row("document type", {"", "<!DOCTYPE a [<!ELEMENT a ANY><!-- ]> -->]><a/>", "", "<b/>"});
+    row("references", {"", "<a b='&lt;'>&#60;/a&#x3E;&amp;</a>"});
+}
+
+void TestXmlSeparator::documents()
+{
+    QFETCH(QByteArrayList, parts);
+    QByteArrayList expected;
+    for (qsizetype i = 1; i < parts.size(); i += 2) {
+        expected += parts[i];
+    }
+    const QByteArray stream = parts.join();
+    for (qsizetype i = 0; i <= stream.size(); ++i) {
+        Peer peer;
+        peer.arrive(stream.first(i));
+        peer.arrive(stream.sliced(i));
+        QCOMPARE(peer.errors, QStringList());
+        QCOMPARE(peer.documents, expected);
+    }
+    for (const qsizetype iSegment : {1, 3}) {
+        Peer peer;
+        peer.arrive(stream.repeated(2), iSegment);
+        QCOMPARE(peer.errors, QStringList());
+        QCOMPARE(peer.documents, expected + expected);
+    }
+}
+
+/// What is four times as long takes four times the work, one byte at a time;
+/// it would be sixteen times if every byte were to look at all before it.
+void TestXmlSeparator::longStretches()
+{
+    constexpr qsizetype iShort = 32'768;
+    constexpr double dMostGrowth = 10.0;
+    const auto ticks = [](const QByteArray& a_document) {
+        Peer peer;
+        const std::clock_t start = std::clock();
+        peer.arrive(a_document, 1);
+        const std::clock_t stop = std::clock();
+        return peer.documents == QByteArrayList{a_document} ? static_cast<double>(stop - start) : -1.0;
+    };
+    for (const QByteArray form :
+         {"<a>%</a>", "<a b='%'/>", "<a><!--%--></a>", "<a><![CDATA[%]]></a>", "<a><?p %?></a>"}) {
+        const double dShort = ticks(QByteArray(form).replace('%', QByteArray(iShort, 'x')));
+        const double dLong = ticks(QByteArray(form).replace('%', QByteArray(4 * iShort, 'x')));
+        QVERIFY2(dShort > 0.0 && dLong > 0.0 && dLong < dMostGrowth * dShort, form.constData());
+    }
+}
+
+void TestXmlSeparator::errors_data()
+{
+    QTest::addColumn<QByteArray>("stream");
+    QTest::addColumn<QString>("error"); // empty: what a stream reader says
+    const auto row = [](const char* a_szRow, const QByteArray& a_stream, const QString& a_sError = {}) {
+        QTest::newRow(a_szRow) << a_stream << a_sError;
+    };
+    row("garbage", "hello world");
+    row("zeros", QByteArray("<a>\0</a>", 8));
+    row("stray end tag", "</a>");
+    row("comment with dashes", "<a><!-- -- --></a>");
+    row("end of a section", "<a>]]></a>");
+    row("unknown entity", "<a>&b;</a>");
+    row("unknown encoding", "<?xml version='1.0' encoding='none'?><a/>");
+    row("fault before the limits", "<a b='1'c='2'>" + QByteArray("<b>").repeated(8));
+
+    const QString sWide = QStringLiteral("The document is neither UTF-8 nor any other text of single bytes.");
+    const QString sUndecoded = QStringLiteral("Encountered incorrectly encoded content.");
+    row("UTF-16 with a mark", QByteArray("\xFF\xFE<\0a\0", 6), sWide);
+    row("UTF-16 the other way round", QByteArray("\0<\0a", 4), sWide);
+    row("UTF-16 without a mark", QByteArray("<\0a\0", 4), sWide);
+    row("tags in another encoding", "<?xml version='1.0' encoding='UTF-7'?><a>+ADw-/a+AD4-</a>",
+        QStringLiteral("Encoding UTF-7 is unsupported in a stream of documents."));
+    row("invalid UTF-8", "<a>\xC3(", sUndecoded);
+    row("not in its encoding", "<?xml version='1.0' encoding='US-ASCII'?><a>\xFC</a>", sUndecoded);
+
+    const auto beyond = [&](const char* a_szRow, const QByteArray& a_stream, const char* a_szLimit) {
+        row(a_szRow, a_stream, QLatin1String(a_szLimit) + QStringLiteral(" exceeded"));
+    };
+    beyond("levels", QByteArray("<a>").repeated(s_iMebi), "nesting depth limit of 6");
+    beyond("attributes", "<a" + QByteArray(" b='1'").repeated(4097),
+           "attributes of one element limit of 4096");
+    beyond("elements", "<a>" + QByteArray("<b/>").repeated(20), "elements of a record limit of 20");
+    beyond("text", "<a>" + QByteArray(40'000, 'x'), "document bytes limit of 30000");
+    beyond("comment", "<a><!--" + QByteArray(40'000, '-'), "document bytes limit of 30000");
+    beyond("declaration", "<!DOCTYPE a [" + QByteArray(5000, ' '), "bytes of a document type limit of 4096");
+    beyond("entities", "<!DOCTYPE a [<!ENTITY b 'b'>]><a/>", "entity declarations limit of 0");
+}
+
+void TestXmlSeparator::errors()
+{
+    Limits::setValue(Limits::NestingDepth, 6);
+    Limits::setValue(Limits::RecordElements, 20);
+    Limits::setValue(Limits::DocumentBytes, 30'000);
+    QFETCH(QByteArray, stream);
+    QFETCH(QString, error);
+    if (error.isEmpty()) {
+        QXmlStreamReader reader(stream);
+        while (!reader.atEnd()) {
+            reader.readNext();
+        }
+        error = reader.errorString();
+    }
+    for (const qsizetype iSegment : {s_iMebi, qsizetype{1}}) {
+        Peer peer;
+        peer.arrive("<a/><b/>\n" + stream.first(std::min<qsizetype>(stream.size(), 50'000)), iSegment);
+        QCOMPARE(peer.documents, QByteArrayList({"<a/>", "<b/>"}));
+        QCOMPARE(peer.errors, QStringList(error));
+
+        peer.device.m_incoming.clear();
+        peer.arrive("<c/>");
+        QCOMPARE(peer.errors.size(), 1);
+        peer.separator.resume();
+        QCOMPARE(peer.errors, QStringList({error, error}));
+        QCOMPARE(peer.device.m_incoming, QByteArray("<c/>"));
+
+        peer.separator.reset();
+        peer.arrive("<d/>");
+        QCOMPARE(peer.errors.size(), 2);
+        QCOMPARE(peer.documents.mid(2), QByteArrayList({"<c/>", "<d/>"}));
+    }
+}
+
+void TestXmlSeparator::millionLevels()
+{
+    Limits::setValue(Limits::NestingDepth, s_iMebi);
+    Limits::setValue(Limits::RecordElements, s_iMebi);
+    Peer peer;
+    peer.arrive(QByteArray("<a>").repeated(s_iMebi) + QByteArray("</a>").repeated(s_iMebi), 1000);
+    QCOMPARE(peer.documents.value(0).size(), 7 * s_iMebi);
+}
+
+void TestXmlSeparator::pausing()
+{
+    Peer peer;
+    peer.arrive("<a>");
+    peer.separator.pause();
+    peer.arrive("</a><b/>");
+    QCOMPARE(peer.device.m_incoming, QByteArray("</a><b/>"));
+    peer.separator.resume();
+    QCOMPARE(peer.documents, QByteArrayList()); // never from inside the call
+    QCoreApplication::processEvents();
+    QCOMPARE(peer.documents, QByteArrayList({"<a></a>", "<b/>"}));
+    peer.separator.resume();
+    peer.separator.setDisabled(true);
+    peer.arrive("<c/>");
+    peer.separator.setEnabled(false);
+    QCOMPARE(peer.documents.size(), 2);
+    peer.separator.setDisabled(false);
+    peer.arrive("<d>");
+    QCOMPARE(peer.documents.size(), 3);
+    peer.separator.pause();
+    peer.arrive("<e/>");
+    peer.separator.reset(); // half a document is forgotten, and a silent device asked
+    QTRY_COMPARE(peer.documents.last(), QByteArray("<e/>"));
+
+    QTcpSocket socket;
+    const XmlSeparator onSocket(&socket, nullptr);
+    QCOMPARE(socket.readBufferSize(), qint64{s_iMebi}); // a peer is not to fill it while paused
+}
+
+void TestXmlSeparator::lifetimes()
+{
+    Peer resumed;
+    connect(&resumed.separator, &XmlSeparator::errorOccured, &resumed.separator, &XmlSeparator::resume);
+    resumed.arrive("garbage");
+    QCOMPARE(resumed.errors.size(), 1);
+
+    auto device = std::make_unique<ScriptedDevice>();
+    auto separator = std::make_unique<XmlSeparator>(device.get(), nullptr);
+    connect(separator.get(), &XmlSeparator::errorOccured, this, [&] { separator.reset(); });
+    device->arrive("</a><a/>");
+    QVERIFY(separator == nullptr);
+
+    separator = std::make_unique<XmlSeparator>(device.get(), nullptr);
+    device->arrive("<a>");
+    device.reset();
+    separator->resume();
+    separator->reset();
+    QVERIFY(!separator->sendXml("<a/>"));
+}
+
+void TestXmlSeparator::framings_data()
+{
+    QTest::addColumn<XmlSeparator::FramingMode>("framing");
+    QTest::newRow("plain") << XmlSeparator::PlainXml;
+    QTest::newRow("big endian") << XmlSeparator::LengthPrefixedBigEndian;
+    QTest::newRow("little endian") << XmlSeparator::LengthPrefixedLittleEndian;
+}
+
+void TestXmlSeparator::framings()
+{
+    QFETCH(XmlSeparator::FramingMode, framing);
+    const QByteArrayList documents{"<a/>", "<b>" + QByteArray(300, 'x') + "</b>", "<c>\n</c>"};
+    QByteArray stream;
+    for (const QByteArray& document : documents) {
+        stream += framing == XmlSeparator::PlainXml ? document : frame(document, framing);
+    }
+    for (const auto eOurs : {framing, XmlSeparator::AutoDetect}) {
+        for (qsizetype i = 0; i <= stream.size(); ++i) {
+            Peer peer(eOurs);
+            QCOMPARE(peer.separator.sendXml("<a/>"), eOurs != XmlSeparator::AutoDetect);
+            peer.arrive(stream.first(i), i == stream.size() ? 1 : s_iMebi);
+            peer.arrive(stream.sliced(i));
+            QTRY_COMPARE(peer.documents, documents);
+            peer.device.m_written.clear();
+            QVERIFY(peer.separator.sendXml("<a/>"));
+            QCOMPARE(peer.device.m_written, stream.first(peer.device.m_written.size()));
+        }
+    }
+}
+
+void TestXmlSeparator::compression()
+{
+    constexpr auto eMode = XmlSeparator::LengthPrefixedLittleEndian;
+    const QByteArray document = "<a>" + QByteArray(300, 'x') + "</a>";
+    Peer peer(eMode);
+    peer.separator.setCompressOutgoing(true);
+    peer.separator.setCompressionLevel(9);
+    peer.arrive(frame(qCompress(document), eMode));
+    QCOMPARE(peer.documents.last(), document);
+    QVERIFY(peer.separator.sendXml(document));
+    QCOMPARE(peer.device.m_written, frame(qCompress(document, 9), eMode));
+
+    // What does not inflate counts as not compressed, and is the last that is tried.
+    for (const QByteArray& payload : {qCompress(document).chopped(1), qCompress(document), QByteArray()}) {
+        peer.arrive(frame(payload, eMode));
+        QCOMPARE(peer.documents.last(), payload);
+    }
+    peer.device.m_written.clear();
+    QVERIFY(peer.separator.sendXml(document));
+    QCOMPARE(peer.device.m_written, frame(document, eMode));
+}
+
+void TestXmlSeparator::frameErrors()
+{
+    constexpr auto eMode = XmlSeparator::LengthPrefixedBigEndian;
+    Limits::setValue(Limits::DocumentBytes, 4096);
+    Limits::setValue(Limits::InflatedBytes, s_iMebi - 1);
+    const QString sTooLong = QStringLiteral("document bytes limit of 4096 exceeded");
+    const QString sBomb = QStringLiteral("inflated bytes limit of 1048575 exceeded");
+    const std::pair<QByteArray, QString> cases[] = {{"\xFF\xFF\xFF\xFF", sTooLong},
+                                                    {QByteArray("\0\0\x10\x01", 4), sTooLong},
+                                                    {frame(qCompress(QByteArray(s_iMebi, 0)), eMode), sBomb}};
+    for (const auto& [stream, sError] : cases) {
+        Peer peer(eMode);
+        peer.arrive(stream);
+        QCOMPARE(peer.errors, QStringList(sError));
+        QCOMPARE(peer.documents, QByteArrayList());
+    }
+}
+
+void TestXmlSeparator::pausedBetweenFrames()
+{
+    constexpr auto eMode = XmlSeparator::LengthPrefixedBigEndian;
+    Peer peer(eMode);
+    peer.device.arrive(frame("<a/>", eMode) + frame("<b/>", eMode) + frame("<c/>", eMode));
+    peer.separator.pause();
+    QTest::qWait(10);
+    QCOMPARE(peer.documents, QByteArrayList({"<a/>"}));
+    peer.separator.resume();
+    QTRY_COMPARE(peer.documents, QByteArrayList({"<a/>", "<b/>", "<c/>"}));
+}
+
+void TestXmlSeparator::sending()
+{
+    Peer peer;
+    QVERIFY(peer.separator.sendXml("<a/>"));
+    QVERIFY(peer.separator.sendXml("<b/>"));
+    QCOMPARE(peer.device.m_written, QByteArray("<a/><b/>"));
+    Limits::setValue(Limits::PendingBytes, 100);
+    peer.device.m_iPending = 96;
+    QVERIFY(peer.separator.sendXml("<c/>"));
+    QVERIFY(!peer.separator.sendXml("<dd/>"));
+    QCOMPARE(peer.device.m_written, QByteArray("<a/><b/><c/>"));
+    peer.device.m_iPending = 0;
+    peer.device.m_iAccepted = 3;
+    QVERIFY(!peer.separator.sendXml("<e/>"));
+    peer.device.close();
+    QVERIFY(!peer.separator.sendXml("<f/>"));
+}
+
+void TestXmlSeparator::inflating()
+{
+    Limits::setValue(Limits::InflatedBytes, s_iMebi);
+    const QByteArray content = QByteArray("a content that varies ").repeated(10'000);
+    const QByteArray most(s_iMebi, 'm');
+    const QByteArray beyond = "inflated bytes limit of 1048576 exceeded";
+    const std::pair<QByteArray, QByteArray> cases[] = {
+        // and the content, or why there is none
+        {qCompress(QByteArray()), {}},
+        {qCompress(most), most},
+        {qCompress(most + "m"), beyond},
+        {claiming(0, content) + "more", content},
+        {claiming(0, QByteArray(64 * s_iMebi, 0)), beyond},
+        {claiming(0xFFFFFFFF, content), content},
+        {{}, "0 bytes are too few for a compressed content"},
+        {"<?xml version=\"1.0\"?><a/>", "the content is no zlib stream"},
+        {qCompress(content).chopped(4), "the zlib stream ends early, after 220000 bytes of content"},
+        {qCompress(content).chopped(1) + '!', "the zlib stream is damaged, after 220000 bytes of content"}};
+    for (const auto& [bytes, expected] : cases) {
+        QString sReason;
+        const auto inflated = inflateBounded(bytes, &sReason);
+        QCOMPARE(inflated.has_value(), sReason.isEmpty());
+        QCOMPARE(inflated.value_or(sReason.toUtf8()), expected);
+    }
+}
+
+QTEST_GUILESS_MAIN(TestXmlSeparator)
+#include "tst_xmlseparator.moc"
