@@ -2,6 +2,8 @@
 
 #include <QMessageLogger>
 
+#include <algorithm>
+
 Q_LOGGING_CATEGORY(lcSimulationTrace, "simulation.trace")
 
 ErrorHandler& ErrorHandler::Instance()
@@ -9,6 +11,19 @@ ErrorHandler& ErrorHandler::Instance()
     static ErrorHandler s_instance;
     return s_instance;
 }
+
+namespace {
+
+/// A message as one line: what names and files hold must not break it.
+QString oneLine(QString a_sMessage)
+{
+    std::replace_if(
+        a_sMessage.begin(), a_sMessage.end(),
+        [](QChar a_cUnit) { return a_cUnit.category() == QChar::Other_Control; }, QChar(QChar::Space));
+    return a_sMessage;
+}
+
+} // namespace
 
 // NOLINTNEXTLINE(bugprone-reserved-identifier)
 void _Q_Trace(const QString& a_sMessage, const char* a_szSource, int a_iLine)
@@ -20,5 +35,5 @@ void _Q_Trace(const QString& a_sMessage, const char* a_szSource, int a_iLine)
             .warning()
             .noquote()
             .nospace()
-        << a_sMessage << " (" << a_szSource << ':' << a_iLine << ')';
+        << oneLine(a_sMessage) << " (" << a_szSource << ':' << a_iLine << ')';
 }

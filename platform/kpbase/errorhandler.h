@@ -47,7 +47,7 @@ private:
 
 /// Writes one trace line to the logging category "simulation.trace", with the
 /// source name and line as its place. The mask is the caller's to ask: what is
-/// handed over here is written. `a_szSource` must outlive the call and name the
+/// handed over here is written, control characters as blanks. `a_szSource` must outlive the call and name the
 /// source file as "simulation/simulationdata/" and its base name.
 // The name is part of the base library's interface.
 // NOLINTNEXTLINE(bugprone-reserved-identifier)

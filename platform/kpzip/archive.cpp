@@ -27,6 +27,10 @@ constexpr std::uint64_t s_uiTracedEntries = 10;
 
 constexpr qsizetype s_iShownName = 100;
 
+/// Parts of a name; with deeper ones a small archive would make any number of
+/// folders.
+constexpr qsizetype s_iMaxDepth = 32;
+
 // The kinds of files in the upper half of an entry's attributes, as Unix has
 // them. 0 where the archive comes from elsewhere.
 constexpr std::uint32_t s_uiModeShift = 16;
@@ -110,6 +114,9 @@ QString nameProblem(const QString& a_sName)
     const QStringList parts = a_sName.split(QLatin1Char('/'));
     if (parts.contains(QStringLiteral(".."))) {
         return QStringLiteral("name leads out of the target folder");
+    }
+    if (parts.size() > s_iMaxDepth) {
+        return QStringLiteral("%1 folders deep").arg(parts.size() - 1);
     }
     // They would give one file a second name.
     return parts.contains(QString()) || parts.contains(QStringLiteral("."))

@@ -40,12 +40,18 @@ bool fail(const char* a_szWhat, const QString& a_sPath, const QString& a_sReason
     return false;
 }
 
-bool removeFile(const QString& a_sFile)
+/// Whether the folder holds a name that is no text of the system's encoding: we
+/// could neither see nor name it.
+bool hasForeignNames(const QString& a_sFolder)
 {
-    QFile file(a_sFile);
-    // On some platforms a link to a folder is removed as a folder is.
-    return file.remove() || (isLink(QFileInfo(a_sFile)) && QDir().rmdir(a_sFile)) ||
-           fail("remove", a_sFile, file.errorString());
+    std::error_code error;
+    std::filesystem::directory_iterator entry(nativePath(a_sFolder), error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        if (nativePath(QFile::decodeName(entry->path().c_str())) != entry->path()) {
+            return true;
+        }
+    }
+    return false;
 }
 
 /// Whether the path lies in the folder or is that folder, links followed; the
@@ -91,6 +97,9 @@ bool copyEntries(const QString& a_sFrom, const QString& a_sTo)
     if (!QDir(a_sFrom).isReadable()) {
         return fail("read folder", a_sFrom, QStringLiteral("not permitted"));
     }
+    if (hasForeignNames(a_sFrom)) {
+        return fail("copy", a_sFrom, QStringLiteral("a name in it is not of the system's encoding"));
+    }
     const QFileInfoList entries = entriesOf(a_sFrom);
     return std::all_of(entries.begin(), entries.end(), [&a_sTo](const QFileInfo& a_entry) {
         const QString sTo = QDir(a_sTo).filePath(a_entry.fileName());
@@ -105,33 +114,26 @@ bool copyEntries(const QString& a_sFrom, const QString& a_sTo)
     });
 }
 
-bool removeTree(const QString& a_sFolder)
-{
-    const QFileInfo folder(a_sFolder);
-    if (a_sFolder.isEmpty()) {
-        return true;
-    }
-    if (isLink(folder)) {
-        return removeFile(a_sFolder);
-    }
-    if (!folder.isDir()) {
-        return true;
-    }
-    const QFileInfoList entries = entriesOf(a_sFolder);
-    const bool bEmpty = std::all_of(entries.begin(), entries.end(), [](const QFileInfo& a_entry) {
-        const bool bFolder = a_entry.isDir() && !isLink(a_entry);
-        return bFolder ? removeTree(a_entry.filePath()) : removeFile(a_entry.filePath());
-    });
-    return bEmpty && (QDir().rmdir(a_sFolder) ||
-                      fail("remove", a_sFolder, QStringLiteral("not permitted, in use or not empty")));
-}
-
 } // namespace
 
 bool removeDir(const QString& a_sFolder)
 {
     // A slash behind the name of a link would open it.
-    return removeTree(QDir::cleanPath(resolvedStorePath(a_sFolder)));
+    const QString sFolder = QDir::cleanPath(resolvedStorePath(a_sFolder));
+    if (sFolder.isEmpty()) {
+        return true;
+    }
+    const std::filesystem::path folder = nativePath(sFolder);
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::symlink_status(folder, error);
+    const bool bHere = std::filesystem::is_directory(status) || std::filesystem::is_symlink(status);
+    if (bHere) {
+        // Links are removed as links, whatever they point to.
+        std::filesystem::remove_all(folder, error);
+    } else if (std::filesystem::exists(status) || status.type() == std::filesystem::file_type::not_found) {
+        error.clear();
+    }
+    return !error || fail("remove", sFolder, QString::fromLocal8Bit(error.message().c_str()));
 }
 
 bool copyDir(const QString& a_sFrom, const QString& a_sTo)

@@ -79,7 +79,7 @@ bool isCopyOfResource(const QString& a_sFile, const QString& a_sResource)
     QFile file(a_sFile);
     QFile resource(a_sResource);
     return QFileInfo(a_sFile).isFile() && file.open(QIODevice::ReadOnly) &&
-           resource.open(QIODevice::ReadOnly) && file.size() <= resource.size() &&
+           resource.open(QIODevice::ReadOnly) && file.size() > 0 && file.size() <= resource.size() &&
            resource.readAll().startsWith(file.readAll());
 }
 

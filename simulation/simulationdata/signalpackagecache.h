@@ -4,16 +4,16 @@
 #include "simulationdata/isignalpackageprovider.h"
 #include "simulationdata/simulationdata_export.h"
 
-#include <QList>
 #include <QReadWriteLock>
 #include <QString>
-#include <QStringList>
 
 #include <map>
 #include <memory>
 #include <vector>
 
 namespace Simulation {
+
+class PackageCacheFolder;
 
 /// The provider that resolves packages from disk. It keeps a flat cache folder
 /// in which every known package stands as files named after its cleaned id
@@ -36,7 +36,8 @@ public:
     SignalPackageCache(const SignalPackageCache&) = delete;
     SignalPackageCache& operator=(const SignalPackageCache&) = delete;
 
-    [[nodiscard]] QString cacheDir() const { return m_sCacheDir; }
+    /// Absolute; empty when none was given.
+    [[nodiscard]] QString cacheDir() const;
     [[nodiscard]] QString sourceDir() const { return m_sSourceDir; }
 
     /// Makes the folder if it is missing, unpacks the default package into it,
@@ -55,8 +56,8 @@ public:
 
     /// Removes the files of all packages from the cache folder and forgets the
     /// packages. The default package stays, and so does every file that the cache
-    /// did not make. No other process may update the folder meanwhile. A package whose files cannot be
-    /// removed stays after one trace. Readers that were handed out stay valid
+    /// did not make. A package whose files cannot be removed stays after one
+    /// trace. Readers that were handed out stay valid, and their files open,
     /// until deleteAllSignalpackages(), but the next lookup opens the file anew.
     void clearCache();
 
@@ -96,25 +97,9 @@ private:
     template<typename Reader>
     Reader* reader(Readers<Reader>& a_readers, const SignalPackage* a_pPackage, const char* a_szEnding);
 
-    // These want the write lock.
-    void clear();
-    [[nodiscard]] std::shared_ptr<SignalPackage> readPackage(const QString& a_sId) const;
+    void forget();
 
-    // These touch nothing but the file system.
-    void unpackDefaultPackage() const;
-    [[nodiscard]] static bool isOurDescriptor(const QString& a_sFile);
-    void removePackages() const;
-    [[nodiscard]] bool removeCachedFiles(const QString& a_sCleanId) const;
-    [[nodiscard]] static QStringList listSignalPackages(const QString& a_sFolder);
-    [[nodiscard]] static QList<SignalPackage> readPackages(const QStringList& a_folders);
-    [[nodiscard]] static SignalPackage readPackageFolder(const QString& a_sFolder);
-    void cacheDescriptors(const QList<SignalPackage>& a_packages) const;
-    void cacheDescriptor(const SignalPackage& a_package, const QString& a_sCleanId) const;
-    void cachePackage(const SignalPackage& a_package) const;
-    [[nodiscard]] static QString cleanId(const QString& a_sId);
-    [[nodiscard]] QString cachedFile(const QString& a_sCleanId, const char* a_szEnding) const;
-
-    const QString m_sCacheDir; ///< absolute; empty when none was given
+    const std::unique_ptr<PackageCacheFolder> m_folder;
     const QString m_sSourceDir;
     std::shared_ptr<SignalPackage> m_defaultPackage;
     std::map<QString, std::shared_ptr<SignalPackage>> m_packages; ///< by the id that was asked for

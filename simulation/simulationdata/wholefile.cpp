@@ -13,6 +13,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <system_error>
@@ -65,9 +66,24 @@ bool isAbandoned(const QString& a_sName)
     return match.hasMatch() && !isProcessAlive(match.captured(1).toLongLong());
 }
 
+/// All of the bytes: only a write that takes none tells why.
+bool writeAll(QFile& a_file, const char* a_pBytes, qint64 a_iBytes)
+{
+    while (a_iBytes > 0) {
+        const qint64 iWritten = a_file.write(a_pBytes, a_iBytes);
+        if (iWritten <= 0) {
+            return false;
+        }
+        a_pBytes += iWritten;
+        a_iBytes -= iWritten;
+    }
+    return true;
+}
+
 bool copyContents(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
 {
-    if (!QFileInfo(a_sFrom).isFile()) {
+    const QFileInfo info(a_sFrom);
+    if (!info.isFile()) {
         *a_pReason = QStringLiteral("is no regular file");
         return false;
     }
@@ -79,9 +95,12 @@ bool copyContents(const QString& a_sFrom, const QString& a_sTo, QString* a_pReas
     QFile to(a_sTo);
     bool bOk = to.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
     QByteArray buffer(s_iCopyBytes, Qt::Uninitialized);
+    // What is added meanwhile, without an end perhaps, does not belong to it.
+    qint64 iLeft = info.size();
     qint64 iRead = 0;
-    while (bOk && (iRead = from.read(buffer.data(), buffer.size())) > 0) {
-        bOk = to.write(buffer.constData(), iRead) == iRead;
+    while (bOk && (iRead = from.read(buffer.data(), std::min<qint64>(buffer.size(), iLeft))) > 0) {
+        iLeft -= iRead;
+        bOk = writeAll(to, buffer.constData(), iRead);
     }
     *a_pReason = iRead < 0 ? from.errorString() : to.errorString();
     return bOk && iRead == 0;

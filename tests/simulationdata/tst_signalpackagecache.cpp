@@ -23,6 +23,7 @@
 #include <vector>
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 using namespace Simulation;
 
@@ -123,6 +124,9 @@ private Q_SLOTS:
     void unusableFolders();
     void findsPackages();
     void supersededIds();
+    void usurpers();
+    void emptyFiles();
+    void lockOutOfReach();
     void packagesOfOneId();
     void tooManyUpdateIds();
     void unreadableDescriptor();
@@ -245,6 +249,48 @@ void TestSignalPackageCache::supersededIds()
     }
 }
 
+// A package cannot take the id of one that is newer, nor the names of the
+// default package's files.
+void TestSignalPackageCache::usurpers()
+{
+    const Folders folders;
+    folders.addPackage("new", u8("new"), {}, "new", 9);
+    folders.addPackage("old", u8("old"), {u8("new"), u8("Signal")}, "old", 1);
+    folders.addPackage("signal", u8("Signal"), {}, "foreign");
+    QVERIFY(QFile::copy(folders.repository() + u8("/signal/Signal.ssf"),
+                        folders.repository() + u8("/signal/Signal.sdf")));
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    cache.updateCache(folders.repository(), false);
+    QCOMPARE(cache.signalPackage(u8("new"))->id(), u8("new"));
+    QCOMPARE(cache.signalPackage(u8("old"))->id(), u8("old"));
+    QVERIFY(!QFile::exists(folders.cached("Signal.sdf")));
+    QVERIFY(cache.prepareCacheForUse() && !cache.defaultSignalPackage()->hasSymbolDataContent());
+}
+
+// As a power cut leaves them.
+void TestSignalPackageCache::emptyFiles()
+{
+    const Folders folders;
+    folders.addPackage("p", u8("p"));
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    write(folders.cached("p.xml"), {});
+    write(folders.cached("p.ssf"), {});
+    cache.updateCache(folders.repository(), false);
+    QCOMPARE(cache.signalPackage(u8("p"))->id(), u8("p"));
+    QCOMPARE(contents(folders.cached("p.ssf")), QByteArray("shape"));
+}
+
+void TestSignalPackageCache::lockOutOfReach()
+{
+    const Folders folders;
+    QVERIFY(QDir().mkpath(folders.cache()));
+    QCOMPARE(mkfifo(qPrintable(folders.cached("simulationdata.lock")), 0600), 0);
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(!cache.prepareCacheForUse());
+}
+
 void TestSignalPackageCache::packagesOfOneId()
 {
     const Folders folders;
@@ -345,6 +391,7 @@ void TestSignalPackageCache::clearsOnlyItsOwn()
     for (const auto& [szName, data] : foreign) {
         write(folders.cached(szName), data);
     }
+    SignalPackageCache(folders.cache(), {}).clearCache();
     cache.clearCache();
     QVERIFY(!cache.validSignalPackageId(u8("p:1")) && !cache.validSignalPackageId(u8("old")));
     QStringList expected = prepared;

@@ -1,0 +1,38 @@
+#ifndef SIMULATIONDATA_PACKAGESOURCES_P_H
+#define SIMULATIONDATA_PACKAGESOURCES_P_H
+
+#include "simulationdata/signalpackage.h"
+
+#include <QHash>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+
+namespace Simulation {
+
+/// The packages that a cache takes from the folders below another one, with
+/// their paths, the newest first. They are read in background tasks. Left out
+/// are, silently, those without an id and, after a trace each, those whose files
+/// would take the place of a newer package's or of the default package's.
+[[nodiscard]] QList<SignalPackage> readPackagesBelow(const QString& a_sFolder);
+
+/// Tells what ids the packages of a repository supersede.
+class SupersededIds
+{
+public:
+    explicit SupersededIds(const QList<SignalPackage>& a_packages);
+
+    /// The cleaned ids that are to resolve to a package. Not that of a package
+    /// which is newer; not more than Limits::UpdateIds, and not more than whose
+    /// copies of the descriptor stay within Limits::DocumentBytes.
+    [[nodiscard]] QStringList of(const SignalPackage& a_package) const;
+
+private:
+    QHash<QString, std::uint32_t> m_timestamps; ///< by cleaned id
+};
+
+} // namespace Simulation
+
+#endif
