@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The main job: builds the release, makes a repository of signal packages in a
-# scratch folder, and plays the default scenario with them. Arguments go to
+# scratch folder, plays the default scenario with them, and sends it the whole
+# road from an editor through the service to two devices. Arguments go to
 # "simulationtool play".
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -18,3 +19,5 @@ echo
 "$tool" repository list "$scratch/repository"
 echo
 "$tool" play --repository "$scratch/repository" --cache "$scratch/cache" "$@"
+echo
+"$tool" demo

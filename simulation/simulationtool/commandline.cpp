@@ -1,10 +1,14 @@
 #include "commandline.h"
 
 #include "commandparser.h"
+#include "controlcommand.h"
+#include "democommand.h"
+#include "devicecommand.h"
 #include "inspectcommand.h"
 #include "output.h"
 #include "playarguments.h"
 #include "repositoryarguments.h"
+#include "servicecommand.h"
 
 #include <algorithm>
 #include <array>
@@ -13,16 +17,19 @@ namespace SimulationTool {
 
 namespace {
 
-const char s_szOverview[] =
-    "Looks into the scenarios and signal packages of the radio-signal simulation and\n"
-    "plays them.\n"
-    "\n"
-    "Commands:\n"
-    "  inspect     Show what a scenario, signal package or data file holds.\n"
-    "  play        Show where every emitter is and what it sends, step by step.\n"
-    "  repository  Prepare a folder for signal packages, list those of a folder.\n"
-    "\n"
-    "Every command explains itself: simulationtool COMMAND --help";
+const char s_szOverview[] = "Looks into the scenarios and signal packages of the radio-signal simulation,\n"
+                            "plays them, and runs the programs of the simulation that talk over a network.\n"
+                            "\n"
+                            "Commands:\n"
+                            "  inspect     Show what a scenario, signal package or data file holds.\n"
+                            "  play        Show where every emitter is and what it sends, step by step.\n"
+                            "  repository  Prepare a folder for signal packages, list those of a folder.\n"
+                            "  service     Run the service that devices register with and editors control.\n"
+                            "  device      Run a device: load the scenarios that it is sent and play them.\n"
+                            "  control     Send a scenario or an order to the devices of a service.\n"
+                            "  demo        Send a scenario the whole road, all programs in one process.\n"
+                            "\n"
+                            "Every command explains itself: simulationtool COMMAND --help";
 
 const char s_szOverviewExamples[] =
     "\n"
@@ -32,6 +39,7 @@ const char s_szOverviewExamples[] =
     "  simulationtool play harbour.sce.exp --to 60000 --csv harbour.csv\n"
     "  simulationtool repository init packages\n"
     "  simulationtool play --repository packages\n"
+    "  simulationtool demo\n"
     "\n"
     "Exit codes:\n"
     "  0  Done, and nothing is wrong.\n"
@@ -88,10 +96,14 @@ struct Command
     ExitCode (*run)(const QStringList& a_arguments, Output& a_output);
 };
 
-constexpr std::array<Command, 3> s_commands{{
+constexpr std::array<Command, 7> s_commands{{
     {"inspect", &inspect},
     {"play", &play},
     {"repository", &repository},
+    {"service", &service},
+    {"device", &device},
+    {"control", &control},
+    {"demo", &demo},
 }};
 
 } // namespace
@@ -103,8 +115,7 @@ ExitCode runCommandLine(const QStringList& a_arguments, Output& a_output)
     const QString sVersion = QStringLiteral("version");
     CommandParser parser({}, QStringLiteral("COMMAND [OPTIONS]"), s_szOverview, s_szOverviewExamples);
     parser.get().addOption({{QStringLiteral("v"), sVersion}, QStringLiteral("Show the version.")});
-    parser.get().addPositionalArgument(QStringLiteral("COMMAND"),
-                                       QStringLiteral("inspect, play or repository."));
+    parser.get().addPositionalArgument(QStringLiteral("COMMAND"), QStringLiteral("One of those above."));
     if (const auto done = parser.parseBefore(a_arguments, a_output)) {
         return *done;
     }
@@ -114,7 +125,7 @@ ExitCode runCommandLine(const QStringList& a_arguments, Output& a_output)
     }
     const QStringList rest = parser.get().positionalArguments();
     if (rest.isEmpty()) {
-        return parser.refuse(QStringLiteral("a command is needed: inspect, play or repository"));
+        return parser.refuse(QStringLiteral("a command is needed"));
     }
     const auto* const pCommand =
         std::find_if(s_commands.begin(), s_commands.end(), [&](const Command& a_command) {

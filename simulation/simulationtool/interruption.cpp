@@ -1,23 +1,35 @@
 #include "interruption.h"
 
+#include <cerrno>
 #include <csignal>
 #include <initializer_list>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace SimulationTool {
 
 namespace {
 
 volatile std::sig_atomic_t s_iSignal = 0;
+int s_wakingPipe[] = {-1, -1}; ///< read end, write end; open until the process ends
 
 void noteSignal(int a_iSignal)
 {
     s_iSignal = a_iSignal;
+    const int iError = errno;
+    // A full pipe is readable already.
+    [[maybe_unused]] const auto iWritten = ::write(s_wakingPipe[1], "", 1);
+    errno = iError;
 }
 
 } // namespace
 
 void catchInterruptions()
 {
+    if (s_wakingPipe[0] < 0) {
+        static_cast<void>(::pipe2(s_wakingPipe, O_CLOEXEC | O_NONBLOCK));
+    }
     struct sigaction action = {};
     action.sa_handler = noteSignal;
     sigemptyset(&action.sa_mask);
@@ -35,6 +47,16 @@ void catchInterruptions()
 bool isInterrupted()
 {
     return s_iSignal != 0;
+}
+
+int interruptionDescriptor()
+{
+    return s_wakingPipe[0];
+}
+
+void acceptInterruption()
+{
+    s_iSignal = 0;
 }
 
 void endIfInterrupted()

@@ -14,6 +14,13 @@ void catchInterruptions();
 /// Whether such a signal came.
 [[nodiscard]] bool isInterrupted();
 
+/// Becomes and stays readable when such a signal comes, for event loops: a noted
+/// signal does not wake them. -1 before catchInterruptions().
+[[nodiscard]] int interruptionDescriptor();
+
+/// Forgets the signal: it was the ordinary end of a command that has no other.
+void acceptInterruption();
+
 /// Ends the process by the signal that came, so that its parent sees what it
 /// expects. Returns when there was none.
 void endIfInterrupted();

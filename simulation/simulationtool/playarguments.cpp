@@ -3,15 +3,11 @@
 #include "commandparser.h"
 #include "output.h"
 #include "playcommand.h"
-
-#include <algorithm>
-#include <limits>
+#include "wholenumber.h"
 
 namespace SimulationTool {
 
 namespace {
-
-constexpr std::uint32_t s_uiMaxTime = std::numeric_limits<std::uint32_t>::max(); ///< ms
 
 const char s_szPlay[] = "Plays a scenario over the times from FROM up to, but not including, TO and\n"
                         "shows for each time and emitter whether it sends, on what frequency, where it\n"
@@ -47,19 +43,9 @@ bool readTime(const QCommandLineParser& a_parser, const QString& a_sOption, std:
     if (!a_parser.isSet(a_sOption)) {
         return true;
     }
-    const QString sValue = a_parser.value(a_sOption);
-    const bool bDigits = std::all_of(sValue.cbegin(), sValue.cend(),
-                                     [](QChar a_cUnit) { return a_cUnit >= u'0' && a_cUnit <= u'9'; });
-    bool bNumber = false;
-    const std::uint32_t uiValue = sValue.toUInt(&bNumber);
-    if (bDigits && bNumber && uiValue >= a_uiMin) {
-        a_time = uiValue;
-        return true;
-    }
-    a_sReason = QStringLiteral("--%1 needs a whole number of milliseconds from %2 to %3, not \"")
-                    .arg(a_sOption, QString::number(a_uiMin), QString::number(s_uiMaxTime)) +
-                sValue + u'"';
-    return false;
+    a_time = wholeNumber(a_parser.value(a_sOption),
+                         {QStringLiteral("--") + a_sOption, " of milliseconds", a_uiMin}, a_sReason);
+    return a_time.has_value();
 }
 
 const QString s_sFrom = QStringLiteral("from");

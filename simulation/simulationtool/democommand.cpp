@@ -1,0 +1,72 @@
+#include "democommand.h"
+
+#include "commandparser.h"
+#include "demoroad.h"
+#include "interruption.h"
+#include "output.h"
+
+#include <QElapsedTimer>
+
+namespace SimulationTool {
+
+namespace {
+
+const char s_szDemo[] = "Shows the road of a scenario: runs a service and two devices in this process,\n"
+                        "connected through ports of this machine that the system chooses, has an editor\n"
+                        "send them the built-in scenario, and plays ten seconds of it. The clock of the\n"
+                        "devices is moved by hand, so nobody waits.";
+
+const char s_szDemoExamples[] = "\n"
+                                "Exit codes:\n"
+                                "  0  Every step was done.\n"
+                                "  1  One was not; standard error says which.\n"
+                                "  2  Wrong usage, or the output could not be written.\n";
+
+struct RoadStep
+{
+    const char* name;
+    bool (DemoRoad::*run)();
+};
+
+constexpr RoadStep s_steps[] = {
+    {"make a repository", &DemoRoad::makeRepository}, {"start the service", &DemoRoad::startService},
+    {"start the devices", &DemoRoad::startDevices},   {"acquire the service", &DemoRoad::acquire},
+    {"load the scenario", &DemoRoad::loadScenario},   {"play it", &DemoRoad::play},
+    {"pause and stop it", &DemoRoad::pauseAndStop},   {"unload it", &DemoRoad::unload},
+};
+
+ExitCode runDemo(Output& a_output)
+{
+    QElapsedTimer timer;
+    timer.start();
+    DemoRoad road(a_output);
+    for (const RoadStep& step : s_steps) {
+        const bool bDone = (road.*step.run)();
+        if (!a_output.finish() || isInterrupted()) {
+            return ExitCode::Unusable;
+        }
+        if (!bDone) {
+            complain(QStringLiteral("demo: could not %1 %2").arg(QLatin1String(step.name), road.problem()));
+            return ExitCode::Findings;
+        }
+    }
+    a_output.write(QStringLiteral("All %1 steps of the road done in %2 ms\n")
+                       .arg(std::size(s_steps))
+                       .arg(timer.elapsed()));
+    return ExitCode::Ok;
+}
+
+} // namespace
+
+ExitCode demo(const QStringList& a_arguments, Output& a_output)
+{
+    CommandParser parser(QStringLiteral("demo"), QString(), s_szDemo, s_szDemoExamples);
+    if (const auto done = parser.parse(a_arguments, a_output)) {
+        return *done;
+    }
+    return parser.get().positionalArguments().isEmpty()
+               ? runDemo(a_output)
+               : parser.refuse(QStringLiteral("there are no arguments"));
+}
+
+} // namespace SimulationTool

@@ -1,0 +1,33 @@
+#ifndef SIMULATIONTOOL_INTERRUPTIBLELOOP_H
+#define SIMULATIONTOOL_INTERRUPTIBLELOOP_H
+
+#include <QEventLoop>
+
+#include <memory>
+
+class QSocketNotifier;
+
+namespace SimulationTool {
+
+/// An event loop that also ends when the process is interrupted, and costs no
+/// time while nothing happens. See interruption.h.
+class InterruptibleLoop
+{
+public:
+    InterruptibleLoop();
+    ~InterruptibleLoop();
+    InterruptibleLoop(const InterruptibleLoop&) = delete;
+    InterruptibleLoop& operator=(const InterruptibleLoop&) = delete;
+
+    /// Returns at once when there was an interruption before.
+    void run();
+    void quit() { m_loop.quit(); }
+
+private:
+    QEventLoop m_loop;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+};
+
+} // namespace SimulationTool
+
+#endif

@@ -1,0 +1,97 @@
+#ifndef SIMULATIONTOOL_SERVICECONTROLLER_H
+#define SIMULATIONTOOL_SERVICECONTROLLER_H
+
+#include "interruptibleloop.h"
+#include "serveraddress.h"
+
+#include "simulationdata/scenariotiminghelper.h"
+#include "simulationdata/simulationdeviceconfiguration.h"
+#include "simulationdata/simulationdevicestate.h"
+#include "simulationdata/simulationservicecommunication.h"
+
+#include <QElapsedTimer>
+#include <QMap>
+#include <QObject>
+#include <QString>
+#include <QTcpSocket>
+#include <QTimer>
+#include <QVector>
+
+#include <chrono>
+#include <functional>
+
+namespace SimulationTool {
+
+/// A program that controls the devices of a service, as an editor does. It
+/// connects once. Its operations run an event loop until they are done, and give
+/// false with problem() when the service does not answer, or shows no progress,
+/// for a time, or when the process is interrupted.
+class ServiceController : public QObject
+{
+    Q_OBJECT
+
+public:
+    using States = QMap<QString, Simulation::ScenarioDataState>; ///< by device id
+
+    explicit ServiceController(std::chrono::milliseconds a_timeout);
+    ~ServiceController() override;
+
+    [[nodiscard]] bool connectToService(const ServerAddress& a_server);
+
+    /// For the orders: send them, and then synchronize().
+    [[nodiscard]] Simulation::SimulationServiceCommunication& communication() { return m_communication; }
+
+    /// Waits until the service has received all that was sent: nothing but the
+    /// answer to a question after it shows that. Also learns the devices.
+    [[nodiscard]] bool synchronize();
+
+    /// Sends a scenario and waits until each device that is there has loaded it
+    /// or failed. False when the service did not get it. When the devices take
+    /// too long the result is true: states() tells who is not done.
+    [[nodiscard]] bool loadScenario(const QByteArray& a_scenario);
+
+    /// Releases the service and closes the connection when all has been sent.
+    void leave();
+
+    [[nodiscard]] QString problem() const { return m_sProblem; }
+    [[nodiscard]] const QVector<Simulation::SimulationDeviceConfiguration>& devices() const
+    {
+        return m_devices;
+    }
+    /// Those that were told since the service was acquired or a scenario sent.
+    [[nodiscard]] const States& states() const { return m_states; }
+    /// What the service said of the scenario time, which stands until it does.
+    [[nodiscard]] const Simulation::ScenarioTimingHelper& timing() const { return m_timing; }
+
+private:
+    enum class Waited {
+        Done,
+        TooLong,
+        Failed,
+    };
+
+    void connectSignals();
+    [[nodiscard]] Waited waitFor(const std::function<bool()>& a_isDone);
+    [[nodiscard]] bool areDevicesDone() const;
+    void fail(const QString& a_sProblem);
+    void noteProgress();
+    void showTransfer();
+
+    QTcpSocket m_socket;
+    Simulation::SimulationServiceCommunication m_communication;
+    InterruptibleLoop m_loop;
+    std::chrono::milliseconds m_timeout;
+    QElapsedTimer m_sinceProgress;
+    QTimer m_wakeUp;
+    QString m_sServer;
+    QString m_sProblem;
+    int m_iAnswers = 0; ///< that are still to come
+    QVector<Simulation::SimulationDeviceConfiguration> m_devices;
+    States m_states;
+    Simulation::ScenarioTimingHelper m_timing;
+    qint64 m_iTransfer = 0; ///< bytes that waited when it began; 0 = all have left
+};
+
+} // namespace SimulationTool
+
+#endif

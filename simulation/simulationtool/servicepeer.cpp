@@ -1,0 +1,105 @@
+#include "servicepeer.h"
+
+#include "serveraddress.h"
+
+#include "simulationdata/limits.h"
+
+#include <QHostAddress>
+#include <QTcpSocket>
+
+namespace SimulationTool {
+
+namespace {
+
+// A peer must not be able to fill the disk that the log goes to.
+constexpr int s_iMaxLines = 100;
+constexpr qint64 s_iWindow = 10'000; ///< ms
+/// Read at a time, before others have their turn; some thousand small commands.
+constexpr qint64 s_iReadBytes = 65'536;
+
+/// The reader of the stream leaves a bound that was set before it alone.
+QTcpSocket* boundedSocket(QTcpSocket* a_pSocket)
+{
+    a_pSocket->setReadBufferSize(s_iReadBytes);
+    return a_pSocket;
+}
+
+} // namespace
+
+ServicePeer::ServicePeer(QTcpSocket* a_pSocket, QObject* a_pParent)
+    : QObject(a_pParent)
+    , m_pSocket(a_pSocket)
+    , m_communication(boundedSocket(a_pSocket))
+    , m_sName(addressText(a_pSocket->peerAddress(), a_pSocket->peerPort()))
+{
+    m_pSocket->setParent(this);
+    // Commands are small, and a machine that was switched off says nothing.
+    m_pSocket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    m_pSocket->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
+    // What was received just before the end still waits in the event loop.
+    connect(m_pSocket, &QTcpSocket::disconnected, this, &ServicePeer::slotDisconnected, Qt::QueuedConnection);
+    // The part that reads the stream says when it gives up; what it belongs to
+    // would only be silent from then on.
+    for (const QObject* const pPart : m_communication.children()) {
+        connect(pPart, SIGNAL(errorOccured(QString)), this, SLOT(slotUnreadable(QString)),
+                Qt::QueuedConnection);
+    }
+}
+
+bool ServicePeer::isConnected() const
+{
+    return m_pSocket->state() == QAbstractSocket::ConnectedState;
+}
+
+void ServicePeer::send(const QByteArray& a_command)
+{
+    if (!isConnected() || a_command.isEmpty()) {
+        return;
+    }
+    const auto uiPending = static_cast<std::uint64_t>(m_pSocket->bytesToWrite() + a_command.size());
+    if (uiPending > Simulation::Limits::value(Simulation::Limits::PendingBytes) ||
+        m_pSocket->write(a_command) != a_command.size()) {
+        m_bLostCommands = true;
+    }
+}
+
+bool ServicePeer::hasLostCommands() const
+{
+    return isConnected() && (m_bLostCommands || m_communication.hasLostCommands());
+}
+
+void ServicePeer::close()
+{
+    disconnect();
+    m_communication.disconnect();
+    m_communication.setSocket(nullptr);
+    m_pSocket->disconnect();
+    m_pSocket->abort();
+}
+
+void ServicePeer::tell(const QString& a_sText, bool a_bFinal)
+{
+    if (!m_window.isValid() || m_window.hasExpired(s_iWindow)) {
+        m_window.start();
+        m_iLines = 0;
+    }
+    if (++m_iLines < s_iMaxLines || a_bFinal) {
+        Q_EMIT told(m_sName + QStringLiteral(": ") + a_sText);
+    } else if (m_iLines == s_iMaxLines) {
+        Q_EMIT told(m_sName + QStringLiteral(": too much happens to tell all of it"));
+    }
+}
+
+void ServicePeer::slotUnreadable(const QString& a_sReason)
+{
+    Q_EMIT lost(a_sReason.simplified());
+}
+
+void ServicePeer::slotDisconnected()
+{
+    const QAbstractSocket::SocketError eError = m_pSocket->error();
+    const bool bLeft = eError == QAbstractSocket::RemoteHostClosedError;
+    Q_EMIT lost(bLeft ? QString() : m_pSocket->errorString());
+}
+
+} // namespace SimulationTool

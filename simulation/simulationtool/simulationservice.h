@@ -1,0 +1,112 @@
+#ifndef SIMULATIONTOOL_SIMULATIONSERVICE_H
+#define SIMULATIONTOOL_SIMULATIONSERVICE_H
+
+#include "encodedcommand.h"
+
+#include "simulationdata/simulationdeviceconfiguration.h"
+#include "simulationdata/simulationdevicestate.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <QString>
+#include <QTcpServer>
+#include <QTimer>
+
+#include <cstdint>
+
+class QHostAddress;
+
+namespace SimulationTool {
+
+class ServicePeer;
+
+/// The middle of the simulation: devices register with it, and one program, the
+/// newest that acquired it, has its orders passed on to all of them and is told
+/// their states. When that one releases the service or leaves, the one before
+/// controls again, if it is still there.
+///
+/// The service keeps what a device that comes late must know: the deployment, the
+/// scenario, and whether the test mode is on and the scenario runs. A new
+/// controller is told the states of the devices and whether the scenario runs or
+/// pauses. An id that registers again belongs to the newest: a device whose
+/// machine lost the connection must not wait until the old one is given up.
+///
+/// No peer is trusted. One that sends what cannot be read, does not read itself,
+/// or registers too much is dropped, and nobody else notices. Each may make the
+/// service hold one unfinished document and what waits for it (see Limits).
+class SimulationService : public QObject
+{
+    Q_OBJECT
+
+public:
+    SimulationService();
+    ~SimulationService() override;
+
+    /// Port 0 has the system choose one. False with errorString().
+    [[nodiscard]] bool listen(const QHostAddress& a_address, std::uint16_t a_uiPort);
+    [[nodiscard]] std::uint16_t port() const { return m_server.serverPort(); }
+    [[nodiscard]] QString errorString() const { return m_server.errorString(); }
+
+Q_SIGNALS:
+    /// One line about what happened. It holds texts of peers: not fit for a
+    /// terminal.
+    void told(const QString& a_sLine);
+
+private:
+    struct Device
+    {
+        Simulation::SimulationDeviceConfiguration configuration;
+        Simulation::SimulationDeviceState state;
+        ServicePeer* peer = nullptr;
+    };
+
+    // Peers come and go
+    void acceptPeers();
+    void pauseIfFull();
+    void connectDevice(ServicePeer* a_pPeer);
+    void connectController(ServicePeer* a_pPeer);
+    void connectOrders(ServicePeer* a_pPeer);
+    void drop(ServicePeer* a_pPeer, const QString& a_sReason);
+
+    // What devices say
+    void registerDevice(ServicePeer* a_pPeer, const QString& a_sId,
+                        const Simulation::SimulationDeviceConfiguration& a_configuration);
+    [[nodiscard]] QString
+    registrationProblem(const QString& a_sId,
+                        const Simulation::SimulationDeviceConfiguration& a_configuration) const;
+    void takeOver(const QString& a_sId, ServicePeer* a_pFrom);
+    void unregisterDevice(ServicePeer* a_pPeer, const QString& a_sId);
+    void updateState(ServicePeer* a_pPeer, const QString& a_sId,
+                     const Simulation::SimulationDeviceState& a_state);
+
+    // What controllers say
+    [[nodiscard]] ServicePeer* controller() const;
+    void acquire(ServicePeer* a_pPeer);
+    void release(ServicePeer* a_pPeer);
+    void listDevices(ServicePeer* a_pPeer);
+    [[nodiscard]] QByteArray passOn(ServicePeer* a_pPeer, const QString& a_sOrder,
+                                    const CommandSender& a_send);
+    void loadScenario(ServicePeer* a_pPeer, const QByteArray& a_scenario);
+    void send(ServicePeer* a_pPeer, const QByteArray& a_command);
+
+    QTcpServer m_server;
+    QTimer m_acceptAgain;              ///< after the server could not
+    QList<ServicePeer*> m_peers;       ///< children
+    QList<ServicePeer*> m_controllers; ///< the last one controls
+    QMap<QString, Device> m_devices;   ///< by id
+    QByteArray m_deviceList;           ///< the answer to whoever asks; empty = to be made
+    const qsizetype m_iMaxPeers;       ///< as many as the process can have open
+    bool m_bFull = false;              ///< no more are accepted at present
+
+    // Commands for devices that come late; empty without
+    QByteArray m_deployment;
+    QByteArray m_scenario;
+    QByteArray m_testMode;
+    QByteArray m_run; ///< start or pause
+};
+
+} // namespace SimulationTool
+
+#endif

@@ -1,0 +1,621 @@
+#include "kpbase/errorhandler.h"
+#include "simulationdata/simulationservicecommunication.h"
+#include "simulationtool/toolrun.h"
+
+#include <QFile>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+#include <csignal>
+
+namespace {
+
+using Communication = Simulation::SimulationServiceCommunication;
+using Simulation::ScenarioDataState;
+using Simulation::SimulationDeviceConfiguration;
+using Simulation::SimulationDeviceState;
+
+const QString s_sBuiltIn = QStringLiteral(":/DefaultData/Default.sce.exp");
+
+/// The program, running beside the test.
+class Tool
+{
+public:
+    explicit Tool(const QStringList& a_arguments)
+    {
+        m_process.setProcessChannelMode(QProcess::MergedChannels);
+        m_process.start(QStringLiteral(SIMULATIONTOOL_PATH), a_arguments);
+    }
+    ~Tool()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+    Tool(const Tool&) = delete;
+    Tool& operator=(const Tool&) = delete;
+
+    /// All that was written so far.
+    QString text()
+    {
+        m_sText += QString::fromUtf8(m_process.readAll());
+        return m_sText;
+    }
+
+    /// Whether a text appears, or has appeared, so many times.
+    bool says(const QString& a_sText, qsizetype a_iTimes = 1)
+    {
+        return QTest::qWaitFor([&] { return text().count(a_sText) >= a_iTimes; }, s_iToolTimeout);
+    }
+
+    /// The exit code after a signal; -1 when it does not end by itself.
+    int codeAfter(int a_iSignal)
+    {
+        ::kill(static_cast<pid_t>(m_process.processId()), a_iSignal);
+        const bool bEnded =
+            QTest::qWaitFor([&] { return m_process.state() == QProcess::NotRunning; }, s_iToolTimeout);
+        return bEnded && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+    }
+
+private:
+    QProcess m_process;
+    QString m_sText;
+};
+
+/// A service on a port that the system or the test chooses.
+class Service : public Tool
+{
+public:
+    explicit Service(const QString& a_sPort = QStringLiteral("0"))
+        : Tool({QStringLiteral("service"), QStringLiteral("--address"), QStringLiteral("127.0.0.1"),
+                QStringLiteral("--port"), a_sPort})
+    {
+        if (says(QStringLiteral("Listening on port "))) {
+            m_sPort = text().section(QStringLiteral("port "), 1).section(u'\n', 0, 0);
+        }
+    }
+
+    [[nodiscard]] QString port() const { return m_sPort; }
+    [[nodiscard]] QString address() const { return QStringLiteral("127.0.0.1:") + m_sPort; }
+
+private:
+    QString m_sPort;
+};
+
+SimulationDeviceConfiguration deviceOf(const QString& a_sId)
+{
+    SimulationDeviceConfiguration device;
+    device.setId(a_sId);
+    device.setName(a_sId);
+    return device;
+}
+
+/// A program that talks to a service, inside the test. Notes what it receives.
+struct Peer
+{
+    explicit Peer(const QString& a_sPort)
+        : communication(&socket)
+    {
+        note(&Communication::acceptSimulationDevice, "accept");
+        note(&Communication::unregisterSimulationDevice, "unregister");
+        note(&Communication::loadScenario, "scenario");
+        note(&Communication::loadDeployment, "deployment");
+        note(&Communication::unloadScenario, "unload");
+        note(&Communication::startScenario, "start");
+        note(&Communication::pauseScenario, "pause");
+        note(&Communication::stopScenario, "stop");
+        note(&Communication::testModeOn, "test");
+        note(&Communication::addJxDevice, "add");
+        note(&Communication::removeJxDevice, "remove");
+        QObject::connect(&communication, &Communication::simulationDeviceStateUpdate,
+                         [this](const QString& a_sId, const SimulationDeviceState& a_state) {
+                             received +=
+                                 QStringLiteral("%1=%2 ").arg(a_sId).arg(int(a_state.scenarioDataState()));
+                         });
+        QObject::connect(&communication, &Communication::responseSimulationDevices,
+                         [this](const auto& a_devices) {
+                             ids.clear();
+                             for (const auto& device : a_devices) {
+                                 ids.append(device.id());
+                             }
+                             ++iAnswers;
+                         });
+        socket.connectToHost(QStringLiteral("127.0.0.1"), a_sPort.toUShort());
+        socket.waitForConnected(s_iToolTimeout);
+    }
+
+    template<typename Signal>
+    void note(Signal a_signal, const char* a_szName)
+    {
+        QObject::connect(&communication, a_signal,
+                         [this, a_szName] { received += QLatin1String(a_szName) + u' '; });
+    }
+
+    void registerAs(const QString& a_sId)
+    {
+        communication.sendRegisterSimulationDevice(a_sId, deviceOf(a_sId));
+    }
+
+    void report(const QString& a_sId, ScenarioDataState a_eState)
+    {
+        SimulationDeviceState state;
+        state.setScenarioDataState(a_eState);
+        communication.sendSimulationDeviceStateUpdate(a_sId, state);
+    }
+
+    /// Whether the service has received all that was sent, and has answered.
+    bool synchronize()
+    {
+        const int iBefore = iAnswers;
+        communication.sendCommandRequestSimulationDevices();
+        return QTest::qWaitFor([&] { return iAnswers > iBefore; }, s_iToolTimeout);
+    }
+
+    /// What was received since the last call.
+    QString take() { return std::exchange(received, QString()).trimmed(); }
+
+    QTcpSocket socket;
+    Communication communication;
+    QString received;
+    QStringList ids; ///< of the last answer
+    int iAnswers = 0;
+};
+
+ToolResult runControl(const QString& a_sServer, const QStringList& a_arguments)
+{
+    return runTool(QStringList{QStringLiteral("control"), QStringLiteral("--server"), a_sServer} +
+                   a_arguments);
+}
+
+std::unique_ptr<Tool> startDevice(const QString& a_sId, const QString& a_sServer)
+{
+    return std::make_unique<Tool>(QStringList{QStringLiteral("device"), QStringLiteral("--id"), a_sId,
+                                              QStringLiteral("--server"), a_sServer, QStringLiteral("--step"),
+                                              QStringLiteral("50")});
+}
+
+} // namespace
+
+class tst_WireCommands : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void road();
+    void serviceIsRestarted();
+    void lateDevice();
+    void newestControls();
+    void newestRegisters();
+    void badPeer_data();
+    void badPeer();
+    void peerThatDoesNotRead();
+    void wrongConfirmation();
+    void loadTellsOfDevices_data();
+    void loadTellsOfDevices();
+    void refused_data();
+    void refused();
+    void nobodyAnswers();
+    void demo();
+};
+
+void tst_WireCommands::initTestCase()
+{
+    ErrorHandler::Instance().setTraceMask(0);
+    // The machine's own settings are not the test's.
+    qputenv("SIMULATION_CONFIG_DIR", TEST_DATA_DIR);
+}
+
+void tst_WireCommands::road()
+{
+    Service service;
+    const auto first = startDevice(QStringLiteral("rx-1"), service.address());
+    const auto second = startDevice(QStringLiteral("rx-2"), service.address());
+    QVERIFY(first->says(QStringLiteral("rx-1: accepted")) && second->says(QStringLiteral("rx-2: accepted")));
+
+    const ToolResult loaded = runControl(service.address(), {QStringLiteral("load"), s_sBuiltIn});
+    QCOMPARE(loaded.err, QString());
+    QCOMPARE(loaded.code, 0);
+    QCOMPARE(simplifiedLines(loaded.out).mid(2),
+             QStringList({QStringLiteral("rx-1 rx-1 loaded"), QStringLiteral("rx-2 rx-2 loaded"),
+                          QStringLiteral("Scenario sent, loaded by 2 of 2 devices")}));
+
+    QCOMPARE(runControl(service.address(), {QStringLiteral("start"), QStringLiteral("5000")}).code, 0);
+    for (Tool* const pDevice : {first.get(), second.get()}) {
+        QVERIFY(pDevice->says(QStringLiteral("plays from 5000 ms")));
+        QVERIFY(pDevice->says(QStringLiteral("pilot-boat     yes          156.800000"), 3));
+    }
+    // Without a time a pause is at the present one, and the next start goes on.
+    const ToolResult paused = runControl(service.address(), {QStringLiteral("pause")});
+    QCOMPARE(paused.code, 0);
+    const uint uiTime = paused.out.section(u' ', 2, 2).toUInt();
+    QVERIFY2(uiTime > 5050 && uiTime < 5000 + s_iToolTimeout, qPrintable(paused.out));
+    QVERIFY(first->says(QStringLiteral("paused at %1 ms").arg(uiTime)));
+    const ToolResult resumed = runControl(service.address(), {QStringLiteral("start")});
+    QCOMPARE(resumed.out, QStringLiteral("Started at %1 ms, 2 devices\n").arg(uiTime));
+    QVERIFY(second->says(QStringLiteral("plays from %1 ms").arg(uiTime)));
+
+    QCOMPARE(runControl(service.address(), {QStringLiteral("stop")}).code, 0);
+    QVERIFY(first->says(QStringLiteral("stopped: ")));
+    QCOMPARE(runControl(service.address(), {QStringLiteral("unload")}).code, 0);
+    QVERIFY(second->says(QStringLiteral("state: no scenario")));
+
+    QCOMPARE(second->codeAfter(SIGINT), 0);
+    QVERIFY(service.says(QStringLiteral("device rx-2 unregistered")));
+    const ToolResult listed = runControl(service.address(), {QStringLiteral("devices")});
+    QVERIFY(listed.out.contains(QStringLiteral("rx-1")) &&
+            listed.out.endsWith(QStringLiteral("\n1 device\n")));
+    QCOMPARE(service.codeAfter(SIGTERM), 0);
+}
+
+void tst_WireCommands::serviceIsRestarted()
+{
+    auto service = std::make_unique<Service>();
+    const QString sAddress = service->address();
+    const auto first = startDevice(QStringLiteral("rx-1"), sAddress);
+    const auto second = startDevice(QStringLiteral("rx-2"), sAddress);
+    QVERIFY(first->says(QStringLiteral("accepted")) && second->says(QStringLiteral("accepted")));
+    QCOMPARE(runControl(sAddress, {QStringLiteral("load"), s_sBuiltIn}).code, 0);
+    QCOMPARE(runControl(sAddress, {QStringLiteral("start")}).code, 0);
+    QVERIFY(first->says(QStringLiteral("plays from 0 ms")));
+
+    QCOMPARE(service->codeAfter(SIGKILL), -1);
+    QVERIFY(first->says(QStringLiteral("connection lost")) &&
+            second->says(QStringLiteral("connection lost")));
+    service = std::make_unique<Service>(service->port());
+    QCOMPARE(service->address(), sAddress);
+    for (Tool* const pDevice : {first.get(), second.get()}) {
+        QVERIFY(pDevice->says(QStringLiteral(": accepted"), 2));
+        QVERIFY(!pDevice->text().contains(QStringLiteral("stopped")));
+    }
+    QVERIFY(service->says(QStringLiteral("device rx-1: loaded")));
+    QCOMPARE(runControl(sAddress, {QStringLiteral("load"), s_sBuiltIn}).code, 0);
+}
+
+void tst_WireCommands::lateDevice()
+{
+    const Service service;
+    Peer editor(service.port());
+    editor.communication.sendCommandAcquireServer();
+    editor.communication.sendLoadDeployment("<d/>");
+    editor.communication.sendLoadScenario("<s/>");
+    editor.communication.sendTestModeOn(true);
+    editor.communication.sendStartScenario(1, 2);
+    QVERIFY(editor.synchronize());
+
+    const auto toldLate = [&](const QString& a_sId) {
+        Peer late(service.port());
+        const QSignalSpy scenarios(&late.communication, &Communication::loadScenario);
+        const QSignalSpy starts(&late.communication, &Communication::startScenario);
+        late.registerAs(a_sId);
+        late.registerAs(a_sId + u'b'); // of the same peer: nothing is sent twice
+        const bool bWhole = late.synchronize() &&
+                            (scenarios.isEmpty() || scenarios[0][0] == QByteArray("<s/>")) &&
+                            (starts.isEmpty() || starts[0] == QVariantList({1ULL, 2U}));
+        return bWhole && late.ids == QStringList({a_sId, a_sId + u'b'}) ? late.take() : QString();
+    };
+    QCOMPARE(toldLate(QStringLiteral("a")), QStringLiteral("accept deployment scenario test start accept"));
+    editor.communication.sendPauseScenario(7);
+    // A lost connection takes its devices along.
+    QVERIFY(QTest::qWaitFor([&] { return editor.synchronize() && editor.ids.isEmpty(); }, s_iToolTimeout));
+    QCOMPARE(toldLate(QStringLiteral("b")), QStringLiteral("accept deployment scenario test pause accept"));
+    editor.communication.sendLoadScenario("<s/>"); // another scenario does not run yet
+    QVERIFY(editor.synchronize());
+    QCOMPARE(toldLate(QStringLiteral("c")), QStringLiteral("accept deployment scenario test accept"));
+    editor.communication.sendUnloadScenario();
+    QVERIFY(editor.synchronize());
+    QCOMPARE(toldLate(QStringLiteral("d")), QStringLiteral("accept deployment test accept"));
+}
+
+void tst_WireCommands::newestControls()
+{
+    Service service;
+    Peer device(service.port());
+    Peer first(service.port());
+    Peer second(service.port());
+    device.registerAs(QStringLiteral("rx"));
+    device.report(QStringLiteral("rx"), ScenarioDataState::Loaded);
+    QVERIFY(device.synchronize());
+    // Everything that a controller may order, sent by one peer.
+    const auto ordered = [&](Peer& a_peer) {
+        device.take();
+        a_peer.communication.sendLoadDeployment("d");
+        a_peer.communication.sendLoadScenario("s");
+        a_peer.communication.sendUnloadScenario();
+        a_peer.communication.sendStartScenario(1, 2);
+        a_peer.communication.sendPauseScenario(3);
+        a_peer.communication.sendStopScenario();
+        a_peer.communication.sendTestModeOn(false);
+        a_peer.communication.sendAddJxDevice(QStringLiteral("j"), "x");
+        a_peer.communication.sendRemoveJxDevice(QStringLiteral("j"));
+        return a_peer.synchronize() && device.synchronize() ? device.take() : QStringLiteral("no answer");
+    };
+    const QString sAll = QStringLiteral("deployment scenario unload start pause stop test add remove");
+    QCOMPARE(ordered(first), QString());
+    first.communication.sendCommandAcquireServer();
+    QVERIFY(first.synchronize());
+    QCOMPARE(first.take(), QStringLiteral("rx=2"));
+    QCOMPARE(ordered(first), sAll);
+    first.communication.sendStartScenario(1, 2);
+    QVERIFY(first.synchronize());
+
+    second.communication.sendCommandAcquireServer();
+    QVERIFY(second.synchronize());
+    QCOMPARE(second.take(), QStringLiteral("rx=0 start")); // the new scenario made the state void
+    QCOMPARE(ordered(first), QString());
+    device.report(QStringLiteral("rx"), ScenarioDataState::Failed);
+    device.report(QStringLiteral("other"), ScenarioDataState::Failed); // not its own
+    QVERIFY(device.synchronize() && second.synchronize() && first.synchronize());
+    QCOMPARE(second.take(), QStringLiteral("rx=3"));
+    QCOMPARE(first.take(), QString());
+
+    second.communication.sendCommandReleaseServer();
+    QVERIFY(second.synchronize());
+    QCOMPARE(ordered(second), QString());
+    QCOMPARE(ordered(first), sAll);
+    second.communication.sendCommandAcquireServer();
+    QVERIFY(second.synchronize());
+    second.socket.abort();
+    QVERIFY(service.says(QStringLiteral("controls again"), 2));
+    QCOMPARE(ordered(first), sAll);
+    // What is sent just before the end counts.
+    device.take();
+    first.communication.sendStopScenario();
+    first.socket.disconnectFromHost();
+    QTRY_COMPARE_WITH_TIMEOUT(device.received, QStringLiteral("stop "), s_iToolTimeout);
+}
+
+void tst_WireCommands::newestRegisters()
+{
+    const Service service;
+    Peer former(service.port());
+    Peer newest(service.port());
+    former.registerAs(QStringLiteral("rx"));
+    QVERIFY(former.synchronize());
+    newest.registerAs(QStringLiteral("rx"));
+    QVERIFY(newest.synchronize() && former.synchronize());
+    QCOMPARE(former.take(), QStringLiteral("accept unregister"));
+    former.communication.sendUnregisterSimulationDevice(QStringLiteral("rx")); // no more its own
+    newest.communication.sendCommandAcquireServer();
+    newest.communication.sendStopScenario();
+    QVERIFY(former.synchronize() && newest.synchronize());
+    QCOMPARE(newest.ids, QStringList({QStringLiteral("rx")}));
+    QCOMPARE(newest.take(), QStringLiteral("accept rx=0 stop"));
+    QCOMPARE(former.take(), QString());
+}
+
+void tst_WireCommands::badPeer_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<bool>("closes");
+    QTest::addColumn<QString>("told");
+
+    const QByteArray payload = "<Command><LoadScenario><ScenarioData>" + QByteArray(1 << 20, 'A');
+    QTest::newRow("garbage") << QByteArray("GET / HTTP/1.1\r\n\r\n") << false << "dropped: ";
+    QTest::newRow("zero bytes") << QByteArray(64, '\0') << false << "dropped: ";
+    QTest::newRow("malformed behind a command")
+        << QByteArray("<Command><StopScenario/></Command><Command></Stop>") << false << "dropped: ";
+    QTest::newRow("a million levels")
+        << QByteArray("<a>").repeated(1'000'000) << false << "dropped: nesting depth";
+    QTest::newRow("gone in a payload") << payload << true << "left";
+    QTest::newRow("silent in a payload") << payload << false << "connected";
+    QTest::newRow("silent") << QByteArray() << false << "connected";
+    QTest::newRow("unknown command") << QByteArray("<Command><Explode/></Command>") << false << "connected";
+    QTest::newRow("device without an id") << QByteArray("<Command><RegisterSimulation><SimulationDevice>") +
+                                                 deviceOf(QString()).toXml().replace('<', "&lt;") +
+                                                 "</SimulationDevice></RegisterSimulation></Command>"
+                                          << false << "dropped: it registers a device without an id";
+    QTest::newRow("record without bounds")
+        << QByteArray("<Command><RegisterSimulation Id=\"x\"><SimulationDevice>") +
+               deviceOf(QString(100'000, u'n')).toXml().replace('<', "&lt;") +
+               "</SimulationDevice></RegisterSimulation></Command>"
+        << false << "dropped: it registers a device with a record of";
+}
+
+void tst_WireCommands::badPeer()
+{
+    QFETCH(const QByteArray, bytes);
+    QFETCH(const bool, closes);
+    QFETCH(const QString, told);
+
+    Service service;
+    Peer device(service.port());
+    Peer editor(service.port());
+    device.registerAs(QStringLiteral("rx"));
+    editor.communication.sendCommandAcquireServer();
+    QVERIFY(device.synchronize() && editor.synchronize());
+
+    QTcpSocket bad;
+    bad.connectToHost(QStringLiteral("127.0.0.1"), service.port().toUShort());
+    QVERIFY(bad.waitForConnected(s_iToolTimeout));
+    const QString sName = QStringLiteral("127.0.0.1:%1: ").arg(bad.localPort());
+    bad.write(bytes);
+    if (closes) {
+        QVERIFY(bad.waitForBytesWritten(s_iToolTimeout));
+        bad.abort();
+    }
+    QVERIFY2(service.says(sName + told), qPrintable(service.text()));
+    if (told.startsWith(QStringLiteral("dropped"))) {
+        QTRY_COMPARE_WITH_TIMEOUT(bad.state(), QAbstractSocket::UnconnectedState, s_iToolTimeout);
+    }
+    device.take();
+    editor.communication.sendStartScenario(1, 2);
+    QVERIFY(editor.synchronize() && device.synchronize());
+    QCOMPARE(device.take(), QStringLiteral("start"));
+    QCOMPARE(editor.ids, QStringList({QStringLiteral("rx")}));
+    QCOMPARE(service.text().count(QStringLiteral("dropped")),
+             told.startsWith(QStringLiteral("dropped")) ? 1 : 0);
+}
+
+void tst_WireCommands::peerThatDoesNotRead()
+{
+    Service service;
+    Peer devices(service.port());
+    for (int i = 0; i < 400; ++i) {
+        devices.registerAs(QStringLiteral("device-%1").arg(i));
+    }
+    QVERIFY(devices.synchronize());
+    QCOMPARE(devices.ids.size(), 400);
+
+    QTcpSocket bad; // it asks for more than may wait for it
+    bad.setReadBufferSize(1);
+    bad.connectToHost(QStringLiteral("127.0.0.1"), service.port().toUShort());
+    QVERIFY(bad.waitForConnected(s_iToolTimeout));
+    bad.write(QByteArray("<Command><RequestSimulationDevices/></Command>").repeated(4000));
+    QVERIFY(service.says(QStringLiteral("127.0.0.1:%1: dropped: it does not read").arg(bad.localPort())));
+    QVERIFY(devices.synchronize());
+}
+
+void tst_WireCommands::wrongConfirmation()
+{
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    const auto device =
+        startDevice(QStringLiteral("rx"), QStringLiteral("127.0.0.1:%1").arg(server.serverPort()));
+    QVERIFY(QTest::qWaitFor([&] { return server.hasPendingConnections(); }, s_iToolTimeout));
+    Communication communication(server.nextPendingConnection());
+    SimulationDeviceConfiguration registered;
+    connect(&communication, &Communication::registerSimulationDevice,
+            [&](const QString& /*a_sId*/, const SimulationDeviceConfiguration& a_device) {
+                registered = a_device;
+            });
+    const QSignalSpy states(&communication, &Communication::simulationDeviceStateUpdate);
+    QTRY_COMPARE_WITH_TIMEOUT(registered.id(), QStringLiteral("rx"), s_iToolTimeout);
+    QVERIFY(!registered.machine().isEmpty() && !registered.machineId().isEmpty());
+
+    communication.sendLoadScenario("<Scenario/>");
+    QVERIFY(device->says(QStringLiteral("has not confirmed the device are ignored")));
+    communication.sendAcceptSimulationDevice(
+        QStringLiteral("rx"), Communication::createConfirmation(deviceOf(QStringLiteral("rx"))));
+    communication.sendLoadScenario("<Scenario/>");
+    QVERIFY(device->says(QStringLiteral("wrong confirmation")));
+    QCOMPARE(states.count(), 0);
+    communication.sendAcceptSimulationDevice(QStringLiteral("rx"),
+                                             Communication::createConfirmation(registered));
+    communication.sendLoadScenario("<Nonsense/>");
+    QTRY_COMPARE_WITH_TIMEOUT(states.count(), 3, s_iToolTimeout); // none, loading, failed
+    QCOMPARE(states[2][1].value<SimulationDeviceState>().scenarioDataState(), ScenarioDataState::Failed);
+    QCOMPARE(device->text().count(QStringLiteral("state: loading")), 1);
+    communication.socket()->write("no command");
+    QVERIFY(device->says(QStringLiteral("cannot be read")) &&
+            device->says(QStringLiteral("rx: connected"), 2));
+}
+
+void tst_WireCommands::loadTellsOfDevices_data()
+{
+    QTest::addColumn<ScenarioDataState>("state");
+    QTest::addColumn<QString>("told");
+    QTest::newRow("fails") << ScenarioDataState::Failed << "rx rx failed";
+    QTest::newRow("never ends") << ScenarioDataState::Loading << "rx rx loading";
+}
+
+void tst_WireCommands::loadTellsOfDevices()
+{
+    QFETCH(const ScenarioDataState, state);
+    QFETCH(const QString, told);
+    const Service service;
+    Peer device(service.port());
+    connect(&device.communication, &Communication::loadScenario,
+            [&] { device.report(QStringLiteral("rx"), state); });
+    device.registerAs(QStringLiteral("rx"));
+    device.report(QStringLiteral("rx"), ScenarioDataState::Loaded); // of an earlier scenario
+    QVERIFY(device.synchronize());
+    Tool control({QStringLiteral("control"), QStringLiteral("load"), s_sBuiltIn, QStringLiteral("--server"),
+                  service.address(), QStringLiteral("--timeout"), QStringLiteral("2")});
+    QVERIFY(control.says(QStringLiteral("loaded by 0 of 1 device\n")));
+    QCOMPARE(control.codeAfter(0), 1);
+    QVERIFY2(simplifiedLines(control.text()).contains(told), qPrintable(control.text()));
+}
+
+void tst_WireCommands::refused_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("told");
+    const auto row = [](const char* a_szName, const char* a_szArguments, const char* a_szTold) {
+        QTest::newRow(a_szName) << QString::fromLatin1(a_szArguments).split(u' ')
+                                << QString::fromLatin1(a_szTold);
+    };
+    row("no action", "control", "control: an action is needed");
+    row("unknown action", "control explode", "control: there is no action \"explode\"");
+    row("no file", "control load", "control: load takes one FILE, 0 given");
+    row("too much", "control stop now", "control: stop takes nothing, 1 given");
+    row("no time", "control start soon", "control: start needs a whole number of milliseconds");
+    row("no port", "control stop --server host:0", "control: the port of --server needs");
+    row("no host", "control stop --server :57400", "control: --server needs HOST:PORT");
+    row("no timeout", "control stop --timeout 0",
+        "control: --timeout needs a whole number of seconds from 1");
+    row("missing scenario", "control load missing", "missing: No such file");
+    row("folder", "control load /", "/: ");
+    row("no scenario", "control load DIR/deployment", "line 1, column");
+    row("half a scenario", "control load DIR/half", "half: line 1");
+    row("no deployment", "control deploy DIR/half", "is no deployment: its root is Scenario");
+    row("half a deployment", "control deploy DIR/deployment", "deployment: line 1, column");
+    row("service port", "service --port 65536", "service: --port needs a whole number from 0 to 65535");
+    row("service address", "service --address here", "service: --address needs an IP address");
+    row("foreign address", "service --port 0 --address 192.0.2.1", "service: cannot listen on 192.0.2.1:0");
+    row("device without id", "device", "device: --id is needed");
+    row("unprintable id", "device --id \x01", "device: --id needs at most 255 characters");
+    row("step", "device --id a --step 0", "device: --step needs a whole number of milliseconds from 1");
+    row("repository", "device --id a --repository missing", "missing: No such folder");
+    row("demo", "demo fast", "demo: there are no arguments");
+}
+
+void tst_WireCommands::refused()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(const QString, told);
+    const QTemporaryDir folder;
+    const auto write = [&](const QString& a_sName, const QByteArray& a_content) {
+        QFile file(folder.filePath(a_sName));
+        return file.open(QIODevice::WriteOnly) && file.write(a_content) == a_content.size();
+    };
+    QVERIFY(write(QStringLiteral("half"), "<Scenario><Emitter>"));
+    QVERIFY(write(QStringLiteral("deployment"), "<SimulationDeployment>"));
+    arguments.replaceInStrings(QStringLiteral("DIR"), folder.path());
+    const ToolResult result = runTool(arguments);
+    QCOMPARE(result.code, 2);
+    QCOMPARE(result.out, QString());
+    QVERIFY2(result.err.contains(told) && result.err.count(u'\n') == 1, qPrintable(result.err));
+}
+
+void tst_WireCommands::nobodyAnswers()
+{
+    QTcpServer silent;
+    QVERIFY(silent.listen(QHostAddress::LocalHost));
+    const QString sAddress = QStringLiteral("127.0.0.1:%1").arg(silent.serverPort());
+    const QStringList stop{QStringLiteral("stop"), QStringLiteral("--timeout"), QStringLiteral("1")};
+    const ToolResult noAnswer = runControl(sAddress, stop);
+    QCOMPARE(noAnswer.err,
+             QStringLiteral("simulationtool: control: %1: the service does not answer\n").arg(sAddress));
+    QCOMPARE(noAnswer.code, 2);
+    silent.close();
+    const ToolResult nobody = runControl(sAddress, stop);
+    QCOMPARE(nobody.err, QStringLiteral("simulationtool: control: %1: Connection refused\n").arg(sAddress));
+    QCOMPARE(nobody.code, 2);
+
+    const Service service;
+    const ToolResult nothing = runControl(service.address(), {QStringLiteral("pause")});
+    QVERIFY(nothing.err.contains(QStringLiteral("does not say that a scenario runs")));
+    QCOMPARE(nothing.code, 2);
+}
+
+void tst_WireCommands::demo()
+{
+    const ToolResult result = runTool({QStringLiteral("demo")});
+    QCOMPARE(result.err, QString());
+    QCOMPARE(result.code, 0);
+    const QStringList lines = simplifiedLines(result.out);
+    QVERIFY(lines.contains(QStringLiteral("editor is told: loaded by 2 devices")));
+    QVERIFY(
+        lines.contains(QStringLiteral("demo device-1 played 11 steps, device-2 11, with the same values")));
+    QVERIFY(lines.constLast().startsWith(QStringLiteral("All 8 steps of the road done")));
+    QVERIFY2(result.out.contains(QStringLiteral("5000  pilot-boat     yes          156.800000")),
+             qPrintable(result.out));
+}
+
+QTEST_GUILESS_MAIN(tst_WireCommands)
+#include "tst_wirecommands.moc"
