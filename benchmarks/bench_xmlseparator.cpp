@@ -1,19 +1,18 @@
+#include "comparison.h"
+
 #include "simulationdata/limits.h"
 #include "simulationdata/xmlseparator_p.h"
 
-#include <benchmark/benchmark.h>
 #include <QCoreApplication>
 #include <QIODevice>
 #include <QXmlStreamReader>
 
-#include <chrono>
+#include <algorithm>
 #include <cstring>
 
 using namespace Simulation;
 
 namespace {
-
-using Seconds = std::chrono::duration<double>;
 
 constexpr qsizetype s_iKibi = 1024;
 constexpr qsizetype s_iMebi = 1024 * s_iKibi;
@@ -68,14 +67,14 @@ QByteArray commandDocument(qsizetype a_iBytes)
 
 double bareSeconds(const QByteArray& a_document, qsizetype a_iCopies)
 {
-    const auto begin = std::chrono::steady_clock::now();
-    for (qsizetype i = 0; i < a_iCopies; ++i) {
-        QXmlStreamReader reader(a_document);
-        while (!reader.atEnd()) {
-            benchmark::DoNotOptimize(reader.readNext());
+    return secondsOf([&] {
+        for (qsizetype i = 0; i < a_iCopies; ++i) {
+            QXmlStreamReader reader(a_document);
+            while (!reader.atEnd()) {
+                benchmark::DoNotOptimize(reader.readNext());
+            }
         }
-    }
-    return Seconds(std::chrono::steady_clock::now() - begin).count();
+    });
 }
 
 double separatorSeconds(const QByteArray& a_stream, qsizetype a_iSegment, qsizetype a_iCopies,
@@ -85,12 +84,12 @@ double separatorSeconds(const QByteArray& a_stream, qsizetype a_iSegment, qsizet
     XmlSeparator separator(&device, nullptr);
     qsizetype iReceived = 0;
     QObject::connect(&separator, &XmlSeparator::xmlReceived, &separator, [&] { ++iReceived; });
-    const auto begin = std::chrono::steady_clock::now();
-    for (qsizetype i = 0; i < a_stream.size(); i += a_iSegment) {
-        device.arrive(QByteArrayView(a_stream).sliced(i, std::min(a_iSegment, a_stream.size() - i)));
-        QCoreApplication::sendPostedEvents();
-    }
-    const double dSeconds = Seconds(std::chrono::steady_clock::now() - begin).count();
+    const double dSeconds = secondsOf([&] {
+        for (qsizetype i = 0; i < a_stream.size(); i += a_iSegment) {
+            device.arrive(QByteArrayView(a_stream).sliced(i, std::min(a_iSegment, a_stream.size() - i)));
+            QCoreApplication::sendPostedEvents();
+        }
+    });
     if (iReceived != a_iCopies) {
         a_state.SkipWithError("not every document was received");
     }

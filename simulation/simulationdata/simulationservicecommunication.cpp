@@ -32,18 +32,17 @@ SimulationServiceCommunication::SimulationServiceCommunication(QTcpSocket* a_pSo
 
 SimulationServiceCommunication::~SimulationServiceCommunication()
 {
-    dropSeparator();
+    dropSeparators(m_pSocket);
 }
 
 void SimulationServiceCommunication::setSocket(QTcpSocket* a_pSocket)
 {
     // Two separators on one socket would take the bytes from each other.
-    if (a_pSocket == nullptr || a_pSocket == m_pSocket) {
-        dropSeparator();
-    }
+    dropSeparators(a_pSocket == nullptr ? m_pSocket.data() : a_pSocket);
     m_pSocket = a_pSocket;
     m_bLostCommands = false;
     if (a_pSocket == nullptr) {
+        m_pSeparator = nullptr;
         return;
     }
     m_pSeparator = new XmlSeparator(a_pSocket, this);
@@ -63,17 +62,18 @@ QTcpSocket* SimulationServiceCommunication::socket() const
     return m_pSocket.data();
 }
 
-void SimulationServiceCommunication::dropSeparator()
+/// Ends the reading of that socket, of those that have died when it is null.
+void SimulationServiceCommunication::dropSeparators(const QTcpSocket* a_pSocket)
 {
-    if (m_pSeparator == nullptr) {
-        return;
+    for (XmlSeparator* const pSeparator : findChildren<XmlSeparator*>(Qt::FindDirectChildrenOnly)) {
+        if (pSeparator->device() == a_pSocket) {
+            pSeparator->disconnect();
+            if (a_pSocket != nullptr) {
+                a_pSocket->disconnect(pSeparator);
+            }
+            pSeparator->deleteLater();
+        }
     }
-    m_pSeparator->disconnect();
-    if (m_pSocket != nullptr) {
-        m_pSocket->disconnect(m_pSeparator);
-    }
-    m_pSeparator->deleteLater();
-    m_pSeparator = nullptr;
 }
 
 void SimulationServiceCommunication::sendCommand(const XmlElement& a_command)

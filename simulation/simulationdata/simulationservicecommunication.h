@@ -40,10 +40,11 @@ public:
 
     /// Talks over that socket from now on; it is not owned and may die first.
     ///
-    /// Null ends the talk: nothing is received any more, not even commands that
-    /// have arrived and wait for the event loop, and what is sent goes nowhere.
-    /// The socket in use begins afresh. Another socket takes the sending over,
-    /// while the earlier one is still listened to; set null between to end it.
+    /// Null ends the talk: nothing is received over the socket in use any more,
+    /// not even commands that have arrived and wait for the event loop, and what
+    /// is sent goes nowhere. A socket that was set before begins afresh. Another
+    /// socket takes the sending over, while the earlier one is still listened to;
+    /// set null between to end it.
     ///
     /// When the socket connects anew, a half command of the old connection is
     /// forgotten: it may be set once for all its connections.
@@ -124,7 +125,7 @@ private Q_SLOTS:
     // NOLINTEND(readability-identifier-naming)
 
 private:
-    void dropSeparator();
+    void dropSeparators(const QTcpSocket* a_pSocket);
     void sendCommand(const XmlElement& a_command);
     void sendPayload(XmlElement a_command, const QString& a_sName, const QByteArray& a_data);
 

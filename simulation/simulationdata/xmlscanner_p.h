@@ -43,8 +43,9 @@ private:
 
 /// Finds where an XML text goes beyond a limit (nesting depth, attributes of
 /// one element, bytes and entities of a document type) before a parser sees that
-/// tag, and where a document ends in a stream of them. The bytes of several document types are added up: a
-/// lenient parser takes them inside elements, too, and keeps the rules of all.
+/// tag, and where a document ends in a stream of them. The bytes of several
+/// document types are added up: a lenient parser takes them inside elements, too,
+/// and keeps the rules of all.
 ///
 /// The text is fed in pieces of any size, as UTF-8 or any encoding that keeps
 /// ASCII. Time is linear in the bytes and memory is constant whatever they

@@ -18,7 +18,9 @@ namespace {
 constexpr const char* s_szSource = "simulation/simulationdata/xmlseparator";
 
 constexpr qsizetype s_iLengthBytes = 4;
-constexpr qint64 s_iSocketBytes = 1'048'576; ///< what a socket may read ahead
+/// What a socket may read ahead, and what is split before others have their
+/// turn: as documents on their way the shortest take 55 times as much memory.
+constexpr qint64 s_iSocketBytes = 65'536;
 
 qint64 limit(Limits::Limit a_eLimit)
 {
@@ -42,6 +44,7 @@ XmlSeparator::XmlSeparator(QIODevice* a_pDevice, FramingMode a_eMode, QObject* a
         pSocket->setReadBufferSize(s_iSocketBytes);
     }
     connectDevice();
+    scheduleRead();
     connect(this, &XmlSeparator::queued_xmlReceived, this, &XmlSeparator::xmlReceived, Qt::QueuedConnection);
 }
 
@@ -80,8 +83,7 @@ void XmlSeparator::reset()
     m_bReporting = false;
     m_sError.clear();
     connectDevice();
-    // A socket whose buffer is full says nothing more until it is read.
-    m_readTimer.start(0, this);
+    scheduleRead();
 }
 
 void XmlSeparator::connectDevice()
@@ -90,6 +92,12 @@ void XmlSeparator::connectDevice()
     if (m_pDevice != nullptr) {
         connect(m_pDevice, &QIODevice::readyRead, this, &XmlSeparator::readNewData);
     }
+}
+
+/// For what waits in the device already: that it told of before.
+void XmlSeparator::scheduleRead()
+{
+    m_readTimer.start(0, this);
 }
 
 void XmlSeparator::readNewData()
@@ -175,9 +183,7 @@ void XmlSeparator::takeFrame()
     }
     m_buffer.skip(s_iLengthBytes);
     QByteArray payload = m_buffer.take(iFrame - s_iLengthBytes);
-    if (m_buffer.size() > 0) {
-        m_readTimer.start(0, this);
-    }
+    scheduleRead(); // for the next frame, in the buffer or still in the device
     if (!m_bUncompressIncoming || uncompress(&payload)) {
         Q_EMIT queued_xmlReceived(payload);
     }

@@ -22,7 +22,7 @@
 ///
 /// The peer is not trusted. What it sends is held within Limits: a document, a
 /// frame and its content, and what waits to be written. A socket that buffers
-/// without bound is given a read buffer of 1 MiB, so that a peer that sends on
+/// without bound is given a read buffer of 64 KiB, so that a peer that sends on
 /// while nothing is read has to wait; a socket whose buffer is full does not
 /// notice that its peer has left.
 class SIMULATIONDATA_EXPORT XmlSeparator : public QObject
@@ -38,9 +38,13 @@ public:
         LengthPrefixedLittleEndian = 3 ///< as before, least significant first
     };
 
-    /// Of plain XML.
+    /// Of plain XML. What waits in the device already is read, too, from the
+    /// event loop.
     XmlSeparator(QIODevice* a_pDevice, QObject* a_pParent);
     XmlSeparator(QIODevice* a_pDevice, FramingMode a_eMode, QObject* a_pParent);
+
+    /// Null when it has died.
+    [[nodiscard]] QIODevice* device() const { return m_pDevice.data(); }
 
     /// Whether documents leave compressed, in frames only. By default they do
     /// not. A first incoming frame that is not compressed switches it off.
@@ -95,6 +99,7 @@ private Q_SLOTS:
 
 private:
     void connectDevice();
+    void scheduleRead();
     void takeUp();
     void detectFraming();
 

@@ -14,22 +14,13 @@ namespace {
 // A peer must not be able to fill the disk that the log goes to.
 constexpr int s_iMaxLines = 100;
 constexpr qint64 s_iWindow = 10'000; ///< ms
-/// Read at a time, before others have their turn; some thousand small commands.
-constexpr qint64 s_iReadBytes = 65'536;
-
-/// The reader of the stream leaves a bound that was set before it alone.
-QTcpSocket* boundedSocket(QTcpSocket* a_pSocket)
-{
-    a_pSocket->setReadBufferSize(s_iReadBytes);
-    return a_pSocket;
-}
 
 } // namespace
 
 ServicePeer::ServicePeer(QTcpSocket* a_pSocket, QObject* a_pParent)
     : QObject(a_pParent)
     , m_pSocket(a_pSocket)
-    , m_communication(boundedSocket(a_pSocket))
+    , m_communication(a_pSocket)
     , m_sName(addressText(a_pSocket->peerAddress(), a_pSocket->peerPort()))
 {
     m_pSocket->setParent(this);

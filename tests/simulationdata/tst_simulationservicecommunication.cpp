@@ -450,13 +450,20 @@ void TestSimulationServiceCommunication::replacedSocket()
     other.sendBytes(bare("UnloadScenario"));
     QTRY_COMPARE(log.entries().size(), 2);
 
+    wire.sendBytes("<Command><Load");
+    QTest::qWait(s_iQuietTime);
+    wire.communication->setSocket(wire.near.get()); // begins afresh, though still listened to
+    wire.sendBytes(bare("StopScenario"));
+    QTRY_COMPARE(log.entries().size(), 3);
+    wire.communication->setSocket(other.near.get());
+
     // Read already, but not delivered yet.
     connect(wire.communication.get(), &SimulationServiceCommunication::unloadScenario, this,
             [&wire] { wire.communication->setSocket(nullptr); });
     other.sendBytes(bare("UnloadScenario") + bare("StopScenario"));
     QTRY_COMPARE(wire.communication->socket(), nullptr);
     QTest::qWait(s_iQuietTime);
-    QCOMPARE(log.entries().size(), 3);
+    QCOMPARE(log.entries().size(), 4);
 }
 
 void TestSimulationServiceCommunication::deletedInSlot()

@@ -321,9 +321,16 @@ void TestXmlSeparator::pausing()
     peer.separator.reset(); // half a document is forgotten, and a silent device asked
     QTRY_COMPARE(peer.documents.last(), QByteArray("<e/>"));
 
+    ScriptedDevice device;
+    device.arrive("<a/>");
+    XmlSeparator late(&device, nullptr);
+    QByteArrayList documents;
+    connect(&late, &XmlSeparator::xmlReceived, this, [&](const QByteArray& a_xml) { documents += a_xml; });
+    QTRY_COMPARE(documents, QByteArrayList({"<a/>"})); // came before, and nothing after it
+
     QTcpSocket socket;
     const XmlSeparator onSocket(&socket, nullptr);
-    QCOMPARE(socket.readBufferSize(), qint64{s_iMebi}); // a peer is not to fill it while paused
+    QCOMPARE(socket.readBufferSize(), qint64{65'536}); // a peer is not to fill it while paused
 }
 
 void TestXmlSeparator::lifetimes()
@@ -421,12 +428,14 @@ void TestXmlSeparator::pausedBetweenFrames()
 {
     constexpr auto eMode = XmlSeparator::LengthPrefixedBigEndian;
     Peer peer(eMode);
-    peer.device.arrive(frame("<a/>", eMode) + frame("<b/>", eMode) + frame("<c/>", eMode));
+    peer.device.arrive(frame("<a/>", eMode) + frame("<b/>", eMode) + frame("<c/>", eMode) +
+                       frame("<d/>", eMode));
     peer.separator.pause();
     QTest::qWait(10);
     QCOMPARE(peer.documents, QByteArrayList({"<a/>"}));
     peer.separator.resume();
-    QTRY_COMPARE(peer.documents, QByteArrayList({"<a/>", "<b/>", "<c/>"}));
+    peer.device.arrive(frame("<e/>", eMode)); // is left there while whole frames wait
+    QTRY_COMPARE(peer.documents, QByteArrayList({"<a/>", "<b/>", "<c/>", "<d/>", "<e/>"}));
 }
 
 void TestXmlSeparator::sending()
