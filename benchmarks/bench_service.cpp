@@ -43,7 +43,9 @@ double processorTime(qint64 a_iProcess)
 void runFor(int a_iMilliseconds)
 {
     QEventLoop loop;
-    QTimer::singleShot(a_iMilliseconds, &loop, &QEventLoop::quit);
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+    timer.start(a_iMilliseconds);
     loop.exec();
 }
 
@@ -86,7 +88,9 @@ bool registerDevices(std::vector<std::unique_ptr<Device>>& a_devices, quint16 a_
         device->socket.connectToHost(QStringLiteral("127.0.0.1"), a_uiPort);
         a_devices.push_back(std::move(device));
     }
-    QTimer::singleShot(s_iTimeoutMs, &loop, &QEventLoop::quit);
+    QTimer timeout;
+    QObject::connect(&timeout, &QTimer::timeout, &loop, &QEventLoop::quit);
+    timeout.start(s_iTimeoutMs);
     loop.exec();
     return iAccepted == s_iDevices;
 }

@@ -201,36 +201,38 @@ void PackageCacheFolder::update(const QString& a_sRepository, bool a_bAnew) cons
     if (a_bAnew) {
         removePackages();
     }
-    const QList<SignalPackage> packages = readPackagesBelow(a_sRepository);
+    const QList<PackageSource> sources = readPackagesBelow(
+        a_sRepository, [this](const SignalPackage& a_package) { return isComplete(a_package); });
     // The descriptors come first: by them removePackages() finds what is ours.
-    copyDescriptors(packages);
+    copyDescriptors(sources);
     QList<QFuture<void>> tasks;
-    tasks.reserve(packages.size());
-    for (const SignalPackage& package : packages) {
-        tasks.append(QtConcurrent::run([this, &package] { copyData(package); }));
+    for (const PackageSource& source : sources) {
+        if (!source.cached) {
+            tasks.append(QtConcurrent::run([this, &source] { copyData(source.package); }));
+        }
     }
     for (QFuture<void>& task : tasks) {
         task.waitForFinished();
     }
     trace(ErrorHandler::TraceProgress, s_szSource, [&] {
-        return QStringLiteral("The cache was updated by the %1 packages below \"%2\"")
-            .arg(QString::number(packages.size()), a_sRepository);
+        return QStringLiteral("The cache was updated by %1 of the %2 packages below \"%3\"")
+            .arg(QString::number(tasks.size()), QString::number(sources.size()), a_sRepository);
     });
 }
 
 /// An id that a package supersedes is to resolve to that one, whether or not the
 /// older one is still there: so first come the update ids, those of the newest
 /// package before others, and then the packages' own.
-void PackageCacheFolder::copyDescriptors(const QList<SignalPackage>& a_packages) const
+void PackageCacheFolder::copyDescriptors(const QList<PackageSource>& a_sources) const
 {
     QList<const SignalPackage*> missing;
-    for (const SignalPackage& package : a_packages) {
+    for (const PackageSource& source : a_sources) {
         // After a power cut a file may be there without its bytes.
-        if (QFileInfo(file(package.cleanId(), s_szDescriptor)).size() == 0) {
-            missing.append(&package);
+        if (!source.cached && QFileInfo(file(source.package.cleanId(), s_szDescriptor)).size() == 0) {
+            missing.append(&source.package);
         }
     }
-    const SupersededIds superseded(a_packages);
+    const SupersededIds superseded(a_sources);
     for (const SignalPackage* pPackage : missing) {
         for (const QString& sCleanId : superseded.of(*pPackage)) {
             copyDescriptor(*pPackage, sCleanId);
@@ -258,17 +260,31 @@ void PackageCacheFolder::copyData(const SignalPackage& a_package) const
     }
 }
 
-/// Copies a file that there is to where there is none, or an empty one.
-void PackageCacheFolder::copyMissing(const QString& a_sFrom, const QString& a_sTo)
+bool PackageCacheFolder::isComplete(const SignalPackage& a_package) const
+{
+    const QString sCleanId = a_package.cleanId();
+    return QFileInfo(file(sCleanId, s_szDescriptor)).size() > 0 &&
+           std::none_of(s_dataFiles.begin(), s_dataFiles.end(), [&](const DataFile& a_data) {
+               return isMissing(a_data.path(a_package.path()), file(sCleanId, a_data.ending));
+           });
+}
+
+/// Whether there is something to copy to where there is none, or an empty file.
+bool PackageCacheFolder::isMissing(const QString& a_sFrom, const QString& a_sTo)
 {
     const QFileInfo target(a_sTo);
-    if ((target.exists() && target.size() > 0) || !QFileInfo::exists(a_sFrom)) {
-        return;
+    if (target.size() > 0) {
+        return false;
     }
-    if (target.exists() && QFileInfo(a_sFrom).size() > 0) {
-        static_cast<void>(replaceByCopy(a_sFrom, a_sTo));
-    } else {
-        static_cast<void>(copyFileWhole(a_sFrom, a_sTo));
+    const QFileInfo source(a_sFrom);
+    return target.exists() ? source.size() > 0 : source.exists();
+}
+
+void PackageCacheFolder::copyMissing(const QString& a_sFrom, const QString& a_sTo)
+{
+    if (isMissing(a_sFrom, a_sTo)) {
+        static_cast<void>(QFileInfo::exists(a_sTo) ? replaceByCopy(a_sFrom, a_sTo)
+                                                   : copyFileWhole(a_sFrom, a_sTo));
     }
 }
 

@@ -9,6 +9,7 @@
 namespace Simulation {
 
 class SignalPackage;
+struct PackageSource;
 
 /// The folder behind a package cache: what stands in it under which name, and
 /// how it gets there and leaves. It keeps nothing in memory. Several processes
@@ -52,9 +53,11 @@ private:
     void unpackDefaultPackage() const;
     void removePackages() const;
     [[nodiscard]] bool removeFiles(const QString& a_sCleanId, bool a_bDefault) const;
-    void copyDescriptors(const QList<SignalPackage>& a_packages) const;
+    void copyDescriptors(const QList<PackageSource>& a_sources) const;
     void copyDescriptor(const SignalPackage& a_package, const QString& a_sCleanId) const;
     void copyData(const SignalPackage& a_package) const;
+    [[nodiscard]] bool isComplete(const SignalPackage& a_package) const;
+    [[nodiscard]] static bool isMissing(const QString& a_sFrom, const QString& a_sTo);
     static void copyMissing(const QString& a_sFrom, const QString& a_sTo);
 
     const QString m_sPath; ///< absolute; empty when none was given

@@ -37,43 +37,47 @@ void passOver(const SignalPackage& a_package, const QString& a_sOwner)
 
 } // namespace
 
-QList<SignalPackage> readPackagesBelow(const QString& a_sFolder)
+QList<PackageSource> readPackagesBelow(const QString& a_sFolder,
+                                       const std::function<bool(const SignalPackage&)>& a_isCached)
 {
     const QStringList folders = SignalPackageFolder::list(a_sFolder);
-    QList<QFuture<SignalPackage>> tasks;
+    QList<QFuture<PackageSource>> tasks;
     tasks.reserve(folders.size());
     for (const QString& sFolder : folders) {
-        tasks.append(QtConcurrent::run(&readPackage, sFolder));
+        tasks.append(QtConcurrent::run([sFolder, &a_isCached] {
+            const SignalPackage package = readPackage(sFolder);
+            return PackageSource{package, !package.id().isEmpty() && a_isCached(package)};
+        }));
     }
-    QList<SignalPackage> packages;
-    packages.reserve(tasks.size());
-    for (QFuture<SignalPackage>& task : tasks) {
-        packages.append(task.result());
+    QList<PackageSource> sources;
+    sources.reserve(tasks.size());
+    for (QFuture<PackageSource>& task : tasks) {
+        sources.append(task.result());
     }
-    std::stable_sort(packages.begin(), packages.end(), [](const auto& a_first, const auto& a_second) {
-        return a_first.timestamp() > a_second.timestamp();
+    std::stable_sort(sources.begin(), sources.end(), [](const auto& a_first, const auto& a_second) {
+        return a_first.package.timestamp() > a_second.package.timestamp();
     });
     QHash<QString, QString> owners{{s_sReservedName, QStringLiteral("the default package")}}; // by cleaned id
-    packages.removeIf([&owners](const SignalPackage& a_package) {
-        if (a_package.id().isEmpty()) {
+    sources.removeIf([&owners](const PackageSource& a_source) {
+        if (a_source.package.id().isEmpty()) {
             return true;
         }
-        QString& sOwner = owners[a_package.cleanId()];
+        QString& sOwner = owners[a_source.package.cleanId()];
         if (!sOwner.isEmpty()) {
-            passOver(a_package, sOwner);
+            passOver(a_source.package, sOwner);
             return true;
         }
-        sOwner = u'"' + a_package.path() + u'"';
+        sOwner = u'"' + a_source.package.path() + u'"';
         return false;
     });
-    return packages;
+    return sources;
 }
 
-SupersededIds::SupersededIds(const QList<SignalPackage>& a_packages)
+SupersededIds::SupersededIds(const QList<PackageSource>& a_sources)
 {
-    m_timestamps.reserve(a_packages.size());
-    for (const SignalPackage& package : a_packages) {
-        m_timestamps.insert(package.cleanId(), package.timestamp());
+    m_timestamps.reserve(a_sources.size());
+    for (const PackageSource& source : a_sources) {
+        m_timestamps.insert(source.package.cleanId(), source.package.timestamp());
     }
 }
 

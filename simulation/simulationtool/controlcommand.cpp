@@ -114,6 +114,7 @@ std::optional<std::chrono::seconds> readTimeout(const QCommandLineParser& a_pars
 
 ExitCode control(const QStringList& a_arguments, Output& a_output)
 {
+    ignoreClosedPipes();
     CommandParser parser(QStringLiteral("control"),
                          QStringLiteral("ACTION [FILE|MS] [--server HOST:PORT] [--timeout SECONDS]"),
                          s_szControl, s_szControlExamples);

@@ -60,6 +60,7 @@ ExitCode runDemo(Output& a_output)
 
 ExitCode demo(const QStringList& a_arguments, Output& a_output)
 {
+    ignoreClosedPipes();
     CommandParser parser(QStringLiteral("demo"), QString(), s_szDemo, s_szDemoExamples);
     if (const auto done = parser.parse(a_arguments, a_output)) {
         return *done;

@@ -162,6 +162,7 @@ std::optional<DeviceOptions> readDeviceOptions(const QCommandLineParser& a_parse
 
 ExitCode device(const QStringList& a_arguments, Output& a_output)
 {
+    ignoreClosedPipes();
     CommandParser parser(QStringLiteral("device"),
                          QStringLiteral("--id ID [--name NAME] [--server HOST:PORT]\n"
                                         "                             [--repository DIR] [--step MS]"),

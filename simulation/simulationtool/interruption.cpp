@@ -44,6 +44,11 @@ void catchInterruptions()
     }
 }
 
+void ignoreClosedPipes()
+{
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+}
+
 bool isInterrupted()
 {
     return s_iSignal != 0;

@@ -11,6 +11,10 @@ namespace SimulationTool {
 /// programs are only noted.
 void catchInterruptions();
 
+/// From now on a closed pipe ends nothing: writing there fails instead. For
+/// programs that outlive the readers of their logs. Before catchInterruptions().
+void ignoreClosedPipes();
+
 /// Whether such a signal came.
 [[nodiscard]] bool isInterrupted();
 

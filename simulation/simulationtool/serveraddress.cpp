@@ -14,19 +14,24 @@ namespace {
 const QString s_sServer = QStringLiteral("server");
 
 /// Host and port apart; the port is null when there is none. An address with
-/// colons of its own stands in brackets where a port follows.
+/// colons of its own stands in brackets where a port follows. The host is empty
+/// when the text is neither.
 std::pair<QString, QString> dividedAddress(const QString& a_sText)
 {
     const qsizetype iBracket = a_sText.indexOf(u']');
-    if (a_sText.startsWith(u'[') && iBracket > 0) {
+    if (a_sText.startsWith(u'[')) {
         const QString sRest = a_sText.mid(iBracket + 1);
-        if (sRest.isEmpty() || sRest.startsWith(u':')) {
+        if (iBracket > 0 && (sRest.isEmpty() || sRest.startsWith(u':'))) {
             return {a_sText.mid(1, iBracket - 1), sRest.isEmpty() ? QString() : sRest.mid(1)};
         }
         return {};
     }
     const qsizetype iColon = a_sText.indexOf(u':');
-    if (iColon < 0 || a_sText.indexOf(u':', iColon + 1) >= 0) {
+    const bool bSeveral = iColon >= 0 && a_sText.indexOf(u':', iColon + 1) >= 0;
+    if (bSeveral && QHostAddress(a_sText).isNull()) {
+        return {};
+    }
+    if (iColon < 0 || bSeveral) {
         return {a_sText, QString()};
     }
     return {a_sText.left(iColon), a_sText.mid(iColon + 1)};

@@ -68,6 +68,7 @@ ExitCode runService(const QHostAddress& a_address, std::uint16_t a_uiPort, Outpu
 
 ExitCode service(const QStringList& a_arguments, Output& a_output)
 {
+    ignoreClosedPipes();
     CommandParser parser(QStringLiteral("service"), QStringLiteral("[--port N] [--address ADDRESS]"),
                          s_szService, s_szServiceExamples);
     parser.get().addOption(

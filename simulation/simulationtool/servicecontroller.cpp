@@ -1,6 +1,7 @@
 #include "servicecontroller.h"
 
 #include "interruption.h"
+#include "loglimit.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -52,6 +53,10 @@ void ServiceController::connectSignals()
         }
     });
     connect(&m_socket, &QTcpSocket::errorOccurred, this, [this] { fail(m_socket.errorString()); });
+    // The part that reads the stream says when it gives up.
+    for (const QObject* const pPart : m_communication.children()) {
+        connect(pPart, SIGNAL(errorOccured(QString)), this, SLOT(slotUnreadable(QString)));
+    }
     connect(&m_communication, &Communication::responseSimulationDevices, this, [this](const auto& a_devices) {
         m_devices = a_devices;
         m_iAnswers -= m_iAnswers > 0 ? 1 : 0;
@@ -59,8 +64,7 @@ void ServiceController::connectSignals()
     });
     connect(&m_communication, &Communication::simulationDeviceStateUpdate, this,
             [this](const QString& a_sId, const Simulation::SimulationDeviceState& a_state) {
-                m_states[a_sId] = a_state.scenarioDataState();
-                noteProgress();
+                noteState(a_sId, a_state.scenarioDataState());
             });
     connect(&m_communication, &Communication::startScenario, this,
             [this](quint64 a_uiTimestamp, uint a_uiTime) {
@@ -107,6 +111,7 @@ bool ServiceController::synchronize()
 bool ServiceController::loadScenario(const QByteArray& a_scenario)
 {
     m_states.clear();
+    m_done.clear();
     m_communication.sendLoadScenario(a_scenario);
     if (!synchronize()) {
         return false;
@@ -125,6 +130,20 @@ bool ServiceController::areDevicesDone() const
 {
     return std::all_of(m_devices.cbegin(), m_devices.cend(),
                        [this](const auto& a_device) { return isDone(m_states.value(a_device.id())); });
+}
+
+/// A device that repeats its states must not put the end of a wait off for ever,
+/// so each listed one makes progress once.
+void ServiceController::noteState(const QString& a_sId, ScenarioDataState a_eState)
+{
+    m_states[a_sId] = a_eState;
+    const bool bListed = std::any_of(m_devices.cbegin(), m_devices.cend(),
+                                     [&](const auto& a_device) { return a_device.id() == a_sId; });
+    if (bListed && isDone(a_eState) && !m_done.contains(a_sId)) {
+        m_done.insert(a_sId);
+        noteProgress();
+    }
+    m_loop.quit();
 }
 
 void ServiceController::leave()
@@ -152,6 +171,11 @@ ServiceController::Waited ServiceController::waitFor(const std::function<bool()>
         m_loop.run();
     }
     return Waited::Done;
+}
+
+void ServiceController::slotUnreadable(const QString& a_sReason)
+{
+    fail(QStringLiteral("the answer cannot be read: ") + LogLimit::part(a_sReason.simplified()));
 }
 
 void ServiceController::fail(const QString& a_sProblem)

@@ -12,6 +12,7 @@
 #include <QElapsedTimer>
 #include <QMap>
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QTcpSocket>
 #include <QTimer>
@@ -63,6 +64,9 @@ public:
     /// What the service said of the scenario time, which stands until it does.
     [[nodiscard]] const Simulation::ScenarioTimingHelper& timing() const { return m_timing; }
 
+private Q_SLOTS:
+    void slotUnreadable(const QString& a_sReason);
+
 private:
     enum class Waited {
         Done,
@@ -73,6 +77,7 @@ private:
     void connectSignals();
     [[nodiscard]] Waited waitFor(const std::function<bool()>& a_isDone);
     [[nodiscard]] bool areDevicesDone() const;
+    void noteState(const QString& a_sId, Simulation::ScenarioDataState a_eState);
     void fail(const QString& a_sProblem);
     void noteProgress();
     void showTransfer();
@@ -88,6 +93,7 @@ private:
     int m_iAnswers = 0; ///< that are still to come
     QVector<Simulation::SimulationDeviceConfiguration> m_devices;
     States m_states;
+    QSet<QString> m_done; ///< that were loaded or failed, since a scenario was sent
     Simulation::ScenarioTimingHelper m_timing;
     qint64 m_iTransfer = 0; ///< bytes that waited when it began; 0 = all have left
 };

@@ -1,6 +1,7 @@
 #include "servicepeer.h"
 
 #include "serveraddress.h"
+#include "terminaltext.h"
 
 #include "simulationdata/limits.h"
 
@@ -11,9 +12,8 @@ namespace SimulationTool {
 
 namespace {
 
-// A peer must not be able to fill the disk that the log goes to.
-constexpr int s_iMaxLines = 100;
-constexpr qint64 s_iWindow = 10'000; ///< ms
+constexpr qsizetype s_iMaxLine = 300; ///< characters
+constexpr qint64 s_iWindow = 10'000;  ///< ms
 
 } // namespace
 
@@ -24,6 +24,8 @@ ServicePeer::ServicePeer(QTcpSocket* a_pSocket, QObject* a_pParent)
     , m_sName(addressText(a_pSocket->peerAddress(), a_pSocket->peerPort()))
 {
     m_pSocket->setParent(this);
+    connect(&m_log, &LogLimit::told, this,
+            [this](const QString& a_sLine) { Q_EMIT told(m_sName + QStringLiteral(": ") + a_sLine); });
     // Commands are small, and a machine that was switched off says nothing.
     m_pSocket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     m_pSocket->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
@@ -70,15 +72,7 @@ void ServicePeer::close()
 
 void ServicePeer::tell(const QString& a_sText, bool a_bFinal)
 {
-    if (!m_window.isValid() || m_window.hasExpired(s_iWindow)) {
-        m_window.start();
-        m_iLines = 0;
-    }
-    if (++m_iLines < s_iMaxLines || a_bFinal) {
-        Q_EMIT told(m_sName + QStringLiteral(": ") + a_sText);
-    } else if (m_iLines == s_iMaxLines) {
-        Q_EMIT told(m_sName + QStringLiteral(": too much happens to tell all of it"));
-    }
+    m_log.tell(shortened(a_sText, s_iMaxLine), a_bFinal);
 }
 
 void ServicePeer::slotUnreadable(const QString& a_sReason)

@@ -1,10 +1,11 @@
 #ifndef SIMULATIONTOOL_SERVICEPEER_H
 #define SIMULATIONTOOL_SERVICEPEER_H
 
+#include "loglimit.h"
+
 #include "simulationdata/simulationservicecommunication.h"
 
 #include <QByteArray>
-#include <QElapsedTimer>
 #include <QObject>
 #include <QSet>
 #include <QString>
@@ -61,8 +62,7 @@ private:
     Simulation::SimulationServiceCommunication m_communication;
     QString m_sName;
     QSet<QString> m_deviceIds;
-    QElapsedTimer m_window;
-    int m_iLines = 0; ///< told in this window
+    LogLimit m_log;
     bool m_bLostCommands = false;
 };
 

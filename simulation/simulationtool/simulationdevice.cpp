@@ -22,8 +22,10 @@ using Simulation::TcpServerConnector;
 
 constexpr std::uint64_t s_uiMaxSleep = 60'000; ///< ms; the clock may be set meanwhile
 constexpr qsizetype s_iMaxJxDevices = 4096;
-constexpr qsizetype s_iMaxJxId = 1024;         ///< characters
-constexpr std::int64_t s_iMicroseconds = 1000; ///< in a millisecond
+constexpr qsizetype s_iMaxJxId = 1024;                           ///< characters
+constexpr std::int64_t s_iMicroseconds = 1000;                   ///< in a millisecond
+constexpr std::uint64_t s_uiSecond = 1'000'000;                  ///< us
+constexpr std::uint64_t s_uiYear = s_uiSecond * 3600 * 24 * 365; ///< us
 
 } // namespace
 
@@ -40,6 +42,7 @@ SimulationDevice::SimulationDevice(const Simulation::SimulationDeviceConfigurati
     connect(&m_communication, &Communication::acceptSimulationDevice, this, &SimulationDevice::slotAccepted);
     connect(&m_communication, &Communication::unregisterSimulationDevice, this,
             &SimulationDevice::slotUnregistered);
+    connect(&m_log, &LogLimit::told, this, &SimulationDevice::told);
     connectOrders();
     connectRunOrders();
 }
@@ -78,21 +81,27 @@ void SimulationDevice::slotConnected()
     // A service whose machine was switched off says nothing.
     m_connector->socket()->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
     m_connector->socket()->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    Q_EMIT told(QStringLiteral("connected"));
+    m_log.tell(QStringLiteral("connected"));
     m_communication.sendRegisterSimulationDevice(m_configuration.id(), m_configuration);
 }
 
 void SimulationDevice::slotDisconnected()
 {
     m_bAccepted = false;
-    Q_EMIT told(QStringLiteral("connection lost, trying again"));
+    m_log.tell(QStringLiteral("connection lost, trying again"));
 }
 
 /// The rest of this connection would be lost; the next one begins afresh.
 void SimulationDevice::slotUnreadable(const QString& a_sReason)
 {
-    Q_EMIT told(QStringLiteral("what the service sends cannot be read: ") + a_sReason.simplified());
-    m_connector->disconnectFromServer();
+    m_log.tell(QStringLiteral("what the service sends cannot be read: ") +
+               LogLimit::part(a_sReason.simplified()));
+    // An orderly end would wait until all is sent, which a service that does not
+    // read puts off for ever. An attempt that is under way must not be ended: no
+    // other would follow.
+    if (m_connector->isConnected()) {
+        m_connector->socket()->abort();
+    }
 }
 
 void SimulationDevice::slotAccepted(const QString& a_sId, const QString& a_sConfirmation)
@@ -100,11 +109,11 @@ void SimulationDevice::slotAccepted(const QString& a_sId, const QString& a_sConf
     m_bAccepted = a_sId == m_configuration.id() &&
                   a_sConfirmation == Communication::createConfirmation(m_configuration);
     if (!m_bAccepted) {
-        Q_EMIT told(QStringLiteral("the service sent a wrong confirmation: its orders are ignored"));
+        m_log.tell(QStringLiteral("the service sent a wrong confirmation: its orders are ignored"));
         m_bToldIgnoring = true;
         return;
     }
-    Q_EMIT told(QStringLiteral("accepted"));
+    m_log.tell(QStringLiteral("accepted"));
     reportState();
 }
 
@@ -112,8 +121,7 @@ void SimulationDevice::slotUnregistered(const QString& a_sId)
 {
     if (m_bAccepted && a_sId == m_configuration.id()) {
         m_bAccepted = false;
-        Q_EMIT told(
-            QStringLiteral("another device has registered as %1: no orders come any more").arg(a_sId));
+        m_log.tell(QStringLiteral("another device has registered as %1: no orders come any more").arg(a_sId));
     }
 }
 
@@ -121,7 +129,7 @@ void SimulationDevice::slotUnregistered(const QString& a_sId)
 bool SimulationDevice::obeys()
 {
     if (!m_bAccepted && !std::exchange(m_bToldIgnoring, true)) {
-        Q_EMIT told(QStringLiteral("orders of a service that has not confirmed the device are ignored"));
+        m_log.tell(QStringLiteral("orders of a service that has not confirmed the device are ignored"));
     }
     return m_bAccepted;
 }
@@ -144,19 +152,21 @@ void SimulationDevice::connectOrders()
     connect(&m_communication, &Communication::loadDeployment, this, [this](const QByteArray& a_deployment) {
         if (obeys()) {
             m_deployment = a_deployment;
-            Q_EMIT told(QStringLiteral("deployment of %1")
-                            .arg(counted(static_cast<quint64>(a_deployment.size()), "byte")));
+            m_log.tell(QStringLiteral("deployment of %1")
+                           .arg(counted(static_cast<quint64>(a_deployment.size()), "byte")));
         }
     });
     connect(&m_communication, &Communication::addJxDevice, this, [this](const QString& a_sId) {
         if (obeys() && m_jxDevices.size() < s_iMaxJxDevices && a_sId.size() <= s_iMaxJxId) {
             m_jxDevices.insert(a_sId);
-            Q_EMIT told(QStringLiteral("Jx device %1 added, now %2").arg(a_sId).arg(m_jxDevices.size()));
+            m_log.tell(QStringLiteral("Jx device %1 added, now %2")
+                           .arg(LogLimit::part(a_sId), QString::number(m_jxDevices.size())));
         }
     });
     connect(&m_communication, &Communication::removeJxDevice, this, [this](const QString& a_sId) {
         if (obeys() && m_jxDevices.remove(a_sId)) {
-            Q_EMIT told(QStringLiteral("Jx device %1 removed, now %2").arg(a_sId).arg(m_jxDevices.size()));
+            m_log.tell(QStringLiteral("Jx device %1 removed, now %2")
+                           .arg(LogLimit::part(a_sId), QString::number(m_jxDevices.size())));
         }
     });
 }
@@ -183,7 +193,7 @@ void SimulationDevice::connectRunOrders()
     });
     connect(&m_communication, &Communication::testModeOn, this, [this](bool a_bOn) {
         if (obeys()) {
-            Q_EMIT told(a_bOn ? QStringLiteral("test mode on") : QStringLiteral("test mode off"));
+            m_log.tell(a_bOn ? QStringLiteral("test mode on") : QStringLiteral("test mode off"));
         }
     });
 }
@@ -198,14 +208,16 @@ void SimulationDevice::load(const QByteArray& a_scenario)
     const QString sError = m_scenario->errorString();
     if (!bRead || !sError.isEmpty()) {
         m_scenario.reset();
-        Q_EMIT told(QStringLiteral("scenario of %1: %2")
-                        .arg(counted(static_cast<quint64>(a_scenario.size()), "byte"), sError));
+        m_log.tell(
+            QStringLiteral("scenario of %1: %2")
+                .arg(counted(static_cast<quint64>(a_scenario.size()), "byte"), LogLimit::part(sError)));
         setState(ScenarioDataState::Failed);
         return;
     }
     m_emitters = emittersOf(*m_scenario);
-    Q_EMIT told(QStringLiteral("scenario \"%1\" with %2")
-                    .arg(m_scenario->getName(), counted(static_cast<quint64>(m_emitters.size()), "emitter")));
+    m_log.tell(QStringLiteral("scenario \"%1\" with %2")
+                   .arg(LogLimit::part(m_scenario->getName()),
+                        counted(static_cast<quint64>(m_emitters.size()), "emitter")));
     setState(ScenarioDataState::Loaded);
 }
 
@@ -222,7 +234,7 @@ void SimulationDevice::unload()
 void SimulationDevice::setState(ScenarioDataState a_eState)
 {
     m_state.setScenarioDataState(a_eState);
-    Q_EMIT told(QStringLiteral("state: ") + stateText(a_eState));
+    m_log.tell(QStringLiteral("state: ") + stateText(a_eState));
     reportState();
 }
 
@@ -233,10 +245,31 @@ void SimulationDevice::reportState()
 
 // Playing
 
+/// Whether there is something to play, says so if not.
+bool SimulationDevice::canPlay(quint64 a_uiTimestamp, std::uint32_t a_uiTime)
+{
+    const quint64 uiNow = Simulation::ScenarioTimingHelper::currentTimeStamp();
+    const quint64 uiAhead = a_uiTimestamp > uiNow ? a_uiTimestamp - uiNow : 0;
+    if (m_scenario == nullptr) {
+        m_log.tell(QStringLiteral("nothing to start: no scenario is loaded"));
+    } else if (uiAhead > s_uiYear) {
+        m_log.tell(
+            QStringLiteral("start refused: it is %1 s ahead, more than a year").arg(uiAhead / s_uiSecond));
+    } else if (duration() != 0 && a_uiTime >= duration()) {
+        endPlay(QStringLiteral("nothing to play from %1 ms: the scenario ends at %2 ms")
+                    .arg(QString::number(a_uiTime), QString::number(duration())));
+    } else {
+        if (uiAhead >= s_uiSecond) {
+            m_log.tell(QStringLiteral("starts in %1 s").arg(uiAhead / s_uiSecond));
+        }
+        return true;
+    }
+    return false;
+}
+
 void SimulationDevice::play(quint64 a_uiTimestamp, std::uint32_t a_uiTime)
 {
-    if (m_scenario == nullptr) {
-        Q_EMIT told(QStringLiteral("nothing to start: no scenario is loaded"));
+    if (!canPlay(a_uiTimestamp, a_uiTime)) {
         return;
     }
     m_timing.startScenarioTime(a_uiTimestamp, a_uiTime);
@@ -245,7 +278,7 @@ void SimulationDevice::play(quint64 a_uiTimestamp, std::uint32_t a_uiTime)
     m_lastStep.reset();
     m_uiPlayed = 0;
     m_bPlaying = true;
-    Q_EMIT told(QStringLiteral("plays from %1 ms").arg(a_uiTime));
+    m_bBegun = false;
     Q_EMIT playBegins();
     playDue();
 }
@@ -263,19 +296,29 @@ void SimulationDevice::playDue()
         wakeIn(static_cast<std::uint64_t>(iAhead / s_iMicroseconds) + 1);
         return;
     }
-    const std::uint32_t uiTime = m_timing.scenarioTime();
-    const std::uint32_t uiStep = (uiTime - m_uiFirst) / m_uiStep;
-    const std::uint64_t uiStepTime = m_uiFirst + std::uint64_t{uiStep} * m_uiStep;
-    const bool bOver = duration() != 0 && uiTime >= duration();
-    if (m_lastStep != uiStep && (duration() == 0 || uiStepTime < duration())) {
+    if (!std::exchange(m_bBegun, true)) {
+        m_log.tell(QStringLiteral("plays from %1 ms").arg(m_uiFirst));
+    }
+    playStep();
+}
+
+/// Scenario times wrap round at 2^32 ms, so what counts is the time since the
+/// begin.
+void SimulationDevice::playStep()
+{
+    const std::uint32_t uiElapsed = m_timing.scenarioTime() - m_uiFirst;
+    const std::uint32_t uiStep = uiElapsed / m_uiStep;
+    const std::uint32_t uiStepBegin = uiStep * m_uiStep;
+    const std::uint32_t uiLeft = duration() - m_uiFirst;
+    if (m_lastStep != uiStep && (duration() == 0 || uiStepBegin < uiLeft)) {
         m_lastStep = uiStep;
         ++m_uiPlayed;
-        Q_EMIT stepDue(static_cast<quint32>(uiStepTime));
+        Q_EMIT stepDue(m_uiFirst + uiStepBegin);
     }
-    if (bOver) {
+    if (duration() != 0 && uiElapsed >= uiLeft) {
         endPlay(QStringLiteral("the scenario is over"));
     } else if (m_bPlaying) {
-        wakeIn(uiStepTime + m_uiStep - uiTime);
+        wakeIn(std::uint64_t{m_uiStep} - (uiElapsed - uiStepBegin));
     }
 }
 
@@ -284,10 +327,11 @@ void SimulationDevice::endPlay(const QString& a_sReason)
     m_timer.stop();
     const bool bPlayed = std::exchange(m_bPlaying, false);
     const std::uint32_t uiDue = m_lastStep ? *m_lastStep + 1 : 0;
-    Q_EMIT told(bPlayed
-                    ? QStringLiteral("%1: %2 played, %3 left out")
-                          .arg(a_sReason, counted(m_uiPlayed, "step"), QString::number(uiDue - m_uiPlayed))
-                    : a_sReason);
+    // A clock that was set back has some steps played twice.
+    const std::uint32_t uiLeftOut = uiDue - std::min(uiDue, m_uiPlayed);
+    m_log.tell(bPlayed ? QStringLiteral("%1: %2 played, %3 left out")
+                             .arg(a_sReason, counted(m_uiPlayed, "step"), QString::number(uiLeftOut))
+                       : a_sReason);
 }
 
 void SimulationDevice::wakeIn(std::uint64_t a_uiMilliseconds)

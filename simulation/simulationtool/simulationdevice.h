@@ -1,6 +1,7 @@
 #ifndef SIMULATIONTOOL_SIMULATIONDEVICE_H
 #define SIMULATIONTOOL_SIMULATIONDEVICE_H
 
+#include "loglimit.h"
 #include "serveraddress.h"
 
 #include "simulationdata/scenariotiminghelper.h"
@@ -64,8 +65,8 @@ public:
     void playDue();
 
 Q_SIGNALS:
-    /// One line about what happened. It holds texts of others: not fit for a
-    /// terminal.
+    /// One line about what happened, unless too much happens. It holds texts of
+    /// others: not fit for a terminal.
     void told(const QString& a_sLine);
 
     void playBegins();
@@ -89,13 +90,16 @@ private:
     void unload();
     void setState(Simulation::ScenarioDataState a_eState);
     void reportState();
+    [[nodiscard]] bool canPlay(quint64 a_uiTimestamp, std::uint32_t a_uiTime);
     void play(quint64 a_uiTimestamp, std::uint32_t a_uiTime);
+    void playStep();
     void endPlay(const QString& a_sReason);
     void wakeIn(std::uint64_t a_uiMilliseconds);
 
     const Simulation::SimulationDeviceConfiguration m_configuration;
     Simulation::ISignalPackageProvider& m_provider;
     const std::uint32_t m_uiStep; ///< ms
+    LogLimit m_log;
 
     Simulation::SimulationServiceCommunication m_communication;
     std::unique_ptr<Simulation::TcpServerConnector> m_connector;
@@ -111,6 +115,7 @@ private:
     Simulation::ScenarioTimingHelper m_timing;
     QTimer m_timer; ///< for the next step
     bool m_bPlaying = false;
+    bool m_bBegun = false;                   ///< the start may be meant for later
     std::uint64_t m_uiBegin = 0;             ///< us since 1970
     std::uint32_t m_uiFirst = 0;             ///< scenario time of step 0, in ms
     std::optional<std::uint32_t> m_lastStep; ///< none yet

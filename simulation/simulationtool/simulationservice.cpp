@@ -28,7 +28,7 @@ constexpr qsizetype s_iMaxDevices = 4096;       ///< so that the list of all is 
 qsizetype maxPeers()
 {
     constexpr rlim_t uiWanted = 65'536;
-    constexpr rlim_t uiOthers = 128; // files, and connections that wait to be taken
+    constexpr rlim_t uiMostOthers = 128; // files, and connections that wait to be taken
     rlimit descriptors{uiWanted, uiWanted};
     static_cast<void>(getrlimit(RLIMIT_NOFILE, &descriptors));
     rlimit raised = descriptors;
@@ -37,7 +37,17 @@ qsizetype maxPeers()
         descriptors = raised;
     }
     const rlim_t uiOpen = std::min(uiWanted, descriptors.rlim_cur);
-    return uiOpen > uiOthers ? static_cast<qsizetype>(uiOpen - uiOthers) : 1;
+    return static_cast<qsizetype>(uiOpen - std::min(uiMostOthers, uiOpen / 2));
+}
+
+/// What could not be decompressed must not take the place of what could.
+bool isUsable(ServicePeer* a_pFrom, const char* a_szName, const QByteArray& a_payload)
+{
+    if (a_payload.isEmpty()) {
+        a_pFrom->tell(
+            QStringLiteral("%1 ignored: it is empty or cannot be decompressed").arg(QLatin1String(a_szName)));
+    }
+    return !a_payload.isEmpty();
 }
 
 } // namespace
@@ -130,10 +140,13 @@ void SimulationService::connectOrders(ServicePeer* a_pPeer)
         }
         return !command.isEmpty();
     };
-    connect(pFrom, &Communication::loadDeployment, this, [this, order](const QByteArray& a_deployment) {
-        order("deployment", &m_deployment,
-              [&](Communication& a_to) { a_to.sendLoadDeployment(a_deployment); });
-    });
+    connect(pFrom, &Communication::loadDeployment, this,
+            [this, a_pPeer, order](const QByteArray& a_deployment) {
+                if (isUsable(a_pPeer, "deployment", a_deployment)) {
+                    order("deployment", &m_deployment,
+                          [&](Communication& a_to) { a_to.sendLoadDeployment(a_deployment); });
+                }
+            });
     connect(pFrom, &Communication::unloadScenario, this, [this, order] {
         if (order("unload", nullptr, &Communication::sendUnloadScenario)) {
             m_scenario.clear();
@@ -155,9 +168,11 @@ void SimulationService::connectOrders(ServicePeer* a_pPeer)
         order("test mode", &m_testMode, [&](Communication& a_to) { a_to.sendTestModeOn(a_bOn); });
     });
     connect(pFrom, &Communication::addJxDevice, this,
-            [order](const QString& a_sId, const QByteArray& a_definition) {
-                order("new Jx device", nullptr,
-                      [&](Communication& a_to) { a_to.sendAddJxDevice(a_sId, a_definition); });
+            [a_pPeer, order](const QString& a_sId, const QByteArray& a_definition) {
+                if (isUsable(a_pPeer, "new Jx device", a_definition)) {
+                    order("new Jx device", nullptr,
+                          [&](Communication& a_to) { a_to.sendAddJxDevice(a_sId, a_definition); });
+                }
             });
     connect(pFrom, &Communication::removeJxDevice, this, [order](const QString& a_sId) {
         order("removal of a Jx device", nullptr,
@@ -196,10 +211,14 @@ void SimulationService::registerDevice(ServicePeer* a_pPeer, const QString& a_sI
     const bool bFirst = !a_pPeer->isDevice();
     Device& device = m_devices[a_sId];
     ServicePeer* const pFormer = std::exchange(device.peer, a_pPeer);
-    device.configuration = a_configuration;
-    m_deviceList.clear();
+    SimulationDeviceConfiguration listed = a_configuration;
+    listed.setId(a_sId); // under which it is looked for, whatever its record says
+    if (pFormer == nullptr || listed.toXml() != device.configuration.toXml()) {
+        device.configuration = listed;
+        m_deviceList.clear();
+    }
     if (pFormer != a_pPeer) {
-        device.state = SimulationDeviceState();
+        setState(a_sId, device, SimulationDeviceState());
         a_pPeer->deviceIds().insert(a_sId);
         a_pPeer->tell(QStringLiteral("device %1 registered").arg(a_sId));
     }
@@ -259,15 +278,21 @@ void SimulationService::updateState(ServicePeer* a_pPeer, const QString& a_sId,
         a_pPeer->tell(QStringLiteral("state of device %1 ignored: not registered by it").arg(a_sId));
         return;
     }
-    SimulationDeviceState& state = m_devices[a_sId].state;
-    if (state.scenarioDataState() != a_state.scenarioDataState()) {
+    Device& device = m_devices[a_sId];
+    if (device.state.scenarioDataState() != a_state.scenarioDataState()) {
         a_pPeer->tell(QStringLiteral("device %1: %2").arg(a_sId, stateText(a_state.scenarioDataState())));
+        setState(a_sId, device, a_state);
     }
-    state = a_state;
     if (ServicePeer* const pController = controller()) {
-        pController->communication().sendSimulationDeviceStateUpdate(a_sId, a_state);
-        send(pController, QByteArray());
+        send(pController, device.stateUpdate);
     }
+}
+
+void SimulationService::setState(const QString& a_sId, Device& a_device, const SimulationDeviceState& a_state)
+{
+    a_device.state = a_state;
+    a_device.stateUpdate =
+        encodedCommand([&](Communication& a_to) { a_to.sendSimulationDeviceStateUpdate(a_sId, a_state); });
 }
 
 // What controllers say
@@ -279,17 +304,23 @@ ServicePeer* SimulationService::controller() const
 
 void SimulationService::acquire(ServicePeer* a_pPeer)
 {
-    if (controller() == a_pPeer) {
-        return;
+    if (controller() != a_pPeer) {
+        m_controllers.removeAll(a_pPeer);
+        m_controllers.append(a_pPeer);
+        a_pPeer->tell(QStringLiteral("controls"));
     }
-    m_controllers.removeAll(a_pPeer);
-    m_controllers.append(a_pPeer);
-    a_pPeer->tell(QStringLiteral("controls"));
-    for (auto it = m_devices.cbegin(); it != m_devices.cend(); ++it) {
-        a_pPeer->communication().sendSimulationDeviceStateUpdate(it.key(), it->state);
+    report(a_pPeer);
+}
+
+/// Tells a controller where things stand.
+void SimulationService::report(ServicePeer* a_pPeer)
+{
+    QByteArray updates;
+    for (const Device& device : std::as_const(m_devices)) {
+        updates.append(device.stateUpdate);
     }
-    // A device has been told already.
-    send(a_pPeer, a_pPeer->isDevice() ? QByteArray() : m_run);
+    // A device has been told already whether the scenario runs.
+    send(a_pPeer, a_pPeer->isDevice() ? updates : updates.append(m_run));
 }
 
 void SimulationService::release(ServicePeer* a_pPeer)
@@ -302,6 +333,7 @@ void SimulationService::release(ServicePeer* a_pPeer)
     a_pPeer->tell(QStringLiteral("controls no more"));
     if (ServicePeer* const pBefore = controller()) {
         pBefore->tell(QStringLiteral("controls again"));
+        report(pBefore);
     }
 }
 
@@ -344,8 +376,7 @@ QByteArray SimulationService::passOn(ServicePeer* a_pPeer, const QString& a_sOrd
 
 void SimulationService::loadScenario(ServicePeer* a_pPeer, const QByteArray& a_scenario)
 {
-    if (a_scenario.isEmpty()) {
-        a_pPeer->tell(QStringLiteral("scenario ignored: it is empty or cannot be decompressed"));
+    if (!isUsable(a_pPeer, "scenario", a_scenario)) {
         return;
     }
     // The devices' former states say nothing of this scenario, and they stop.
@@ -354,8 +385,8 @@ void SimulationService::loadScenario(ServicePeer* a_pPeer, const QByteArray& a_s
     if (!command.isEmpty()) {
         m_scenario = command;
         m_run.clear();
-        for (Device& device : m_devices) {
-            device.state = SimulationDeviceState();
+        for (auto it = m_devices.begin(); it != m_devices.end(); ++it) {
+            setState(it.key(), *it, SimulationDeviceState());
         }
     }
 }

@@ -29,8 +29,8 @@ class ServicePeer;
 ///
 /// The service keeps what a device that comes late must know: the deployment, the
 /// scenario, and whether the test mode is on and the scenario runs. A new
-/// controller is told the states of the devices and whether the scenario runs or
-/// pauses. An id that registers again belongs to the newest: a device whose
+/// controller, and one that controls again, is told the states of the devices and
+/// whether the scenario runs or pauses. An id that registers again belongs to the newest: a device whose
 /// machine lost the connection must not wait until the old one is given up.
 ///
 /// No peer is trusted. One that sends what cannot be read, does not read itself,
@@ -59,6 +59,7 @@ private:
     {
         Simulation::SimulationDeviceConfiguration configuration;
         Simulation::SimulationDeviceState state;
+        QByteArray stateUpdate; ///< the command that tells it
         ServicePeer* peer = nullptr;
     };
 
@@ -81,10 +82,14 @@ private:
     void updateState(ServicePeer* a_pPeer, const QString& a_sId,
                      const Simulation::SimulationDeviceState& a_state);
 
+    static void setState(const QString& a_sId, Device& a_device,
+                         const Simulation::SimulationDeviceState& a_state);
+
     // What controllers say
     [[nodiscard]] ServicePeer* controller() const;
     void acquire(ServicePeer* a_pPeer);
     void release(ServicePeer* a_pPeer);
+    void report(ServicePeer* a_pPeer);
     void listDevices(ServicePeer* a_pPeer);
     [[nodiscard]] QByteArray passOn(ServicePeer* a_pPeer, const QString& a_sOrder,
                                     const CommandSender& a_send);

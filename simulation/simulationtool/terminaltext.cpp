@@ -30,6 +30,14 @@ bool isPlain(QChar a_cUnit)
     return a_cUnit >= QChar(s_cFirstPrintable) && a_cUnit < QChar(s_cDelete);
 }
 
+/// Line and paragraph separators break lines as control characters do.
+bool isHarmless(char32_t a_cCodePoint)
+{
+    const QChar::Category eCategory = QChar::category(a_cCodePoint);
+    return QChar::isPrint(a_cCodePoint) && eCategory != QChar::Separator_Line &&
+           eCategory != QChar::Separator_Paragraph;
+}
+
 /// The code units of the code point at an index; a lone surrogate is one.
 qsizetype unitsAt(QStringView a_sText, qsizetype a_iIndex)
 {
@@ -51,7 +59,7 @@ QString terminalText(const QString& a_sText)
         const qsizetype iUnits = unitsAt(a_sText, i);
         const char32_t cCodePoint = iUnits == 2 ? QChar::surrogateToUcs4(a_sText.at(i), a_sText.at(i + 1))
                                                 : static_cast<char32_t>(a_sText.at(i).unicode());
-        if (QChar::isPrint(cCodePoint)) {
+        if (isHarmless(cCodePoint)) {
             sSafe.append(QStringView(a_sText).mid(i, iUnits));
         } else {
             sSafe.append(spelledOut(cCodePoint));

@@ -7,7 +7,7 @@
 namespace SimulationTool {
 
 /// The text with everything that could steer a terminal spelled out: control,
-/// format and other unprintable characters become "\n", "\t", "\r" or
+/// format, line-breaking and other unprintable characters become "\n", "\t", "\r" or
 /// "\u{1b}". A harmless text is returned as it is.
 [[nodiscard]] QString terminalText(const QString& a_sText);
 

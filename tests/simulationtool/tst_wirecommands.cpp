@@ -1,4 +1,5 @@
 #include "kpbase/errorhandler.h"
+#include "simulationdata/scenariotiminghelper.h"
 #include "simulationdata/simulationservicecommunication.h"
 #include "simulationtool/toolrun.h"
 
@@ -8,6 +9,7 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <memory>
 
@@ -195,6 +197,10 @@ private Q_SLOTS:
     void badPeer();
     void peerThatDoesNotRead();
     void wrongConfirmation();
+    void serviceThatRepeatsOrders();
+    void lostLogReader();
+    void oddStart_data();
+    void oddStart();
     void loadTellsOfDevices_data();
     void loadTellsOfDevices();
     void refused_data();
@@ -505,6 +511,70 @@ void tst_WireCommands::wrongConfirmation()
             device->says(QStringLiteral("rx: connected"), 2));
 }
 
+void tst_WireCommands::serviceThatRepeatsOrders()
+{
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    const auto device =
+        startDevice(QStringLiteral("rx"), QStringLiteral("127.0.0.1:%1").arg(server.serverPort()));
+    QVERIFY(QTest::qWaitFor([&] { return server.hasPendingConnections(); }, s_iToolTimeout));
+    QTcpSocket* const pSocket = server.nextPendingConnection();
+    Communication communication(pSocket);
+    connect(&communication, &Communication::registerSimulationDevice,
+            [&](const QString& a_sId, const SimulationDeviceConfiguration& a_device) {
+                communication.sendAcceptSimulationDevice(a_sId, Communication::createConfirmation(a_device));
+                pSocket->setReadBufferSize(1); // and reads no answer
+            });
+    QVERIFY(device->says(QStringLiteral("rx: accepted")));
+    pSocket->write(QByteArray("<Command><UnloadScenario/></Command>").repeated(60'000) + "no command");
+    QVERIFY(QTest::qWaitFor([&] { return server.hasPendingConnections(); }, s_iToolTimeout));
+    QVERIFY(device->says(QStringLiteral(" lines left out")));
+    QVERIFY(device->text().count(u'\n') < 110);
+}
+
+void tst_WireCommands::lostLogReader()
+{
+    QProcess service;
+    service.start(QStringLiteral(SIMULATIONTOOL_PATH),
+                  {QStringLiteral("service"), QStringLiteral("--port"), QStringLiteral("0")});
+    QVERIFY(service.waitForReadyRead(s_iToolTimeout));
+    const QString sPort = QString::fromUtf8(service.readLine()).section(u' ', -1).trimmed();
+    service.closeReadChannel(QProcess::StandardError);
+    for (int i = 0; i < 3; ++i) {
+        QVERIFY(Peer(sPort).synchronize());
+    }
+    service.kill();
+    QVERIFY(service.waitForFinished(s_iToolTimeout));
+}
+
+void tst_WireCommands::oddStart_data()
+{
+    QTest::addColumn<quint64>("ahead"); // us
+    QTest::addColumn<uint>("time");
+    QTest::addColumn<QString>("told");
+    QTest::newRow("behind the end") << quint64{0} << UINT_MAX << "rx: nothing to play from 4294967295 ms";
+    QTest::newRow("later") << quint64{3600'500'000} << 0U << "rx: starts in 3600 s\n";
+    QTest::newRow("soon") << quint64{1'500'000} << 0U << "rx: plays from 0 ms\n";
+    QTest::newRow("never") << (quint64{1} << 62) << 0U << "rx: start refused: ";
+}
+
+void tst_WireCommands::oddStart()
+{
+    QFETCH(const quint64, ahead);
+    QFETCH(const uint, time);
+    QFETCH(const QString, told);
+    const Service service;
+    const auto device = startDevice(QStringLiteral("rx"), service.address());
+    QVERIFY(device->says(QStringLiteral("accepted")));
+    QCOMPARE(runControl(service.address(), {QStringLiteral("load"), s_sBuiltIn}).code, 0);
+    Peer editor(service.port());
+    editor.communication.sendCommandAcquireServer();
+    editor.communication.sendStartScenario(Simulation::ScenarioTimingHelper::currentTimeStamp() + ahead,
+                                           time);
+    QVERIFY2(device->says(told), qPrintable(device->text()));
+    QCOMPARE(device->text().contains(QStringLiteral("plays from")), told.contains(QStringLiteral("plays")));
+}
+
 void tst_WireCommands::loadTellsOfDevices_data()
 {
     QTest::addColumn<ScenarioDataState>("state");
@@ -524,6 +594,9 @@ void tst_WireCommands::loadTellsOfDevices()
     device.registerAs(QStringLiteral("rx"));
     device.report(QStringLiteral("rx"), ScenarioDataState::Loaded); // of an earlier scenario
     QVERIFY(device.synchronize());
+    QTimer again; // the same is no progress
+    connect(&again, &QTimer::timeout, [&] { device.report(QStringLiteral("rx"), state); });
+    again.start(200);
     Tool control({QStringLiteral("control"), QStringLiteral("load"), s_sBuiltIn, QStringLiteral("--server"),
                   service.address(), QStringLiteral("--timeout"), QStringLiteral("2")});
     QVERIFY(control.says(QStringLiteral("loaded by 0 of 1 device\n")));
@@ -536,7 +609,7 @@ void tst_WireCommands::refused_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("told");
     const auto row = [](const char* a_szName, const char* a_szArguments, const char* a_szTold) {
-        QTest::newRow(a_szName) << QString::fromLatin1(a_szArguments).split(u' ')
+        QTest::newRow(a_szName) << QString::fromUtf8(a_szArguments).split(u' ')
                                 << QString::fromLatin1(a_szTold);
     };
     row("no action", "control", "control: an action is needed");
@@ -546,6 +619,8 @@ void tst_WireCommands::refused_data()
     row("no time", "control start soon", "control: start needs a whole number of milliseconds");
     row("no port", "control stop --server host:0", "control: the port of --server needs");
     row("no host", "control stop --server :57400", "control: --server needs HOST:PORT");
+    row("half an address", "control stop --server [::1", "control: --server needs HOST:PORT");
+    row("no address", "control stop --server a:b:c", "control: --server needs HOST:PORT");
     row("no timeout", "control stop --timeout 0",
         "control: --timeout needs a whole number of seconds from 1");
     row("missing scenario", "control load missing", "missing: No such file");
@@ -559,6 +634,7 @@ void tst_WireCommands::refused_data()
     row("foreign address", "service --port 0 --address 192.0.2.1", "service: cannot listen on 192.0.2.1:0");
     row("device without id", "device", "device: --id is needed");
     row("unprintable id", "device --id \x01", "device: --id needs at most 255 characters");
+    row("line separator", "device --id a\u2028b", "device: --id needs at most 255 characters");
     row("step", "device --id a --step 0", "device: --step needs a whole number of milliseconds from 1");
     row("repository", "device --id a --repository missing", "missing: No such folder");
     row("demo", "demo fast", "demo: there are no arguments");
@@ -592,6 +668,10 @@ void tst_WireCommands::nobodyAnswers()
     QCOMPARE(noAnswer.err,
              QStringLiteral("simulationtool: control: %1: the service does not answer\n").arg(sAddress));
     QCOMPARE(noAnswer.code, 2);
+    connect(&silent, &QTcpServer::newConnection, [&] { silent.nextPendingConnection()->write("garbage"); });
+    Tool control({QStringLiteral("control"), QStringLiteral("stop"), QStringLiteral("--server"), sAddress});
+    QVERIFY(control.says(sAddress + QStringLiteral(": the answer cannot be read: ")));
+    QCOMPARE(control.codeAfter(0), 2);
     silent.close();
     const ToolResult nobody = runControl(sAddress, stop);
     QCOMPARE(nobody.err, QStringLiteral("simulationtool: control: %1: Connection refused\n").arg(sAddress));
