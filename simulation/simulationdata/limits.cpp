@@ -61,6 +61,10 @@ constexpr std::array<LimitEntry, Limits::LimitCount> s_limits{{
      "A compressed megabyte may hold a gigabyte; four of the largest documents fit."},
     {Limits::PendingBytes, "bytes that wait for one peer", 256 * s_uiMebi,
      "A peer that does not read makes us hold all that it was sent; the largest document fits."},
+    {Limits::DeploymentObjects, "objects of one deployment", s_uiMebi,
+     "An object takes some 500 bytes, an element that makes one as few as fifteen."},
+    {Limits::ListedDevices, "listed devices", 100'000,
+     "A peer may tell of ever new ones; nobody reads a longer table."},
 }};
 
 constexpr bool isInOrder()

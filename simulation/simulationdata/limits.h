@@ -39,6 +39,8 @@ public:
         UpdateIds,          ///< update ids of a package that the cache follows
         InflatedBytes,      ///< bytes that one compressed content may hold
         PendingBytes,       ///< bytes that wait for one peer
+        DeploymentObjects,  ///< stations and devices of one deployment document
+        ListedDevices,      ///< devices of a table of devices
         LimitCount          ///< number of limits, not a limit
     };
 
