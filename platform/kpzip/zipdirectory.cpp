@@ -20,9 +20,7 @@ constexpr qsizetype s_iCommentLength = 32;
 
 constexpr char s_szEnd[] = "PK\x05\x06";
 constexpr qint64 s_iEndSize = 22;
-constexpr qsizetype s_iEndEntries = 10;
-constexpr qsizetype s_iEndBytes = 12;
-constexpr qsizetype s_iEndOffset = 16;
+constexpr qsizetype s_iEndFields = 10; ///< entries (16 bits), bytes and offset (32 bits each)
 
 constexpr char s_szLocator64[] = "PK\x06\x07";
 constexpr qint64 s_iLocator64Size = 20;
@@ -30,9 +28,7 @@ constexpr qsizetype s_iLocator64Offset = 8;
 
 constexpr char s_szEnd64[] = "PK\x06\x06";
 constexpr qint64 s_iEnd64Size = 56;
-constexpr qsizetype s_iEnd64Entries = 32;
-constexpr qsizetype s_iEnd64Bytes = 40;
-constexpr qsizetype s_iEnd64Offset = 48;
+constexpr qsizetype s_iEnd64Fields = 32; ///< the same, 64 bits each
 
 constexpr qint64 s_iSignatureSize = 4;
 constexpr qint64 s_iLongestComment = 0xFFFF;
@@ -71,6 +67,20 @@ bool isRecord(const QByteArray& a_record, const char* a_szSignature, qint64 a_iS
     return a_record.size() == a_iSize && a_record.startsWith(a_szSignature);
 }
 
+/// The fields of an end record, which follow each other; nothing when the bytes
+/// are no such record.
+template<typename Entries, typename Size>
+std::optional<EndRecord> endRecordOf(const QByteArray& a_record, const char* a_szSignature, qint64 a_iSize,
+                                     qsizetype a_iFields)
+{
+    if (!isRecord(a_record, a_szSignature, a_iSize)) {
+        return std::nullopt;
+    }
+    const qsizetype iBytes = a_iFields + qsizetype{sizeof(Entries)};
+    return EndRecord{numberAt<Entries>(a_record, a_iFields), numberAt<Size>(a_record, iBytes),
+                     numberAt<Size>(a_record, iBytes + qsizetype{sizeof(Size)})};
+}
+
 /// The record at an offset of the file's tail; the wide form where it has one.
 std::optional<EndRecord> endRecordAt(QFile& a_file, const QByteArray& a_tail, qsizetype a_iOffset)
 {
@@ -80,19 +90,10 @@ std::optional<EndRecord> endRecordAt(QFile& a_file, const QByteArray& a_tail, qs
     if (isRecord(locator, s_szLocator64, s_iLocator64Size)) {
         const QByteArray end =
             recordAt(a_file, numberAt<std::uint64_t>(locator, s_iLocator64Offset), s_iEnd64Size);
-        if (!isRecord(end, s_szEnd64, s_iEnd64Size)) {
-            return std::nullopt;
-        }
-        return EndRecord{numberAt<std::uint64_t>(end, s_iEnd64Entries),
-                         numberAt<std::uint64_t>(end, s_iEnd64Bytes),
-                         numberAt<std::uint64_t>(end, s_iEnd64Offset)};
+        return endRecordOf<std::uint64_t, std::uint64_t>(end, s_szEnd64, s_iEnd64Size, s_iEnd64Fields);
     }
-    const QByteArray end = a_tail.mid(a_iOffset, s_iEndSize);
-    if (!isRecord(end, s_szEnd, s_iEndSize)) {
-        return std::nullopt;
-    }
-    return EndRecord{numberAt<std::uint16_t>(end, s_iEndEntries), numberAt<std::uint32_t>(end, s_iEndBytes),
-                     numberAt<std::uint32_t>(end, s_iEndOffset)};
+    return endRecordOf<std::uint16_t, std::uint32_t>(a_tail.mid(a_iOffset, s_iEndSize), s_szEnd, s_iEndSize,
+                                                     s_iEndFields);
 }
 
 /// Whether there is a directory where the record says. Bytes that look like an
