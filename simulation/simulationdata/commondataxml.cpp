@@ -1,5 +1,6 @@
 #include "commondataxml.h"
 
+#include "coordinatexml_p.h"
 #include "simulationdata/positionsettingsfixed.h"
 #include "simulationdata/positionsettingsptp.h"
 #include "trace_p.h"
@@ -122,13 +123,13 @@ void CommonDataXml::writePositionSettings(IPositionSettings* a_pSettings, QXmlSt
     }
 }
 
-TPos CommonDataXml::readCoordinate(QXmlStreamReader& a_reader)
+TPos readCoordinate(QXmlStreamReader& a_reader, const QString& a_sLongitude, const QString& a_sLatitude)
 {
     TPos position;
     forEachChild(a_reader, [&](QStringView a_sName) {
-        if (a_sName == s_sLon) {
+        if (a_sName == a_sLongitude) {
             position.longitude = readDouble(elementText(a_reader).value_or(QString()));
-        } else if (a_sName == s_sLat) {
+        } else if (a_sName == a_sLatitude) {
             position.latitude = readDouble(elementText(a_reader).value_or(QString()));
         } else {
             return false;
@@ -136,6 +137,11 @@ TPos CommonDataXml::readCoordinate(QXmlStreamReader& a_reader)
         return true;
     });
     return position;
+}
+
+TPos CommonDataXml::readCoordinate(QXmlStreamReader& a_reader)
+{
+    return Simulation::readCoordinate(a_reader, s_sLon, s_sLat);
 }
 
 void CommonDataXml::writeCoordinate(const TPos& a_position, QXmlStreamWriter& a_writer)

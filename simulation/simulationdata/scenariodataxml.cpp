@@ -1,6 +1,7 @@
 #include "scenariodataxml.h"
 
 #include "documentfile_p.h"
+#include "documentkind_p.h"
 #include "persistentid_p.h"
 #include "scenariograph_p.h"
 #include "scenarioreferences_p.h"
@@ -10,11 +11,9 @@
 #include "trace_p.h"
 #include "valuesettingsxml_p.h"
 #include "xmldocumentreader_p.h"
-#include "xmlposition_p.h"
 #include "xmltext_p.h"
 #include "xmlwalk_p.h"
 
-#include <QIODevice>
 #include <QXmlStreamWriter>
 
 #include <algorithm>
@@ -28,7 +27,6 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/scenariodataxml";
 
-const QString s_sScenario = QStringLiteral("Scenario");
 const QString s_sScenarioObjects = QStringLiteral("ScenarioObjects");
 const QString s_sFileFormatVersion = QStringLiteral("FileFormatVersion");
 const QString s_sName = QStringLiteral("Name");
@@ -39,7 +37,7 @@ const QString s_sDescription = QStringLiteral("Description");
 const QString s_sStar = QStringLiteral("Star");
 const QString s_sHierarchical = QStringLiteral("Hierarchical");
 
-constexpr qsizetype s_iShownCharacters = 40; ///< of a foreign name in an error text
+const DocumentKind s_kind(s_szSource, QStringLiteral("Scenario"), QStringLiteral("Scenario"));
 
 using ObjectSet = QSet<std::shared_ptr<ScenarioObject>>;
 
@@ -81,31 +79,6 @@ std::vector<const Object*> inOrder(const ObjectSet& a_objects, const TextOf& a_t
     return objects;
 }
 
-void traceUnwritten(const QString& a_sReason)
-{
-    traceError(s_szSource, [&] { return QStringLiteral("Cannot write a scenario: %1").arg(a_sReason); });
-}
-
-/// Whether a reader accepts a text of that size; false after one trace.
-bool isReadable(qint64 a_iBytes)
-{
-    QString sReason;
-    const bool bReadable = checkDocumentBytes(a_iBytes, &sReason);
-    if (!bReadable) {
-        traceUnwritten(sReason);
-    }
-    return bReadable;
-}
-
-/// Reads what follows the root; tells what kept the document from being read
-/// whole, empty when nothing did.
-QString faultOf(XmlDocumentReader& a_document, bool a_bWhole)
-{
-    a_document.readToEnd();
-    const QString sError = a_document.errorString();
-    return sError.isEmpty() && !a_bWhole ? Limits::exceeded(Limits::ScenarioObjects) : sError;
-}
-
 /// What a writing function puts out, as bytes.
 template<typename Write>
 QByteArray written(const Write& a_write)
@@ -136,50 +109,25 @@ void ScenarioDataXml::clear()
     ScenarioGraph::release(std::move(objects));
 }
 
-bool ScenarioDataXml::refuse(const QString& a_sReason)
-{
-    m_sErrorString = a_sReason;
-    traceError(s_szSource, [&] { return QStringLiteral("Scenario refused: %1").arg(a_sReason); });
-    return false;
-}
-
 bool ScenarioDataXml::fromXmlFile(const QString& a_sFile)
 {
-    QString sReason;
-    const std::optional<QByteArray> xml = loadDocument(a_sFile, &sReason);
-    return xml ? fromXml(*xml) : refuse(sReason);
+    const std::optional<QByteArray> xml = s_kind.load(a_sFile, &m_sErrorString);
+    return xml && fromXml(*xml);
 }
 
 bool ScenarioDataXml::fromXml(QIODevice* a_pDevice)
 {
-    if (a_pDevice == nullptr) {
-        return refuse(QStringLiteral("there is no device to read from"));
-    }
-    QString sReason;
-    const std::optional<QByteArray> xml = readDocument(a_pDevice, &sReason);
-    return xml ? fromXml(*xml) : refuse(sReason);
+    const std::optional<QByteArray> xml = s_kind.load(a_pDevice, &m_sErrorString);
+    return xml && fromXml(*xml);
 }
 
 bool ScenarioDataXml::fromXml(const QByteArray& a_xml)
 {
-    XmlDocumentReader document(a_xml);
-    QXmlStreamReader& reader = document.stream();
-    if (!reader.readNextStartElement()) {
-        return refuse(document.errorString());
-    }
-    if (reader.qualifiedName() != s_sScenario) {
-        return refuse(xmlErrorText({reader.lineNumber(), reader.columnNumber()},
-                                   QStringLiteral("the root element is \"%1\", not \"Scenario\"")
-                                       .arg(reader.qualifiedName().left(s_iShownCharacters).toString())));
-    }
-    clear();
-    readHeader(reader.attributes());
-    const bool bWhole = readChildren(reader);
-    m_sErrorString = faultOf(document, bWhole);
-    if (!m_sErrorString.isEmpty()) {
-        traceError(s_szSource, [&] { return QStringLiteral("Scenario broke off: %1").arg(m_sErrorString); });
-    }
-    return true;
+    return s_kind.read(a_xml, &m_sErrorString, [this](QXmlStreamReader& a_reader) {
+        clear();
+        readHeader(a_reader.attributes());
+        return readChildren(a_reader);
+    });
 }
 
 void ScenarioDataXml::readHeader(const QXmlStreamAttributes& a_attributes)
@@ -204,8 +152,9 @@ void ScenarioDataXml::writeHeader(QXmlStreamWriter& a_writer) const
     writeNoiseSettings(a_writer, m_noiseSettings);
 }
 
-/// False when the scenario is full and emitters that are only named are missing.
-bool ScenarioDataXml::readChildren(QXmlStreamReader& a_reader)
+/// Tells what is missing when the scenario is full and emitters that are only
+/// named find no room; empty when nothing is.
+QString ScenarioDataXml::readChildren(QXmlStreamReader& a_reader)
 {
     ScenarioReferences references(m_objects, m_pProvider);
     forEachChild(a_reader, [&](QStringView a_sName) { return readChild(a_reader, a_sName, references); });
@@ -217,7 +166,7 @@ bool ScenarioDataXml::readChildren(QXmlStreamReader& a_reader)
         seen.insert(a_default);
         return bAgain;
     });
-    return bWhole;
+    return bWhole ? QString() : Limits::exceeded(Limits::ScenarioObjects);
 }
 
 bool ScenarioDataXml::readChild(QXmlStreamReader& a_reader, QStringView a_sName,
@@ -239,11 +188,11 @@ bool ScenarioDataXml::readChild(QXmlStreamReader& a_reader, QStringView a_sName,
     return true;
 }
 
-/// False as soon as the text, whose size is asked after every object, is longer
-/// than a reader accepts.
+/// False as soon as the text, which is asked after every object, is longer than
+/// a reader accepts.
 bool ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& a_objects,
                                    const QList<std::shared_ptr<SzenarioEmitter>>& a_defaults,
-                                   const std::function<qsizetype()>& a_size)
+                                   const std::function<bool()>& a_stillReadable)
 {
     QSet<const SzenarioEmitter*> defaults;
     for (const std::shared_ptr<SzenarioEmitter>& emitter : a_defaults) {
@@ -257,7 +206,7 @@ bool ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& 
     });
     for (const SzenarioEmitter* pEmitter : emitters) {
         writeEmitter(a_writer, *pEmitter);
-        if (!isReadable(a_size())) {
+        if (!a_stillReadable()) {
             return false;
         }
     }
@@ -266,7 +215,7 @@ bool ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& 
     });
     for (const ScenarioNetwork* pNetwork : networks) {
         writeScenarioNetwork(a_writer, *pNetwork);
-        if (!isReadable(a_size())) {
+        if (!a_stillReadable()) {
             return false;
         }
     }
@@ -278,28 +227,16 @@ QByteArray ScenarioDataXml::toXml()
     if (m_sPersistantId.isEmpty()) {
         m_sPersistantId = createPersistentId(m_sName);
     }
-    QByteArray xml;
-    QXmlStreamWriter writer(&xml);
-    writer.setAutoFormatting(true);
-    writer.writeStartDocument();
-    writer.writeStartElement(s_sScenario);
-    writeHeader(writer);
-    if (!writeObjects(writer, m_objects, m_defaultEmitters, [&] { return xml.size(); })) {
-        return {};
-    }
-    writer.writeEndElement();
-    writer.writeEndDocument();
-    return isReadable(xml.size()) ? xml : QByteArray();
+    return s_kind.text(
+        [this](QXmlStreamWriter& a_writer, const DocumentKind::StillReadable& a_stillReadable) {
+            writeHeader(a_writer);
+            return writeObjects(a_writer, m_objects, m_defaultEmitters, a_stillReadable);
+        });
 }
 
 void ScenarioDataXml::toXml(QIODevice* a_pDevice)
 {
-    const QByteArray xml = toXml();
-    if (a_pDevice == nullptr) {
-        traceUnwritten(QStringLiteral("there is no device"));
-    } else if (a_pDevice->write(xml) != xml.size()) {
-        traceUnwritten(a_pDevice->errorString());
-    }
+    s_kind.write(a_pDevice, toXml());
 }
 
 bool ScenarioDataXml::toXmlFile(const QString& a_sFile)
@@ -353,14 +290,14 @@ QString ScenarioDataXml::xmlForObjects(const ObjectSet& a_objects, ISignalPackag
     writer.setAutoFormatting(true);
     writer.writeStartDocument();
     writer.writeStartElement(s_sScenarioObjects);
-    if (!writeObjects(writer, objects, {}, [&] { return sXml.size(); })) {
+    if (!writeObjects(writer, objects, {}, [&] { return s_kind.isReadable(sXml.size()); })) {
         return {};
     }
     writer.writeEndElement();
     writer.writeEndDocument();
     // The reader counts the bytes that it decodes, and a mark before them.
     constexpr qsizetype iMarkBytes = 3;
-    return isReadable(sXml.toUtf8().size() + iMarkBytes) ? sXml : QString();
+    return s_kind.isReadable(sXml.toUtf8().size() + iMarkBytes) ? sXml : QString();
 }
 
 ObjectSet ScenarioDataXml::objectsForXml(const QString& a_sXml, ISignalPackageProvider* a_pProvider)
@@ -368,11 +305,11 @@ ObjectSet ScenarioDataXml::objectsForXml(const QString& a_sXml, ISignalPackagePr
     XmlDocumentReader document(a_sXml);
     ScenarioDataXml scenario(a_pProvider);
     if (!document.stream().readNextStartElement()) {
-        scenario.refuse(document.errorString());
+        s_kind.refuse(document.errorString(), &scenario.m_sErrorString);
         return {};
     }
-    const bool bWhole = scenario.readChildren(document.stream());
-    if (const QString sError = faultOf(document, bWhole); !sError.isEmpty()) {
+    const QString sFault = scenario.readChildren(document.stream());
+    if (const QString sError = faultOf(document, sFault); !sError.isEmpty()) {
         traceError(s_szSource, [&] { return QStringLiteral("Objects broke off: %1").arg(sError); });
     }
     return std::exchange(scenario.m_objects, {});

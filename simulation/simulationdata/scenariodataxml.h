@@ -133,16 +133,15 @@ private:
     ScenarioDataXml& operator=(const ScenarioDataXml& a_other) = delete;
 
     // The document as a whole (scenariodataxml.cpp)
-    bool refuse(const QString& a_sReason);
     void clear();
     void readHeader(const QXmlStreamAttributes& a_attributes);
-    bool readChildren(QXmlStreamReader& a_reader);
+    QString readChildren(QXmlStreamReader& a_reader);
     bool readChild(QXmlStreamReader& a_reader, QStringView a_sName, ScenarioReferences& a_references);
     void writeHeader(QXmlStreamWriter& a_writer) const;
     static bool writeObjects(QXmlStreamWriter& a_writer,
                              const QSet<std::shared_ptr<ScenarioObject>>& a_objects,
                              const QList<std::shared_ptr<SzenarioEmitter>>& a_defaults,
-                             const std::function<qsizetype()>& a_size);
+                             const std::function<bool()>& a_stillReadable);
 
     // Its objects (scenariodataxml_objects.cpp)
     void readScenarioEmitter(QXmlStreamReader& a_reader, EmitterType a_eType,

@@ -1,0 +1,203 @@
+#include "deploymentdataxml.h"
+
+#include "deploymentgraph_p.h"
+#include "documentfile_p.h"
+#include "documentkind_p.h"
+#include "persistentid_p.h"
+#include "simulationdata/deploymentdevice.h"
+#include "simulationdata/deploymentstation.h"
+#include "xmltext_p.h"
+#include "xmlwalk_p.h"
+
+#include <QXmlStreamWriter>
+
+#include <algorithm>
+#include <utility>
+
+namespace Simulation {
+
+namespace {
+
+const QString s_sFileFormatVersion = QStringLiteral("FileFormatVersion");
+const QString s_sName = QStringLiteral("Name");
+const QString s_sAuthor = QStringLiteral("Author");
+const QString s_sPersistantId = QStringLiteral("PersistantId"); // the spelling is part of the format
+const QString s_sDescription = QStringLiteral("Description");
+const QString s_sDevice = QStringLiteral("Device");
+const QString s_sStation = QStringLiteral("Station");
+
+const DocumentKind s_kind("simulation/simulationdata/deploymentdataxml", QStringLiteral("Deployment"),
+                          QStringLiteral("SimulationDeployment"));
+
+using ObjectSet = QSet<std::shared_ptr<DeploymentObject>>;
+
+/// Drops a map. While another copy of it holds the objects, they need no look.
+template<typename Map>
+void moveInto(ObjectSet& a_objects, Map a_map)
+{
+    if (a_map.isDetached()) {
+        for (const auto& object : std::as_const(a_map)) {
+            a_objects.insert(object);
+        }
+    }
+}
+
+template<typename Object>
+QMap<QString, std::shared_ptr<Object>> mapOf(const QSet<std::shared_ptr<Object>>& a_objects)
+{
+    QMap<QString, std::shared_ptr<Object>> map;
+    for (const std::shared_ptr<Object>& object : a_objects) {
+        if (object) {
+            map.insert(object->id(), object);
+        }
+    }
+    return map;
+}
+
+} // namespace
+
+DeploymentDataXml::DeploymentDataXml() = default;
+
+DeploymentDataXml::DeploymentDataXml(const DeploymentDataXml& a_other) = default;
+
+DeploymentDataXml& DeploymentDataXml::operator=(const DeploymentDataXml& a_other)
+{
+    if (this != &a_other) {
+        clear();
+        m_sName = a_other.m_sName;
+        m_sDescription = a_other.m_sDescription;
+        m_sAuthor = a_other.m_sAuthor;
+        m_sPersistantId = a_other.m_sPersistantId;
+        m_uiFileFormatVersion = a_other.m_uiFileFormatVersion;
+        m_devices = a_other.m_devices;
+        m_stations = a_other.m_stations;
+        m_sErrorString = a_other.m_sErrorString;
+    }
+    return *this;
+}
+
+DeploymentDataXml::~DeploymentDataXml()
+{
+    clear();
+}
+
+void DeploymentDataXml::clear()
+{
+    ObjectSet objects;
+    moveInto(objects, std::exchange(m_devices, {}));
+    moveInto(objects, std::exchange(m_stations, {}));
+    DeploymentGraph::release(std::move(objects));
+}
+
+bool DeploymentDataXml::fromXmlFile(const QString& a_sFile)
+{
+    const std::optional<QByteArray> xml = s_kind.load(a_sFile, &m_sErrorString);
+    return xml && fromXml(*xml);
+}
+
+bool DeploymentDataXml::fromXml(QIODevice* a_pDevice)
+{
+    const std::optional<QByteArray> xml = s_kind.load(a_pDevice, &m_sErrorString);
+    return xml && fromXml(*xml);
+}
+
+bool DeploymentDataXml::fromXml(const QByteArray& a_xml)
+{
+    return s_kind.read(a_xml, &m_sErrorString, [this](QXmlStreamReader& a_reader) {
+        clear();
+        readHeader(a_reader.attributes());
+        forEachChild(a_reader, [&](QStringView a_sName) { return readChild(a_reader, a_sName); });
+        return QString();
+    });
+}
+
+QByteArray DeploymentDataXml::toXml()
+{
+    if (m_sPersistantId.isEmpty()) {
+        m_sPersistantId = createPersistentId(m_sName);
+    }
+    return s_kind.text(
+        [this](QXmlStreamWriter& a_writer, const DocumentKind::StillReadable& a_stillReadable) {
+            writeHeader(a_writer);
+            return std::all_of(m_devices.cbegin(), m_devices.cend(),
+                               [&](const auto& a_device) {
+                                   writeDevice(a_writer, *a_device);
+                                   return a_stillReadable();
+                               }) &&
+                   std::all_of(m_stations.cbegin(), m_stations.cend(), [&](const auto& a_station) {
+                       writeStation(a_writer, *a_station);
+                       return a_stillReadable();
+                   });
+        });
+}
+
+void DeploymentDataXml::toXml(QIODevice* a_pDevice)
+{
+    s_kind.write(a_pDevice, toXml());
+}
+
+bool DeploymentDataXml::toXmlFile(const QString& a_sFile)
+{
+    const QByteArray xml = toXml();
+    return !xml.isEmpty() && saveDocument(a_sFile, xml);
+}
+
+void DeploymentDataXml::setDevices(const QSet<std::shared_ptr<DeploymentDevice>>& a_devices)
+{
+    ObjectSet dropped;
+    moveInto(dropped, std::exchange(m_devices, mapOf(a_devices)));
+    DeploymentGraph::release(std::move(dropped));
+}
+
+void DeploymentDataXml::setStations(const QSet<std::shared_ptr<DeploymentStation>>& a_stations)
+{
+    ObjectSet dropped;
+    moveInto(dropped, std::exchange(m_stations, mapOf(a_stations)));
+    DeploymentGraph::release(std::move(dropped));
+}
+
+void DeploymentDataXml::releaseObjects(ObjectSet&& a_objects)
+{
+    DeploymentGraph::release(std::move(a_objects));
+}
+
+void DeploymentDataXml::releaseObject(std::shared_ptr<DeploymentObject> a_object)
+{
+    ObjectSet objects;
+    objects.insert(std::move(a_object));
+    DeploymentGraph::release(std::move(objects));
+}
+
+void DeploymentDataXml::readHeader(const QXmlStreamAttributes& a_attributes)
+{
+    m_uiFileFormatVersion = readUInt32(a_attributes.value(s_sFileFormatVersion));
+    m_sName = a_attributes.value(s_sName).toString();
+    m_sAuthor = a_attributes.value(s_sAuthor).toString();
+    m_sPersistantId = a_attributes.value(s_sPersistantId).toString();
+    m_sDescription = a_attributes.value(s_sDescription).toString();
+}
+
+void DeploymentDataXml::writeHeader(QXmlStreamWriter& a_writer) const
+{
+    a_writer.writeAttribute(s_sFileFormatVersion, QString::number(s_uiFileFormatVersion));
+    writeXmlAttribute(a_writer, s_sName, m_sName);
+    writeXmlAttribute(a_writer, s_sAuthor, m_sAuthor);
+    writeXmlAttribute(a_writer, s_sPersistantId, m_sPersistantId);
+    writeXmlTextElement(a_writer, s_sDescription, m_sDescription);
+}
+
+bool DeploymentDataXml::readChild(QXmlStreamReader& a_reader, QStringView a_sName)
+{
+    if (a_sName == s_sDevice) {
+        readDevice(a_reader);
+    } else if (a_sName == s_sStation) {
+        readStation(a_reader);
+    } else if (a_sName == s_sDescription) {
+        m_sDescription = elementText(a_reader).value_or(m_sDescription);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+} // namespace Simulation

@@ -1,0 +1,48 @@
+#ifndef SIMULATIONDATA_DEPLOYMENTSTATION_H
+#define SIMULATIONDATA_DEPLOYMENTSTATION_H
+
+#include "simulationdata/deploymentobject.h"
+
+#include <QSet>
+
+namespace Simulation {
+
+class DeploymentDevice;
+
+/// A receiving station of a deployment: a site or a moving platform, and the
+/// devices at it. A station has no name apart from its id, on purpose. A new
+/// station is at (0, 0), without devices.
+class SIMULATIONDATA_EXPORT DeploymentStation : public DeploymentObject
+{
+public:
+    DeploymentStation();
+    explicit DeploymentStation(const QString& a_sId);
+    ~DeploymentStation() override;
+
+    [[nodiscard]] eTypes type() const override;
+
+    /// The id.
+    [[nodiscard]] QString name() const override;
+    /// Sets the id.
+    void setName(const QString& a_sName) override;
+
+    void copy(std::shared_ptr<DeploymentObject> a_source) override;
+    [[nodiscard]] std::shared_ptr<DeploymentObject> clone() override;
+
+    [[nodiscard]] QSet<std::shared_ptr<DeploymentDevice>> devices() const { return m_devices; }
+    /// Whether the set changed; null is never a member. The device's station is
+    /// set by the caller.
+    bool addDevice(std::shared_ptr<DeploymentDevice> a_device);
+    bool removeDevice(std::shared_ptr<DeploymentDevice> a_device);
+
+private:
+    friend class DeploymentGraph;
+
+    void takeFrom(const DeploymentStation& a_source);
+
+    QSet<std::shared_ptr<DeploymentDevice>> m_devices;
+};
+
+} // namespace Simulation
+
+#endif
