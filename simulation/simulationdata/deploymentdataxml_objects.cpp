@@ -106,7 +106,8 @@ bool DeploymentDataXml::readObjectChild(QXmlStreamReader& a_reader, QStringView 
         }
     } else {
         std::unique_ptr<IPositionSettings> settings(CommonDataXml::readPositionSettings(a_reader));
-        if (settings || !a_reader.hasError()) {
+        // Half a position is another position.
+        if (!a_reader.hasError()) {
             a_object.setPositionSettings(settings.release());
         }
     }
