@@ -17,11 +17,12 @@ namespace SimulationTool {
 
 namespace {
 
-const char s_szOverview[] = "Looks into the scenarios and signal packages of the radio-signal simulation,\n"
-                            "plays them, and runs the programs of the simulation that talk over a network.\n"
+const char s_szOverview[] = "Looks into scenarios, deployments and signal packages of the radio-signal\n"
+                            "simulation, plays scenarios, and runs the programs of the simulation that talk\n"
+                            "over a network.\n"
                             "\n"
                             "Commands:\n"
-                            "  inspect     Show what a scenario, signal package or data file holds.\n"
+                            "  inspect     Show what a scenario, deployment, package or data file holds.\n"
                             "  play        Show where every emitter is and what it sends, step by step.\n"
                             "  repository  Prepare a folder for signal packages, list those of a folder.\n"
                             "  service     Run the service that devices register with and editors control.\n"
@@ -53,6 +54,7 @@ const char s_szInspect[] = "Shows what a file or package folder holds. What it i
                            "  scenario        header and noise, an overview of emitters and networks, then\n"
                            "                  each with all settings; times in ms since scenario start,\n"
                            "                  positions in degrees (east and north positive)\n"
+                           "  deployment      header, stations, and devices with station and position\n"
                            "  package folder  descriptor (Signal.xml by itself, too) and data files\n"
                            "  .zip            files, and the packages among them; everything is unpacked\n"
                            "                  into a temporary folder to check it\n"
@@ -61,7 +63,7 @@ const char s_szInspect[] = "Shows what a file or package folder holds. What it i
                            "  .pdw            records; with block headers every block is checked\n"
                            "\n"
                            "The last line is the verdict, except for scenarios: whole, truncated, more than\n"
-                           "the header says, inconsistent, or refused with the reason.";
+                           "the header says, inconsistent, broken off, or refused with the reason.";
 
 const char s_szInspectExamples[] =
     "\n"
@@ -72,7 +74,7 @@ const char s_szInspectExamples[] =
     "\n"
     "Exit codes:\n"
     "  0  Whole.\n"
-    "  1  Truncated, too long or inconsistent, or the scenario broke off.\n"
+    "  1  Truncated, too long or inconsistent, or the document broke off.\n"
     "  2  Wrong usage, or the file was refused or could not be read.\n";
 
 ExitCode inspect(const QStringList& a_arguments, Output& a_output)

@@ -6,12 +6,12 @@
 #include "servicecontroller.h"
 #include "valuetexts.h"
 
+#include "simulationdata/deploymentdataxml.h"
 #include "simulationdata/limits.h"
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 
 #include <QFile>
-#include <QXmlStreamReader>
 
 #include <algorithm>
 
@@ -130,19 +130,12 @@ QString scenarioProblem(const QByteArray& a_content)
     return scenario.errorString();
 }
 
+/// The same for a deployment.
 QString deploymentProblem(const QByteArray& a_content)
 {
-    QXmlStreamReader reader(a_content);
-    if (reader.readNextStartElement() && reader.name() != u"SimulationDeployment") {
-        return QStringLiteral("is no deployment: its root is ") + reader.name().toString();
-    }
-    while (!reader.atEnd()) {
-        reader.readNext();
-    }
-    return reader.hasError() ? QStringLiteral("line %1, column %2: %3")
-                                   .arg(QString::number(reader.lineNumber()),
-                                        QString::number(reader.columnNumber()), reader.errorString())
-                             : QString();
+    Simulation::DeploymentDataXml deployment;
+    static_cast<void>(deployment.fromXml(a_content));
+    return deployment.errorString();
 }
 
 } // namespace

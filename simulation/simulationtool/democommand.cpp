@@ -13,8 +13,8 @@ namespace {
 
 const char s_szDemo[] = "Shows the road of a scenario: runs a service and two devices in this process,\n"
                         "connected through ports of this machine that the system chooses, has an editor\n"
-                        "send them the built-in scenario, and plays ten seconds of it. The clock of the\n"
-                        "devices is moved by hand, so nobody waits.";
+                        "send them a deployment and the built-in scenario, and plays ten seconds of it.\n"
+                        "The clock of the devices is moved by hand, so nobody waits.";
 
 const char s_szDemoExamples[] = "\n"
                                 "Exit codes:\n"
@@ -29,10 +29,15 @@ struct RoadStep
 };
 
 constexpr RoadStep s_steps[] = {
-    {"make a repository", &DemoRoad::makeRepository}, {"start the service", &DemoRoad::startService},
-    {"start the devices", &DemoRoad::startDevices},   {"acquire the service", &DemoRoad::acquire},
-    {"load the scenario", &DemoRoad::loadScenario},   {"play it", &DemoRoad::play},
-    {"pause and stop it", &DemoRoad::pauseAndStop},   {"unload it", &DemoRoad::unload},
+    {"make a repository", &DemoRoad::makeRepository},
+    {"start the service", &DemoRoad::startService},
+    {"start the devices", &DemoRoad::startDevices},
+    {"acquire the service", &DemoRoad::acquire},
+    {"deploy the devices", &DemoRoad::deploy},
+    {"load the scenario", &DemoRoad::loadScenario},
+    {"play it", &DemoRoad::play},
+    {"pause and stop it", &DemoRoad::pauseAndStop},
+    {"unload it", &DemoRoad::unload},
 };
 
 ExitCode runDemo(Output& a_output)

@@ -1,5 +1,6 @@
 #include "demoroad.h"
 
+#include "deploymentdetails.h"
 #include "deviceplay.h"
 #include "interruption.h"
 #include "output.h"
@@ -11,6 +12,9 @@
 
 #include "kpbase/velaos.h"
 #include "simulationdata/datastorefactory.h"
+#include "simulationdata/deploymentdataxml.h"
+#include "simulationdata/deploymentdevice.h"
+#include "simulationdata/deploymentstation.h"
 #include "simulationdata/signalpackagefolder.h"
 #include "simulationdata/szenarioemitter.h"
 
@@ -31,6 +35,7 @@ constexpr std::uint32_t s_uiStep = 1000;         ///< ms
 constexpr std::uint32_t s_uiEnd = 10'000;        ///< ms, itself a step
 constexpr std::uint32_t s_uiShownEvery = 5000;   ///< ms
 constexpr std::uint64_t s_uiMicroseconds = 1000; ///< in a millisecond
+constexpr Simulation::TPos s_pier{9.95, 53.54};  ///< of the demo's station
 constexpr int s_iWhoWidth = -8;                  ///< characters, left-aligned
 
 } // namespace
@@ -137,6 +142,30 @@ bool DemoRoad::acquire()
     tell(QStringLiteral("editor"),
          QStringLiteral("acquired the service, %1").arg(counted(uiDevices, "device")));
     return uiDevices == m_devices.size();
+}
+
+/// Both devices at one station.
+bool DemoRoad::deploy()
+{
+    const auto station = std::make_shared<Simulation::DeploymentStation>(QStringLiteral("pier"));
+    station->setPosition(s_pier);
+    QSet<std::shared_ptr<Simulation::DeploymentDevice>> devices;
+    for (const Device& device : m_devices) {
+        const auto deployed = std::make_shared<Simulation::DeploymentDevice>(device.id);
+        deployed->setStation(station);
+        station->addDevice(deployed);
+        devices.insert(deployed);
+    }
+    Simulation::DeploymentDataXml deployment;
+    deployment.setName(QStringLiteral("Harbour"));
+    deployment.setDevices(devices);
+    deployment.setStations({station});
+    const QByteArray xml = deployment.toXml();
+    tell(QStringLiteral("editor"),
+         QStringLiteral("sends a deployment of %1").arg(deploymentSummary(deployment)));
+    m_controller.communication().sendLoadDeployment(xml);
+    return m_controller.synchronize() &&
+           waitFor([&](const SimulationDevice& a_device) { return a_device.deployment() == xml; });
 }
 
 bool DemoRoad::loadScenario()

@@ -42,6 +42,7 @@ public:
     [[nodiscard]] bool startService();
     [[nodiscard]] bool startDevices();
     [[nodiscard]] bool acquire();
+    [[nodiscard]] bool deploy();
     [[nodiscard]] bool loadScenario();
     [[nodiscard]] bool play();
     [[nodiscard]] bool pauseAndStop();

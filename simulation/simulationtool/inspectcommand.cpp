@@ -2,6 +2,7 @@
 
 #include "archivedetails.h"
 #include "datafiledetails.h"
+#include "deploymentdetails.h"
 #include "output.h"
 #include "packagedetails.h"
 #include "pulsefiledetails.h"
@@ -32,10 +33,10 @@ struct Kind
     Verdict (*describe)(Report& a_report, const QString& a_sFile);
 };
 
-bool isDescriptor(const QByteArray& a_head)
+bool hasRoot(const QByteArray& a_head, const char* a_szName)
 {
     QXmlStreamReader reader(a_head);
-    return reader.readNextStartElement() && reader.name() == QLatin1String("SignalPackage");
+    return reader.readNextStartElement() && reader.name() == QLatin1String(a_szName);
 }
 
 bool isArchive(const QByteArray& a_head)
@@ -43,7 +44,7 @@ bool isArchive(const QByteArray& a_head)
     return a_head.startsWith("PK\3\4") || a_head.startsWith("PK\5\6");
 }
 
-constexpr std::array<Kind, 7> s_kinds{{
+constexpr std::array<Kind, 8> s_kinds{{
     {[](const QByteArray& a_head) { return a_head.startsWith("T&K-SSF"); }, ".ssf", &describeShapeFile},
     {[](const QByteArray& a_head) { return a_head.startsWith("T&K-SDF"); }, ".sdf", &describeSymbolFile},
     {[](const QByteArray& a_head) { return a_head.startsWith("T&K-RDF"); }, ".rdf", &describeResultFile},
@@ -51,7 +52,9 @@ constexpr std::array<Kind, 7> s_kinds{{
     {[](const QByteArray& a_head) { return a_head.startsWith("\x72\x65\x74\xFB"); }, ".pdw",
      &describePulseFile},
     {&isArchive, ".zip", &describeArchive},
-    {&isDescriptor, "", &describeDescriptor},
+    {[](const QByteArray& a_head) { return hasRoot(a_head, "SignalPackage"); }, "", &describeDescriptor},
+    {[](const QByteArray& a_head) { return hasRoot(a_head, "SimulationDeployment"); }, "",
+     &describeDeployment},
 }};
 
 /// The kind of a file; null for what may be a scenario.

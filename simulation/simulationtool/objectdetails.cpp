@@ -191,17 +191,21 @@ QString frequencySummary(Simulation::IFrequencySettings* a_pSettings)
     return QStringLiteral("fixed, ") + frequencyText(a_pSettings->getCenterFrequency());
 }
 
+QString positionSummary(Simulation::IPositionSettings* a_pSettings)
+{
+    if (const auto* pPath = dynamic_cast<const Simulation::PositionSettingsPtp*>(a_pSettings)) {
+        return QStringLiteral("moves over %1 points, %2")
+            .arg(QString::number(pPath->getMovments().size()), endBehaviourText(pPath->getEndBehavior()));
+    }
+    return a_pSettings != nullptr ? positionText(a_pSettings->getPosition()) : orDash({});
+}
+
 QString positionSummary(const Simulation::SzenarioEmitter& a_emitter)
 {
     if (const auto target = a_emitter.linkTargetEmitter()) {
         return QStringLiteral("follows ") + orDash(target->id());
     }
-    Simulation::IPositionSettings* pPosition = a_emitter.positionSettings();
-    if (const auto* pPath = dynamic_cast<const Simulation::PositionSettingsPtp*>(pPosition)) {
-        return QStringLiteral("moves over %1 points, %2")
-            .arg(QString::number(pPath->getMovments().size()), endBehaviourText(pPath->getEndBehavior()));
-    }
-    return pPosition != nullptr ? positionText(pPosition->getPosition()) : orDash({});
+    return positionSummary(a_emitter.positionSettings());
 }
 
 void describeEmitter(Report& a_report, const Simulation::SzenarioEmitter& a_emitter, bool a_bDefault)

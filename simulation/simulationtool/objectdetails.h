@@ -5,6 +5,7 @@
 
 namespace Simulation {
 class IFrequencySettings;
+class IPositionSettings;
 class ScenarioNetwork;
 class SzenarioEmitter;
 } // namespace Simulation
@@ -15,7 +16,9 @@ class Report;
 
 /// A frequency behaviour in one line, "-" for null.
 [[nodiscard]] QString frequencySummary(Simulation::IFrequencySettings* a_pSettings);
-/// Where an emitter is, in one line; a linked one names whom it follows.
+/// A position in one line, "-" for null.
+[[nodiscard]] QString positionSummary(Simulation::IPositionSettings* a_pSettings);
+/// The same for an emitter; a linked one names whom it follows.
 [[nodiscard]] QString positionSummary(const Simulation::SzenarioEmitter& a_emitter);
 
 /// One object with all its settings and relations, under a heading of its own.

@@ -1,9 +1,11 @@
 #include "simulationdevice.h"
 
+#include "deploymentdetails.h"
 #include "devicestatetext.h"
 #include "scenariofile.h"
 #include "valuetexts.h"
 
+#include "simulationdata/deploymentdataxml.h"
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/szenarioemitter.h"
 
@@ -151,9 +153,7 @@ void SimulationDevice::connectOrders()
     });
     connect(&m_communication, &Communication::loadDeployment, this, [this](const QByteArray& a_deployment) {
         if (obeys()) {
-            m_deployment = a_deployment;
-            m_log.tell(QStringLiteral("deployment of %1")
-                           .arg(counted(static_cast<quint64>(a_deployment.size()), "byte")));
+            deploy(a_deployment);
         }
     });
     connect(&m_communication, &Communication::addJxDevice, this, [this](const QString& a_sId) {
@@ -198,6 +198,28 @@ void SimulationDevice::connectRunOrders()
     });
 }
 
+void SimulationDevice::tellUnusable(const QString& a_sWhat, const QByteArray& a_content,
+                                    const QString& a_sReason)
+{
+    m_log.tell(QStringLiteral("%1 of %2: %3")
+                   .arg(a_sWhat, counted(static_cast<quint64>(a_content.size()), "byte"),
+                        LogLimit::part(a_sReason)));
+}
+
+/// Keeps what came, and says what it is.
+void SimulationDevice::deploy(const QByteArray& a_deployment)
+{
+    m_deployment = a_deployment;
+    Simulation::DeploymentDataXml deployment;
+    static_cast<void>(deployment.fromXml(a_deployment));
+    if (const QString sError = deployment.errorString(); !sError.isEmpty()) {
+        tellUnusable(QStringLiteral("deployment"), a_deployment, sError);
+        return;
+    }
+    m_log.tell(QStringLiteral("deployment \"%1\": %2")
+                   .arg(LogLimit::part(deployment.name()), deploymentSummary(deployment)));
+}
+
 void SimulationDevice::load(const QByteArray& a_scenario)
 {
     unload();
@@ -208,9 +230,7 @@ void SimulationDevice::load(const QByteArray& a_scenario)
     const QString sError = m_scenario->errorString();
     if (!bRead || !sError.isEmpty()) {
         m_scenario.reset();
-        m_log.tell(
-            QStringLiteral("scenario of %1: %2")
-                .arg(counted(static_cast<quint64>(a_scenario.size()), "byte"), LogLimit::part(sError)));
+        tellUnusable(QStringLiteral("scenario"), a_scenario, sError);
         setState(ScenarioDataState::Failed);
         return;
     }

@@ -60,6 +60,9 @@ public:
     /// When the scenario ends (ms); 0 when it does not say.
     [[nodiscard]] std::uint32_t duration() const;
 
+    /// The last deployment that was sent, as it came; empty before.
+    [[nodiscard]] const QByteArray& deployment() const { return m_deployment; }
+
     /// Plays what the clock says is due. It does so by itself as well: this is
     /// for whoever moves the clock.
     void playDue();
@@ -86,6 +89,8 @@ private:
     void connectRunOrders();
     [[nodiscard]] bool obeys();
 
+    void tellUnusable(const QString& a_sWhat, const QByteArray& a_content, const QString& a_sReason);
+    void deploy(const QByteArray& a_deployment);
     void load(const QByteArray& a_scenario);
     void unload();
     void setState(Simulation::ScenarioDataState a_eState);

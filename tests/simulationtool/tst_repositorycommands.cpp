@@ -274,6 +274,12 @@ void tst_RepositoryCommands::inspectFile_data()
     add("descriptor", m_descriptor, 0, "Bandwidth 10000", "whole");
     add("descriptor", "<SignalPackage><Name>", 2, "Signal package descriptor",
         "refused: line 1, column 22: element \"Name\" does not end");
+    add("deployment", contentOf(QStringLiteral(TEST_DATA_DIR "/deployments/Full.xml")), 0,
+        "mobile On board ship pc-1 Receiver 7 0 moves over 2 points, then stays at the end", "whole");
+    add("deployment", "<SimulationDeployment><Device ID='a'><Station>s</Station>", 1,
+        "s - 1 longitude 0, latitude 0", "broke off: line 1, column 57: Premature end of document.");
+    add("deployment", "<!DOCTYPE d [<!ENTITY e 'e'>]><SimulationDeployment/>", 2, "Deployment",
+        "refused: line 1, column 1: entity declarations limit of 0 exceeded");
     add("pulses", pulseBlock(0, 1000, 1000) + pulseBlock(1, 1, 1), 0, "Records 1001", "whole");
     add("pulses", pulseBlock(0, 2, 2) + pulseBlock(1, 5, 3), 1, "Records 5", "truncated by 64 bytes");
     add("pulses", pulseBlock(0, 0, 0).chopped(1), 1, "Blocks 0", "truncated by 1 byte");

@@ -506,6 +506,8 @@ void tst_WireCommands::wrongConfirmation()
     QTRY_COMPARE_WITH_TIMEOUT(states.count(), 3, s_iToolTimeout); // none, loading, failed
     QCOMPARE(states[2][1].value<SimulationDeviceState>().scenarioDataState(), ScenarioDataState::Failed);
     QCOMPARE(device->text().count(QStringLiteral("state: loading")), 1);
+    communication.sendLoadDeployment("<d/>");
+    QVERIFY(device->says(QStringLiteral("rx: deployment of 4 bytes: line 1, column 4: the root element is")));
     communication.socket()->write("no command");
     QVERIFY(device->says(QStringLiteral("cannot be read")) &&
             device->says(QStringLiteral("rx: connected"), 2));
@@ -627,7 +629,8 @@ void tst_WireCommands::refused_data()
     row("folder", "control load /", "/: ");
     row("no scenario", "control load DIR/deployment", "line 1, column");
     row("half a scenario", "control load DIR/half", "half: line 1");
-    row("no deployment", "control deploy DIR/half", "is no deployment: its root is Scenario");
+    row("no deployment", "control deploy DIR/half",
+        "the root element is \"Scenario\", not \"SimulationDeployment\"");
     row("half a deployment", "control deploy DIR/deployment", "deployment: line 1, column");
     row("service port", "service --port 65536", "service: --port needs a whole number from 0 to 65535");
     row("service address", "service --address here", "service: --address needs an IP address");
@@ -689,10 +692,11 @@ void tst_WireCommands::demo()
     QCOMPARE(result.err, QString());
     QCOMPARE(result.code, 0);
     const QStringList lines = simplifiedLines(result.out);
+    QVERIFY(lines.contains(QStringLiteral("device-2 deployment \"Harbour\": 1 station, 2 devices")));
     QVERIFY(lines.contains(QStringLiteral("editor is told: loaded by 2 devices")));
     QVERIFY(
         lines.contains(QStringLiteral("demo device-1 played 11 steps, device-2 11, with the same values")));
-    QVERIFY(lines.constLast().startsWith(QStringLiteral("All 8 steps of the road done")));
+    QVERIFY(lines.constLast().startsWith(QStringLiteral("All 9 steps of the road done")));
     QVERIFY2(result.out.contains(QStringLiteral("5000  pilot-boat     yes          156.800000")),
              qPrintable(result.out));
 }
