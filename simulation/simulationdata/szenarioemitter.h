@@ -90,6 +90,8 @@ public:
     /// position is set anywhere.
     [[nodiscard]] IPositionSettings* positionSettings() const;
     [[nodiscard]] IPositionSettings* getPositionSettings() const { return positionSettings(); }
+    /// The emitter's own position, whoever it follows; null only when it was set so.
+    [[nodiscard]] IPositionSettings* ownPositionSettings() const { return m_pPositionSettings.get(); }
     /// Takes ownership of the emitter's own position and deletes the former
     /// one, unless they are the same. Null leaves none: it is never active then.
     void setPositionSettings(IPositionSettings* a_pSettings);

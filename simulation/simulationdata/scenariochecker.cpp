@@ -1,0 +1,299 @@
+#include "scenariochecker.h"
+
+#include "simulationdata/emissionsettings.h"
+#include "simulationdata/ifrequencysettings.h"
+#include "simulationdata/ipositionsettings.h"
+#include "simulationdata/isignalpackageprovider.h"
+#include "simulationdata/scenariodataxml.h"
+#include "simulationdata/signalpackage.h"
+#include "simulationdata/szenarioemitter.h"
+#include "simulationdata/transmittersettings.h"
+#include "trace_p.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+#include <optional>
+#include <span>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include <QHash>
+
+namespace Simulation {
+
+namespace {
+
+constexpr const char* s_szSource = "simulation/simulationdata/scenariochecker";
+
+/// The emissions that lack a usable package for the same reason.
+struct Tally
+{
+    qsizetype count = 0;
+    std::int64_t first = std::numeric_limits<std::int64_t>::max(); ///< start, ms
+};
+
+/// By package id; no package and one without an id are the same to documents.
+using Tallies = std::map<QString, Tally>;
+
+/// Gives emissions without a usable package the default one.
+class PackageRule
+{
+public:
+    explicit PackageRule(ISignalPackageProvider& a_provider)
+        : m_provider(a_provider)
+    {}
+
+    void check(const EmissionSettings& a_schedule, Tallies& a_tallies);
+    [[nodiscard]] ScenarioFinding finding(const QString& a_sId, const Tally& a_tally) const;
+
+private:
+    bool isKnown(const QString& a_sId);
+    void askForDefault();
+
+    ISignalPackageProvider& m_provider;
+    QHash<QString, bool> m_answers; ///< of the provider, by package id
+    bool m_bAskedForDefault = false;
+    std::shared_ptr<SignalPackage> m_default;
+    bool m_bDefaultUsable = false;
+    QSet<const EmissionSettings::Emission*> m_counted; ///< of those that stay as they are
+};
+
+bool PackageRule::isKnown(const QString& a_sId)
+{
+    const auto answer = m_answers.constFind(a_sId);
+    return answer != m_answers.cend() ? *answer
+                                      : *m_answers.insert(a_sId, m_provider.validSignalPackageId(a_sId));
+}
+
+void PackageRule::askForDefault()
+{
+    if (!std::exchange(m_bAskedForDefault, true)) {
+        m_default = m_provider.defaultSignalPackage();
+        // A default package that is unknown itself would be found again by
+        // every run.
+        m_bDefaultUsable = m_default && isKnown(m_default->id());
+    }
+}
+
+void PackageRule::check(const EmissionSettings& a_schedule, Tallies& a_tallies)
+{
+    for (const boost::shared_ptr<EmissionSettings::Emission>& emission : a_schedule.emissions()) {
+        const std::shared_ptr<SignalPackage>& package = emission->signalPackage;
+        const QString sId = package ? package->id() : QString();
+        if (package && isKnown(sId)) {
+            continue;
+        }
+        askForDefault();
+        if (m_bDefaultUsable) {
+            emission->signalPackage = m_default;
+        } else if (m_counted.contains(emission.get())) {
+            continue;
+        } else {
+            m_counted.insert(emission.get());
+        }
+        Tally& tally = a_tallies[sId];
+        ++tally.count;
+        tally.first = std::min(tally.first, emission->start);
+    }
+}
+
+ScenarioFinding PackageRule::finding(const QString& a_sId, const Tally& a_tally) const
+{
+    const auto number = [&](const char* a_szOne, const char* a_szMany) {
+        return QLatin1String(a_tally.count == 1 ? a_szOne : a_szMany);
+    };
+    QString sText =
+        QStringLiteral("%1 %2 %3 ms, ")
+            .arg(QString::number(a_tally.count), number("emission, at", "emissions, the first at"),
+                 QString::number(a_tally.first));
+    if (a_sId.isEmpty()) {
+        sText += number("names", "name") + QStringLiteral(" no signal package: ");
+    } else {
+        sText += number("uses", "use") + QStringLiteral(" the signal package \"") + a_sId +
+                 QStringLiteral("\", which the provider does not know: ");
+    }
+    if (m_bDefaultUsable) {
+        sText += number("it gets", "they get") + QStringLiteral(" the default package \"") + m_default->id() +
+                 QStringLiteral("\".");
+    } else {
+        sText += number("it stays as it is", "they stay as they are") + QStringLiteral(", for ") +
+                 (m_default ? QStringLiteral("the provider does not know its default package \"") +
+                                  m_default->id() + QStringLiteral("\" either.")
+                            : QStringLiteral("it has no default package."));
+    }
+    return {{}, {}, ScenarioChecker::s_sInvalidSignalPackage, sText, m_bDefaultUsable};
+}
+
+/// Tells of a class that is not known.
+ScenarioFinding classFinding(const QString& a_sClass)
+{
+    return {{},
+            {},
+            ScenarioChecker::s_sInvalidClass,
+            QStringLiteral("The class \"") + a_sClass + QStringLiteral("\" is not known: it stays as it is."),
+            false};
+}
+
+/// Gives an object the settings that it lacks. A finding for each.
+class SettingsRule
+{
+public:
+    void check(ScenarioObject& a_object, SzenarioEmitter* a_pEmitter, QList<ScenarioFinding>& a_findings);
+
+private:
+    static ScenarioFinding finding(const char* a_szKind);
+
+    SzenarioEmitter m_fresh{{}, {}}; ///< has what every new object has
+};
+
+ScenarioFinding SettingsRule::finding(const char* a_szKind)
+{
+    return {{},
+            {},
+            ScenarioChecker::s_sMissingSettings,
+            QStringLiteral("The %1 settings are missing: those of a new object take their place.")
+                .arg(QLatin1String(a_szKind)),
+            true};
+}
+
+void SettingsRule::check(ScenarioObject& a_object, SzenarioEmitter* a_pEmitter,
+                         QList<ScenarioFinding>& a_findings)
+{
+    if (a_object.frequencySettings() == nullptr) {
+        a_object.setFrequencySettings(m_fresh.frequencySettings()->clone());
+        a_findings.append(finding("frequency"));
+    }
+    if (a_pEmitter != nullptr && a_pEmitter->ownPositionSettings() == nullptr) {
+        a_pEmitter->setPositionSettings(m_fresh.ownPositionSettings()->clone());
+        a_findings.append(finding("position"));
+    }
+    if (a_pEmitter != nullptr && a_pEmitter->getTranmitterSettings() == nullptr) {
+        auto settings = std::make_unique<TransmitterSettings>(*m_fresh.getTranmitterSettings());
+        a_pEmitter->setTransmitterSettings(settings.release());
+        a_findings.append(finding("transmitter"));
+    }
+}
+
+/// An object with what its findings are ordered by.
+struct Subject
+{
+    std::tuple<bool, QString, QString> key; ///< whether it is no emitter, id, name
+    ScenarioObject* object = nullptr;
+    SzenarioEmitter* emitter = nullptr; ///< the same, when it is one
+};
+
+std::vector<Subject> subjectsOf(const QSet<std::shared_ptr<ScenarioObject>>& a_objects)
+{
+    std::vector<Subject> subjects;
+    subjects.reserve(static_cast<std::size_t>(a_objects.size()));
+    for (const std::shared_ptr<ScenarioObject>& object : a_objects) {
+        auto* const pEmitter = dynamic_cast<SzenarioEmitter*>(object.get());
+        subjects.push_back({{pEmitter == nullptr, object->id(), object->name()}, object.get(), pEmitter});
+    }
+    std::sort(subjects.begin(), subjects.end(),
+              [](const Subject& a_first, const Subject& a_second) { return a_first.key < a_second.key; });
+    return subjects;
+}
+
+/// The rules with what they have to remember during one run.
+class Run
+{
+public:
+    Run(ISignalPackageProvider* a_pProvider, const QSet<QString>& a_knownClasses);
+
+    /// What is found at objects that agree in kind, id and name. Nothing else
+    /// could tell a reader which of them is meant, and a set has no order, so
+    /// they are treated as one.
+    [[nodiscard]] QList<ScenarioFinding> check(std::span<const Subject> a_alike);
+
+private:
+    QList<ScenarioFinding> checkPackages(std::span<const Subject> a_alike);
+
+    std::optional<PackageRule> m_packages;
+    const QSet<QString>& m_knownClasses;
+    SettingsRule m_settings;
+};
+
+Run::Run(ISignalPackageProvider* a_pProvider, const QSet<QString>& a_knownClasses)
+    : m_knownClasses(a_knownClasses)
+{
+    if (a_pProvider != nullptr) {
+        m_packages.emplace(*a_pProvider);
+    }
+}
+
+QList<ScenarioFinding> Run::checkPackages(std::span<const Subject> a_alike)
+{
+    Tallies tallies;
+    for (const Subject& subject : a_alike) {
+        // A member's own schedule: the network's is checked with the network.
+        m_packages->check(*subject.object->ScenarioObject::emissionSettings(), tallies);
+    }
+    QList<ScenarioFinding> findings;
+    for (const auto& [sId, tally] : tallies) {
+        findings.append(m_packages->finding(sId, tally));
+    }
+    return findings;
+}
+
+QList<ScenarioFinding> Run::check(std::span<const Subject> a_alike)
+{
+    QList<ScenarioFinding> others;
+    for (const Subject& subject : a_alike) {
+        if (subject.emitter != nullptr && !m_knownClasses.isEmpty() &&
+            !m_knownClasses.contains(subject.emitter->getClass())) {
+            others.append(classFinding(subject.emitter->getClass()));
+        }
+        m_settings.check(*subject.object, subject.emitter, others);
+    }
+    // The texts of one rule begin alike and differ in what they are about.
+    std::sort(others.begin(), others.end(),
+              [](const ScenarioFinding& a_first, const ScenarioFinding& a_second) {
+                  return std::tie(a_first.ruleId, a_first.text) < std::tie(a_second.ruleId, a_second.text);
+              });
+    QList<ScenarioFinding> findings =
+        (m_packages ? checkPackages(a_alike) : QList<ScenarioFinding>()) + others;
+    for (ScenarioFinding& finding : findings) {
+        finding.objectId = std::get<1>(a_alike.front().key);
+        finding.objectName = std::get<2>(a_alike.front().key);
+    }
+    return findings;
+}
+
+} // namespace
+
+ScenarioChecker::ScenarioChecker(ISignalPackageProvider* a_pProvider)
+    : m_pProvider(a_pProvider)
+{}
+
+qsizetype ScenarioChecker::count(QLatin1String a_sRule) const
+{
+    return std::count_if(m_findings.cbegin(), m_findings.cend(),
+                         [&](const ScenarioFinding& a_finding) { return a_finding.ruleId == a_sRule; });
+}
+
+void ScenarioChecker::check(ScenarioDataXml& a_scenario)
+{
+    m_findings.clear();
+    const auto objects = a_scenario.scenarioObjects();
+    const std::vector<Subject> subjects = subjectsOf(objects);
+    Run run(m_pProvider, m_knownClasses);
+    for (auto first = subjects.cbegin(); first != subjects.cend();) {
+        const auto last = std::find_if(first, subjects.cend(),
+                                       [&](const Subject& a_subject) { return a_subject.key != first->key; });
+        m_findings += run.check({first, last});
+        first = last;
+    }
+    if (!m_findings.isEmpty()) {
+        traceError(s_szSource, [&] {
+            return QStringLiteral("The check of a scenario found %1 %2, %3 %4, %5 %6")
+                .arg(QString::number(count(s_sInvalidSignalPackage)), s_sInvalidSignalPackage,
+                     QString::number(count(s_sInvalidClass)), s_sInvalidClass,
+                     QString::number(count(s_sMissingSettings)), s_sMissingSettings);
+        });
+    }
+}
+
+} // namespace Simulation
