@@ -1,130 +1,27 @@
 #include "scenariochecker.h"
 
-#include "simulationdata/emissionsettings.h"
+#include "packagerule_p.h"
 #include "simulationdata/ifrequencysettings.h"
 #include "simulationdata/ipositionsettings.h"
-#include "simulationdata/isignalpackageprovider.h"
 #include "simulationdata/scenariodataxml.h"
-#include "simulationdata/signalpackage.h"
 #include "simulationdata/szenarioemitter.h"
 #include "simulationdata/transmittersettings.h"
 #include "trace_p.h"
 
+#include <QSet>
+
 #include <algorithm>
-#include <limits>
-#include <map>
+#include <memory>
 #include <optional>
 #include <span>
 #include <tuple>
-#include <utility>
 #include <vector>
-
-#include <QHash>
 
 namespace Simulation {
 
 namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/scenariochecker";
-
-/// The emissions that lack a usable package for the same reason.
-struct Tally
-{
-    qsizetype count = 0;
-    std::int64_t first = std::numeric_limits<std::int64_t>::max(); ///< start, ms
-};
-
-/// By package id; no package and one without an id are the same to documents.
-using Tallies = std::map<QString, Tally>;
-
-/// Gives emissions without a usable package the default one.
-class PackageRule
-{
-public:
-    explicit PackageRule(ISignalPackageProvider& a_provider)
-        : m_provider(a_provider)
-    {}
-
-    void check(const EmissionSettings& a_schedule, Tallies& a_tallies);
-    [[nodiscard]] ScenarioFinding finding(const QString& a_sId, const Tally& a_tally) const;
-
-private:
-    bool isKnown(const QString& a_sId);
-    void askForDefault();
-
-    ISignalPackageProvider& m_provider;
-    QHash<QString, bool> m_answers; ///< of the provider, by package id
-    bool m_bAskedForDefault = false;
-    std::shared_ptr<SignalPackage> m_default;
-    bool m_bDefaultUsable = false;
-    QSet<const EmissionSettings::Emission*> m_counted; ///< of those that stay as they are
-};
-
-bool PackageRule::isKnown(const QString& a_sId)
-{
-    const auto answer = m_answers.constFind(a_sId);
-    return answer != m_answers.cend() ? *answer
-                                      : *m_answers.insert(a_sId, m_provider.validSignalPackageId(a_sId));
-}
-
-void PackageRule::askForDefault()
-{
-    if (!std::exchange(m_bAskedForDefault, true)) {
-        m_default = m_provider.defaultSignalPackage();
-        // A default package that is unknown itself would be found again by
-        // every run.
-        m_bDefaultUsable = m_default && isKnown(m_default->id());
-    }
-}
-
-void PackageRule::check(const EmissionSettings& a_schedule, Tallies& a_tallies)
-{
-    for (const boost::shared_ptr<EmissionSettings::Emission>& emission : a_schedule.emissions()) {
-        const std::shared_ptr<SignalPackage>& package = emission->signalPackage;
-        const QString sId = package ? package->id() : QString();
-        if (package && isKnown(sId)) {
-            continue;
-        }
-        askForDefault();
-        if (m_bDefaultUsable) {
-            emission->signalPackage = m_default;
-        } else if (m_counted.contains(emission.get())) {
-            continue;
-        } else {
-            m_counted.insert(emission.get());
-        }
-        Tally& tally = a_tallies[sId];
-        ++tally.count;
-        tally.first = std::min(tally.first, emission->start);
-    }
-}
-
-ScenarioFinding PackageRule::finding(const QString& a_sId, const Tally& a_tally) const
-{
-    const auto number = [&](const char* a_szOne, const char* a_szMany) {
-        return QLatin1String(a_tally.count == 1 ? a_szOne : a_szMany);
-    };
-    QString sText =
-        QStringLiteral("%1 %2 %3 ms, ")
-            .arg(QString::number(a_tally.count), number("emission, at", "emissions, the first at"),
-                 QString::number(a_tally.first));
-    if (a_sId.isEmpty()) {
-        sText += number("names", "name") + QStringLiteral(" no signal package: ");
-    } else {
-        sText += number("uses", "use") + QStringLiteral(" the signal package \"") + a_sId +
-                 QStringLiteral("\", which the provider does not know: ");
-    }
-    if (m_bDefaultUsable) {
-        sText += number("it gets", "they get") + QStringLiteral(" the default package \"") + m_default->id() +
-                 QStringLiteral("\".");
-    } else {
-        sText += number("it stays as it is", "they stay as they are") + QStringLiteral(", for ") +
-                 (m_default ? QStringLiteral("the provider does not know its default package \"") +
-                                  m_default->id() + QStringLiteral("\" either.")
-                            : QStringLiteral("it has no default package."));
-    }
-    return {{}, {}, ScenarioChecker::s_sInvalidSignalPackage, sText, m_bDefaultUsable};
-}
 
 /// Tells of a class that is not known.
 ScenarioFinding classFinding(const QString& a_sClass)
@@ -226,7 +123,7 @@ Run::Run(ISignalPackageProvider* a_pProvider, const QSet<QString>& a_knownClasse
 
 QList<ScenarioFinding> Run::checkPackages(std::span<const Subject> a_alike)
 {
-    Tallies tallies;
+    PackageRule::Tallies tallies;
     for (const Subject& subject : a_alike) {
         // A member's own schedule: the network's is checked with the network.
         m_packages->check(*subject.object->ScenarioObject::emissionSettings(), tallies);

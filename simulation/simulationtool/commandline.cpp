@@ -1,5 +1,6 @@
 #include "commandline.h"
 
+#include "checkarguments.h"
 #include "commandparser.h"
 #include "controlcommand.h"
 #include "democommand.h"
@@ -24,6 +25,7 @@ const char s_szOverview[] = "Looks into scenarios, deployments and signal packag
                             "Commands:\n"
                             "  inspect     Show what a scenario, deployment, package or data file holds.\n"
                             "  play        Show where every emitter is and what it sends, step by step.\n"
+                            "  check       Check scenarios against a repository, and repair them.\n"
                             "  repository  Prepare a folder for signal packages, list those of a folder.\n"
                             "  service     Run the service that devices register with and editors control.\n"
                             "  device      Run a device: load the scenarios that it is sent and play them.\n"
@@ -38,6 +40,7 @@ const char s_szOverviewExamples[] =
     "  simulationtool play                      (the built-in scenario, ten seconds)\n"
     "  simulationtool inspect harbour.sce.exp\n"
     "  simulationtool play harbour.sce.exp --to 60000 --csv harbour.csv\n"
+    "  simulationtool check harbour.sce.exp --repository packages\n"
     "  simulationtool repository init packages\n"
     "  simulationtool play --repository packages\n"
     "  simulationtool demo\n"
@@ -98,9 +101,10 @@ struct Command
     ExitCode (*run)(const QStringList& a_arguments, Output& a_output);
 };
 
-constexpr std::array<Command, 7> s_commands{{
+constexpr std::array<Command, 8> s_commands{{
     {"inspect", &inspect},
     {"play", &play},
+    {"check", &check},
     {"repository", &repository},
     {"service", &service},
     {"device", &device},

@@ -11,8 +11,6 @@
 #include "simulationdata/szenarioemitter.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 
 namespace SimulationTool {
@@ -63,13 +61,6 @@ std::unique_ptr<Sink> makeSink(const PlayOptions& a_options, Output& a_output, s
     return makeTableSink(a_output, ids, a_uiTo, bLevels);
 }
 
-bool isCsvScenario(const PlayOptions& a_options)
-{
-    const QString sTarget = QFileInfo(a_options.csvFile).canonicalFilePath();
-    return !a_options.csvFile.isEmpty() && !sTarget.isEmpty() &&
-           sTarget == QFileInfo(a_options.scenario).canonicalFilePath();
-}
-
 /// Plays with packages from the provider, which is the same as `a_pPackages` if
 /// there is a repository.
 ExitCode playWith(Simulation::ISignalPackageProvider& a_provider, RepositoryPackages* a_pPackages,
@@ -98,7 +89,7 @@ ExitCode playWith(Simulation::ISignalPackageProvider& a_provider, RepositoryPack
 
 ExitCode runPlay(const PlayOptions& a_options, Output& a_output)
 {
-    if (isCsvScenario(a_options)) {
+    if (isSameFile(a_options.csvFile, a_options.scenario)) {
         complain(
             QStringLiteral("play: %1 is the scenario itself: give another --csv").arg(a_options.csvFile));
         return ExitCode::Unusable;

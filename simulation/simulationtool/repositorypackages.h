@@ -19,9 +19,10 @@ class SignalPackageCache;
 
 namespace SimulationTool {
 
-/// The packages of a repository, as a play needs them: resolved by a cache that
-/// is filled from the repository. What the scenario asks for and does not get
-/// is told on standard error, once for each.
+/// The packages of a repository, as a play and a check need them: resolved by a
+/// cache that is filled from the repository. A package or a level that is asked
+/// for and not there is told on standard error, once for each; whether an id is
+/// known may be asked quietly.
 ///
 /// Must be opened before it is asked.
 class RepositoryPackages : public Simulation::ISignalPackageProvider

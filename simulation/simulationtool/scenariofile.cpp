@@ -6,6 +6,8 @@
 #include "simulationdata/scenarionetwork.h"
 #include "simulationdata/szenarioemitter.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 
 namespace SimulationTool {
@@ -41,6 +43,12 @@ ExitCode loadScenario(Simulation::ScenarioDataXml& a_scenario, const QString& a_
     }
     complain(QStringLiteral("%1: %2").arg(a_sFile, sReason));
     return bRead ? ExitCode::Findings : ExitCode::Unusable;
+}
+
+bool isSameFile(const QString& a_sFirst, const QString& a_sSecond)
+{
+    const QString sFirst = QFileInfo(a_sFirst).canonicalFilePath();
+    return !sFirst.isEmpty() && sFirst == QFileInfo(a_sSecond).canonicalFilePath();
 }
 
 QList<std::shared_ptr<Simulation::SzenarioEmitter>> emittersOf(const Simulation::ScenarioDataXml& a_scenario)

@@ -22,6 +22,10 @@ namespace SimulationTool {
 /// before was kept.
 [[nodiscard]] ExitCode loadScenario(Simulation::ScenarioDataXml& a_scenario, const QString& a_sFile);
 
+/// Whether two names lead to one file, through links too; false when one of them
+/// does not exist.
+[[nodiscard]] bool isSameFile(const QString& a_sFirst, const QString& a_sSecond);
+
 /// The emitters of both kinds, in the order of their ids.
 [[nodiscard]] QList<std::shared_ptr<Simulation::SzenarioEmitter>>
 emittersOf(const Simulation::ScenarioDataXml& a_scenario);

@@ -1,0 +1,77 @@
+#include "packagerule_p.h"
+
+#include "simulationdata/isignalpackageprovider.h"
+#include "simulationdata/signalpackage.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Simulation {
+
+bool PackageRule::isKnown(const QString& a_sId)
+{
+    const auto answer = m_answers.constFind(a_sId);
+    return answer != m_answers.cend() ? *answer
+                                      : *m_answers.insert(a_sId, m_provider.validSignalPackageId(a_sId));
+}
+
+void PackageRule::askForDefault()
+{
+    if (!std::exchange(m_bAskedForDefault, true)) {
+        m_default = m_provider.defaultSignalPackage();
+        // A default package that is unknown itself would be found again by
+        // every run.
+        m_bDefaultUsable = m_default && isKnown(m_default->id());
+    }
+}
+
+void PackageRule::check(const EmissionSettings& a_schedule, Tallies& a_tallies)
+{
+    for (const boost::shared_ptr<EmissionSettings::Emission>& emission : a_schedule.emissions()) {
+        const std::shared_ptr<SignalPackage>& package = emission->signalPackage;
+        const QString sId = package ? package->id() : QString();
+        if (package && isKnown(sId)) {
+            continue;
+        }
+        askForDefault();
+        if (m_bDefaultUsable) {
+            emission->signalPackage = m_default;
+        } else if (m_unrepaired.contains(emission.get())) {
+            continue;
+        } else {
+            m_unrepaired.insert(emission.get());
+        }
+        Tally& tally = a_tallies[sId];
+        ++tally.count;
+        tally.first = std::min(tally.first, emission->start);
+    }
+}
+
+ScenarioFinding PackageRule::finding(const QString& a_sId, const Tally& a_tally) const
+{
+    const auto number = [&](const char* a_szOne, const char* a_szMany) {
+        return QLatin1String(a_tally.count == 1 ? a_szOne : a_szMany);
+    };
+    QString sText =
+        QStringLiteral("%1 %2 %3 ms, ")
+            .arg(QString::number(a_tally.count), number("emission, at", "emissions, the first at"),
+                 QString::number(a_tally.first));
+    if (a_sId.isEmpty()) {
+        sText += number("names", "name") + QStringLiteral(" no signal package: ");
+    } else {
+        sText += number("uses", "use") + QStringLiteral(" the signal package \"") + a_sId +
+                 QStringLiteral("\", which the provider does not know: ");
+    }
+    if (m_bDefaultUsable) {
+        sText += number("it gets", "they get") + QStringLiteral(" the default package \"") + m_default->id() +
+                 QStringLiteral("\".");
+    } else {
+        sText += number("it stays as it is", "they stay as they are") + QStringLiteral(", for ") +
+                 (m_default ? QStringLiteral("the provider does not know its default package \"") +
+                                  m_default->id() + QStringLiteral("\" either.")
+                            : QStringLiteral("the provider has no default package."));
+    }
+    return {{}, {}, ScenarioChecker::s_sInvalidSignalPackage, sText, m_bDefaultUsable};
+}
+
+} // namespace Simulation

@@ -1,0 +1,103 @@
+#include "checkarguments.h"
+
+#include "checkcommand.h"
+#include "commandparser.h"
+
+namespace SimulationTool {
+
+namespace {
+
+const char s_szCheck[] = "Checks scenario documents and writes one line for everything it finds: the file,\n"
+                         "the object's id and name, what is wrong and what a repair makes of it, and the\n"
+                         "rule:\n"
+                         "\n"
+                         "  invalid-signal-package  an emission names no package, or one that the\n"
+                         "                          repository does not have; only with --repository.\n"
+                         "                          Repaired: it gets the default package.\n"
+                         "  invalid-class           an emitter is of none of the classes that --class\n"
+                         "                          names; never repaired\n"
+                         "  missing-settings        an object has no frequency, position or transmitter\n"
+                         "                          settings. Repaired: it gets those of a new object.\n"
+                         "  broken-off              the document is cut off, malformed or beyond a\n"
+                         "                          limit; what came before is checked\n"
+                         "\n"
+                         "Files stay as they are, unless --repair names one. A repaired scenario is\n"
+                         "written afresh in the current format, without comments and elements that are\n"
+                         "not the format's; what no rule found keeps its values and ids.";
+
+const char s_szCheckExamples[] =
+    "\n"
+    "Examples:\n"
+    "  simulationtool check harbour.sce.exp --repository packages\n"
+    "  simulationtool check *.sce.exp --class Boat --class \"Coast station\"\n"
+    "  simulationtool check harbour.sce.exp --repository packages --repair repaired.sce.exp\n"
+    "\n"
+    "Exit codes:\n"
+    "  0  Nothing was found in any file.\n"
+    "  1  Something was found, repaired or not.\n"
+    "  2  Wrong usage, or a file could not be read or written; the others are checked.\n";
+
+const QString s_sRepository = QStringLiteral("repository");
+const QString s_sRepair = QStringLiteral("repair");
+const QString s_sClass = QStringLiteral("class");
+
+void addCheckOptions(QCommandLineParser& a_parser)
+{
+    a_parser.addOption({s_sRepository,
+                        QStringLiteral("Check that the signal packages are in this repository, or in any "
+                                       "folder with packages. Default: packages are not checked."),
+                        QStringLiteral("DIR")});
+    a_parser.addOption(
+        {s_sRepair,
+         QStringLiteral("Write the scenario, with all that can be repaired, to OUT, also when nothing was "
+                        "found. OUT may be the one FILE itself, unless that broke off."),
+         QStringLiteral("OUT")});
+    a_parser.addOption(
+        {s_sClass,
+         QStringLiteral("A class that emitters may have, \"\" for none; give it once for each. "
+                        "Default: every class."),
+         QStringLiteral("NAME")});
+    a_parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The scenario documents."));
+}
+
+/// Why the parsed arguments are wrong; empty when they are not.
+QString problemOf(const QCommandLineParser& a_parser)
+{
+    const qsizetype iFiles = a_parser.positionalArguments().size();
+    if (iFiles == 0) {
+        return QStringLiteral("a FILE is needed");
+    }
+    for (const QString& sOption : {s_sRepository, s_sRepair}) {
+        if (a_parser.isSet(sOption) && a_parser.value(sOption).isEmpty()) {
+            return QStringLiteral("--%1 needs a name").arg(sOption);
+        }
+    }
+    return a_parser.isSet(s_sRepair) && iFiles != 1
+               ? QStringLiteral("--repair needs one FILE, %1 given").arg(iFiles)
+               : QString();
+}
+
+} // namespace
+
+ExitCode check(const QStringList& a_arguments, Output& a_output)
+{
+    CommandParser parser(QStringLiteral("check"),
+                         QStringLiteral("FILE... [--repository DIR] [--repair OUT] [--class NAME]..."),
+                         s_szCheck, s_szCheckExamples);
+    addCheckOptions(parser.get());
+    if (const auto done = parser.parse(a_arguments, a_output)) {
+        return *done;
+    }
+    if (const QString sProblem = problemOf(parser.get()); !sProblem.isEmpty()) {
+        return parser.refuse(sProblem);
+    }
+    CheckOptions options;
+    options.files = parser.get().positionalArguments();
+    options.repository = parser.get().value(s_sRepository);
+    options.repairFile = parser.get().value(s_sRepair);
+    const QStringList classes = parser.get().values(s_sClass);
+    options.classes = QSet<QString>(classes.cbegin(), classes.cend());
+    return runCheck(options, a_output);
+}
+
+} // namespace SimulationTool

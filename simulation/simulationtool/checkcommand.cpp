@@ -1,0 +1,154 @@
+#include "checkcommand.h"
+
+#include "interruption.h"
+#include "output.h"
+#include "repositorypackages.h"
+#include "scenariofile.h"
+#include "terminaltext.h"
+#include "valuetexts.h"
+#include "verdict.h"
+
+#include "simulationdata/scenariochecker.h"
+#include "simulationdata/scenariodataxml.h"
+#include "simulationdata/unresolvedsignalpackageprovider.h"
+
+namespace SimulationTool {
+
+namespace {
+
+/// Checks files against the same packages and classes, and counts.
+class FileCheck
+{
+public:
+    FileCheck(const CheckOptions& a_options, Simulation::ISignalPackageProvider* a_pPackages,
+              Output& a_output);
+
+    [[nodiscard]] ExitCode check(const QString& a_sFile);
+    void writeSummary();
+
+private:
+    void tell(const QString& a_sFile, const QString& a_sText, const QString& a_sRule);
+    void tellFindings(const QString& a_sFile);
+    ExitCode repair(Simulation::ScenarioDataXml& a_scenario, const QString& a_sFile);
+
+    const CheckOptions& m_options;
+    Output& m_output;
+    Simulation::ScenarioChecker m_checker;
+    quint64 m_uiChecked = 0; ///< files
+    quint64 m_uiUnreadable = 0;
+    quint64 m_uiFindings = 0;
+    quint64 m_uiRepaired = 0;
+    bool m_bWritten = false;
+};
+
+FileCheck::FileCheck(const CheckOptions& a_options, Simulation::ISignalPackageProvider* a_pPackages,
+                     Output& a_output)
+    : m_options(a_options)
+    , m_output(a_output)
+    , m_checker(a_pPackages)
+{
+    m_checker.setKnownClasses(a_options.classes);
+}
+
+void FileCheck::tell(const QString& a_sFile, const QString& a_sText, const QString& a_sRule)
+{
+    ++m_uiFindings;
+    m_output.write(terminalText(a_sFile + QStringLiteral(": ") + a_sText + QStringLiteral(" [") + a_sRule) +
+                   QStringLiteral("]\n"));
+}
+
+void FileCheck::tellFindings(const QString& a_sFile)
+{
+    for (const Simulation::ScenarioFinding& finding : m_checker.findings()) {
+        const QString sName =
+            finding.objectName.isEmpty() ? QString() : QStringLiteral(" (") + finding.objectName + u')';
+        tell(a_sFile, orDash(finding.objectId) + sName + QStringLiteral(": ") + finding.text, finding.ruleId);
+        m_uiRepaired += finding.repaired ? 1 : 0;
+    }
+}
+
+/// Writes the scenario as it is after the check.
+ExitCode FileCheck::repair(Simulation::ScenarioDataXml& a_scenario, const QString& a_sFile)
+{
+    if (!a_scenario.errorString().isEmpty() && isSameFile(a_sFile, m_options.repairFile)) {
+        complain(QStringLiteral("check: %1 broke off, and what did not come through would be lost: give "
+                                "another --repair")
+                     .arg(a_sFile));
+        return ExitCode::Unusable;
+    }
+    m_bWritten = a_scenario.toXmlFile(m_options.repairFile);
+    if (!m_bWritten) {
+        complain(QStringLiteral("%1: the repaired scenario could not be written (--trace says why)")
+                     .arg(m_options.repairFile));
+    }
+    return m_bWritten ? ExitCode::Ok : ExitCode::Unusable;
+}
+
+ExitCode FileCheck::check(const QString& a_sFile)
+{
+    // Keeps every id: one that the repository does not know is to be found, not
+    // replaced while loading, and one that it knows is to be written as it was.
+    Simulation::UnresolvedSignalPackageProvider ids;
+    Simulation::ScenarioDataXml scenario(&ids);
+    if (!scenario.fromXmlFile(a_sFile)) {
+        ++m_uiUnreadable;
+        complain(QStringLiteral("%1: cannot be read as a scenario document, and nothing else is checked: %2")
+                     .arg(a_sFile, scenario.errorString()));
+        return ExitCode::Unusable;
+    }
+    ++m_uiChecked;
+    const quint64 uiFindings = m_uiFindings;
+    if (!scenario.errorString().isEmpty()) {
+        tell(a_sFile, scenario.errorString() + QStringLiteral(": what follows is missing"),
+             QStringLiteral("broken-off"));
+    }
+    m_checker.check(scenario);
+    tellFindings(a_sFile);
+    const ExitCode eFound = m_uiFindings == uiFindings ? ExitCode::Ok : ExitCode::Findings;
+    return m_options.repairFile.isEmpty() || isInterrupted() ? eFound
+                                                             : worse(eFound, repair(scenario, a_sFile));
+}
+
+void FileCheck::writeSummary()
+{
+    QString sSummary = counted(m_uiChecked, "file") + QStringLiteral(" checked");
+    if (m_uiUnreadable != 0) {
+        sSummary += QStringLiteral(", %1 not readable").arg(m_uiUnreadable);
+    }
+    sSummary += QStringLiteral(": ") + counted(m_uiFindings, "finding");
+    if (m_bWritten) {
+        sSummary += QStringLiteral(", %1 repaired, written to ").arg(m_uiRepaired) + m_options.repairFile;
+    }
+    m_output.write(terminalText(sSummary) + u'\n');
+}
+
+ExitCode checkAll(const CheckOptions& a_options, Simulation::ISignalPackageProvider* a_pPackages,
+                  Output& a_output)
+{
+    FileCheck check(a_options, a_pPackages, a_output);
+    ExitCode eCode = ExitCode::Ok;
+    for (const QString& sFile : a_options.files) {
+        eCode = worse(eCode, check.check(sFile));
+        // An interrupted check is nobody's fault: nothing is said.
+        if (isInterrupted() || !a_output.isOk()) {
+            return ExitCode::Unusable;
+        }
+    }
+    check.writeSummary();
+    return eCode;
+}
+
+} // namespace
+
+ExitCode runCheck(const CheckOptions& a_options, Output& a_output)
+{
+    if (a_options.repository.isEmpty()) {
+        return checkAll(a_options, nullptr, a_output);
+    }
+    catchInterruptions(); // the cache is a temporary one
+    RepositoryPackages packages;
+    return packages.open(a_options.repository, {}) ? checkAll(a_options, &packages, a_output)
+                                                   : ExitCode::Unusable;
+}
+
+} // namespace SimulationTool

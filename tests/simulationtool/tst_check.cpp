@@ -1,0 +1,274 @@
+#include "simulationtool/toolrun.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QByteArray s_known = "b696e61d-dcae-42b4-b794-4a4adb8476c0";
+const QByteArray s_default = "c0d40372-37c8-4ad4-9fb1-97bfc477769c";
+
+QByteArray contentOf(const QString& a_sFile)
+{
+    QFile file(a_sFile);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
+}
+
+/// The reference document, one of whose three emissions names a known package.
+QByteArray document()
+{
+    return contentOf(QStringLiteral(TEST_DATA_DIR "/scenarios/Rich.sce")).replace("p-2", s_known);
+}
+
+QByteArray repaired(QByteArray a_document)
+{
+    return a_document.replace("\"p-1\"", '"' + s_default + '"')
+        .replace("SignalPackage=\"\"", "SignalPackage=\"" + s_default + '"');
+}
+
+} // namespace
+
+class tst_Check : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void file_data();
+    void file();
+    void severalFiles();
+    void repair_data();
+    void repair();
+    void repairRefuses_data();
+    void repairRefuses();
+    void usage_data();
+    void usage();
+    void cleansUp_data();
+    void cleansUp();
+
+private:
+    [[nodiscard]] QString path(const QString& a_sName) const { return m_dir.filePath(a_sName); }
+    [[nodiscard]] bool write(const QString& a_sName, const QByteArray& a_data) const
+    {
+        QFile file(path(a_sName));
+        return file.open(QIODevice::WriteOnly) && file.write(a_data) == a_data.size();
+    }
+    /// Checks what stands in the folder; "r" there is a repository.
+    [[nodiscard]] ToolResult check(const QStringList& a_arguments) const
+    {
+        QStringList arguments{u"check"_s};
+        for (const QString& argument : a_arguments) {
+            arguments.append(argument.isEmpty() || argument.startsWith(u"--") ? argument : path(argument));
+        }
+        ToolResult result = runTool(arguments);
+        result.out.remove(m_dir.path() + u'/');
+        result.err.remove(m_dir.path() + u'/');
+        return result;
+    }
+
+    QTemporaryDir m_dir;
+};
+
+void tst_Check::initTestCase()
+{
+    QCOMPARE(runTool({u"repository"_s, u"init"_s, path(u"r"_s)}).code, 0);
+    QVERIFY(document().contains(s_known) && repaired(document()).count(s_default) == 2);
+}
+
+void tst_Check::file_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QStringList>("out");
+    QTest::addColumn<QString>("err");
+
+    const QStringList clean{u"1 file checked: 0 findings"_s};
+    const QStringList repository{u"--repository"_s, u"r"_s};
+    const QString sUnnamed =
+        u"a.sce: c (Net): 1 emission, at -9223372036854775808 ms, names no signal package: "
+        "it gets the default package \""_s +
+        QString::fromLatin1(s_default) + u"\". [invalid-signal-package]"_s;
+    const QByteArray bare = "<Scenario Uid='u'><Emitter ID='e\x7f' Name='x&#10;y'><Class>Boat</Class>"
+                            "<Frequency/></Emitter>";
+    const QString sSettings = u"a.sce: e\\u{7f} (x\\ny): The frequency settings are missing: those of a new "
+                              "object take their place. [missing-settings]"_s;
+
+    QTest::newRow("clean") << repaired(document()) << repository << 0 << clean << QString();
+    QTest::newRow("packages without a repository") << document() << QStringList() << 0 << clean << QString();
+    QTest::newRow("packages")
+        << document() << repository << 1
+        << QStringList{u"a.sce: a (Pulses): 1 emission, at 0 ms, uses the signal package "
+                       "\"p-1\", which the provider does not know: it gets the default "
+                       "package \""_s +
+                           QString::fromLatin1(s_default) + u"\". [invalid-signal-package]"_s,
+                       sUnnamed, u"1 file checked: 2 findings"_s}
+        << QString();
+    QTest::newRow("known class") << document() << QStringList{u"--class=Radar"_s, u"--class="_s} << 0 << clean
+                                 << QString();
+    QTest::newRow("unknown class, no settings, control characters")
+        << bare + "</Scenario>" << QStringList{u"--class=Radar"_s} << 1
+        << QStringList{u"a.sce: e\\u{7f} (x\\ny): The class \"Boat\" is not known: it stays as it is. "
+                       "[invalid-class]"_s,
+                       sSettings, u"1 file checked: 2 findings"_s}
+        << QString();
+    QTest::newRow("broken off") << bare << QStringList() << 1
+                                << QStringList{u"a.sce: line 1, column 88: Premature end of document.: what "
+                                               "follows is missing [broken-off]"_s,
+                                               sSettings, u"1 file checked: 2 findings"_s}
+                                << QString();
+    const QStringList nothing{u"0 files checked, 1 not readable: 0 findings"_s};
+    QTest::newRow("deployment") << QByteArray("<SimulationDeployment/>") << QStringList() << 2 << nothing
+                                << u"the root element is \"SimulationDeployment\""_s;
+    QTest::newRow("compact form") << QByteArray("\0\0\0\1\0\0\0\4\0e\0", 11) << QStringList() << 2 << nothing
+                                  << u"a.sce: cannot be read as a scenario document"_s;
+    QTest::newRow("no repository") << document() << QStringList{u"--repository"_s, u"none"_s} << 2
+                                   << QStringList() << u"simulationtool: none: "_s;
+}
+
+void tst_Check::file()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QStringList, options);
+    QFETCH(int, code);
+    QFETCH(QStringList, out);
+    QFETCH(QString, err);
+    QVERIFY(write(u"a.sce"_s, content));
+    const ToolResult result = check(QStringList{u"a.sce"_s} + options);
+    QCOMPARE(simplifiedLines(result.out), out);
+    QVERIFY2(err.isEmpty() ? result.err.isEmpty() : result.err.contains(err), qPrintable(result.err));
+    QCOMPARE(result.code, code);
+    QCOMPARE(contentOf(path(u"a.sce"_s)), content);
+}
+
+/// The gravest file decides; no other is kept from being checked.
+void tst_Check::severalFiles()
+{
+    QVERIFY(write(u"a.sce"_s, document()) && write(u"b.sce"_s, repaired(document())));
+    const ToolResult result =
+        check({u"none.sce"_s, u"b.sce"_s, u"r"_s, u"a.sce"_s, u"--repository"_s, u"r"_s});
+    QCOMPARE(result.code, 2);
+    QCOMPARE(simplifiedLines(result.err).size(), 2);
+    QVERIFY(result.err.contains(u"none.sce: "_s) && result.err.contains(u"r: "_s));
+    QCOMPARE(simplifiedLines(result.out).last(), u"2 files checked, 2 not readable: 2 findings"_s);
+}
+
+void tst_Check::repair_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArray>("written");
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<int>("code");
+
+    const QByteArray cut = document().left(document().indexOf("<Network"));
+    QTest::newRow("another file") << document() << repaired(document()) << u"out.sce"_s << 1;
+    QTest::newRow("the same file") << document() << repaired(document()) << u"a.sce"_s << 1;
+    QTest::newRow("nothing found") << repaired(document()) << repaired(document()) << u"out.sce"_s << 0;
+    QTest::newRow("broken off") << cut << repaired(cut.trimmed() + "\n</Scenario>\n") << u"out.sce"_s << 1;
+}
+
+/// Nothing but what was found changes, to the last byte.
+void tst_Check::repair()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QByteArray, written);
+    QFETCH(QString, file);
+    QFETCH(int, code);
+    QVERIFY(write(u"a.sce"_s, content));
+    const ToolResult result = check({u"a.sce"_s, u"--repository"_s, u"r"_s, u"--repair"_s, file});
+    QCOMPARE(result.code, code);
+    QCOMPARE(result.err, QString());
+    QVERIFY2(result.out.endsWith(u" repaired, written to "_s + file + u'\n'), qPrintable(result.out));
+    QCOMPARE(contentOf(path(file)), written);
+    QVERIFY(file == u"a.sce" || contentOf(path(u"a.sce"_s)) == content);
+    QCOMPARE(check({file, u"--repository"_s, u"r"_s}).code, 0);
+}
+
+void tst_Check::repairRefuses_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("file");
+
+    QTest::newRow("the same file, broken off") << document().chopped(20) << u"a.sce"_s;
+    QTest::newRow("a link to it") << document().chopped(20) << u"link.sce"_s;
+    QTest::newRow("folder") << document() << u"r"_s;
+    QTest::newRow("in no folder") << document() << u"none/out.sce"_s;
+    QTest::newRow("unreadable file") << QByteArray("<a/>") << u"new.sce"_s;
+}
+
+void tst_Check::repairRefuses()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, file);
+    QVERIFY(write(u"a.sce"_s, content));
+    QFile::link(path(u"a.sce"_s), path(u"link.sce"_s));
+    const QStringList before = QDir(m_dir.path()).entryList();
+    const ToolResult result = check({u"a.sce"_s, u"--repair"_s, file});
+    QCOMPARE(result.code, 2);
+    QCOMPARE(simplifiedLines(result.err).size(), 1);
+    QVERIFY(!result.out.contains(u"written"_s));
+    QCOMPARE(contentOf(path(u"a.sce"_s)), content);
+    QCOMPARE(QDir(m_dir.path()).entryList(), before);
+}
+
+void tst_Check::usage_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("reason");
+
+    QTest::newRow("no file") << QStringList() << u"a FILE is needed"_s;
+    QTest::newRow("two files to repair")
+        << QStringList{u"a"_s, u"b"_s, u"--repair"_s, u"c"_s} << u"--repair needs one FILE, 2 given"_s;
+    QTest::newRow("no repository") << QStringList{u"a"_s, u"--repository="_s}
+                                   << u"--repository needs a name"_s;
+}
+
+void tst_Check::usage()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, reason);
+    const ToolResult result = check(arguments);
+    QCOMPARE(result.code, 2);
+    QVERIFY2(result.out.isEmpty() && result.err.contains(reason), qPrintable(result.err));
+}
+
+void tst_Check::cleansUp_data()
+{
+    QTest::addColumn<int>("signal");
+
+    QTest::newRow("terminated") << SIGTERM;
+    QTest::newRow("done") << 0;
+}
+
+/// More findings than a pipe holds: the check waits for its reader.
+void tst_Check::cleansUp()
+{
+    QFETCH(int, signal);
+    QVERIFY(write(u"a.sce"_s, document()));
+    QVERIFY(QDir().mkpath(path(u"tmp"_s)));
+    qputenv("TMPDIR", path(u"tmp"_s).toLocal8Bit());
+    QProcess process;
+    process.start(QStringLiteral(SIMULATIONTOOL_PATH),
+                  QStringList{u"check"_s, u"--repository"_s, path(u"r"_s)} +
+                      QStringList(1000, path(u"a.sce"_s)));
+    qunsetenv("TMPDIR");
+    QVERIFY(process.waitForReadyRead(s_iToolTimeout));
+    QCOMPARE(QDir(path(u"tmp"_s)).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 1);
+    if (signal != 0) {
+        QCOMPARE(::kill(static_cast<pid_t>(process.processId()), signal), 0);
+    }
+    QVERIFY(process.waitForFinished(s_iToolTimeout));
+    QCOMPARE(process.exitCode(), signal != 0 ? signal : 1);
+    QCOMPARE(process.exitStatus(), signal != 0 ? QProcess::CrashExit : QProcess::NormalExit);
+    QVERIFY(QDir(path(u"tmp"_s)).isEmpty());
+}
+
+QTEST_GUILESS_MAIN(tst_Check)
+
+#include "tst_check.moc"
