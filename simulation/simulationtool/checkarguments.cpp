@@ -22,8 +22,8 @@ const char s_szCheck[] = "Checks scenario documents and writes one line for ever
                          "                          limit; what came before is checked\n"
                          "\n"
                          "Files stay as they are, unless --repair names one. A repaired scenario is\n"
-                         "written afresh in the current format, without comments and elements that are\n"
-                         "not the format's; what no rule found keeps its values and ids.";
+                         "written afresh in the current format: ids that no rule found stay, numbers get\n"
+                         "the format's digits, comments and elements that are not the format's go.";
 
 const char s_szCheckExamples[] =
     "\n"

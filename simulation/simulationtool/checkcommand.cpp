@@ -92,15 +92,15 @@ ExitCode FileCheck::check(const QString& a_sFile)
     Simulation::ScenarioDataXml scenario(&ids);
     if (!scenario.fromXmlFile(a_sFile)) {
         ++m_uiUnreadable;
-        complain(QStringLiteral("%1: cannot be read as a scenario document, and nothing else is checked: %2")
-                     .arg(a_sFile, scenario.errorString()));
+        complain(
+            QStringLiteral("%1: cannot be read as a scenario document, the only kind that is checked: %2")
+                .arg(a_sFile, scenario.errorString()));
         return ExitCode::Unusable;
     }
     ++m_uiChecked;
     const quint64 uiFindings = m_uiFindings;
     if (!scenario.errorString().isEmpty()) {
-        tell(a_sFile, scenario.errorString() + QStringLiteral(": what follows is missing"),
-             QStringLiteral("broken-off"));
+        tell(a_sFile, QStringLiteral("broke off: ") + scenario.errorString(), QStringLiteral("broken-off"));
     }
     m_checker.check(scenario);
     tellFindings(a_sFile);
