@@ -35,7 +35,13 @@ WaitDisplayWidget::WaitDisplayWidget(QWidget* a_pParent)
     flags &= ~(Qt::WindowCloseButtonHint | Qt::WindowContextHelpButtonHint);
     flags |= Qt::CustomizeWindowHint | Qt::WindowSystemMenuHint;
     setWindowFlags(flags);
-    connect(this, &QDialog::rejected, this, &WaitDisplayWidget::canceled);
+    // QDialog goes on after rejected(), whose receivers therefore must not delete
+    // the dialog. finished() is its last act and comes with the same call.
+    connect(this, &QDialog::finished, this, [this](int a_iResult) {
+        if (a_iResult == Rejected) {
+            Q_EMIT canceled();
+        }
+    });
 }
 
 WaitDisplayWidget::~WaitDisplayWidget() = default;

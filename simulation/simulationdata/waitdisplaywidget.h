@@ -22,8 +22,9 @@ class WaitDisplayWidget;
 /// Nothing is connected to the button: the application connects the clicked() of
 /// the child "cancelButton" to reject() if a click shall cancel.
 ///
-/// The receivers of canceled() and timeout(), and of QDialog's accepted(), may
-/// delete the dialog. A new one is hidden and counts nothing.
+/// The receivers of canceled(), timeout() and QDialog's finished(int) may delete
+/// the dialog; QDialog is not done yet when it tells accepted() and rejected(). A
+/// new dialog is hidden and counts nothing.
 class SIMULATIONDATA_EXPORT WaitDisplayWidget : public QDialog
 {
     Q_OBJECT

@@ -1,0 +1,110 @@
+#include "monitorwindow.h"
+#include "windowpicture.h"
+
+#include <simulationdata/simulationsystemconfiguration.h>
+
+#include <kpbase/errorhandler.h>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QPalette>
+#include <QStyleFactory>
+#include <QTextStream>
+
+#include <memory>
+#include <optional>
+
+namespace {
+
+constexpr int s_iWrongUsage = 2; ///< exit code
+
+struct Server
+{
+    QString host;
+    std::uint16_t port = 0;
+};
+
+/// What the settings of this machine say, unless the text says otherwise.
+std::optional<Server> serverOf(const QString& a_sText)
+{
+    if (a_sText.isNull()) {
+        Simulation::SimulationSystemConfiguration configuration;
+        configuration.loadConfiguation();
+        return Server{configuration.simulationServerAddress(), configuration.simulationServicePort()};
+    }
+    // The last colon: addresses may have colons of their own.
+    const qsizetype iColon = a_sText.lastIndexOf(u':');
+    Server server{a_sText.left(iColon), a_sText.mid(iColon + 1).toUShort()};
+    if (server.host.startsWith(u'[') && server.host.endsWith(u']')) {
+        server.host = server.host.mid(1, server.host.size() - 2);
+    }
+    return iColon > 0 && server.port != 0 ? std::make_optional(server) : std::nullopt;
+}
+
+void setDark()
+{
+    const QColor ground(45, 45, 48);
+    const QColor text(225, 225, 225);
+    const QColor grey(128, 128, 128);
+    QPalette palette(QColor(60, 60, 64), ground);
+    palette.setColor(QPalette::Base, QColor(30, 30, 32));
+    palette.setColor(QPalette::AlternateBase, QColor(38, 38, 41));
+    palette.setColor(QPalette::ToolTipBase, ground);
+    palette.setColor(QPalette::Highlight, QColor(60, 130, 220));
+    for (const auto eRole :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+        palette.setColor(eRole, text);
+        palette.setColor(QPalette::Disabled, eRole, grey);
+    }
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setPalette(palette);
+}
+
+void addOptions(QCommandLineParser& a_parser)
+{
+    a_parser.setApplicationDescription(
+        QStringLiteral("Shows the devices that are registered with a simulation service.\n\n"
+                       "The monitor looks on and disturbs nobody, but the service tells the states of the\n"
+                       "devices only to the program that acquired it last: to show them the monitor must\n"
+                       "take the control from an editor, and does so only when told to."));
+    a_parser.addHelpOption();
+    a_parser.addOptions({
+        {QStringLiteral("server"),
+         QStringLiteral("Where the service listens. Default: as the settings of this machine say."),
+         QStringLiteral("HOST:PORT")},
+        {QStringLiteral("states"), QStringLiteral("Show the states: take the control of the service.")},
+        {QStringLiteral("dark"), QStringLiteral("Light texts on a dark ground.")},
+        {QStringLiteral("picture"),
+         QStringLiteral("Write a picture of the window into this file (PNG) once the devices are there, "
+                        "or nobody has answered for a while, and end."),
+         QStringLiteral("FILE")},
+    });
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    ErrorHandler::Instance().setTraceMask(0); // every attempt to connect would be a line
+    const QApplication application(argc, argv);
+    QCommandLineParser parser;
+    addOptions(parser);
+    parser.process(application);
+    const auto server = serverOf(parser.value(QStringLiteral("server")));
+    if (!server || !parser.positionalArguments().isEmpty()) {
+        QTextStream(stderr) << "monitor: --server needs HOST:PORT, and there are no other arguments\n";
+        return s_iWrongUsage;
+    }
+    if (parser.isSet(QStringLiteral("dark"))) {
+        setDark();
+    }
+    Monitor::MonitorWindow window(server->host, server->port);
+    std::unique_ptr<Monitor::WindowPicture> picture;
+    if (parser.isSet(QStringLiteral("picture"))) {
+        picture = std::make_unique<Monitor::WindowPicture>(window, parser.value(QStringLiteral("picture")));
+    }
+    window.setFollowingStates(parser.isSet(QStringLiteral("states")));
+    window.show();
+    window.connectToService();
+    return QApplication::exec();
+}

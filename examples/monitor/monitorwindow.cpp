@@ -1,0 +1,232 @@
+#include "monitorwindow.h"
+
+#include "readabledelegate.h"
+
+#include <simulationdata/ledwidget.h>
+
+#include <QBoxLayout>
+#include <QCheckBox>
+#include <QEvent>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QTableView>
+#include <QTcpSocket>
+
+#include <algorithm>
+#include <array>
+
+namespace Monitor {
+
+namespace {
+
+using Simulation::ScenarioDataState;
+using Simulation::SimulationsTableModel;
+using Simulation::TcpServerConnector;
+using Simulation::WaitDisplayWidget;
+
+constexpr QSize s_size(820, 420); ///< of a new window
+constexpr int s_iPosition = 4;    ///< the column whose texts are all as long and are not to be elided
+
+struct StateName
+{
+    ScenarioDataState state;
+    const char* name; ///< before translation
+};
+constexpr std::array<StateName, 4> s_states{{
+    {ScenarioDataState::None, QT_TRANSLATE_NOOP("Monitor::MonitorWindow", "without a scenario")},
+    {ScenarioDataState::Loading, QT_TRANSLATE_NOOP("Monitor::MonitorWindow", "loading")},
+    {ScenarioDataState::Loaded, QT_TRANSLATE_NOOP("Monitor::MonitorWindow", "loaded")},
+    {ScenarioDataState::Failed, QT_TRANSLATE_NOOP("Monitor::MonitorWindow", "failed")},
+}};
+
+/// The model is asked, so that the legend and the table cannot differ.
+QColor colorOf(ScenarioDataState a_eState)
+{
+    SimulationsTableModel sample;
+    Simulation::SimulationDeviceState state;
+    state.setScenarioDataState(a_eState);
+    sample.registerSimulation(Simulation::SimulationDeviceConfiguration());
+    sample.updateSimulationState(QString(), state);
+    return sample.index(0, 0).data(Qt::ForegroundRole).value<QColor>();
+}
+
+} // namespace
+
+MonitorWindow::MonitorWindow(const QString& a_sHost, std::uint16_t a_uiPort)
+    : m_sHost(a_sHost)
+    , m_uiPort(a_uiPort)
+    , m_pTable(new QTableView)
+    , m_pLamp(new LedWidget)
+    , m_pFollow(new QCheckBox(tr("Show states (takes control of the service)")))
+    , m_pConnect(new QPushButton(tr("Connect")))
+    , m_pCounts(new QLabel)
+    , m_pWait(new WaitDisplayWidget(this))
+{
+    setWindowTitle(tr("Simulation devices at %1:%2").arg(m_sHost).arg(m_uiPort));
+    createTable();
+    createWait();
+    auto* const pCentral = new QWidget;
+    auto* const pLayout = new QVBoxLayout(pCentral);
+    pLayout->addWidget(createBar());
+    pLayout->addWidget(m_pTable);
+    pLayout->addWidget(m_pCounts);
+    setCentralWidget(pCentral);
+    resize(s_size);
+    connect(&m_feed, &DeviceFeed::updated, this, [this] {
+        fitColumns();
+        showCounts();
+        Q_EMIT updated();
+    });
+    showState();
+    showCounts();
+}
+
+MonitorWindow::~MonitorWindow() = default;
+
+QWidget* MonitorWindow::createBar()
+{
+    auto* const pBar = new QWidget;
+    auto* const pLayout = new QHBoxLayout(pBar);
+    pLayout->setContentsMargins(0, 0, 0, 0);
+    pLayout->addWidget(m_pLamp);
+    pLayout->addWidget(m_pConnect);
+    pLayout->addStretch();
+    pLayout->addWidget(m_pFollow);
+    m_pFollow->setToolTip(tr("The service tells the states of its devices only to the program that controls "
+                             "it.\nWhile this is checked, the orders of an editor that controlled it before "
+                             "are not passed on."));
+    connect(m_pConnect, &QPushButton::clicked, this, &MonitorWindow::connectToService);
+    connect(m_pFollow, &QCheckBox::toggled, this, [this](bool a_bOn) {
+        m_feed.setFollowingStates(a_bOn);
+        showState();
+        showCounts();
+    });
+    return pBar;
+}
+
+void MonitorWindow::createTable()
+{
+    m_pTable->setModel(&m_feed.model());
+    m_pTable->setItemDelegate(new ReadableDelegate(m_pTable));
+    m_pTable->setAlternatingRowColors(true);
+    m_pTable->setShowGrid(false);
+    m_pTable->setWordWrap(false);
+    m_pTable->setSelectionMode(QAbstractItemView::NoSelection);
+    m_pTable->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    m_pTable->verticalHeader()->hide();
+    m_pTable->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    m_pTable->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    m_pTable->horizontalHeader()->setHighlightSections(false);
+    m_pTable->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+}
+
+void MonitorWindow::createWait()
+{
+    // A click on the button does what Escape does.
+    auto* const pCancel = m_pWait->findChild<QPushButton*>(QStringLiteral("cancelButton"));
+    connect(pCancel, &QPushButton::clicked, m_pWait, &WaitDisplayWidget::reject);
+    connect(m_pWait, &WaitDisplayWidget::canceled, this, &MonitorWindow::cancel);
+}
+
+void MonitorWindow::setFollowingStates(bool a_bOn)
+{
+    m_pFollow->setChecked(a_bOn);
+}
+
+void MonitorWindow::connectToService()
+{
+    m_connector = std::make_unique<TcpServerConnector>(m_sHost, m_uiPort);
+    connect(m_connector.get(), &TcpServerConnector::connectedToServer, this, &MonitorWindow::connected);
+    connect(m_connector.get(), &TcpServerConnector::disconnectedFromServer, this,
+            &MonitorWindow::disconnected);
+    m_connector->connectToServer();
+    disconnected();
+}
+
+void MonitorWindow::connected()
+{
+    m_bConnected = true;
+    // A service whose machine was switched off says nothing.
+    m_connector->socket()->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
+    m_feed.setSocket(m_connector->socket());
+    m_pWait->close();
+    showState();
+}
+
+void MonitorWindow::disconnected()
+{
+    m_bConnected = false;
+    m_feed.setSocket(nullptr);
+    m_bColumnsFit = false;
+    showState();
+    showCounts();
+    m_pWait->open(tr("Connecting"),
+                  tr("Waiting for the simulation service at %1:%2").arg(m_sHost).arg(m_uiPort), true, 0);
+    Q_EMIT updated();
+}
+
+void MonitorWindow::cancel()
+{
+    m_connector.reset(); // it would try for ever
+    showState();
+}
+
+void MonitorWindow::showState()
+{
+    m_pLamp->setLedActive(m_bConnected);
+    m_pLamp->setText(m_bConnected ? tr("Connected") : tr("Not connected"));
+    m_pConnect->setVisible(m_connector == nullptr);
+    QString sText = tr("Looks on without disturbing anybody. States are not told to an onlooker.");
+    if (m_connector == nullptr) {
+        sText = tr("Not connected.");
+    } else if (!m_bConnected) {
+        sText = tr("Trying to connect.");
+    } else if (m_feed.isFollowingStates()) {
+        sText = tr("Controls the service, for the sake of the states, until another program acquires it.");
+    }
+    statusBar()->showMessage(sText);
+}
+
+/// The number of devices in each state, in the table's colours: its legend.
+void MonitorWindow::showCounts()
+{
+    const int iDevices = m_feed.model().rowCount();
+    QStringList parts{iDevices == 1 ? tr("1 device") : tr("%1 devices").arg(iDevices)};
+    for (const StateName& each : s_states) {
+        if (m_feed.isFollowingStates()) {
+            const QColor color = readableOn(colorOf(each.state), palette().color(QPalette::Window));
+            parts.append(QStringLiteral("<span style=\"color:%1\">%2 %3</span>")
+                             .arg(color.name(), QString::number(m_feed.count(each.state)), tr(each.name)));
+        }
+    }
+    m_pCounts->setText(parts.join(QStringLiteral(" &nbsp; ")));
+}
+
+/// Once, when the table fills: later the widths are the user's. A name as long as
+/// the window must not push the rest out of it, so a column of texts takes at
+/// most its share, and the first what is left.
+void MonitorWindow::fitColumns()
+{
+    if (m_bColumnsFit || m_feed.model().rowCount() == 0) {
+        return;
+    }
+    m_bColumnsFit = true;
+    m_pTable->resizeColumnsToContents();
+    const int iTexts = m_pTable->viewport()->width() - m_pTable->columnWidth(s_iPosition);
+    const int iShare = std::max(m_pTable->horizontalHeader()->minimumSectionSize(), iTexts / s_iPosition);
+    for (int iColumn = 1; iColumn < s_iPosition; ++iColumn) {
+        m_pTable->setColumnWidth(iColumn, std::min(m_pTable->columnWidth(iColumn), iShare));
+    }
+}
+
+void MonitorWindow::changeEvent(QEvent* a_pEvent)
+{
+    QMainWindow::changeEvent(a_pEvent);
+    if (a_pEvent->type() == QEvent::PaletteChange) {
+        showCounts();
+    }
+}
+
+} // namespace Monitor

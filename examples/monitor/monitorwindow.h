@@ -1,0 +1,76 @@
+#ifndef MONITOR_MONITORWINDOW_H
+#define MONITOR_MONITORWINDOW_H
+
+#include "devicefeed.h"
+
+#include <simulationdata/tcpserverconnector.h>
+#include <simulationdata/waitdisplaywidget.h>
+
+#include <QMainWindow>
+#include <QString>
+
+#include <cstdint>
+#include <memory>
+
+class LedWidget;
+class QCheckBox;
+class QLabel;
+class QPushButton;
+class QTableView;
+
+namespace Monitor {
+
+/// The devices of a simulation service, with a lamp for the connection. While it
+/// connects, a waiting dialog is shown. Who cancels that wants no more attempts,
+/// but keeps the window, where a button begins anew.
+class MonitorWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    MonitorWindow(const QString& a_sHost, std::uint16_t a_uiPort);
+    ~MonitorWindow() override;
+
+    void connectToService();
+    void setFollowingStates(bool a_bOn);
+
+    [[nodiscard]] bool isConnected() const { return m_bConnected; }
+    [[nodiscard]] QWidget& waitDialog() { return *m_pWait; }
+
+Q_SIGNALS:
+    /// The service has told something, or the waiting for it has begun.
+    void updated();
+
+protected:
+    void changeEvent(QEvent* a_pEvent) override;
+
+private:
+    [[nodiscard]] QWidget* createBar();
+    void createTable();
+    void createWait();
+    void connected();
+    void disconnected();
+    void cancel();
+    void showState();
+    void showCounts();
+    void fitColumns();
+
+    QString m_sHost;
+    std::uint16_t m_uiPort;
+    DeviceFeed m_feed;
+    std::unique_ptr<Simulation::TcpServerConnector> m_connector; ///< null = not to be connected
+    bool m_bConnected = false;
+    bool m_bColumnsFit = false; ///< the widths are the user's now
+
+    // Children
+    QTableView* m_pTable;
+    LedWidget* m_pLamp;
+    QCheckBox* m_pFollow;
+    QPushButton* m_pConnect;
+    QLabel* m_pCounts;
+    Simulation::WaitDisplayWidget* m_pWait;
+};
+
+} // namespace Monitor
+
+#endif

@@ -1,0 +1,77 @@
+#include "readabledelegate.h"
+
+#include <QAbstractItemView>
+#include <QHelpEvent>
+#include <QToolTip>
+
+#include <algorithm>
+#include <cmath>
+
+namespace Monitor {
+
+namespace {
+
+constexpr double s_dContrast = 4.5; ///< least for texts of ordinary size (WCAG 2.1, 1.4.3)
+constexpr int s_iSteps = 20;        ///< from the colour to white or black
+
+/// A component of sRGB made linear (WCAG 2.1, "relative luminance").
+double linear(double a_dComponent)
+{
+    return a_dComponent <= 0.04045 ? a_dComponent / 12.92 : std::pow((a_dComponent + 0.055) / 1.055, 2.4);
+}
+
+double luminance(const QColor& a_color)
+{
+    return 0.2126 * linear(a_color.redF()) + 0.7152 * linear(a_color.greenF()) +
+           0.0722 * linear(a_color.blueF());
+}
+
+/// From 1, the same, to 21, black on white.
+double contrast(const QColor& a_first, const QColor& a_second)
+{
+    const auto [dDark, dLight] = std::minmax({luminance(a_first), luminance(a_second)});
+    return (dLight + 0.05) / (dDark + 0.05);
+}
+
+} // namespace
+
+QColor readableOn(const QColor& a_color, const QColor& a_ground)
+{
+    const bool bLighter = contrast(Qt::white, a_ground) > contrast(Qt::black, a_ground);
+    const double dFrom = a_color.lightnessF();
+    const double dTo = bLighter ? 1.0 : 0.0;
+    QColor color = a_color;
+    for (int i = 1; i <= s_iSteps && contrast(color, a_ground) < s_dContrast; ++i) {
+        const double dLightness = dFrom + (dTo - dFrom) * i / s_iSteps;
+        color = QColor::fromHslF(std::max(0.0F, a_color.hslHueF()), a_color.hslSaturationF(),
+                                 static_cast<float>(dLightness));
+    }
+    return color;
+}
+
+void ReadableDelegate::initStyleOption(QStyleOptionViewItem* a_pOption, const QModelIndex& a_index) const
+{
+    QStyledItemDelegate::initStyleOption(a_pOption, a_index);
+    const auto eGround = a_pOption->features.testFlag(QStyleOptionViewItem::Alternate)
+                             ? QPalette::AlternateBase
+                             : QPalette::Base;
+    QPalette& palette = a_pOption->palette;
+    // The same for every group: a window in the background is read as well.
+    palette.setColor(QPalette::Text, readableOn(palette.color(QPalette::Text), palette.color(eGround)));
+}
+
+bool ReadableDelegate::helpEvent(QHelpEvent* a_pEvent, QAbstractItemView* a_pView,
+                                 const QStyleOptionViewItem& a_option, const QModelIndex& a_index)
+{
+    if (a_pEvent->type() == QEvent::ToolTip && sizeHint(a_option, a_index).width() > a_option.rect.width()) {
+        // A text from the network is shown as it is, and in lines.
+        QToolTip::showText(
+            a_pEvent->globalPos(),
+            QStringLiteral("<p>%1</p>").arg(displayText(a_index.data(), a_option.locale).toHtmlEscaped()),
+            a_pView, a_option.rect);
+        return true;
+    }
+    return QStyledItemDelegate::helpEvent(a_pEvent, a_pView, a_option, a_index);
+}
+
+} // namespace Monitor

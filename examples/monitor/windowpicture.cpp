@@ -1,0 +1,62 @@
+#include "windowpicture.h"
+
+#include "monitorwindow.h"
+
+#include <QCoreApplication>
+#include <QPainter>
+#include <QPixmap>
+#include <QSaveFile>
+#include <QTextStream>
+
+namespace Monitor {
+
+namespace {
+
+constexpr int s_iQuiet = 700;        ///< ms after the last news
+constexpr int s_iNobodyThere = 3000; ///< ms without a connection
+
+/// The window with its dialog over it, where that is shown. The frames, which
+/// the window system draws, are missing; a line stands for that of the dialog.
+QPixmap pictureOf(MonitorWindow& a_window)
+{
+    QPixmap picture = a_window.grab();
+    const QWidget& dialog = a_window.waitDialog();
+    if (dialog.isVisible()) {
+        QPainter painter(&picture);
+        QRect place(QPoint(), dialog.size());
+        place.moveCenter(a_window.rect().center());
+        painter.drawPixmap(place, a_window.waitDialog().grab());
+        painter.setPen(a_window.palette().color(QPalette::Mid));
+        painter.drawRect(place.adjusted(-1, -1, 0, 0));
+    }
+    return picture;
+}
+
+} // namespace
+
+WindowPicture::WindowPicture(MonitorWindow& a_window, const QString& a_sFile)
+    : m_window(a_window)
+    , m_sFile(a_sFile)
+{
+    m_quiet.setSingleShot(true);
+    connect(&m_quiet, &QTimer::timeout, this, &WindowPicture::take);
+    connect(&a_window, &MonitorWindow::updated, this, &WindowPicture::wait);
+}
+
+void WindowPicture::wait()
+{
+    m_quiet.start(m_window.isConnected() ? s_iQuiet : s_iNobodyThere);
+}
+
+void WindowPicture::take()
+{
+    QSaveFile file(m_sFile);
+    const bool bWritten =
+        file.open(QIODevice::WriteOnly) && pictureOf(m_window).save(&file, "PNG") && file.commit();
+    if (!bWritten) {
+        QTextStream(stderr) << "monitor: " << m_sFile << ": " << file.errorString() << '\n';
+    }
+    QCoreApplication::exit(bWritten ? 0 : 1);
+}
+
+} // namespace Monitor

@@ -1,0 +1,312 @@
+#include "kpbase/errorhandler.h"
+#include "monitor/monitorwindow.h"
+#include "monitor/readabledelegate.h"
+#include "simulationdata/ledwidget.h"
+#include "simulationtool/toolprocess.h"
+
+#include <QAbstractButton>
+#include <QHostAddress>
+#include <QImage>
+#include <QTableView>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+using Communication = Simulation::SimulationServiceCommunication;
+using Simulation::ScenarioDataState;
+using Simulation::SimulationDeviceConfiguration;
+
+/// A service inside the test, with two devices. Tells states only to whoever has
+/// acquired it, and then before it answers anything else.
+class FakeService
+{
+public:
+    FakeService() { listen(); }
+
+    void listen()
+    {
+        m_server = std::make_unique<QTcpServer>();
+        QVERIFY(m_server->listen(QHostAddress::LocalHost, m_uiPort));
+        m_uiPort = m_server->serverPort();
+        QObject::connect(m_server.get(), &QTcpServer::newConnection, [this] { accept(); });
+    }
+    void end()
+    {
+        m_peer.reset();
+        m_server.reset();
+    }
+    void accept()
+    {
+        QTcpSocket* const pSocket = m_server->nextPendingConnection();
+        m_peer = std::make_unique<Communication>(pSocket);
+        QObject::connect(m_peer.get(), &Communication::commandRequestSimulationDevices,
+                         [this] { m_peer->sendResponseSimulationDevices(devices); });
+        QObject::connect(m_peer.get(), &Communication::commandAcquireServer, [this] {
+            acquired = true;
+            report("a", ScenarioDataState::Loaded);
+            report("b", ScenarioDataState::Failed);
+        });
+        QObject::connect(m_peer.get(), &Communication::commandReleaseServer, [this] { acquired = false; });
+    }
+    void report(const char* a_szId, ScenarioDataState a_eState)
+    {
+        Simulation::SimulationDeviceState state;
+        state.setScenarioDataState(a_eState);
+        m_peer->sendSimulationDeviceStateUpdate(QLatin1String(a_szId), state);
+    }
+    static SimulationDeviceConfiguration device(const char* a_szId, const char* a_szName)
+    {
+        SimulationDeviceConfiguration device;
+        device.setId(QLatin1String(a_szId));
+        device.setName(QLatin1String(a_szName));
+        return device;
+    }
+
+    [[nodiscard]] quint16 port() const { return m_uiPort; }
+    [[nodiscard]] bool hasPeer() const { return m_peer != nullptr; }
+
+    QVector<SimulationDeviceConfiguration> devices{device("a", "Alpha"), device("b", "Beta")};
+    bool acquired = false;
+
+private:
+    quint16 m_uiPort = 0;
+    std::unique_ptr<QTcpServer> m_server;
+    std::unique_ptr<Communication> m_peer;
+};
+
+/// The window as its user sees it.
+struct Seen
+{
+    explicit Seen(const FakeService& a_service)
+        : window(QStringLiteral("127.0.0.1"), a_service.port())
+        , table(window.findChild<QTableView*>()->model())
+        , lamp(*window.findChild<LedWidget*>())
+    {
+        window.show();
+        window.connectToService();
+    }
+
+    /// The names of the devices, each with its colour unless that is black.
+    [[nodiscard]] QString rows() const
+    {
+        QStringList all;
+        for (int iRow = 0; iRow < table->rowCount(); ++iRow) {
+            const QModelIndex name = table->index(iRow, 0);
+            const auto color = name.data(Qt::ForegroundRole).value<QColor>();
+            all.append(name.data().toString() + (color == QColor(Qt::black) ? QString() : color.name()));
+        }
+        return all.join(u' ');
+    }
+    [[nodiscard]] bool shows(const char* a_szRows) const
+    {
+        return QTest::qWaitFor([&] { return rows() == QLatin1String(a_szRows); }, s_iToolTimeout);
+    }
+    [[nodiscard]] QAbstractButton* button(const char* a_szText) const
+    {
+        const auto buttons = window.findChildren<QAbstractButton*>();
+        for (QAbstractButton* const pButton : buttons) {
+            if (pButton->text().startsWith(QLatin1String(a_szText))) {
+                return pButton;
+            }
+        }
+        return nullptr;
+    }
+
+    Monitor::MonitorWindow window;
+    QAbstractItemModel* table;
+    LedWidget& lamp;
+};
+
+/// The pixels of a picture that a test of a colour holds for.
+template<typename Test>
+int pixels(const QImage& a_picture, const Test& a_isWanted)
+{
+    int iPixels = 0;
+    for (int iY = 0; iY < a_picture.height(); ++iY) {
+        for (int iX = 0; iX < a_picture.width(); ++iX) {
+            iPixels += a_isWanted(a_picture.pixelColor(iX, iY)) ? 1 : 0;
+        }
+    }
+    return iPixels;
+}
+
+bool isLampLit(const QColor& a_color)
+{
+    return a_color.green() > 190 && a_color.red() < 110 && a_color.blue() < 110;
+}
+
+} // namespace
+
+class TestMonitor : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void looksOn();
+    void followsStates();
+    void stateBeforeDevice();
+    void lostConnection();
+    void cancel();
+    void readableColors_data();
+    void readableColors();
+    void picture_data();
+    void picture();
+};
+
+void TestMonitor::initTestCase()
+{
+    ErrorHandler::Instance().setTraceMask(0); // every attempt to connect would be a line
+}
+
+void TestMonitor::looksOn()
+{
+    FakeService service;
+    Seen seen(service);
+    QVERIFY(seen.window.waitDialog().isVisible() && !seen.lamp.isLedActive());
+    QVERIFY(seen.shows("Alpha Beta"));
+    QVERIFY(!seen.window.waitDialog().isVisible() && seen.lamp.isLedActive());
+    // Asked for again: what is new comes, what is gone goes.
+    service.devices = {FakeService::device("b", "Beta"), FakeService::device("c", "Gamma")};
+    QVERIFY(seen.shows("Beta Gamma"));
+    QVERIFY(!service.acquired);
+}
+
+void TestMonitor::followsStates()
+{
+    FakeService service;
+    Seen seen(service);
+    QVERIFY(seen.shows("Alpha Beta"));
+    seen.button("Show states")->click();
+    QVERIFY(seen.shows("Alpha#008000 Beta#800000"));
+    service.report("b", ScenarioDataState::Loading);
+    QVERIFY(seen.shows("Alpha#008000 Beta#808000"));
+    // A device that is described anew keeps its state, and its place.
+    service.devices[0].setName(QStringLiteral("Other"));
+    QVERIFY(seen.shows("Other#008000 Beta#808000"));
+    seen.button("Show states")->click();
+    QVERIFY(seen.shows("Other Beta"));
+    QVERIFY(QTest::qWaitFor([&] { return !service.acquired; }, s_iToolTimeout));
+}
+
+void TestMonitor::stateBeforeDevice()
+{
+    FakeService service;
+    Seen seen(service);
+    seen.window.setFollowingStates(true); // before there is a connection
+    QVERIFY(seen.shows("Alpha#008000 Beta#800000"));
+}
+
+void TestMonitor::lostConnection()
+{
+    FakeService service;
+    Seen seen(service);
+    QVERIFY(seen.shows("Alpha Beta"));
+    service.end();
+    QVERIFY(seen.shows(""));
+    QVERIFY(seen.window.waitDialog().isVisible() && !seen.lamp.isLedActive());
+    service.listen();
+    QVERIFY(seen.shows("Alpha Beta"));
+    QVERIFY(!seen.window.waitDialog().isVisible() && seen.lamp.isLedActive());
+}
+
+/// Cancel ends the attempts, not the program; a button begins anew.
+void TestMonitor::cancel()
+{
+    FakeService service;
+    service.end();
+    Seen seen(service);
+    QVERIFY(!seen.button("Connect")->isVisible());
+    QTest::mouseClick(seen.button("Cancel"), Qt::LeftButton);
+    QVERIFY(!seen.window.waitDialog().isVisible() && seen.button("Connect")->isVisible());
+    service.listen();
+    QTest::qWait(100); // many attempts would come in this time
+    QVERIFY(!service.hasPeer());
+    QTest::mouseClick(seen.button("Connect"), Qt::LeftButton);
+    QVERIFY(seen.shows("Alpha Beta"));
+    QVERIFY(!seen.button("Connect")->isVisible());
+}
+
+void TestMonitor::readableColors_data()
+{
+    QTest::addColumn<QColor>("color");
+    QTest::addColumn<QColor>("ground");
+    QTest::addColumn<QColor>("expected");
+    const QColor dark(30, 30, 32);
+    const QColor light(Qt::white);
+    QTest::newRow("good as it is") << QColor(Qt::darkRed) << light << QColor(Qt::darkRed);
+    QTest::newRow("a little too light") << QColor(Qt::darkYellow) << light << QColor(122, 122, 0);
+    QTest::newRow("black on dark") << QColor(Qt::black) << dark << QColor(140, 140, 140);
+    QTest::newRow("red on dark") << QColor(Qt::darkRed) << dark << QColor(255, 64, 64);
+    QTest::newRow("nothing helps") << QColor(Qt::white) << QColor(118, 118, 118) << QColor(Qt::white);
+}
+
+void TestMonitor::readableColors()
+{
+    QFETCH(QColor, color);
+    QFETCH(QColor, ground);
+    QFETCH(QColor, expected);
+    const QColor readable = Monitor::readableOn(color, ground);
+    QCOMPARE(readable.toRgb().name(), expected.name());
+}
+
+void TestMonitor::picture_data()
+{
+    QTest::addColumn<bool>("service");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QColor>("loaded"); ///< the colour of a loaded device's texts; invalid = not told
+    QTest::newRow("looks on") << true << QStringList{} << QColor();
+    QTest::newRow("states") << true << QStringList{QStringLiteral("--states")} << QColor(Qt::darkGreen);
+    QTest::newRow("nobody there") << false << QStringList{} << QColor();
+}
+
+/// The program itself, with the service and devices of this system.
+void TestMonitor::picture()
+{
+    QFETCH(bool, service);
+    QFETCH(QStringList, options);
+    QFETCH(QColor, loaded);
+    const QTemporaryDir folder;
+    const QString sFile = folder.filePath(QStringLiteral("monitor.png"));
+    Service running;
+    std::vector<std::unique_ptr<Tool>> devices;
+    for (const char* const szId : {"rx-1", "rx-2"}) {
+        devices.push_back(std::make_unique<Tool>(QStringList{QStringLiteral("device"),
+                                                             QStringLiteral("--server"), running.address(),
+                                                             QStringLiteral("--id"), QLatin1String(szId)}));
+        QVERIFY(devices.back()->says(QStringLiteral("accepted")));
+    }
+    QCOMPARE(runTool({QStringLiteral("control"), QStringLiteral("--server"), running.address(),
+                      QStringLiteral("load"), QStringLiteral(":/DefaultData/Default.sce.exp")})
+                 .code,
+             0);
+    QVERIFY(running.says(QStringLiteral("controls no more")));
+    if (!service) {
+        QCOMPARE(running.codeAfter(SIGTERM), 0);
+    }
+    QProcess monitor;
+    monitor.start(QStringLiteral(MONITOR_PATH),
+                  options + QStringList{QStringLiteral("--server"), running.address(),
+                                        QStringLiteral("--picture"), sFile});
+    QVERIFY(monitor.waitForFinished(s_iToolTimeout));
+    QCOMPARE(monitor.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(monitor.exitCode(), 0);
+
+    const QImage picture(sFile);
+    QVERIFY(!picture.isNull());
+    QCOMPARE(pixels(picture, isLampLit) > 20, service);
+    QCOMPARE(pixels(picture, [&](const QColor& a_color) { return a_color == loaded.toRgb(); }) > 20,
+             loaded.isValid());
+    QVERIFY(!service || running.says(QStringLiteral("left"), 2)); // control and monitor
+    // Who only looks on leaves the control where it is.
+    QCOMPARE(running.text().count(QStringLiteral("controls\n")), loaded.isValid() ? 2 : 1);
+}
+
+QTEST_MAIN(TestMonitor)
+#include "tst_monitor.moc"

@@ -1,0 +1,300 @@
+#include "simulationdata/ledwidget.h"
+#include "simulationdata/waitdisplaywidget.h"
+
+#include <QAbstractEventDispatcher>
+#include <QApplication>
+#include <QImage>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimerEvent>
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <functional>
+
+using Simulation::WaitDisplayWidget;
+
+namespace {
+
+const QString s_sTitle = QStringLiteral("Title");
+const QString s_sMessage = QStringLiteral("Message");
+
+QList<QAbstractEventDispatcher::TimerInfo> timersOf(QObject& a_object)
+{
+    return QAbstractEventDispatcher::instance()->registeredTimers(&a_object);
+}
+
+void sendTimerEvent(QObject& a_object, int a_iTimer)
+{
+    QTimerEvent event(a_iTimer);
+    QCoreApplication::sendEvent(&a_object, &event);
+}
+
+/// Has time pass for a dialog: at most so many ticks, given as its timer gives
+/// them. Returns how many it took, fewer when the timer has stopped.
+int tick(QObject& a_dialog, int a_iMost)
+{
+    int iTicks = 0;
+    for (; iTicks < a_iMost && timersOf(a_dialog).size() == 1; ++iTicks) {
+        sendTimerEvent(a_dialog, timersOf(a_dialog).constFirst().timerId);
+    }
+    return iTicks;
+}
+
+/// A dialog in memory of the test, overwritten when a receiver deletes it:
+/// whoever touches it afterwards crashes.
+class MortalDialog
+{
+public:
+    MortalDialog() { new (m_bytes.data()) WaitDisplayWidget; }
+    ~MortalDialog()
+    {
+        if (m_bAlive) {
+            kill();
+        }
+    }
+    MortalDialog(const MortalDialog&) = delete;
+    MortalDialog& operator=(const MortalDialog&) = delete;
+
+    WaitDisplayWidget* get() { return reinterpret_cast<WaitDisplayWidget*>(m_bytes.data()); }
+    void kill()
+    {
+        get()->~WaitDisplayWidget();
+        std::memset(m_bytes.data(), 0xA5, m_bytes.size());
+        m_bAlive = false;
+    }
+    [[nodiscard]] bool isAlive() const { return m_bAlive; }
+
+private:
+    alignas(WaitDisplayWidget) std::array<std::byte, sizeof(WaitDisplayWidget)> m_bytes;
+    bool m_bAlive = true;
+};
+
+} // namespace
+
+class TestWidgets : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void led();
+    void lamp();
+    void waitForm();
+    void timeouts_data();
+    void timeouts();
+    void secondOpen();
+    void pause();
+    void escape_data();
+    void escape();
+    void endings_data();
+    void endings();
+    void deletion_data();
+    void deletion();
+};
+
+void TestWidgets::led()
+{
+    LedWidget led;
+    QVERIFY(led.isLedActive());
+    led.deactivateLed();
+    QVERIFY(!led.isLedActive());
+    led.activeateLed();
+    QVERIFY(led.isLedActive());
+    // By name, as forms and scripts call it.
+    QVERIFY(QMetaObject::invokeMethod(&led, "setLedActive", Q_ARG(bool, false)));
+    QVERIFY(!led.isLedActive());
+
+    QCOMPARE(led.text(), QStringLiteral("Text"));
+    led.setText(QStringLiteral("a"));
+    const int iWidth = led.width();
+    led.setText(QStringLiteral("connected with the simulation service"));
+    QVERIFY(led.width() > iWidth);
+    QCOMPARE(led.findChild<QLabel*>(QStringLiteral("textLabel"))->text(), led.text());
+}
+
+void TestWidgets::lamp()
+{
+    LedWidget led;
+    auto* const pLamp = led.findChild<QLabel*>(QStringLiteral("activeLed"));
+    led.show(); // or else the lamp has no place
+    QCOMPARE(pLamp->pixmap(Qt::ReturnByValue).deviceIndependentSize(), QSizeF(10, 10));
+    QCOMPARE(QImage(QStringLiteral(":/Icons/Led-10x10@2x.png")).size(), QSize(20, 20));
+    const auto center = [&] { return pLamp->grab().toImage().pixelColor(pLamp->rect().center()); };
+    const QColor lit = center();
+    led.deactivateLed();
+    const QColor off = center();
+    QVERIFY2(lit.hsvSaturation() > 120 && off.hsvSaturation() < 30,
+             qPrintable(lit.name() + u' ' + off.name()));
+}
+
+void TestWidgets::waitForm()
+{
+    WaitDisplayWidget dialog;
+    QVERIFY(timersOf(dialog).isEmpty());
+    QCOMPARE(dialog.windowModality(), Qt::WindowModal);
+    const Qt::WindowFlags wanted = Qt::CustomizeWindowHint | Qt::WindowSystemMenuHint;
+    const Qt::WindowFlags unwanted = Qt::WindowCloseButtonHint | Qt::WindowContextHelpButtonHint;
+    QCOMPARE(dialog.windowFlags() & (wanted | unwanted), wanted);
+
+    dialog.open(s_sTitle, s_sMessage, false, 0);
+    QVERIFY(dialog.isVisible());
+    QCOMPARE(dialog.size(), QSize(400, 94));
+    QCOMPARE(dialog.windowTitle(), s_sTitle);
+    QCOMPARE(dialog.findChild<QLabel*>(QStringLiteral("messageLabel"))->text(), s_sMessage);
+    QCOMPARE(timersOf(dialog).size(), 1);
+    QCOMPARE(timersOf(dialog).constFirst().interval, 100);
+
+    const auto* const pBar = dialog.findChild<QProgressBar*>(QStringLiteral("progressBar"));
+    sendTimerEvent(dialog, timersOf(dialog).constFirst().timerId + 1); // of somebody else
+    QCOMPARE(pBar->value(), 0);
+    tick(dialog, 10);
+    QCOMPARE(pBar->value(), 10);
+    tick(dialog, 1);
+    QCOMPARE(pBar->value(), 0);
+    // The button is the application's.
+    dialog.open(s_sTitle, s_sMessage, true, 0);
+    dialog.findChild<QPushButton*>(QStringLiteral("cancelButton"))->click();
+    QVERIFY(dialog.isVisible());
+}
+
+void TestWidgets::timeouts_data()
+{
+    QTest::addColumn<unsigned int>("seconds");
+    QTest::addColumn<int>("ticks"); ///< of 100 at most
+    QTest::newRow("none") << 0U << 100;
+    QTest::newRow("one second") << 1U << 11;
+    QTest::newRow("two seconds") << 2U << 21;
+    QTest::newRow("2^32 ms and 704 more") << 4'294'968U << 100;
+    QTest::newRow("most") << UINT_MAX << 100;
+}
+
+void TestWidgets::timeouts()
+{
+    QFETCH(unsigned int, seconds);
+    QFETCH(int, ticks);
+    WaitDisplayWidget dialog;
+    QSignalSpy timeout(&dialog, &WaitDisplayWidget::timeout);
+    QSignalSpy result(&dialog, &QDialog::finished);
+    for (int iTime = 0; iTime < 2; ++iTime) { // a second waiting begins at 0
+        dialog.open(s_sTitle, s_sMessage, true, seconds);
+        QCOMPARE(tick(dialog, 100), ticks);
+        QCOMPARE(timeout.count(), ticks < 100 ? iTime + 1 : 0);
+        QCOMPARE(dialog.isVisible(), ticks == 100);
+    }
+    QCOMPARE(result.count(), 0);
+}
+
+void TestWidgets::secondOpen()
+{
+    WaitDisplayWidget dialog;
+    dialog.open(s_sTitle, s_sMessage, false, 1);
+    QCOMPARE(tick(dialog, 5), 5);
+    dialog.open(QStringLiteral("new title"), QStringLiteral("new message"), true, 9);
+    QCOMPARE(dialog.windowTitle(), QStringLiteral("new title"));
+    QCOMPARE(dialog.findChild<QLabel*>(QStringLiteral("messageLabel"))->text(),
+             QStringLiteral("new message"));
+    QVERIFY(dialog.findChild<QWidget*>(QStringLiteral("cancelBox"))->isVisible());
+    QCOMPARE(tick(dialog, 100), 6);
+}
+
+void TestWidgets::pause()
+{
+    WaitDisplayWidget dialog;
+    dialog.open(s_sTitle, s_sMessage, false, 1);
+    tick(dialog, 7);
+    dialog.pause();
+    dialog.pause();
+    QVERIFY(!dialog.isVisible() && timersOf(dialog).isEmpty());
+    dialog.doContinue();
+    dialog.doContinue();
+    QVERIFY(dialog.isVisible());
+    QCOMPARE(dialog.windowModality(), Qt::WindowModal);
+    QCOMPARE(timersOf(dialog).size(), 1);
+    QCOMPARE(tick(dialog, 100), 4);
+}
+
+void TestWidgets::escape_data()
+{
+    QTest::addColumn<bool>("cancelable");
+    QTest::newRow("cancelable") << true;
+    QTest::newRow("not cancelable") << false;
+}
+
+void TestWidgets::escape()
+{
+    QFETCH(bool, cancelable);
+    WaitDisplayWidget dialog;
+    QSignalSpy canceled(&dialog, &WaitDisplayWidget::canceled);
+    dialog.open(s_sTitle, s_sMessage, cancelable, 1);
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+    QCOMPARE(canceled.count(), cancelable ? 1 : 0);
+    QCOMPARE(dialog.isVisible(), !cancelable);
+    QCOMPARE(tick(dialog, 100), cancelable ? 0 : 11); // cancelled, it never runs out
+}
+
+using Act = std::function<void(WaitDisplayWidget&)>;
+
+void TestWidgets::endings_data()
+{
+    QTest::addColumn<Act>("act");
+    QTest::addColumn<int>("canceled");
+    QTest::newRow("closed") << Act([](WaitDisplayWidget& a_dialog) { a_dialog.close(); }) << 0;
+    QTest::newRow("accepted") << Act([](WaitDisplayWidget& a_dialog) { a_dialog.accept(); }) << 0;
+    QTest::newRow("rejected") << Act([](WaitDisplayWidget& a_dialog) { a_dialog.reject(); }) << 1;
+    QTest::newRow("window closed") << Act([](WaitDisplayWidget& a_dialog) { a_dialog.QWidget::close(); })
+                                   << 1;
+}
+
+void TestWidgets::endings()
+{
+    QFETCH(Act, act);
+    QFETCH(int, canceled);
+    WaitDisplayWidget dialog;
+    QSignalSpy cancels(&dialog, &WaitDisplayWidget::canceled);
+    QSignalSpy accepts(&dialog, &QDialog::accepted);
+    QSignalSpy own(&dialog, qOverload<>(&WaitDisplayWidget::finished));
+    dialog.open(s_sTitle, s_sMessage, true, 1);
+    act(dialog);
+    QVERIFY(!dialog.isVisible() && timersOf(dialog).isEmpty());
+    QCOMPARE(cancels.count(), canceled);
+    QCOMPARE(accepts.count(), 1 - canceled);
+    QCOMPARE(own.count(), 0);
+}
+
+void TestWidgets::deletion_data()
+{
+    QTest::addColumn<Act>("act");
+    QTest::newRow("timeout") << Act([](WaitDisplayWidget& a_dialog) { tick(a_dialog, 11); });
+    QTest::newRow("canceled by Escape") << Act([](WaitDisplayWidget& a_dialog) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        QCoreApplication::sendEvent(&a_dialog, &event);
+    });
+    QTest::newRow("canceled") << Act([](WaitDisplayWidget& a_dialog) { a_dialog.reject(); });
+    QTest::newRow("closed") << Act([](WaitDisplayWidget& a_dialog) { a_dialog.close(); });
+}
+
+/// The dialog may end with the signal that tells of its end.
+void TestWidgets::deletion()
+{
+    QFETCH(Act, act);
+    MortalDialog dialog;
+    const auto kill = [&dialog] { dialog.kill(); };
+    const QString sRow = QLatin1String(QTest::currentDataTag());
+    if (sRow == QLatin1String("closed")) {
+        connect(dialog.get(), qOverload<int>(&QDialog::finished), this, kill);
+    } else {
+        connect(dialog.get(), &WaitDisplayWidget::canceled, this, kill);
+        connect(dialog.get(), &WaitDisplayWidget::timeout, this, kill);
+    }
+    dialog.get()->open(s_sTitle, s_sMessage, true, 1);
+    act(*dialog.get());
+    QVERIFY(!dialog.isAlive());
+}
+
+QTEST_MAIN(TestWidgets)
+#include "tst_widgets.moc"

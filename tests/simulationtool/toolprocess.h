@@ -1,0 +1,77 @@
+#ifndef TESTS_TOOLPROCESS_H
+#define TESTS_TOOLPROCESS_H
+
+#include "simulationtool/toolrun.h"
+
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTest>
+
+#include <csignal>
+
+/// The program, running beside the test.
+class Tool
+{
+public:
+    explicit Tool(const QStringList& a_arguments)
+    {
+        m_process.setProcessChannelMode(QProcess::MergedChannels);
+        m_process.start(QStringLiteral(SIMULATIONTOOL_PATH), a_arguments);
+    }
+    ~Tool()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+    Tool(const Tool&) = delete;
+    Tool& operator=(const Tool&) = delete;
+
+    /// All that was written so far.
+    QString text()
+    {
+        m_sText += QString::fromUtf8(m_process.readAll());
+        return m_sText;
+    }
+
+    /// Whether a text appears, or has appeared, so many times.
+    bool says(const QString& a_sText, qsizetype a_iTimes = 1)
+    {
+        return QTest::qWaitFor([&] { return text().count(a_sText) >= a_iTimes; }, s_iToolTimeout);
+    }
+
+    /// The exit code after a signal; -1 when it does not end by itself.
+    int codeAfter(int a_iSignal)
+    {
+        ::kill(static_cast<pid_t>(m_process.processId()), a_iSignal);
+        const bool bEnded =
+            QTest::qWaitFor([&] { return m_process.state() == QProcess::NotRunning; }, s_iToolTimeout);
+        return bEnded && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+    }
+
+private:
+    QProcess m_process;
+    QString m_sText;
+};
+
+/// A service on a port that the system or the test chooses.
+class Service : public Tool
+{
+public:
+    explicit Service(const QString& a_sPort = QStringLiteral("0"))
+        : Tool({QStringLiteral("service"), QStringLiteral("--address"), QStringLiteral("127.0.0.1"),
+                QStringLiteral("--port"), a_sPort})
+    {
+        if (says(QStringLiteral("Listening on port "))) {
+            m_sPort = text().section(QStringLiteral("port "), 1).section(u'\n', 0, 0);
+        }
+    }
+
+    [[nodiscard]] QString port() const { return m_sPort; }
+    [[nodiscard]] QString address() const { return QStringLiteral("127.0.0.1:") + m_sPort; }
+
+private:
+    QString m_sPort;
+};
+
+#endif
