@@ -72,12 +72,12 @@ long="A receiver with a name that somebody has written in a single breath withou
 device a "$long" "machine-$(printf '%080d' 1).simulation.example" "$long" "$long" -179.999999 -89.999999 2
 device b "NoBlanksInThisName$(printf 'Receiver%.0s' {1..25})" sim04 "South" Receiver 10.1 54.3 3
 device c "Short" sim04 "$long" Receiver 10.1 54.3 1
-device d "&lt;b&gt;Not bold&lt;/b&gt;" sim04 Harbour Receiver 10.1 54.3 0
+device d "&amp;lt;b>Not bold&amp;lt;/b>" sim04 Harbour Receiver 10.1 54.3 0
 picture long --states
 
 start_service
 for i in $(seq 200); do
-    device "rx-$i" "Receiver $i" "sim$((i % 17))" "Station $((i / 10))" Receiver \
+    device "rx-$((1000 + i))" "Receiver $i" "sim$((i % 17))" "Station $((i / 10))" Receiver \
         "$((i % 180)).125" "$((i % 90)).5" "$((i % 4))"
 done
 picture many --states

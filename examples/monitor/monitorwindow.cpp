@@ -27,6 +27,7 @@ using Simulation::TcpServerConnector;
 using Simulation::WaitDisplayWidget;
 
 constexpr QSize s_size(820, 420); ///< of a new window
+constexpr int s_iGap = 14;        ///< pixels between the texts of two columns
 constexpr int s_iPosition = 4;    ///< the column whose texts are all as long and are not to be elided
 
 struct StateName
@@ -192,11 +193,15 @@ void MonitorWindow::showState()
 /// The number of devices in each state, in the table's colours: its legend.
 void MonitorWindow::showCounts()
 {
+    if (!m_bConnected) {
+        m_pCounts->clear();
+        return;
+    }
     const int iDevices = m_feed.model().rowCount();
     QStringList parts{iDevices == 1 ? tr("1 device") : tr("%1 devices").arg(iDevices)};
     for (const StateName& each : s_states) {
         if (m_feed.isFollowingStates()) {
-            const QColor color = readableOn(colorOf(each.state), palette().color(QPalette::Window));
+            const QColor color = readable(colorOf(each.state), palette());
             parts.append(QStringLiteral("<span style=\"color:%1\">%2 %3</span>")
                              .arg(color.name(), QString::number(m_feed.count(each.state)), tr(each.name)));
         }
@@ -214,11 +219,12 @@ void MonitorWindow::fitColumns()
     }
     m_bColumnsFit = true;
     m_pTable->resizeColumnsToContents();
-    const int iTexts = m_pTable->viewport()->width() - m_pTable->columnWidth(s_iPosition);
-    const int iShare = std::max(m_pTable->horizontalHeader()->minimumSectionSize(), iTexts / s_iPosition);
+    const int iPosition = m_pTable->columnWidth(s_iPosition) + s_iGap;
+    const int iShare = (m_pTable->viewport()->width() - iPosition) / s_iPosition;
     for (int iColumn = 1; iColumn < s_iPosition; ++iColumn) {
-        m_pTable->setColumnWidth(iColumn, std::min(m_pTable->columnWidth(iColumn), iShare));
+        m_pTable->setColumnWidth(iColumn, std::min(m_pTable->columnWidth(iColumn) + s_iGap, iShare));
     }
+    m_pTable->setColumnWidth(s_iPosition, iPosition);
 }
 
 void MonitorWindow::changeEvent(QEvent* a_pEvent)

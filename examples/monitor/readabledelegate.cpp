@@ -35,29 +35,33 @@ double contrast(const QColor& a_first, const QColor& a_second)
 
 } // namespace
 
-QColor readableOn(const QColor& a_color, const QColor& a_ground)
+QColor readable(const QColor& a_color, const QPalette& a_palette)
 {
-    const bool bLighter = contrast(Qt::white, a_ground) > contrast(Qt::black, a_ground);
+    // The dullest of a palette's grounds: what is readable there is so in tables as
+    // well, and a state has one colour all over the window.
+    const QColor ground = a_palette.color(QPalette::Window);
+    if (contrast(a_color, ground) >= s_dContrast) {
+        return a_color;
+    }
+    if (a_color.hslSaturation() == 0) {
+        return a_palette.color(QPalette::WindowText);
+    }
     const double dFrom = a_color.lightnessF();
-    const double dTo = bLighter ? 1.0 : 0.0;
+    const double dTo = contrast(Qt::white, ground) > contrast(Qt::black, ground) ? 1.0 : 0.0;
     QColor color = a_color;
-    for (int i = 1; i <= s_iSteps && contrast(color, a_ground) < s_dContrast; ++i) {
+    for (int i = 1; i <= s_iSteps && contrast(color, ground) < s_dContrast; ++i) {
         const double dLightness = dFrom + (dTo - dFrom) * i / s_iSteps;
-        color = QColor::fromHslF(std::max(0.0F, a_color.hslHueF()), a_color.hslSaturationF(),
-                                 static_cast<float>(dLightness));
+        color = QColor::fromHslF(a_color.hslHueF(), a_color.hslSaturationF(), static_cast<float>(dLightness));
     }
     return color;
 }
 
 void ReadableDelegate::initStyleOption(QStyleOptionViewItem* a_pOption, const QModelIndex& a_index) const
 {
+    const QPalette palette = a_pOption->palette;
     QStyledItemDelegate::initStyleOption(a_pOption, a_index);
-    const auto eGround = a_pOption->features.testFlag(QStyleOptionViewItem::Alternate)
-                             ? QPalette::AlternateBase
-                             : QPalette::Base;
-    QPalette& palette = a_pOption->palette;
     // The same for every group: a window in the background is read as well.
-    palette.setColor(QPalette::Text, readableOn(palette.color(QPalette::Text), palette.color(eGround)));
+    a_pOption->palette.setColor(QPalette::Text, readable(a_pOption->palette.color(QPalette::Text), palette));
 }
 
 bool ReadableDelegate::helpEvent(QHelpEvent* a_pEvent, QAbstractItemView* a_pView,

@@ -2,13 +2,15 @@
 #define MONITOR_READABLEDELEGATE_H
 
 #include <QColor>
+#include <QPalette>
 #include <QStyledItemDelegate>
 
 namespace Monitor {
 
-/// The colour on that ground: as it is where it can be read, or else made
-/// lighter or darker, the hue kept, until it can.
-[[nodiscard]] QColor readableOn(const QColor& a_color, const QColor& a_ground);
+/// The colour for a text in a window of that palette: as it is where it can be
+/// read; or else lighter or darker, the hue kept, until it can. Black and greys
+/// become the palette's own colour of texts then.
+[[nodiscard]] QColor readable(const QColor& a_color, const QPalette& a_palette);
 
 /// Paints the texts of a table in the colours of its model, but readable: the
 /// model's colours are the same for every palette, and on a dark table black and
