@@ -1,3 +1,4 @@
+#include "tracecollector.h"
 #include "velaappstartup/cfgcenter.h"
 #include "velaappstartup/icfg.h"
 
@@ -7,19 +8,11 @@
 #include <QTest>
 
 #include <memory>
+#include <optional>
 
 namespace {
 
 constexpr unsigned s_uiDefault = 57401;
-
-QStringList s_traces;
-
-void collectTrace(QtMsgType /*a_eType*/, const QMessageLogContext& a_context, const QString& a_sMessage)
-{
-    if (qstrcmp(a_context.category, "simulation.trace") == 0) {
-        s_traces.append(a_sMessage);
-    }
-}
 
 QString u8(const char* a_szText)
 {
@@ -54,20 +47,19 @@ private:
     void save(const QByteArray& a_text) const;
 
     std::unique_ptr<QTemporaryDir> m_folder;
-    QtMessageHandler m_previous = nullptr;
+    std::optional<TraceCollector> m_traces;
 };
 
 void TestConfiguration::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     CfgCenter::SetFolder(m_folder->path());
-    s_traces.clear();
-    m_previous = qInstallMessageHandler(collectTrace);
+    m_traces.emplace();
 }
 
 void TestConfiguration::cleanup()
 {
-    qInstallMessageHandler(m_previous);
+    m_traces.reset();
     CfgCenter::SetFolder({});
 }
 
@@ -115,7 +107,7 @@ void TestConfiguration::texts()
     const ICfg* pCfg = create();
     QCOMPARE(pCfg->readString(u8("Key"), u8("default")), expected);
     QCOMPARE(pCfg->readString(u8("Next"), u8("")), u8("2"));
-    QVERIFY(s_traces.isEmpty());
+    QVERIFY(TraceCollector::lines().isEmpty());
 }
 
 void TestConfiguration::numbers()
@@ -123,12 +115,12 @@ void TestConfiguration::numbers()
     save("Small=\"12\"\nLarge=4294967295\n");
     QCOMPARE(create()->readUnsigned(u8("Small"), s_uiDefault), 12U);
     QCOMPARE(create()->readUnsigned(u8("Large"), s_uiDefault), 4294967295U);
-    QVERIFY(s_traces.isEmpty());
+    QVERIFY(TraceCollector::lines().isEmpty());
     for (const char* const szValue : {"4294967296", "-1", "auto", "", "1.5", "0x10"}) {
         save(QByteArray("Key=") + szValue);
-        s_traces.clear();
+        TraceCollector::lines().clear();
         QCOMPARE(create()->readUnsigned(u8("Key"), s_uiDefault), s_uiDefault);
-        QVERIFY2(s_traces.size() == 1, szValue);
+        QVERIFY2(TraceCollector::lines().size() == 1, szValue);
     }
 }
 
@@ -187,7 +179,7 @@ void TestConfiguration::unreadable()
         save(text);
     }
     QCOMPARE(create()->readString(u8("Key"), u8("default")), expected);
-    QCOMPARE(s_traces.size(), traces);
+    QCOMPARE(TraceCollector::lines().size(), traces);
 }
 
 void TestConfiguration::changedFile()

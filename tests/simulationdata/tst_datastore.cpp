@@ -4,6 +4,7 @@
 #include "simulationdata/resourcearchive_p.h"
 #include "simulationdata/signalpackagefolder.h"
 #include "simulationdata/storepath_p.h"
+#include "tracecollector.h"
 
 #include "velaappstartup/cfgcenter.h"
 #include "velaappstartup/icfg.h"
@@ -19,21 +20,13 @@
 #include <QTimer>
 
 #include <memory>
+#include <optional>
 
 #include <sys/stat.h>
 
 using namespace Simulation;
 
 namespace {
-
-QStringList s_traces;
-
-void collectTrace(QtMsgType /*a_eType*/, const QMessageLogContext& a_context, const QString& a_sMessage)
-{
-    if (qstrcmp(a_context.category, "simulation.trace") == 0) {
-        s_traces.append(a_sMessage);
-    }
-}
 
 QString u8(const char* a_szText)
 {
@@ -98,7 +91,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<QTemporaryDir> m_settings;
-    QtMessageHandler m_previous = nullptr;
+    std::optional<TraceCollector> m_traces;
 };
 
 void TestDataStore::init()
@@ -108,13 +101,12 @@ void TestDataStore::init()
     QVERIFY(QDir::setCurrent(m_folder->path()));
     m_settings = std::make_unique<QTemporaryDir>();
     CfgCenter::SetFolder(m_settings->path());
-    s_traces.clear();
-    m_previous = qInstallMessageHandler(collectTrace);
+    m_traces.emplace();
 }
 
 void TestDataStore::cleanup()
 {
-    qInstallMessageHandler(m_previous);
+    m_traces.reset();
     QVERIFY(QDir::setCurrent(QDir::rootPath()));
 }
 
@@ -155,7 +147,7 @@ void TestDataStore::namesOfOtherEncodings()
     const QByteArray foreign = QFile::encodeName(path("from")) + "/f\xE9";
     QCOMPARE(::mkdir(foreign.constData(), 0700), 0);
     QVERIFY(!copyDir(path("from"), path("to")));
-    QCOMPARE(s_traces.size(), 1);
+    QCOMPARE(TraceCollector::lines().size(), 1);
     QVERIFY(removeDir(path("from")) && !QDir(path("from")).exists());
 }
 
@@ -178,11 +170,11 @@ void TestDataStore::copiesFolders()
     QVERIFY(removeDir(m_folder->path() + u8("\\stores")) && !QDir(path("stores")).exists());
     QVERIFY(QFileInfo(path("made")).isDir());
 
-    s_traces.clear();
+    TraceCollector::lines().clear();
     QVERIFY(make("other/x", "new"));
     QVERIFY(!copyDir(path("other"), path("to")));
     QCOMPARE(contents(path("to/x")), QByteArray("x"));
-    QCOMPARE(s_traces.size(), 1);
+    QCOMPARE(TraceCollector::lines().size(), 1);
 }
 
 void TestDataStore::refusesToCopy_data()
@@ -209,7 +201,7 @@ void TestDataStore::refusesToCopy()
     const QStringList before = tree(m_folder->path());
     QVERIFY(!copyDir(from, to));
     QCOMPARE(tree(m_folder->path()), before);
-    QCOMPARE(s_traces.size(), 1);
+    QCOMPARE(TraceCollector::lines().size(), 1);
 }
 
 void TestDataStore::packageFolder_data()
@@ -251,7 +243,7 @@ void TestDataStore::noPackage()
     const SignalPackage package = SignalPackageFolder::signalPackage(u8("p"));
     QVERIFY(package.id().isEmpty() && package.hasAudioContent() && package.hasResultDataContent());
     QCOMPARE(package.name(), u8("p"));
-    QCOMPARE(s_traces.size(), 1);
+    QCOMPARE(TraceCollector::lines().size(), 1);
     QVERIFY(!SignalPackageFolder::isValid(QString()));
     QVERIFY(!SignalPackageFolder::setSignalPackage(QString(), package));
 }
@@ -290,7 +282,7 @@ void TestDataStore::initializes()
     QVERIFY(QFile::setPermissions(path("SignalPackages/~tmp.zip"), QFileDevice::ReadOwner));
     ICfg* pCfg = configuration(m_folder->path() + u'/');
     QVERIFY(DataStoreFactory::initializeDataStore(pCfg));
-    QVERIFY2(s_traces.isEmpty(), qPrintable(s_traces.join(u'\n')));
+    QVERIFY2(TraceCollector::lines().isEmpty(), qPrintable(TraceCollector::lines().join(u'\n')));
     QVERIFY(!QFile::exists(path("Sessions")) && QFile::exists(path("Icons")));
     QCOMPARE(QDir(path("SignalPackages")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
              (QStringList{u8("mine"), u8("TuK-Default")}));
@@ -319,7 +311,7 @@ void TestDataStore::initializesAgain()
     QVERIFY(make("Files/Tessaro/Default.scexml", "edited"));
     QVERIFY(DataStoreFactory::initializeDataStore(pCfg));
     QCOMPARE(contents(path("Files/Tessaro/Default.scexml")), QByteArray("edited"));
-    QVERIFY(s_traces.isEmpty());
+    QVERIFY(TraceCollector::lines().isEmpty());
 }
 
 void TestDataStore::defaultDataInTheWay()
@@ -327,8 +319,9 @@ void TestDataStore::defaultDataInTheWay()
     QVERIFY(make("SignalPackages/TuK-Default/Default") &&
             make("SignalPackages/TuK-Default/Rect 10kHz/Signal.wav/x"));
     QVERIFY(DataStoreFactory::initializeDataStore(configuration(m_folder->path())));
-    QCOMPARE(s_traces.size(), 1);
-    QVERIFY2(s_traces.front().startsWith(u8("4 files ")), qPrintable(s_traces.front()));
+    QCOMPARE(TraceCollector::lines().size(), 1);
+    QVERIFY2(TraceCollector::lines().front().startsWith(u8("4 files ")),
+             qPrintable(TraceCollector::lines().front()));
     QVERIFY(QFile::exists(path("SignalPackages/TuK-Default/Rect 10kHz/Signal.xml")));
     QVERIFY(QFile::exists(path("SignalPackages/TuK-Default/Rect 10kHz/Signal.wav/x")));
 }
@@ -366,7 +359,7 @@ void TestDataStore::cannotInitialize()
     QCOMPARE(sTitle, u8("Simulation System"));
     QCOMPARE(sText, u8("There is an error in your simulation repository configuration. The repository is "
                        "either not accessible or not writable!"));
-    QVERIFY(s_traces.size() == 1 && s_traces.front().startsWith(sText));
+    QVERIFY(TraceCollector::lines().size() == 1 && TraceCollector::lines().front().startsWith(sText));
     if (repository != u8(".")) {
         QCOMPARE(tree(m_folder->path()), QStringList{u8("file 1")});
     }
@@ -380,7 +373,7 @@ void TestDataStore::messageOnlyOnItsThread()
     thread->start();
     QVERIFY(thread->wait(10'000));
     QVERIFY(!bReady);
-    QCOMPARE(s_traces.size(), 1);
+    QCOMPARE(TraceCollector::lines().size(), 1);
 }
 
 void TestDataStore::unpacksWithinBounds()

@@ -1,7 +1,9 @@
 #include "simulationdata/pdwfile.h"
+#include "tracecollector.h"
 
 #include <array>
 #include <csignal>
+#include <optional>
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -21,6 +23,7 @@ class TestPDWFile : public QObject
 
 private Q_SLOTS:
     void init();
+    void cleanup() { m_traces.reset(); }
     void blocks();
     void emptyBlocks();
     void readsRecords();
@@ -34,16 +37,10 @@ private:
     [[nodiscard]] QByteArray content() const;
 
     QTemporaryDir m_folder;
+    std::optional<TraceCollector> m_traces;
 };
 
 namespace {
-
-QStringList s_traces;
-
-void keepTrace(QtMsgType /*a_eType*/, const QMessageLogContext& /*a_context*/, const QString& a_sText)
-{
-    s_traces.append(a_sText);
-}
 
 QByteArray recordBytes(int a_iNumber)
 {
@@ -80,8 +77,7 @@ int addRecords(PDWFile& a_file, int a_iFrom, int a_iTo)
 
 void TestPDWFile::init()
 {
-    s_traces.clear();
-    qInstallMessageHandler(keepTrace);
+    m_traces.emplace();
 }
 
 QByteArray TestPDWFile::content() const
@@ -105,7 +101,7 @@ void TestPDWFile::blocks()
                                 (bHeaders ? QByteArray::fromHex(second) : QByteArray()) +
                                 records(1000, 1001));
     }
-    QVERIFY(s_traces.isEmpty());
+    QVERIFY(TraceCollector::lines().isEmpty());
 }
 
 /// A writer that never got a record leaves one header; each one asked for counts.
@@ -166,7 +162,7 @@ void TestPDWFile::otherDirection()
         addRecords(reader, 0, 1);
     }
     QCOMPARE(content(), records(0, 2));
-    QVERIFY(s_traces.isEmpty());
+    QVERIFY(TraceCollector::lines().isEmpty());
 }
 
 /// More records than the buffer holds come and go.
@@ -187,7 +183,7 @@ void TestPDWFile::refused()
             QCOMPARE(file.getPDW(&pulse), 0);
         }
     }
-    QCOMPARE(s_traces.size(), 2 * paths.size());
+    QCOMPARE(TraceCollector::lines().size(), 2 * paths.size());
     QCOMPARE(content(), before);
 }
 
@@ -200,7 +196,7 @@ void TestPDWFile::unreadable()
     QCOMPARE(file.getPDW(&pulse), 0);
     QCOMPARE(file.getPDW(&pulse), 0);
     QCOMPARE(QByteArray(pulse.bytes.data(), 32), recordBytes(7));
-    QCOMPARE(s_traces.size(), 1);
+    QCOMPARE(TraceCollector::lines().size(), 1);
 }
 
 /// Room for a block and a bit; and less than a header, which is seen when the
@@ -211,7 +207,7 @@ void TestPDWFile::fullDisk()
     rlimit before{};
     QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
     for (const auto& [iRoom, iRecords] : {std::pair{40000, 5000}, std::pair{40000, 1900}, std::pair{16, 1}}) {
-        s_traces.clear();
+        TraceCollector::lines().clear();
         rlimit small = before;
         small.rlim_cur = static_cast<rlim_t>(iRoom);
         QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
@@ -220,7 +216,7 @@ void TestPDWFile::fullDisk()
             addRecords(file, 0, iRecords);
         }
         setrlimit(RLIMIT_FSIZE, &before);
-        QCOMPARE(s_traces.size(), 1);
+        QCOMPARE(TraceCollector::lines().size(), 1);
         QVERIFY(content().size() <= iRoom);
     }
     std::signal(SIGXFSZ, handler);

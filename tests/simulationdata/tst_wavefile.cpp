@@ -1,9 +1,11 @@
 #include "simulationdata/audiofile.h"
 #include "simulationdata/limits.h"
 #include "simulationdata/wavefilereader.h"
+#include "tracecollector.h"
 
 #include <limits>
 #include <numeric>
+#include <optional>
 #include <vector>
 
 #include <QFile>
@@ -21,6 +23,7 @@ class TestWaveFile : public QObject
 
 private Q_SLOTS:
     void init();
+    void cleanup() { m_traces.reset(); }
     void readsChunks();
     void forms_data();
     void forms();
@@ -41,16 +44,10 @@ private:
     [[nodiscard]] QString save(const QByteArray& a_bytes) const;
 
     QTemporaryDir m_folder;
+    std::optional<TraceCollector> m_traces;
 };
 
 namespace {
-
-QStringList s_traces;
-
-void keepTrace(QtMsgType /*a_eType*/, const QMessageLogContext& /*a_context*/, const QString& a_sText)
-{
-    s_traces.append(a_sText);
-}
 
 template<typename Number>
 QByteArray little(std::initializer_list<Number> a_numbers)
@@ -126,8 +123,7 @@ QByteArray allChunks()
 
 void TestWaveFile::init()
 {
-    s_traces.clear();
-    qInstallMessageHandler(keepTrace);
+    m_traces.emplace();
     Limits::setValue(Limits::DataBytes, 0);
 }
 
@@ -153,7 +149,7 @@ void TestWaveFile::readsChunks()
         cues += QStringLiteral("%1@%2=%3").arg(point.id).arg(point.position).arg(point.label);
     }
     QCOMPARE(cues.join(QLatin1Char(' ')), QString::fromUtf8("3@8=\xC3\x9C 7@5=K\xC3\xBChl 9@4294967295="));
-    QVERIFY(s_traces.isEmpty());
+    QVERIFY(TraceCollector::lines().isEmpty());
 }
 
 void TestWaveFile::forms_data()
@@ -205,7 +201,7 @@ void TestWaveFile::forms()
     compareForm<std::uint8_t>(reader, as8);
     compareForm<float>(reader, asFloat);
     const int iRefused = (as16.isEmpty() ? 1 : 0) + (as8.isEmpty() ? 1 : 0) + (asFloat.isEmpty() ? 1 : 0);
-    QCOMPARE(s_traces.size(), iRefused);
+    QCOMPARE(TraceCollector::lines().size(), iRefused);
 }
 
 void TestWaveFile::ranges_data()
@@ -236,7 +232,7 @@ void TestWaveFile::ranges()
     std::vector<std::int16_t> samples(3);
     QCOMPARE(reader.readSamples(start, count, samples), first >= 0);
     QCOMPARE(samples, expected);
-    QCOMPARE(s_traces.size(), first >= 0 ? 0 : 1);
+    QCOMPARE(TraceCollector::lines().size(), first >= 0 ? 0 : 1);
 }
 
 void TestWaveFile::refused_data()
@@ -279,7 +275,7 @@ void TestWaveFile::refused()
     QVERIFY(!reader.open());
     QVERIFY2(reader.errorString().contains(reason), qPrintable(reader.errorString()));
     QVERIFY(!reader.isOpen());
-    QCOMPARE(s_traces.size(), 1);
+    QCOMPARE(TraceCollector::lines().size(), 1);
 }
 
 void TestWaveFile::noFiles()
@@ -291,7 +287,7 @@ void TestWaveFile::noFiles()
         AudioFile audio(sPath);
         QVERIFY(!audio.open() && !audio.isOpen() && !audio.errorString().isEmpty());
     }
-    QCOMPARE(s_traces.size(), paths.size());
+    QCOMPARE(TraceCollector::lines().size(), paths.size());
 }
 
 /// The file just fits, entries of lists being chunks too; one less is too few.
@@ -361,9 +357,9 @@ void TestWaveFile::shrinks()
     std::vector<std::int16_t> samples(3);
     QVERIFY(!reader.readSamples(0, 40000, samples));
     QVERIFY(samples.empty());
-    QVERIFY(s_traces.first().contains(QStringLiteral("956 of 80000 bytes")));
+    QVERIFY(TraceCollector::lines().first().contains(QStringLiteral("956 of 80000 bytes")));
     QVERIFY(audio.readSamples(20000, 30000).empty());
-    QCOMPARE(s_traces.size(), 2);
+    QCOMPARE(TraceCollector::lines().size(), 2);
     QVERIFY(reader.open());
     QCOMPARE(reader.length(), std::uint32_t{478});
     reader.close();
@@ -384,7 +380,7 @@ void TestWaveFile::audioFormats()
         QVERIFY(!audio.open() && !audio.isOpen() && !audio.errorString().isEmpty());
         QCOMPARE(audio.length(), std::uint32_t{0});
     }
-    QCOMPARE(s_traces.size(), others.size());
+    QCOMPARE(TraceCollector::lines().size(), others.size());
 }
 
 void TestWaveFile::audioWraps_data()
@@ -421,7 +417,7 @@ void TestWaveFile::audioWraps()
     Limits::setValue(Limits::DataBytes, 32);
     const std::vector<std::int16_t> got = audio.readSamples(start, count);
     QCOMPARE(QList<int>(got.begin(), got.end()), samples);
-    QCOMPARE(s_traces.size(), samples.isEmpty() ? 1 : 0);
+    QCOMPARE(TraceCollector::lines().size(), samples.isEmpty() ? 1 : 0);
     QVERIFY(audio.readSamples(start, 0).empty());
 }
 
