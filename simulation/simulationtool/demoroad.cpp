@@ -147,6 +147,7 @@ bool DemoRoad::acquire()
 /// Both devices at one station.
 bool DemoRoad::deploy()
 {
+    Simulation::DeploymentDataXml deployment; // ends last: it takes apart what only it holds
     const auto station = std::make_shared<Simulation::DeploymentStation>(QStringLiteral("pier"));
     station->setPosition(s_pier);
     QSet<std::shared_ptr<Simulation::DeploymentDevice>> devices;
@@ -156,7 +157,6 @@ bool DemoRoad::deploy()
         station->addDevice(deployed);
         devices.insert(deployed);
     }
-    Simulation::DeploymentDataXml deployment;
     deployment.setName(QStringLiteral("Harbour"));
     deployment.setDevices(devices);
     deployment.setStations({station});

@@ -147,6 +147,7 @@ void TestDeploymentDataXml::fullDocument()
 
 void TestDeploymentDataXml::writtenDocument()
 {
+    DeploymentDataXml document; // ends last, so that it is the last to hold them
     const auto ship = std::make_shared<DeploymentStation>(QStringLiteral("ship"));
     ship->setIconId(QStringLiteral("boat"));
     auto path = std::make_unique<PositionSettingsPtp>(TPos{9.5, 50.0}, 0.0);
@@ -171,7 +172,6 @@ void TestDeploymentDataXml::writtenDocument()
     const auto lost = std::make_shared<DeploymentDevice>(QStringLiteral("lost"));
     lost->setPositionSettings(nullptr);
 
-    DeploymentDataXml document;
     document.setName(QStringLiteral("Field & test"));
     document.setAuthor(QStringLiteral("M\u00FCller"));
     document.setPersistantId(QStringLiteral("p-1"));
