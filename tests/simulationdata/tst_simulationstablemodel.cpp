@@ -45,7 +45,7 @@ QStringList names(const SimulationsTableModel& a_model)
 /// The colour of a row; also checks that its columns agree.
 QVariant colorOf(const SimulationsTableModel& a_model, int a_iRow = 0)
 {
-    const QVariant first = a_model.index(a_iRow, 0).data(Qt::ForegroundRole);
+    QVariant first = a_model.index(a_iRow, 0).data(Qt::ForegroundRole);
     for (int iColumn = 1; iColumn < a_model.columnCount(); ++iColumn) {
         if (a_model.index(a_iRow, iColumn).data(Qt::ForegroundRole) != first) {
             return QStringLiteral("mixed");

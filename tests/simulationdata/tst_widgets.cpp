@@ -71,7 +71,7 @@ public:
     [[nodiscard]] bool isAlive() const { return m_bAlive; }
 
 private:
-    alignas(WaitDisplayWidget) std::array<std::byte, sizeof(WaitDisplayWidget)> m_bytes;
+    alignas(WaitDisplayWidget) std::array<std::byte, sizeof(WaitDisplayWidget)> m_bytes{};
     bool m_bAlive = true;
 };
 
