@@ -1,0 +1,45 @@
+#ifndef SIMULATIONDATA_COMPACTRECORD_P_H
+#define SIMULATIONDATA_COMPACTRECORD_P_H
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+
+class QDataStream;
+
+namespace Simulation {
+
+/// What a compact scenario holds of one emitter. Null and empty texts are told
+/// apart.
+struct CompactRecord
+{
+    QString id;
+    QString name;
+    QString description;
+    bool active = false;
+    bool isDefault = false;
+    QString linkTarget; ///< an id
+    QString emitterClass;
+};
+
+/// Sets a stream to the encoding of the form, which other programs read and
+/// write too.
+void prepareCompactStream(QDataStream& a_stream);
+
+/// Takes the count of records, or a record, from a stream. `a_iBytes` counts
+/// what the stream has given so far, against Limits::DocumentBytes. What is wrong
+/// is told by the result, which is empty when nothing is; the stream is of no
+/// use then. Memory follows what the stream holds, not what it claims.
+[[nodiscard]] QString readCompactCount(QDataStream& a_stream, std::int32_t& a_iCount, std::int64_t& a_iBytes);
+[[nodiscard]] QString readCompactRecord(QDataStream& a_stream, CompactRecord& a_record,
+                                        std::int64_t& a_iBytes);
+void writeCompactRecord(QDataStream& a_stream, const CompactRecord& a_record);
+
+/// The bytes that a record takes; nothing when a text is longer than its length
+/// can tell.
+[[nodiscard]] std::optional<std::int64_t> compactBytes(const CompactRecord& a_record);
+
+} // namespace Simulation
+
+#endif

@@ -1,0 +1,23 @@
+#ifndef SIMULATIONDATA_LINKORDER_P_H
+#define SIMULATIONDATA_LINKORDER_P_H
+
+#include <QSet>
+
+#include <memory>
+#include <vector>
+
+namespace Simulation {
+
+class SzenarioEmitter;
+
+/// The emitters in an order in which every link target comes before those that
+/// are linked to it and, among those that may come next, always the one of the
+/// smallest id; equal ids by name, class and description. Where links run in a
+/// circle its smallest emitter does not wait for its target. Targets outside
+/// the set are waited for by nobody. O(n log n), null is not allowed.
+[[nodiscard]] std::vector<std::shared_ptr<SzenarioEmitter>>
+inLinkOrder(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters);
+
+} // namespace Simulation
+
+#endif
