@@ -3,6 +3,7 @@
 #include "checkarguments.h"
 #include "commandparser.h"
 #include "controlcommand.h"
+#include "convertcommand.h"
 #include "democommand.h"
 #include "devicecommand.h"
 #include "inspectcommand.h"
@@ -26,6 +27,7 @@ const char s_szOverview[] = "Looks into scenarios, deployments and signal packag
                             "  inspect     Show what a scenario, deployment, package or data file holds.\n"
                             "  play        Show where every emitter is and what it sends, step by step.\n"
                             "  check       Check scenarios against a repository, and repair them.\n"
+                            "  convert     Write the compact form of a scenario, or a document of one.\n"
                             "  repository  Prepare a folder for signal packages, list those of a folder.\n"
                             "  service     Run the service that devices register with and editors control.\n"
                             "  device      Run a device: load the scenarios that it is sent and play them.\n"
@@ -41,6 +43,7 @@ const char s_szOverviewExamples[] =
     "  simulationtool inspect harbour.sce.exp\n"
     "  simulationtool play harbour.sce.exp --to 60000 --csv harbour.csv\n"
     "  simulationtool check harbour.sce.exp --repository packages\n"
+    "  simulationtool convert harbour.sce.exp harbour.compact\n"
     "  simulationtool repository init packages\n"
     "  simulationtool play --repository packages\n"
     "  simulationtool demo\n"
@@ -57,6 +60,7 @@ const char s_szInspect[] = "Shows what a file or package folder holds. What it i
                            "  scenario        header and noise, an overview of emitters and networks, then\n"
                            "                  each with all settings; times in ms since scenario start,\n"
                            "                  positions in degrees (east and north positive)\n"
+                           "  compact form    the emitters of a scenario, and links that lead nowhere\n"
                            "  deployment      header, stations, and devices with station and position\n"
                            "  package folder  descriptor (Signal.xml by itself, too) and data files\n"
                            "  .zip            files, and the packages among them; everything is unpacked\n"
@@ -65,8 +69,8 @@ const char s_szInspect[] = "Shows what a file or package folder holds. What it i
                            "  .sdf .rdf .wav  header\n"
                            "  .pdw            records; with block headers every block is checked\n"
                            "\n"
-                           "The last line is the verdict, except for scenarios: whole, truncated, more than\n"
-                           "the header says, inconsistent, broken off, or refused with the reason.";
+                           "The last line is the verdict, except for scenario documents: whole, truncated,\n"
+                           "more than the header says, inconsistent, broken off, or refused with the reason.";
 
 const char s_szInspectExamples[] =
     "\n"
@@ -101,10 +105,11 @@ struct Command
     ExitCode (*run)(const QStringList& a_arguments, Output& a_output);
 };
 
-constexpr std::array<Command, 8> s_commands{{
+constexpr std::array<Command, 9> s_commands{{
     {"inspect", &inspect},
     {"play", &play},
     {"check", &check},
+    {"convert", &convert},
     {"repository", &repository},
     {"service", &service},
     {"device", &device},

@@ -1,7 +1,6 @@
 #include "csvwriter.h"
 
 #include <QByteArray>
-#include <QFileInfo>
 #include <QLocale>
 
 #include <algorithm>
@@ -21,34 +20,13 @@ CsvWriter::CsvWriter(const QString& a_sFile)
     : m_file(a_sFile)
 {}
 
-bool CsvWriter::open()
-{
-    const QFileInfo target(m_file.fileName());
-    if (target.exists() && !target.isFile()) {
-        m_sRefusal = target.isDir() ? QStringLiteral("is a folder") : QStringLiteral("is not a regular file");
-        return false;
-    }
-    return m_file.open(QIODevice::WriteOnly);
-}
-
 bool CsvWriter::writeRow(const QStringList& a_fields)
 {
     QStringList fields;
     fields.reserve(a_fields.size());
     std::transform(a_fields.cbegin(), a_fields.cend(), std::back_inserter(fields), field);
     const QByteArray line = fields.join(u',').toUtf8() + "\r\n";
-    return m_file.write(line) == line.size();
-}
-
-bool CsvWriter::commit()
-{
-    // A full device is seen only when the buffers are flushed.
-    return m_file.flush() && m_file.commit();
-}
-
-QString CsvWriter::errorString() const
-{
-    return m_sRefusal.isEmpty() ? m_file.errorString() : m_sRefusal;
+    return m_file.write(line);
 }
 
 QString CsvWriter::field(const QString& a_sText)

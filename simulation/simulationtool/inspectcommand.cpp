@@ -1,6 +1,7 @@
 #include "inspectcommand.h"
 
 #include "archivedetails.h"
+#include "compactdetails.h"
 #include "datafiledetails.h"
 #include "deploymentdetails.h"
 #include "output.h"
@@ -18,6 +19,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace SimulationTool {
 
@@ -90,13 +92,19 @@ ExitCode runInspect(const QString& a_sPath, Output& a_output)
         return ExitCode::Unusable;
     }
     const Kind* pKind = bFolder ? nullptr : kindOf(a_sPath);
-    if (!bFolder && pKind == nullptr) {
+    std::optional<Verdict> verdict;
+    if (bFolder) {
+        verdict = describePackageFolder(report, a_sPath);
+    } else if (pKind != nullptr) {
+        verdict = pKind->describe(report, a_sPath);
+    } else {
+        verdict = describeCompact(report, a_sPath);
+    }
+    if (!verdict) {
         return describeScenario(report, a_sPath);
     }
-    const Verdict verdict =
-        bFolder ? describePackageFolder(report, a_sPath) : pKind->describe(report, a_sPath);
-    report.field(QStringLiteral("Verdict"), verdict.text);
-    return verdict.code;
+    report.field(QStringLiteral("Verdict"), verdict->text);
+    return verdict->code;
 }
 
 } // namespace SimulationTool

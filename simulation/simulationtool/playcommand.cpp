@@ -2,6 +2,7 @@
 
 #include "interruption.h"
 #include "output.h"
+#include "outputfile.h"
 #include "playsink.h"
 #include "repositorypackages.h"
 #include "scenariofile.h"

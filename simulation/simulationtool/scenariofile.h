@@ -2,13 +2,16 @@
 #define SIMULATIONTOOL_SCENARIOFILE_H
 
 #include "exitcode.h"
+#include "verdict.h"
 
 #include <QList>
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 namespace Simulation {
+class ScenarioDataBinary;
 class ScenarioDataXml;
 class ScenarioNetwork;
 class SzenarioEmitter;
@@ -26,9 +29,18 @@ namespace SimulationTool {
 /// does not exist.
 [[nodiscard]] bool isSameFile(const QString& a_sFirst, const QString& a_sSecond);
 
+/// Reads a scenario of the compact form, which has no mark of its own: nothing
+/// unless count and records fill the file, or at least a record is whole before
+/// the stream breaks off or ends early. Only regular files that do not begin
+/// like a document are looked at. The scenario must be empty.
+[[nodiscard]] std::optional<Verdict> loadCompact(Simulation::ScenarioDataBinary& a_scenario,
+                                                 const QString& a_sFile);
+
 /// The emitters of both kinds, in the order of their ids.
 [[nodiscard]] QList<std::shared_ptr<Simulation::SzenarioEmitter>>
 emittersOf(const Simulation::ScenarioDataXml& a_scenario);
+[[nodiscard]] QList<std::shared_ptr<Simulation::SzenarioEmitter>>
+emittersOf(const Simulation::ScenarioDataBinary& a_scenario);
 
 /// The networks, in the order of their ids.
 [[nodiscard]] QList<std::shared_ptr<Simulation::ScenarioNetwork>>

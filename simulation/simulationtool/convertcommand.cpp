@@ -1,0 +1,158 @@
+#include "convertcommand.h"
+
+#include "commandparser.h"
+#include "compactdetails.h"
+#include "conversionreport.h"
+#include "interruption.h"
+#include "output.h"
+#include "outputfile.h"
+#include "report.h"
+#include "scenariofile.h"
+#include "verdict.h"
+
+#include "simulationdata/limits.h"
+#include "simulationdata/scenariodatabinary.h"
+#include "simulationdata/scenariodataxml.h"
+#include "simulationdata/szenarioemitter.h"
+#include "simulationdata/unresolvedsignalpackageprovider.h"
+
+namespace SimulationTool {
+
+namespace {
+
+const char s_szConvert[] = "Writes the compact form of a scenario document to OUT, or a document of a\n"
+                           "compact scenario: which of them SCENARIO is, its content tells.\n"
+                           "\n"
+                           "The compact form carries of every emitter the id, name, description, active\n"
+                           "flag, default mark, link and class, and nothing else. What it does not carry\n"
+                           "of the scenario at hand is told, and so are links that a reader will not find;\n"
+                           "the other way, what the document holds at its defaults.\n"
+                           "\n"
+                           "OUT is replaced only when all of it is written.";
+
+const char s_szConvertExamples[] = "\n"
+                                   "Examples:\n"
+                                   "  simulationtool convert harbour.sce.exp harbour.compact\n"
+                                   "  simulationtool convert harbour.compact emitters.sce.exp\n"
+                                   "\n"
+                                   "Exit codes:\n"
+                                   "  0  Written.\n"
+                                   "  1  Written, but SCENARIO broke off or holds more than it should: what\n"
+                                   "     could be read of it was written.\n"
+                                   "  2  Wrong usage, or something could not be read or written.\n";
+
+using EmitterSet = QSet<std::shared_ptr<Simulation::SzenarioEmitter>>;
+
+ExitCode fail(const QString& a_sFile, const QString& a_sReason)
+{
+    complain(QStringLiteral("%1: %2").arg(a_sFile, a_sReason));
+    return ExitCode::Unusable;
+}
+
+/// What is to be said of an output that no reader would take: it is not written.
+/// Without a reason of a reader nothing was put out at all.
+QString refusal(const QString& a_sReason)
+{
+    return QStringLiteral("not written: ") +
+           (a_sReason.isEmpty() ? Simulation::Limits::exceeded(Simulation::Limits::DocumentBytes)
+                                : a_sReason);
+}
+
+/// Replaces the file. An interruption is nobody's fault: nothing is said.
+ExitCode writeOut(const QString& a_sFile, const QByteArray& a_data)
+{
+    catchInterruptions(); // the file that is to take the place must not stay behind
+    OutputFile file(a_sFile);
+    const bool bWritten = file.open() && file.write(a_data);
+    if (bWritten && isInterrupted()) {
+        return ExitCode::Unusable;
+    }
+    return bWritten && file.commit() ? ExitCode::Ok : fail(a_sFile, file.errorString());
+}
+
+ExitCode toCompact(Simulation::ScenarioDataXml& a_scenario, const QString& a_sOut, Report& a_report)
+{
+    const auto emitters = emittersOf(a_scenario);
+    Simulation::ScenarioDataBinary compact(nullptr);
+    compact.setScenarioEmitter(EmitterSet(emitters.cbegin(), emitters.cend()));
+    compact.setDefaultEmitter(a_scenario.getDefaultEmitter());
+    const QByteArray data = compact.toBinary();
+    Simulation::ScenarioDataBinary readBack(nullptr);
+    if (data.isEmpty() || !readBack.fromBinary(data)) {
+        return fail(a_sOut, refusal(readBack.errorString()));
+    }
+    const ExitCode eWritten = writeOut(a_sOut, data);
+    if (eWritten != ExitCode::Ok) {
+        return eWritten;
+    }
+    describeWritten(a_report, QStringLiteral("Compact scenario"), emitters.size(), data.size());
+    describeUncarried(a_report, a_scenario);
+    describeDifferences(a_report, emitters, emittersOf(readBack));
+    return ExitCode::Ok;
+}
+
+ExitCode toDocument(Simulation::ScenarioDataBinary& a_compact, const QString& a_sOut, Report& a_report)
+{
+    const auto emitters = emittersOf(a_compact);
+    Simulation::UnresolvedSignalPackageProvider provider;
+    Simulation::ScenarioDataXml document(&provider);
+    document.setScenarioObjects(
+        QSet<std::shared_ptr<Simulation::ScenarioObject>>(emitters.cbegin(), emitters.cend()));
+    document.setDefaultEmitter(a_compact.defaultEmitter());
+    const QByteArray data = document.toXml();
+    Simulation::ScenarioDataXml readBack(&provider);
+    if (data.isEmpty() || !readBack.fromXml(data) || !readBack.errorString().isEmpty()) {
+        return fail(a_sOut, refusal(readBack.errorString()));
+    }
+    const ExitCode eWritten = writeOut(a_sOut, data);
+    if (eWritten != ExitCode::Ok) {
+        return eWritten;
+    }
+    describeWritten(a_report, QStringLiteral("Scenario document"), emitters.size(), data.size());
+    describeDefaults(a_report, readBack);
+    describeUnresolvedLinks(a_report, a_compact);
+    describeDifferences(a_report, emitters, emittersOf(readBack));
+    return ExitCode::Ok;
+}
+
+ExitCode runConvert(const QString& a_sScenario, const QString& a_sOut, Output& a_output)
+{
+    if (isSameFile(a_sOut, a_sScenario)) {
+        return fail(QStringLiteral("convert"),
+                    QStringLiteral("%1 is the scenario itself: give another OUT").arg(a_sOut));
+    }
+    Report report(a_output);
+    Simulation::ScenarioDataBinary compact(nullptr);
+    if (const std::optional<Verdict> verdict = loadCompact(compact, a_sScenario)) {
+        if (verdict->code != ExitCode::Ok) {
+            complain(QStringLiteral("%1: %2").arg(a_sScenario, verdict->text));
+        }
+        return worse(verdict->code, toDocument(compact, a_sOut, report));
+    }
+    Simulation::UnresolvedSignalPackageProvider provider;
+    Simulation::ScenarioDataXml scenario(&provider);
+    const ExitCode eLoaded = loadScenario(scenario, a_sScenario);
+    return eLoaded != ExitCode::Unusable ? worse(eLoaded, toCompact(scenario, a_sOut, report)) : eLoaded;
+}
+
+} // namespace
+
+ExitCode convert(const QStringList& a_arguments, Output& a_output)
+{
+    CommandParser parser(QStringLiteral("convert"), QStringLiteral("SCENARIO OUT"), s_szConvert,
+                         s_szConvertExamples);
+    parser.get().addPositionalArgument(QStringLiteral("SCENARIO"),
+                                       QStringLiteral("The document or compact scenario to read."));
+    parser.get().addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("The file to write."));
+    if (const auto done = parser.parse(a_arguments, a_output)) {
+        return *done;
+    }
+    const QStringList files = parser.get().positionalArguments();
+    if (files.size() != 2 || files.contains(QString())) {
+        return parser.refuse(QStringLiteral("a SCENARIO and an OUT are needed, %1 given")
+                                 .arg(files.size() - files.count(QString())));
+    }
+    return runConvert(files.constFirst(), files.constLast(), a_output);
+}
+
+} // namespace SimulationTool
