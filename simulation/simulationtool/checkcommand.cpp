@@ -2,6 +2,7 @@
 
 #include "interruption.h"
 #include "output.h"
+#include "outputfile.h"
 #include "repositorypackages.h"
 #include "scenariofile.h"
 #include "terminaltext.h"

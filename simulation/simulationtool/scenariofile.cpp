@@ -67,12 +67,6 @@ ExitCode loadScenario(Simulation::ScenarioDataXml& a_scenario, const QString& a_
     return bRead ? ExitCode::Findings : ExitCode::Unusable;
 }
 
-bool isSameFile(const QString& a_sFirst, const QString& a_sSecond)
-{
-    const QString sFirst = QFileInfo(a_sFirst).canonicalFilePath();
-    return !sFirst.isEmpty() && sFirst == QFileInfo(a_sSecond).canonicalFilePath();
-}
-
 std::optional<Verdict> loadCompact(Simulation::ScenarioDataBinary& a_scenario, const QString& a_sFile)
 {
     QFile file(a_sFile);

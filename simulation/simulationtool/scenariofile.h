@@ -25,10 +25,6 @@ namespace SimulationTool {
 /// before was kept.
 [[nodiscard]] ExitCode loadScenario(Simulation::ScenarioDataXml& a_scenario, const QString& a_sFile);
 
-/// Whether two names lead to one file, through links too; false when one of them
-/// does not exist.
-[[nodiscard]] bool isSameFile(const QString& a_sFirst, const QString& a_sSecond);
-
 /// Reads a scenario of the compact form, which has no mark of its own: nothing
 /// unless count and records fill the file, or at least a record is whole before
 /// the stream breaks off or ends early. Only regular files that do not begin
