@@ -89,12 +89,8 @@ private Q_SLOTS:
     void timeouts();
     void secondOpen();
     void pause();
-    void escape_data();
-    void escape();
     void endings_data();
     void endings();
-    void deletion_data();
-    void deletion();
 };
 
 void TestWidgets::led()
@@ -168,7 +164,6 @@ void TestWidgets::timeouts_data()
     QTest::addColumn<int>("ticks"); ///< of 100 at most
     QTest::newRow("none") << 0U << 100;
     QTest::newRow("one second") << 1U << 11;
-    QTest::newRow("two seconds") << 2U << 21;
     QTest::newRow("2^32 ms and 704 more") << 4'294'968U << 100;
     QTest::newRow("most") << UINT_MAX << 100;
 }
@@ -218,82 +213,67 @@ void TestWidgets::pause()
     QCOMPARE(tick(dialog, 100), 4);
 }
 
-void TestWidgets::escape_data()
-{
-    QTest::addColumn<bool>("cancelable");
-    QTest::newRow("cancelable") << true;
-    QTest::newRow("not cancelable") << false;
-}
-
-void TestWidgets::escape()
-{
-    QFETCH(bool, cancelable);
-    WaitDisplayWidget dialog;
-    QSignalSpy canceled(&dialog, &WaitDisplayWidget::canceled);
-    dialog.open(s_sTitle, s_sMessage, cancelable, 1);
-    QTest::keyClick(&dialog, Qt::Key_Escape);
-    QCOMPARE(canceled.count(), cancelable ? 1 : 0);
-    QCOMPARE(dialog.isVisible(), !cancelable);
-    QCOMPARE(tick(dialog, 100), cancelable ? 0 : 11); // cancelled, it never runs out
-}
-
 using Act = std::function<void(WaitDisplayWidget&)>;
 
 void TestWidgets::endings_data()
 {
     QTest::addColumn<Act>("act");
-    QTest::addColumn<int>("canceled");
-    QTest::newRow("closed") << Act([](WaitDisplayWidget& a_dialog) { a_dialog.close(); }) << 0;
-    QTest::newRow("accepted") << Act([](WaitDisplayWidget& a_dialog) { a_dialog.accept(); }) << 0;
-    QTest::newRow("rejected") << Act([](WaitDisplayWidget& a_dialog) { a_dialog.reject(); }) << 1;
-    QTest::newRow("window closed") << Act([](WaitDisplayWidget& a_dialog) { a_dialog.QWidget::close(); })
-                                   << 1;
+    QTest::addColumn<bool>("cancelable");
+    QTest::addColumn<QString>("signals"); ///< none = the dialog stays open
+    const auto escape = [](WaitDisplayWidget& a_dialog) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        QCoreApplication::sendEvent(&a_dialog, &event);
+    };
+    const auto closeWindow = [](WaitDisplayWidget& a_dialog) { a_dialog.QWidget::close(); };
+    const QString sCanceled = QStringLiteral("rejected canceled ");
+    QTest::newRow("Escape") << Act(escape) << true << sCanceled;
+    QTest::newRow("Escape, not cancelable") << Act(escape) << false << QString();
+    QTest::newRow("window closed") << Act(closeWindow) << true << sCanceled;
+    QTest::newRow("window closed, not cancelable") << Act(closeWindow) << false << QString();
+    QTest::newRow("rejected") << Act(&WaitDisplayWidget::reject) << true << sCanceled;
+    QTest::newRow("closed") << Act(&WaitDisplayWidget::close) << false
+                            << QStringLiteral("accepted finished ");
+    QTest::newRow("time-out") << Act([](WaitDisplayWidget& a_dialog) { tick(a_dialog, 11); }) << true
+                              << QStringLiteral("timeout ");
 }
 
+/// An end is told once, stops the time, and whoever is told last may delete the
+/// dialog.
 void TestWidgets::endings()
 {
     QFETCH(Act, act);
-    QFETCH(int, canceled);
-    WaitDisplayWidget dialog;
-    QSignalSpy cancels(&dialog, &WaitDisplayWidget::canceled);
-    QSignalSpy accepts(&dialog, &QDialog::accepted);
-    QSignalSpy own(&dialog, qOverload<>(&WaitDisplayWidget::finished));
-    dialog.open(s_sTitle, s_sMessage, true, 1);
-    act(dialog);
-    QVERIFY(!dialog.isVisible() && timersOf(dialog).isEmpty());
-    QCOMPARE(cancels.count(), canceled);
-    QCOMPARE(accepts.count(), 1 - canceled);
-    QCOMPARE(own.count(), 0);
-}
-
-void TestWidgets::deletion_data()
-{
-    QTest::addColumn<Act>("act");
-    QTest::newRow("timeout") << Act([](WaitDisplayWidget& a_dialog) { tick(a_dialog, 11); });
-    QTest::newRow("canceled by Escape") << Act([](WaitDisplayWidget& a_dialog) {
-        QKeyEvent event(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
-        QCoreApplication::sendEvent(&a_dialog, &event);
-    });
-    QTest::newRow("canceled") << Act([](WaitDisplayWidget& a_dialog) { a_dialog.reject(); });
-    QTest::newRow("closed") << Act([](WaitDisplayWidget& a_dialog) { a_dialog.close(); });
-}
-
-/// The dialog may end with the signal that tells of its end.
-void TestWidgets::deletion()
-{
-    QFETCH(Act, act);
-    MortalDialog dialog;
-    const auto kill = [&dialog] { dialog.kill(); };
-    const QString sRow = QLatin1String(QTest::currentDataTag());
-    if (sRow == QLatin1String("closed")) {
-        connect(dialog.get(), qOverload<int>(&QDialog::finished), this, kill);
-    } else {
-        connect(dialog.get(), &WaitDisplayWidget::canceled, this, kill);
-        connect(dialog.get(), &WaitDisplayWidget::timeout, this, kill);
+    QFETCH(bool, cancelable);
+    for (const bool bKill : {false, true}) {
+        MortalDialog dialog;
+        QString sSignals;
+        const auto note = [&](auto a_signal, const char* a_szName, bool a_bLast) {
+            connect(dialog.get(), a_signal, this, [&, a_szName, a_bLast] {
+                sSignals += QLatin1String(a_szName) + u' ';
+                if (a_bLast && bKill) {
+                    dialog.kill();
+                }
+            });
+        };
+        note(&QDialog::accepted, "accepted", false);
+        note(&QDialog::rejected, "rejected", false);
+        note(&WaitDisplayWidget::canceled, "canceled", true);
+        note(&WaitDisplayWidget::timeout, "timeout", true);
+        note(qOverload<>(&WaitDisplayWidget::finished), "own finished", false);
+        connect(dialog.get(), &QDialog::finished, this, [&](int a_iResult) {
+            if (a_iResult == QDialog::Accepted) {
+                sSignals += QStringLiteral("finished ");
+                bKill ? dialog.kill() : void();
+            }
+        });
+        dialog.get()->open(s_sTitle, s_sMessage, cancelable, 1);
+        act(*dialog.get());
+        QTEST(sSignals, "signals");
+        QCOMPARE(dialog.isAlive(), !bKill || sSignals.isEmpty());
+        if (dialog.isAlive()) {
+            QCOMPARE(dialog.get()->isVisible(), sSignals.isEmpty());
+            QCOMPARE(timersOf(*dialog.get()).isEmpty(), !sSignals.isEmpty());
+        }
     }
-    dialog.get()->open(s_sTitle, s_sMessage, true, 1);
-    act(*dialog.get());
-    QVERIFY(!dialog.isAlive());
 }
 
 QTEST_MAIN(TestWidgets)
