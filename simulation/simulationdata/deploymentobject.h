@@ -17,9 +17,9 @@ class IPositionSettings;
 ///
 /// Objects live in std::shared_ptr and are used from one thread. A station and
 /// its devices hold each other; a deployment document takes that circle apart
-/// when it is the last to hold them. Objects that live outside any document end
-/// with DeploymentDataXml::releaseObjects(). The order of the virtual
-/// operations is part of the interface.
+/// when it is the last to hold them. Objects that live outside any document, or
+/// are kept longer than theirs, end with DeploymentDataXml::releaseObjects().
+/// The order of the virtual operations is part of the interface.
 class SIMULATIONDATA_EXPORT DeploymentObject : public std::enable_shared_from_this<DeploymentObject>
 {
 public:

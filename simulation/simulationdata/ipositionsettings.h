@@ -7,10 +7,11 @@
 
 namespace Simulation {
 
-/// The position behaviour of an emitter: a site or a movement.
+/// The position behaviour of an emitter, a station or a device: a site or a
+/// movement.
 ///
 /// Positions are degrees on WGS 84, longitude first. Times are scenario times
-/// in ms since scenario start, 32 bits. An object belongs to one emitter, which
+/// in ms since scenario start, 32 bits. An object belongs to one of these, which
 /// owns it; it takes no lock, and since queries may fill caches, one object
 /// serves one thread at a time. The order of the operations, and which of them
 /// are const, is part of the interface.
