@@ -22,18 +22,25 @@ constexpr Rank s_uiNone = std::numeric_limits<Rank>::max();
 
 using Emitters = std::vector<std::shared_ptr<SzenarioEmitter>>;
 
-Emitters inIdOrder(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters)
+QString targetIdOf(const SzenarioEmitter& a_emitter)
+{
+    const auto target = a_emitter.linkTargetEmitter();
+    return target ? target->id() : QString();
+}
+
+Emitters inIdOrder(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters, const SzenarioEmitter* a_pFirst)
 {
     struct Entry
     {
-        std::tuple<QString, QString, QString, QString> key;
+        std::tuple<QString, QString, QString, QString, bool, QString, bool> key;
         std::shared_ptr<SzenarioEmitter> emitter;
     };
     std::vector<Entry> entries;
     entries.reserve(static_cast<std::size_t>(a_emitters.size()));
     for (const std::shared_ptr<SzenarioEmitter>& emitter : a_emitters) {
-        entries.push_back(
-            {{emitter->id(), emitter->name(), emitter->getClass(), emitter->description()}, emitter});
+        entries.push_back({{emitter->id(), emitter->name(), emitter->getClass(), emitter->description(),
+                            emitter.get() != a_pFirst, targetIdOf(*emitter), emitter->isActive()},
+                           emitter});
     }
     std::sort(entries.begin(), entries.end(),
               [](const Entry& a_first, const Entry& a_second) { return a_first.key < a_second.key; });
@@ -86,9 +93,9 @@ void breakCircles(std::vector<Rank>& a_targets)
 } // namespace
 
 std::vector<std::shared_ptr<SzenarioEmitter>>
-inLinkOrder(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters)
+inLinkOrder(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters, const SzenarioEmitter* a_pFirst)
 {
-    const Emitters emitters = inIdOrder(a_emitters);
+    const Emitters emitters = inIdOrder(a_emitters, a_pFirst);
     std::vector<Rank> targets = targetsOf(emitters);
     breakCircles(targets);
 

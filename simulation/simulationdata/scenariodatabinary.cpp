@@ -130,7 +130,7 @@ QByteArray ScenarioDataBinary::toBinary() const
     QDataStream stream(&data, QIODevice::WriteOnly);
     prepareCompactStream(stream);
     stream << static_cast<qint32>(m_emitters.size());
-    for (const std::shared_ptr<SzenarioEmitter>& emitter : inLinkOrder(m_emitters)) {
+    for (const std::shared_ptr<SzenarioEmitter>& emitter : inLinkOrder(m_emitters, m_defaultEmitter.get())) {
         writeEmitter(stream, emitter);
     }
     return data;

@@ -20,7 +20,7 @@ constexpr qsizetype s_iMaxNameWidth = 28;
 std::optional<Verdict> describeCompact(Report& a_report, const QString& a_sFile)
 {
     Simulation::ScenarioDataBinary scenario(nullptr);
-    const std::optional<Verdict> verdict = loadCompact(scenario, a_sFile);
+    std::optional<Verdict> verdict = loadCompact(scenario, a_sFile);
     if (!verdict) {
         return verdict;
     }
