@@ -59,7 +59,7 @@ void listDevices(Report& a_report, const Simulation::DeploymentDataXml& a_deploy
                     {QStringLiteral("Machine"), false, s_iMaxNameWidth},
                     {QStringLiteral("Type"), false, s_iMaxNameWidth},
                     {QStringLiteral("Antenna height"), true},
-                    {QStringLiteral("gain"), true},
+                    {QStringLiteral("Gain"), true},
                     {QStringLiteral("Position")}},
                    rows);
 }

@@ -103,7 +103,7 @@ ExitCode runInspect(const QString& a_sPath, Output& a_output)
     if (!verdict) {
         return describeScenario(report, a_sPath);
     }
-    report.field(QStringLiteral("Verdict"), verdict->text);
+    report.conclusion(QStringLiteral("Verdict"), verdict->text);
     return verdict->code;
 }
 

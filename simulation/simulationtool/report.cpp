@@ -51,6 +51,7 @@ Report::Report(Output& a_output)
 void Report::heading(const QString& a_sText)
 {
     m_output.write((m_bFirst ? QString() : QStringLiteral("\n")) + terminalText(a_sText) + u'\n');
+    m_bOnlyFields = m_bFirst;
     m_bFirst = false;
 }
 
@@ -68,6 +69,14 @@ void Report::field(const QString& a_sLabel, const QString& a_sValue)
     }
 }
 
+void Report::conclusion(const QString& a_sLabel, const QString& a_sValue)
+{
+    if (!m_bOnlyFields) {
+        m_output.write(QStringLiteral("\n"));
+    }
+    field(a_sLabel, a_sValue);
+}
+
 void Report::plainTable(const QList<TextColumn>& a_columns, const QList<QStringList>& a_rows)
 {
     writeTable(a_columns, a_rows, 0);
@@ -76,6 +85,7 @@ void Report::plainTable(const QList<TextColumn>& a_columns, const QList<QStringL
 void Report::table(const QList<TextColumn>& a_columns, const QList<QStringList>& a_rows)
 {
     writeTable(a_columns, a_rows, s_iIndent);
+    m_bOnlyFields = false;
 }
 
 void Report::titledTable(const QString& a_sTitle, const QList<TextColumn>& a_columns,

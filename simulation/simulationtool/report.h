@@ -23,6 +23,9 @@ public:
     void heading(const QString& a_sText);
     /// A label and its value, wrapped at spaces and broken at line ends.
     void field(const QString& a_sLabel, const QString& a_sValue);
+    /// A field about the whole report: apart, unless there are but fields before
+    /// it.
+    void conclusion(const QString& a_sLabel, const QString& a_sValue);
     /// A table from the first column on. Nothing without rows.
     void plainTable(const QList<TextColumn>& a_columns, const QList<QStringList>& a_rows);
     /// The same, indented.
@@ -40,6 +43,7 @@ private:
 
     Output& m_output;
     bool m_bFirst = true;
+    bool m_bOnlyFields = true; ///< behind the first heading
 };
 
 } // namespace SimulationTool
