@@ -63,7 +63,12 @@ ExitCode load(ServiceController& a_controller, const OrderArgument& a_argument, 
 ExitCode deploy(ServiceController& a_controller, const OrderArgument& a_argument, Output& a_output)
 {
     a_controller.communication().sendLoadDeployment(a_argument.content);
-    return finishOrder(a_controller, QStringLiteral("Deployment sent"), a_output);
+    if (!a_controller.synchronize()) {
+        return ExitCode::Unusable;
+    }
+    // Not as the other orders end: a deployment has devices of its own.
+    a_output.write(QStringLiteral("Deployment sent to %1\n").arg(devicesText(a_controller)));
+    return ExitCode::Ok;
 }
 
 ExitCode start(ServiceController& a_controller, const OrderArgument& a_argument, Output& a_output)
