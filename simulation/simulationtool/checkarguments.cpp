@@ -63,8 +63,8 @@ void addCheckOptions(QCommandLineParser& a_parser)
 /// Why the parsed arguments are wrong; empty when they are not.
 QString problemOf(const QCommandLineParser& a_parser)
 {
-    const qsizetype iFiles = a_parser.positionalArguments().size();
-    if (iFiles == 0) {
+    const QStringList files = a_parser.positionalArguments();
+    if (files.isEmpty() || files.contains(QString())) {
         return QStringLiteral("a FILE is needed");
     }
     for (const QString& sOption : {s_sRepository, s_sRepair}) {
@@ -72,8 +72,8 @@ QString problemOf(const QCommandLineParser& a_parser)
             return QStringLiteral("--%1 needs a name").arg(sOption);
         }
     }
-    return a_parser.isSet(s_sRepair) && iFiles != 1
-               ? QStringLiteral("--repair needs one FILE, %1 given").arg(iFiles)
+    return a_parser.isSet(s_sRepair) && files.size() != 1
+               ? QStringLiteral("--repair needs one FILE, %1 given").arg(files.size())
                : QString();
 }
 

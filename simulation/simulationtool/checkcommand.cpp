@@ -3,14 +3,17 @@
 #include "interruption.h"
 #include "output.h"
 #include "outputfile.h"
+#include "repositoryfolder.h"
 #include "repositorypackages.h"
 #include "scenariofile.h"
 #include "terminaltext.h"
 #include "valuetexts.h"
 #include "verdict.h"
 
+#include "simulationdata/limits.h"
 #include "simulationdata/scenariochecker.h"
 #include "simulationdata/scenariodataxml.h"
+#include "simulationdata/signalpackagefolder.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 
 namespace SimulationTool {
@@ -77,12 +80,16 @@ ExitCode FileCheck::repair(Simulation::ScenarioDataXml& a_scenario, const QStrin
                      .arg(a_sFile));
         return ExitCode::Unusable;
     }
-    m_bWritten = a_scenario.toXmlFile(m_options.repairFile);
-    if (!m_bWritten) {
-        complain(QStringLiteral("%1: the repaired scenario could not be written (--trace says why)")
-                     .arg(m_options.repairFile));
+    const QByteArray document = a_scenario.toXml();
+    if (document.isEmpty()) {
+        complain(
+            QStringLiteral("%1: not written: %2")
+                .arg(m_options.repairFile, Simulation::Limits::exceeded(Simulation::Limits::DocumentBytes)));
+        return ExitCode::Unusable;
     }
-    return m_bWritten ? ExitCode::Ok : ExitCode::Unusable;
+    const ExitCode eCode = replaceFile(m_options.repairFile, document);
+    m_bWritten = eCode == ExitCode::Ok;
+    return eCode;
 }
 
 ExitCode FileCheck::check(const QString& a_sFile)
@@ -148,8 +155,15 @@ ExitCode runCheck(const CheckOptions& a_options, Output& a_output)
     }
     catchInterruptions(); // the cache is a temporary one
     RepositoryPackages packages;
-    return packages.open(a_options.repository, {}) ? checkAll(a_options, &packages, a_output)
-                                                   : ExitCode::Unusable;
+    if (!packages.open(a_options.repository, {})) {
+        return ExitCode::Unusable;
+    }
+    // A repair against the wrong folder would take every emission its package.
+    if (Simulation::SignalPackageFolder::list(packageStoreOf(a_options.repository)).isEmpty()) {
+        complain(QStringLiteral("%1: holds no signal packages").arg(a_options.repository));
+        return ExitCode::Unusable;
+    }
+    return checkAll(a_options, &packages, a_output);
 }
 
 } // namespace SimulationTool

@@ -3,7 +3,6 @@
 #include "commandparser.h"
 #include "compactdetails.h"
 #include "conversionreport.h"
-#include "interruption.h"
 #include "output.h"
 #include "outputfile.h"
 #include "report.h"
@@ -58,18 +57,6 @@ QString refusal(const QString& a_sReason)
                                 : a_sReason);
 }
 
-/// Replaces the file. An interruption is nobody's fault: nothing is said.
-ExitCode writeOut(const QString& a_sFile, const QByteArray& a_data)
-{
-    catchInterruptions(); // the file that is to take the place must not stay behind
-    OutputFile file(a_sFile);
-    const bool bWritten = file.open() && file.write(a_data);
-    if (bWritten && isInterrupted()) {
-        return ExitCode::Unusable;
-    }
-    return bWritten && file.commit() ? ExitCode::Ok : fail(a_sFile, file.errorString());
-}
-
 ExitCode toCompact(Simulation::ScenarioDataXml& a_scenario, const QString& a_sOut, Report& a_report)
 {
     const auto emitters = emittersOf(a_scenario);
@@ -81,7 +68,7 @@ ExitCode toCompact(Simulation::ScenarioDataXml& a_scenario, const QString& a_sOu
     if (data.isEmpty() || !readBack.fromBinary(data)) {
         return fail(a_sOut, refusal(readBack.errorString()));
     }
-    const ExitCode eWritten = writeOut(a_sOut, data);
+    const ExitCode eWritten = replaceFile(a_sOut, data);
     if (eWritten != ExitCode::Ok) {
         return eWritten;
     }
@@ -104,7 +91,7 @@ ExitCode toDocument(Simulation::ScenarioDataBinary& a_compact, const QString& a_
     if (data.isEmpty() || !readBack.fromXml(data) || !readBack.errorString().isEmpty()) {
         return fail(a_sOut, refusal(readBack.errorString()));
     }
-    const ExitCode eWritten = writeOut(a_sOut, data);
+    const ExitCode eWritten = replaceFile(a_sOut, data);
     if (eWritten != ExitCode::Ok) {
         return eWritten;
     }

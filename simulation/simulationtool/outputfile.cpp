@@ -1,5 +1,8 @@
 #include "outputfile.h"
 
+#include "interruption.h"
+#include "output.h"
+
 #include <QFileInfo>
 
 namespace SimulationTool {
@@ -32,6 +35,21 @@ bool OutputFile::commit()
 QString OutputFile::errorString() const
 {
     return m_sRefusal.isEmpty() ? m_file.errorString() : m_sRefusal;
+}
+
+ExitCode replaceFile(const QString& a_sFile, const QByteArray& a_data)
+{
+    catchInterruptions(); // the file that is to take the place must not stay behind
+    OutputFile file(a_sFile);
+    const bool bWritten = file.open() && file.write(a_data);
+    if (bWritten && isInterrupted()) {
+        return ExitCode::Unusable;
+    }
+    if (bWritten && file.commit()) {
+        return ExitCode::Ok;
+    }
+    complain(QStringLiteral("%1: %2").arg(a_sFile, file.errorString()));
+    return ExitCode::Unusable;
 }
 
 bool isSameFile(const QString& a_sFirst, const QString& a_sSecond)

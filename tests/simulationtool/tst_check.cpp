@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -72,6 +73,7 @@ private:
 void tst_Check::initTestCase()
 {
     QCOMPARE(runTool({u"repository"_s, u"init"_s, path(u"r"_s)}).code, 0);
+    QVERIFY(QDir().mkpath(path(u"empty"_s)));
     QVERIFY(document().contains(s_known) && repaired(document()).count(s_default) == 2);
 }
 
@@ -129,6 +131,11 @@ void tst_Check::file_data()
                                              << QStringList() << u"--repair needs one FILE, 2 given"_s;
     QTest::newRow("no repository") << document() << QStringList{u"--repository"_s, u"none"_s} << 2
                                    << QStringList() << u"simulationtool: none: "_s;
+    QTest::newRow("repository without packages")
+        << document() << QStringList{u"--repository"_s, u"empty"_s} << 2 << QStringList()
+        << u"simulationtool: empty: holds no signal packages\n"_s;
+    QTest::newRow("no file name") << document() << QStringList{u""_s} << 2 << QStringList()
+                                  << u"a FILE is needed"_s;
 }
 
 void tst_Check::file()
@@ -152,16 +159,24 @@ void tst_Check::repair_data()
     QTest::addColumn<QByteArray>("written");
     QTest::addColumn<QString>("file");
     QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("err");
 
     const QByteArray whole = document();
     const QByteArray cut = whole.left(whole.indexOf("<Network"));
-    QTest::newRow("another file") << whole << repaired(whole) << u"out.sce"_s << 1;
-    QTest::newRow("the same file") << whole << repaired(whole) << u"a.sce"_s << 1;
-    QTest::newRow("nothing found") << repaired(whole) << repaired(whole) << u"out.sce"_s << 0;
-    QTest::newRow("broken off") << cut << repaired(cut.trimmed() + "\n</Scenario>\n") << u"out.sce"_s << 1;
-    QTest::newRow("the same file, broken off") << cut << cut << u"a.sce"_s << 2;
-    QTest::newRow("a link to it") << cut << cut << u"link.sce"_s << 2;
-    QTest::newRow("in no folder") << whole << QByteArray("cannot be read") << u"none/out.sce"_s << 2;
+    QTest::newRow("another file") << whole << repaired(whole) << u"out.sce"_s << 1 << QString();
+    QTest::newRow("the same file") << whole << repaired(whole) << u"a.sce"_s << 1 << QString();
+    QTest::newRow("a link to it") << whole << repaired(whole) << u"link.sce"_s << 1 << QString();
+    QTest::newRow("nothing found") << repaired(whole) << repaired(whole) << u"out.sce"_s << 0 << QString();
+    QTest::newRow("broken off") << cut << repaired(cut.trimmed() + "\n</Scenario>\n") << u"out.sce"_s << 1
+                                << QString();
+    const QString sLost =
+        u"check: a.sce broke off, and what did not come through would be lost: give another --repair"_s;
+    QTest::newRow("the same file, broken off") << cut << cut << u"a.sce"_s << 2 << sLost;
+    QTest::newRow("a link to it, broken off") << cut << cut << u"link.sce"_s << 2 << sLost;
+    const QByteArray nothing = "cannot be read";
+    QTest::newRow("in no folder") << whole << nothing << u"none/out.sce"_s << 2
+                                  << u"none/out.sce: No such file or directory"_s;
+    QTest::newRow("a folder") << whole << nothing << u"r"_s << 2 << u"r: is a folder"_s;
 }
 
 /// Nothing but what was found changes, to the last byte.
@@ -171,14 +186,16 @@ void tst_Check::repair()
     QFETCH(QByteArray, written);
     QFETCH(QString, file);
     QFETCH(int, code);
+    QFETCH(QString, err);
     QVERIFY(write(u"a.sce"_s, content));
     QFile::link(path(u"a.sce"_s), path(u"link.sce"_s));
     const ToolResult result = check({u"a.sce"_s, u"--repository"_s, u"r"_s, u"--repair"_s, file});
     QCOMPARE(result.code, code);
-    QCOMPARE(simplifiedLines(result.err).size(), code == 2 ? 1 : 0);
+    QCOMPARE(simplifiedLines(result.err).join(u'|'), err.isEmpty() ? err : u"simulationtool: "_s + err);
     QCOMPARE(result.out.endsWith(u" repaired, written to "_s + file + u'\n'), code != 2);
     QCOMPARE(contentOf(path(file)), written);
-    QVERIFY(file == u"a.sce" || contentOf(path(u"a.sce"_s)) == content);
+    QVERIFY(file == u"a.sce" || file == u"link.sce" || contentOf(path(u"a.sce"_s)) == content);
+    QVERIFY(QFileInfo(path(u"link.sce"_s)).isSymLink());
     QVERIFY(code == 2 || check({file, u"--repository"_s, u"r"_s}).code == 0);
 }
 
