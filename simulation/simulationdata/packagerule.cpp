@@ -15,13 +15,21 @@ bool PackageRule::isKnown(const QString& a_sId)
                                       : *m_answers.insert(a_sId, m_provider.validSignalPackageId(a_sId));
 }
 
+/// The default package is one to fall back on whether or not its id is known:
+/// an emission that has got it is not found again by the next run.
+bool PackageRule::isUsable(const SignalPackage& a_package)
+{
+    if (isKnown(a_package.id())) {
+        return true;
+    }
+    askForDefault();
+    return m_default && m_default->id() == a_package.id();
+}
+
 void PackageRule::askForDefault()
 {
     if (!std::exchange(m_bAskedForDefault, true)) {
         m_default = m_provider.defaultSignalPackage();
-        // A default package that is unknown itself would be found again by
-        // every run.
-        m_bDefaultUsable = m_default && isKnown(m_default->id());
     }
 }
 
@@ -29,12 +37,12 @@ void PackageRule::check(const EmissionSettings& a_schedule, Tallies& a_tallies)
 {
     for (const boost::shared_ptr<EmissionSettings::Emission>& emission : a_schedule.emissions()) {
         const std::shared_ptr<SignalPackage>& package = emission->signalPackage;
-        const QString sId = package ? package->id() : QString();
-        if (package && isKnown(sId)) {
+        if (package && isUsable(*package)) {
             continue;
         }
+        const QString sId = package ? package->id() : QString();
         askForDefault();
-        if (m_bDefaultUsable) {
+        if (m_default) {
             emission->signalPackage = m_default;
         } else if (m_unrepaired.contains(emission.get())) {
             continue;
@@ -62,16 +70,14 @@ ScenarioFinding PackageRule::finding(const QString& a_sId, const Tally& a_tally)
         sText += number("uses", "use") + QStringLiteral(" the signal package \"") + a_sId +
                  QStringLiteral("\", which the provider does not know: ");
     }
-    if (m_bDefaultUsable) {
+    if (m_default) {
         sText += number("it gets", "they get") + QStringLiteral(" the default package \"") + m_default->id() +
                  QStringLiteral("\".");
     } else {
-        sText += number("it stays as it is", "they stay as they are") + QStringLiteral(", for ") +
-                 (m_default ? QStringLiteral("the provider does not know its default package \"") +
-                                  m_default->id() + QStringLiteral("\" either.")
-                            : QStringLiteral("the provider has no default package."));
+        sText += number("it stays as it is", "they stay as they are") +
+                 QStringLiteral(", for the provider has no default package.");
     }
-    return {{}, {}, ScenarioChecker::s_sInvalidSignalPackage, sText, m_bDefaultUsable};
+    return {{}, {}, ScenarioChecker::s_sInvalidSignalPackage, sText, m_default != nullptr};
 }
 
 } // namespace Simulation

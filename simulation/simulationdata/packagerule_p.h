@@ -16,6 +16,7 @@
 namespace Simulation {
 
 class ISignalPackageProvider;
+class SignalPackage;
 
 /// Gives emissions that have no package, or one that the provider does not
 /// know, the provider's default package. Remembers what the provider answered:
@@ -45,13 +46,13 @@ public:
 
 private:
     bool isKnown(const QString& a_sId);
+    bool isUsable(const SignalPackage& a_package);
     void askForDefault();
 
     ISignalPackageProvider& m_provider;
     QHash<QString, bool> m_answers; ///< of the provider, by package id
     bool m_bAskedForDefault = false;
     std::shared_ptr<SignalPackage> m_default;
-    bool m_bDefaultUsable = false;
     QSet<const EmissionSettings::Emission*> m_unrepaired; ///< counted already
 };
 

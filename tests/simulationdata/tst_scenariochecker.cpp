@@ -116,10 +116,9 @@ void TestScenarioChecker::packages_data()
                                                        "has no default package."_s}
                                         << QStringList{u"-"_s, u"b"_s};
     QTest::newRow("unknown default package")
-        << QStringList{u"z"_s, u"z"_s} << u"z"_s
-        << QStringList{u"2 emissions, the first at 1000 ms, use the signal package \"z\", which the provider "
-                       "does not know: they stay as they are, for the provider does not know its default "
-                       "package \"z\" either."_s}
+        << QStringList{u"y"_s, u"z"_s} << u"z"_s
+        << QStringList{u"1 emission, at 1000 ms, uses the signal package \"y\", which the provider does not "
+                       "know: it gets the default package \"z\"."_s}
         << QStringList{u"z"_s, u"z"_s};
 }
 
