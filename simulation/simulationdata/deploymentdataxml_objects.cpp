@@ -151,25 +151,19 @@ bool DeploymentDataXml::readDeviceChild(QXmlStreamReader& a_reader, QStringView 
 }
 
 /// The station may have its own element later, which fills the same object. A
-/// device that names several ends at the last; an empty text names none.
+/// device that names several ends at the last.
 void DeploymentDataXml::readDeviceStation(QXmlStreamReader& a_reader,
                                           const std::shared_ptr<DeploymentDevice>& a_device)
 {
     const auto sId = elementText(a_reader);
-    if (!sId) {
+    const auto station = sId ? objectForId(a_reader, m_stations, *sId) : nullptr;
+    if (!station) {
         return;
-    }
-    std::shared_ptr<DeploymentStation> station;
-    if (!sId->isEmpty()) {
-        station = objectForId(a_reader, m_stations, *sId);
-        if (!station) {
-            return;
-        }
-        station->addDevice(a_device);
     }
     if (const auto former = a_device->station(); former && former != station) {
         former->removeDevice(a_device);
     }
+    station->addDevice(a_device);
     a_device->setStation(station);
 }
 

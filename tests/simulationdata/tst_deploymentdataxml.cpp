@@ -223,9 +223,7 @@ void TestDeploymentDataXml::readings_data()
     row("device at two stations",
         "<Device ID='a'><Station>s</Station></Device><Device ID='a'><Station>t</Station></Device>",
         "a=  7/0  @t; s=s  [] 0,0; t=t  [a] 0,0");
-    row("empty station", "<Device ID='a'><Station/></Device>", szBare);
-    row("station taken back", "<Device ID='a'><Station>s</Station><Station/></Device>",
-        "a=  7/0  0,0; s=s  [] 0,0");
+    row("station without an id", "<Device ID='a'><Station/></Device>", "a=  7/0  @; =  [a] 0,0");
     row("station of the device's id",
         "<Device ID='a' Name='A'><Station>a</Station></Device><Station ID='a'/>",
         "a=A  7/0  @a; a=a  [a] 0,0");
@@ -270,7 +268,7 @@ void TestDeploymentDataXml::olderDocuments()
 {
     const QByteArray children =
         "<Device ID='a'><Position><Longitude>8.5</Longitude><X/><Latitude>48</Latitude></Position>"
-        "<Station/></Device><Device ID='b'><Position><Latitude>x</Latitude></Position></Device>"
+        "</Device><Device ID='b'><Position><Latitude>x</Latitude></Position></Device>"
         "<Station ID='s'><Position><Fixed><Lon>1</Lon></Fixed></Position></Station>";
     for (const char* szVersion : {"", " FileFormatVersion='0'", " FileFormatVersion='one'"}) {
         DeploymentDataXml document;
