@@ -2,6 +2,7 @@
 
 #include "kpbase/velaos.h"
 #include "velaappstartup/cfgcenter.h"
+#include "xmltext_p.h"
 
 namespace Simulation {
 
@@ -14,7 +15,8 @@ constexpr std::uint64_t s_uiMicrosecondsPerSecond = 1'000'000;
 QString createPersistentId(const QString& a_sName)
 {
     const std::uint64_t uiSeconds = VelaOS::Get().timestamp() / s_uiMicrosecondsPerSecond;
-    return QStringLiteral("%1-%2-%3").arg(a_sName, QString::number(uiSeconds), CfgCenter::GetMachineId());
+    return QStringLiteral("%1-%2-%3")
+        .arg(cleanXmlText(a_sName), QString::number(uiSeconds), CfgCenter::GetMachineId());
 }
 
 } // namespace Simulation
