@@ -7,11 +7,13 @@
 #include "simulationdata/frequencysettingsfixed.h"
 #include "simulationdata/positionsettingsfixed.h"
 #include "simulationdata/positionsettingsptp.h"
+#include "simulationdata/scenariodatabinary.h"
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/signalpackage.h"
 #include "simulationdata/szenarioemitter.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 
+#include <QDataStream>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -174,5 +176,85 @@ void saveScenario(benchmark::State& a_state)
         [&] { return secondsOf([&] { benchmark::DoNotOptimize(scenario.document.toXml()); }); });
 }
 BENCHMARK(saveScenario)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(5.0);
+
+/// The emitters of a compact scenario, every fourth linked to its predecessor.
+QSet<std::shared_ptr<SzenarioEmitter>> compactEmitters(ISignalPackageProvider& a_provider)
+{
+    QSet<std::shared_ptr<SzenarioEmitter>> emitters;
+    std::shared_ptr<SzenarioEmitter> former;
+    for (int i = 0; i < s_iEmitters; ++i) {
+        const auto emitter = emitterFor(i, a_provider);
+        emitter->setLinkTargetEmitter(i % 4 == 3 ? former : nullptr);
+        emitters.insert(emitter);
+        former = emitter;
+    }
+    return emitters;
+}
+
+/// The fields of one record.
+struct BareRecord
+{
+    QString id;
+    QString name;
+    QString description;
+    bool isActive = false;
+    bool isDefault = false;
+    QString link;
+    QString emitterClass;
+};
+
+std::vector<BareRecord> readBare(const QByteArray& a_data)
+{
+    QDataStream stream(a_data);
+    qint32 iCount = 0;
+    stream >> iCount;
+    std::vector<BareRecord> records(static_cast<std::size_t>(iCount));
+    for (BareRecord& record : records) {
+        stream >> record.id >> record.name >> record.description >> record.isActive >> record.isDefault >>
+            record.link >> record.emitterClass;
+    }
+    return records;
+}
+
+QByteArray writeBare(const std::vector<BareRecord>& a_records)
+{
+    QByteArray data;
+    QDataStream stream(&data, QIODevice::WriteOnly);
+    stream << static_cast<qint32>(a_records.size());
+    for (const BareRecord& record : a_records) {
+        stream << record.id << record.name << record.description << record.isActive << record.isDefault
+               << record.link << record.emitterClass;
+    }
+    return data;
+}
+
+void loadCompact(benchmark::State& a_state)
+{
+    UnresolvedSignalPackageProvider provider;
+    ScenarioDataBinary scenario(&provider);
+    scenario.setScenarioEmitter(compactEmitters(provider));
+    const QByteArray data = scenario.toBinary();
+    compare(
+        a_state, data.size(), [&] { benchmark::DoNotOptimize(readBare(data)); },
+        [&] {
+            // Taking the scenario apart afterwards is not part of loading it.
+            const auto read = std::make_unique<ScenarioDataBinary>(&provider);
+            return secondsOf([&] { benchmark::DoNotOptimize(read->fromBinary(data)); });
+        });
+}
+BENCHMARK(loadCompact)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(2.0);
+
+void saveCompact(benchmark::State& a_state)
+{
+    UnresolvedSignalPackageProvider provider;
+    ScenarioDataBinary scenario(&provider);
+    scenario.setScenarioEmitter(compactEmitters(provider));
+    const QByteArray data = scenario.toBinary();
+    const std::vector<BareRecord> records = readBare(data);
+    compare(
+        a_state, data.size(), [&] { benchmark::DoNotOptimize(writeBare(records)); },
+        [&] { benchmark::DoNotOptimize(scenario.toBinary()); });
+}
+BENCHMARK(saveCompact)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
 } // namespace

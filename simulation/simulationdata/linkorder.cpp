@@ -42,12 +42,15 @@ Emitters inIdOrder(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters, con
                             emitter.get() != a_pFirst, targetIdOf(*emitter), emitter->isActive()},
                            emitter});
     }
-    std::sort(entries.begin(), entries.end(),
-              [](const Entry& a_first, const Entry& a_second) { return a_first.key < a_second.key; });
+    // Moving pointers about is cheaper than moving texts.
+    std::vector<Entry*> order(entries.size());
+    std::transform(entries.begin(), entries.end(), order.begin(), [](Entry& a_entry) { return &a_entry; });
+    std::sort(order.begin(), order.end(),
+              [](const Entry* a_pLeft, const Entry* a_pRight) { return a_pLeft->key < a_pRight->key; });
     Emitters emitters;
-    emitters.reserve(entries.size());
-    std::transform(entries.begin(), entries.end(), std::back_inserter(emitters),
-                   [](Entry& a_entry) { return std::move(a_entry.emitter); });
+    emitters.reserve(order.size());
+    std::transform(order.cbegin(), order.cend(), std::back_inserter(emitters),
+                   [](Entry* a_pEntry) { return std::move(a_pEntry->emitter); });
     return emitters;
 }
 

@@ -462,7 +462,7 @@ void tst_ScenarioDataBinary::releasesItsObjects()
 
 void tst_ScenarioDataBinary::longChain()
 {
-    constexpr int iCount = 50'000; // deep enough for any stack
+    constexpr int iCount = 20'000; // deep enough for any stack
     QSet<EmitterPtr> emitters;
     EmitterPtr target;
     for (int i = iCount; i > 0; --i) { // the smallest id at the far end
