@@ -80,11 +80,29 @@ public:
     template<typename Number>
     [[nodiscard]] QString readNumber(Number& a_number)
     {
-        m_stream >> a_number;
-        return m_stream.status() == QDataStream::Ok ? claim(sizeof(a_number)) : s_sStreamEnds;
+        std::array<char, sizeof(Number)> bytes{};
+        if (!fill(bytes.data(), sizeof(Number))) {
+            return s_sStreamEnds;
+        }
+        a_number = qFromBigEndian<Number>(bytes.data());
+        return claim(sizeof(Number));
     }
 
 private:
+    /// A device may give less than it is asked for and still have more.
+    bool fill(char* a_pBytes, qsizetype a_iBytes)
+    {
+        while (a_iBytes > 0) {
+            const int iRead = m_stream.readRawData(a_pBytes, static_cast<int>(a_iBytes));
+            if (iRead <= 0) {
+                return false;
+            }
+            a_pBytes += iRead;
+            a_iBytes -= iRead;
+        }
+        return true;
+    }
+
     QString claim(std::int64_t a_iBytes)
     {
         m_iBytes += a_iBytes;
@@ -99,9 +117,8 @@ private:
         while (a_sText.size() < a_iUnits) {
             const qsizetype iHeld = a_sText.size();
             const qsizetype iUnits = std::min(a_iUnits - iHeld, s_iPieceUnits);
-            const auto iBytes = static_cast<int>(iUnits * s_iUnitBytes);
             a_sText.resize(iHeld + iUnits);
-            if (m_stream.readRawData(reinterpret_cast<char*>(a_sText.data() + iHeld), iBytes) != iBytes) {
+            if (!fill(reinterpret_cast<char*>(a_sText.data() + iHeld), iUnits * s_iUnitBytes)) {
                 return s_sStreamEnds;
             }
         }

@@ -78,16 +78,18 @@ public:
     /// Where links run in a circle the emitter of the smallest id on it comes
     /// first; its own link is written, but leads a reader nowhere.
     ///
-    /// False, after one trace, when there is no device open for writing, it takes
-    /// not all, or a reader would refuse it (Limits::DocumentBytes,
-    /// Limits::ScenarioObjects); it is not touched then.
+    /// False, after one trace, when there is no device open for writing or it
+    /// takes not all; also when a reader would refuse the scenario
+    /// (Limits::DocumentBytes, Limits::ScenarioObjects), and nothing is written
+    /// then.
     bool toBinary(QIODevice* a_pDevice) const;
     /// Empty when a reader would refuse it. A scenario without emitters takes
     /// four bytes.
     [[nodiscard]] QByteArray toBinary() const;
 
     /// Reads a stream from where the device stands and leaves what follows it
-    /// there. The emitters are added to those that are held; the first that is
+    /// there. A device that has nothing to give at the moment has ended: nothing
+    /// is waited for. The emitters are added to those that are held; the first that is
     /// marked as default becomes the default emitter, without one it stays. A
     /// link is made to the emitter that has the id and was read last, or else to
     /// one that was there before; the emitter's own id makes none.
