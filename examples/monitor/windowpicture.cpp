@@ -45,7 +45,10 @@ WindowPicture::WindowPicture(MonitorWindow& a_window, const QString& a_sFile)
 
 void WindowPicture::wait()
 {
-    m_quiet.start(m_window.isConnected() ? s_iQuiet : s_iNobodyThere);
+    // A service that lets go of everybody at once must not put the end off for ever.
+    if (m_window.isConnected() || !m_quiet.isActive()) {
+        m_quiet.start(m_window.isConnected() ? s_iQuiet : s_iNobodyThere);
+    }
 }
 
 void WindowPicture::take()
