@@ -65,7 +65,7 @@ MonitorWindow::MonitorWindow(const QString& a_sHost, std::uint16_t a_uiPort)
     , m_pCounts(new QLabel)
     , m_pWait(new WaitDisplayWidget(this))
 {
-    setWindowTitle(tr("Simulation devices at %1:%2").arg(m_sHost).arg(m_uiPort));
+    setWindowTitle(tr("Simulation devices at %1:%2").arg(m_sHost, QString::number(m_uiPort)));
     createTable();
     createWait();
     auto* const pCentral = new QWidget;
@@ -75,7 +75,12 @@ MonitorWindow::MonitorWindow(const QString& a_sHost, std::uint16_t a_uiPort)
     pLayout->addWidget(m_pCounts);
     setCentralWidget(pCentral);
     resize(s_size);
-    connect(&m_feed, &DeviceFeed::updated, this, [this] {
+    // Once for all news that come together: to count all devices for the news of
+    // each would take the square of their number.
+    m_refresh.setSingleShot(true);
+    m_refresh.setInterval(0);
+    connect(&m_feed, &DeviceFeed::updated, &m_refresh, qOverload<>(&QTimer::start));
+    connect(&m_refresh, &QTimer::timeout, this, [this] {
         fitColumns();
         showCounts();
         Q_EMIT updated();
@@ -164,7 +169,8 @@ void MonitorWindow::disconnected()
     showState();
     showCounts();
     m_pWait->open(tr("Connecting"),
-                  tr("Waiting for the simulation service at %1:%2").arg(m_sHost).arg(m_uiPort), true, 0);
+                  tr("Waiting for the simulation service at %1:%2").arg(m_sHost, QString::number(m_uiPort)),
+                  true, 0);
     Q_EMIT updated();
 }
 

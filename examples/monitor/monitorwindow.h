@@ -8,6 +8,7 @@
 
 #include <QMainWindow>
 #include <QString>
+#include <QTimer>
 
 #include <cstdint>
 #include <memory>
@@ -59,6 +60,7 @@ private:
     std::uint16_t m_uiPort;
     DeviceFeed m_feed;
     std::unique_ptr<Simulation::TcpServerConnector> m_connector; ///< null = not to be connected
+    QTimer m_refresh;                                            ///< runs while there is news to be shown
     bool m_bConnected = false;
     bool m_bColumnsFit = false; ///< the widths are the user's now
 
