@@ -71,9 +71,9 @@ int SimulationsTableModel::rowCount(const QModelIndex& a_parent) const
     return a_parent.isValid() ? 0 : static_cast<int>(m_ids.size());
 }
 
-int SimulationsTableModel::columnCount(const QModelIndex& a_parent) const
+int SimulationsTableModel::columnCount(const QModelIndex& /*a_parent*/) const
 {
-    return a_parent.isValid() ? 0 : s_iColumns;
+    return s_iColumns;
 }
 
 QVariant SimulationsTableModel::data(const QModelIndex& a_index, int a_iRole) const

@@ -30,7 +30,7 @@ public:
     /// The number of devices; 0 below one of them.
     [[nodiscard]] int rowCount(const QModelIndex& a_parent = QModelIndex()) const override;
 
-    /// 5, with devices or without; 0 below one of them.
+    /// 5, with devices or without.
     [[nodiscard]] int columnCount(const QModelIndex& a_parent = QModelIndex()) const override;
 
     /// The texts of a device, and for Qt::ForegroundRole a QColor: black without
