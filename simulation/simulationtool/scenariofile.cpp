@@ -79,7 +79,8 @@ std::optional<Verdict> loadCompact(Simulation::ScenarioDataBinary& a_scenario, c
     if (bWhole && uiLeft == 0) {
         return Verdict();
     }
-    if (a_scenario.scenarioEmitter().isEmpty()) {
+    // Without a record it is one only if nothing else was wrong than its end.
+    if (a_scenario.scenarioEmitter().isEmpty() && (bWhole || !file.atEnd())) {
         return std::nullopt;
     }
     return Verdict{ExitCode::Findings,

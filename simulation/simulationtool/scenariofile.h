@@ -26,9 +26,10 @@ namespace SimulationTool {
 [[nodiscard]] ExitCode loadScenario(Simulation::ScenarioDataXml& a_scenario, const QString& a_sFile);
 
 /// Reads a scenario of the compact form, which has no mark of its own: nothing
-/// unless count and records fill the file, or at least a record is whole before
-/// the stream breaks off or ends early. Only regular files that do not begin
-/// like a document are looked at. The scenario must be empty.
+/// unless count and records fill the file, or the stream breaks off at the file's
+/// end or behind a whole record, or holds more than its records. Only regular
+/// files that do not begin like a document are looked at. The scenario must be
+/// empty.
 [[nodiscard]] std::optional<Verdict> loadCompact(Simulation::ScenarioDataBinary& a_scenario,
                                                  const QString& a_sFile);
 

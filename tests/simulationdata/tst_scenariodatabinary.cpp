@@ -122,6 +122,16 @@ private:
     QByteArray m_head;
 };
 
+/// Gives less than it is asked for, as connections do.
+class PieceBuffer : public QBuffer
+{
+protected:
+    qint64 readData(char* a_pData, qint64 a_iSize) override
+    {
+        return QBuffer::readData(a_pData, std::min<qint64>(a_iSize, 3));
+    }
+};
+
 } // namespace
 
 class tst_ScenarioDataBinary : public QObject
@@ -278,17 +288,17 @@ void tst_ScenarioDataBinary::resolvesLinks()
 
 void tst_ScenarioDataBinary::takesOnlyItsRecords()
 {
-    QBuffer device;
+    PieceBuffer device;
     device.setData(number(2) + record("a", s_noLink, "n", '\1') + record("b", s_noLink, "n", '\1') +
                    number(1) + record("c", "a") + "rest");
-    QVERIFY(device.open(QIODevice::ReadOnly));
+    QVERIFY(device.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
     ScenarioDataBinary scenario(nullptr);
     for (const char* szLinks : {"a:n b:n", "a:n b:n c:n>a:n"}) {
         QVERIFY(scenario.fromBinary(&device));
         QCOMPARE(linksOf(scenario), QString::fromLatin1(szLinks));
         QCOMPARE(scenario.defaultEmitter()->id(), QStringLiteral("a"));
     }
-    QCOMPARE(device.readAll(), QByteArray("rest"));
+    QCOMPARE(device.data().mid(device.pos()), QByteArray("rest"));
     scenario.setScenarioEmitter({});
     QVERIFY(!scenario.defaultEmitter());
 }
