@@ -94,7 +94,8 @@ public:
     /// Replace the objects, keyed by their ids; null is left out, and of several
     /// with one id any one is taken. The station of a device belongs among the
     /// stations: one that is only referred to comes back bare, at (0, 0), when
-    /// the saved document is read.
+    /// the saved document is read. Beyond Limits::DeploymentObjects that document
+    /// breaks off for its reader.
     void setDevices(const QSet<std::shared_ptr<DeploymentDevice>>& a_devices);
     void setStations(const QSet<std::shared_ptr<DeploymentStation>>& a_stations);
 

@@ -3,8 +3,9 @@
 
 namespace Simulation {
 
-/// How a device receives. Stored and sent as it stands; nothing here computes
-/// with it.
+/// How a device receives. Nothing here computes with it, so the units are those
+/// on which the programs that fill and use it agree, and every value is taken. A
+/// document keeps 6 significant digits, and 0 for what is not finite.
 struct ReceiverSettings
 {
     double antennaHeight = 7.0; ///< of the antenna above its site

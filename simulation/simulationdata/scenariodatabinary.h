@@ -89,10 +89,10 @@ public:
 
     /// Reads a stream from where the device stands and leaves what follows it
     /// there. A device that has nothing to give at the moment has ended: nothing
-    /// is waited for. The emitters are added to those that are held; the first that is
-    /// marked as default becomes the default emitter, without one it stays. A
-    /// link is made to the emitter that has the id and was read last, or else to
-    /// one that was there before; the emitter's own id makes none.
+    /// is waited for. The emitters are added to those that are held; the first
+    /// that is marked as default becomes the default emitter, without one it
+    /// stays. A link is made to the emitter that has the id and was read last, or
+    /// else to one that was there before; the emitter's own id makes none.
     ///
     /// True when all was read that the count promises. Otherwise false, after
     /// one trace, with errorString(): the records that came whole are kept.
