@@ -1,6 +1,6 @@
 #include "comparison.h"
 
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/xmlseparator_p.h"
 
 #include <QCoreApplication>

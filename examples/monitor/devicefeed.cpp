@@ -1,6 +1,6 @@
 #include "devicefeed.h"
 
-#include <simulationdata/limits.h>
+#include <simulationdata/simulationlimits.h>
 
 #include <QSet>
 #include <QTcpSocket>

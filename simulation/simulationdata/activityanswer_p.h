@@ -2,7 +2,7 @@
 #define SIMULATIONDATA_ACTIVITYANSWER_P_H
 
 #include "simulationdata/hractivity.h"
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "trace_p.h"
 
 #include <algorithm>

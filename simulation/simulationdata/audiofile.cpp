@@ -1,7 +1,7 @@
 #include "audiofile.h"
 
 #include "datafile_p.h"
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "trace_p.h"
 
 #include <QMutexLocker>

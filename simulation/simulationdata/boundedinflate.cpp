@@ -1,6 +1,6 @@
 #include "boundedinflate_p.h"
 
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 
 #include <QtEndian>
 

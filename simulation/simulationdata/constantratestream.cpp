@@ -1,7 +1,7 @@
 #include "constantratestream_p.h"
 
 #include "datafile_p.h"
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "trace_p.h"
 
 #include <algorithm>

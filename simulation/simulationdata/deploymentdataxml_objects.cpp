@@ -5,7 +5,7 @@
 #include "simulationdata/deploymentdevice.h"
 #include "simulationdata/deploymentstation.h"
 #include "simulationdata/ipositionsettings.h"
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "xmlfield_p.h"
 #include "xmltext_p.h"
 #include "xmlwalk_p.h"

@@ -1,6 +1,6 @@
 #include "documentfile_p.h"
 
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "trace_p.h"
 
 #include <QFile>

@@ -2,7 +2,7 @@
 #define SIMULATIONDATA_FREQUENCYSETTINGS_FASTHOPPER_H
 
 #include "simulationdata/ifrequencysettings.h"
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 
 #include <memory>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "packagesources_p.h"
 
-#include "simulationdata/limits.h"
 #include "simulationdata/signalpackagefolder.h"
+#include "simulationdata/simulationlimits.h"
 #include "trace_p.h"
 
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #include "positionsettingsptp.h"
 
 #include "numbers_p.h"
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "trace_p.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "resourcearchive_p.h"
 
 #include "simulationdata/folderoperations.h"
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "trace_p.h"
 #include "wholefile_p.h"
 

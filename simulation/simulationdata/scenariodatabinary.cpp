@@ -4,8 +4,8 @@
 #include "documentfile_p.h"
 #include "linkorder_p.h"
 #include "scenariograph_p.h"
-#include "simulationdata/limits.h"
 #include "simulationdata/scenarionetwork.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/szenarioemitter.h"
 #include "trace_p.h"
 

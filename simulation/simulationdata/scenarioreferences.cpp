@@ -2,8 +2,8 @@
 
 #include "simulationdata/elintscenarioemitter.h"
 #include "simulationdata/isignalpackageprovider.h"
-#include "simulationdata/limits.h"
 #include "simulationdata/scenarionetwork.h"
+#include "simulationdata/simulationlimits.h"
 
 namespace Simulation {
 

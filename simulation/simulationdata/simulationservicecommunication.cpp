@@ -2,7 +2,7 @@
 
 #include "payload_p.h"
 #include "servicecommands_p.h"
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/xmlelement.h"
 #include "trace_p.h"
 #include "xmlseparator_p.h"

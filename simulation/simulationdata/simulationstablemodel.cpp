@@ -1,7 +1,7 @@
 #include "simulationstablemodel.h"
 
-#include "simulationdata/limits.h"
 #include "simulationdata/position.h"
+#include "simulationdata/simulationlimits.h"
 #include "trace_p.h"
 
 #include <QColor>

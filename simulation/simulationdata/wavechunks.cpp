@@ -1,7 +1,7 @@
 #include "wavechunks_p.h"
 
 #include "datafile_p.h"
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 
 #include <QByteArray>
 #include <QStringDecoder>

@@ -2,7 +2,7 @@
 #define SIMULATIONDATA_XMLDOCUMENTSPLITTER_P_H
 
 #include "receivebuffer_p.h"
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "xmlscanner_p.h"
 
 #include <QByteArray>

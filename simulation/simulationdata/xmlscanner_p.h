@@ -1,8 +1,8 @@
 #ifndef SIMULATIONDATA_XMLSCANNER_P_H
 #define SIMULATIONDATA_XMLSCANNER_P_H
 
-#include "simulationdata/limits.h"
 #include "simulationdata/simulationdata_export.h"
+#include "simulationdata/simulationlimits.h"
 #include "xmlposition_p.h"
 
 #include <QByteArrayView>

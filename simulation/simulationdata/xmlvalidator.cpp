@@ -1,6 +1,6 @@
 #include "xmlvalidator_p.h"
 
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "xmlencoding_p.h"
 #include "xmlname_p.h"
 #include "xmlscanner_p.h"

@@ -6,8 +6,8 @@
 #include "valuetexts.h"
 
 #include "kpzip/archive.h"
-#include "simulationdata/limits.h"
 #include "simulationdata/signalpackagefolder.h"
+#include "simulationdata/simulationlimits.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -10,10 +10,10 @@
 #include "valuetexts.h"
 #include "verdict.h"
 
-#include "simulationdata/limits.h"
 #include "simulationdata/scenariochecker.h"
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/signalpackagefolder.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 
 namespace SimulationTool {

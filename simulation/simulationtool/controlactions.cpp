@@ -7,8 +7,8 @@
 #include "valuetexts.h"
 
 #include "simulationdata/deploymentdataxml.h"
-#include "simulationdata/limits.h"
 #include "simulationdata/scenariodataxml.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 
 #include <QFile>

@@ -9,9 +9,9 @@
 #include "scenariofile.h"
 #include "verdict.h"
 
-#include "simulationdata/limits.h"
 #include "simulationdata/scenariodatabinary.h"
 #include "simulationdata/scenariodataxml.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/szenarioemitter.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 

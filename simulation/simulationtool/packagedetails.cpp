@@ -4,10 +4,10 @@
 #include "report.h"
 #include "valuetexts.h"
 
-#include "simulationdata/limits.h"
 #include "simulationdata/signalpackage.h"
 #include "simulationdata/signalpackagefile.h"
 #include "simulationdata/signalpackagefolder.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/xmlelement.h"
 
 #include <QFile>

@@ -3,10 +3,10 @@
 #include "output.h"
 #include "valuetexts.h"
 
-#include "simulationdata/limits.h"
 #include "simulationdata/scenariodatabinary.h"
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/scenarionetwork.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/szenarioemitter.h"
 
 #include <QFile>

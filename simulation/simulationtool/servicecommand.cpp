@@ -8,7 +8,7 @@
 #include "simulationservice.h"
 #include "wholenumber.h"
 
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/simulationsystemconfiguration.h"
 
 #include <QHostAddress>

@@ -3,7 +3,7 @@
 #include "serveraddress.h"
 #include "terminaltext.h"
 
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 
 #include <QHostAddress>
 #include <QTcpSocket>

@@ -2,7 +2,12 @@
 #include <simulationdata/szenarioemitter.h>
 #include <simulationdata/unresolvedsignalpackageprovider.h>
 
+#include <climits>
 #include <cstdio>
+
+#include <limits.h>
+
+static_assert(INT_MAX > 0, "the compiler's own limits.h is found");
 
 /// Loads the default scenario that the library carries: fails when headers,
 /// library or resources are not where an installation puts them.

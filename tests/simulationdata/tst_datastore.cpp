@@ -1,8 +1,8 @@
 #include "simulationdata/datastorefactory.h"
 #include "simulationdata/folderoperations.h"
-#include "simulationdata/limits.h"
 #include "simulationdata/resourcearchive_p.h"
 #include "simulationdata/signalpackagefolder.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/storepath_p.h"
 #include "tracecollector.h"
 

@@ -2,8 +2,8 @@
 #include "simulationdata/deploymentdataxml.h"
 #include "simulationdata/deploymentdevice.h"
 #include "simulationdata/deploymentstation.h"
-#include "simulationdata/limits.h"
 #include "simulationdata/positionsettingsptp.h"
+#include "simulationdata/simulationlimits.h"
 #include "tracecollector.h"
 #include "velaappstartup/cfgcenter.h"
 

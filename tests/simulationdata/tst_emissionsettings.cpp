@@ -1,7 +1,7 @@
 #include "simulationdata/emissionsettings.h"
-#include "simulationdata/limits.h"
 #include "simulationdata/scenarionetwork.h"
 #include "simulationdata/signalpackage.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/szenarioemitter.h"
 
 #include <boost/weak_ptr.hpp>

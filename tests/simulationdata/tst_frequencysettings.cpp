@@ -3,7 +3,7 @@
 #include "simulationdata/frequencysettings_fasthopper.h"
 #include "simulationdata/frequencysettings_slowhopper.h"
 #include "simulationdata/frequencysettingsfixed.h"
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 #include "simulationdata/emissionsettings.h"
 #include "simulationdata/frequencysettings_fasthopper.h"
-#include "simulationdata/limits.h"
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/scenarionetwork.h"
 #include "simulationdata/signalpackage.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/szenarioemitter.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 

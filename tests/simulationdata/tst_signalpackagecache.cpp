@@ -1,10 +1,10 @@
 #include "simulationdata/audiofile.h"
-#include "simulationdata/limits.h"
 #include "simulationdata/signalpackage.h"
 #include "simulationdata/signalpackagecache.h"
 #include "simulationdata/signalpackagefile.h"
 #include "simulationdata/signalpackagefolder.h"
 #include "simulationdata/signalshapefile.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/wholefile_p.h"
 
 #include <QDir>

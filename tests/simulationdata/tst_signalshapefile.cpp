@@ -1,6 +1,6 @@
 #include "datafilebytes.h"
-#include "simulationdata/limits.h"
 #include "simulationdata/signalshapefile.h"
+#include "simulationdata/simulationlimits.h"
 
 #include <QTemporaryDir>
 #include <QTest>

@@ -1,4 +1,4 @@
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/simulationservicecommunication.h"
 #include "simulationdata/xmlelement.h"
 #include "tracecollector.h"

@@ -1,6 +1,6 @@
 #include "simulationdata/datastorefactory.h"
-#include "simulationdata/limits.h"
 #include "simulationdata/position.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/simulationstablemodel.h"
 #include "tracecollector.h"
 

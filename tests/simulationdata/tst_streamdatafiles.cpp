@@ -1,6 +1,6 @@
 #include "datafilebytes.h"
-#include "simulationdata/limits.h"
 #include "simulationdata/resultdatafile.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/symboldatafile.h"
 
 #include <QTemporaryDir>

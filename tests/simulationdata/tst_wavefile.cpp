@@ -1,5 +1,5 @@
 #include "simulationdata/audiofile.h"
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/wavefilereader.h"
 #include "tracecollector.h"
 

@@ -1,4 +1,4 @@
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/xmlelement.h"
 #include "simulationdata/xmlencoding_p.h"
 

@@ -1,4 +1,4 @@
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/xmlscanner_p.h"
 
 #include <QTest>

@@ -1,6 +1,6 @@
 #include "kpbase/errorhandler.h"
 #include "simulationdata/boundedinflate_p.h"
-#include "simulationdata/limits.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/xmlseparator_p.h"
 
 #include <QMetaMethod>

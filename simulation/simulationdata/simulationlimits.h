@@ -1,5 +1,5 @@
-#ifndef SIMULATIONDATA_LIMITS_H
-#define SIMULATIONDATA_LIMITS_H
+#ifndef SIMULATIONDATA_SIMULATIONLIMITS_H
+#define SIMULATIONDATA_SIMULATIONLIMITS_H
 
 #include "simulationdata/simulationdata_export.h"
 

@@ -1,4 +1,4 @@
-#include "limits.h"
+#include "simulationlimits.h"
 
 #include <array>
 #include <atomic>
