@@ -68,9 +68,7 @@ void SimulationServiceCommunication::dropSeparators(const QTcpSocket* a_pSocket)
     for (XmlSeparator* const pSeparator : findChildren<XmlSeparator*>(Qt::FindDirectChildrenOnly)) {
         if (pSeparator->device() == a_pSocket) {
             pSeparator->disconnect();
-            if (a_pSocket != nullptr) {
-                a_pSocket->disconnect(pSeparator);
-            }
+            pSeparator->detach();
             pSeparator->deleteLater();
         }
     }

@@ -42,7 +42,9 @@ public:
     ///
     /// Null ends the talk: nothing is received over the socket in use any more,
     /// not even commands that have arrived and wait for the event loop, and what
-    /// is sent goes nowhere. A socket that was set before begins afresh. Another
+    /// is sent goes nowhere. The socket's read buffer is without bound again, so
+    /// the socket notices its end unread, too: close it, or read it. A socket that
+    /// was set before begins afresh. Another
     /// socket takes the sending over, while the earlier one is still listened to;
     /// set null between to end it.
     ///

@@ -42,10 +42,33 @@ XmlSeparator::XmlSeparator(QIODevice* a_pDevice, FramingMode a_eMode, QObject* a
     auto* const pSocket = qobject_cast<QAbstractSocket*>(a_pDevice);
     if (pSocket != nullptr && pSocket->readBufferSize() == 0) {
         pSocket->setReadBufferSize(s_iSocketBytes);
+        m_bBounded = true;
+    }
+    if (a_pDevice != nullptr) {
+        connect(a_pDevice, &QIODevice::readyRead, this, &XmlSeparator::discardUnread);
     }
     connectDevice();
     scheduleRead();
     connect(this, &XmlSeparator::queued_xmlReceived, this, &XmlSeparator::xmlReceived, Qt::QueuedConnection);
+}
+
+XmlSeparator::~XmlSeparator()
+{
+    detach();
+}
+
+void XmlSeparator::detach()
+{
+    m_readTimer.stop();
+    if (m_pDevice == nullptr) {
+        return;
+    }
+    m_pDevice->disconnect(this);
+    auto* const pSocket = qobject_cast<QAbstractSocket*>(m_pDevice.data());
+    m_pDevice = nullptr;
+    if (m_bBounded && pSocket != nullptr && pSocket->readBufferSize() == s_iSocketBytes) {
+        pSocket->setReadBufferSize(0);
+    }
 }
 
 void XmlSeparator::setEnabled(bool bEnabled) // NOLINT(readability-identifier-naming)
@@ -125,6 +148,19 @@ void XmlSeparator::takeUp()
 {
     if (m_pDevice != nullptr && m_pDevice->isReadable()) {
         m_buffer.append(m_pDevice->readAll());
+    }
+}
+
+/// Empties the full buffer of a socket that is not read because of an error: the
+/// socket takes no more from the system until then, the connection's end neither.
+void XmlSeparator::discardUnread()
+{
+    const auto* const pSocket = qobject_cast<QAbstractSocket*>(m_pDevice.data());
+    if (pSocket == nullptr || m_sError.isEmpty() || m_bReporting || pSocket->readBufferSize() == 0) {
+        return;
+    }
+    if (pSocket->bytesAvailable() >= pSocket->readBufferSize()) {
+        m_pDevice->skip(pSocket->bytesAvailable());
     }
 }
 
@@ -287,5 +323,6 @@ void XmlSeparator::reportError()
     Q_EMIT errorOccured(sError);
     if (self != nullptr) {
         m_bReporting = false;
+        discardUnread();
     }
 }

@@ -22,9 +22,13 @@
 ///
 /// The peer is not trusted. What it sends is held within Limits: a document, a
 /// frame and its content, and what waits to be written. A socket that buffers
-/// without bound is given a read buffer of 64 KiB, so that a peer that sends on
-/// while nothing is read has to wait; a socket whose buffer is full does not
-/// notice that its peer has left.
+/// without bound is given a read buffer of 64 KiB for as long as the separator
+/// uses it, so that a peer that sends on during a pause has to wait.
+///
+/// A socket whose read buffer is full does not notice that its peer has closed
+/// the connection. After an error, when nobody reads, a full buffer is therefore
+/// emptied and its bytes are lost. During a pause the bytes are kept, and the end
+/// of the connection is noticed when they are read.
 class SIMULATIONDATA_EXPORT XmlSeparator : public QObject
 {
     Q_OBJECT
@@ -42,8 +46,14 @@ public:
     /// event loop.
     XmlSeparator(QIODevice* a_pDevice, QObject* a_pParent);
     XmlSeparator(QIODevice* a_pDevice, FramingMode a_eMode, QObject* a_pParent);
+    ~XmlSeparator() override;
 
-    /// Null when it has died.
+    /// Leaves the device to others for good: reads and writes nothing any more
+    /// and lifts the bound of the read buffer. Documents that were found already
+    /// are still delivered.
+    void detach();
+
+    /// Null when it has died, and after detach().
     [[nodiscard]] QIODevice* device() const { return m_pDevice.data(); }
 
     /// Whether documents leave compressed, in frames only. By default they do
@@ -63,7 +73,8 @@ Q_SIGNALS:
 
     /// The stream cannot be read on: the reader's own words, or the limit that
     /// the peer went beyond. Reading is paused and, until reset(), meets the
-    /// same error again whenever it is resumed.
+    /// same error again whenever it is resumed. Up to 64 KiB that come meanwhile
+    /// stay in the device for reset(); a socket that is sent more loses them.
     void errorOccured(const QString& sErrorString);
 
     /// Internal: a document on its way to xmlReceived().
@@ -101,6 +112,7 @@ private:
     void connectDevice();
     void scheduleRead();
     void takeUp();
+    void discardUnread();
     void detectFraming();
 
     void takeDocuments();
@@ -116,6 +128,7 @@ private:
     FramingMode m_eMode;
     Simulation::XmlDocumentSplitter m_splitter;
     QPointer<QIODevice> m_pDevice;
+    bool m_bBounded = false;            ///< the socket's read buffer is bounded by this object
     Simulation::ReceiveBuffer m_buffer; ///< what is not split yet
     int m_iCompressionLevel = -1;
     bool m_bCompressOutgoing = false;

@@ -9,6 +9,7 @@
 #include <QTcpSocket>
 #include <QTest>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -172,6 +173,7 @@ private Q_SLOTS:
     void replacedSocket();
     void deletedInSlot();
     void socketDiesFirst();
+    void lossWithUnreadBytes();
     void tooLarge();
 };
 
@@ -492,6 +494,28 @@ void TestSimulationServiceCommunication::socketDiesFirst()
     QVERIFY(wire.communication->hasLostCommands());
     wire.communication->setSocket(nullptr);
     QVERIFY(!wire.communication->hasLostCommands());
+}
+
+/// The socket notices that its peer has left although nobody reads what it sent.
+void TestSimulationServiceCommunication::lossWithUnreadBytes()
+{
+    constexpr qsizetype iBytes = 4 * 1024 * 1024;
+    const TraceCollector traces;
+    for (const bool bFaulty : {true, false}) {
+        Wire wire;
+        const QSignalSpy lost(wire.near.get(), &QTcpSocket::disconnected);
+        qint64 iMostWaiting = 0;
+        connect(wire.near.get(), &QTcpSocket::readyRead, this,
+                [&] { iMostWaiting = std::max(iMostWaiting, wire.near->bytesAvailable()); });
+        if (!bFaulty) {
+            wire.communication->setSocket(nullptr);
+        }
+        wire.sendBytes("</a>" + QByteArray(iBytes, 'x'));
+        wire.far->disconnectFromHost();
+        QTRY_COMPARE(lost.count(), 1);
+        QVERIFY2(!bFaulty || iMostWaiting <= 65'536, QByteArray::number(iMostWaiting).constData());
+        QCOMPARE(TraceCollector::lines().filter(QLatin1String(s_szSource)).size(), 1); // the error
+    }
 }
 
 void TestSimulationServiceCommunication::tooLarge()
