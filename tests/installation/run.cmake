@@ -1,0 +1,86 @@
+# Installs into a scratch folder, moves the installation, runs the programs and a
+# project of its user from there, and removes it. Any failure stops.
+cmake_minimum_required(VERSION 3.25)
+
+set(scratch "${BUILD_DIR}/installation-test")
+file(REMOVE_RECURSE "${scratch}")
+file(MAKE_DIRECTORY "${scratch}/empty")
+
+function(run)
+  execute_process(COMMAND ${ARGV} WORKING_DIRECTORY "${scratch}/empty" COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
+function(expect a_name a_actual a_expected)
+  if(NOT "${a_actual}" STREQUAL "${a_expected}")
+    message(FATAL_ERROR "${a_name}:\n  actual:   ${a_actual}\n  expected: ${a_expected}")
+  endif()
+endfunction()
+
+# What is below a folder, hidden files and empty folders, too.
+function(expect_below a_name a_folder a_expected)
+  file(GLOB_RECURSE found LIST_DIRECTORIES true RELATIVE "${a_folder}" "${a_folder}/*")
+  expect("${a_name}" "${found}" "${a_expected}")
+endfunction()
+
+# The run path for the usual layouts of an installation.
+include("${SOURCE_DIR}/cmake/RunPath.cmake")
+foreach(row IN ITEMS
+    "bin|lib|$ORIGIN/../lib" "bin|lib64|$ORIGIN/../lib64"
+    "bin|lib/x86_64-linux-gnu|$ORIGIN/../lib/x86_64-linux-gnu" "libexec/sim/bin|lib|$ORIGIN/../../../lib"
+    "bin|/full/lib|/full/lib" "/elsewhere/bin|lib|/full/lib")
+  string(REPLACE "|" ";" row "${row}")
+  list(GET row 0 bin)
+  list(GET row 1 lib)
+  list(GET row 2 expected)
+  relative_run_path(actual "${bin}" "${lib}" "/full/lib")
+  expect("run path of ${bin} for ${lib}" "${actual}" "${expected}")
+endforeach()
+
+# Installed twice, as an update is, and then moved.
+set(prefix "${scratch}/moved here")
+foreach(time RANGE 1)
+  run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${scratch}/prefix")
+endforeach()
+file(RENAME "${scratch}/prefix" "${prefix}")
+
+foreach(program IN ITEMS simulationtool monitor)
+  execute_process(COMMAND readelf --dynamic "${prefix}/${BIN}/${program}"
+    OUTPUT_VARIABLE dynamic COMMAND_ERROR_IS_FATAL ANY)
+  string(REGEX MATCH "path: \\[([^]]*)" match "${dynamic}")
+  relative_run_path(runPath "${BIN}" "${LIB}" "")
+  expect("run path of ${program}" "${CMAKE_MATCH_1}" "${runPath}")
+endforeach()
+run("${prefix}/${BIN}/simulationtool" --version)
+run("${prefix}/${BIN}/monitor" --help)
+
+run("${CMAKE_COMMAND}" -S "${SOURCE_DIR}/tests/consumer" -B "${scratch}/build" -G Ninja
+  "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_FLAGS=${FLAGS}")
+run("${CMAKE_COMMAND}" --build "${scratch}/build")
+run("${scratch}/build/consumer")
+
+# Removed, it leaves what others put there, and nothing of its own.
+set(uninstall "${LIB}/cmake/SimulationData/Uninstall.cmake")
+set(headers include/simulation)
+file(WRITE "${prefix}/${BIN}/other" "")
+file(WRITE "${prefix}/${headers}/.hidden" "")
+run("${CMAKE_COMMAND}" -P "${prefix}/${uninstall}")
+expect_below("left of others" "${prefix}" "${BIN};${BIN}/other;include;${headers};${headers}/.hidden")
+
+# Folders that were there before stay, though empty.
+set(prefix "${scratch}/shared")
+file(MAKE_DIRECTORY "${prefix}/${LIB}/cmake")
+run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}")
+run("${CMAKE_COMMAND}" -P "${prefix}/${uninstall}")
+expect_below("left of a shared prefix" "${prefix}" "${LIB};${LIB}/cmake")
+
+# A new prefix goes with what is in it, also from staging.
+foreach(stage IN ITEMS "" "${scratch}/stage")
+  set(ENV{DESTDIR} "${stage}")
+  run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${scratch}/alone")
+  run("${CMAKE_COMMAND}" -P "${stage}${scratch}/alone/${uninstall}")
+  file(GLOB_RECURSE files "${stage}${scratch}/alone/*")
+  expect("files left in ${stage}${scratch}/alone" "${files}" "")
+endforeach()
+if(EXISTS "${scratch}/alone")
+  message(FATAL_ERROR "${scratch}/alone was made by the installation and is left")
+endif()
