@@ -1,5 +1,6 @@
 #include "archivedetails.h"
 
+#include "inputfile.h"
 #include "interruption.h"
 #include "packagedetails.h"
 #include "report.h"
@@ -22,7 +23,7 @@ namespace {
 qsizetype unpackFiles(Report& a_report, KPZip::Archive& a_archive, const QString& a_sFolder)
 {
     qsizetype iFailed = 0;
-    QList<QStringList> rows;
+    QList<ReportRow> rows;
     const QDir folder(a_sFolder);
     for (const QString& file : a_archive.files()) {
         if (isInterrupted()) {
@@ -36,17 +37,20 @@ qsizetype unpackFiles(Report& a_report, KPZip::Archive& a_archive, const QString
         if (!bUnpacked) {
             sVerdict = bPlace ? a_archive.errorString() : QStringLiteral("refused: its folder is a file");
         }
-        rows.append({file, QString::number(a_archive.declaredSize(file)), sVerdict});
+        rows.append({file, countValue(a_archive.declaredSize(file)), sVerdict});
     }
-    a_report.titledTable(
-        QStringLiteral("Files"),
-        {{QStringLiteral("Name")}, {QStringLiteral("Bytes"), true}, {QStringLiteral("Verdict")}}, rows);
+    a_report.titledTable("files", QStringLiteral("Files"),
+                         {{QStringLiteral("Name"), false, 0, "name"},
+                          {QStringLiteral("Bytes"), true, 0, "size_bytes"},
+                          {QStringLiteral("Verdict"), false, 0, "verdict"}},
+                         rows);
     return iFailed;
 }
 
 ExitCode describePackages(Report& a_report, const QString& a_sFolder)
 {
     ExitCode eWorst = ExitCode::Ok;
+    a_report.list("packages");
     QStringList folders = Simulation::SignalPackageFolder::list(a_sFolder);
     if (Simulation::SignalPackageFolder::isValid(a_sFolder)) {
         folders.prepend(a_sFolder);
@@ -55,9 +59,10 @@ ExitCode describePackages(Report& a_report, const QString& a_sFolder)
         if (isInterrupted() || !a_report.isOk()) {
             break;
         }
+        a_report.itemHeading(QStringLiteral("Signal package"), "packages");
         const Verdict verdict =
             describePackageFolder(a_report, folder, QDir(a_sFolder).relativeFilePath(folder));
-        a_report.field(QStringLiteral("Verdict"), verdict.text);
+        a_report.field("verdict", QStringLiteral("Verdict"), verdict.text);
         eWorst = worse(eWorst, verdict.code);
     }
     return eWorst;
@@ -65,12 +70,14 @@ ExitCode describePackages(Report& a_report, const QString& a_sFolder)
 
 } // namespace
 
-Verdict describeArchive(Report& a_report, const QString& a_sFile)
+Verdict describeArchive(Report& a_report, const InputFile& a_file)
 {
     a_report.heading(QStringLiteral("Zip archive"));
-    a_report.field(QStringLiteral("File"), a_sFile);
-    a_report.field(QStringLiteral("Size"), counted(static_cast<quint64>(QFileInfo(a_sFile).size()), "byte"));
-    KPZip::Archive archive(a_sFile);
+    a_report.value("kind", QStringLiteral("zip archive"));
+    a_report.field("file", QStringLiteral("File"), a_file.name());
+    a_report.field("size_bytes", QStringLiteral("Size"),
+                   countValue(static_cast<quint64>(QFileInfo(a_file.path()).size()), "byte"));
+    KPZip::Archive archive(a_file.path());
     archive.setBounds(Simulation::Limits::value(Simulation::Limits::ArchiveBytes),
                       Simulation::Limits::value(Simulation::Limits::ArchiveEntries));
     if (!archive.open(KPZip::Archive::ModeRead)) {

@@ -9,6 +9,7 @@
 #include "inspectcommand.h"
 #include "output.h"
 #include "playarguments.h"
+#include "report.h"
 #include "repositoryarguments.h"
 #include "servicecommand.h"
 
@@ -69,8 +70,8 @@ const char s_szInspect[] = "Shows what a file or package folder holds. What it i
                            "  .sdf .rdf .wav  header\n"
                            "  .pdw            records; with block headers every block is checked\n"
                            "\n"
-                           "The last line is the verdict, except for scenario documents: whole, truncated,\n"
-                           "more than the header says, inconsistent, broken off, or refused with the reason.";
+                           "The last line is the verdict: whole, truncated, more than the header says,\n"
+                           "inconsistent, broken off, or refused with the reason.";
 
 const char s_szInspectExamples[] =
     "\n"
@@ -78,6 +79,7 @@ const char s_szInspectExamples[] =
     "  simulationtool inspect harbour.sce.exp\n"
     "  simulationtool inspect :/DefaultData/Default.sce.exp    (the built-in scenario)\n"
     "  simulationtool inspect packages/SignalPackages/TuK-Default/Default\n"
+    "  simulationtool inspect --json - < harbour.sce.exp\n"
     "\n"
     "Exit codes:\n"
     "  0  Whole.\n"
@@ -86,16 +88,18 @@ const char s_szInspectExamples[] =
 
 ExitCode inspect(const QStringList& a_arguments, Output& a_output)
 {
-    CommandParser parser(QStringLiteral("inspect"), QStringLiteral("FILE|FOLDER"), s_szInspect,
+    CommandParser parser(QStringLiteral("inspect"), QStringLiteral("FILE|FOLDER|- [--json]"), s_szInspect,
                          s_szInspectExamples);
     parser.get().addPositionalArgument(QStringLiteral("FILE"),
-                                       QStringLiteral("The file or package folder to look into."));
+                                       QStringLiteral("The file or package folder to look into; - is "
+                                                      "standard input."));
+    addJsonOption(parser.get());
     if (const auto done = parser.parse(a_arguments, a_output)) {
         return *done;
     }
     const QStringList files = parser.get().positionalArguments();
     return files.size() == 1
-               ? runInspect(files.constFirst(), a_output)
+               ? runInspect(files.constFirst(), reportForm(parser.get()), a_output)
                : parser.refuse(QStringLiteral("one FILE is needed, %1 given").arg(files.size()));
 }
 

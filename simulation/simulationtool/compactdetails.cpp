@@ -1,9 +1,9 @@
 #include "compactdetails.h"
 
+#include "inputfile.h"
 #include "losttable.h"
 #include "report.h"
 #include "scenariofile.h"
-#include "valuetexts.h"
 
 #include "simulationdata/scenariodatabinary.h"
 #include "simulationdata/szenarioemitter.h"
@@ -17,30 +17,32 @@ constexpr qsizetype s_iMaxNameWidth = 28;
 
 } // namespace
 
-std::optional<Verdict> describeCompact(Report& a_report, const QString& a_sFile)
+std::optional<Verdict> describeCompact(Report& a_report, const InputFile& a_file)
 {
     Simulation::ScenarioDataBinary scenario(nullptr);
-    std::optional<Verdict> verdict = loadCompact(scenario, a_sFile);
+    std::optional<Verdict> verdict = loadCompact(scenario, a_file.path());
     if (!verdict) {
         return verdict;
     }
     const auto emitters = emittersOf(scenario);
-    QList<QStringList> rows;
+    QList<ReportRow> rows;
     for (const std::shared_ptr<Simulation::SzenarioEmitter>& emitter : emitters) {
         const auto target = emitter->linkTargetEmitter();
-        rows.append({orDash(emitter->id()), orDash(emitter->name()), yesNo(emitter->isActive()),
-                     yesNo(emitter == scenario.defaultEmitter()), orDash(target ? target->id() : QString()),
-                     orDash(emitter->getClass()), orDash(emitter->description())});
+        rows.append({emitter->id(), emitter->name(), flagValue(emitter->isActive()),
+                     flagValue(emitter == scenario.defaultEmitter()), target ? target->id() : QString(),
+                     emitter->getClass(), emitter->description()});
     }
     a_report.heading(QStringLiteral("Compact scenario"));
-    a_report.field(QStringLiteral("Emitters"), QString::number(emitters.size()));
-    a_report.table({{QStringLiteral("ID"), false, s_iMaxIdWidth},
-                    {QStringLiteral("Name"), false, s_iMaxNameWidth},
-                    {QStringLiteral("Active")},
-                    {QStringLiteral("Default")},
-                    {QStringLiteral("Linked to"), false, s_iMaxIdWidth},
-                    {QStringLiteral("Class"), false, s_iMaxNameWidth},
-                    {QStringLiteral("Description")}},
+    a_report.value("kind", QStringLiteral("compact scenario"));
+    a_report.field("emitter_count", QStringLiteral("Emitters"), wholeValue(emitters.size()));
+    a_report.table("emitters",
+                   {{QStringLiteral("ID"), false, s_iMaxIdWidth, "id"},
+                    {QStringLiteral("Name"), false, s_iMaxNameWidth, "name"},
+                    {QStringLiteral("Active"), false, 0, "active"},
+                    {QStringLiteral("Default"), false, 0, "default"},
+                    {QStringLiteral("Linked to"), false, s_iMaxIdWidth, "linked_to"},
+                    {QStringLiteral("Class"), false, s_iMaxNameWidth, "class"},
+                    {QStringLiteral("Description"), false, 0, "description"}},
                    rows);
     describeUnresolvedLinks(a_report, scenario);
     return verdict;
@@ -48,12 +50,14 @@ std::optional<Verdict> describeCompact(Report& a_report, const QString& a_sFile)
 
 void describeUnresolvedLinks(Report& a_report, const Simulation::ScenarioDataBinary& a_scenario)
 {
-    LostTable links(QStringLiteral("Links that lead to no emitter before theirs"),
-                    {{QStringLiteral("Emitter")}, {QStringLiteral("Names")}});
+    LostTable links(
+        "unresolved_links", QStringLiteral("Links that lead to no emitter before theirs"),
+        {{QStringLiteral("Emitter"), false, 0, "emitter"}, {QStringLiteral("Names"), false, 0, "names"}});
     const auto unresolved = a_scenario.unresolvedLinks();
     for (const Simulation::ScenarioDataBinary::UnresolvedLink& link : unresolved) {
-        links.add({orDash(link.emitterId), link.targetId});
+        links.add({link.emitterId, link.targetId});
     }
+    a_report.endPlace();
     links.write(a_report);
 }
 

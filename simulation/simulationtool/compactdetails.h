@@ -13,12 +13,13 @@ class ScenarioDataBinary;
 
 namespace SimulationTool {
 
+class InputFile;
 class Report;
 
 /// What a scenario of the compact form holds: a table of its emitters, and the
 /// links that lead nowhere. Nothing, and nothing is written, when the file is of
 /// another form. The verdict that is returned is not written.
-[[nodiscard]] std::optional<Verdict> describeCompact(Report& a_report, const QString& a_sFile);
+[[nodiscard]] std::optional<Verdict> describeCompact(Report& a_report, const InputFile& a_file);
 
 /// The links of a scenario that was read which lead to no emitter before theirs;
 /// of very many only the first.

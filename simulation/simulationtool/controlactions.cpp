@@ -44,16 +44,17 @@ ExitCode load(ServiceController& a_controller, const OrderArgument& a_argument, 
     if (!a_controller.loadScenario(a_argument.content)) {
         return ExitCode::Unusable;
     }
-    QList<QStringList> rows;
+    QList<ReportRow> rows;
     qsizetype iLoaded = 0;
     for (const auto& device : a_controller.devices()) {
         const ScenarioDataState eState = a_controller.states().value(device.id());
         iLoaded += eState == ScenarioDataState::Loaded ? 1 : 0;
         rows.append({device.id(), device.name(), stateText(eState)});
     }
-    Report(a_output).plainTable({{QStringLiteral("Device"), false, s_iMaxIdWidth},
-                                 {QStringLiteral("Name"), false, s_iMaxNameWidth},
-                                 {QStringLiteral("State")}},
+    Report(a_output).plainTable("devices",
+                                {{QStringLiteral("Device"), false, s_iMaxIdWidth, "id"},
+                                 {QStringLiteral("Name"), false, s_iMaxNameWidth, "name"},
+                                 {QStringLiteral("State"), false, 0, "state"}},
                                 rows);
     a_output.write(QStringLiteral("Scenario sent, loaded by %1 of %2\n")
                        .arg(QString::number(iLoaded), devicesText(a_controller)));
@@ -108,19 +109,19 @@ ExitCode unload(ServiceController& a_controller, const OrderArgument& /*a_argume
 
 ExitCode devices(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Output& a_output)
 {
-    QList<QStringList> rows;
+    QList<ReportRow> rows;
     for (const auto& device : a_controller.devices()) {
-        rows.append({device.id(), device.name(), orDash(device.deviceType()), orDash(device.stationName()),
-                     orDash(device.machine()), plainNumber(device.positionLongitude()),
-                     plainNumber(device.positionLatitude())});
+        rows.append({device.id(), device.name(), device.deviceType(), device.stationName(), device.machine(),
+                     numberValue(device.positionLongitude()), numberValue(device.positionLatitude())});
     }
-    Report(a_output).plainTable({{QStringLiteral("Device"), false, s_iMaxIdWidth},
-                                 {QStringLiteral("Name"), false, s_iMaxNameWidth},
-                                 {QStringLiteral("Type"), false, s_iMaxNameWidth},
-                                 {QStringLiteral("Station"), false, s_iMaxNameWidth},
-                                 {QStringLiteral("Machine"), false, s_iMaxNameWidth},
-                                 {QStringLiteral("Longitude"), true},
-                                 {QStringLiteral("Latitude"), true}},
+    Report(a_output).plainTable("devices",
+                                {{QStringLiteral("Device"), false, s_iMaxIdWidth, "id"},
+                                 {QStringLiteral("Name"), false, s_iMaxNameWidth, "name"},
+                                 {QStringLiteral("Type"), false, s_iMaxNameWidth, "type"},
+                                 {QStringLiteral("Station"), false, s_iMaxNameWidth, "station"},
+                                 {QStringLiteral("Machine"), false, s_iMaxNameWidth, "machine"},
+                                 {QStringLiteral("Longitude"), true, 0, "longitude"},
+                                 {QStringLiteral("Latitude"), true, 0, "latitude"}},
                                 rows);
     a_output.write(devicesText(a_controller) + u'\n');
     return ExitCode::Ok;

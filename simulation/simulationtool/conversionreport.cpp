@@ -1,5 +1,6 @@
 #include "conversionreport.h"
 
+#include "jsonreport.h"
 #include "losttable.h"
 #include "report.h"
 #include "scenariofile.h"
@@ -89,6 +90,14 @@ Uncarried uncarriedOf(const ScenarioDataXml& a_scenario)
     return counts;
 }
 
+/// What the compact form leaves out of one kind; without a text there is nothing.
+struct UncarriedField
+{
+    const char* key;
+    QString label;
+    ReportValue value;
+};
+
 QStringList headerTexts(const ScenarioDataXml& a_scenario)
 {
     QStringList texts;
@@ -105,16 +114,19 @@ QStringList headerTexts(const ScenarioDataXml& a_scenario)
     return texts;
 }
 
-/// Counts that are not 0, with their nouns, in one line.
-QString countedTexts(const QList<std::pair<quint64, const char*>>& a_counts)
+/// Counts that are not 0, with their nouns, in one line or object; an empty text
+/// when all are.
+ReportValue countsValue(const QList<std::pair<quint64, const char*>>& a_counts)
 {
     QStringList texts;
+    QJsonObject object;
     for (const auto& [uiCount, szNoun] : a_counts) {
         if (uiCount > 0) {
             texts.append(counted(uiCount, szNoun));
+            object.insert(QLatin1String(szNoun) + u's', jsonCount(uiCount));
         }
     }
-    return texts.join(QStringLiteral(", "));
+    return {texts.join(QStringLiteral(", ")), object};
 }
 
 QString targetId(const SzenarioEmitter& a_emitter)
@@ -155,36 +167,42 @@ QString lossReason(const QString& a_sTargetId, bool a_bTargetThere)
 void describeWritten(Report& a_report, const QString& a_sForm, qsizetype a_iEmitters, qsizetype a_iBytes)
 {
     a_report.heading(a_sForm + QStringLiteral(" written"));
-    a_report.field(QStringLiteral("Emitters"), QString::number(a_iEmitters));
-    a_report.field(QStringLiteral("Bytes"), QString::number(a_iBytes));
+    a_report.value("written", a_sForm.toLower());
+    a_report.field("emitter_count", QStringLiteral("Emitters"), wholeValue(a_iEmitters));
+    a_report.field("size_bytes", QStringLiteral("Bytes"), wholeValue(a_iBytes));
 }
 
 void describeUncarried(Report& a_report, const ScenarioDataXml& a_scenario)
 {
     const Uncarried counts = uncarriedOf(a_scenario);
-    const QList<std::pair<QString, QString>> fields{
-        {QStringLiteral("Networks"),
-         countedTexts({{counts.networks, "network"}, {counts.members, "member"}})},
-        {QStringLiteral("Emissions"), countedTexts({{counts.emissions, "emission"},
-                                                    {counts.groups, "group"},
-                                                    {counts.periods, "period"},
-                                                    {counts.broadcasts, "broadcast"}})},
-        {QStringLiteral("Frequencies"), countedTexts({{counts.frequencies, "setting"}})},
-        {QStringLiteral("Positions"),
-         countedTexts({{static_cast<quint64>(counts.positions.size()), "setting"}})},
-        {QStringLiteral("Transmitters"), countedTexts({{counts.transmitters, "setting"}})},
-        {QStringLiteral("ELINT"),
-         countedTexts({{counts.elintEmitters, "emitter"}, {counts.elintFiles, "file"}})},
-        {QStringLiteral("Noise"),
-         a_scenario.getNoiseSettings() == ScenarioNoiseSettings() ? QString() : QStringLiteral("settings")},
-        {QStringLiteral("Header"), headerTexts(a_scenario).join(QStringLiteral(", "))}};
+    const bool bNoise = !(a_scenario.getNoiseSettings() == ScenarioNoiseSettings());
+    const QStringList header = headerTexts(a_scenario);
+    const QList<UncarriedField> fields{
+        {"networks", QStringLiteral("Networks"),
+         countsValue({{counts.networks, "network"}, {counts.members, "member"}})},
+        {"emissions", QStringLiteral("Emissions"),
+         countsValue({{counts.emissions, "emission"},
+                      {counts.groups, "group"},
+                      {counts.periods, "period"},
+                      {counts.broadcasts, "broadcast"}})},
+        {"frequencies", QStringLiteral("Frequencies"), countsValue({{counts.frequencies, "setting"}})},
+        {"positions", QStringLiteral("Positions"),
+         countsValue({{static_cast<quint64>(counts.positions.size()), "setting"}})},
+        {"transmitters", QStringLiteral("Transmitters"), countsValue({{counts.transmitters, "setting"}})},
+        {"elint", QStringLiteral("ELINT"),
+         countsValue({{counts.elintEmitters, "emitter"}, {counts.elintFiles, "file"}})},
+        {"noise", QStringLiteral("Noise"), {bNoise ? QStringLiteral("settings") : QString(), bNoise}},
+        {"header",
+         QStringLiteral("Header"),
+         {header.join(QStringLiteral(", ")), QJsonArray::fromStringList(header)}}};
     const bool bNothing = std::all_of(fields.cbegin(), fields.cend(),
-                                      [](const auto& a_field) { return a_field.second.isEmpty(); });
+                                      [](const auto& a_field) { return a_field.value.text.isEmpty(); });
     a_report.heading(bNothing ? QStringLiteral("Everything of the scenario is carried")
-                              : QStringLiteral("Not carried by the compact form"));
-    for (const auto& [sLabel, sText] : fields) {
-        if (!sText.isEmpty()) {
-            a_report.field(sLabel, sText);
+                              : QStringLiteral("Not carried by the compact form"),
+                     "not_carried");
+    for (const UncarriedField& field : fields) {
+        if (!field.value.text.isEmpty()) {
+            a_report.field(field.key, field.label, field.value);
         }
     }
 }
@@ -192,16 +210,19 @@ void describeUncarried(Report& a_report, const ScenarioDataXml& a_scenario)
 void describeDefaults(Report& a_report, const ScenarioDataXml& a_scenario)
 {
     const FrequencySettingsFixed frequency;
-    a_report.heading(QStringLiteral("At their defaults"));
-    a_report.field(QStringLiteral("Frequencies"),
-                   QStringLiteral("fixed, ") + frequencyText(frequency.getCenterFrequency()));
-    a_report.field(QStringLiteral("Positions"), QStringLiteral("longitude 0, latitude 0, not moving"));
-    a_report.field(QStringLiteral("Transmitters"), QStringLiteral("default antenna and power"));
-    a_report.field(QStringLiteral("Emissions"), QStringLiteral("none"));
-    a_report.field(QStringLiteral("Networks"), QStringLiteral("none"));
-    a_report.field(QStringLiteral("Noise"), QStringLiteral("default settings"));
-    a_report.field(QStringLiteral("Header"),
-                   QStringLiteral("empty, with the new uid ") + a_scenario.getPersistantId());
+    const double dFrequency = frequency.getCenterFrequency();
+    const QString sUid = a_scenario.getPersistantId();
+    a_report.heading(QStringLiteral("At their defaults"), "defaults");
+    a_report.field("frequency_hz", QStringLiteral("Frequencies"),
+                   {QStringLiteral("fixed, ") + frequencyText(dFrequency), jsonNumber(dFrequency)});
+    a_report.field(nullptr, QStringLiteral("Positions"),
+                   QStringLiteral("longitude 0, latitude 0, not moving"));
+    a_report.field(nullptr, QStringLiteral("Transmitters"), QStringLiteral("default antenna and power"));
+    a_report.field(nullptr, QStringLiteral("Emissions"), QStringLiteral("none"));
+    a_report.field(nullptr, QStringLiteral("Networks"), QStringLiteral("none"));
+    a_report.field(nullptr, QStringLiteral("Noise"), QStringLiteral("default settings"));
+    a_report.field("uid", QStringLiteral("Header"),
+                   {QStringLiteral("empty, with the new uid ") + sUid, jsonText(sUid)});
 }
 
 void describeDifferences(Report& a_report, const EmitterList& a_emitters, const EmitterList& a_readBack)
@@ -214,22 +235,25 @@ void describeDifferences(Report& a_report, const EmitterList& a_emitters, const 
     for (const std::shared_ptr<SzenarioEmitter>& emitter : a_emitters) {
         ++owners[emitter->id()];
     }
-    LostTable changed(QStringLiteral("Emitters that come back changed"),
-                      {{QStringLiteral("Emitter")}, {QStringLiteral("Reason")}});
-    LostTable lost(QStringLiteral("Links that a reader does not find"),
-                   {{QStringLiteral("Emitter")}, {QStringLiteral("Linked to")}, {QStringLiteral("Reason")}});
+    const TextColumn emitterColumn{QStringLiteral("Emitter"), false, 0, "emitter"};
+    const TextColumn reasonColumn{QStringLiteral("Reason"), false, 0, "reason"};
+    LostTable changed("changed_emitters", QStringLiteral("Emitters that come back changed"),
+                      {emitterColumn, reasonColumn});
+    LostTable lost("lost_links", QStringLiteral("Links that a reader does not find"),
+                   {emitterColumn, {QStringLiteral("Linked to"), false, 0, "linked_to"}, reasonColumn});
     for (const std::shared_ptr<SzenarioEmitter>& emitter : a_emitters) {
         const QString sId = emitter->id();
         const SzenarioEmitter* pBack = readById.value(sId);
         if (const QString sReason = changeReason(*emitter, pBack, owners.value(sId) > 1);
             !sReason.isEmpty()) {
-            changed.add({orDash(sId), sReason});
+            changed.add({sId, sReason});
         }
         const QString sTarget = targetId(*emitter);
         if (emitter->isLinked() && pBack != nullptr && targetId(*pBack) != sTarget) {
-            lost.add({orDash(sId), orDash(sTarget), lossReason(sTarget, readById.contains(sTarget))});
+            lost.add({sId, sTarget, lossReason(sTarget, readById.contains(sTarget))});
         }
     }
+    a_report.endPlace();
     changed.write(a_report);
     lost.write(a_report);
 }

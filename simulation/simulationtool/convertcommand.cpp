@@ -3,6 +3,7 @@
 #include "commandparser.h"
 #include "compactdetails.h"
 #include "conversionreport.h"
+#include "inputfile.h"
 #include "output.h"
 #include "outputfile.h"
 #include "report.h"
@@ -102,35 +103,39 @@ ExitCode toDocument(Simulation::ScenarioDataBinary& a_compact, const QString& a_
     return ExitCode::Ok;
 }
 
-ExitCode runConvert(const QString& a_sScenario, const QString& a_sOut, Output& a_output)
+ExitCode runConvert(InputFile& a_scenario, const QString& a_sOut, Report& a_report)
 {
-    if (isSameFile(a_sOut, a_sScenario)) {
+    if (a_scenario.isSameAs(a_sOut)) {
         return fail(QStringLiteral("convert"),
                     QStringLiteral("%1 is the scenario itself: give another OUT").arg(a_sOut));
     }
-    Report report(a_output);
+    if (!a_scenario.prepare(Simulation::Limits::value(Simulation::Limits::DocumentBytes))) {
+        return ExitCode::Unusable;
+    }
     Simulation::ScenarioDataBinary compact(nullptr);
-    if (const std::optional<Verdict> verdict = loadCompact(compact, a_sScenario)) {
+    if (const std::optional<Verdict> verdict = loadCompact(compact, a_scenario.path())) {
         if (verdict->code != ExitCode::Ok) {
-            complain(QStringLiteral("%1: %2").arg(a_sScenario, verdict->text));
+            complain(QStringLiteral("%1: %2").arg(a_scenario.name(), verdict->text));
         }
-        return worse(verdict->code, toDocument(compact, a_sOut, report));
+        return worse(verdict->code, toDocument(compact, a_sOut, a_report));
     }
     Simulation::UnresolvedSignalPackageProvider provider;
     Simulation::ScenarioDataXml scenario(&provider);
-    const ExitCode eLoaded = loadScenario(scenario, a_sScenario);
-    return eLoaded != ExitCode::Unusable ? worse(eLoaded, toCompact(scenario, a_sOut, report)) : eLoaded;
+    const std::optional<Verdict> verdict = loadScenario(scenario, a_scenario);
+    return verdict ? worse(verdict->code, toCompact(scenario, a_sOut, a_report)) : ExitCode::Unusable;
 }
 
 } // namespace
 
 ExitCode convert(const QStringList& a_arguments, Output& a_output)
 {
-    CommandParser parser(QStringLiteral("convert"), QStringLiteral("SCENARIO OUT"), s_szConvert,
+    CommandParser parser(QStringLiteral("convert"), QStringLiteral("SCENARIO|- OUT [--json]"), s_szConvert,
                          s_szConvertExamples);
     parser.get().addPositionalArgument(QStringLiteral("SCENARIO"),
-                                       QStringLiteral("The document or compact scenario to read."));
+                                       QStringLiteral("The document or compact scenario to read; - is "
+                                                      "standard input."));
     parser.get().addPositionalArgument(QStringLiteral("OUT"), QStringLiteral("The file to write."));
+    addJsonOption(parser.get());
     if (const auto done = parser.parse(a_arguments, a_output)) {
         return *done;
     }
@@ -139,7 +144,18 @@ ExitCode convert(const QStringList& a_arguments, Output& a_output)
         return parser.refuse(QStringLiteral("a SCENARIO and an OUT are needed, %1 given")
                                  .arg(files.size() - files.count(QString())));
     }
-    return runConvert(files.constFirst(), files.constLast(), a_output);
+    if (isStandardInputName(files.constLast())) {
+        return parser.refuse(QStringLiteral("OUT must be a file (./- is one that is called so)"));
+    }
+    InputFile scenario(files.constFirst());
+    Report report(a_output, reportForm(parser.get()));
+    const ExitCode eCode = runConvert(scenario, files.constLast(), report);
+    if (eCode != ExitCode::Unusable) {
+        report.value("file", scenario.name());
+        report.value("out", files.constLast());
+        report.finish();
+    }
+    return eCode;
 }
 
 } // namespace SimulationTool

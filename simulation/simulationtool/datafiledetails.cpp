@@ -1,5 +1,7 @@
 #include "datafiledetails.h"
 
+#include "inputfile.h"
+#include "jsonreport.h"
 #include "report.h"
 #include "shapelevels.h"
 #include "valuetexts.h"
@@ -22,11 +24,13 @@ namespace {
 constexpr qsizetype s_iShownCuePoints = 20;
 constexpr std::uint64_t s_uiMillisecondsPerSecond = 1000;
 
-void describeFile(Report& a_report, const QString& a_sKind, const QString& a_sFile)
+void describeFile(Report& a_report, const QString& a_sKind, const InputFile& a_file)
 {
     a_report.heading(a_sKind);
-    a_report.field(QStringLiteral("File"), a_sFile);
-    a_report.field(QStringLiteral("Size"), counted(static_cast<quint64>(QFileInfo(a_sFile).size()), "byte"));
+    a_report.value("kind", a_sKind.toLower());
+    a_report.field("file", QStringLiteral("File"), a_file.name());
+    a_report.field("size_bytes", QStringLiteral("Size"),
+                   countValue(static_cast<quint64>(QFileInfo(a_file.path()).size()), "byte"));
 }
 
 /// Opens a reader whose data are taken at a rate, of which the length in ms is
@@ -47,16 +51,21 @@ QString rateText(float a_fRate)
     return shortNumber(a_fRate) + QStringLiteral(" per second");
 }
 
-QString lengthText(std::uint64_t a_uiMilliseconds)
+ReportValue rateValue(float a_fRate)
 {
-    return QStringLiteral("%1 ms").arg(a_uiMilliseconds);
+    return {rateText(a_fRate), jsonNumber(a_fRate)};
 }
 
-QString waveLengthText(const Simulation::WaveFileReader& a_reader)
+ReportValue lengthValue(std::uint64_t a_uiMilliseconds)
+{
+    return {QStringLiteral("%1 ms").arg(a_uiMilliseconds), jsonCount(a_uiMilliseconds)};
+}
+
+ReportValue waveLengthValue(const Simulation::WaveFileReader& a_reader)
 {
     const std::uint32_t uiRate = a_reader.format().sampleRate;
-    return uiRate == 0 ? QStringLiteral("no sample rate")
-                       : lengthText(a_reader.length() * s_uiMillisecondsPerSecond / uiRate);
+    return uiRate == 0 ? ReportValue(QStringLiteral("no sample rate"), QJsonValue())
+                       : lengthValue(a_reader.length() * s_uiMillisecondsPerSecond / uiRate);
 }
 
 DataFileSummary shapeSummary(const QString& a_sFile)
@@ -84,7 +93,7 @@ DataFileSummary audioSummary(const QString& a_sFile)
     if (reader.isOpen()) {
         summary.text = QStringLiteral("%1 bits mono, %2 frames, %3")
                            .arg(QString::number(reader.format().bitsPerSample),
-                                QString::number(reader.length()), waveLengthText(reader));
+                                QString::number(reader.length()), waveLengthValue(reader).text);
     }
     return summary;
 }
@@ -114,18 +123,21 @@ DataFileSummary resultSummary(const QString& a_sFile)
 
 void describeCuePoints(Report& a_report, const QList<Simulation::WaveFileReader::CuePoint>& a_points)
 {
-    QList<QStringList> rows;
+    QList<ReportRow> rows;
     for (const auto& point : a_points.first(std::min(a_points.size(), s_iShownCuePoints))) {
-        rows.append({QString::number(point.id), QString::number(point.position), orDash(point.label)});
+        rows.append({countValue(point.id), countValue(point.position), point.label});
     }
     const QString sTitle =
         a_points.size() > s_iShownCuePoints
             ? QStringLiteral("Cue points, the first %1 of %2")
                   .arg(QString::number(s_iShownCuePoints), QString::number(a_points.size()))
             : QStringLiteral("Cue points");
-    a_report.titledTable(
-        sTitle, {{QStringLiteral("ID"), true}, {QStringLiteral("Frame"), true}, {QStringLiteral("Label")}},
-        rows);
+    a_report.value("cue_point_count", a_points.size());
+    a_report.titledTable("cue_points", sTitle,
+                         {{QStringLiteral("ID"), true, 0, "id"},
+                          {QStringLiteral("Frame"), true, 0, "frame"},
+                          {QStringLiteral("Label"), false, 0, "label"}},
+                         rows);
 }
 
 } // namespace
@@ -137,71 +149,80 @@ const std::array<PackageDataFile, 4> s_packageDataFiles{{
     {"Signal.rdf", "rdf", &Simulation::SignalPackageFolder::resultDataFilePath, &resultSummary},
 }};
 
-Verdict describeShapeFile(Report& a_report, const QString& a_sFile)
+Verdict describeShapeFile(Report& a_report, const InputFile& a_file)
 {
-    describeFile(a_report, QStringLiteral("Signal shape file"), a_sFile);
-    Simulation::SignalShapeFile reader(a_sFile);
+    describeFile(a_report, QStringLiteral("Signal shape file"), a_file);
+    Simulation::SignalShapeFile reader(a_file.path());
     Verdict verdict = openTimed(reader, &Simulation::SignalShapeFile::duration);
     if (reader.isOpen()) {
-        a_report.field(QStringLiteral("Version"), QString::number(reader.version()));
-        a_report.field(QStringLiteral("Bandwidth"), frequencyText(reader.bandwidth()));
-        a_report.field(QStringLiteral("Base power"), shortNumber(reader.basePower()));
-        a_report.field(QStringLiteral("Records"), QStringLiteral("%1, %2 per second")
-                                                      .arg(QString::number(reader.recordCount()),
-                                                           QString::number(reader.recordsPerSecond())));
-        a_report.field(QStringLiteral("Spectrum"),
-                       QStringLiteral("%1 points").arg(reader.pointsPerSpectrum()));
-        a_report.field(QStringLiteral("Duration"), lengthText(reader.duration()));
+        a_report.field("version", QStringLiteral("Version"), countValue(reader.version()));
+        a_report.field("bandwidth_hz", QStringLiteral("Bandwidth"), frequencyValue(reader.bandwidth()));
+        a_report.field("base_power", QStringLiteral("Base power"), numberValue(reader.basePower()));
+        a_report.value("records_per_second", QJsonValue(qint64{reader.recordsPerSecond()}));
+        a_report.field(
+            "records", QStringLiteral("Records"),
+            {QStringLiteral("%1, %2 per second")
+                 .arg(QString::number(reader.recordCount()), QString::number(reader.recordsPerSecond())),
+             jsonCount(reader.recordCount())});
+        a_report.field("points_per_spectrum", QStringLiteral("Spectrum"),
+                       {QStringLiteral("%1 points").arg(reader.pointsPerSpectrum()),
+                        jsonCount(reader.pointsPerSpectrum())});
+        a_report.field("duration_ms", QStringLiteral("Duration"), lengthValue(reader.duration()));
         describeLevels(a_report, reader);
     }
     return verdict;
 }
 
-Verdict describeSymbolFile(Report& a_report, const QString& a_sFile)
+Verdict describeSymbolFile(Report& a_report, const InputFile& a_file)
 {
-    describeFile(a_report, QStringLiteral("Symbol data file"), a_sFile);
-    Simulation::SymbolDataFile reader(a_sFile);
+    describeFile(a_report, QStringLiteral("Symbol data file"), a_file);
+    Simulation::SymbolDataFile reader(a_file.path());
     Verdict verdict = openTimed(reader, &Simulation::SymbolDataFile::length);
     if (reader.isOpen()) {
-        a_report.field(QStringLiteral("Valency"), QString::number(reader.symbolValency()));
-        a_report.field(QStringLiteral("Symbols"), QString::number(reader.symbolCount()));
-        a_report.field(QStringLiteral("Rate"), rateText(reader.symbolRate()));
-        a_report.field(QStringLiteral("Duration"), lengthText(reader.length()));
+        a_report.field("valency", QStringLiteral("Valency"), countValue(reader.symbolValency()));
+        a_report.field("symbols", QStringLiteral("Symbols"), countValue(reader.symbolCount()));
+        a_report.field("rate_per_second", QStringLiteral("Rate"), rateValue(reader.symbolRate()));
+        a_report.field("duration_ms", QStringLiteral("Duration"), lengthValue(reader.length()));
     }
     return verdict;
 }
 
-Verdict describeResultFile(Report& a_report, const QString& a_sFile)
+Verdict describeResultFile(Report& a_report, const InputFile& a_file)
 {
-    describeFile(a_report, QStringLiteral("Result data file"), a_sFile);
-    Simulation::ResultDataFile reader(a_sFile);
+    describeFile(a_report, QStringLiteral("Result data file"), a_file);
+    Simulation::ResultDataFile reader(a_file.path());
     Verdict verdict = openTimed(reader, &Simulation::ResultDataFile::length);
     if (reader.isOpen()) {
-        a_report.field(QStringLiteral("Items"), QString::number(reader.itemCount()));
-        a_report.field(QStringLiteral("Rate"), rateText(reader.itemRate()));
-        a_report.field(QStringLiteral("Duration"), lengthText(reader.length()));
+        a_report.field("items", QStringLiteral("Items"), countValue(reader.itemCount()));
+        a_report.field("rate_per_second", QStringLiteral("Rate"), rateValue(reader.itemRate()));
+        a_report.field("duration_ms", QStringLiteral("Duration"), lengthValue(reader.length()));
     }
     return verdict;
 }
 
-Verdict describeWaveFile(Report& a_report, const QString& a_sFile)
+Verdict describeWaveFile(Report& a_report, const InputFile& a_file)
 {
-    describeFile(a_report, QStringLiteral("Wave file"), a_sFile);
-    Simulation::WaveFileReader reader(a_sFile);
+    describeFile(a_report, QStringLiteral("Wave file"), a_file);
+    Simulation::WaveFileReader reader(a_file.path());
     Verdict verdict = openTimed(reader, &Simulation::WaveFileReader::length);
     if (reader.isOpen()) {
         const Simulation::WaveFileReader::Format& format = reader.format();
-        a_report.field(QStringLiteral("Channels"), QString::number(format.channels));
-        a_report.field(QStringLiteral("Samples"),
-                       QStringLiteral("%1 bits, %2 per second")
-                           .arg(QString::number(format.bitsPerSample), QString::number(format.sampleRate)));
-        a_report.field(QStringLiteral("Frames"),
-                       QStringLiteral("%1 of %2 bytes")
-                           .arg(QString::number(reader.length()), QString::number(format.blockAlign)));
-        a_report.field(QStringLiteral("Duration"), waveLengthText(reader));
-        Simulation::AudioFile audio(a_sFile);
-        a_report.field(QStringLiteral("For packages"),
-                       audio.open() ? yesNo(true) : QStringLiteral("no: ") + audio.errorString());
+        a_report.field("channels", QStringLiteral("Channels"), countValue(format.channels));
+        a_report.value("samples_per_second", jsonCount(format.sampleRate));
+        a_report.field("bits_per_sample", QStringLiteral("Samples"),
+                       {QStringLiteral("%1 bits, %2 per second")
+                            .arg(QString::number(format.bitsPerSample), QString::number(format.sampleRate)),
+                        jsonCount(format.bitsPerSample)});
+        a_report.value("bytes_per_frame", jsonCount(format.blockAlign));
+        a_report.field("frames", QStringLiteral("Frames"),
+                       {QStringLiteral("%1 of %2 bytes")
+                            .arg(QString::number(reader.length()), QString::number(format.blockAlign)),
+                        jsonCount(reader.length())});
+        a_report.field("duration_ms", QStringLiteral("Duration"), waveLengthValue(reader));
+        Simulation::AudioFile audio(a_file.path());
+        const bool bUsable = audio.open();
+        a_report.field("usable_in_packages", QStringLiteral("For packages"),
+                       {bUsable ? yesNo(true) : QStringLiteral("no: ") + audio.errorString(), bUsable});
         describeCuePoints(a_report, reader.cuePoints());
     }
     return verdict;

@@ -9,6 +9,7 @@
 
 namespace SimulationTool {
 
+class InputFile;
 class Report;
 
 /// A data file of a package: what its header says in one line, and the verdict
@@ -31,10 +32,10 @@ extern const std::array<PackageDataFile, 4> s_packageDataFiles;
 
 /// The fields of one file's header, under a heading of its own; the verdict
 /// that is returned is not written.
-[[nodiscard]] Verdict describeShapeFile(Report& a_report, const QString& a_sFile);
-[[nodiscard]] Verdict describeSymbolFile(Report& a_report, const QString& a_sFile);
-[[nodiscard]] Verdict describeResultFile(Report& a_report, const QString& a_sFile);
-[[nodiscard]] Verdict describeWaveFile(Report& a_report, const QString& a_sFile);
+[[nodiscard]] Verdict describeShapeFile(Report& a_report, const InputFile& a_file);
+[[nodiscard]] Verdict describeSymbolFile(Report& a_report, const InputFile& a_file);
+[[nodiscard]] Verdict describeResultFile(Report& a_report, const InputFile& a_file);
+[[nodiscard]] Verdict describeWaveFile(Report& a_report, const InputFile& a_file);
 
 } // namespace SimulationTool
 

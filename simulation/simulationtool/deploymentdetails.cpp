@@ -1,7 +1,9 @@
 #include "deploymentdetails.h"
 
+#include "inputfile.h"
 #include "objectdetails.h"
 #include "report.h"
+#include "scenariofile.h"
 #include "valuetexts.h"
 
 #include "simulationdata/deploymentdataxml.h"
@@ -17,69 +19,69 @@ constexpr qsizetype s_iMaxNameWidth = 28;
 
 void describeHeader(Report& a_report, const Simulation::DeploymentDataXml& a_deployment)
 {
-    a_report.field(QStringLiteral("Name"), a_deployment.name());
-    a_report.field(QStringLiteral("Author"), a_deployment.author());
-    a_report.field(QStringLiteral("Description"), a_deployment.description());
+    a_report.field("name", QStringLiteral("Name"), a_deployment.name());
+    a_report.field("author", QStringLiteral("Author"), a_deployment.author());
+    a_report.field("description", QStringLiteral("Description"), a_deployment.description());
     // The format spells it so.
-    a_report.field(QStringLiteral("PersistantId"), a_deployment.persistantId());
-    a_report.field(QStringLiteral("File version"), QString::number(a_deployment.fileFormatVersion()));
+    a_report.field("persistant_id", QStringLiteral("PersistantId"), a_deployment.persistantId());
+    a_report.field("file_version", QStringLiteral("File version"),
+                   countValue(a_deployment.fileFormatVersion()));
 }
 
 void listStations(Report& a_report, const Simulation::DeploymentDataXml& a_deployment)
 {
     a_report.heading(QStringLiteral("Stations: %1").arg(a_deployment.stations().size()));
-    QList<QStringList> rows;
+    QList<ReportRow> rows;
     for (const auto& station : a_deployment.stations()) {
-        rows.append({orDash(station->id()), orDash(station->iconId()),
-                     QString::number(station->devices().size()),
+        rows.append({station->id(), station->iconId(), wholeValue(station->devices().size()),
                      positionSummary(station->positionSettings())});
     }
-    a_report.table({{QStringLiteral("ID"), false, s_iMaxIdWidth},
-                    {QStringLiteral("Icon"), false, s_iMaxNameWidth},
-                    {QStringLiteral("Devices"), true},
-                    {QStringLiteral("Position")}},
+    a_report.table("stations",
+                   {{QStringLiteral("ID"), false, s_iMaxIdWidth, "id"},
+                    {QStringLiteral("Icon"), false, s_iMaxNameWidth, "icon"},
+                    {QStringLiteral("Devices"), true, 0, "device_count"},
+                    {QStringLiteral("Position"), false, 0, "position"}},
                    rows);
 }
 
 void listDevices(Report& a_report, const Simulation::DeploymentDataXml& a_deployment)
 {
     a_report.heading(QStringLiteral("Devices: %1").arg(a_deployment.devices().size()));
-    QList<QStringList> rows;
+    QList<ReportRow> rows;
     for (const auto& device : a_deployment.devices()) {
         const auto station = device->station();
         const Simulation::ReceiverSettings& receiver = device->receiverSettings();
-        rows.append({orDash(device->id()), orDash(device->name()),
-                     orDash(station ? station->id() : QString()), orDash(device->machine()),
-                     orDash(device->deviceType()), plainNumber(receiver.antennaHeight),
-                     plainNumber(receiver.antennaGain), positionSummary(device->positionSettings())});
+        rows.append({device->id(), device->name(), station ? station->id() : QString(), device->machine(),
+                     device->deviceType(), numberValue(receiver.antennaHeight),
+                     numberValue(receiver.antennaGain), positionSummary(device->positionSettings())});
     }
-    a_report.table({{QStringLiteral("ID"), false, s_iMaxIdWidth},
-                    {QStringLiteral("Name"), false, s_iMaxNameWidth},
-                    {QStringLiteral("Station"), false, s_iMaxIdWidth},
-                    {QStringLiteral("Machine"), false, s_iMaxNameWidth},
-                    {QStringLiteral("Type"), false, s_iMaxNameWidth},
-                    {QStringLiteral("Antenna height"), true},
-                    {QStringLiteral("Gain"), true},
-                    {QStringLiteral("Position")}},
+    a_report.table("devices",
+                   {{QStringLiteral("ID"), false, s_iMaxIdWidth, "id"},
+                    {QStringLiteral("Name"), false, s_iMaxNameWidth, "name"},
+                    {QStringLiteral("Station"), false, s_iMaxIdWidth, "station"},
+                    {QStringLiteral("Machine"), false, s_iMaxNameWidth, "machine"},
+                    {QStringLiteral("Type"), false, s_iMaxNameWidth, "type"},
+                    {QStringLiteral("Antenna height"), true, 0, "antenna_height"},
+                    {QStringLiteral("Gain"), true, 0, "antenna_gain"},
+                    {QStringLiteral("Position"), false, 0, "position"}},
                    rows);
 }
 
 } // namespace
 
-Verdict describeDeployment(Report& a_report, const QString& a_sFile)
+Verdict describeDeployment(Report& a_report, const InputFile& a_file)
 {
     a_report.heading(QStringLiteral("Deployment"));
-    a_report.field(QStringLiteral("File"), a_sFile);
+    a_report.value("kind", QStringLiteral("deployment"));
+    a_report.field("file", QStringLiteral("File"), a_file.name());
     Simulation::DeploymentDataXml deployment;
-    if (!deployment.fromXmlFile(a_sFile)) {
+    if (!deployment.fromXmlFile(a_file.path())) {
         return refusedVerdict(deployment.errorString());
     }
     describeHeader(a_report, deployment);
     listStations(a_report, deployment);
     listDevices(a_report, deployment);
-    return deployment.errorString().isEmpty()
-               ? Verdict{}
-               : Verdict{ExitCode::Findings, QStringLiteral("broke off: ") + deployment.errorString()};
+    return documentVerdict(deployment.errorString());
 }
 
 QString deploymentSummary(const Simulation::DeploymentDataXml& a_deployment)

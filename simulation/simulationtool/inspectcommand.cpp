@@ -4,6 +4,7 @@
 #include "compactdetails.h"
 #include "datafiledetails.h"
 #include "deploymentdetails.h"
+#include "inputfile.h"
 #include "output.h"
 #include "packagedetails.h"
 #include "pulsefiledetails.h"
@@ -12,10 +13,9 @@
 #include "verdict.h"
 
 #include "simulationdata/signalpackagefolder.h"
+#include "simulationdata/simulationlimits.h"
 
-#include <QFile>
 #include <QFileInfo>
-#include <QXmlStreamReader>
 
 #include <algorithm>
 #include <array>
@@ -25,21 +25,13 @@ namespace SimulationTool {
 
 namespace {
 
-constexpr qint64 s_iHeadBytes = 4096;
-
 /// A kind of file that is more than a scenario.
 struct Kind
 {
     bool (*recognises)(const QByteArray& a_head); ///< by the file's first bytes
-    const char* ending; ///< of files whose first bytes say nothing; empty: there are none
-    Verdict (*describe)(Report& a_report, const QString& a_sFile);
+    const char* ending; ///< of files whose first bytes are of no kind; empty: there are none
+    Verdict (*describe)(Report& a_report, const InputFile& a_file);
 };
-
-bool hasRoot(const QByteArray& a_head, const char* a_szName)
-{
-    QXmlStreamReader reader(a_head);
-    return reader.readNextStartElement() && reader.name() == QLatin1String(a_szName);
-}
 
 bool isArchive(const QByteArray& a_head)
 {
@@ -54,56 +46,66 @@ constexpr std::array<Kind, 8> s_kinds{{
     {[](const QByteArray& a_head) { return a_head.startsWith("\x72\x65\x74\xFB"); }, ".pdw",
      &describePulseFile},
     {&isArchive, ".zip", &describeArchive},
-    {[](const QByteArray& a_head) { return hasRoot(a_head, "SignalPackage"); }, "", &describeDescriptor},
-    {[](const QByteArray& a_head) { return hasRoot(a_head, "SimulationDeployment"); }, "",
+    {[](const QByteArray& a_head) { return hasDocumentRoot(a_head, "SignalPackage"); }, "",
+     &describeDescriptor},
+    {[](const QByteArray& a_head) { return hasDocumentRoot(a_head, "SimulationDeployment"); }, "",
      &describeDeployment},
 }};
 
 /// The kind of a file; null for what may be a scenario.
-const Kind* kindOf(const QString& a_sFile)
+const Kind* kindOf(const InputFile& a_file)
 {
-    QFile file(a_sFile);
-    // A pipe could keep us waiting for ever.
-    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) {
+    const QByteArray head = a_file.head();
+    if (head.isEmpty() && !QFileInfo(a_file.path()).isFile()) {
         return nullptr;
     }
-    const QByteArray head = file.read(s_iHeadBytes);
     auto found = std::find_if(s_kinds.begin(), s_kinds.end(),
                               [&](const Kind& a_kind) { return a_kind.recognises(head); });
     if (found == s_kinds.end()) {
         found = std::find_if(s_kinds.begin(), s_kinds.end(), [&](const Kind& a_kind) {
             const QLatin1String sEnding(a_kind.ending);
-            return !sEnding.isEmpty() && a_sFile.endsWith(sEnding, Qt::CaseInsensitive);
+            return !sEnding.isEmpty() && a_file.name().endsWith(sEnding, Qt::CaseInsensitive);
         });
     }
     return found != s_kinds.end() ? &*found : nullptr;
 }
 
+/// Describes a file or package folder. Nothing when it cannot be read as a
+/// scenario, which is what everything of no other kind is taken for.
+std::optional<Verdict> describe(Report& a_report, const InputFile& a_file)
+{
+    if (QFileInfo(a_file.path()).isDir()) {
+        a_report.heading(QStringLiteral("Signal package"));
+        return describePackageFolder(a_report, a_file.path(), a_file.name());
+    }
+    if (const Kind* pKind = kindOf(a_file)) {
+        return pKind->describe(a_report, a_file);
+    }
+    std::optional<Verdict> verdict = describeCompact(a_report, a_file);
+    return verdict ? verdict : describeScenario(a_report, a_file);
+}
+
 } // namespace
 
-ExitCode runInspect(const QString& a_sPath, Output& a_output)
+ExitCode runInspect(const QString& a_sPath, ReportForm a_eForm, Output& a_output)
 {
-    Report report(a_output);
-    const bool bFolder = QFileInfo(a_sPath).isDir();
-    if (bFolder && !Simulation::SignalPackageFolder::isValid(a_sPath)) {
+    if (QFileInfo(a_sPath).isDir() && !Simulation::SignalPackageFolder::isValid(a_sPath)) {
         complain(QStringLiteral("%1: is a folder without a signal package (repository list shows those "
                                 "below it)")
                      .arg(a_sPath));
         return ExitCode::Unusable;
     }
-    const Kind* pKind = bFolder ? nullptr : kindOf(a_sPath);
-    std::optional<Verdict> verdict;
-    if (bFolder) {
-        verdict = describePackageFolder(report, a_sPath);
-    } else if (pKind != nullptr) {
-        verdict = pKind->describe(report, a_sPath);
-    } else {
-        verdict = describeCompact(report, a_sPath);
+    InputFile file(a_sPath);
+    if (!file.prepare(Simulation::Limits::value(Simulation::Limits::ArchiveBytes))) {
+        return ExitCode::Unusable;
     }
+    Report report(a_output, a_eForm);
+    const std::optional<Verdict> verdict = describe(report, file);
     if (!verdict) {
-        return describeScenario(report, a_sPath);
+        return ExitCode::Unusable;
     }
-    report.conclusion(QStringLiteral("Verdict"), verdict->text);
+    report.conclusion("verdict", QStringLiteral("Verdict"), verdict->text);
+    report.finish();
     return verdict->code;
 }
 

@@ -10,16 +10,17 @@ constexpr qsizetype s_iShownRows = 20;
 
 } // namespace
 
-LostTable::LostTable(const QString& a_sTitle, const QList<TextColumn>& a_columns)
-    : m_sTitle(a_sTitle)
+LostTable::LostTable(const char* a_szKey, const QString& a_sTitle, const QList<TextColumn>& a_columns)
+    : m_szKey(a_szKey)
+    , m_sTitle(a_sTitle)
     , m_columns(a_columns)
 {}
 
-void LostTable::add(const QStringList& a_cells)
+void LostTable::add(const ReportRow& a_row)
 {
     ++m_iCount;
     if (m_rows.size() < s_iShownRows) {
-        m_rows.append(a_cells);
+        m_rows.append(a_row);
     }
 }
 
@@ -27,7 +28,10 @@ void LostTable::write(Report& a_report) const
 {
     const QString sShown =
         m_iCount > m_rows.size() ? QStringLiteral(", the first %1").arg(m_rows.size()) : QString();
-    a_report.titledTable(m_sTitle + QStringLiteral(": %1").arg(m_iCount) + sShown, m_columns, m_rows);
+    const QByteArray countKey = QByteArray(m_szKey) + "_count";
+    a_report.value(countKey.constData(), m_iCount);
+    a_report.titledTable(m_szKey, m_sTitle + QStringLiteral(": %1").arg(m_iCount) + sShown, m_columns,
+                         m_rows);
 }
 
 } // namespace SimulationTool

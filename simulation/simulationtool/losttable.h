@@ -1,11 +1,11 @@
 #ifndef SIMULATIONTOOL_LOSTTABLE_H
 #define SIMULATIONTOOL_LOSTTABLE_H
 
+#include "reportvalue.h"
 #include "texttable.h"
 
 #include <QList>
 #include <QString>
-#include <QStringList>
 
 namespace SimulationTool {
 
@@ -16,16 +16,19 @@ class Report;
 class LostTable
 {
 public:
-    LostTable(const QString& a_sTitle, const QList<TextColumn>& a_columns);
+    /// Programs get the rows under the key, and their number under the key with
+    /// "_count" behind it.
+    LostTable(const char* a_szKey, const QString& a_sTitle, const QList<TextColumn>& a_columns);
 
-    void add(const QStringList& a_cells);
-    /// Nothing without rows.
+    void add(const ReportRow& a_row);
+    /// People see nothing without rows.
     void write(Report& a_report) const;
 
 private:
+    const char* m_szKey;
     QString m_sTitle;
     QList<TextColumn> m_columns;
-    QList<QStringList> m_rows;
+    QList<ReportRow> m_rows;
     qsizetype m_iCount = 0;
 };
 

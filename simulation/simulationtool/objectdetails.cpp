@@ -1,5 +1,6 @@
 #include "objectdetails.h"
 
+#include "jsonreport.h"
 #include "report.h"
 #include "valuetexts.h"
 
@@ -27,31 +28,66 @@ QString offsetText(float a_fOffset)
     return QString::number(static_cast<double>(a_fOffset));
 }
 
-QString positionText(const Simulation::TPos& a_position)
+ReportValue positionValue(const Simulation::TPos& a_position)
 {
-    return QStringLiteral("longitude %1, latitude %2")
-        .arg(plainNumber(a_position.longitude), plainNumber(a_position.latitude));
+    return {QStringLiteral("longitude %1, latitude %2")
+                .arg(plainNumber(a_position.longitude), plainNumber(a_position.latitude)),
+            QJsonObject{{QStringLiteral("kind"), QStringLiteral("fixed")},
+                        {QStringLiteral("longitude"), jsonNumber(a_position.longitude)},
+                        {QStringLiteral("latitude"), jsonNumber(a_position.latitude)}}};
 }
 
 /// The ids of emitters, for a list in one cell or line.
 template<typename Emitters>
-QString idList(const Emitters& a_emitters)
+ReportValue idList(const Emitters& a_emitters)
 {
-    QStringList ids;
+    QStringList texts;
+    QJsonArray ids;
     for (const std::shared_ptr<Simulation::SzenarioEmitter>& emitter : a_emitters) {
-        ids.append(orDash(emitter->id()));
+        texts.append(orDash(emitter->id()));
+        ids.append(emitter->id());
     }
-    return ids.join(QStringLiteral(", "));
+    return {texts.join(QStringLiteral(", ")), ids};
 }
 
 template<typename Records>
-QString numberList(const Records& a_records)
+ReportValue numberList(const Records& a_records)
 {
-    QStringList numbers;
+    QStringList texts;
+    QJsonArray numbers;
     for (const auto& record : a_records) {
-        numbers.append(QString::number(record->id));
+        texts.append(QString::number(record->id));
+        numbers.append(jsonCount(record->id));
     }
-    return orDash(numbers.join(QStringLiteral(", ")));
+    return {texts.join(QStringLiteral(", ")), numbers};
+}
+
+ReportValue chirpValue(const Simulation::FrequencySettings_Chirp& a_chirp)
+{
+    return {QStringLiteral("chirp, %1 to %2 in %3 ms, offset %4")
+                .arg(frequencyText(a_chirp.getStartFrequency()), frequencyText(a_chirp.getStopFrequency()),
+                     QString::number(a_chirp.getDuration()), offsetText(a_chirp.getTimeslotOffset())),
+            QJsonObject{{QStringLiteral("kind"), QStringLiteral("chirp")},
+                        {QStringLiteral("start_hz"), jsonNumber(a_chirp.getStartFrequency())},
+                        {QStringLiteral("stop_hz"), jsonNumber(a_chirp.getStopFrequency())},
+                        {QStringLiteral("duration_ms"), jsonCount(a_chirp.getDuration())},
+                        {QStringLiteral("timeslot_offset"), jsonNumber(a_chirp.getTimeslotOffset())}}};
+}
+
+ReportValue fastHopperValue(const Simulation::FrequencySettings_FastHopper& a_hopper)
+{
+    return {QStringLiteral("fast hopper, %1 to %2, %3 channels, %4 hops/s, set %5, offset %6")
+                .arg(frequencyText(a_hopper.getMinimumFrequency()),
+                     frequencyText(a_hopper.getMaximumFrequency()), QString::number(a_hopper.getHoppCount()),
+                     QString::number(a_hopper.getHoppRate()), QString::number(a_hopper.getHoppSet()),
+                     offsetText(a_hopper.getTimeslotOffset())),
+            QJsonObject{{QStringLiteral("kind"), QStringLiteral("fast hopper")},
+                        {QStringLiteral("minimum_hz"), jsonNumber(a_hopper.getMinimumFrequency())},
+                        {QStringLiteral("maximum_hz"), jsonNumber(a_hopper.getMaximumFrequency())},
+                        {QStringLiteral("channels"), jsonCount(a_hopper.getHoppCount())},
+                        {QStringLiteral("hops_per_second"), jsonCount(a_hopper.getHoppRate())},
+                        {QStringLiteral("set"), jsonCount(a_hopper.getHoppSet())},
+                        {QStringLiteral("timeslot_offset"), jsonNumber(a_hopper.getTimeslotOffset())}}};
 }
 
 void describeSteps(Report& a_report, Simulation::IFrequencySettings* a_pSettings)
@@ -60,50 +96,47 @@ void describeSteps(Report& a_report, Simulation::IFrequencySettings* a_pSettings
     if (pHopper == nullptr) {
         return;
     }
-    QList<QStringList> rows;
+    QList<ReportRow> rows;
     for (const Simulation::FrequencyStep& step : pHopper->getFrequencySteps()) {
-        rows.append({QString::number(rows.size() + 1), frequencyText(step.frequency),
-                     QString::number(step.duration)});
+        rows.append({wholeValue(rows.size() + 1), frequencyValue(step.frequency), countValue(step.duration)});
     }
-    a_report.titledTable(QStringLiteral("Frequency steps"),
+    a_report.titledTable("frequency_steps", QStringLiteral("Frequency steps"),
                          {{QStringLiteral("Step"), true},
-                          {QStringLiteral("Frequency"), true},
-                          {QStringLiteral("Duration (ms)"), true}},
+                          {QStringLiteral("Frequency"), true, 0, "frequency_hz"},
+                          {QStringLiteral("Duration (ms)"), true, 0, "duration_ms"}},
                          rows);
 }
 
 void describePath(Report& a_report, const Simulation::PositionSettingsPtp& a_path)
 {
-    QList<QStringList> rows;
+    QList<ReportRow> rows;
     std::uint64_t uiArrival = 0;
     for (const Simulation::MovementPoint& point : a_path.getMovments()) {
-        rows.append({QString::number(rows.size() + 1),
-                     fixedNumber(point.position.longitude, s_iCoordinateDecimals),
-                     fixedNumber(point.position.latitude, s_iCoordinateDecimals), QString::number(uiArrival),
-                     QString::number(point.dwellTime), plainNumber(point.speed), yesNo(point.major),
-                     orDash(point.name)});
+        rows.append(
+            {wholeValue(rows.size() + 1), numberValue(point.position.longitude, s_iCoordinateDecimals),
+             numberValue(point.position.latitude, s_iCoordinateDecimals), countValue(uiArrival),
+             countValue(point.dwellTime), numberValue(point.speed), flagValue(point.major), point.name});
         uiArrival += std::uint64_t{point.dwellTime} + point.transitionTime;
     }
-    a_report.titledTable(QStringLiteral("Way points"),
+    a_report.titledTable("way_points", QStringLiteral("Way points"),
                          {{QStringLiteral("Point"), true},
-                          {QStringLiteral("Longitude"), true},
-                          {QStringLiteral("Latitude"), true},
-                          {QStringLiteral("Arrival (ms)"), true},
-                          {QStringLiteral("Dwell (ms)"), true},
-                          {QStringLiteral("Speed (km/h)"), true},
-                          {QStringLiteral("Major")},
-                          {QStringLiteral("Name")}},
+                          {QStringLiteral("Longitude"), true, 0, "longitude"},
+                          {QStringLiteral("Latitude"), true, 0, "latitude"},
+                          {QStringLiteral("Arrival (ms)"), true, 0, "arrival_ms"},
+                          {QStringLiteral("Dwell (ms)"), true, 0, "dwell_ms"},
+                          {QStringLiteral("Speed (km/h)"), true, 0, "speed_kmh"},
+                          {QStringLiteral("Major"), false, 0, "major"},
+                          {QStringLiteral("Name"), false, 0, "name"}},
                          rows);
 }
 
 void describeSchedule(Report& a_report, const Simulation::EmissionSettings& a_settings)
 {
-    QList<QStringList> rows;
+    QList<ReportRow> rows;
     for (const auto& emission : a_settings.emissions()) {
-        rows.append({QString::number(emission->id), QString::number(emission->start),
-                     durationText(emission->duration),
-                     orDash(emission->signalPackage ? emission->signalPackage->id() : QString()),
-                     orDash(emission->emitter ? emission->emitter->id() : QString())});
+        rows.append({countValue(emission->id), wholeValue(emission->start), durationValue(emission->duration),
+                     emission->signalPackage ? emission->signalPackage->id() : QString(),
+                     emission->emitter ? emission->emitter->id() : QString()});
     }
     QString sSchedule = QStringLiteral("%1 emissions").arg(rows.size());
     if (a_settings.isBroadcast()) {
@@ -114,24 +147,26 @@ void describeSchedule(Report& a_report, const Simulation::EmissionSettings& a_se
     if (a_settings.duration() != Simulation::EmissionSettings::s_iUnlimited) {
         sSchedule += QStringLiteral(", repeated every %1").arg(durationText(a_settings.duration()));
     }
-    a_report.field(QStringLiteral("Schedule"), sSchedule);
-    a_report.titledTable(QStringLiteral("Emissions"),
-                         {{QStringLiteral("No."), true},
-                          {QStringLiteral("Start (ms)"), true},
-                          {QStringLiteral("Duration"), true},
-                          {QStringLiteral("Package"), false, s_iMaxIdWidth},
-                          {QStringLiteral("Emitter")}},
+    a_report.value("broadcast", a_settings.isBroadcast());
+    a_report.value("period_ms", durationValue(a_settings.duration()).json);
+    a_report.field(nullptr, QStringLiteral("Schedule"), sSchedule);
+    a_report.titledTable("emissions", QStringLiteral("Emissions"),
+                         {{QStringLiteral("No."), true, 0, "id"},
+                          {QStringLiteral("Start (ms)"), true, 0, "start_ms"},
+                          {QStringLiteral("Duration"), true, 0, "duration_ms"},
+                          {QStringLiteral("Package"), false, s_iMaxIdWidth, "package"},
+                          {QStringLiteral("Emitter"), false, 0, "emitter"}},
                          rows);
     rows.clear();
     for (const auto& group : a_settings.groups()) {
-        rows.append({QString::number(group->id), orDash(group->name), numberList(group->groups),
-                     numberList(group->emissions)});
+        rows.append(
+            {countValue(group->id), group->name, numberList(group->groups), numberList(group->emissions)});
     }
-    a_report.titledTable(QStringLiteral("Emission groups"),
-                         {{QStringLiteral("Group"), true},
-                          {QStringLiteral("Name"), false, s_iMaxIdWidth},
-                          {QStringLiteral("Groups")},
-                          {QStringLiteral("Emissions")}},
+    a_report.titledTable("emission_groups", QStringLiteral("Emission groups"),
+                         {{QStringLiteral("Group"), true, 0, "id"},
+                          {QStringLiteral("Name"), false, s_iMaxIdWidth, "name"},
+                          {QStringLiteral("Groups"), false, 0, "groups"},
+                          {QStringLiteral("Emissions"), false, 0, "emissions"}},
                          rows);
 }
 
@@ -141,69 +176,83 @@ void describeTransmitter(Report& a_report, const Simulation::TransmitterSettings
         return;
     }
     const auto number = [](float a_fValue) { return QString::number(static_cast<double>(a_fValue)); };
-    a_report.field(QStringLiteral("Transmitter"),
-                   QStringLiteral("power %1").arg(number(a_pSettings->getPower())));
+    a_report.field("power", QStringLiteral("Transmitter"),
+                   {QStringLiteral("power %1").arg(number(a_pSettings->getPower())),
+                    jsonNumber(a_pSettings->getPower())});
+    const QJsonObject antenna{
+        {QStringLiteral("gain"), jsonNumber(a_pSettings->getAntennaGain())},
+        {QStringLiteral("height_over_ground"), jsonNumber(a_pSettings->getAntennaHeight())},
+        {QStringLiteral("direction_degrees"), jsonNumber(a_pSettings->getAntennaDirection())},
+        {QStringLiteral("type"), jsonText(a_pSettings->getAntennaType())}};
     // Type last: it is the one text that can hold anything.
-    a_report.field(QStringLiteral("Antenna"),
-                   QStringLiteral("gain %1, height over ground %2, direction %3 degrees, type ")
-                           .arg(number(a_pSettings->getAntennaGain()),
-                                number(a_pSettings->getAntennaHeight()),
-                                number(a_pSettings->getAntennaDirection())) +
-                       orDash(a_pSettings->getAntennaType()));
+    a_report.field(
+        "antenna", QStringLiteral("Antenna"),
+        {QStringLiteral("gain %1, height over ground %2, direction %3 degrees, type ")
+                 .arg(number(a_pSettings->getAntennaGain()), number(a_pSettings->getAntennaHeight()),
+                      number(a_pSettings->getAntennaDirection())) +
+             orDash(a_pSettings->getAntennaType()),
+         antenna});
 }
 
 /// What an emitter and a network have in common, from name to activity.
 void describeIdentity(Report& a_report, const Simulation::ScenarioObject& a_object)
 {
-    a_report.field(QStringLiteral("Name"), a_object.name());
-    a_report.field(QStringLiteral("Description"), a_object.description());
-    a_report.field(QStringLiteral("Active"), yesNo(a_object.isActive()));
+    a_report.value("id", a_object.id());
+    a_report.field("name", QStringLiteral("Name"), a_object.name());
+    a_report.field("description", QStringLiteral("Description"), a_object.description());
+    a_report.field("active", QStringLiteral("Active"), flagValue(a_object.isActive()));
 }
 
 void describeFrequency(Report& a_report, const Simulation::ScenarioObject& a_object)
 {
-    a_report.field(QStringLiteral("Frequency"), frequencySummary(a_object.frequencySettings()));
+    a_report.field("frequency", QStringLiteral("Frequency"), frequencySummary(a_object.frequencySettings()));
     describeSteps(a_report, a_object.frequencySettings());
 }
 
 } // namespace
 
-QString frequencySummary(Simulation::IFrequencySettings* a_pSettings)
+ReportValue frequencySummary(Simulation::IFrequencySettings* a_pSettings)
 {
     if (a_pSettings == nullptr) {
-        return orDash({});
+        return QString();
     }
     if (const auto* pChirp = dynamic_cast<const Simulation::FrequencySettings_Chirp*>(a_pSettings)) {
-        return QStringLiteral("chirp, %1 to %2 in %3 ms, offset %4")
-            .arg(frequencyText(pChirp->getStartFrequency()), frequencyText(pChirp->getStopFrequency()),
-                 QString::number(pChirp->getDuration()), offsetText(pChirp->getTimeslotOffset()));
+        return chirpValue(*pChirp);
     }
     if (const auto* pFast = dynamic_cast<const Simulation::FrequencySettings_FastHopper*>(a_pSettings)) {
-        return QStringLiteral("fast hopper, %1 to %2, %3 channels, %4 hops/s, set %5, offset %6")
-            .arg(frequencyText(pFast->getMinimumFrequency()), frequencyText(pFast->getMaximumFrequency()),
-                 QString::number(pFast->getHoppCount()), QString::number(pFast->getHoppRate()),
-                 QString::number(pFast->getHoppSet()), offsetText(pFast->getTimeslotOffset()));
+        return fastHopperValue(*pFast);
     }
     if (const auto* pSlow = dynamic_cast<const Simulation::FrequencySettings_SlowHopper*>(a_pSettings)) {
-        return QStringLiteral("slow hopper, %1 steps, %2")
-            .arg(QString::number(pSlow->rows()), endBehaviourText(pSlow->getEndBehavior()));
+        return {QStringLiteral("slow hopper, %1 steps, %2")
+                    .arg(QString::number(pSlow->rows()), endBehaviourText(pSlow->getEndBehavior())),
+                QJsonObject{{QStringLiteral("kind"), QStringLiteral("slow hopper")},
+                            {QStringLiteral("at_end"), endBehaviourName(pSlow->getEndBehavior())}}};
     }
-    return QStringLiteral("fixed, ") + frequencyText(a_pSettings->getCenterFrequency());
+    const double dFrequency = a_pSettings->getCenterFrequency();
+    return {QStringLiteral("fixed, ") + frequencyText(dFrequency),
+            QJsonObject{{QStringLiteral("kind"), QStringLiteral("fixed")},
+                        {QStringLiteral("frequency_hz"), jsonNumber(dFrequency)}}};
 }
 
-QString positionSummary(Simulation::IPositionSettings* a_pSettings)
+ReportValue positionSummary(Simulation::IPositionSettings* a_pSettings)
 {
     if (const auto* pPath = dynamic_cast<const Simulation::PositionSettingsPtp*>(a_pSettings)) {
-        return QStringLiteral("moves over %1 points, %2")
-            .arg(QString::number(pPath->getMovments().size()), endBehaviourText(pPath->getEndBehavior()));
+        return {
+            QStringLiteral("moves over %1 points, %2")
+                .arg(QString::number(pPath->getMovments().size()), endBehaviourText(pPath->getEndBehavior())),
+            QJsonObject{{QStringLiteral("kind"), QStringLiteral("movement")},
+                        {QStringLiteral("point_count"), pPath->getMovments().size()},
+                        {QStringLiteral("at_end"), endBehaviourName(pPath->getEndBehavior())}}};
     }
-    return a_pSettings != nullptr ? positionText(a_pSettings->getPosition()) : orDash({});
+    return a_pSettings != nullptr ? positionValue(a_pSettings->getPosition()) : ReportValue(QString());
 }
 
-QString positionSummary(const Simulation::SzenarioEmitter& a_emitter)
+ReportValue positionSummary(const Simulation::SzenarioEmitter& a_emitter)
 {
     if (const auto target = a_emitter.linkTargetEmitter()) {
-        return QStringLiteral("follows ") + orDash(target->id());
+        return {QStringLiteral("follows ") + orDash(target->id()),
+                QJsonObject{{QStringLiteral("kind"), QStringLiteral("follows")},
+                            {QStringLiteral("emitter"), target->id()}}};
     }
     return positionSummary(a_emitter.positionSettings());
 }
@@ -213,23 +262,28 @@ void describeEmitter(Report& a_report, const Simulation::SzenarioEmitter& a_emit
     const auto* pElint = dynamic_cast<const Simulation::ElintScenarioEmitter*>(&a_emitter);
     const std::shared_ptr<Simulation::ScenarioNetwork> network = a_emitter.network();
 
-    a_report.heading((pElint != nullptr ? QStringLiteral("ELINT emitter ") : QStringLiteral("Emitter ")) +
-                     orDash(a_emitter.id()));
+    a_report.itemHeading((pElint != nullptr ? QStringLiteral("ELINT emitter ") : QStringLiteral("Emitter ")) +
+                             orDash(a_emitter.id()),
+                         "emitters");
+    a_report.value("elint", pElint != nullptr);
+    a_report.value("default", a_bDefault);
     describeIdentity(a_report, a_emitter);
     if (a_bDefault) {
-        a_report.field(QStringLiteral("Default"), QStringLiteral("the scenario's default emitter"));
+        a_report.field(nullptr, QStringLiteral("Default"), QStringLiteral("the scenario's default emitter"));
     }
-    a_report.field(QStringLiteral("Class"), a_emitter.getClass());
+    a_report.field("class", QStringLiteral("Class"), a_emitter.getClass());
     if (network) {
         const bool bHead = network->headEmitter().get() == &a_emitter;
+        a_report.value("network_head", bHead);
         a_report.field(
-            QStringLiteral("Network"),
-            network->id() + (bHead ? QStringLiteral(", its head") : QString()) +
-                QStringLiteral("; the network's frequency and schedule hold, not the own ones below"));
+            "network", QStringLiteral("Network"),
+            {network->id() + (bHead ? QStringLiteral(", its head") : QString()) +
+                 QStringLiteral("; the network's frequency and schedule hold, not the own ones below"),
+             network->id()});
     }
     describeTransmitter(a_report, a_emitter.getTranmitterSettings());
     describeFrequency(a_report, a_emitter);
-    a_report.field(QStringLiteral("Position"), positionSummary(a_emitter));
+    a_report.field("position", QStringLiteral("Position"), positionSummary(a_emitter));
     if (!a_emitter.isLinked()) {
         if (const auto* pPath =
                 dynamic_cast<Simulation::PositionSettingsPtp*>(a_emitter.positionSettings())) {
@@ -240,23 +294,23 @@ void describeEmitter(Report& a_report, const Simulation::SzenarioEmitter& a_emit
         QList<std::shared_ptr<Simulation::SzenarioEmitter>> sorted(linked.cbegin(), linked.cend());
         std::sort(sorted.begin(), sorted.end(),
                   [](const auto& a_first, const auto& a_second) { return a_first->id() < a_second->id(); });
-        a_report.field(QStringLiteral("Followed by"), idList(sorted));
+        a_report.field("followed_by", QStringLiteral("Followed by"), idList(sorted));
     }
     if (pElint != nullptr) {
-        a_report.field(QStringLiteral("EDW file"), pElint->getEDWFile());
+        a_report.field("edw_file", QStringLiteral("EDW file"), pElint->getEDWFile());
     }
     describeSchedule(a_report, *a_emitter.ScenarioObject::emissionSettings());
 }
 
 void describeNetwork(Report& a_report, const Simulation::ScenarioNetwork& a_network)
 {
-    a_report.heading(QStringLiteral("Network ") + orDash(a_network.id()));
+    a_report.itemHeading(QStringLiteral("Network ") + orDash(a_network.id()), "networks");
     describeIdentity(a_report, a_network);
-    a_report.field(QStringLiteral("Type"), Simulation::stringForNetworkType(a_network.networkType()));
-    a_report.field(QStringLiteral("Colour"), a_network.color().name());
+    a_report.field("type", QStringLiteral("Type"), Simulation::stringForNetworkType(a_network.networkType()));
+    a_report.field("color", QStringLiteral("Colour"), a_network.color().name());
     const auto head = a_network.headEmitter();
-    a_report.field(QStringLiteral("Head"), head ? head->id() : QString());
-    a_report.field(QStringLiteral("Members"), idList(a_network.emitterList()));
+    a_report.field("head", QStringLiteral("Head"), head ? head->id() : QString());
+    a_report.field("members", QStringLiteral("Members"), idList(a_network.emitterList()));
     describeFrequency(a_report, a_network);
     describeSchedule(a_report, *a_network.emissionSettings());
 }

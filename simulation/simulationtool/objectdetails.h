@@ -1,7 +1,7 @@
 #ifndef SIMULATIONTOOL_OBJECTDETAILS_H
 #define SIMULATIONTOOL_OBJECTDETAILS_H
 
-#include <QString>
+#include "reportvalue.h"
 
 namespace Simulation {
 class IFrequencySettings;
@@ -14,12 +14,13 @@ namespace SimulationTool {
 
 class Report;
 
-/// A frequency behaviour in one line, "-" for null.
-[[nodiscard]] QString frequencySummary(Simulation::IFrequencySettings* a_pSettings);
-/// A position in one line, "-" for null.
-[[nodiscard]] QString positionSummary(Simulation::IPositionSettings* a_pSettings);
+/// A frequency behaviour in one line, or as an object with its "kind"; no text
+/// and null without one.
+[[nodiscard]] ReportValue frequencySummary(Simulation::IFrequencySettings* a_pSettings);
+/// The same for a position (degrees).
+[[nodiscard]] ReportValue positionSummary(Simulation::IPositionSettings* a_pSettings);
 /// The same for an emitter; a linked one names whom it follows.
-[[nodiscard]] QString positionSummary(const Simulation::SzenarioEmitter& a_emitter);
+[[nodiscard]] ReportValue positionSummary(const Simulation::SzenarioEmitter& a_emitter);
 
 /// One object with all its settings and relations, under a heading of its own.
 void describeEmitter(Report& a_report, const Simulation::SzenarioEmitter& a_emitter, bool a_bDefault);

@@ -1,13 +1,11 @@
 #include "packagelist.h"
 
-#include "datafiledetails.h"
 #include "packagedetails.h"
+#include "packageverdict.h"
 
-#include "simulationdata/signalpackage.h"
 #include "simulationdata/signalpackagefolder.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QHash>
 
 #include <algorithm>
@@ -19,7 +17,8 @@ namespace {
 
 ListedPackage readPackage(const QString& a_sFolder, const QString& a_sRelative)
 {
-    const Simulation::SignalPackage package = Simulation::SignalPackageFolder::signalPackage(a_sFolder);
+    const PackageVerdict verdict = packageVerdict(a_sFolder);
+    const Simulation::SignalPackage& package = verdict.package;
     ListedPackage listed{a_sRelative,
                          package.id(),
                          package.cleanId(),
@@ -28,23 +27,9 @@ ListedPackage readPackage(const QString& a_sFolder, const QString& a_sRelative)
                          package.signalBandwidth(),
                          package.duration(),
                          {},
-                         {}};
-    if (listed.id.isEmpty()) {
-        listed.problems.append(QStringLiteral("no id"));
-    }
-    for (const PackageDataFile& file : s_packageDataFiles) {
-        const QString sFile = file.path(a_sFolder);
-        if (!QFileInfo::exists(sFile)) {
-            continue;
-        }
-        listed.files.append(QLatin1String(file.kind));
-        if (const Verdict verdict = file.summary(sFile).verdict; verdict.code != ExitCode::Ok) {
-            listed.problems.append(QStringLiteral("%1 %2").arg(QLatin1String(file.name), verdict.text));
-        }
-    }
-    // Spectra repeat over the duration: without one there is none for any time.
-    if (!listed.id.isEmpty() && listed.duration == 0 && listed.files.contains(QStringLiteral("ssf"))) {
-        listed.problems.append(QStringLiteral("no duration"));
+                         verdict.problems};
+    for (const PackageFileVerdict& file : verdict.files) {
+        listed.files.append(QLatin1String(file.file->kind));
     }
     return listed;
 }

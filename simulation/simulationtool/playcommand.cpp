@@ -1,5 +1,6 @@
 #include "playcommand.h"
 
+#include "inputfile.h"
 #include "interruption.h"
 #include "output.h"
 #include "outputfile.h"
@@ -9,6 +10,7 @@
 #include "verdict.h"
 
 #include "simulationdata/scenariodataxml.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/szenarioemitter.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 
@@ -65,12 +67,12 @@ std::unique_ptr<Sink> makeSink(const PlayOptions& a_options, Output& a_output, s
 /// Plays with packages from the provider, which is the same as `a_pPackages` if
 /// there is a repository.
 ExitCode playWith(Simulation::ISignalPackageProvider& a_provider, RepositoryPackages* a_pPackages,
-                  const PlayOptions& a_options, Output& a_output)
+                  const InputFile& a_file, const PlayOptions& a_options, Output& a_output)
 {
     Simulation::ScenarioDataXml scenario(&a_provider);
-    const ExitCode eLoaded = loadScenario(scenario, a_options.scenario);
-    if (eLoaded == ExitCode::Unusable) {
-        return eLoaded;
+    const std::optional<Verdict> loaded = loadScenario(scenario, a_file);
+    if (!loaded) {
+        return ExitCode::Unusable;
     }
     const std::uint32_t uiTo = windowEnd(a_options, scenario.getDuration());
     if (uiTo <= a_options.from) {
@@ -83,28 +85,32 @@ ExitCode playWith(Simulation::ISignalPackageProvider& a_provider, RepositoryPack
     const std::unique_ptr<Sink> sink = makeSink(a_options, a_output, uiTo, emitters);
     const bool bPlayed = playInto(*sink, a_options, uiTo, emitters, a_pPackages);
     // An interrupted play is nobody's fault: nothing is said.
-    return !isInterrupted() && sink->end(bPlayed) ? eLoaded : ExitCode::Unusable;
+    return !isInterrupted() && sink->end(bPlayed) ? loaded->code : ExitCode::Unusable;
 }
 
 } // namespace
 
 ExitCode runPlay(const PlayOptions& a_options, Output& a_output)
 {
-    if (isSameFile(a_options.csvFile, a_options.scenario)) {
+    InputFile file(a_options.scenario);
+    if (file.isSameAs(a_options.csvFile)) {
         complain(
             QStringLiteral("play: %1 is the scenario itself: give another --csv").arg(a_options.csvFile));
         return ExitCode::Unusable;
     }
+    if (!file.prepare(Simulation::Limits::value(Simulation::Limits::DocumentBytes))) {
+        return ExitCode::Unusable;
+    }
     if (a_options.repository.isEmpty()) {
         Simulation::UnresolvedSignalPackageProvider unresolved;
-        return playWith(unresolved, nullptr, a_options, a_output);
+        return playWith(unresolved, nullptr, file, a_options, a_output);
     }
     catchInterruptions(); // the cache may be a temporary one
     RepositoryPackages packages;
     if (!packages.open(a_options.repository, a_options.cache)) {
         return ExitCode::Unusable;
     }
-    const ExitCode eCode = playWith(packages, &packages, a_options, a_output);
+    const ExitCode eCode = playWith(packages, &packages, file, a_options, a_output);
     return worse(eCode, packages.finish());
 }
 

@@ -1,5 +1,6 @@
 #include "pulsefiledetails.h"
 
+#include "inputfile.h"
 #include "report.h"
 #include "valuetexts.h"
 
@@ -122,14 +123,15 @@ Walk walkBlocks(PDWFile& a_file, std::uint64_t a_uiBytes)
 Verdict describeBlocks(Report& a_report, PDWFile& a_file, std::uint64_t a_uiBytes)
 {
     const Walk walk = walkBlocks(a_file, a_uiBytes);
-    a_report.field(QStringLiteral("Blocks"), QString::number(walk.blocks));
-    a_report.field(QStringLiteral("Records"), QString::number(walk.records));
+    a_report.field("blocks", QStringLiteral("Blocks"), countValue(walk.blocks));
+    a_report.field("records", QStringLiteral("Records"), countValue(walk.records));
     if (walk.faultCount > 0) {
         QStringList faults = walk.faults;
         if (walk.faultCount > s_uiShownFaults) {
             faults.append(QStringLiteral("and %1 more").arg(walk.faultCount - s_uiShownFaults));
         }
-        a_report.field(QStringLiteral("Inconsistent"), faults.join(u'\n'));
+        a_report.field("inconsistent", QStringLiteral("Inconsistent"),
+                       {faults.join(u'\n'), QJsonArray::fromStringList(faults)});
     }
     Verdict verdict = sizeVerdict(static_cast<std::int64_t>(walk.missingBytes));
     if (walk.isLost) {
@@ -143,26 +145,28 @@ Verdict describeBlocks(Report& a_report, PDWFile& a_file, std::uint64_t a_uiByte
 
 } // namespace
 
-Verdict describePulseFile(Report& a_report, const QString& a_sFile)
+Verdict describePulseFile(Report& a_report, const InputFile& a_file)
 {
     a_report.heading(QStringLiteral("Pulse descriptor words"));
-    a_report.field(QStringLiteral("File"), a_sFile);
-    const auto uiBytes = static_cast<std::uint64_t>(QFileInfo(a_sFile).size());
-    a_report.field(QStringLiteral("Size"), counted(uiBytes, "byte"));
+    a_report.value("kind", QStringLiteral("pulse descriptor words"));
+    a_report.field("file", QStringLiteral("File"), a_file.name());
+    const auto uiBytes = static_cast<std::uint64_t>(QFileInfo(a_file.path()).size());
+    a_report.field("size_bytes", QStringLiteral("Size"), countValue(uiBytes, "byte"));
     CPackedPDW first;
     {
-        PDWFile file(a_sFile, false, false);
+        PDWFile file(a_file.path(), false, false);
         if (!file.is_open()) {
             return refusedVerdict(QStringLiteral("cannot be opened"));
         }
         static_cast<void>(file.getPDW(&first));
     }
     if (wordOf(first, s_uiMagicWord) == PDWFile::s_uiBlockMagic) {
-        PDWFile file(a_sFile, false, true);
+        PDWFile file(a_file.path(), false, true);
         return describeBlocks(a_report, file, uiBytes);
     }
-    a_report.field(QStringLiteral("Blocks"), QStringLiteral("none: a file without headers"));
-    a_report.field(QStringLiteral("Records"), QString::number(uiBytes / PDWFile::s_uiRecordBytes));
+    a_report.field("blocks", QStringLiteral("Blocks"),
+                   {QStringLiteral("none: a file without headers"), QJsonValue(0)});
+    a_report.field("records", QStringLiteral("Records"), countValue(uiBytes / PDWFile::s_uiRecordBytes));
     const std::uint64_t uiRest = uiBytes % PDWFile::s_uiRecordBytes;
     return sizeVerdict(uiRest == 0 ? 0 : static_cast<std::int64_t>(PDWFile::s_uiRecordBytes - uiRest));
 }

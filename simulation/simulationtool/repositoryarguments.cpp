@@ -2,6 +2,7 @@
 
 #include "commandparser.h"
 #include "output.h"
+#include "report.h"
 #include "repositorycommand.h"
 
 #include <algorithm>
@@ -57,7 +58,7 @@ struct Action
     const char* name;
     const char* description;
     const char* examples;
-    ExitCode (*run)(const QString& a_sFolder, Output& a_output);
+    ExitCode (*run)(const QString& a_sFolder, ReportForm a_eForm, Output& a_output);
 };
 
 constexpr std::array<Action, 2> s_actions{{
@@ -67,9 +68,10 @@ constexpr std::array<Action, 2> s_actions{{
 
 ExitCode runAction(const Action& a_action, const QStringList& a_arguments, Output& a_output)
 {
-    CommandParser parser(QStringLiteral("repository ") + QLatin1String(a_action.name), QStringLiteral("DIR"),
-                         a_action.description, a_action.examples);
+    CommandParser parser(QStringLiteral("repository ") + QLatin1String(a_action.name),
+                         QStringLiteral("DIR [--json]"), a_action.description, a_action.examples);
     parser.get().addPositionalArgument(QStringLiteral("DIR"), QStringLiteral("The folder."));
+    addJsonOption(parser.get());
     if (const auto done = parser.parse(a_arguments, a_output)) {
         return *done;
     }
@@ -77,7 +79,7 @@ ExitCode runAction(const Action& a_action, const QStringList& a_arguments, Outpu
     if (folders.size() != 1 || folders.constFirst().isEmpty()) {
         return parser.refuse(QStringLiteral("one DIR is needed, %1 given").arg(folders.size()));
     }
-    return a_action.run(folders.constFirst(), a_output);
+    return a_action.run(folders.constFirst(), reportForm(parser.get()), a_output);
 }
 
 } // namespace

@@ -47,7 +47,7 @@ QString initProblem(const QString& a_sFolder)
 
 } // namespace
 
-ExitCode runRepositoryInit(const QString& a_sFolder, Output& a_output)
+ExitCode runRepositoryInit(const QString& a_sFolder, ReportForm a_eForm, Output& a_output)
 {
     const bool bMade = !QFileInfo::exists(a_sFolder);
     if (bMade && !QDir().mkpath(a_sFolder)) {
@@ -70,19 +70,22 @@ ExitCode runRepositoryInit(const QString& a_sFolder, Output& a_output)
         !QFileInfo::exists(sScenario)) {
         return refuse(a_sFolder, QStringLiteral("the default data could not be written (--trace says why)"));
     }
-    Report report(a_output);
+    const auto iPackages = Simulation::SignalPackageFolder::list(sStore).size();
+    Report report(a_output, a_eForm);
+    report.value("made", bMade);
     report.heading(bMade ? QStringLiteral("Repository made") : QStringLiteral("Repository prepared"));
-    report.field(QStringLiteral("Folder"), folder.path());
-    report.field(QStringLiteral("Packages"),
-                 QStringLiteral("%1 in %2")
-                     .arg(QString::number(Simulation::SignalPackageFolder::list(sStore).size()), sStore));
-    report.field(QStringLiteral("Scenario"), sScenario);
-    report.field(QStringLiteral("Files"), folder.filePath(QStringLiteral("Files")));
-    report.field(QStringLiteral("Icons"), folder.filePath(QStringLiteral("Icons")));
+    report.field("folder", QStringLiteral("Folder"), folder.path());
+    report.value("package_folder", sStore);
+    report.field("package_count", QStringLiteral("Packages"),
+                 {QStringLiteral("%1 in %2").arg(QString::number(iPackages), sStore), iPackages});
+    report.field("scenario", QStringLiteral("Scenario"), sScenario);
+    report.field("files", QStringLiteral("Files"), folder.filePath(QStringLiteral("Files")));
+    report.field("icons", QStringLiteral("Icons"), folder.filePath(QStringLiteral("Icons")));
+    report.finish();
     return ExitCode::Ok;
 }
 
-ExitCode runRepositoryList(const QString& a_sFolder, Output& a_output)
+ExitCode runRepositoryList(const QString& a_sFolder, ReportForm a_eForm, Output& a_output)
 {
     if (const QString sProblem = folderProblem(a_sFolder); !sProblem.isEmpty()) {
         return refuse(a_sFolder, sProblem);
@@ -91,26 +94,35 @@ ExitCode runRepositoryList(const QString& a_sFolder, Output& a_output)
         return refuse(a_sFolder, QStringLiteral("is a signal package itself (inspect shows it)"));
     }
     const QList<ListedPackage> packages = listPackages(packageStoreOf(a_sFolder));
-    QList<QStringList> rows;
+    QList<ReportRow> rows;
     qsizetype iFaulty = 0;
     for (const ListedPackage& package : packages) {
         iFaulty += package.problems.isEmpty() ? 0 : 1;
-        rows.append({orDash(package.id), orDash(package.name), package.modulation,
-                     shortNumber(package.bandwidth), QString::number(package.duration),
-                     orDash(package.files.join(u' ')), orDash(package.problems.join(QStringLiteral("; ")))});
+        rows.append(
+            {package.id,
+             package.name,
+             package.modulation,
+             numberValue(package.bandwidth),
+             countValue(package.duration),
+             {package.files.join(u' '), QJsonArray::fromStringList(package.files)},
+             {package.problems.join(QStringLiteral("; ")), QJsonArray::fromStringList(package.problems)}});
     }
-    Report report(a_output);
-    report.plainTable({{QStringLiteral("ID"), false, s_iMaxIdWidth},
-                       {QStringLiteral("Name"), false, s_iMaxNameWidth},
-                       {QStringLiteral("Modulation"), false, s_iMaxModulationWidth},
-                       {QStringLiteral("Bandwidth"), true},
-                       {QStringLiteral("Duration"), true},
-                       {QStringLiteral("Files")},
-                       {QStringLiteral("Problems")}},
+    Report report(a_output, a_eForm);
+    report.plainTable("packages",
+                      {{QStringLiteral("ID"), false, s_iMaxIdWidth, "id"},
+                       {QStringLiteral("Name"), false, s_iMaxNameWidth, "name"},
+                       {QStringLiteral("Modulation"), false, s_iMaxModulationWidth, "modulation"},
+                       {QStringLiteral("Bandwidth"), true, 0, "bandwidth"},
+                       {QStringLiteral("Duration"), true, 0, "duration"},
+                       {QStringLiteral("Files"), false, 0, "files"},
+                       {QStringLiteral("Problems"), false, 0, "problems"}},
                       rows);
-    a_output.write(
-        QStringLiteral("%1, %2 with problems\n")
+    report.value("package_count", packages.size());
+    report.value("faulty_count", iFaulty);
+    report.line(
+        QStringLiteral("%1, %2 with problems")
             .arg(counted(static_cast<quint64>(packages.size()), "package"), QString::number(iFaulty)));
+    report.finish();
     return iFaulty == 0 ? ExitCode::Ok : ExitCode::Findings;
 }
 

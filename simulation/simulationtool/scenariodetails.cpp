@@ -1,9 +1,10 @@
 #include "scenariodetails.h"
 
+#include "inputfile.h"
+#include "jsonreport.h"
 #include "objectdetails.h"
 #include "report.h"
 #include "scenariofile.h"
-#include "valuetexts.h"
 
 #include "simulationdata/duration.h"
 #include "simulationdata/emissionsettings.h"
@@ -25,18 +26,21 @@ using Networks = QList<std::shared_ptr<Simulation::ScenarioNetwork>>;
 void describeHeader(Report& a_report, const Simulation::ScenarioDataXml& a_scenario)
 {
     a_report.heading(QStringLiteral("Scenario"));
-    a_report.field(QStringLiteral("Name"), a_scenario.getName());
-    a_report.field(QStringLiteral("Author"), a_scenario.getAuthor());
-    a_report.field(QStringLiteral("Description"), a_scenario.getDescription());
-    a_report.field(QStringLiteral("Uid"), a_scenario.getPersistantId());
+    a_report.value("kind", QStringLiteral("scenario"));
+    a_report.field("name", QStringLiteral("Name"), a_scenario.getName());
+    a_report.field("author", QStringLiteral("Author"), a_scenario.getAuthor());
+    a_report.field("description", QStringLiteral("Description"), a_scenario.getDescription());
+    a_report.field("uid", QStringLiteral("Uid"), a_scenario.getPersistantId());
     const std::uint32_t uiDuration = a_scenario.getDuration();
-    a_report.field(QStringLiteral("Duration"),
-                   uiDuration != 0
-                       ? QStringLiteral("%1 ms (%2)")
-                             .arg(QString::number(uiDuration), Units::Duration::toString(uiDuration))
-                       : QStringLiteral("not given"));
+    a_report.field("duration_ms", QStringLiteral("Duration"),
+                   uiDuration != 0 ? ReportValue(QStringLiteral("%1 ms (%2)")
+                                                     .arg(QString::number(uiDuration),
+                                                          Units::Duration::toString(uiDuration)),
+                                                 jsonCount(uiDuration))
+                                   : ReportValue(QStringLiteral("not given"), QJsonValue()));
+    a_report.value("older_file_version", a_scenario.isOlderFileVersion());
     if (a_scenario.isOlderFileVersion()) {
-        a_report.field(QStringLiteral("File version"),
+        a_report.field(nullptr, QStringLiteral("File version"),
                        QStringLiteral("older than %1, the current one")
                            .arg(Simulation::ScenarioDataXml::s_uiFileFormatVersion));
     }
@@ -44,30 +48,35 @@ void describeHeader(Report& a_report, const Simulation::ScenarioDataXml& a_scena
 
 void describeNoise(Report& a_report, const Simulation::ScenarioNoiseSettings& a_noise)
 {
+    const QList<TextColumn> columns{
+        {QStringLiteral("Density"), true, 0, "density"},
+        {QStringLiteral("Deviation"), true, 0, "deviation"},
+        {QStringLiteral("By frequency: density"), true, 0, "frequency_dependent_density"},
+        {QStringLiteral("granularity"), true, 0, "frequency_dependent_granularity"},
+        {QStringLiteral("variability"), true, 0, "frequency_dependent_variability"}};
+    const ReportRow row{numberValue(a_noise.noiseDensity()), numberValue(a_noise.noiseDeviation()),
+                        numberValue(a_noise.frequencyDependentNoiseDensity()),
+                        numberValue(a_noise.frequencyDependentNoiseGranularity()),
+                        numberValue(a_noise.frequencyDependentNoiseVariability())};
     a_report.heading(QStringLiteral("Noise"));
-    a_report.table({{QStringLiteral("Density"), true},
-                    {QStringLiteral("Deviation"), true},
-                    {QStringLiteral("By frequency: density"), true},
-                    {QStringLiteral("granularity"), true},
-                    {QStringLiteral("variability"), true}},
-                   {{plainNumber(a_noise.noiseDensity()), plainNumber(a_noise.noiseDeviation()),
-                     plainNumber(a_noise.frequencyDependentNoiseDensity()),
-                     plainNumber(a_noise.frequencyDependentNoiseGranularity()),
-                     plainNumber(a_noise.frequencyDependentNoiseVariability())}});
+    a_report.value("noise", rowObject(columns, row));
+    a_report.table(nullptr, columns, {row});
 }
 
 void listEmitters(Report& a_report, const Emitters& a_emitters)
 {
     a_report.heading(QStringLiteral("Emitters: %1").arg(a_emitters.size()));
-    QList<QStringList> rows;
+    a_report.list("emitters"); // one by one below
+    QList<ReportRow> rows;
     for (const std::shared_ptr<Simulation::SzenarioEmitter>& emitter : a_emitters) {
         const auto network = emitter->network();
-        rows.append({orDash(emitter->id()), orDash(emitter->name()), yesNo(emitter->isActive()),
-                     orDash(network ? network->id() : QString()),
-                     frequencySummary(emitter->getFrequencySettings()).section(u',', 0, 0),
+        rows.append({emitter->id(), emitter->name(), flagValue(emitter->isActive()),
+                     network ? network->id() : QString(),
+                     frequencySummary(emitter->getFrequencySettings()).text.section(u',', 0, 0),
                      positionSummary(*emitter)});
     }
-    a_report.table({{QStringLiteral("ID"), false, s_iMaxIdWidth},
+    a_report.table(nullptr,
+                   {{QStringLiteral("ID"), false, s_iMaxIdWidth},
                     {QStringLiteral("Name"), false, s_iMaxNameWidth},
                     {QStringLiteral("Active")},
                     {QStringLiteral("Network"), false, s_iMaxIdWidth},
@@ -79,16 +88,18 @@ void listEmitters(Report& a_report, const Emitters& a_emitters)
 void listNetworks(Report& a_report, const Networks& a_networks)
 {
     a_report.heading(QStringLiteral("Networks: %1").arg(a_networks.size()));
-    QList<QStringList> rows;
+    a_report.list("networks");
+    QList<ReportRow> rows;
     for (const std::shared_ptr<Simulation::ScenarioNetwork>& network : a_networks) {
         const auto head = network->headEmitter();
-        rows.append({orDash(network->id()), orDash(network->name()), yesNo(network->isActive()),
+        rows.append({network->id(), network->name(), flagValue(network->isActive()),
                      Simulation::stringForNetworkType(network->networkType()),
-                     QString::number(network->emitterList().size()),
-                     QString::number(network->emissionSettings()->emissions().size()),
-                     orDash(head ? head->id() : QString())});
+                     wholeValue(network->emitterList().size()),
+                     wholeValue(network->emissionSettings()->emissions().size()),
+                     head ? head->id() : QString()});
     }
-    a_report.table({{QStringLiteral("ID"), false, s_iMaxIdWidth},
+    a_report.table(nullptr,
+                   {{QStringLiteral("ID"), false, s_iMaxIdWidth},
                     {QStringLiteral("Name"), false, s_iMaxNameWidth},
                     {QStringLiteral("Active")},
                     {QStringLiteral("Type")},
@@ -100,13 +111,13 @@ void listNetworks(Report& a_report, const Networks& a_networks)
 
 } // namespace
 
-ExitCode describeScenario(Report& a_report, const QString& a_sFile)
+std::optional<Verdict> describeScenario(Report& a_report, const InputFile& a_file)
 {
     Simulation::UnresolvedSignalPackageProvider provider;
     Simulation::ScenarioDataXml scenario(&provider);
-    const ExitCode eLoaded = loadScenario(scenario, a_sFile);
-    if (eLoaded == ExitCode::Unusable) {
-        return eLoaded;
+    std::optional<Verdict> verdict = loadScenario(scenario, a_file);
+    if (!verdict) {
+        return verdict;
     }
     describeHeader(a_report, scenario);
     describeNoise(a_report, scenario.getNoiseSettings());
@@ -125,7 +136,7 @@ ExitCode describeScenario(Report& a_report, const QString& a_sFile)
             describeNetwork(a_report, *network);
         }
     }
-    return eLoaded;
+    return verdict;
 }
 
 } // namespace SimulationTool

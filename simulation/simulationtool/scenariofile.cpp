@@ -1,5 +1,6 @@
 #include "scenariofile.h"
 
+#include "inputfile.h"
 #include "output.h"
 #include "valuetexts.h"
 
@@ -56,15 +57,20 @@ bool mayBeCompact(const QByteArray& a_head)
 
 } // namespace
 
-ExitCode loadScenario(Simulation::ScenarioDataXml& a_scenario, const QString& a_sFile)
+std::optional<Verdict> loadScenario(Simulation::ScenarioDataXml& a_scenario, const InputFile& a_file)
 {
-    const bool bRead = a_scenario.fromXmlFile(a_sFile);
+    const bool bRead = a_scenario.fromXmlFile(a_file.path());
     const QString sReason = a_scenario.errorString();
-    if (bRead && sReason.isEmpty()) {
-        return ExitCode::Ok;
+    if (!sReason.isEmpty()) {
+        complain(QStringLiteral("%1: %2").arg(a_file.name(), sReason));
     }
-    complain(QStringLiteral("%1: %2").arg(a_sFile, sReason));
-    return bRead ? ExitCode::Findings : ExitCode::Unusable;
+    return bRead ? std::make_optional(documentVerdict(sReason)) : std::nullopt;
+}
+
+Verdict documentVerdict(const QString& a_sError)
+{
+    return a_sError.isEmpty() ? Verdict{}
+                              : Verdict{ExitCode::Findings, QStringLiteral("broke off: ") + a_sError};
 }
 
 std::optional<Verdict> loadCompact(Simulation::ScenarioDataBinary& a_scenario, const QString& a_sFile)

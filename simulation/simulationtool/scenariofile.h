@@ -1,7 +1,6 @@
 #ifndef SIMULATIONTOOL_SCENARIOFILE_H
 #define SIMULATIONTOOL_SCENARIOFILE_H
 
-#include "exitcode.h"
 #include "verdict.h"
 
 #include <QList>
@@ -19,11 +18,17 @@ class SzenarioEmitter;
 
 namespace SimulationTool {
 
+class InputFile;
+
 /// Reads a scenario. What is wrong with it goes to standard error as one line
-/// that names the file and, where there is one, line and column: Unusable when
-/// nothing could be read, Findings when the document broke off and what came
-/// before was kept.
-[[nodiscard]] ExitCode loadScenario(Simulation::ScenarioDataXml& a_scenario, const QString& a_sFile);
+/// that names the file and, where there is one, line and column: nothing when
+/// it cannot be read, Findings when the document broke off and what came before
+/// was kept.
+[[nodiscard]] std::optional<Verdict> loadScenario(Simulation::ScenarioDataXml& a_scenario,
+                                                  const InputFile& a_file);
+
+/// The verdict on a document that was read, by the error that its reader names.
+[[nodiscard]] Verdict documentVerdict(const QString& a_sError);
 
 /// Reads a scenario of the compact form, which has no mark of its own: nothing
 /// unless count and records fill the file, or the stream breaks off at the file's

@@ -1,5 +1,6 @@
 #include "shapelevels.h"
 
+#include "jsonreport.h"
 #include "report.h"
 #include "valuetexts.h"
 
@@ -49,31 +50,33 @@ void describeLevels(Report& a_report, Simulation::SignalShapeFile& a_reader)
     const std::uint64_t uiRecords = wholeRecords(a_reader);
     const std::uint32_t uiDuration = a_reader.duration();
     if (uiRecords == 0 || uiDuration == 0 || a_reader.recordCount() > s_uiMaxRecords) {
-        a_report.field(QStringLiteral("Levels"), {});
+        a_report.field(nullptr, QStringLiteral("Levels"), QString());
         return;
     }
     const auto uiRecordDuration = static_cast<std::uint32_t>(uiDuration / a_reader.recordCount());
     const std::uint64_t uiStep = (uiRecords + s_uiShownRecords - 1) / s_uiShownRecords;
     a_reader.setPackageDuration(uiDuration);
     Range range;
-    QList<QStringList> rows;
+    QList<ReportRow> rows;
     for (std::uint64_t uiRecord = 0; uiRecord < uiRecords; ++uiRecord) {
         const auto uiTime = static_cast<std::uint32_t>(uiRecord * uiRecordDuration);
         a_reader.readSpectrum(uiTime);
         range.add(a_reader.signalLevelInSpectrum());
         if (uiRecord % uiStep == 0) {
-            rows.append({QString::number(uiRecord), QString::number(uiTime),
-                         levelText(a_reader.signalLevelInSpectrum()),
-                         levelText(a_reader.maxLevelInSpectrum())});
+            rows.append({countValue(uiRecord), countValue(uiTime),
+                         levelValue(a_reader.signalLevelInSpectrum()),
+                         levelValue(a_reader.maxLevelInSpectrum())});
         }
     }
-    a_report.field(QStringLiteral("Levels"),
+    a_report.value("level_min", jsonNumber(range.minimum));
+    a_report.value("level_max", jsonNumber(range.maximum));
+    a_report.field(nullptr, QStringLiteral("Levels"),
                    QStringLiteral("%1 to %2").arg(levelText(range.minimum), levelText(range.maximum)));
-    a_report.titledTable(QStringLiteral("Records"),
-                         {{QStringLiteral("Record"), true},
-                          {QStringLiteral("Time (ms)"), true},
-                          {QStringLiteral("Level"), true},
-                          {QStringLiteral("Lower level"), true}},
+    a_report.titledTable("shown_records", QStringLiteral("Records"),
+                         {{QStringLiteral("Record"), true, 0, "record"},
+                          {QStringLiteral("Time (ms)"), true, 0, "time_ms"},
+                          {QStringLiteral("Level"), true, 0, "level"},
+                          {QStringLiteral("Lower level"), true, 0, "lower_level"}},
                          rows);
 }
 

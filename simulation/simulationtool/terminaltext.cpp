@@ -38,15 +38,25 @@ bool isHarmless(char32_t a_cCodePoint)
            eCategory != QChar::Separator_Paragraph;
 }
 
-/// The code units of the code point at an index; a lone surrogate is one.
-qsizetype unitsAt(QStringView a_sText, qsizetype a_iIndex)
+char32_t codePointOf(QStringView a_sUnits)
+{
+    return a_sUnits.size() == 2 ? QChar::surrogateToUcs4(a_sUnits[0], a_sUnits[1])
+                                : static_cast<char32_t>(a_sUnits[0].unicode());
+}
+
+} // namespace
+
+qsizetype codePointUnits(QStringView a_sText, qsizetype a_iIndex)
 {
     const bool bPair = a_sText[a_iIndex].isHighSurrogate() && a_iIndex + 1 < a_sText.size() &&
                        a_sText[a_iIndex + 1].isLowSurrogate();
     return bPair ? 2 : 1;
 }
 
-} // namespace
+bool isHarmlessText(QStringView a_sCodePoint)
+{
+    return isHarmless(codePointOf(a_sCodePoint));
+}
 
 QString terminalText(const QString& a_sText)
 {
@@ -56,13 +66,12 @@ QString terminalText(const QString& a_sText)
     QString sSafe;
     sSafe.reserve(a_sText.size());
     for (qsizetype i = 0; i < a_sText.size();) {
-        const qsizetype iUnits = unitsAt(a_sText, i);
-        const char32_t cCodePoint = iUnits == 2 ? QChar::surrogateToUcs4(a_sText.at(i), a_sText.at(i + 1))
-                                                : static_cast<char32_t>(a_sText.at(i).unicode());
-        if (isHarmless(cCodePoint)) {
-            sSafe.append(QStringView(a_sText).mid(i, iUnits));
+        const qsizetype iUnits = codePointUnits(a_sText, i);
+        const QStringView sPoint = QStringView(a_sText).mid(i, iUnits);
+        if (isHarmlessText(sPoint)) {
+            sSafe.append(sPoint);
         } else {
-            sSafe.append(spelledOut(cCodePoint));
+            sSafe.append(spelledOut(codePointOf(sPoint)));
         }
         i += iUnits;
     }
@@ -72,7 +81,7 @@ QString terminalText(const QString& a_sText)
 qsizetype terminalWidth(QStringView a_sText)
 {
     qsizetype iWidth = 0;
-    for (qsizetype i = 0; i < a_sText.size(); i += unitsAt(a_sText, i)) {
+    for (qsizetype i = 0; i < a_sText.size(); i += codePointUnits(a_sText, i)) {
         ++iWidth;
     }
     return iWidth;
@@ -82,7 +91,7 @@ QString shortened(const QString& a_sText, qsizetype a_iWidth)
 {
     qsizetype iWidth = 0;
     qsizetype iKept = 0;
-    for (qsizetype i = 0; i < a_sText.size(); i += unitsAt(a_sText, i)) {
+    for (qsizetype i = 0; i < a_sText.size(); i += codePointUnits(a_sText, i)) {
         if (iWidth == a_iWidth - 1) {
             iKept = i; // where the ellipsis would go
         }

@@ -11,6 +11,11 @@ namespace SimulationTool {
 /// "\u{1b}". A harmless text is returned as it is.
 [[nodiscard]] QString terminalText(const QString& a_sText);
 
+/// The code units of the code point at an index; a lone surrogate is one.
+[[nodiscard]] qsizetype codePointUnits(QStringView a_sText, qsizetype a_iIndex);
+/// Whether a terminal only shows this one code point.
+[[nodiscard]] bool isHarmlessText(QStringView a_sCodePoint);
+
 /// How many columns a text takes: one for each code point.
 [[nodiscard]] qsizetype terminalWidth(QStringView a_sText);
 

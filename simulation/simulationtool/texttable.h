@@ -14,6 +14,8 @@ struct TextColumn
     bool alignRight = false;
     /// Longer cells are cut; 0 = never, which suits the last column.
     qsizetype maxWidth = 0;
+    /// What programs call the column; null: it is for people only.
+    const char* key = nullptr;
 };
 
 /// Lays rows out in aligned columns for a terminal. Cells are made harmless

@@ -90,6 +90,19 @@ QString endBehaviourText(Simulation::EndBehaviourType a_eBehaviour)
     return QStringLiteral("then begins again");
 }
 
+QString endBehaviourName(Simulation::EndBehaviourType a_eBehaviour)
+{
+    switch (a_eBehaviour) {
+    case Simulation::EndBehaviourType::Stop:
+        return QStringLiteral("stop");
+    case Simulation::EndBehaviourType::Inactive:
+        return QStringLiteral("inactive");
+    case Simulation::EndBehaviourType::Restart:
+        break;
+    }
+    return QStringLiteral("restart");
+}
+
 QString counted(quint64 a_uiCount, const char* a_szNoun)
 {
     return QStringLiteral("%1 %2%3").arg(QString::number(a_uiCount), QLatin1String(a_szNoun),

@@ -26,6 +26,8 @@ namespace SimulationTool {
 /// "2000 ms", or "unlimited".
 [[nodiscard]] QString durationText(qint64 a_iMilliseconds);
 [[nodiscard]] QString endBehaviourText(Simulation::EndBehaviourType a_eBehaviour);
+/// The same for programs: "stop", "inactive" or "restart".
+[[nodiscard]] QString endBehaviourName(Simulation::EndBehaviourType a_eBehaviour);
 /// A count with its noun: "1 byte", "2 bytes".
 [[nodiscard]] QString counted(quint64 a_uiCount, const char* a_szNoun);
 /// The text, or "-" for an empty one.

@@ -198,7 +198,8 @@ void tst_RepositoryCommands::listProblems_data()
         return QByteArray(m_descriptor).replace(a_szFrom, a_szTo);
     };
     const QString sDescriptor = QStringLiteral("Signal.xml");
-    QTest::newRow("no id") << sDescriptor << QByteArray("<SignalPackage/>") << "0 0 ssf wav no id";
+    QTest::newRow("no id") << sDescriptor << QByteArray("<SignalPackage/>")
+                           << "0 0 ssf wav Signal.xml refused: names no id";
     QTest::newRow("id of another") << sDescriptor
                                    << descriptorWith(s_sRectId.toLatin1(),
                                                      "c0d40372-37c8-4ad4-9fb1-97bfc477769c")

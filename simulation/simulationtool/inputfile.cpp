@@ -1,0 +1,112 @@
+#include "inputfile.h"
+
+#include "interruption.h"
+#include "output.h"
+#include "outputfile.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryFile>
+#include <QXmlStreamReader>
+
+#include <unistd.h>
+
+namespace SimulationTool {
+
+namespace {
+
+constexpr qint64 s_iHeadBytes = 4096;
+constexpr qint64 s_iBlockBytes = 65'536;
+
+/// Copies what an open device holds. Why that failed; empty when it did not.
+QString copyProblem(QFile& a_from, QFile& a_to, std::uint64_t a_uiMaxBytes)
+{
+    std::uint64_t uiBytes = 0;
+    for (;;) {
+        const QByteArray block = a_from.read(s_iBlockBytes);
+        if (block.isEmpty() || isInterrupted()) {
+            break;
+        }
+        uiBytes += static_cast<std::uint64_t>(block.size());
+        if (uiBytes > a_uiMaxBytes) {
+            return QStringLiteral("holds more than %1 bytes, the limit: give a smaller input")
+                .arg(a_uiMaxBytes);
+        }
+        if (a_to.write(block) != block.size()) {
+            return a_to.errorString();
+        }
+    }
+    if (a_from.error() != QFileDevice::NoError) {
+        return a_from.errorString();
+    }
+    return a_to.flush() ? QString() : a_to.errorString();
+}
+
+} // namespace
+
+InputFile::InputFile(const QString& a_sArgument)
+    : m_sArgument(a_sArgument)
+    , m_sPath(isStandardInputName(a_sArgument) ? QString() : a_sArgument)
+{}
+
+InputFile::~InputFile() = default;
+
+bool InputFile::prepare(std::uint64_t a_uiMaxBytes)
+{
+    if (!isStandardInput() || m_copy != nullptr) {
+        return true;
+    }
+    m_copy = std::make_unique<QTemporaryFile>();
+    QFile input;
+    QString sProblem;
+    if (!input.open(STDIN_FILENO, QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        sProblem = input.errorString();
+    } else if (!m_copy->open()) {
+        sProblem = QStringLiteral("cannot be copied to a temporary file: ") + m_copy->errorString();
+    } else {
+        sProblem = copyProblem(input, *m_copy, a_uiMaxBytes);
+    }
+    // The file has no name that another process could open or a crash leave.
+    m_sPath = QStringLiteral("/proc/self/fd/%1").arg(m_copy->handle());
+    if (!sProblem.isEmpty()) {
+        complain(QStringLiteral("%1: %2").arg(name(), sProblem));
+    }
+    return sProblem.isEmpty() && !isInterrupted();
+}
+
+QString InputFile::name() const
+{
+    return isStandardInput() ? QStringLiteral("standard input") : m_sArgument;
+}
+
+bool InputFile::isStandardInput() const
+{
+    return isStandardInputName(m_sArgument);
+}
+
+bool InputFile::isSameAs(const QString& a_sFile) const
+{
+    return isSameFile(a_sFile, isStandardInput() ? QStringLiteral("/dev/stdin") : m_sArgument);
+}
+
+QByteArray InputFile::head() const
+{
+    QFile file(m_sPath);
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    return file.read(s_iHeadBytes);
+}
+
+bool isStandardInputName(const QString& a_sArgument)
+{
+    return a_sArgument == u"-";
+}
+
+bool hasDocumentRoot(const QByteArray& a_head, const char* a_szName)
+{
+    QXmlStreamReader reader(a_head);
+    return reader.readNextStartElement() && reader.name() == QLatin1String(a_szName);
+}
+
+} // namespace SimulationTool

@@ -1,0 +1,47 @@
+#ifndef SIMULATIONTOOL_REPORTVALUE_H
+#define SIMULATIONTOOL_REPORTVALUE_H
+
+#include <QJsonValue>
+#include <QList>
+#include <QString>
+
+namespace SimulationTool {
+
+/// One value of a report: what people read, and what programs read. Both are
+/// made in one place, so they cannot differ.
+struct ReportValue
+{
+    /// A text is what both read; an empty one is null for programs.
+    // NOLINTNEXTLINE(google-explicit-constructor): a text is a value as it is
+    ReportValue(const QString& a_sText);
+    ReportValue(const QString& a_sText, const QJsonValue& a_json);
+
+    QString text; ///< empty: a dash is shown
+    QJsonValue json;
+};
+
+using ReportRow = QList<ReportValue>;
+
+/// Values with their usual texts.
+[[nodiscard]] ReportValue countValue(quint64 a_uiCount);
+/// A count with its noun in the text: "2 bytes".
+[[nodiscard]] ReportValue countValue(quint64 a_uiCount, const char* a_szNoun);
+/// A whole number that may be negative.
+[[nodiscard]] ReportValue wholeValue(qint64 a_iNumber);
+/// The shortest text that reads back as the same number.
+[[nodiscard]] ReportValue numberValue(double a_dNumber);
+[[nodiscard]] ReportValue numberValue(float a_fNumber);
+/// Fixed decimals in the text, all digits for programs.
+[[nodiscard]] ReportValue numberValue(double a_dNumber, int a_iDecimals);
+/// "yes" and "no", true and false.
+[[nodiscard]] ReportValue flagValue(bool a_bFlag);
+/// A frequency: with a fitting unit in the text, in Hz for programs.
+[[nodiscard]] ReportValue frequencyValue(double a_dFrequency);
+/// A duration in ms: "2000 ms" in the text; null for programs when unlimited.
+[[nodiscard]] ReportValue durationValue(qint64 a_iMilliseconds);
+/// The level of a signal.
+[[nodiscard]] ReportValue levelValue(float a_fLevel);
+
+} // namespace SimulationTool
+
+#endif
