@@ -4,7 +4,6 @@
 #include <cmath>
 #include <limits>
 
-#include <QLocale>
 #include <QRegularExpression>
 
 namespace Units {
@@ -103,7 +102,7 @@ double Frequency::fromString(const QString& a_sText, double a_dReference)
     }
     const QString sNumber = match.captured(s_iNumberCapture).replace(u',', u'.');
     bool bOk = false;
-    const double dNumber = QLocale().toDouble(sNumber, &bOk);
+    const double dNumber = sNumber.toDouble(&bOk);
     return bOk ? multiplierOf(match.capturedView(s_iUnitCapture), a_dReference) * dNumber : 0.0;
 }
 

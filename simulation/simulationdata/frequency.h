@@ -36,9 +36,8 @@ public:
     /// mega. Without a unit letter the unit is the one in which toString would
     /// show `a_dReference` (Hz), and Hz when the reference is 0.
     ///
-    /// A decimal comma is read as a point, and the number then with the
-    /// application's default locale: where that has a decimal comma, fractions
-    /// are refused or taken for thousands.
+    /// The decimal mark is a point or a comma, whatever the application's default
+    /// locale: what toString writes reads back as the same frequency everywhere.
     [[nodiscard]] static double fromString(const QString& a_sText, double a_dReference);
 };
 

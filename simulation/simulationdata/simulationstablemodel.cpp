@@ -18,7 +18,7 @@ constexpr const char* s_szSource = "simulation/simulationdata/simulationstablemo
 QString positionText(const SimulationDeviceConfiguration& a_device)
 {
     return Units::Position::toString(a_device.positionLongitude(), a_device.positionLatitude(),
-                                     Units::Position::Decimal, QLocale());
+                                     Units::Position::Decimal, QLocale::c());
 }
 
 struct Column

@@ -84,6 +84,12 @@ double coordinateAt(const QString& a_sText, const CoordinatePlaces& a_places)
     return hemisphere == u"S" || hemisphere == u"W" ? -dMagnitude : dMagnitude;
 }
 
+/// A number with a decimal point, for one that has a decimal comma and no point.
+QString withDecimalPoint(QString a_sNumber)
+{
+    return a_sNumber.contains(u'.') ? a_sNumber : a_sNumber.replace(u',', u'.');
+}
+
 } // namespace
 
 void SimulationSystemConfiguration::loadConfiguation()
@@ -165,10 +171,11 @@ bool SimulationSystemConfiguration::coordsFromConfigurationString(const QString&
     const auto letters = matchWhole(QStringLiteral("(\\w)([\\d\\.,]+) (\\w)([\\d\\.,]+)"), a_sText);
     if (letters.hasMatch()) {
         // What fits has no degree signs, at whose places the position is read.
-        const QString sCompleted = letters.captured(1) + letters.captured(2) + u'\u00B0' + u' ' +
-                                   letters.captured(3) + letters.captured(4) + u'\u00B0';
+        const QString sCompleted = letters.captured(1) + withDecimalPoint(letters.captured(2)) + u'\u00B0' +
+                                   u' ' + letters.captured(3) + withDecimalPoint(letters.captured(4)) +
+                                   u'\u00B0';
         const Units::Position_t position =
-            Units::Position::fromString(sCompleted, Units::Position::Decimal, QLocale());
+            Units::Position::fromString(sCompleted, Units::Position::Decimal, QLocale::c());
         a_dLatitude = position.latitude;
         a_dLongitude = position.longitude;
         return true;

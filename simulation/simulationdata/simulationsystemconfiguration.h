@@ -60,7 +60,8 @@ public:
     /// - "Coord 48.1 11.5", decimal degrees, latitude first. The values are set,
     ///   but the result is false, on purpose: callers tell the form by it.
     /// - a letter and a number, twice: completed by degree signs and read as
-    ///   Units::Position reads its decimal form, at fixed places.
+    ///   Units::Position reads its decimal form, at fixed places. The decimal
+    ///   mark is a point or a comma, whatever the default locale.
     /// - degrees, minutes and seconds at fixed places; the latitude has three
     ///   places for degrees and the longitude two. What is no number there is 0.
     static bool coordsFromConfigurationString(const QString& a_sText, double& a_dLatitude,

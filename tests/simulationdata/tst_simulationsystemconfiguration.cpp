@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QLocale>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -115,6 +116,7 @@ void TestSimulationSystemConfiguration::coordinates_data()
     QTest::newRow("decimal, no numbers") << u8("Coord nan x") << 0.0 << 0.0 << false;
     // Longitude first, and wide enough for the fixed places.
     QTest::newRow("letters") << u8("E011.500000 N48.100000") << 48.1 << 11.5 << true;
+    QTest::newRow("letters, comma") << u8("W011,500000 S48,100000") << -48.1 << -11.5 << true;
     QTest::newRow("letters, narrow") << u8("N48.1 E11.5") << 0.0 << 0.0 << true;
     QTest::newRow("places") << u8("N048 30 36.00 E11 15 18.00") << 48.51 << 11.255 << true;
     QTest::newRow("places, south-west") << u8("S048\xC2\xB0"
@@ -133,12 +135,15 @@ void TestSimulationSystemConfiguration::coordinates()
     QFETCH(double, latitude);
     QFETCH(double, longitude);
     QFETCH(bool, result);
-    double dLatitude = 77.0;
-    double dLongitude = 77.0;
-    QCOMPARE(SimulationSystemConfiguration::coordsFromConfigurationString(text, dLatitude, dLongitude),
-             result);
-    QVERIFY2(qAbs(dLatitude - latitude) < s_dTolerance, qPrintable(QString::number(dLatitude)));
-    QVERIFY2(qAbs(dLongitude - longitude) < s_dTolerance, qPrintable(QString::number(dLongitude)));
+    for (const QLocale& locale : {QLocale(QLocale::German), QLocale::c()}) { // decimal comma and point
+        QLocale::setDefault(locale);
+        double dLatitude = 77.0;
+        double dLongitude = 77.0;
+        QCOMPARE(SimulationSystemConfiguration::coordsFromConfigurationString(text, dLatitude, dLongitude),
+                 result);
+        QVERIFY2(qAbs(dLatitude - latitude) < s_dTolerance, qPrintable(QString::number(dLatitude)));
+        QVERIFY2(qAbs(dLongitude - longitude) < s_dTolerance, qPrintable(QString::number(dLongitude)));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestSimulationSystemConfiguration)

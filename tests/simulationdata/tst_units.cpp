@@ -87,6 +87,8 @@ void TestUnits::frequencyRead_data()
     QTest::addColumn<double>("expected");
 
     QTest::newRow("decimal comma") << "12,5k" << 0.0 << true << 12500.0;
+    QTest::newRow("three decimals") << "12.500 kHz" << 0.0 << true << 12500.0;
+    QTest::newRow("two decimals") << "433.92 MHz" << 0.0 << true << 433.92e6;
     QTest::newRow("unit beats reference") << "7H" << 5e9 << true << 7.0;
     QTest::newRow("junk after the unit") << "5. mhz\njunk" << 0.0 << true << 5e6;
     QTest::newRow("no unit, no reference") << "7" << 0.0 << true << 7.0;
@@ -103,8 +105,11 @@ void TestUnits::frequencyRead()
 {
     QFETCH(QString, text);
     QFETCH(double, reference);
-    QTEST(Frequency::validString(text), "valid");
-    QTEST(Frequency::fromString(text, reference), "expected");
+    for (const QLocale& locale : {s_en, s_de, QLocale(QLocale::Arabic, QLocale::Egypt)}) {
+        QLocale::setDefault(locale);
+        QTEST(Frequency::validString(text), "valid");
+        QTEST(Frequency::fromString(text, reference), "expected");
+    }
 }
 
 void TestUnits::duration()
