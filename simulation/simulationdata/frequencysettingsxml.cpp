@@ -121,7 +121,9 @@ std::unique_ptr<IFrequencySettings> readSlowHopper(QXmlStreamReader& a_reader)
         }
         return true;
     });
-    settings->setFrequencySteps(steps);
+    if (!steps.isEmpty()) { // else the step of a new hopper stays
+        settings->setFrequencySteps(steps);
+    }
     return settings;
 }
 

@@ -3,6 +3,7 @@
 #include "simulationdata/emissionsettings.h"
 #include "simulationdata/frequencysettings_chirp.h"
 #include "simulationdata/frequencysettings_fasthopper.h"
+#include "simulationdata/frequencysettings_slowhopper.h"
 #include "simulationdata/positionsettingsptp.h"
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/scenarionetwork.h"
@@ -224,17 +225,23 @@ void TestScenarioDataXml::missingElements()
     QVERIFY(document.fromXml(
         scenario("<Emitter/><Emitter ID='e'/><Emitter ID='p' Active='TRUE'><Position><X/></Position>"
                  "<Frequency/><Transmitter><Antenna/></Transmitter></Emitter>"
+                 "<Emitter ID='s'><Frequency><SlowHopper EndBehavior='STOP'/></Frequency></Emitter>"
                  "<Network ID='n'><Color>nothing</Color><NetworkType>star</NetworkType></Network>"
                  "<Unknown><Emitter ID='u'/></Unknown>",
                  "FileFormatVersion='4' Description='attribute'")));
     QCOMPARE(document.errorString(), QString());
     QCOMPARE(document.getDescription(), QStringLiteral("attribute"));
-    QCOMPARE(document.scenarioObjects().size(), 3);
+    QCOMPARE(document.scenarioObjects().size(), 4);
     const auto emitter = find(document, "e");
     QVERIFY(emitter && !emitter->isActive() && emitter->name().isEmpty());
     QCOMPARE(emitter->frequencySettings()->getCenterFrequency(), 25e6);
     const auto bare = find(document, "p");
     QVERIFY(bare->isActive() && !bare->frequencySettings() && !bare->positionSettings());
+    const auto* pHopper =
+        dynamic_cast<FrequencySettings_SlowHopper*>(find(document, "s")->frequencySettings());
+    QCOMPARE(pHopper->rows(), 1);
+    QVERIFY(pHopper->getFrequency(0) == 25e6 && pHopper->getDuration(0) == 1000 &&
+            pHopper->getEndBehavior() == EndBehaviourType::Stop);
     const auto network = find<ScenarioNetwork>(document, "n");
     QCOMPARE(network->color(), QColor(Qt::black));
     QCOMPARE(network->networkType(), NetworkType::Hierarchical);
