@@ -202,6 +202,11 @@ QList<HRActivity> FrequencySettings_SlowHopper::calculateHRActivities(unsigned i
         const bool bLast = uiStepEnd == uiLength && m_eEndBehavior != EndBehaviourType::Restart;
         const std::uint64_t uiFrom = std::max(uiTime, uiOffset);
         const std::uint64_t uiTo = bLast ? uiEnd : std::min(uiStepEnd, uiEnd);
+        // The last step lasts until the window's end: in a window without length
+        // nothing of it is left.
+        if (bLast && uiTo <= uiOffset) {
+            break;
+        }
         if (!answer.append({uiBase + uiFrom, uiTo - uiFrom, step.frequency}) || bLast) {
             break;
         }

@@ -84,7 +84,8 @@ public:
 
     /// One activity per step in the window, steps without duration included.
     /// `a_dResolution` is not used. A table without duration yields one
-    /// activity, the window. O(log n) and the length of the answer.
+    /// activity, the window. A window without length inside the last step yields
+    /// none, unless the table begins again. O(log n) and the length of the answer.
     [[nodiscard]] QList<HRActivity> calculateHRActivities(unsigned int a_uiStart, unsigned int a_uiLength,
                                                           double a_dResolution) const override;
     [[nodiscard]] unsigned int activeUntil() const override;

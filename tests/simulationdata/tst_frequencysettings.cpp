@@ -207,7 +207,11 @@ void TestFrequencySettings::equality()
     QVERIFY(sees(slow, [](SlowHopper& a_s) { a_s.setFrequency(1, 3e6); }));
     QVERIFY(sees(slow, [](SlowHopper& a_s) { a_s.setDuration(1, 201); }));
     QVERIFY(sees(slow, [](SlowHopper& a_s) { a_s.insertStep(-1); }));
-    QVERIFY(!sees(slow, [](SlowHopper& a_s) { a_s.setEndBehavior(EndBehaviourType::Stop); }));
+    for (const auto eEnd : {EndBehaviourType::Stop, EndBehaviourType::Inactive}) {
+        QVERIFY(!sees(slow, [=](SlowHopper& a_s) { a_s.setEndBehavior(eEnd); }));
+        const std::unique_ptr<IFrequencySettings> clone(slowHopper({{1e6, 100}}, eEnd).clone());
+        QCOMPARE(dynamic_cast<SlowHopper&>(*clone).getEndBehavior(), eEnd);
+    }
 }
 
 void TestFrequencySettings::randomOffsets()
@@ -290,6 +294,12 @@ void TestFrequencySettings::activities_data()
     const Maker slow([] { return new SlowHopper(slowHopper({{1.0, 2}, {2.0, 3}})); });
     QTest::newRow("steps at the end of time") // 2^32 - 1 is a multiple of 5
         << slow << s_uiMax - 4 << s_uiMax << 1.0 << "4294967291+1@1 4294967292+3@2 4294967295+1@1";
+    const Maker stops([] {
+        return new SlowHopper(slowHopper({{1.0, 2}, {2.0, 3}}, EndBehaviourType::Stop));
+    });
+    QTest::newRow("no window, inside a step") << stops << 1U << 0U << 1.0 << "1+0@1";
+    QTest::newRow("no window, inside the last step") << stops << 3U << 0U << 1.0 << "";
+    QTest::newRow("no window, inside the last step of a cycle") << slow << 3U << 0U << 1.0 << "3+0@2";
     QTest::newRow("hops without a rate") << fast(4, 0, 0.0F) << 5U << 20U << 1.0 << "5+20@0";
     QTest::newRow("hops begin after the window")
         << fast(1, 4000, 3e9F) << 0U << s_uiMax << 1.0 << "0+3000000000@0";
@@ -346,8 +356,16 @@ void TestFrequencySettings::channelOrder()
     hopper.setCenterFrequency(hopper.getCenterFrequency() + 100.0);
     QCOMPARE(hopper.getFrequencyAt(5), 100.0);
     hopper.setCenterFrequency(hopper.getCenterFrequency() - 100.0);
+    // Every setter comes after a query, which has built the list.
+    QCOMPARE(order(hopper, 10), seed0);
     hopper.setHoppSet(1);
     QCOMPARE(order(hopper, 10), (QList<double>{4, 5, 0, 7, 6, 2, 3, 1}));
+    hopper.setMaximumFrequency(16.0);
+    QCOMPARE(order(hopper, 10), (QList<double>{8, 10, 0, 14, 12, 4, 6, 2}));
+    hopper.setMinimumFrequency(8.0);
+    QCOMPARE(order(hopper, 10), (QList<double>{12, 13, 8, 15, 14, 10, 11, 9}));
+    hopper.setHoppCount(1);
+    QCOMPARE(hopper.getFrequencyAt(10), 8.0);
 }
 
 void TestFrequencySettings::tooManyChannels()
@@ -358,7 +376,9 @@ void TestFrequencySettings::tooManyChannels()
     hopper.setHoppCount(s_uiMax);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("4294967295.*hop channels.*8")));
     QCOMPARE(hopper.getFrequencyAt(1), 0.0);
-    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); // said once, not with each query
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); // traced once, not with each query
+    const FastHopper copy(hopper);
+    QCOMPARE(copy.getFrequencyAt(1), 0.0);
     QCOMPARE(text(hopper.calculateHRActivities(3, 40, 1.0)), QStringLiteral("3+40@0"));
 }
 
@@ -429,6 +449,12 @@ void TestFrequencySettings::slowHopperKeepsLengthOverInsertAndRemove()
     QVERIFY(hopper.isActiveAt(200));
     hopper.setDuration(-1, 0); // resets the length although nothing changes
     QCOMPARE(hopper.activeUntil(), 200U);
+    hopper.insertStep(-1);
+    hopper.setCenterFrequency(1.0); // every setter does
+    QCOMPARE(hopper.activeUntil(), 300U);
+    hopper.removeStep(3);
+    hopper.setFrequencySteps(hopper.getFrequencySteps());
+    QCOMPARE(hopper.activeUntil(), 200U);
     hopper.removeStep(2);
     hopper.removeStep(1);
     QCOMPARE(hopper.activeUntil(), 200U);
@@ -467,7 +493,7 @@ void TestFrequencySettings::slowHopperMatchesWalk()
             const auto uiSum = static_cast<unsigned int>(walked.sum());
             const unsigned int uiStart =
                 below(random, 5) == 0 ? s_uiMax - below(random, 100) : below(random, 3 * uiSum + 2);
-            const unsigned int uiLength = 1 + below(random, 2 * uiSum + 20);
+            const unsigned int uiLength = below(random, 2 * uiSum + 20);
             QCOMPARE(hopper.getFrequencyAt(uiStart), walked.frequencyAt(uiStart));
             QCOMPARE(hopper.isActiveAt(uiStart),
                      walked.end != EndBehaviourType::Inactive || uiStart <= uiSum);
