@@ -111,9 +111,13 @@ void TestPDWFile::emptyBlocks()
         {
             PDWFile file(path(), true, bHeaders);
             file.write();
+            file.write();
+            file.write();
         }
-        const QByteArray headers("726574fb08000000000000000002000002000000000000000000000008000000"
-                                 "726574fb08000000010000000002000002000000000000000000000008000000");
+        QByteArray headers;
+        for (const char* szNumber : {"00000000", "01000000", "02000000", "03000000"}) {
+            headers += QByteArray("726574fb08000000") + szNumber + "0002000002000000000000000000000008000000";
+        }
         QCOMPARE(content(), bHeaders ? QByteArray::fromHex(headers) : QByteArray());
     }
 }
