@@ -16,7 +16,7 @@ ScenarioObject::ScenarioObjectType ElintScenarioEmitter::type() const
 std::shared_ptr<ScenarioObject> ElintScenarioEmitter::clone()
 {
     const auto clone = std::make_shared<ElintScenarioEmitter>(id(), name());
-    clone->copy(shared_from_this());
+    clone->copyFrom(*this);
     clone->SetEDWFile(m_sEDWFile);
     return clone;
 }

@@ -44,7 +44,8 @@ void ScenarioNetwork::takeFrom(const ScenarioNetwork& a_source)
 std::shared_ptr<ScenarioObject> ScenarioNetwork::clone()
 {
     const auto clone = std::make_shared<ScenarioNetwork>(id());
-    clone->copy(shared_from_this());
+    clone->copyFrom(*this);
+    clone->takeFrom(*this);
     return clone;
 }
 

@@ -45,15 +45,19 @@ void ScenarioObject::setFrequencySettings(IFrequencySettings* a_pSettings)
 
 void ScenarioObject::copy(std::shared_ptr<ScenarioObject> a_source)
 {
-    if (!a_source || a_source.get() == this) {
-        return;
+    if (a_source && a_source.get() != this) {
+        copyFrom(*a_source);
     }
-    setId(a_source->id());
-    setName(a_source->name());
-    setDescription(a_source->description());
-    m_bActive = a_source->isActive();
-    *m_pEmissionSettings = *a_source->m_pEmissionSettings;
-    m_pFrequencySettings = cloned(a_source->frequencySettings());
+}
+
+void ScenarioObject::copyFrom(const ScenarioObject& a_source)
+{
+    setId(a_source.id());
+    setName(a_source.name());
+    setDescription(a_source.description());
+    m_bActive = a_source.isActive();
+    *m_pEmissionSettings = *a_source.m_pEmissionSettings;
+    m_pFrequencySettings = cloned(a_source.frequencySettings());
 }
 
 } // namespace Simulation

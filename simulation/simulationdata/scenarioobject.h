@@ -71,7 +71,8 @@ public:
     /// source changes nothing.
     virtual void copy(std::shared_ptr<ScenarioObject> a_source);
 
-    /// A new object of the same class, with all that copy() takes over.
+    /// A new object of the same class, with all that copy() takes over. The object
+    /// itself need not live in a std::shared_ptr.
     [[nodiscard]] virtual std::shared_ptr<ScenarioObject> clone() = 0;
 
     void setActive(bool a_bActive) { m_bActive = a_bActive; }
@@ -80,6 +81,10 @@ public:
     void setVisibleOnMap(bool a_bVisible) { m_bVisibleOnMap = a_bVisible; }
     [[nodiscard]] bool isVisibleOnTimeline() const { return m_bVisibleOnTimeline; }
     void setVisibleOnTimeline(bool a_bVisible) { m_bVisibleOnTimeline = a_bVisible; }
+
+protected:
+    /// The part of copy() that all classes share.
+    void copyFrom(const ScenarioObject& a_source);
 
 private:
     friend class ScenarioGraph;

@@ -82,10 +82,17 @@ void SzenarioEmitter::copy(std::shared_ptr<ScenarioObject> a_source)
     if (pEmitter == this) {
         return;
     }
-    ScenarioObject::copy(a_source);
     if (pEmitter != nullptr) {
-        takeFrom(*pEmitter);
+        copyFrom(*pEmitter);
+    } else {
+        ScenarioObject::copy(a_source);
     }
+}
+
+void SzenarioEmitter::copyFrom(const SzenarioEmitter& a_source)
+{
+    ScenarioObject::copyFrom(a_source);
+    takeFrom(a_source);
 }
 
 void SzenarioEmitter::takeFrom(const SzenarioEmitter& a_source)
@@ -108,7 +115,7 @@ void SzenarioEmitter::takeFrom(const SzenarioEmitter& a_source)
 std::shared_ptr<ScenarioObject> SzenarioEmitter::clone()
 {
     const auto clone = std::make_shared<SzenarioEmitter>(id(), name());
-    clone->copy(shared_from_this());
+    clone->copyFrom(*this);
     return clone;
 }
 

@@ -131,6 +131,9 @@ protected:
     /// Whether flag, frequency and position let the emitter be active.
     [[nodiscard]] bool isReadyAt(unsigned int a_uiTime) const;
 
+    /// All that copy() takes over from another emitter.
+    void copyFrom(const SzenarioEmitter& a_source);
+
 private:
     friend class ScenarioGraph;
 

@@ -100,6 +100,7 @@ private Q_SLOTS:
     void withoutSettings();
     void copies();
     void copyBesides();
+    void clonesOfLocalObjects();
     void networkCopies();
     void membership();
     void followsNetwork();
@@ -156,6 +157,7 @@ void TestScenarioObjects::copies()
     source->setDescription(QStringLiteral("text"));
     source->setActive(false);
     source->setVisibleOnMap(true);
+    source->setVisibleOnTimeline(true);
     source->emissionSettings()->setBroadcast(true);
     send(source->emissionSettings(), nullptr, 1, 1);
     source->frequencySettings()->setCenterFrequency(5e6);
@@ -169,7 +171,8 @@ void TestScenarioObjects::copies()
     elint->copy(source);
     // The constructor takes its own id and name and leaves the flag alone, but not the visibility.
     const SzenarioEmitter constructed(QStringLiteral("c"), QStringLiteral("C"), source);
-    QVERIFY(constructed.isVisibleOnMap() && !clone->isVisibleOnMap());
+    QVERIFY(constructed.isVisibleOnMap() && constructed.isVisibleOnTimeline());
+    QVERIFY(!clone->isVisibleOnMap() && !clone->isVisibleOnTimeline());
 
     // What was copied is a copy.
     source->frequencySettings()->setCenterFrequency(1.0);
@@ -205,6 +208,24 @@ void TestScenarioObjects::copyBesides()
     QVERIFY(source->linkedEmitter().isEmpty());
     source->copy(source);
     QCOMPARE(source->id(), QStringLiteral("target"));
+}
+
+/// Objects that no std::shared_ptr holds can be cloned all the same.
+void TestScenarioObjects::clonesOfLocalObjects()
+{
+    const EmitterPtr target = emitter(QStringLiteral("target"));
+    SzenarioEmitter plain(QStringLiteral("e"), QStringLiteral("E"));
+    plain.setLinkTargetEmitter(target);
+    const auto plainClone = std::static_pointer_cast<SzenarioEmitter>(plain.clone());
+    QCOMPARE(description(*plainClone), description(plain));
+    QCOMPARE(plainClone->linkTargetEmitter(), target);
+    ElintScenarioEmitter elint(QStringLiteral("x"), QString());
+    elint.SetEDWFile(QStringLiteral("edw"));
+    QCOMPARE(description(*std::static_pointer_cast<SzenarioEmitter>(elint.clone())), description(elint));
+    ScenarioNetwork network(QStringLiteral("n"));
+    network.addEmitter(target);
+    const auto networkClone = std::static_pointer_cast<ScenarioNetwork>(network.clone());
+    QVERIFY(networkClone->id() == u"n" && networkClone->containsEmitter(target));
 }
 
 void TestScenarioObjects::networkCopies()
