@@ -77,11 +77,24 @@ EmissionSettings::Group::~Group()
     }
 }
 
+EmissionSettings::EmissionSettings(const EmissionSettings& a_other)
+    : m_emissions(a_other.m_emissions)
+    , m_groups(a_other.m_groups)
+    , m_iDuration(a_other.m_iDuration)
+    , m_bBroadcast(a_other.m_bBroadcast)
+{
+    if (!a_other.m_pSharing) {
+        a_other.m_pSharing = std::make_shared<const int>();
+    }
+    m_pSharing = a_other.m_pSharing;
+}
+
 EmissionSettings& EmissionSettings::operator=(const EmissionSettings& a_other)
 {
     EmissionSettings copy(a_other);
     std::swap(m_emissions, copy.m_emissions);
     std::swap(m_groups, copy.m_groups);
+    std::swap(m_pSharing, copy.m_pSharing);
     std::swap(m_iDuration, copy.m_iDuration);
     std::swap(m_bBroadcast, copy.m_bBroadcast);
     return *this;
@@ -241,9 +254,38 @@ void EmissionSettings::clearEmptyGroups()
     m_groups.removeIf(isEmpty);
 }
 
+void EmissionSettings::partGroups()
+{
+    if (m_pSharing.use_count() < 2) {
+        return;
+    }
+    QList<GroupPtr> groups = m_groups;
+    QHash<const Group*, GroupPtr> own;
+    for (GroupPtr& group : groups) {
+        GroupPtr& copy = own[group.get()];
+        if (!copy) {
+            copy = createGroup();
+            copy->id = group->id;
+            copy->name = group->name;
+            copy->groups = group->groups;
+            copy->emissions = group->emissions;
+        }
+        group = copy;
+    }
+    for (const GroupPtr& group : std::as_const(own)) {
+        for (GroupPtr& member : group->groups) {
+            member = own.value(member.get(), member);
+        }
+    }
+    releaseGroups();
+    m_groups = groups;
+    m_pSharing.reset();
+}
+
 void EmissionSettings::clearAll()
 {
     releaseGroups();
+    m_pSharing.reset();
     m_emissions.clear();
 }
 

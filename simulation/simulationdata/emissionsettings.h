@@ -22,8 +22,9 @@ class SzenarioEmitter;
 /// period; in broadcast mode it is ignored and the transmitter is always on.
 ///
 /// A value class: copies share the emissions and groups themselves, so what is
-/// replaced or removed inside them is so for all copies. Used from one thread. A default object has no
-/// emission, an unlimited period and no broadcast. Times are milliseconds since scenario start.
+/// replaced or removed inside them is so for all copies, until partGroups(). Used from one thread. A
+/// default object has no emission, an unlimited period and no broadcast. Times are milliseconds since
+/// scenario start.
 class SIMULATIONDATA_EXPORT EmissionSettings
 {
 public:
@@ -61,7 +62,7 @@ public:
     };
 
     EmissionSettings() = default;
-    EmissionSettings(const EmissionSettings& a_other) = default;
+    EmissionSettings(const EmissionSettings& a_other);
     EmissionSettings& operator=(const EmissionSettings& a_other);
 
     /// Groups that hold each other in a circle are taken apart when nothing
@@ -105,6 +106,11 @@ public:
     /// Removes groups without members until none is left: a group that loses
     /// its last member this way goes too.
     void clearEmptyGroups();
+    /// Replaces groups that this schedule shares with copies of it by groups of
+    /// its own, with the same members: what is removed from them after that stays
+    /// in the others. The emissions stay shared. Without such copies nothing
+    /// changes, and the groups stay the same objects.
+    void partGroups();
     /// Drops all emissions and groups.
     void clearAll();
 
@@ -150,6 +156,8 @@ private:
 
     QList<boost::shared_ptr<Emission>> m_emissions;
     QList<boost::shared_ptr<Group>> m_groups;
+    /// Held by every schedule that shares these groups; null = never copied.
+    mutable std::shared_ptr<const int> m_pSharing;
     std::int64_t m_iDuration = s_iUnlimited;
     bool m_bBroadcast = false;
 };

@@ -81,6 +81,8 @@ bool ScenarioNetwork::removeEmitter(const std::shared_ptr<SzenarioEmitter>& a_em
         return false;
     }
     m_emitterList.removeOne(emitter);
+    // The groups of a clone are those of its source, which keeps its members.
+    emissionSettings()->partGroups();
     emissionSettings()->removeEmissions(emitter);
     return true;
 }

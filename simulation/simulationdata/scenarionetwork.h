@@ -52,6 +52,8 @@ public:
     /// Appends a member; false for null and for one that is a member already.
     bool addEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter);
     /// Removes a member and the emissions that name it; false when it is none.
+    /// Networks that are copies of each other keep theirs: the groups of this one
+    /// become its own.
     bool removeEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter);
 
     /// Puts an emitter first; one that is no member becomes one. Null is ignored.

@@ -102,6 +102,7 @@ private Q_SLOTS:
     void copyBesides();
     void clonesOfLocalObjects();
     void networkCopies();
+    void clonedGroups();
     void membership();
     void followsNetwork();
     void followsLinks();
@@ -247,6 +248,45 @@ void TestScenarioObjects::networkCopies()
     source->copy(source);
     QCOMPARE(source->emitterList().size(), 2);
     QCOMPARE(ScenarioNetwork(QStringLiteral("other"), source).emitterList(), (QList{second, first}));
+}
+
+/// A clone shares the groups of its source until it, or the source, loses a
+/// member: then the other one keeps them as they were.
+void TestScenarioObjects::clonedGroups()
+{
+    for (const bool bFromClone : {true, false}) {
+        const auto source = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
+        const EmitterPtr gone = emitter(QStringLiteral("gone"));
+        const EmitterPtr stays = emitter(QStringLiteral("stays"));
+        EmissionSettings* const pSchedule = source->emissionSettings();
+        for (const EmitterPtr& member : {gone, stays}) {
+            source->addEmitter(member);
+            send(pSchedule, member, 0, 10);
+        }
+        const auto inner = EmissionSettings::createGroup();
+        const auto outer = EmissionSettings::createGroup();
+        inner->name = QStringLiteral("inner");
+        inner->emissions = pSchedule->emissions();
+        outer->groups = {inner, outer};                          // a circle must not leak either
+        outer->emissions = {pSchedule->emissions().constLast()}; // of the one that goes
+        pSchedule->addGroup(inner);
+        pSchedule->addGroup(outer);
+
+        const auto clone = std::static_pointer_cast<ScenarioNetwork>(source->clone());
+        QCOMPARE(clone->emissionSettings()->groups(), pSchedule->groups());
+        const auto& loser = bFromClone ? clone : source;
+        const auto& keeper = bFromClone ? source : clone;
+        QVERIFY(loser->removeEmitter(gone));
+        const auto kept = keeper->emissionSettings()->groups();
+        QVERIFY(kept == (QList{inner, outer}) && keeper->containsEmitter(gone));
+        QVERIFY(inner->emissions.size() == 2 && outer->emissions.size() == 1);
+        const auto left = loser->emissionSettings()->groups();
+        QVERIFY(left.size() == 2 && left[0]->name == u"inner" && left[0]->emissions.size() == 1);
+        QVERIFY(left[1]->groups == left && left[1]->emissions.isEmpty());
+        // Once parted, the groups stay the same objects.
+        QVERIFY(loser->removeEmitter(stays) && keeper->removeEmitter(stays));
+        QVERIFY(left[0]->emissions.isEmpty() && inner->emissions.size() == 1);
+    }
 }
 
 void TestScenarioObjects::membership()
