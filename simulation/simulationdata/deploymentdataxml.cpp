@@ -4,11 +4,13 @@
 #include "documentfile_p.h"
 #include "documentkind_p.h"
 #include "persistentid_p.h"
+#include "sharedids_p.h"
 #include "simulationdata/deploymentdevice.h"
 #include "simulationdata/deploymentstation.h"
 #include "xmltext_p.h"
 #include "xmlwalk_p.h"
 
+#include <QStringList>
 #include <QXmlStreamWriter>
 
 #include <algorithm>
@@ -42,6 +44,19 @@ void moveInto(ObjectSet& a_objects, Map a_map)
     }
 }
 
+/// What SharedIds reports of objects.
+template<typename Objects>
+QString sharedIdsOf(const Objects& a_objects, const char* a_szNoun)
+{
+    SharedIds ids;
+    for (const auto& object : a_objects) {
+        if (object) {
+            ids.add(object->id());
+        }
+    }
+    return ids.text(a_szNoun);
+}
+
 template<typename Object>
 QMap<QString, std::shared_ptr<Object>> mapOf(const QSet<std::shared_ptr<Object>>& a_objects)
 {
@@ -72,6 +87,8 @@ DeploymentDataXml& DeploymentDataXml::operator=(const DeploymentDataXml& a_other
         m_devices = a_other.m_devices;
         m_stations = a_other.m_stations;
         m_sErrorString = a_other.m_sErrorString;
+        m_sSharedDevices = a_other.m_sSharedDevices;
+        m_sSharedStations = a_other.m_sSharedStations;
     }
     return *this;
 }
@@ -83,6 +100,8 @@ DeploymentDataXml::~DeploymentDataXml()
 
 void DeploymentDataXml::clear()
 {
+    m_sSharedDevices.clear();
+    m_sSharedStations.clear();
     ObjectSet objects;
     moveInto(objects, std::exchange(m_devices, {}));
     moveInto(objects, std::exchange(m_stations, {}));
@@ -116,8 +135,8 @@ QByteArray DeploymentDataXml::toXml()
     if (m_sPersistantId.isEmpty()) {
         m_sPersistantId = createPersistentId(m_sName);
     }
-    return s_kind.text(
-        [this](QXmlStreamWriter& a_writer, const DocumentKind::StillReadable& a_stillReadable) {
+    const QByteArray xml =
+        s_kind.text([this](QXmlStreamWriter& a_writer, const DocumentKind::StillReadable& a_stillReadable) {
             writeHeader(a_writer);
             return std::all_of(m_devices.cbegin(), m_devices.cend(),
                                [&](const auto& a_device) {
@@ -129,21 +148,27 @@ QByteArray DeploymentDataXml::toXml()
                        return a_stillReadable();
                    });
         });
+    // Ids may have changed since the objects were set.
+    QStringList shared{m_sSharedDevices, sharedIdsOf(m_devices, "devices"), m_sSharedStations,
+                       sharedIdsOf(m_stations, "stations")};
+    shared.removeAll(QString());
+    return s_kind.finished(xml, shared.join(QStringLiteral("; ")), &m_sErrorString);
 }
 
 void DeploymentDataXml::toXml(QIODevice* a_pDevice)
 {
-    s_kind.write(a_pDevice, toXml());
+    s_kind.write(a_pDevice, toXml(), &m_sErrorString);
 }
 
 bool DeploymentDataXml::toXmlFile(const QString& a_sFile)
 {
     const QByteArray xml = toXml();
-    return !xml.isEmpty() && saveDocument(a_sFile, xml);
+    return !xml.isEmpty() && saveDocument(a_sFile, xml, &m_sErrorString);
 }
 
 void DeploymentDataXml::setDevices(const QSet<std::shared_ptr<DeploymentDevice>>& a_devices)
 {
+    m_sSharedDevices = sharedIdsOf(a_devices, "devices");
     ObjectSet dropped;
     moveInto(dropped, std::exchange(m_devices, mapOf(a_devices)));
     DeploymentGraph::release(std::move(dropped));
@@ -151,6 +176,7 @@ void DeploymentDataXml::setDevices(const QSet<std::shared_ptr<DeploymentDevice>>
 
 void DeploymentDataXml::setStations(const QSet<std::shared_ptr<DeploymentStation>>& a_stations)
 {
+    m_sSharedStations = sharedIdsOf(a_stations, "stations");
     ObjectSet dropped;
     moveInto(dropped, std::exchange(m_stations, mapOf(a_stations)));
     DeploymentGraph::release(std::move(dropped));

@@ -55,17 +55,21 @@ public:
     bool fromXml(QIODevice* a_pDevice);
     bool fromXmlFile(const QString& a_sFile);
 
-    /// What went wrong in the last reading, "line 3, column 7: reason", without
-    /// a place when it is about the file; empty when all was well.
+    /// What went wrong in the last reading or writing; of a reading "line 3,
+    /// column 7: reason", without a place when it is about the file. Empty when
+    /// all was well.
     [[nodiscard]] QString errorString() const { return m_sErrorString; }
 
     /// Writes the document. An empty persistent id is built and kept first, of
     /// the name, the time and the machine. Empty, after one trace, when that
-    /// would be more than a reader accepts (Limits::DocumentBytes).
+    /// would be more than a reader accepts (Limits::DocumentBytes). Devices, or
+    /// stations, that share an id, now or when they were set, are reported by
+    /// errorString() and one trace: a reader gets one of them.
     [[nodiscard]] QByteArray toXml();
     /// The device must be open for writing; a failure is traced.
     void toXml(QIODevice* a_pDevice);
-    /// The file is replaced whole or, with false, not at all.
+    /// The file is replaced whole or, with false, not at all. Only "true and
+    /// errorString() empty" is a file from which all objects come back.
     [[nodiscard]] bool toXmlFile(const QString& a_sFile);
 
     [[nodiscard]] QString name() const { return m_sName; }
@@ -92,10 +96,9 @@ public:
         return m_stations;
     }
     /// Replace the objects, keyed by their ids; null is left out, and of several
-    /// with one id any one is taken. The station of a device belongs among the
-    /// stations: one that is only referred to comes back bare, at (0, 0), when
-    /// the saved document is read. Beyond Limits::DeploymentObjects that document
-    /// breaks off for its reader.
+    /// with one id any one is taken, which the next writing reports. The station of a device belongs among
+    /// the stations: one that is only referred to comes back bare, at (0, 0), when the saved document is
+    /// read. Beyond Limits::DeploymentObjects that document breaks off for its reader.
     void setDevices(const QSet<std::shared_ptr<DeploymentDevice>>& a_devices);
     void setStations(const QSet<std::shared_ptr<DeploymentStation>>& a_stations);
 
@@ -139,6 +142,8 @@ private:
     QMap<QString, std::shared_ptr<DeploymentDevice>> m_devices;
     QMap<QString, std::shared_ptr<DeploymentStation>> m_stations;
     QString m_sErrorString;
+    QString m_sSharedDevices;  ///< of those that were set, why not all are held; mostly empty
+    QString m_sSharedStations; ///< the same
 };
 
 } // namespace Simulation

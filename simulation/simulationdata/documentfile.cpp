@@ -17,8 +17,11 @@ constexpr const char* s_szSource = "simulation/simulationdata/documentfile";
 constexpr qint64 s_iChunkBytes = qint64{1} << 20;
 constexpr std::uint64_t s_uiLargestDocument = std::uint64_t{1} << 40; ///< whatever the limit says
 
-bool failToSave(const QString& a_sFile, const QString& a_sReason)
+bool failToSave(const QString& a_sFile, const QString& a_sReason, QString* a_pReason)
 {
+    if (a_pReason != nullptr) {
+        *a_pReason = a_sReason;
+    }
     traceError(s_szSource, [&] { return QStringLiteral("Cannot save \"%1\": %2").arg(a_sFile, a_sReason); });
     return false;
 }
@@ -39,21 +42,21 @@ bool checkDocumentBytes(qint64 a_iBytes, QString* a_pReason)
     return false;
 }
 
-bool saveDocument(const QString& a_sFile, const QByteArray& a_data)
+bool saveDocument(const QString& a_sFile, const QByteArray& a_data, QString* a_pReason)
 {
     // Replacing a device or a pipe by a file would take it from everybody.
     if (const QFileInfo target(a_sFile); target.exists() && !target.isFile()) {
-        return failToSave(a_sFile, QStringLiteral("is no regular file"));
+        return failToSave(a_sFile, QStringLiteral("is no regular file"), a_pReason);
     }
     // What no reader would accept must not take the place of what one did.
     if (QString sReason; !checkDocumentBytes(a_data.size(), &sReason)) {
-        return failToSave(a_sFile, sReason);
+        return failToSave(a_sFile, sReason, a_pReason);
     }
     QSaveFile file(a_sFile);
     // A full device is seen only when the buffers are flushed.
     const bool bWritten =
         file.open(QIODevice::WriteOnly) && file.write(a_data) == a_data.size() && file.flush();
-    return (bWritten && file.commit()) || failToSave(a_sFile, file.errorString());
+    return (bWritten && file.commit()) || failToSave(a_sFile, file.errorString(), a_pReason);
 }
 
 std::optional<QByteArray> readDocument(QIODevice* a_pDevice, QString* a_pReason)

@@ -16,8 +16,9 @@ namespace Simulation {
 /// when the disk is full or the process dies. The new file is made beside the
 /// old one, so the folder must be writable; devices and folders are refused,
 /// and so is what is too large to be read back.
-/// False after one trace.
-[[nodiscard]] SIMULATIONDATA_EXPORT bool saveDocument(const QString& a_sFile, const QByteArray& a_data);
+/// False after one trace, with the reason unless `a_pReason` is null.
+[[nodiscard]] SIMULATIONDATA_EXPORT bool saveDocument(const QString& a_sFile, const QByteArray& a_data,
+                                                      QString* a_pReason = nullptr);
 
 /// Whether a document of that size may be read. False with a reason when it is
 /// more than Limits::DocumentBytes.

@@ -1,6 +1,7 @@
 #include "documentkind_p.h"
 
 #include "documentfile_p.h"
+#include "simulationdata/simulationlimits.h"
 #include "trace_p.h"
 #include "xmldocumentreader_p.h"
 #include "xmlposition_p.h"
@@ -91,12 +92,22 @@ DocumentKind::text(const std::function<bool(QXmlStreamWriter&, const StillReadab
     return isReadable(xml.size()) ? xml : QByteArray();
 }
 
-void DocumentKind::write(QIODevice* a_pDevice, const QByteArray& a_xml) const
+QByteArray DocumentKind::finished(const QByteArray& a_xml, const QString& a_sSharedIds,
+                                  QString* a_pError) const
 {
-    if (a_pDevice == nullptr) {
-        traceUnwritten(QStringLiteral("there is no device"));
-    } else if (a_pDevice->write(a_xml) != a_xml.size()) {
-        traceUnwritten(a_pDevice->errorString());
+    *a_pError = a_xml.isEmpty() ? Limits::exceeded(Limits::DocumentBytes) : a_sSharedIds;
+    if (!a_xml.isEmpty() && !a_sSharedIds.isEmpty()) {
+        traceError(m_szSource, [&] { return QStringLiteral("%1 written: %2").arg(m_sName, a_sSharedIds); });
+    }
+    return a_xml;
+}
+
+void DocumentKind::write(QIODevice* a_pDevice, const QByteArray& a_xml, QString* a_pError) const
+{
+    const bool bWritten = a_pDevice != nullptr && a_pDevice->write(a_xml) == a_xml.size();
+    if (!bWritten) {
+        *a_pError = a_pDevice != nullptr ? a_pDevice->errorString() : QStringLiteral("there is no device");
+        traceUnwritten(*a_pError);
     }
 }
 

@@ -49,8 +49,14 @@ public:
     [[nodiscard]] QByteArray
     text(const std::function<bool(QXmlStreamWriter&, const StillReadable&)>& a_writeRoot) const;
 
-    /// Writes the bytes to the device; a failure is traced.
-    void write(QIODevice* a_pDevice, const QByteArray& a_xml) const;
+    /// The document as it is, with the error text of its writing: that it is too
+    /// long when it is empty, else the text of SharedIds, after one trace when
+    /// there is one.
+    [[nodiscard]] QByteArray finished(const QByteArray& a_xml, const QString& a_sSharedIds,
+                                      QString* a_pError) const;
+
+    /// Writes the bytes to the device; a failure is traced and sets the error text.
+    void write(QIODevice* a_pDevice, const QByteArray& a_xml, QString* a_pError) const;
 
     /// Whether a reader accepts a text of that size; false after one trace.
     [[nodiscard]] bool isReadable(qint64 a_iBytes) const;

@@ -5,6 +5,7 @@
 #include "persistentid_p.h"
 #include "scenariograph_p.h"
 #include "scenarioreferences_p.h"
+#include "sharedids_p.h"
 #include "simulationdata/scenarionetwork.h"
 #include "simulationdata/simulationlimits.h"
 #include "simulationdata/szenarioemitter.h"
@@ -79,6 +80,19 @@ std::vector<const Object*> inOrder(const ObjectSet& a_objects, const TextOf& a_t
     return objects;
 }
 
+/// Reports emitters that a reader cannot tell apart. Networks are not looked up
+/// by their ids: those of one id stay apart.
+QString sharedIdsOf(const ObjectSet& a_objects)
+{
+    SharedIds ids;
+    for (const std::shared_ptr<ScenarioObject>& object : a_objects) {
+        if (object->type() != ScenarioObject::ScenarioObjectType::Network) {
+            ids.add(object->id());
+        }
+    }
+    return ids.text("emitters");
+}
+
 /// What a writing function puts out, as bytes.
 template<typename Write>
 QByteArray written(const Write& a_write)
@@ -102,6 +116,7 @@ ScenarioDataXml::~ScenarioDataXml()
 
 void ScenarioDataXml::clear()
 {
+    m_mergedIds.clear();
     ObjectSet objects = std::exchange(m_objects, {});
     for (const std::shared_ptr<SzenarioEmitter>& emitter : std::exchange(m_defaultEmitters, {})) {
         objects.insert(emitter);
@@ -227,22 +242,23 @@ QByteArray ScenarioDataXml::toXml()
     if (m_sPersistantId.isEmpty()) {
         m_sPersistantId = createPersistentId(m_sName);
     }
-    return s_kind.text(
-        [this](QXmlStreamWriter& a_writer, const DocumentKind::StillReadable& a_stillReadable) {
+    const QByteArray xml =
+        s_kind.text([this](QXmlStreamWriter& a_writer, const DocumentKind::StillReadable& a_stillReadable) {
             writeHeader(a_writer);
             return writeObjects(a_writer, m_objects, m_defaultEmitters, a_stillReadable);
         });
+    return s_kind.finished(xml, sharedIdsOf(m_objects), &m_sErrorString);
 }
 
 void ScenarioDataXml::toXml(QIODevice* a_pDevice)
 {
-    s_kind.write(a_pDevice, toXml());
+    s_kind.write(a_pDevice, toXml(), &m_sErrorString);
 }
 
 bool ScenarioDataXml::toXmlFile(const QString& a_sFile)
 {
     const QByteArray xml = toXml();
-    return !xml.isEmpty() && saveDocument(a_sFile, xml);
+    return !xml.isEmpty() && saveDocument(a_sFile, xml, &m_sErrorString);
 }
 
 void ScenarioDataXml::setScenarioObjects(const ObjectSet& a_objects)
@@ -297,7 +313,13 @@ QString ScenarioDataXml::xmlForObjects(const ObjectSet& a_objects, ISignalPackag
     writer.writeEndDocument();
     // The reader counts the bytes that it decodes, and a mark before them.
     constexpr qsizetype iMarkBytes = 3;
-    return s_kind.isReadable(sXml.toUtf8().size() + iMarkBytes) ? sXml : QString();
+    if (!s_kind.isReadable(sXml.toUtf8().size() + iMarkBytes)) {
+        return {};
+    }
+    if (const QString sShared = sharedIdsOf(objects); !sShared.isEmpty()) {
+        traceError(s_szSource, [&] { return QStringLiteral("Objects written: ") + sShared; });
+    }
+    return sXml;
 }
 
 ObjectSet ScenarioDataXml::objectsForXml(const QString& a_sXml, ISignalPackageProvider* a_pProvider)

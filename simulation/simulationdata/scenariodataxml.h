@@ -7,6 +7,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QMap>
 #include <QSet>
 #include <QString>
 #include <QStringView>
@@ -56,20 +57,28 @@ public:
     bool fromXml(QIODevice* a_pDevice);
     bool fromXmlFile(const QString& a_sFile);
 
-    /// What went wrong in the last reading, "line 3, column 7: reason", without
-    /// a place when it is about the file; empty when all was well.
+    /// What went wrong in the last reading or writing; of a reading "line 3,
+    /// column 7: reason", without a place when it is about the file. Empty when
+    /// all was well.
     [[nodiscard]] QString errorString() const { return m_sErrorString; }
+
+    /// The ids that several emitter elements of the document last read have,
+    /// each with the number of these elements. They were read as one emitter,
+    /// the later ones over the earlier ones.
+    [[nodiscard]] QMap<QString, qsizetype> mergedIds() const { return m_mergedIds; }
 
     /// Writes the document. An empty persistent id is built and kept first, of
     /// the name, the time and the machine. Objects come in the order of their
     /// ids, emitters before networks, so equal scenarios give equal bytes.
     /// Empty, after one trace, when that would be more than a reader accepts
     /// (Limits::DocumentBytes): every emitter carries the whole path that it
-    /// follows.
+    /// follows. Emitters that share an id are all written, but a reader gets one
+    /// emitter for them: errorString() and one trace report it.
     [[nodiscard]] QByteArray toXml();
     /// The device must be open for writing; a failure is traced.
     void toXml(QIODevice* a_pDevice);
-    /// The file is replaced whole or, with false, not at all.
+    /// The file is replaced whole or, with false, not at all. Only "true and
+    /// errorString() empty" is a file from which all objects come back.
     [[nodiscard]] bool toXmlFile(const QString& a_sFile);
 
     [[nodiscard]] QSet<std::shared_ptr<ScenarioObject>> scenarioObjects() const { return m_objects; }
@@ -108,9 +117,9 @@ public:
     /// Objects as text, root "ScenarioObjects", for copying between scenarios,
     /// and back (from any root). Objects that are only referred to come back as
     /// plain emitters of that id; default marks are not written. Writing needs
-    /// no provider; a text beyond Limits::DocumentBytes is left empty, after one
-    /// trace. The objects read belong to the caller, who puts them into a
-    /// document or gives them to releaseObjects().
+    /// no provider; emitters that share an id are reported by one trace; a text beyond Limits::DocumentBytes
+    /// is left empty, after one trace. The objects read belong to the caller, who puts them into a document
+    /// or gives them to releaseObjects().
     [[nodiscard]] static QString xmlForObjects(const QSet<std::shared_ptr<ScenarioObject>>& a_objects,
                                                ISignalPackageProvider* a_pProvider);
     [[nodiscard]] static QSet<std::shared_ptr<ScenarioObject>>
@@ -162,6 +171,7 @@ private:
     std::uint32_t m_uiFileVersion = s_uiFileFormatVersion;
     ScenarioNoiseSettings m_noiseSettings;
     QString m_sErrorString;
+    QMap<QString, qsizetype> m_mergedIds;
 };
 
 } // namespace Simulation

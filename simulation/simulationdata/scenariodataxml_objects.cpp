@@ -16,6 +16,8 @@
 
 #include <QXmlStreamWriter>
 
+#include <algorithm>
+
 namespace Simulation {
 
 namespace {
@@ -144,7 +146,12 @@ void ScenarioDataXml::readScenarioEmitter(QXmlStreamReader& a_reader, EmitterTyp
         skipElement(a_reader);
         return;
     }
-    const auto emitter = a_references.emitterForId(attributes.value(s_sId).toString(), a_eType);
+    const QString sId = attributes.value(s_sId).toString();
+    if (a_references.hasEmitter(sId)) {
+        qsizetype& iElements = m_mergedIds[sId];
+        iElements = std::max<qsizetype>(iElements, 1) + 1;
+    }
+    const auto emitter = a_references.emitterForId(sId, a_eType);
     if (!emitter) {
         a_reader.raiseError(Limits::exceeded(Limits::ScenarioObjects));
         return;

@@ -41,6 +41,10 @@ public:
     /// when the scenario is full.
     std::shared_ptr<SzenarioEmitter> emitterForId(const QString& a_sId, EmitterType a_eType);
 
+    /// Whether there is an emitter of that id: while elements are read, whether
+    /// one of them has defined it.
+    [[nodiscard]] bool hasEmitter(const QString& a_sId) const { return m_emitters.contains(a_sId); }
+
     /// Whether packages can be resolved at all.
     [[nodiscard]] bool hasProvider() const { return m_pProvider != nullptr; }
     /// The package that the provider gives for an id; null without a provider.

@@ -120,6 +120,7 @@ private Q_SLOTS:
     void copiesShareObjects();
     void callersKeepObjects();
     void replacedObjects();
+    void sharedIds();
 };
 
 void TestDeploymentDataXml::fullDocument()
@@ -292,17 +293,18 @@ void TestDeploymentDataXml::refused()
     const QByteArray before = document.toXml();
     const Watch watch(document);
     const TraceCollector traces;
+    QString sError;
     for (const char* szXml : {"", "<?xml version='1.0'?>\n<Scenario/>"}) {
         QVERIFY(!document.fromXml(szXml) && watch.alive() == 4);
+        sError = document.errorString();
         QCOMPARE(document.toXml(), before);
     }
-    QCOMPARE(document.errorString(),
-             QStringLiteral("line 2, column 11: the root element is \"Scenario\", not "
-                            "\"SimulationDeployment\""));
+    QCOMPARE(sError, QStringLiteral("line 2, column 11: the root element is \"Scenario\", not "
+                                    "\"SimulationDeployment\""));
     QCOMPARE(TraceCollector::lines().size(), 2);
-    QCOMPARE(TraceCollector::lines().constLast(),
-             QStringLiteral("Deployment refused: %1 (simulation/simulationdata/deploymentdataxml)")
-                 .arg(document.errorString()));
+    QCOMPARE(
+        TraceCollector::lines().constLast(),
+        QStringLiteral("Deployment refused: %1 (simulation/simulationdata/deploymentdataxml)").arg(sError));
 }
 
 void TestDeploymentDataXml::files()
@@ -444,6 +446,42 @@ void TestDeploymentDataXml::replacedObjects()
     QCOMPARE(summary(document), QStringLiteral("z=  7/0  @s; s=s  [z] 0,0"));
     DeploymentDataXml::releaseObject(std::move(device));
     QCOMPARE(watch.alive(), 0);
+}
+
+/// Whether objects share an id from the start or only later, the writer reports it.
+void TestDeploymentDataXml::sharedIds()
+{
+    const auto device = [](const char* a_szId) {
+        return std::make_shared<DeploymentDevice>(QString::fromLatin1(a_szId));
+    };
+    const QString sEnd =
+        QStringLiteral(": a reader gets one object for each id; give every object its own id");
+    const auto a = std::make_shared<DeploymentStation>(QStringLiteral("a"));
+    const auto b = std::make_shared<DeploymentStation>(QStringLiteral("b"));
+    const DevicePtr twin = device("a");
+    DeploymentDataXml document;
+    document.setDevices({twin, device("a"), device("b")});
+    document.setStations({a, b});
+    const TraceCollector traces;
+    QVERIFY(!document.toXml().isEmpty());
+    const QString sDevices = QStringLiteral("2 devices have the id \"a\"") + sEnd;
+    QCOMPARE(document.errorString(), sDevices);
+    QCOMPARE(
+        TraceCollector::lines(),
+        QStringList{QStringLiteral("Deployment written: %1 (simulation/simulationdata/deploymentdataxml)")
+                        .arg(sDevices)});
+
+    document.setDevices({twin, device("b")});
+    QTemporaryDir folder;
+    const QString sFile = folder.filePath(QStringLiteral("shared.xml"));
+    QVERIFY(document.toXmlFile(sFile) && document.errorString().isEmpty());
+    twin->setId(QStringLiteral("b"));
+    b->setName(QStringLiteral("a"));
+    QVERIFY(document.toXmlFile(sFile));
+    QCOMPARE(document.errorString(), QStringLiteral("2 devices have the id \"b\"%1; 2 stations have the id "
+                                                    "\"a\"%1")
+                                         .arg(sEnd));
+    QVERIFY(!document.toXmlFile(folder.path()) && document.errorString() == u"is no regular file");
 }
 
 QTEST_GUILESS_MAIN(TestDeploymentDataXml)

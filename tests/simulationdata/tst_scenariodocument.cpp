@@ -1,3 +1,4 @@
+#include "simulationdata/elintscenarioemitter.h"
 #include "simulationdata/emissionsettings.h"
 #include "simulationdata/frequencysettings_fasthopper.h"
 #include "simulationdata/scenariodataxml.h"
@@ -6,6 +7,7 @@
 #include "simulationdata/simulationlimits.h"
 #include "simulationdata/szenarioemitter.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
+#include "tracecollector.h"
 
 #include <csignal>
 #include <memory>
@@ -122,6 +124,8 @@ private Q_SLOTS:
     void equalNames();
     void tooManyObjects();
     void tooLargeToSave();
+    void sharedIds_data();
+    void sharedIds();
     void scheduleAgain();
     void foreignEntity();
 };
@@ -671,14 +675,79 @@ void TestScenarioDocument::tooLargeToSave()
     ScenarioDataXml document(nullptr);
     QVERIFY(document.fromXmlFile(sFile) && document.errorString().isEmpty());
     QVERIFY(document.toXml().isEmpty());
-    QVERIFY(!document.toXmlFile(sFile));
+    const QString sTooLarge = document.errorString();
+    QVERIFY2(sTooLarge.endsWith(QStringLiteral("limit of 1000000 exceeded")), qPrintable(sTooLarge));
+    QVERIFY(!document.toXmlFile(sFile) && document.errorString() == sTooLarge);
     QVERIFY(ScenarioDataXml::xmlForObjects(document.scenarioObjects(), nullptr).isEmpty());
     QCOMPARE(QFileInfo(sFile).size(), xml.size());
     document.setScenarioObjects({});
     document.setDescription(QStringLiteral("x").repeated(1'000'000));
     QVERIFY(document.toXml().isEmpty());
     Limits::setValue(Limits::DocumentBytes, 0);
-    QVERIFY(document.toXml().size() > 1'000'000);
+    QVERIFY(document.toXml().size() > 1'000'000 && document.errorString().isEmpty());
+    QVERIFY(!document.toXmlFile(folder.path()));
+    QCOMPARE(document.errorString(), QStringLiteral("is no regular file"));
+    document.toXml(nullptr);
+    QCOMPARE(document.errorString(), QStringLiteral("there is no device"));
+}
+
+void TestScenarioDocument::sharedIds_data()
+{
+    QTest::addColumn<QString>("objects"); // a kind and an id each
+    QTest::addColumn<QString>("expected");
+    QTest::addColumn<int>("readBack"); // objects
+
+    const QString sEnd =
+        QStringLiteral(": a reader gets one object for each id; give every object its own id");
+    QTest::newRow("none") << "ea eb" << QString() << 2;
+    QTest::newRow("two emitters") << "ea ea" << QStringLiteral("2 emitters have the id \"a\"") + sEnd << 1;
+    QTest::newRow("emitters of both kinds")
+        << "ea xa xb" << QStringLiteral("2 emitters have the id \"a\"") + sEnd << 2;
+    QTest::newRow("networks stay apart") << "ea na na" << QString() << 3;
+    QTest::newRow("many") << "e%5 e%5 e%1 e%1 e%1 e3 e3 e4 e4 e2 e2"
+                          << QStringLiteral("3 emitters have the id \"%1\", 2 emitters have the id \"%5\", "
+                                            "2 emitters have the id \"2\", 2 more ids are shared") +
+                                 sEnd
+                          << 5;
+}
+
+/// Objects that share an id are written, and one of them is read: whoever saves
+/// them learns it.
+void TestScenarioDocument::sharedIds()
+{
+    QFETCH(QString, objects);
+    QFETCH(QString, expected);
+    QSet<ObjectPtr> all;
+    for (const QString& sObject : objects.split(u' ')) {
+        const QString sId = sObject.mid(1);
+        if (sObject[0] == u'n') {
+            all.insert(std::make_shared<ScenarioNetwork>(sId));
+        } else if (sObject[0] == u'x') {
+            all.insert(std::make_shared<ElintScenarioEmitter>(sId, QString()));
+        } else {
+            all.insert(std::make_shared<SzenarioEmitter>(sId, QString()));
+        }
+    }
+    ScenarioDataXml document(nullptr);
+    document.setScenarioObjects(all);
+    QLoggingCategory::setFilterRules(QString());
+    const TraceCollector traces;
+    QTemporaryDir folder;
+    QVERIFY(document.toXmlFile(folder.filePath(QStringLiteral("shared.sce"))));
+    QCOMPARE(document.errorString(), expected);
+    QVERIFY(!ScenarioDataXml::xmlForObjects(all, nullptr).isEmpty());
+    QStringList expectedTraces;
+    if (!expected.isEmpty()) {
+        for (const char* szWhat : {"Scenario", "Objects"}) {
+            expectedTraces.append(QLatin1String(szWhat) + QStringLiteral(" written: ") + expected +
+                                  QStringLiteral(" (simulation/simulationdata/scenariodataxml)"));
+        }
+    }
+    initTestCase(); // silent again
+    QCOMPARE(TraceCollector::lines(), expectedTraces);
+    QVERIFY(document.fromXml(document.toXml()) && document.errorString().isEmpty());
+    QTEST(static_cast<int>(document.scenarioObjects().size()), "readBack");
+    QCOMPARE(document.mergedIds().isEmpty(), expected.isEmpty());
 }
 
 /// What comes again replaces what was there: adding it every time would cost
