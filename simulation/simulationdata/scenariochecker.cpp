@@ -8,6 +8,8 @@
 #include "simulationdata/transmittersettings.h"
 #include "trace_p.h"
 
+#include <QHash>
+#include <QMap>
 #include <QSet>
 
 #include <algorithm>
@@ -15,6 +17,7 @@
 #include <optional>
 #include <span>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 namespace Simulation {
@@ -31,6 +34,47 @@ ScenarioFinding classFinding(const QString& a_sClass)
             ScenarioChecker::s_sInvalidClass,
             QStringLiteral("The class \"") + a_sClass + QStringLiteral("\" is not known: it stays as it is."),
             false};
+}
+
+/// Reports ids that several emitters have, each of them once.
+class IdRule
+{
+public:
+    /// `a_mergedIds` are those of ScenarioDataXml.
+    explicit IdRule(const QMap<QString, qsizetype>& a_mergedIds)
+        : m_mergedIds(a_mergedIds)
+    {}
+
+    void add(const QString& a_sId) { ++m_counts[a_sId]; }
+    void check(const QString& a_sId, QList<ScenarioFinding>& a_findings);
+
+private:
+    static ScenarioFinding finding(qsizetype a_iEmitters, const char* a_szConsequence);
+
+    QHash<QString, qsizetype> m_counts; ///< emitters of the scenario, by id
+    QMap<QString, qsizetype> m_mergedIds;
+};
+
+ScenarioFinding IdRule::finding(qsizetype a_iEmitters, const char* a_szConsequence)
+{
+    return {{},
+            {},
+            ScenarioChecker::s_sDuplicateId,
+            QString::number(a_iEmitters) + QLatin1String(a_szConsequence) +
+                QStringLiteral(" Give every emitter its own id."),
+            false};
+}
+
+void IdRule::check(const QString& a_sId, QList<ScenarioFinding>& a_findings)
+{
+    if (const qsizetype iEmitters = m_counts.take(a_sId); iEmitters > 1) {
+        a_findings.append(finding(
+            iEmitters, " emitters have this id: a reader of the saved scenario gets one emitter for them."));
+    }
+    if (const qsizetype iMerged = m_mergedIds.take(a_sId); iMerged > 1) {
+        a_findings.append(
+            finding(iMerged, " emitters of the document have this id: they were read as one emitter."));
+    }
 }
 
 /// Gives an object the settings that it lacks. A finding for each.
@@ -98,7 +142,7 @@ std::vector<Subject> subjectsOf(const QSet<std::shared_ptr<ScenarioObject>>& a_o
 class Run
 {
 public:
-    Run(ISignalPackageProvider* a_pProvider, const QSet<QString>& a_knownClasses);
+    Run(ISignalPackageProvider* a_pProvider, const QSet<QString>& a_knownClasses, IdRule a_ids);
 
     /// What is found at objects that agree in kind, id and name. Nothing else
     /// could tell a reader which of them is meant, and a set has no order, so
@@ -110,11 +154,13 @@ private:
 
     std::optional<PackageRule> m_packages;
     const QSet<QString>& m_knownClasses;
+    IdRule m_ids;
     SettingsRule m_settings;
 };
 
-Run::Run(ISignalPackageProvider* a_pProvider, const QSet<QString>& a_knownClasses)
+Run::Run(ISignalPackageProvider* a_pProvider, const QSet<QString>& a_knownClasses, IdRule a_ids)
     : m_knownClasses(a_knownClasses)
+    , m_ids(std::move(a_ids))
 {
     if (a_pProvider != nullptr) {
         m_packages.emplace(*a_pProvider);
@@ -139,6 +185,9 @@ QList<ScenarioFinding> Run::check(std::span<const Subject> a_alike)
 {
     QList<ScenarioFinding> others;
     for (const Subject& subject : a_alike) {
+        if (subject.emitter != nullptr) {
+            m_ids.check(subject.emitter->id(), others);
+        }
         if (subject.emitter != nullptr && !m_knownClasses.isEmpty() &&
             !m_knownClasses.contains(subject.emitter->getClass())) {
             others.append(classFinding(subject.emitter->getClass()));
@@ -176,7 +225,13 @@ void ScenarioChecker::check(ScenarioDataXml& a_scenario)
     m_findings.clear();
     const auto objects = a_scenario.scenarioObjects();
     const std::vector<Subject> subjects = subjectsOf(objects);
-    Run run(m_pProvider, m_knownClasses);
+    IdRule ids(a_scenario.mergedIds());
+    for (const Subject& subject : subjects) {
+        if (subject.emitter != nullptr) {
+            ids.add(subject.emitter->id());
+        }
+    }
+    Run run(m_pProvider, m_knownClasses, std::move(ids));
     for (auto first = subjects.cbegin(); first != subjects.cend();) {
         const auto last = std::find_if(first, subjects.cend(),
                                        [&](const Subject& a_subject) { return a_subject.key != first->key; });
@@ -185,8 +240,9 @@ void ScenarioChecker::check(ScenarioDataXml& a_scenario)
     }
     if (!m_findings.isEmpty()) {
         traceError(s_szSource, [&] {
-            return QStringLiteral("The check of a scenario found %1 %2, %3 %4, %5 %6")
+            return QStringLiteral("The check of a scenario found %1 %2, %3 %4, %5 %6, %7 %8")
                 .arg(QString::number(count(s_sInvalidSignalPackage)), s_sInvalidSignalPackage,
+                     QString::number(count(s_sDuplicateId)), s_sDuplicateId,
                      QString::number(count(s_sInvalidClass)), s_sInvalidClass,
                      QString::number(count(s_sMissingSettings)), s_sMissingSettings);
         });

@@ -25,10 +25,13 @@ struct ScenarioFinding
 };
 
 /// Checks the objects of a scenario and repairs in place what it can, so that
-/// whoever plays the scenario need not ask. Three rules:
+/// whoever plays the scenario need not ask. Four rules:
 ///
 /// - every emission of an object's own schedule has a signal package that the
 ///   provider knows; those that have none get the provider's default package,
+/// - every emitter has an id of its own, in the scenario and in the document that
+///   it was read from: a reader makes one emitter of those who share an id, which
+///   is reported only,
 /// - the class of every emitter is a known one; others are reported only,
 /// - every object has the settings objects that belong to it; missing ones are
 ///   replaced by those of a new object.
@@ -41,6 +44,7 @@ class SIMULATIONDATA_EXPORT ScenarioChecker
 public:
     /// The ids of the rules.
     static constexpr QLatin1String s_sInvalidSignalPackage{"invalid-signal-package"};
+    static constexpr QLatin1String s_sDuplicateId{"duplicate-id"};
     static constexpr QLatin1String s_sInvalidClass{"invalid-class"};
     static constexpr QLatin1String s_sMissingSettings{"missing-settings"};
 
@@ -61,14 +65,17 @@ public:
     void check(ScenarioDataXml& a_scenario);
 
     /// Whether the last run found emissions without a usable package, emitters
-    /// of an unknown class, missing settings objects; repaired or not.
+    /// that share an id, emitters of an unknown class, missing settings objects;
+    /// repaired or not.
     [[nodiscard]] bool hadInvalidSignalPackages() const { return count(s_sInvalidSignalPackage) != 0; }
+    [[nodiscard]] bool hadDuplicateIds() const { return count(s_sDuplicateId) != 0; }
     [[nodiscard]] bool hadInvalidClasses() const { return count(s_sInvalidClass) != 0; }
     [[nodiscard]] bool hadNullPointerSettings() const { return count(s_sMissingSettings) != 0; }
 
     /// What the last run found: emitters before networks, in the order of ids
     /// and names, at each object in the order of the rules above; one for each
-    /// package id, class and settings object. The same scenario gives the same
+    /// package id, class and settings object; a shared id at the first object that
+    /// has it. The same scenario gives the same
     /// list. An emission that several schedules share counts at the first.
     [[nodiscard]] const QList<ScenarioFinding>& findings() const { return m_findings; }
 

@@ -14,6 +14,8 @@ const char s_szCheck[] = "Checks scenario documents and writes one line for ever
                          "  invalid-signal-package  an emission names no package, or one that the\n"
                          "                          repository does not have; only with --repository.\n"
                          "                          Repaired: it gets the default package.\n"
+                         "  duplicate-id            several emitters have one id, so that they are read\n"
+                         "                          as one; never repaired\n"
                          "  invalid-class           an emitter is of none of the classes that --class\n"
                          "                          names; never repaired\n"
                          "  missing-settings        an object has no frequency, position or transmitter\n"
@@ -50,7 +52,8 @@ void addCheckOptions(QCommandLineParser& a_parser)
     a_parser.addOption(
         {s_sRepair,
          QStringLiteral("Write the scenario, with all that can be repaired, to OUT, also when nothing was "
-                        "found. OUT may be the one FILE itself, unless that broke off."),
+                        "found. OUT may be the one FILE itself, unless that broke off or "
+                        "holds a duplicate-id."),
          QStringLiteral("OUT")});
     a_parser.addOption(
         {s_sClass,

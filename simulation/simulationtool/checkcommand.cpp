@@ -20,6 +20,17 @@ namespace SimulationTool {
 
 namespace {
 
+/// What of a document its reader has not kept; empty when it has kept all.
+QString lossOf(const Simulation::ScenarioDataXml& a_scenario)
+{
+    if (!a_scenario.errorString().isEmpty()) {
+        return QStringLiteral("broke off, and what did not come through");
+    }
+    return a_scenario.mergedIds().isEmpty()
+               ? QString()
+               : QStringLiteral("holds several emitters of one id, and all but one of them");
+}
+
 /// Checks files against the same packages and classes, and counts.
 class FileCheck
 {
@@ -74,10 +85,9 @@ void FileCheck::tellFindings(const QString& a_sFile)
 /// Writes the scenario as it is after the check.
 ExitCode FileCheck::repair(Simulation::ScenarioDataXml& a_scenario, const QString& a_sFile)
 {
-    if (!a_scenario.errorString().isEmpty() && isSameFile(a_sFile, m_options.repairFile)) {
-        complain(QStringLiteral("check: %1 broke off, and what did not come through would be lost: give "
-                                "another --repair")
-                     .arg(a_sFile));
+    const QString sLoss = lossOf(a_scenario);
+    if (!sLoss.isEmpty() && isSameFile(a_sFile, m_options.repairFile)) {
+        complain(QStringLiteral("check: %1 %2 would be lost: give another --repair").arg(a_sFile, sLoss));
         return ExitCode::Unusable;
     }
     const QByteArray document = a_scenario.toXml();

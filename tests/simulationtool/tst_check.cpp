@@ -113,6 +113,14 @@ void tst_Check::file_data()
                        "[invalid-class]"_s,
                        sSettings, u"1 file checked: 2 findings"_s}
         << QString();
+    QTest::newRow("an id three times")
+        << QByteArray("<Scenario><Emitter ID='a'/><ElintEmitter ID='a'/><Network ID='a'/>"
+                      "<Emitter ID='a' Name='A'/></Scenario>")
+        << QStringList() << 1
+        << QStringList{u"a.sce: a (A): 3 emitters of the document have this id: they were read as one "
+                       "emitter. Give every emitter its own id. [duplicate-id]"_s,
+                       u"1 file checked: 1 finding"_s}
+        << QString();
     QTest::newRow("broken off")
         << bare << QStringList() << 1
         << QStringList{u"a.sce: broke off: line 1, column 91: Premature end of document. [broken-off]"_s,
@@ -173,6 +181,11 @@ void tst_Check::repair_data()
         u"check: a.sce broke off, and what did not come through would be lost: give another --repair"_s;
     QTest::newRow("the same file, broken off") << cut << cut << u"a.sce"_s << 2 << sLost;
     QTest::newRow("a link to it, broken off") << cut << cut << u"link.sce"_s << 2 << sLost;
+    const QByteArray twice = "<Scenario><Emitter ID='a' Name='1'/><Emitter ID='a'/></Scenario>";
+    QTest::newRow("the same file, an id twice")
+        << twice << twice << u"a.sce"_s << 2
+        << u"check: a.sce holds several emitters of one id, and all but one of them would be lost: give "
+           "another --repair"_s;
     const QByteArray nothing = "cannot be read";
     QTest::newRow("in no folder") << whole << nothing << u"none/out.sce"_s << 2
                                   << u"none/out.sce: No such file or directory"_s;
