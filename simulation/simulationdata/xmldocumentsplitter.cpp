@@ -158,9 +158,11 @@ bool XmlDocumentSplitter::parse(qsizetype a_iBytes)
     return sFault.isEmpty() || fail(sFault);
 }
 
-QString XmlDocumentSplitter::readerFault(const QByteArray& a_piece)
+QString XmlDocumentSplitter::readerFault(QByteArray a_piece)
 {
-    m_reader->addData(a_piece);
+    // The reader may take a zero for the end of what has arrived. It refuses all
+    // other forbidden characters wherever they are.
+    m_reader->addData(a_piece.replace('\0', '\x01'));
     do { // an earlier want of more bytes still stands as an error here
         m_reader->readNext();
         if (m_reader->isStartDocument() && !adoptEncoding(m_reader->documentEncoding())) {

@@ -49,7 +49,7 @@ private:
     bool scan();
     void skipBlanks();
     bool parse(qsizetype a_iBytes);
-    [[nodiscard]] QString readerFault(const QByteArray& a_piece);
+    [[nodiscard]] QString readerFault(QByteArray a_piece);
     bool adoptEncoding(QStringView a_sDeclared);
     void startDocument();
     bool fail(QString a_sFault);

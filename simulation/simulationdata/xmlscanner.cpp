@@ -121,7 +121,7 @@ void XmlScanner::readLimits()
 qint64 XmlScanner::parsableBytes() const
 {
     if (m_bOffence) {
-        return m_offence.offset;
+        return m_iExceeding;
     }
     // A section outside the elements is a fault, which a parser sees at once.
     const bool bHeld = m_eState == State::Open || m_eState == State::Markup || m_eState == State::Comment ||
@@ -201,7 +201,7 @@ const char* XmlScanner::scanStartTag(const char* a_pFrom, const char* a_pEnd)
         const char c = *p;
         if (c == '"' || c == '\'') {
             if (++m_uiAttributes > m_uiMaxAttributes) {
-                offend(Limits::ElementAttributes);
+                offendAt(p, Limits::ElementAttributes);
                 return a_pEnd;
             }
             const char* const pQuote = find(p + 1, a_pEnd, c);
@@ -277,12 +277,12 @@ const char* XmlScanner::scanDeclaration(const char* a_pFrom, const char* a_pEnd)
     for (const char* p = a_pFrom; p != a_pEnd; ++p) {
         const qint64 iBytes = m_iChunk + (p - m_chunk.data()) - m_iOpen + 1;
         if (m_uiDoctypeBytes + static_cast<std::uint64_t>(iBytes) > m_uiMaxDoctype) {
-            offend(Limits::DoctypeBytes);
+            offendAt(p, Limits::DoctypeBytes);
             return a_pEnd;
         }
         const bool bEnd = m_declarationEnd.consume(*p);
         if (m_declarationEnd.entities() > m_uiMaxEntities) {
-            offend(Limits::EntityDeclarations);
+            offendAt(p, Limits::EntityDeclarations);
             return a_pEnd;
         }
         if (bEnd) {
@@ -310,11 +310,21 @@ void XmlScanner::closeTag()
     m_eState = State::Text;
 }
 
+/// The whole construct is beyond the limit.
 void XmlScanner::offend(Limits::Limit a_eLimit)
 {
     const XmlPosition position = openPosition();
+    m_iExceeding = m_iOpen;
     m_bOffence = true;
     m_offence = {m_iOpen, position.line, position.column, a_eLimit, Limits::exceeded(a_eLimit)};
+}
+
+/// The construct is within the limit up to that byte. A parser is given all
+/// bytes before it, as it was when they came one by one.
+void XmlScanner::offendAt(const char* a_pByte, Limits::Limit a_eLimit)
+{
+    offend(a_eLimit);
+    m_iExceeding = m_iChunk + (a_pByte - m_chunk.data());
 }
 
 XmlPosition XmlScanner::openPosition() const

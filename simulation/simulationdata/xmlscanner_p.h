@@ -88,9 +88,9 @@ public:
     /// The bytes taken so far, up to the piece with an offence.
     [[nodiscard]] qint64 bytes() const { return m_iChunk; }
 
-    /// The first of these that a parser can be given: not the offence, nor a
-    /// comment, section or instruction that has not ended. A stream reader would
-    /// scan such a stretch again with every further byte.
+    /// The first of these that a parser can be given: not the byte that exceeds a
+    /// limit, nor a comment, section or instruction that has not ended. A stream
+    /// reader would scan such a stretch again with every further byte.
     [[nodiscard]] qint64 parsableBytes() const;
 
     [[nodiscard]] bool hasOffence() const { return m_bOffence; }
@@ -129,6 +129,7 @@ private:
     void enter(State a_eState);
     void closeTag();
     void offend(Limits::Limit a_eLimit);
+    void offendAt(const char* a_pByte, Limits::Limit a_eLimit);
     [[nodiscard]] XmlPosition openPosition() const;
 
     Limits::Limit m_eElements;
@@ -151,6 +152,7 @@ private:
     std::uint64_t m_uiMaxDoctype = 0;
     std::uint64_t m_uiMaxEntities = 0;
     qint64 m_iOpen = 0;          ///< offset of the '<' of the latest construct
+    qint64 m_iExceeding = 0;     ///< offset of the byte that exceeds a limit
     qint64 m_iChunk = 0;         ///< offset of the chunk
     QByteArrayView m_chunk;      ///< the chunk being scanned
     XmlPosition m_chunkPosition; ///< of the chunk's first byte

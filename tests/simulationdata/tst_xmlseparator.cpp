@@ -4,6 +4,7 @@
 #include "simulationdata/xmlseparator_p.h"
 
 #include <QMetaMethod>
+#include <QRandomGenerator>
 #include <QTcpSocket>
 #include <QtEndian>
 #include <QTest>
@@ -25,6 +26,8 @@ private Q_SLOTS:
     void metaObject();
     void documents_data();
     void documents();
+    void cuts_data();
+    void cuts();
     void longStretches();
     void errors_data();
     void errors();
@@ -105,6 +108,24 @@ struct Peer
     QByteArrayList documents;
     QStringList errors;
 };
+
+/// The documents that a stream gives when it arrives in pieces that end there,
+/// and then the errors.
+QByteArrayList outcome(const QByteArray& a_stream, const QList<qsizetype>& a_ends,
+                       XmlSeparator::FramingMode a_eMode = XmlSeparator::PlainXml)
+{
+    Peer peer(a_eMode);
+    qsizetype iFrom = 0;
+    for (const qsizetype iEnd : a_ends) {
+        peer.arrive(a_stream.sliced(iFrom, iEnd - iFrom));
+        iFrom = iEnd;
+    }
+    peer.arrive(a_stream.sliced(iFrom));
+    for (const QString& sError : peer.errors) {
+        peer.documents += sError.toUtf8();
+    }
+    return peer.documents;
+}
 
 QByteArray bigEndian(qsizetype a_iLength)
 {
@@ -194,6 +215,97 @@ void TestXmlSeparator::documents()
     }
 }
 
+void TestXmlSeparator::cuts_data()
+{
+    constexpr quint32 uiRandomRows = 100;
+    constexpr int iMostTokens = 14;
+    const QByteArray zero(1, '\0');
+    QTest::addColumn<QByteArray>("stream");
+    QTest::addColumn<int>("results"); // documents and errors; -1: whatever there are
+    const auto row = [](const char* a_szRow, const QByteArray& a_stream, int a_iResults) {
+        QTest::newRow(a_szRow) << a_stream << a_iResults;
+    };
+    row("zero in a text behind brackets", "<l>]]]]m]]]<l>]]]" + zero + "0]]]</l></l><b/><c/>", 1);
+    row("zero behind a document", "<b/><l>x]]" + zero + "</l><c/>", 2);
+    row("zeros behind brackets", "<l>mm]]]" + zero + zero + "m]]]" + zero + "</l>", 1);
+    row("zero instead of a document", "<b/>" + zero + "<c/>", 2);
+    row("zero in a tag", "<b/><l a='" + zero + "'/>", 2);
+    row("end of a section in a text", "<b/><l>x]]]></l>", 2);
+    row("section in brackets", "<l>]]<![CDATA[]]]]>]]</l><c/>", 2);
+    row("fault before an entity", "<!DOCTYPE a [<&<!ENTITY b 'b'>]><a/>", 1);
+    row("fault behind a document type", "<b/><!DOCTYPE a []<!ENTITY b 'b'>", 2);
+    row("fault before an attribute too many", "<l a='1'b='2' c='3'/>", 1);
+    row("broken UTF-8", "<b/><l>\xF0\x9F\x93</l>", 2);
+    row("reference without end", "<b/><l>&#x41</l><c/>", 2);
+
+    const QByteArrayList tokens{"<l>",
+                                "</l>",
+                                "<l>",
+                                "</l>",
+                                "<b/>",
+                                "<c a='1'/>",
+                                "]",
+                                "]]",
+                                "]]>",
+                                ">",
+                                "<",
+                                "&",
+                                "&lt;",
+                                "&#x4",
+                                "1;",
+                                "\xC3",
+                                "\xA4",
+                                "\xEF\xBF\xBF",
+                                zero,
+                                zero,
+                                "\x01",
+                                "m",
+                                "\n",
+                                "<!--",
+                                "--",
+                                "-->",
+                                "<![CDATA[",
+                                "<?p",
+                                "?>",
+                                "'",
+                                "=",
+                                "<a b='",
+                                "<!DOCTYPE a [",
+                                "<!ENTITY b ",
+                                "\xEF\xBB\xBF",
+                                "<?xml version='1.0' encoding='ISO-8859-1'?>"};
+    for (quint32 uiSeed = 1; uiSeed <= uiRandomRows; ++uiSeed) {
+        QRandomGenerator random(uiSeed);
+        QByteArray stream = "<l>";
+        for (int i = random.bounded(iMostTokens); i >= 0; --i) {
+            stream += tokens[random.bounded(tokens.size())];
+        }
+        row(QByteArray("random ").append(QByteArray::number(uiSeed)).constData(), stream, -1);
+    }
+}
+
+/// The pieces that a stream arrives in never change what it gives.
+void TestXmlSeparator::cuts()
+{
+    Limits::setValue(Limits::ElementAttributes, 2);
+    QFETCH(QByteArray, stream);
+    QFETCH(int, results);
+    const QByteArrayList whole = outcome(stream, {});
+    QVERIFY(results < 0 || whole.size() == results);
+    QList<qsizetype> everywhere;
+    for (qsizetype i = 1; i < stream.size(); ++i) {
+        QCOMPARE(outcome(stream, {i}), whole);
+        everywhere += i;
+    }
+    QCOMPARE(outcome(stream, everywhere), whole);
+
+    constexpr auto eMode = XmlSeparator::LengthPrefixedBigEndian;
+    const QByteArray framed = frame(stream, eMode);
+    for (qsizetype i = 1; i < framed.size(); ++i) {
+        QCOMPARE(outcome(framed, {i}, XmlSeparator::AutoDetect), QByteArrayList{stream});
+    }
+}
+
 /// What is four times as long takes four times the work, one byte at a time;
 /// it would be sixteen times if every byte were to look at all before it.
 void TestXmlSeparator::longStretches()
@@ -262,7 +374,7 @@ void TestXmlSeparator::errors()
     QFETCH(QByteArray, stream);
     QFETCH(QString, error);
     if (error.isEmpty()) {
-        QXmlStreamReader reader(stream);
+        QXmlStreamReader reader(QByteArray(stream).replace('\0', '\x01')); // which it refuses anywhere
         while (!reader.atEnd()) {
             reader.readNext();
         }
