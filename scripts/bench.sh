@@ -4,8 +4,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/setup.sh
-cmake --preset release >/dev/null
+scripts/setup.sh bench
+cmake --preset release -DSIMULATION_BUILD_BENCHMARKS=ON >/dev/null
 cmake --build --preset release
 
 for benchmark in build/release/bin/bench_*; do

@@ -1,23 +1,48 @@
 #!/usr/bin/env bash
-# The main job: builds the release, makes a repository of signal packages in a
-# scratch folder, plays the default scenario with them, and sends it the whole
-# road from an editor through the service to two devices. Arguments go to
-# "simulationtool play".
+# The main job: builds the release, makes a repository of signal packages, plays
+# the default scenario with them, and sends it the whole road from an editor
+# through the service to two devices. Shows the beginning and the last line of
+# what each step prints; the whole of it stays in build/demo. Arguments go to "simulationtool
+# play".
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/setup.sh
-cmake --preset release >/dev/null
-cmake --build --preset release --target simulationtool
-
-scratch=$(mktemp -d)
-trap 'rm -rf "$scratch"' EXIT
 tool=build/release/bin/simulationtool
+folder=build/demo
+lines=10 # shown of the beginning of a step: 60 lines in all are read, 1300 are not
+rm -rf "$folder"
+mkdir -p "$folder"
 
-"$tool" repository init "$scratch/repository"
+# step NAME COMMAND...: runs it into NAME.txt and shows the beginning.
+step() {
+    local file=$folder/$1.txt
+    echo "$1: ${*:2}"
+    "${@:2}" >"$file" 2>&1 || {
+        tail -n 30 "$file"
+        echo "demo.sh: \"${*:2}\" failed; all that it printed is in $file" >&2
+        exit 1
+    }
+    head -n "$lines" "$file"
+    local rest=$(($(wc -l <"$file") - lines))
+    [ "$rest" -le 1 ] || echo "... $((rest - 1)) more lines in $file"
+    [ "$rest" -le 0 ] || tail -n 1 "$file"
+    echo
+}
+
+scripts/setup.sh build
+echo "build: the release, which takes minutes when it is built for the first time"
+{
+    cmake --preset release && cmake --build --preset release --target simulationtool
+} >"$folder/build.txt" 2>&1 || {
+    tail -n 30 "$folder/build.txt"
+    echo "demo.sh: the build failed; all that it printed is in $folder/build.txt" >&2
+    exit 1
+}
 echo
-"$tool" repository list "$scratch/repository"
-echo
-"$tool" play --repository "$scratch/repository" --cache "$scratch/cache" "$@"
-echo
-"$tool" demo
+
+step init "$tool" repository init "$folder/repository"
+step list "$tool" repository list "$folder/repository"
+step play "$tool" play --repository "$folder/repository" --cache "$folder/cache" "$@"
+step road "$tool" demo
+echo "Left in $folder: build.txt, init.txt, list.txt, play.txt, road.txt,"
+echo "repository (signal packages) and cache (their copies)"

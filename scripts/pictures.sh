@@ -6,7 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 folder=${1:-build/pictures}
-scripts/setup.sh
+scripts/setup.sh build
 cmake --preset debug >/dev/null
 cmake --build --preset debug --target monitor simulationtool
 mkdir -p "$folder"

@@ -1,15 +1,32 @@
 #!/usr/bin/env bash
 # Installs what the project needs from Debian, and only what is missing. Works
-# as root and through sudo; says nothing and takes no time when all is there.
+# as root and through sudo; prints nothing and takes no time when all is there.
+#
+#   scripts/setup.sh [build|test|bench|lint]...    without an argument: all of it
 set -euo pipefail
 
-packages=(
-    build-essential cmake ninja-build git ca-certificates
+build=(
+    build-essential cmake ninja-build
     qt6-base-dev libgl-dev libboost-dev libgeographiclib-dev libpugixml-dev
     libzip-dev zlib1g-dev
-    libbenchmark-dev libsndfile1-dev
-    clang-14 clang-format-14 clang-tidy-14
 )
+bench=(libbenchmark-dev libsndfile1-dev)
+lint=(git clang-14 clang-format-14 clang-tidy-14)
+
+[ $# -gt 0 ] || set -- build bench lint
+packages=()
+for purpose in "$@"; do
+    case $purpose in
+        build | test) packages+=("${build[@]}") ;;
+        bench) packages+=("${build[@]}" "${bench[@]}") ;;
+        # The benchmarks are checked, too.
+        lint) packages+=("${build[@]}" "${bench[@]}" "${lint[@]}") ;;
+        *)
+            echo "setup.sh: unknown purpose \"$purpose\": give build, test, bench or lint" >&2
+            exit 2
+            ;;
+    esac
+done
 
 installed=$(dpkg-query --show --showformat='${Package} ${db:Status-Status}\n' "${packages[@]}" 2>/dev/null || true)
 missing=()
