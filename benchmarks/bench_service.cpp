@@ -1,98 +1,151 @@
+#include "benchedservice.h"
 #include "kpbase/errorhandler.h"
-#include "simulationdata/simulationdeviceconfiguration.h"
-#include "simulationdata/simulationservicecommunication.h"
+#include "serviceattacks.h"
 
 #include <QCoreApplication>
-#include <QEventLoop>
-#include <QFile>
-#include <QProcess>
-#include <QTcpSocket>
-#include <QTimer>
 
+#include <algorithm>
 #include <cstdio>
-#include <memory>
+#include <optional>
 #include <vector>
 
-#include <unistd.h>
-
-// What a service with 200 idle devices costs: processor time over some seconds,
-// beside that of the same process while the devices registered.
-
-using namespace Simulation;
+// What a service with 200 idle devices costs, and how long a start takes to reach
+// all of them, and the state of one the controller, while other peers attack the
+// service.
 
 namespace {
 
-constexpr int s_iDevices = 200;
 constexpr int s_iIdleMs = 5000;
-constexpr int s_iTimeoutMs = 10'000;
+constexpr int s_iSettleMs = 500;        ///< from the beginning of an attack to the first start
+constexpr int s_iStarts = 20;           ///< of one attack
+constexpr int s_iIntervalMs = 100;      ///< between two starts
+constexpr double s_dOverdueMs = 5000.0; ///< what takes longer is given up
+constexpr double s_dHalf = 0.5;
+constexpr std::int64_t s_iMebi = 1024 * 1024;
+constexpr double s_dLongestMs = 100.0;  ///< goal
+constexpr double s_dMostMemory = 256.0; ///< MiB, goal
 
-/// Processor time of a process so far (ms), as the kernel counts it.
-double processorTime(qint64 a_iProcess)
+struct Scene
 {
-    constexpr qsizetype iUserTime = 11; // counted from behind the program's name
-    QFile file(QStringLiteral("/proc/%1/stat").arg(a_iProcess));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return -1.0;
-    }
-    const QByteArray text = file.readAll();
-    const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
-    const double dTicks = fields.value(iUserTime).toDouble() + fields.value(iUserTime + 1).toDouble();
-    return dTicks * 1000.0 / static_cast<double>(sysconf(_SC_CLK_TCK));
-}
-
-void runFor(int a_iMilliseconds)
-{
-    QEventLoop loop;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
-    timer.start(a_iMilliseconds);
-    loop.exec();
-}
-
-/// The port that the service tells; 0 when it does not start.
-quint16 startService(QProcess& a_service)
-{
-    a_service.setProcessChannelMode(QProcess::SeparateChannels);
-    a_service.setStandardErrorFile(QProcess::nullDevice());
-    a_service.start(QStringLiteral(SIMULATIONTOOL_PATH),
-                    {QStringLiteral("service"), QStringLiteral("--port"), QStringLiteral("0")});
-    while (!a_service.canReadLine() && a_service.waitForReadyRead(s_iTimeoutMs)) {
-    }
-    return a_service.readLine().trimmed().split(' ').last().toUShort();
-}
-
-struct Device
-{
-    QTcpSocket socket;
-    SimulationServiceCommunication communication{&socket};
+    const char* name;
+    int attackers;
+    Attack attack;
 };
 
-/// Registers all devices and waits until each is accepted. False on a timeout.
-bool registerDevices(std::vector<std::unique_ptr<Device>>& a_devices, quint16 a_uiPort)
+/// The element below which the given part of the values lies.
+double quantile(std::vector<double> a_values, double a_dPart)
 {
-    QEventLoop loop;
-    int iAccepted = 0;
-    for (int i = 0; i < s_iDevices; ++i) {
-        auto device = std::make_unique<Device>();
-        SimulationServiceCommunication* const pService = &device->communication;
-        QObject::connect(pService, &SimulationServiceCommunication::acceptSimulationDevice, &loop, [&] {
-            if (++iAccepted == s_iDevices) {
-                loop.quit();
-            }
-        });
-        QObject::connect(&device->socket, &QTcpSocket::connected, &loop, [pService, i] {
-            SimulationDeviceConfiguration configuration;
-            configuration.setId(QString::number(i));
-            pService->sendRegisterSimulationDevice(configuration.id(), configuration);
-        });
-        device->socket.connectToHost(QStringLiteral("127.0.0.1"), a_uiPort);
-        a_devices.push_back(std::move(device));
+    if (a_values.empty()) {
+        return -1.0;
     }
-    QTimer timeout;
-    QObject::connect(&timeout, &QTimer::timeout, &loop, &QEventLoop::quit);
-    timeout.start(s_iTimeoutMs);
-    loop.exec();
-    return iAccepted == s_iDevices;
+    std::sort(a_values.begin(), a_values.end());
+    const auto uiLast = static_cast<double>(a_values.size() - 1);
+    return a_values[static_cast<std::size_t>(uiLast * a_dPart)];
+}
+
+/// False when the service does not accept its devices.
+bool measureIdle()
+{
+    const BenchedService service;
+    const BenchedPeers peers(service.port());
+    if (!peers.isReady()) {
+        return false;
+    }
+    const double dRegistered = service.processorTime();
+    runFor(s_iIdleMs);
+    std::printf("service with %d idle devices: %.0f ms of processor time in %d ms; starting and registering "
+                "them: %.0f ms\n",
+                BenchedPeers::s_iDevices, service.processorTime() - dRegistered, s_iIdleMs, dRegistered);
+    return true;
+}
+
+/// How long one kind of message takes, again and again.
+struct Delays
+{
+    std::vector<double> times; ///< ms
+    int overdue = 0;
+
+    void add(const std::optional<double>& a_time)
+    {
+        if (a_time) {
+            times.push_back(*a_time);
+        } else {
+            ++overdue;
+        }
+    }
+
+    [[nodiscard]] double worst() const { return overdue == 0 ? quantile(times, 1.0) : s_dOverdueMs; }
+
+    void print(const char* a_szName) const
+    {
+        std::printf("  %s: median %.1f ms, worst %s%.1f ms", a_szName, quantile(times, s_dHalf),
+                    overdue == 0 ? "" : "more than ", worst());
+    }
+};
+
+bool measureAttack(const Scene& a_scene)
+{
+    const BenchedService service;
+    BenchedPeers peers(service.port());
+    if (!peers.isReady() || !peers.start()) {
+        return false;
+    }
+    const Attackers attackers(a_scene.attackers, service.port(), a_scene.attack);
+    runFor(s_iSettleMs);
+    Delays starts;
+    Delays news;
+    for (int i = 0; i < s_iStarts && starts.overdue + news.overdue == 0; ++i) {
+        starts.add(peers.start());
+        news.add(peers.news());
+        runFor(s_iIntervalMs);
+    }
+    const double dMemory = service.peakMemory();
+    const bool bGood = starts.worst() <= s_dLongestMs && news.worst() <= s_dLongestMs && dMemory >= 0.0 &&
+                       dMemory <= s_dMostMemory && peers.evictions() == 0;
+    std::printf("%s:\n", a_scene.name);
+    starts.print("start");
+    news.print("news");
+    std::printf("  controller dropped %d times, peak %.0f MiB%s\n", peers.evictions(), dMemory,
+                bGood ? "" : "  BEYOND THE GOAL");
+    std::fflush(stdout);
+    return true;
+}
+
+bool measureBurst()
+{
+    constexpr int iConnections = 3000;
+    constexpr double dMost = 0.99;
+    std::vector<double> times;
+    const bool bMeasured = measureAttack({"bursts of 3,000 connections", 1, burst(iConnections, &times)});
+    std::printf("%-36s median %7.1f ms, 99 of 100 within %.1f ms, %zu connections\n",
+                "  until such a connection is made", quantile(times, 0.5), quantile(times, dMost),
+                times.size());
+    return bMeasured;
+}
+
+/// What fits into one send of an attacker, so that sending costs it little.
+QByteArray manyOf(const QByteArray& a_commands)
+{
+    constexpr qsizetype iBytes = 256 * 1024;
+    return a_commands.repeated(std::max<qsizetype>(1, iBytes / a_commands.size()));
+}
+
+std::vector<Scene> scenes()
+{
+    const QByteArray acquire("<Command><AcquireServer/></Command>");
+    const QByteArray release("<Command><ReleaseServer/></Command>");
+    const QByteArray ask("<Command><RequestSimulationDevices/></Command>");
+    const QByteArray states = manyOf(stateUpdate("flood", 1) + stateUpdate("flood", 2));
+    return {
+        {"no attack", 0, {}},
+        {"1 acquires and releases, reads not", 1, repeat({}, manyOf(acquire + release), false)},
+        {"1 acquires and releases, and reads", 1, repeat({}, manyOf(acquire + release), true)},
+        {"1 device floods states", 1, repeat(registration("flood"), states, true)},
+        {"5 ask for the devices, read not", 5, repeat({}, manyOf(ask), false)},
+        {"5 flood orders without control", 5, repeat({}, manyOf("<Command><StopScenario/></Command>"), true)},
+        {"5 send scenarios of 340 KiB for 256 MiB", 5, repeat({}, bomb(256 * s_iMebi - 1), true)},
+        {"6 leave 200 MiB unfinished", 6, unfinished(200 * s_iMebi)},
+    };
 }
 
 } // namespace
@@ -101,20 +154,12 @@ int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
     ErrorHandler::Instance().setTraceMask(0); // every command that was processed is traced as an error
-    QProcess service;
-    const quint16 uiPort = startService(service);
-    std::vector<std::unique_ptr<Device>> devices;
-    if (uiPort == 0 || !registerDevices(devices, uiPort)) {
+    const std::vector<Scene> all = scenes();
+    const bool bMeasured =
+        measureIdle() && std::all_of(all.begin(), all.end(), measureAttack) && measureBurst();
+    if (!bMeasured) {
         std::fputs("bench_service: the service does not accept the devices\n", stderr);
         return 1;
     }
-    const double dRegistered = processorTime(service.processId());
-    runFor(s_iIdleMs);
-    const double dIdle = processorTime(service.processId()) - dRegistered;
-    std::printf("service with %d idle devices: %.0f ms of processor time in %d ms; starting and registering "
-                "them: %.0f ms\n",
-                s_iDevices, dIdle, s_iIdleMs, dRegistered);
-    service.terminate();
-    service.waitForFinished();
     return 0;
 }
