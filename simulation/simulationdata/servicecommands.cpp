@@ -5,6 +5,8 @@
 #include "trace_p.h"
 #include "xmltext_p.h"
 
+#include <QXmlStreamReader>
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -355,6 +357,19 @@ constexpr std::array<Command, 17> s_commands{{
 }};
 
 } // namespace
+
+QString peekedCommand(const QByteArray& a_document)
+{
+    constexpr qsizetype iShort = 16'384;
+    constexpr qsizetype iPeeked = 1024;
+    if (a_document.size() <= iShort) {
+        return {};
+    }
+    QXmlStreamReader reader(a_document.first(iPeeked));
+    reader.setNamespaceProcessing(false); // the names have no prefixes
+    const bool bCommand = reader.readNextStartElement() && reader.name() == s_root;
+    return bCommand && reader.readNextStartElement() ? reader.name().toString() : QString();
+}
 
 ReceivedCommand::ReceivedCommand(XmlElement a_element, bool a_bCompressed, Communication* a_pReceiver)
     : m_element(std::move(a_element))

@@ -5,10 +5,15 @@
 
 #include <QByteArray>
 #include <QLatin1String>
+#include <QString>
 
 namespace Simulation {
 
 class SimulationServiceCommunication;
+
+/// The name of the command in a document, as far as the first bytes show it;
+/// empty for a document so short that reading it whole costs no more.
+[[nodiscard]] QString peekedCommand(const QByteArray& a_document);
 
 /// A command that has come, and whose signals tell of it.
 class ReceivedCommand

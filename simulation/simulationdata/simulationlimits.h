@@ -41,6 +41,7 @@ public:
         PendingBytes,       ///< bytes that wait for one peer
         DeploymentObjects,  ///< stations and devices of one deployment document
         ListedDevices,      ///< devices of a table of devices
+        AllPendingBytes,    ///< bytes that wait for all peers of a service, and unfinished commands of theirs
         LimitCount          ///< number of limits, not a limit
     };
 

@@ -62,6 +62,11 @@ QTcpSocket* SimulationServiceCommunication::socket() const
     return m_pSocket.data();
 }
 
+qint64 SimulationServiceCommunication::unfinishedBytes() const
+{
+    return m_pSeparator != nullptr ? m_pSeparator->unfinishedBytes() : 0;
+}
+
 /// Ends the reading of that socket, of those that have died when it is null.
 void SimulationServiceCommunication::dropSeparators(const QTcpSocket* a_pSocket)
 {
@@ -105,6 +110,11 @@ void SimulationServiceCommunication::sendPayload(XmlElement a_command, const QSt
 // NOLINTNEXTLINE(readability-identifier-naming)
 void SimulationServiceCommunication::slotXmlReceived(const QByteArray& Xml)
 {
+    // Building the tree of a large document takes time and memory, too.
+    const QString sPeeked = m_filter ? peekedCommand(Xml) : QString();
+    if (!sPeeked.isEmpty() && isRefused(sPeeked, Xml.size())) {
+        return;
+    }
     QString sError;
     XmlElement root = XmlElement::parse(Xml, &sError);
     if (root.tagName() != QLatin1String("Command")) {
@@ -115,6 +125,9 @@ void SimulationServiceCommunication::slotXmlReceived(const QByteArray& Xml)
     }
     root = root.firstChild();
     const QString sName = root.tagName();
+    if (sPeeked.isEmpty() && isRefused(sName, Xml.size())) {
+        return;
+    }
     // The categories are the ones that the system's log filters expect.
     if (ReceivedCommand(std::move(root), m_bCompression, this).process()) {
         traceError(s_szSource, [&] { return QStringLiteral("Processed Command/Update: %1").arg(sName); });
@@ -122,6 +135,16 @@ void SimulationServiceCommunication::slotXmlReceived(const QByteArray& Xml)
         trace(ErrorHandler::TraceProgress, s_szSource,
               [&] { return QStringLiteral("Invalid or incomplete command/update: %1").arg(sName); });
     }
+}
+
+bool SimulationServiceCommunication::isRefused(const QString& a_sCommand, qsizetype a_iBytes) const
+{
+    if (!m_filter || m_filter(a_sCommand, a_iBytes)) {
+        return false;
+    }
+    trace(ErrorHandler::TraceProgress, s_szSource,
+          [&] { return QStringLiteral("Refused command/update: %1").arg(a_sCommand); });
+    return true;
 }
 
 // NOLINTNEXTLINE(readability-identifier-naming)

@@ -11,6 +11,9 @@
 #include <QString>
 #include <QVector>
 
+#include <functional>
+#include <utility>
+
 class QTcpSocket;
 class XmlSeparator;
 
@@ -65,6 +68,25 @@ public:
     /// set or has connected: the peer does not read, is gone, or would refuse
     /// the command for its size. It lacks that command, so drop it.
     [[nodiscard]] bool hasLostCommands() const { return m_bLostCommands; }
+
+    /// Decides whether a command that has arrived is processed, by its name on the
+    /// wire, for example "LoadScenario", and the bytes of its document.
+    using CommandFilter = std::function<bool(const QString& a_sCommand, qsizetype a_iBytes)>;
+
+    /// Has the filter asked once about every command, known or not, before its
+    /// parts are looked at and its payload is decoded: a receiver that refuses it
+    /// spares itself their time and memory, which may be a thousand times those
+    /// of the document. A refused command is traced and not signalled. Without a
+    /// filter, or with an empty one, all commands are processed.
+    ///
+    /// The filter is called from the event loop, on the thread of the socket. It
+    /// may send, but must neither delete this object nor set a filter or a socket.
+    void setCommandFilter(CommandFilter a_filter) { m_filter = std::move(a_filter); }
+
+    /// How much is held of a document that has begun to arrive over the socket in
+    /// use, and whose end has not (bytes): 0 between documents and without a
+    /// socket.
+    [[nodiscard]] qint64 unfinishedBytes() const;
 
     /// The text by which the service confirms a device, 28 characters: made
     /// from its id, machine, machine id and type. The device compares it with
@@ -127,12 +149,14 @@ private Q_SLOTS:
     // NOLINTEND(readability-identifier-naming)
 
 private:
+    [[nodiscard]] bool isRefused(const QString& a_sCommand, qsizetype a_iBytes) const;
     void dropSeparators(const QTcpSocket* a_pSocket);
     void sendCommand(const XmlElement& a_command);
     void sendPayload(XmlElement a_command, const QString& a_sName, const QByteArray& a_data);
 
     QPointer<QTcpSocket> m_pSocket;
     XmlSeparator* m_pSeparator = nullptr; ///< child
+    CommandFilter m_filter;               ///< empty = all commands are processed
     bool m_bCompression = true;
     bool m_bLostCommands = false;
 };

@@ -38,6 +38,9 @@ public:
     /// not come yet, or at a fault.
     [[nodiscard]] std::optional<QByteArray> takeDocument();
 
+    /// What is held of the document at hand (bytes).
+    [[nodiscard]] qsizetype bytes() const { return m_document.size() + m_buffer.size(); }
+
     /// Why no document can be read any more: the stream reader's words, or the
     /// limit. Empty while there is no fault.
     [[nodiscard]] const QString& fault() const { return m_sFault; }

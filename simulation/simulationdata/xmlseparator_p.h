@@ -64,6 +64,9 @@ public:
     void setCompressionLevel(int a_iLevel) { m_iCompressionLevel = a_iLevel; }
     [[nodiscard]] int compressionLevel() const { return m_iCompressionLevel; }
 
+    /// What is held of a document or frame whose end has not come (bytes).
+    [[nodiscard]] qint64 unfinishedBytes() const { return m_splitter.bytes() + m_buffer.size(); }
+
     // The meta-object carries these names, misspelt or not.
     // NOLINTBEGIN(readability-identifier-naming)
 Q_SIGNALS:

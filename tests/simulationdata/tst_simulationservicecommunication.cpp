@@ -168,6 +168,9 @@ private Q_SLOTS:
     void refused();
     void payloads_data();
     void payloads();
+    void filteredCommands_data();
+    void filteredCommands();
+    void unfinishedBytes();
     void cleanedTexts();
     void reconnection();
     void replacedSocket();
@@ -398,6 +401,69 @@ void TestSimulationServiceCommunication::payloads()
     QCOMPARE(TraceCollector::lines().size(), undecodable ? 2 : 1);
     QCOMPARE(TraceCollector::lines().constFirst().startsWith(QStringLiteral("Cannot decode ScenarioData: ")),
              undecodable);
+}
+
+void TestSimulationServiceCommunication::filteredCommands_data()
+{
+    QTest::addColumn<QByteArray>("document");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("signal"); // when the filter lets it pass
+    const QByteArray blanks(100'000, ' ');
+    QTest::newRow("small payload") << scenarioCommand("damaged") << "LoadScenario"
+                                   << "loadScenario()";
+    QTest::newRow("large payload") << scenarioCommand(packed("<S/>") + blanks) << "LoadScenario"
+                                   << "loadScenario(<S/>)";
+    QTest::newRow("large, after a long comment")
+        << "<!--" + blanks + "-->" + scenarioCommand(packed("<S/>")) << "LoadScenario"
+        << "loadScenario(<S/>)";
+    QTest::newRow("bare") << bare("StopScenario") << "StopScenario"
+                          << "stopScenario()";
+    QTest::newRow("unknown") << bare("Unknown") << "Unknown" << QString();
+    QTest::newRow("no command") << QByteArray("<Command/>") << QString() << QString();
+    QTest::newRow("large, another root")
+        << "<Commands><StopScenario/>" + blanks + "</Commands>" << QStringLiteral("-") << QString();
+}
+
+void TestSimulationServiceCommunication::filteredCommands()
+{
+    QFETCH(const QByteArray, document);
+    QFETCH(const QString, name);
+    QFETCH(const QString, signal);
+    Wire wire;
+    const Log log(*wire.communication);
+    QStringList asked;
+    bool bPasses = false;
+    wire.communication->setCommandFilter([&](const QString& a_sCommand, qsizetype a_iBytes) {
+        asked.append(a_sCommand + u' ' + QString::number(a_iBytes));
+        return bPasses;
+    });
+    const TraceCollector traces(ErrorHandler::TraceProgress | ErrorHandler::TraceError);
+    const QStringList question =
+        name == u'-' ? QStringList() : QStringList(name + u' ' + QString::number(document.trimmed().size()));
+    wire.sendBytes(document);
+    QTRY_COMPARE(TraceCollector::lines(),
+                 QStringList((name == u'-' ? QStringLiteral("Invalid xml: Commands")
+                                           : QStringLiteral("Refused command/update: ") + name) +
+                             QLatin1String(s_szSource)));
+    QCOMPARE(asked, question);
+    QCOMPARE(log.entries(), QStringList());
+    bPasses = true;
+    wire.sendBytes(document + bare("UnloadScenario"));
+    QTRY_VERIFY(log.entries().contains(QStringLiteral("unloadScenario()")));
+    QCOMPARE(asked.mid(0, question.size() * 2), question + question);
+    QCOMPARE(log.entries().contains(signal), !signal.isEmpty());
+}
+
+void TestSimulationServiceCommunication::unfinishedBytes()
+{
+    Wire wire;
+    QCOMPARE(wire.communication->unfinishedBytes(), 0);
+    wire.sendBytes(bare("StopScenario") + "<Command><StopScenario/>");
+    QTRY_COMPARE(wire.communication->unfinishedBytes(), 24);
+    wire.sendBytes("</Command>");
+    QTRY_COMPARE(wire.communication->unfinishedBytes(), 0);
+    wire.communication->setSocket(nullptr);
+    QCOMPARE(wire.communication->unfinishedBytes(), 0);
 }
 
 /// Characters that XML forbids would end the reading at the peer for good.
