@@ -13,6 +13,8 @@
 
 #include <QHostAddress>
 
+#include <chrono>
+
 namespace SimulationTool {
 
 namespace {
@@ -22,6 +24,10 @@ const char s_szService[] =
     "acquired it last has its scenarios, deployments and orders passed on to all of\n"
     "them and is told their states. A device that comes late is sent the deployment,\n"
     "the scenario and the start that hold. What happens is told on standard error.\n"
+    "\n"
+    "A program that leaves a command unfinished, or reads nothing of what it is sent,\n"
+    "for the time of --timeout is dropped. So is the one that makes the service hold\n"
+    "most, as soon as all together make it hold more than 128 MiB of such commands.\n"
     "\n"
     "The service ends when it is interrupted (SIGINT, SIGTERM).\n"
     "\n"
@@ -39,14 +45,18 @@ const char s_szServiceExamples[] = "\n"
 
 const QString s_sPort = QStringLiteral("port");
 const QString s_sAddress = QStringLiteral("address");
+const QString s_sTimeout = QStringLiteral("timeout");
 
-ExitCode runService(const QHostAddress& a_address, std::uint16_t a_uiPort, Output& a_output)
+constexpr std::uint32_t s_uiMaxTimeout = 24 * 3600; ///< s
+
+ExitCode runService(const QHostAddress& a_address, std::uint16_t a_uiPort, std::chrono::seconds a_timeout,
+                    Output& a_output)
 {
     using Simulation::Limits;
     // A content that no device could read is not worth the others' wait.
     Limits::setValue(Limits::InflatedBytes, Limits::value(Limits::DocumentBytes));
     InterruptibleLoop loop;
-    SimulationService simulationService;
+    SimulationService simulationService(a_timeout);
     QObject::connect(&simulationService, &SimulationService::told, &complain);
     if (!simulationService.listen(a_address, a_uiPort)) {
         complain(QStringLiteral("service: cannot listen on %1: %2")
@@ -69,8 +79,9 @@ ExitCode runService(const QHostAddress& a_address, std::uint16_t a_uiPort, Outpu
 ExitCode service(const QStringList& a_arguments, Output& a_output)
 {
     ignoreClosedPipes();
-    CommandParser parser(QStringLiteral("service"), QStringLiteral("[--port N] [--address ADDRESS]"),
-                         s_szService, s_szServiceExamples);
+    CommandParser parser(QStringLiteral("service"),
+                         QStringLiteral("[--port N] [--address ADDRESS] [--timeout SECONDS]"), s_szService,
+                         s_szServiceExamples);
     parser.get().addOption(
         {s_sPort,
          QStringLiteral("TCP port to listen on; 0 has the system choose one. Default: as the "
@@ -79,6 +90,10 @@ ExitCode service(const QStringList& a_arguments, Output& a_output)
     parser.get().addOption({s_sAddress,
                             QStringLiteral("Listen on this address of the machine only. Default: on all."),
                             QStringLiteral("ADDRESS")});
+    parser.get().addOption({s_sTimeout,
+                            QStringLiteral("Drop a program that makes no progress for so long. Default: %1.")
+                                .arg(SimulationService::s_timeout.count()),
+                            QStringLiteral("SECONDS")});
     if (const auto done = parser.parse(a_arguments, a_output)) {
         return *done;
     }
@@ -97,13 +112,24 @@ ExitCode service(const QStringList& a_arguments, Output& a_output)
         }
         uiPort = static_cast<std::uint16_t>(*port);
     }
+    std::chrono::seconds timeout = SimulationService::s_timeout;
+    if (parser.get().isSet(s_sTimeout)) {
+        QString sReason;
+        const auto seconds =
+            wholeNumber(parser.get().value(s_sTimeout),
+                        {QStringLiteral("--timeout"), " of seconds", 1, s_uiMaxTimeout}, sReason);
+        if (!seconds) {
+            return parser.refuse(sReason);
+        }
+        timeout = std::chrono::seconds(*seconds);
+    }
     const QString sAddress = parser.get().value(s_sAddress);
     const QHostAddress address =
         parser.get().isSet(s_sAddress) ? QHostAddress(sAddress) : QHostAddress(QHostAddress::Any);
     if (address.isNull()) {
         return parser.refuse(QStringLiteral("--address needs an IP address, not \"") + sAddress + u'"');
     }
-    return runService(address, uiPort, a_output);
+    return runService(address, uiPort, timeout, a_output);
 }
 
 } // namespace SimulationTool

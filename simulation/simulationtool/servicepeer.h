@@ -2,6 +2,8 @@
 #define SIMULATIONTOOL_SERVICEPEER_H
 
 #include "loglimit.h"
+#include "outbox.h"
+#include "stallwatch.h"
 
 #include "simulationdata/simulationservicecommunication.h"
 
@@ -10,28 +12,42 @@
 #include <QSet>
 #include <QString>
 
+#include <chrono>
+#include <memory>
+
 class QTcpSocket;
 
 namespace SimulationTool {
 
 /// One connection of the service: an editor, or a program with one device or
 /// more. It ends with lost(); its owner then closes and deletes it.
+///
+/// Every peer is read from and written to a little at a time, so that one that
+/// sends or is sent much delays no other.
 class ServicePeer : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Takes a connected socket over.
-    ServicePeer(QTcpSocket* a_pSocket, QObject* a_pParent);
+    /// Takes a connected socket over. `a_pTotal` counts the bytes that wait for
+    /// all peers. The peer is lost when for the given time it reads nothing of
+    /// what waits for it, or leaves a command unfinished.
+    ServicePeer(QTcpSocket* a_pSocket, std::shared_ptr<qint64> a_pTotal, std::chrono::milliseconds a_timeout,
+                QObject* a_pParent);
+    ~ServicePeer() override;
 
     [[nodiscard]] Simulation::SimulationServiceCommunication& communication() { return m_communication; }
 
-    /// Queues an encoded command; see hasLostCommands().
-    void send(const QByteArray& a_command);
+    /// Has a command leave after those that wait. Nothing is sent before control
+    /// is back in the event loop.
+    void send(const OutgoingCommandPtr& a_pCommand);
 
-    /// Whether it did not get something that it should have got, because it does
-    /// not read: it is of no use any more. One that has gone lacks nothing.
-    [[nodiscard]] bool hasLostCommands() const;
+    /// The same for a report, which supersedes one of the same key that waits.
+    void report(const QString& a_sKey, const OutgoingCommandPtr& a_pCommand);
+
+    /// What this peer makes us hold: of a command that it has not finished, and
+    /// of those that wait for it to read (bytes).
+    [[nodiscard]] qint64 pendingBytes() const { return m_iUnfinished + m_outbox.bytes(); }
 
     /// Ends the connection at once. Nothing is received or told any more.
     void close();
@@ -47,6 +63,9 @@ public:
 Q_SIGNALS:
     void told(const QString& a_sLine);
 
+    /// More bytes wait for all peers than before.
+    void pendingGrew();
+
     /// The reason is empty when the peer just left. What it sent before has been
     /// received.
     void lost(const QString& a_sReason);
@@ -56,6 +75,11 @@ private Q_SLOTS:
     void slotDisconnected();
 
 private:
+    void connectSocket();
+    void noteReceived();
+    void scheduleWrite();
+    void write();
+    void fillSocket();
     [[nodiscard]] bool isConnected() const;
 
     QTcpSocket* m_pSocket; ///< child
@@ -63,7 +87,13 @@ private:
     QString m_sName;
     QSet<QString> m_deviceIds;
     LogLimit m_log;
-    bool m_bLostCommands = false;
+    const std::shared_ptr<qint64> m_pTotal; ///< bytes that wait for all peers
+    qint64 m_iUnfinished = 0;               ///< bytes of a command without its end
+    Outbox m_outbox;
+    StallWatch m_receiving;
+    StallWatch m_sending;
+    bool m_bWriteScheduled = false;
+    bool m_bWriting = false;
 };
 
 } // namespace SimulationTool

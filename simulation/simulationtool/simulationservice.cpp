@@ -4,10 +4,14 @@
 #include "servicepeer.h"
 #include "valuetexts.h"
 
+#include "simulationdata/simulationlimits.h"
+
 #include <QHostAddress>
+#include <QLatin1String>
 #include <QTcpSocket>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include <sys/resource.h>
@@ -17,12 +21,37 @@ namespace SimulationTool {
 namespace {
 
 using Communication = Simulation::SimulationServiceCommunication;
+using Simulation::Limits;
 using Simulation::SimulationDeviceConfiguration;
 using Simulation::SimulationDeviceState;
 
-constexpr int s_iAcceptAgain = 1000;            ///< ms
-constexpr qsizetype s_iMaxRecordBytes = 16'384; ///< of a device with its id; ordinary ones have 500
-constexpr qsizetype s_iMaxDevices = 4096;       ///< so that the list of all is no larger than a document
+constexpr int s_iAcceptAgain = 1000;                ///< ms
+constexpr qsizetype s_iMaxRecordBytes = 16'384;     ///< of a device with its id; ordinary ones have 500
+constexpr qsizetype s_iMaxDevices = 4096;           ///< so that the list of all is no larger than a document
+constexpr qsizetype s_iMaxCommandBytes = 1'048'576; ///< of a command without a payload
+
+constexpr int s_iBacklog = 4096;      ///< connections that wait for the process; the system's most
+constexpr int s_iAcceptedAtOnce = 32; ///< before the peers have their turn; they take 2 ms
+
+// Commands that the service follows, by their names on the wire.
+constexpr std::array<QLatin1String, 6> s_requests{
+    QLatin1String("RegisterSimulation"),
+    QLatin1String("UnregisterSimulation"),
+    QLatin1String("SimulationDeveiceStateUpdate"), // the protocol spells it so
+    QLatin1String("AcquireServer"),
+    QLatin1String("ReleaseServer"),
+    QLatin1String("RequestSimulationDevices")};
+constexpr std::array<QLatin1String, 6> s_orders{
+    QLatin1String("UnloadScenario"), QLatin1String("StartScenario"), QLatin1String("PauseScenario"),
+    QLatin1String("StopScenario"),   QLatin1String("TestMode"),      QLatin1String("RemoveJxDevice")};
+constexpr std::array<QLatin1String, 3> s_ordersWithPayload{
+    QLatin1String("LoadScenario"), QLatin1String("LoadDeployment"), QLatin1String("AddJxDevice")};
+
+template<std::size_t Size>
+bool contains(const std::array<QLatin1String, Size>& a_names, const QString& a_sName)
+{
+    return std::find(a_names.begin(), a_names.end(), a_sName) != a_names.end();
+}
 
 /// How many connections the process can have open, after asking for more.
 qsizetype maxPeers()
@@ -52,10 +81,17 @@ bool isUsable(ServicePeer* a_pFrom, const char* a_szName, const QByteArray& a_pa
 
 } // namespace
 
-SimulationService::SimulationService()
+SimulationService::SimulationService(std::chrono::milliseconds a_timeout)
     : m_iMaxPeers(maxPeers())
+    , m_timeout(a_timeout)
 {
-    connect(&m_server, &QTcpServer::newConnection, this, &SimulationService::acceptPeers);
+    m_server.setListenBacklogSize(s_iBacklog);
+    m_server.setMaxPendingConnections(s_iAcceptedAtOnce);
+    connect(&m_server, &QTcpServer::newConnection, this, [this] {
+        if (!std::exchange(m_bAcceptScheduled, true)) {
+            QMetaObject::invokeMethod(this, &SimulationService::acceptPeers, Qt::QueuedConnection);
+        }
+    });
     connect(&m_server, &QTcpServer::acceptError, this, [this] { m_acceptAgain.start(s_iAcceptAgain); });
     connect(&m_acceptAgain, &QTimer::timeout, &m_server, &QTcpServer::resumeAccepting);
     m_acceptAgain.setSingleShot(true);
@@ -77,18 +113,33 @@ bool SimulationService::listen(const QHostAddress& a_address, std::uint16_t a_ui
 
 void SimulationService::acceptPeers()
 {
+    m_bAcceptScheduled = false;
     while (QTcpSocket* const pSocket = m_server.nextPendingConnection()) {
-        auto* const pPeer = new ServicePeer(pSocket, this);
-        m_peers.append(pPeer);
-        connect(pPeer, &ServicePeer::told, this, &SimulationService::told);
-        connect(pPeer, &ServicePeer::lost, this,
-                [this, pPeer](const QString& a_sReason) { drop(pPeer, a_sReason); });
-        connectDevice(pPeer);
-        connectController(pPeer);
-        connectOrders(pPeer);
-        pPeer->tell(QStringLiteral("connected"));
+        addPeer(pSocket);
     }
     pauseIfFull();
+}
+
+void SimulationService::addPeer(QTcpSocket* a_pSocket)
+{
+    auto* const pPeer = new ServicePeer(a_pSocket, m_pPending, m_timeout, this);
+    m_peers.append(pPeer);
+    connect(pPeer, &ServicePeer::told, this, &SimulationService::told);
+    connect(pPeer, &ServicePeer::lost, this,
+            [this, pPeer](const QString& a_sReason) { drop(pPeer, a_sReason); });
+    // Not at once: whoever sends to many peers must not lose some meanwhile.
+    connect(pPeer, &ServicePeer::pendingGrew, this, [this] {
+        if (isPendingExceeded() && !std::exchange(m_bBoundScheduled, true)) {
+            QMetaObject::invokeMethod(this, &SimulationService::boundPending, Qt::QueuedConnection);
+        }
+    });
+    pPeer->communication().setCommandFilter([this, pPeer](const QString& a_sCommand, qsizetype a_iBytes) {
+        return accepts(pPeer, a_sCommand, a_iBytes);
+    });
+    connectDevice(pPeer);
+    connectController(pPeer);
+    connectOrders(pPeer);
+    pPeer->tell(QStringLiteral("connected"));
 }
 
 /// Before the process runs out of descriptors: then the server would be told
@@ -132,13 +183,13 @@ void SimulationService::connectOrders(ServicePeer* a_pPeer)
 {
     const Communication* const pFrom = &a_pPeer->communication();
     // Passes an order on, and keeps it for devices that come late.
-    const auto order = [this, a_pPeer](const char* a_szName, QByteArray* a_pKept,
+    const auto order = [this, a_pPeer](const char* a_szName, OutgoingCommandPtr* a_pKept,
                                        const CommandSender& a_send) {
-        const QByteArray command = passOn(a_pPeer, QLatin1String(a_szName), a_send);
-        if (!command.isEmpty() && a_pKept != nullptr) {
-            *a_pKept = command;
+        const OutgoingCommandPtr pCommand = passOn(a_pPeer, QLatin1String(a_szName), a_send);
+        if (pCommand != nullptr && a_pKept != nullptr) {
+            *a_pKept = pCommand;
         }
-        return !command.isEmpty();
+        return pCommand != nullptr;
     };
     connect(pFrom, &Communication::loadDeployment, this,
             [this, a_pPeer, order](const QByteArray& a_deployment) {
@@ -149,8 +200,8 @@ void SimulationService::connectOrders(ServicePeer* a_pPeer)
             });
     connect(pFrom, &Communication::unloadScenario, this, [this, order] {
         if (order("unload", nullptr, &Communication::sendUnloadScenario)) {
-            m_scenario.clear();
-            m_run.clear();
+            m_scenario.reset();
+            m_run.reset();
         }
     });
     connect(pFrom, &Communication::startScenario, this, [this, order](quint64 a_uiTimestamp, uint a_uiTime) {
@@ -161,7 +212,7 @@ void SimulationService::connectOrders(ServicePeer* a_pPeer)
     });
     connect(pFrom, &Communication::stopScenario, this, [this, order] {
         if (order("stop", nullptr, &Communication::sendStopScenario)) {
-            m_run.clear();
+            m_run.reset();
         }
     });
     connect(pFrom, &Communication::testModeOn, this, [this, order](bool a_bOn) {
@@ -199,6 +250,52 @@ void SimulationService::drop(ServicePeer* a_pPeer, const QString& a_sReason)
     }
 }
 
+/// Whether a command is to be decoded at all: with a payload it may take much
+/// time and memory.
+bool SimulationService::accepts(ServicePeer* a_pPeer, const QString& a_sCommand, qsizetype a_iBytes) const
+{
+    const bool bPayload = contains(s_ordersWithPayload, a_sCommand);
+    if (bPayload || contains(s_orders, a_sCommand)) {
+        if (controller() != a_pPeer) {
+            a_pPeer->tell(a_sCommand + QStringLiteral(" ignored: it does not control"));
+            return false;
+        }
+    } else if (!contains(s_requests, a_sCommand)) {
+        return false; // of no use here
+    }
+    if (!bPayload && a_iBytes > s_iMaxCommandBytes) {
+        a_pPeer->tell(QStringLiteral("%1 ignored: it has %2 bytes, more than %3")
+                          .arg(a_sCommand, QString::number(a_iBytes), QString::number(s_iMaxCommandBytes)));
+        return false;
+    }
+    return true;
+}
+
+/// The deployment and the scenario are kept anyway, whoever waits for them.
+bool SimulationService::isPendingExceeded() const
+{
+    qint64 iPending = *m_pPending;
+    for (const OutgoingCommandPtr& pKept : {m_deployment, m_scenario}) {
+        iPending -= pKept != nullptr ? pKept->bytes().size() : 0;
+    }
+    return iPending > static_cast<qint64>(Limits::value(Limits::AllPendingBytes));
+}
+
+/// Drops the peers with the most, until the others are within the bound.
+void SimulationService::boundPending()
+{
+    m_bBoundScheduled = false;
+    while (isPendingExceeded() && !m_peers.isEmpty()) {
+        ServicePeer* const pMost = *std::max_element(
+            m_peers.cbegin(), m_peers.cend(), [](const ServicePeer* a_pLeft, const ServicePeer* a_pRight) {
+                return a_pLeft->pendingBytes() < a_pRight->pendingBytes();
+            });
+        drop(pMost,
+             QStringLiteral("%1, most of them by it: %2")
+                 .arg(Limits::exceeded(Limits::AllPendingBytes), QString::number(pMost->pendingBytes())));
+    }
+}
+
 // What devices say
 
 void SimulationService::registerDevice(ServicePeer* a_pPeer, const QString& a_sId,
@@ -215,24 +312,25 @@ void SimulationService::registerDevice(ServicePeer* a_pPeer, const QString& a_sI
     listed.setId(a_sId); // under which it is looked for, whatever its record says
     if (pFormer == nullptr || listed.toXml() != device.configuration.toXml()) {
         device.configuration = listed;
-        m_deviceList.clear();
+        m_deviceList.reset();
     }
     if (pFormer != a_pPeer) {
         setState(a_sId, device, SimulationDeviceState());
         a_pPeer->deviceIds().insert(a_sId);
         a_pPeer->tell(QStringLiteral("device %1 registered").arg(a_sId));
     }
-    a_pPeer->communication().sendAcceptSimulationDevice(a_sId,
-                                                        Communication::createConfirmation(a_configuration));
+    const QString sConfirmation = Communication::createConfirmation(a_configuration);
+    a_pPeer->report(QStringLiteral("confirmation ") + a_sId, encoded([&](Communication& a_to) {
+                        a_to.sendAcceptSimulationDevice(a_sId, sConfirmation);
+                    }));
     if (bFirst) {
-        for (const QByteArray& command : {m_deployment, m_scenario, m_testMode, m_run}) {
-            a_pPeer->send(command);
+        for (const OutgoingCommandPtr& pCommand : {m_deployment, m_scenario, m_testMode, m_run}) {
+            a_pPeer->send(pCommand);
         }
     }
     if (pFormer != nullptr && pFormer != a_pPeer) {
         takeOver(a_sId, pFormer);
     }
-    send(a_pPeer, QByteArray());
 }
 
 QString SimulationService::registrationProblem(const QString& a_sId,
@@ -257,8 +355,7 @@ void SimulationService::takeOver(const QString& a_sId, ServicePeer* a_pFrom)
 {
     a_pFrom->deviceIds().remove(a_sId);
     a_pFrom->tell(QStringLiteral("device %1 was registered by another").arg(a_sId));
-    a_pFrom->communication().sendUnregisterSimulationDevice(a_sId);
-    send(a_pFrom, QByteArray());
+    a_pFrom->send(encoded([&](Communication& a_to) { a_to.sendUnregisterSimulationDevice(a_sId); }));
 }
 
 void SimulationService::unregisterDevice(ServicePeer* a_pPeer, const QString& a_sId)
@@ -267,7 +364,7 @@ void SimulationService::unregisterDevice(ServicePeer* a_pPeer, const QString& a_
         return;
     }
     m_devices.remove(a_sId);
-    m_deviceList.clear();
+    m_deviceList.reset();
     a_pPeer->tell(QStringLiteral("device %1 unregistered").arg(a_sId), !m_peers.contains(a_pPeer));
 }
 
@@ -284,15 +381,21 @@ void SimulationService::updateState(ServicePeer* a_pPeer, const QString& a_sId,
         setState(a_sId, device, a_state);
     }
     if (ServicePeer* const pController = controller()) {
-        send(pController, device.stateUpdate);
+        sendState(pController, a_sId, device);
     }
 }
 
-void SimulationService::setState(const QString& a_sId, Device& a_device, const SimulationDeviceState& a_state)
+void SimulationService::setState(const QString& a_sId, Device& a_device,
+                                 const SimulationDeviceState& a_state) const
 {
     a_device.state = a_state;
     a_device.stateUpdate =
-        encodedCommand([&](Communication& a_to) { a_to.sendSimulationDeviceStateUpdate(a_sId, a_state); });
+        encoded([&](Communication& a_to) { a_to.sendSimulationDeviceStateUpdate(a_sId, a_state); });
+}
+
+void SimulationService::sendState(ServicePeer* a_pPeer, const QString& a_sId, const Device& a_device)
+{
+    a_pPeer->report(QStringLiteral("state ") + a_sId, a_device.stateUpdate);
 }
 
 // What controllers say
@@ -315,12 +418,13 @@ void SimulationService::acquire(ServicePeer* a_pPeer)
 /// Tells a controller where things stand.
 void SimulationService::report(ServicePeer* a_pPeer)
 {
-    QByteArray updates;
-    for (const Device& device : std::as_const(m_devices)) {
-        updates.append(device.stateUpdate);
+    for (auto it = m_devices.cbegin(); it != m_devices.cend(); ++it) {
+        sendState(a_pPeer, it.key(), *it);
     }
     // A device has been told already whether the scenario runs.
-    send(a_pPeer, a_pPeer->isDevice() ? updates : updates.append(m_run));
+    if (!a_pPeer->isDevice()) {
+        a_pPeer->report(QStringLiteral("run"), m_run);
+    }
 }
 
 void SimulationService::release(ServicePeer* a_pPeer)
@@ -339,39 +443,33 @@ void SimulationService::release(ServicePeer* a_pPeer)
 
 void SimulationService::listDevices(ServicePeer* a_pPeer)
 {
-    if (m_deviceList.isEmpty()) {
+    if (m_deviceList == nullptr) {
         QVector<SimulationDeviceConfiguration> devices;
         for (const Device& device : std::as_const(m_devices)) {
             devices.append(device.configuration);
         }
-        m_deviceList =
-            encodedCommand([&](Communication& a_to) { a_to.sendResponseSimulationDevices(devices); });
+        m_deviceList = encoded([&](Communication& a_to) { a_to.sendResponseSimulationDevices(devices); });
     }
-    send(a_pPeer, m_deviceList);
+    a_pPeer->send(m_deviceList);
 }
 
-/// Gives the command, or nothing when it was not passed on.
-QByteArray SimulationService::passOn(ServicePeer* a_pPeer, const QString& a_sOrder,
-                                     const CommandSender& a_send)
+/// Gives the command, or null when it was not passed on.
+OutgoingCommandPtr SimulationService::passOn(ServicePeer* a_pPeer, const QString& a_sOrder,
+                                             const CommandSender& a_send)
 {
-    if (controller() != a_pPeer) {
-        a_pPeer->tell(a_sOrder + QStringLiteral(" ignored: it does not control"));
-        return {};
-    }
-    QByteArray command = encodedCommand(a_send);
-    if (command.isEmpty()) {
+    OutgoingCommandPtr pCommand = encoded(a_send);
+    if (pCommand == nullptr) {
         a_pPeer->tell(a_sOrder + QStringLiteral(" ignored: it is too large to be passed on"));
-        return {};
+        return nullptr;
     }
-    QList<ServicePeer*> devices;
-    std::copy_if(m_peers.cbegin(), m_peers.cend(), std::back_inserter(devices),
-                 [](const ServicePeer* a_pEach) { return a_pEach->isDevice(); });
     a_pPeer->tell(QStringLiteral("%1 passed on to %2")
                       .arg(a_sOrder, counted(static_cast<quint64>(m_devices.size()), "device")));
-    for (ServicePeer* const pDevice : std::as_const(devices)) {
-        send(pDevice, command);
+    for (ServicePeer* const pEach : std::as_const(m_peers)) {
+        if (pEach->isDevice()) {
+            pEach->send(pCommand);
+        }
     }
-    return command;
+    return pCommand;
 }
 
 void SimulationService::loadScenario(ServicePeer* a_pPeer, const QByteArray& a_scenario)
@@ -380,25 +478,22 @@ void SimulationService::loadScenario(ServicePeer* a_pPeer, const QByteArray& a_s
         return;
     }
     // The devices' former states say nothing of this scenario, and they stop.
-    const QByteArray command = passOn(a_pPeer, QStringLiteral("scenario"),
-                                      [&](Communication& a_to) { a_to.sendLoadScenario(a_scenario); });
-    if (!command.isEmpty()) {
-        m_scenario = command;
-        m_run.clear();
+    const OutgoingCommandPtr pCommand = passOn(
+        a_pPeer, QStringLiteral("scenario"), [&](Communication& a_to) { a_to.sendLoadScenario(a_scenario); });
+    if (pCommand != nullptr) {
+        m_scenario = pCommand;
+        m_run.reset();
         for (auto it = m_devices.begin(); it != m_devices.end(); ++it) {
             setState(it.key(), *it, SimulationDeviceState());
         }
     }
 }
 
-/// Also looks after what was sent before by other means, for which the command
-/// is empty.
-void SimulationService::send(ServicePeer* a_pPeer, const QByteArray& a_command)
+/// Null when it is larger than any peer accepts.
+OutgoingCommandPtr SimulationService::encoded(const CommandSender& a_send) const
 {
-    a_pPeer->send(a_command);
-    if (a_pPeer->hasLostCommands()) {
-        drop(a_pPeer, QStringLiteral("it does not read what it is sent"));
-    }
+    QByteArray bytes = encodedCommand(a_send);
+    return bytes.isEmpty() ? nullptr : std::make_shared<OutgoingCommand>(std::move(bytes), m_pPending);
 }
 
 } // namespace SimulationTool

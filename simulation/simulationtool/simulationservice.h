@@ -2,6 +2,7 @@
 #define SIMULATIONTOOL_SIMULATIONSERVICE_H
 
 #include "encodedcommand.h"
+#include "outbox.h"
 
 #include "simulationdata/simulationdeviceconfiguration.h"
 #include "simulationdata/simulationdevicestate.h"
@@ -14,9 +15,12 @@
 #include <QTcpServer>
 #include <QTimer>
 
+#include <chrono>
 #include <cstdint>
+#include <memory>
 
 class QHostAddress;
+class QTcpSocket;
 
 namespace SimulationTool {
 
@@ -34,14 +38,21 @@ class ServicePeer;
 /// machine lost the connection must not wait until the old one is given up.
 ///
 /// No peer is trusted. One that sends what cannot be read, does not read itself,
-/// or registers too much is dropped, and nobody else notices. Each may make the
-/// service hold one unfinished document and what waits for it (see Limits).
+/// leaves a command unfinished or registers too much is dropped, and nobody else
+/// notices. Of the states of a device that wait for a peer only the newest is
+/// held. What the peers together make the service hold, of unfinished commands
+/// and of those that wait for them to read, has a bound
+/// (Limits::AllPendingBytes), beyond which the peer with the most is dropped.
 class SimulationService : public QObject
 {
     Q_OBJECT
 
 public:
-    SimulationService();
+    static constexpr std::chrono::seconds s_timeout{60};
+
+    /// A peer is dropped when for that time it leaves a command unfinished or
+    /// reads nothing of what it is sent.
+    explicit SimulationService(std::chrono::milliseconds a_timeout = s_timeout);
     ~SimulationService() override;
 
     /// Port 0 has the system choose one. False with errorString().
@@ -59,17 +70,21 @@ private:
     {
         Simulation::SimulationDeviceConfiguration configuration;
         Simulation::SimulationDeviceState state;
-        QByteArray stateUpdate; ///< the command that tells it
+        OutgoingCommandPtr stateUpdate; ///< the command that reports it
         ServicePeer* peer = nullptr;
     };
 
     // Peers come and go
     void acceptPeers();
+    void addPeer(QTcpSocket* a_pSocket);
     void pauseIfFull();
     void connectDevice(ServicePeer* a_pPeer);
     void connectController(ServicePeer* a_pPeer);
     void connectOrders(ServicePeer* a_pPeer);
     void drop(ServicePeer* a_pPeer, const QString& a_sReason);
+    [[nodiscard]] bool accepts(ServicePeer* a_pPeer, const QString& a_sCommand, qsizetype a_iBytes) const;
+    [[nodiscard]] bool isPendingExceeded() const;
+    void boundPending();
 
     // What devices say
     void registerDevice(ServicePeer* a_pPeer, const QString& a_sId,
@@ -82,8 +97,9 @@ private:
     void updateState(ServicePeer* a_pPeer, const QString& a_sId,
                      const Simulation::SimulationDeviceState& a_state);
 
-    static void setState(const QString& a_sId, Device& a_device,
-                         const Simulation::SimulationDeviceState& a_state);
+    void setState(const QString& a_sId, Device& a_device,
+                  const Simulation::SimulationDeviceState& a_state) const;
+    static void sendState(ServicePeer* a_pPeer, const QString& a_sId, const Device& a_device);
 
     // What controllers say
     [[nodiscard]] ServicePeer* controller() const;
@@ -91,25 +107,32 @@ private:
     void release(ServicePeer* a_pPeer);
     void report(ServicePeer* a_pPeer);
     void listDevices(ServicePeer* a_pPeer);
-    [[nodiscard]] QByteArray passOn(ServicePeer* a_pPeer, const QString& a_sOrder,
-                                    const CommandSender& a_send);
+    [[nodiscard]] OutgoingCommandPtr passOn(ServicePeer* a_pPeer, const QString& a_sOrder,
+                                            const CommandSender& a_send);
     void loadScenario(ServicePeer* a_pPeer, const QByteArray& a_scenario);
-    void send(ServicePeer* a_pPeer, const QByteArray& a_command);
+    [[nodiscard]] OutgoingCommandPtr encoded(const CommandSender& a_send) const;
 
     QTcpServer m_server;
     QTimer m_acceptAgain;              ///< after the server could not
     QList<ServicePeer*> m_peers;       ///< children
     QList<ServicePeer*> m_controllers; ///< the last one controls
     QMap<QString, Device> m_devices;   ///< by id
-    QByteArray m_deviceList;           ///< the answer to whoever asks; empty = to be made
+    OutgoingCommandPtr m_deviceList;   ///< the answer to whoever asks; null = to be made
     const qsizetype m_iMaxPeers;       ///< as many as the process can have open
     bool m_bFull = false;              ///< no more are accepted at present
+    bool m_bAcceptScheduled = false;
+    bool m_bBoundScheduled = false;
+    const std::chrono::milliseconds m_timeout;
 
-    // Commands for devices that come late; empty without
-    QByteArray m_deployment;
-    QByteArray m_scenario;
-    QByteArray m_testMode;
-    QByteArray m_run; ///< start or pause
+    /// What waits for all peers, and the kept commands (bytes). Shared, because
+    /// peers outlive the other members.
+    const std::shared_ptr<qint64> m_pPending = std::make_shared<qint64>(0);
+
+    // Commands that are kept for devices that register later; null without
+    OutgoingCommandPtr m_deployment;
+    OutgoingCommandPtr m_scenario;
+    OutgoingCommandPtr m_testMode;
+    OutgoingCommandPtr m_run; ///< start or pause
 };
 
 } // namespace SimulationTool

@@ -130,7 +130,6 @@ private Q_SLOTS:
     void newestRegisters();
     void badPeer_data();
     void badPeer();
-    void peerThatDoesNotRead();
     void wrongConfirmation();
     void serviceThatRepeatsOrders();
     void lostLogReader();
@@ -392,25 +391,6 @@ void tst_WireCommands::badPeer()
              told.startsWith(QStringLiteral("dropped")) ? 1 : 0);
 }
 
-void tst_WireCommands::peerThatDoesNotRead()
-{
-    Service service;
-    Peer devices(service.port());
-    for (int i = 0; i < 400; ++i) {
-        devices.registerAs(QStringLiteral("device-%1").arg(i));
-    }
-    QVERIFY(devices.synchronize());
-    QCOMPARE(devices.ids.size(), 400);
-
-    QTcpSocket bad; // it asks for more than may wait for it
-    bad.setReadBufferSize(1);
-    bad.connectToHost(QStringLiteral("127.0.0.1"), service.port().toUShort());
-    QVERIFY(bad.waitForConnected(s_iToolTimeout));
-    bad.write(QByteArray("<Command><RequestSimulationDevices/></Command>").repeated(4000));
-    QVERIFY(service.says(QStringLiteral("127.0.0.1:%1: dropped: it does not read").arg(bad.localPort())));
-    QVERIFY(devices.synchronize());
-}
-
 void tst_WireCommands::wrongConfirmation()
 {
     QTcpServer server;
@@ -569,6 +549,8 @@ void tst_WireCommands::refused_data()
     row("half a deployment", "control deploy DIR/deployment", "deployment: line 1, column");
     row("service port", "service --port 65536", "service: --port needs a whole number from 0 to 65535");
     row("service address", "service --address here", "service: --address needs an IP address");
+    row("service timeout", "service --timeout 0",
+        "service: --timeout needs a whole number of seconds from 1");
     row("foreign address", "service --port 0 --address 192.0.2.1", "service: cannot listen on 192.0.2.1:0");
     row("device without id", "device", "device: --id is needed");
     row("unprintable id", "device --id \x01", "device: --id needs at most 255 characters");
