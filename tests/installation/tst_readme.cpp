@@ -47,7 +47,7 @@ const QMap<QString, Expectation> s_expectations{
       "boat-7: 1 emission, at 2000 ms, names no signal package: (.|\n)*"
       "Pilot boat sends on 156.8 MHz, level [1-9]"}},
     {QStringLiteral("simulationtool service"), {Way::Background, 0, "Listening on port"}},
-    {QStringLiteral("build/receiver"), {Way::Background, 0, "received Harbour"}},
+    {QStringLiteral("build/receiver"), {Way::Background, 0, "registered rx-7(.|\n)*received Harbour"}},
     {QStringLiteral("build/editor"), {Way::Foreground, 0, "registered: Pier(.|\n)*loaded by rx-7"}},
     {QStringLiteral("simulationtool check harbour.sce.exp --repository packages --repair mended.sce.exp"),
      {Way::Foreground, 1, "1 finding, 1 repaired"}},
