@@ -85,7 +85,7 @@ void addOptions(QCommandLineParser& a_parser)
 
 int main(int argc, char* argv[])
 {
-    ErrorHandler::Instance().setTraceMask(0); // every attempt to connect would be a line
+    ErrorHandler::Instance().setTraceMask(0); // every command would be a line
     const QApplication application(argc, argv);
     QCommandLineParser parser;
     addOptions(parser);

@@ -6,6 +6,7 @@
 
 #include <QBoxLayout>
 #include <QCheckBox>
+#include <QDebug>
 #include <QEvent>
 #include <QHeaderView>
 #include <QLabel>
@@ -156,6 +157,7 @@ void MonitorWindow::connected()
     m_bConnected = true;
     // A service whose machine was switched off says nothing.
     m_connector->socket()->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
+    qInfo("monitor: connected");
     m_feed.setSocket(m_connector->socket());
     m_pWait->close();
     showState();
@@ -168,15 +170,15 @@ void MonitorWindow::disconnected()
     m_bColumnsFit = false;
     showState();
     showCounts();
-    m_pWait->open(tr("Connecting"),
-                  tr("Waiting for the simulation service at %1:%2").arg(m_sHost, QString::number(m_uiPort)),
-                  true, 0);
+    const QString sAddress = m_sHost + u':' + QString::number(m_uiPort);
+    qInfo().noquote() << "monitor: waits for the simulation service at" << sAddress;
+    m_pWait->open(tr("Connecting"), tr("Waiting for the simulation service at %1").arg(sAddress), true, 0);
     Q_EMIT updated();
 }
 
 void MonitorWindow::cancel()
 {
-    m_connector.reset(); // it would try for ever
+    m_connector.reset(); // it would try again without end
     showState();
 }
 

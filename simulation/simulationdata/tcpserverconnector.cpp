@@ -3,10 +3,11 @@
 #include "trace_p.h"
 
 #include <QHostAddress>
-#include <QMetaObject>
 #include <QPointer>
 #include <QTcpSocket>
 
+#include <algorithm>
+#include <chrono>
 #include <sys/socket.h>
 #include <utility>
 
@@ -14,7 +15,24 @@ namespace Simulation {
 
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr const char* s_szSource = "simulation/simulationdata/tcpserverconnector";
+
+constexpr int s_iAtOnce = 3; ///< attempts of a series
+constexpr std::chrono::milliseconds s_firstPause = 50ms;
+constexpr std::chrono::milliseconds s_longestPause = 2s;
+constexpr std::chrono::milliseconds s_kept = s_longestPause; ///< what a connection lasts at least
+
+/// What the next attempt of a series waits for.
+std::chrono::milliseconds pauseAfter(int a_iFailures)
+{
+    std::chrono::milliseconds pause = a_iFailures < s_iAtOnce ? 0ms : s_firstPause;
+    for (int i = s_iAtOnce; i < a_iFailures && pause < s_longestPause; ++i) {
+        pause *= 2;
+    }
+    return std::min(pause, s_longestPause);
+}
 
 /// Attempts on a local port come from changing local ports, and one of them may
 /// be the very port: then the two ends of one socket shake hands. That would
@@ -44,10 +62,19 @@ TcpServerConnector::TcpServerConnector(const QString& a_sHost, unsigned short a_
     : m_sHost(a_sHost)
     , m_uiPort(a_uiPort)
     , m_pSocket(new QTcpSocket(this))
+    , m_start(this)
 {
+    m_start.setSingleShot(true);
+    connect(&m_start, &QTimer::timeout, this, &TcpServerConnector::slotStartConnection);
     connect(m_pSocket, &QTcpSocket::connected, this, &TcpServerConnector::slotConnected);
     connect(m_pSocket, &QTcpSocket::errorOccurred, this, &TcpServerConnector::slotError);
     connect(m_pSocket, &QTcpSocket::disconnected, this, &TcpServerConnector::slotDisconnected);
+    // The only signal of an attempt that the socket's user aborts.
+    connect(m_pSocket, &QTcpSocket::stateChanged, this, [this](QAbstractSocket::SocketState a_eState) {
+        if (a_eState == QAbstractSocket::UnconnectedState) {
+            startAgain();
+        }
+    });
 }
 
 TcpServerConnector::~TcpServerConnector()
@@ -70,7 +97,9 @@ bool TcpServerConnector::isConnected() const
 void TcpServerConnector::connectToServer()
 {
     trace(ErrorHandler::TraceProgress, s_szSource, [this] { return tryText(); });
-    queueStart();
+    m_iFailures = 0;
+    m_sReason.clear();
+    m_start.start(0);
 }
 
 void TcpServerConnector::disconnectFromServer()
@@ -81,14 +110,13 @@ void TcpServerConnector::disconnectFromServer()
 void TcpServerConnector::slotConnected()
 {
     if (isOwnPeer(*m_pSocket)) {
-        traceError(s_szSource, [this] {
-            return QStringLiteral("Error while connecting to: %1:%2; the socket met itself")
-                .arg(m_sHost, QString::number(m_uiPort));
-        });
+        traceFailure(QStringLiteral("the socket met itself"));
         abortAtOnce(*m_pSocket);
         return;
     }
     m_bAnnounced = true;
+    m_sReason.clear();
+    m_connection.start();
     if (emitGuarded(&TcpServerConnector::connectedToServer)) {
         trace(ErrorHandler::TraceProgress, s_szSource, [this] {
             return QStringLiteral("Connected to: %1:%2").arg(m_sHost, QString::number(m_uiPort));
@@ -101,28 +129,26 @@ void TcpServerConnector::slotError()
     if (isConnected()) {
         return; // disconnected() follows
     }
-    traceError(s_szSource, [this] {
-        return QStringLiteral("Error while connecting to: %1:%2; %3")
-            .arg(m_sHost, QString::number(m_uiPort), m_pSocket->errorString());
-    });
-    traceError(s_szSource, [this] { return tryText(); });
-    queueStart();
+    traceFailure(m_pSocket->errorString());
+    startAgain();
 }
 
 void TcpServerConnector::slotDisconnected()
 {
+    if (!std::exchange(m_bAnnounced, false)) {
+        return; // it was a connection with itself
+    }
     // The spelling is part of the interface: logs are searched for it.
     trace(ErrorHandler::TraceProgress, s_szSource, [this] {
         return QStringLiteral("Disconneted from: %1:%2").arg(m_sHost, QString::number(m_uiPort));
     });
-    if (!std::exchange(m_bAnnounced, false) || emitGuarded(&TcpServerConnector::disconnectedFromServer)) {
-        connectToServer();
+    if (emitGuarded(&TcpServerConnector::disconnectedFromServer)) {
+        trace(ErrorHandler::TraceProgress, s_szSource, [this] { return tryText(); });
     }
 }
 
 void TcpServerConnector::slotStartConnection()
 {
-    m_bStartQueued = false;
     // A socket that is connecting or closing would answer with an error at once
     // and so call for the next start; its own end calls for one anyway.
     const QAbstractSocket::SocketState eState = m_pSocket->state();
@@ -136,13 +162,30 @@ QString TcpServerConnector::tryText() const
     return QStringLiteral("Try to connect to: %1:%2").arg(m_sHost, QString::number(m_uiPort));
 }
 
-/// One start is enough, however many causes there are.
-void TcpServerConnector::queueStart()
+/// The same reason again is no news: attempts fail for as long as there is no
+/// server.
+void TcpServerConnector::traceFailure(const QString& a_sReason)
 {
-    if (!m_bStartQueued) {
-        m_bStartQueued = true;
-        QMetaObject::invokeMethod(this, "slotStartConnection", Qt::QueuedConnection);
+    if (m_sReason == a_sReason) {
+        return;
     }
+    m_sReason = a_sReason;
+    traceError(s_szSource, [&] {
+        return QStringLiteral("Error while connecting to: %1:%2; %3")
+            .arg(m_sHost, QString::number(m_uiPort), a_sReason);
+    });
+    traceError(s_szSource, [this] { return tryText(); });
+}
+
+/// After a failed attempt or a loss, which several signals report.
+void TcpServerConnector::startAgain()
+{
+    if (m_start.isActive()) {
+        return;
+    }
+    const bool bKept = m_bAnnounced && m_connection.hasExpired(s_kept.count());
+    m_iFailures = bKept ? 0 : m_iFailures + 1;
+    m_start.start(pauseAfter(m_iFailures));
 }
 
 /// False when a receiver has deleted this object.

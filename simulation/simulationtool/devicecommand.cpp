@@ -20,14 +20,15 @@ namespace SimulationTool {
 
 namespace {
 
-const char s_szDevice[] = "Runs a simulation device: registers with the simulation service, loads the\n"
-                          "scenarios that come from there, reports how far it is (loading, loaded, failed),\n"
-                          "and plays them when they are started. The rows of each step are those of play,\n"
-                          "levels included; what else happens is told on standard error.\n"
-                          "\n"
-                          "A lost connection is taken up again at once, for as long as it takes; while no\n"
-                          "service listens this keeps a processor busy. A scenario that runs goes on.\n"
-                          "The device ends when it is interrupted (SIGINT, SIGTERM).";
+const char s_szDevice[] =
+    "Runs a simulation device: registers with the simulation service, loads the\n"
+    "scenarios that come from there, reports how far it is (loading, loaded, failed),\n"
+    "and plays them when they are started. The rows of each step are those of play,\n"
+    "levels included; what else happens is told on standard error.\n"
+    "\n"
+    "A lost connection is taken up again at once. While no service listens, the device\n"
+    "tries again at least every 2 s. A scenario that runs goes on.\n"
+    "The device ends when it is interrupted (SIGINT, SIGTERM).";
 
 const char s_szDeviceExamples[] =
     "\n"

@@ -63,6 +63,7 @@ void SimulationDevice::connectToService(const ServerAddress& a_server)
         connect(pPart, SIGNAL(errorOccured(QString)), this, SLOT(slotUnreadable(QString)),
                 Qt::QueuedConnection);
     }
+    connect(m_connector->socket(), &QTcpSocket::errorOccurred, this, &SimulationDevice::slotNotConnected);
     connect(m_connector.get(), &TcpServerConnector::connectedToServer, this,
             &SimulationDevice::slotConnected);
     connect(m_connector.get(), &TcpServerConnector::disconnectedFromServer, this,
@@ -77,9 +78,18 @@ std::uint32_t SimulationDevice::duration() const
 
 // Registration
 
+/// One line however long it takes.
+void SimulationDevice::slotNotConnected()
+{
+    if (!m_connector->isConnected() && !std::exchange(m_bLoggedWaiting, true)) {
+        m_log.tell(QStringLiteral("waits for the service: ") + m_connector->socket()->errorString());
+    }
+}
+
 void SimulationDevice::slotConnected()
 {
     m_bToldIgnoring = false;
+    m_bLoggedWaiting = false;
     // A service whose machine was switched off says nothing.
     m_connector->socket()->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
     m_connector->socket()->setSocketOption(QAbstractSocket::LowDelayOption, 1);
@@ -90,7 +100,8 @@ void SimulationDevice::slotConnected()
 void SimulationDevice::slotDisconnected()
 {
     m_bAccepted = false;
-    m_log.tell(QStringLiteral("connection lost, trying again"));
+    m_bLoggedWaiting = true;
+    m_log.tell(QStringLiteral("connection lost, waits for the service"));
 }
 
 /// The rest of this connection would be lost; the next one begins afresh.
@@ -99,8 +110,8 @@ void SimulationDevice::slotUnreadable(const QString& a_sReason)
     m_log.tell(QStringLiteral("what the service sends cannot be read: ") +
                LogLimit::part(a_sReason.simplified()));
     // An orderly end would wait until all is sent, which a service that does not
-    // read puts off for ever. An attempt that is under way must not be ended: no
-    // other would follow.
+    // read puts off for ever. An attempt that is under way already is the next
+    // connection.
     if (m_connector->isConnected()) {
         m_connector->socket()->abort();
     }

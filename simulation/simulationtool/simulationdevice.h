@@ -81,6 +81,7 @@ private Q_SLOTS:
     void slotUnreadable(const QString& a_sReason);
 
 private:
+    void slotNotConnected();
     void slotConnected();
     void slotDisconnected();
     void slotAccepted(const QString& a_sId, const QString& a_sConfirmation);
@@ -109,7 +110,8 @@ private:
     Simulation::SimulationServiceCommunication m_communication;
     std::unique_ptr<Simulation::TcpServerConnector> m_connector;
     bool m_bAccepted = false;
-    bool m_bToldIgnoring = false; ///< since it was connected
+    bool m_bToldIgnoring = false;  ///< since it was connected
+    bool m_bLoggedWaiting = false; ///< since it was connected last
 
     Simulation::SimulationDeviceState m_state;
     std::unique_ptr<Simulation::ScenarioDataXml> m_scenario; ///< null unless loaded

@@ -169,7 +169,7 @@ private Q_SLOTS:
 
 void TestMonitor::initTestCase()
 {
-    ErrorHandler::Instance().setTraceMask(0); // every attempt to connect would be a line
+    ErrorHandler::Instance().setTraceMask(0); // every command would be a line
 }
 
 void TestMonitor::looksOn()
@@ -327,6 +327,9 @@ void TestMonitor::picture()
     QVERIFY(monitor.waitForFinished(s_iToolTimeout));
     QCOMPARE(monitor.exitStatus(), QProcess::NormalExit);
     QCOMPARE(monitor.exitCode(), 0);
+    const QString sLog = QString::fromUtf8(monitor.readAllStandardError());
+    QCOMPARE(sLog.count(QStringLiteral("monitor: waits for the simulation service")), 1);
+    QCOMPARE(sLog.count(QStringLiteral("monitor: connected")), service ? 1 : 0);
 
     const QImage picture(sFile);
     QVERIFY(!picture.isNull());

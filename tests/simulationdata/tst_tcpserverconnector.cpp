@@ -6,6 +6,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
+#include <QTimer>
 
 #include <memory>
 
@@ -41,6 +42,20 @@ struct Road
     std::unique_ptr<TcpServerConnector> connector;
 };
 
+using Pauses = QList<int>;
+
+/// Notes how long the connector waits (ms) each time that its socket has emitted
+/// the signal, and lets it wait no longer.
+template<typename Signal>
+void notePauses(TcpServerConnector& a_connector, Signal a_signal, Pauses& a_pauses)
+{
+    auto* const pStart = a_connector.findChild<QTimer*>();
+    QObject::connect(a_connector.socket(), a_signal, &a_connector, [pStart, &a_pauses] {
+        a_pauses += pStart->isActive() ? pStart->interval() : -1;
+        pStart->start(0);
+    });
+}
+
 } // namespace
 
 class TestTcpServerConnector : public QObject
@@ -53,6 +68,9 @@ private Q_SLOTS:
     void cycle();
     void startsAreOne();
     void failedAttempts();
+    void pauses();
+    void hangingUp();
+    void abortedAttempt();
     void deletedInSlot();
 };
 
@@ -91,13 +109,15 @@ void TestTcpServerConnector::cycle()
 {
     Road road;
     const quint16 uiPort = road.server.serverPort();
-    const TraceCollector traces(ErrorHandler::TraceProgress);
+    const TraceCollector traces(ErrorHandler::TraceProgress | ErrorHandler::TraceError);
     const QSignalSpy connected(road.connector.get(), &TcpServerConnector::connectedToServer);
     const QSignalSpy disconnected(road.connector.get(), &TcpServerConnector::disconnectedFromServer);
     QVERIFY(!road.connector->isConnected());
     road.connector->connectToServer();
     QTRY_COMPARE(connected.count(), 1);
     QVERIFY(road.connector->isConnected());
+    Q_EMIT road.connector->socket()->errorOccurred(QAbstractSocket::NetworkError); // no failed attempt
+    QVERIFY(!road.connector->findChild<QTimer*>()->isActive());
 
     QTRY_VERIFY(road.server.hasPendingConnections());
     road.server.nextPendingConnection()->disconnectFromHost();
@@ -135,7 +155,8 @@ void TestTcpServerConnector::startsAreOne()
 }
 
 /// The first attempt comes from the very port that it seeks and meets itself,
-/// the others are refused, and all go on until there is a server.
+/// the others are refused, and all go on until there is a server. The first
+/// failure for each reason is traced.
 void TestTcpServerConnector::failedAttempts()
 {
     const quint16 uiPort = freePort();
@@ -143,18 +164,72 @@ void TestTcpServerConnector::failedAttempts()
     TcpServerConnector connector(QStringLiteral("127.0.0.1"), uiPort);
     const QSignalSpy connected(&connector, &TcpServerConnector::connectedToServer);
     const QSignalSpy disconnected(&connector, &TcpServerConnector::disconnectedFromServer);
+    const QSignalSpy errors(connector.socket(), &QTcpSocket::errorOccurred);
     QVERIFY(connector.socket()->bind(QHostAddress::LocalHost, uiPort));
     connector.connectToServer();
-    QTRY_VERIFY(TraceCollector::lines().size() >= 20);
+    QTRY_VERIFY(errors.size() >= 4);
     QCOMPARE(connected.count() + disconnected.count(), 0);
-    const QStringList pair{traced("Error while connecting to", uiPort, "; Connection refused"),
+    const auto failed = [uiPort](const char* a_szReason) {
+        return QStringList{traced("Error while connecting to", uiPort, a_szReason),
                            traced("Try to connect to", uiPort)};
-    QCOMPARE(TraceCollector::lines().first(5),
-             QStringList(traced("Error while connecting to", uiPort, "; the socket met itself")) + pair +
-                 pair);
+    };
+    const QStringList refused = failed("; Connection refused");
+    QCOMPARE(TraceCollector::lines(), failed("; the socket met itself") + refused);
+    connector.connectToServer(); // whoever asks again is answered again
+    QTRY_COMPARE(TraceCollector::lines().mid(2), refused + refused);
 
     QTcpServer server;
     QVERIFY(server.listen(QHostAddress::LocalHost, uiPort));
+    QTRY_COMPARE(connected.count(), 1);
+}
+
+void TestTcpServerConnector::pauses()
+{
+    const TraceCollector traces;
+    const Pauses series{0, 0, 50, 100, 200, 400, 800, 1600, 2000, 2000};
+    TcpServerConnector connector(QStringLiteral("127.0.0.1"), freePort());
+    Pauses pauses;
+    notePauses(connector, &QTcpSocket::errorOccurred, pauses);
+    connect(connector.socket(), &QTcpSocket::errorOccurred, this, [&] {
+        if (pauses.size() == series.size()) {
+            connector.connectToServer(); // begins anew
+        }
+    });
+    connector.connectToServer();
+    QTRY_VERIFY(pauses.size() >= 2 * series.size());
+    QCOMPARE(pauses.first(2 * series.size()), series + series);
+}
+
+/// A server that hangs up at once is as bad as none, unless the connection
+/// lasted.
+void TestTcpServerConnector::hangingUp()
+{
+    constexpr int iKept = 2100; // ms
+    constexpr qsizetype iShort = 5;
+    Road road;
+    Pauses pauses;
+    notePauses(*road.connector, &QTcpSocket::disconnected, pauses);
+    connect(&road.server, &QTcpServer::newConnection, this, [&] {
+        QTcpSocket* const pPeer = road.server.nextPendingConnection();
+        QTimer::singleShot(pauses.size() == iShort ? iKept : 0, pPeer, &QTcpSocket::abort);
+    });
+    road.connector->connectToServer();
+    QTRY_VERIFY(pauses.size() >= iShort + 4);
+    QCOMPARE(pauses.first(iShort + 4), (Pauses{0, 0, 50, 100, 200, 0, 0, 0, 50}));
+}
+
+/// Whoever aborts the socket while it connects gets the next attempt, too.
+void TestTcpServerConnector::abortedAttempt()
+{
+    Road road;
+    const QSignalSpy connected(road.connector.get(), &TcpServerConnector::connectedToServer);
+    const QTcpSocket& socket = *road.connector->socket();
+    road.connector->connectToServer();
+    while (socket.state() == QAbstractSocket::UnconnectedState) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    QCOMPARE(socket.state(), QAbstractSocket::ConnectingState);
+    road.connector->socket()->abort();
     QTRY_COMPARE(connected.count(), 1);
 }
 

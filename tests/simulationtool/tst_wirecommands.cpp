@@ -125,6 +125,7 @@ private Q_SLOTS:
     void initTestCase();
     void road();
     void serviceIsRestarted();
+    void deviceWaits();
     void lateDevice();
     void newestControls();
     void newestRegisters();
@@ -214,6 +215,25 @@ void tst_WireCommands::serviceIsRestarted()
     }
     QVERIFY(service->says(QStringLiteral("device rx-1: loaded")));
     QCOMPARE(runControl(sAddress, {QStringLiteral("load"), s_sBuiltIn}).code, 0);
+}
+
+/// One line when it begins to wait and one when the service is there.
+void tst_WireCommands::deviceWaits()
+{
+    constexpr int iMostLines = 10;
+    QString sPort;
+    {
+        const Service ended;
+        sPort = ended.port();
+    }
+    Tool device({QStringLiteral("device"), QStringLiteral("--trace"), QStringLiteral("--id"),
+                 QStringLiteral("rx"), QStringLiteral("--server"), QStringLiteral("127.0.0.1:") + sPort});
+    QVERIFY(device.says(QStringLiteral("rx: waits for the service: Connection refused")));
+    QTest::qWait(500);
+    QVERIFY2(device.text().count(u'\n') <= iMostLines, qPrintable(device.text().left(1000)));
+    const Service service(sPort);
+    QVERIFY(device.says(QStringLiteral("rx: connected")) && device.says(QStringLiteral("rx: accepted")));
+    QCOMPARE(device.text().count(QStringLiteral("waits for")), 1);
 }
 
 void tst_WireCommands::lateDevice()
