@@ -1,12 +1,12 @@
 #include "kpzip/archive.h"
 
 #include "kpbase/errorhandler.h"
+#include "kpbase/replacedfile.h"
 #include "zipdirectory_p.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <iterator>
@@ -207,7 +207,7 @@ QString openProblem(int a_iCode)
 
 /// Copies an open entry to a file that is not yet under its name. Empty when it
 /// is whole, else why not. What is written is taken from `a_pBytesLeft`.
-QString copyEntry(zip_file_t* a_pEntry, QSaveFile& a_file, std::uint64_t* a_pBytesLeft)
+QString copyEntry(zip_file_t* a_pEntry, ReplacedFile& a_file, std::uint64_t* a_pBytesLeft)
 {
     std::vector<char> block(s_uiBlockBytes);
     zip_int64_t iRead = 0;
@@ -218,7 +218,7 @@ QString copyEntry(zip_file_t* a_pEntry, QSaveFile& a_file, std::uint64_t* a_pByt
             return QStringLiteral("the archive unpacks to more bytes than are allowed");
         }
         *a_pBytesLeft -= static_cast<std::uint64_t>(iRead);
-        if (a_file.write(block.data(), iRead) != iRead) {
+        if (!a_file.write(block.data(), iRead)) {
             return a_file.errorString();
         }
     }
@@ -242,15 +242,12 @@ QString unpack(zip_t* a_pArchive, std::uint64_t a_uiIndex, const QString& a_sFil
     if (!entry) {
         return QString::fromUtf8(zip_strerror(a_pArchive));
     }
-    QSaveFile file(a_sFile);
-    if (!file.open(QIODevice::WriteOnly)) {
+    ReplacedFile file(a_sFile);
+    if (!file.open()) {
         return file.errorString();
     }
-    QString sProblem = copyEntry(entry.get(), file, a_pBytesLeft);
-    if (sProblem.isEmpty() && !file.commit()) {
-        sProblem = file.errorString();
-    }
-    return sProblem;
+    const QString sProblem = copyEntry(entry.get(), file, a_pBytesLeft);
+    return sProblem.isEmpty() && !file.commit() ? file.errorString() : sProblem;
 }
 
 } // namespace

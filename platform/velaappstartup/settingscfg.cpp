@@ -1,6 +1,7 @@
 #include "velaappstartup/settingscfg_p.h"
 
 #include "kpbase/errorhandler.h"
+#include "kpbase/replacedfile.h"
 
 #include <QSettings>
 #include <QTemporaryFile>
@@ -172,7 +173,7 @@ std::optional<SettingsValues> parseSettings(const QByteArray& a_text, QString* a
     // what it remembers of a file that has changed since.
     QTemporaryFile file;
     const QByteArray clean = cleanText(a_text);
-    if (!file.open() || file.write(clean) != clean.size() || !file.flush()) {
+    if (!file.open() || !writeThrough(file, clean)) {
         *a_pReason = file.errorString();
         return std::nullopt;
     }

@@ -3,9 +3,10 @@
 #include "simulationdata/simulationlimits.h"
 #include "trace_p.h"
 
+#include "kpbase/replacedfile.h"
+
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -44,19 +45,13 @@ bool checkDocumentBytes(qint64 a_iBytes, QString* a_pReason)
 
 bool saveDocument(const QString& a_sFile, const QByteArray& a_data, QString* a_pReason)
 {
-    // Replacing a device or a pipe by a file would take it from everybody.
-    if (const QFileInfo target(a_sFile); target.exists() && !target.isFile()) {
-        return failToSave(a_sFile, QStringLiteral("is no regular file"), a_pReason);
-    }
     // What no reader would accept must not take the place of what one did.
     if (QString sReason; !checkDocumentBytes(a_data.size(), &sReason)) {
         return failToSave(a_sFile, sReason, a_pReason);
     }
-    QSaveFile file(a_sFile);
-    // A full device is seen only when the buffers are flushed.
-    const bool bWritten =
-        file.open(QIODevice::WriteOnly) && file.write(a_data) == a_data.size() && file.flush();
-    return (bWritten && file.commit()) || failToSave(a_sFile, file.errorString(), a_pReason);
+    ReplacedFile file(a_sFile);
+    return (file.open() && file.write(a_data) && file.commit()) ||
+           failToSave(a_sFile, file.errorString(), a_pReason);
 }
 
 std::optional<QByteArray> readDocument(QIODevice* a_pDevice, QString* a_pReason)

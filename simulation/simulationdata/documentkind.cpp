@@ -6,6 +6,8 @@
 #include "xmldocumentreader_p.h"
 #include "xmlposition_p.h"
 
+#include "kpbase/replacedfile.h"
+
 #include <QIODevice>
 #include <QXmlStreamWriter>
 
@@ -104,7 +106,7 @@ QByteArray DocumentKind::finished(const QByteArray& a_xml, const QString& a_sSha
 
 void DocumentKind::write(QIODevice* a_pDevice, const QByteArray& a_xml, QString* a_pError) const
 {
-    const bool bWritten = a_pDevice != nullptr && a_pDevice->write(a_xml) == a_xml.size();
+    const bool bWritten = a_pDevice != nullptr && writeThrough(*a_pDevice, a_xml);
     if (!bWritten) {
         *a_pError = a_pDevice != nullptr ? a_pDevice->errorString() : QStringLiteral("there is no device");
         traceUnwritten(*a_pError);

@@ -9,9 +9,10 @@
 #include "simulationdata/szenarioemitter.h"
 #include "trace_p.h"
 
+#include "kpbase/replacedfile.h"
+
 #include <QBuffer>
 #include <QDataStream>
-#include <QFileDevice>
 
 #include <limits>
 #include <utility>
@@ -145,10 +146,7 @@ bool ScenarioDataBinary::toBinary(QIODevice* a_pDevice) const
     if (data.isEmpty()) {
         return false;
     }
-    // A full disk is seen only when the buffers are flushed.
-    auto* const pFile = qobject_cast<QFileDevice*>(a_pDevice);
-    const bool bWritten = a_pDevice->write(data) == data.size() && (pFile == nullptr || pFile->flush());
-    return bWritten || failToWrite(a_pDevice->errorString());
+    return writeThrough(*a_pDevice, data) || failToWrite(a_pDevice->errorString());
 }
 
 void ScenarioDataBinary::writeEmitter(QDataStream& a_stream, std::shared_ptr<SzenarioEmitter> a_emitter) const

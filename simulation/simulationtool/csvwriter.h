@@ -1,7 +1,7 @@
 #ifndef SIMULATIONTOOL_CSVWRITER_H
 #define SIMULATIONTOOL_CSVWRITER_H
 
-#include "outputfile.h"
+#include "kpbase/replacedfile.h"
 
 #include <QString>
 #include <QStringList>
@@ -28,7 +28,7 @@ public:
     [[nodiscard]] static QString number(double a_dValue);
 
 private:
-    OutputFile m_file;
+    ReplacedFile m_file;
 };
 
 } // namespace SimulationTool

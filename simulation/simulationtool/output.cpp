@@ -2,7 +2,7 @@
 
 #include "terminaltext.h"
 
-#include <QByteArray>
+#include "kpbase/replacedfile.h"
 
 #include <csignal>
 #include <cstdio>
@@ -12,36 +12,39 @@
 
 namespace SimulationTool {
 
+namespace {
+
+constexpr qsizetype s_iBufferBytes = qsizetype{16} * 1024;
+
+} // namespace
+
 Output::Output()
-    : m_stream(&m_file)
-{
-    m_stream.setEncoding(QStringConverter::Utf8);
-    if (!m_file.open(STDOUT_FILENO, QIODevice::WriteOnly)) {
-        m_stream.setStatus(QTextStream::WriteFailed);
-    }
-}
+    // The buffer of the file would hide the reason of a failed write.
+    : m_bOk(m_file.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered))
+{}
 
 void Output::write(const QString& a_sText)
 {
-    if (isOk()) {
-        m_stream << a_sText;
+    if (m_bOk) {
+        m_buffer += a_sText.toUtf8();
+        if (m_buffer.size() >= s_iBufferBytes) {
+            writeBuffer();
+        }
     }
 }
 
-bool Output::isOk() const
+void Output::writeBuffer()
 {
-    return m_stream.status() == QTextStream::Ok && m_file.error() == QFileDevice::NoError;
+    m_bOk = writeAll(m_file, m_buffer.constData(), m_buffer.size());
+    m_buffer.clear();
 }
 
 bool Output::finish()
 {
-    if (isOk()) {
-        m_stream.flush();
-        if (!m_file.flush()) {
-            m_stream.setStatus(QTextStream::WriteFailed);
-        }
+    if (m_bOk) {
+        writeBuffer();
     }
-    return isOk();
+    return m_bOk;
 }
 
 QString Output::errorString() const

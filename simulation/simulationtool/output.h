@@ -1,9 +1,9 @@
 #ifndef SIMULATIONTOOL_OUTPUT_H
 #define SIMULATIONTOOL_OUTPUT_H
 
+#include <QByteArray>
 #include <QFile>
 #include <QString>
-#include <QTextStream>
 
 namespace SimulationTool {
 
@@ -18,15 +18,18 @@ public:
     /// Text with its own line ends. It must be fit for a terminal already.
     void write(const QString& a_sText);
     /// False once something could not be written: stop then.
-    [[nodiscard]] bool isOk() const;
+    [[nodiscard]] bool isOk() const { return m_bOk; }
     /// Writes what is still buffered. False, with errorString(), when that or
     /// anything before failed.
     [[nodiscard]] bool finish();
     [[nodiscard]] QString errorString() const;
 
 private:
+    void writeBuffer();
+
     QFile m_file;
-    QTextStream m_stream;
+    QByteArray m_buffer; ///< UTF-8 that is not written yet
+    bool m_bOk;
 };
 
 /// Writes one line to standard error: the program's name and the message, made

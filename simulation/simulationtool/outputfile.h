@@ -4,30 +4,9 @@
 #include "exitcode.h"
 
 #include <QByteArray>
-#include <QSaveFile>
 #include <QString>
 
 namespace SimulationTool {
-
-/// A file that a command writes: replaced whole by commit() or, when anything
-/// fails or commit() is not reached, left as it was.
-class OutputFile
-{
-public:
-    explicit OutputFile(const QString& a_sFile);
-
-    /// False, with errorString(), when the place cannot be written. What is
-    /// there already must be a regular file: a device is not to be replaced.
-    [[nodiscard]] bool open();
-    /// False when the bytes, or earlier ones, could not be written.
-    [[nodiscard]] bool write(const QByteArray& a_data);
-    [[nodiscard]] bool commit();
-    [[nodiscard]] QString errorString() const;
-
-private:
-    QSaveFile m_file;
-    QString m_sRefusal;
-};
 
 /// Replaces the file by the bytes; says why when that fails. What an interrupted
 /// command writes is not to take the place: Unusable, and nothing is said.

@@ -481,7 +481,7 @@ void TestDeploymentDataXml::sharedIds()
     QCOMPARE(document.errorString(), QStringLiteral("2 devices have the id \"b\"%1; 2 stations have the id "
                                                     "\"a\"%1")
                                          .arg(sEnd));
-    QVERIFY(!document.toXmlFile(folder.path()) && document.errorString() == u"is no regular file");
+    QVERIFY(!document.toXmlFile(folder.path()) && document.errorString() == u"is a folder");
 }
 
 QTEST_GUILESS_MAIN(TestDeploymentDataXml)

@@ -1,15 +1,14 @@
+#include "filesizelimit.h"
 #include "simulationdata/pdwfile.h"
 #include "tracecollector.h"
 
 #include <array>
-#include <csignal>
 #include <optional>
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 struct CPackedPDW
@@ -207,23 +206,17 @@ void TestPDWFile::unreadable()
 /// file is closed.
 void TestPDWFile::fullDisk()
 {
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
     for (const auto& [iRoom, iRecords] : {std::pair{40000, 5000}, std::pair{40000, 1900}, std::pair{16, 1}}) {
         TraceCollector::lines().clear();
-        rlimit small = before;
-        small.rlim_cur = static_cast<rlim_t>(iRoom);
-        QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
         {
+            const FileSizeLimit limit(static_cast<rlim_t>(iRoom));
             PDWFile file(path(), true, true);
             addRecords(file, 0, iRecords);
         }
-        setrlimit(RLIMIT_FSIZE, &before);
         QCOMPARE(TraceCollector::lines().size(), 1);
+        QVERIFY(TraceCollector::lines().constFirst().contains(QStringLiteral(": File too large ")));
         QVERIFY(content().size() <= iRoom);
     }
-    std::signal(SIGXFSZ, handler);
 }
 
 QTEST_GUILESS_MAIN(TestPDWFile)

@@ -1,3 +1,4 @@
+#include "filesizelimit.h"
 #include "simulationdata/elintscenarioemitter.h"
 #include "simulationdata/emissionsettings.h"
 #include "simulationdata/frequencysettings_fasthopper.h"
@@ -9,7 +10,6 @@
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 #include "tracecollector.h"
 
-#include <csignal>
 #include <memory>
 #include <vector>
 
@@ -20,7 +20,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace Simulation;
@@ -113,6 +112,7 @@ private Q_SLOTS:
     void devices();
     void files();
     void neverOverAPipe();
+    void neverAHalfFile_data();
     void neverAHalfFile();
     void loadAndDrop();
     void keptEmitter();
@@ -461,32 +461,49 @@ void TestScenarioDocument::neverOverAPipe()
     QVERIFY(QFileInfo::exists(sPipe) && !QFileInfo(sPipe).isFile());
 }
 
+void TestScenarioDocument::neverAHalfFile_data()
+{
+    QTest::addColumn<int>("size"); // of the description, characters
+    QTest::addColumn<int>("room"); // bytes
+
+    QTest::newRow("large document") << (1 << 20) << (1 << 16);
+    QTest::newRow("document that fits into a buffer") << 3'000 << 1'000;
+}
+
 /// A write that fails midway leaves the old file as it was and no other beside.
 void TestScenarioDocument::neverAHalfFile()
 {
-    QTemporaryDir folder;
+    QFETCH(int, size);
+    QFETCH(int, room);
+    const QTemporaryDir folder;
     const QString sFile = folder.filePath(QStringLiteral("scenario.sce"));
+    QFile device(folder.filePath(QStringLiteral("device")));
     ScenarioDataXml document(nullptr);
-    QVERIFY(document.toXmlFile(sFile));
+    QVERIFY(document.toXmlFile(sFile) && device.open(QIODevice::WriteOnly));
     QFile file(sFile);
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QByteArray before = file.readAll();
     file.close();
 
-    document.setDescription(QStringLiteral("x").repeated(1 << 20));
-    rlimit former{};
-    QCOMPARE(getrlimit(RLIMIT_FSIZE, &former), 0);
-    rlimit small = former;
-    small.rlim_cur = 1 << 16;
-    const auto formerHandler = std::signal(SIGXFSZ, SIG_IGN); // NOLINT(cert-err33-c)
-    QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
-    const bool bSaved = document.toXmlFile(sFile);
-    QCOMPARE(setrlimit(RLIMIT_FSIZE, &former), 0);
-    std::signal(SIGXFSZ, formerHandler);
-    QVERIFY(!bSaved);
+    document.setDescription(QString(size, u'x'));
+    QLoggingCategory::setFilterRules({});
+    const TraceCollector traces;
+    {
+        const FileSizeLimit limit(static_cast<rlim_t>(room));
+        QVERIFY(!document.toXmlFile(sFile));
+        document.toXml(&device);
+        device.close();
+    }
+    QCOMPARE(TraceCollector::lines(),
+             QStringList({QStringLiteral("Cannot save \"%1\": File too large "
+                                         "(simulation/simulationdata/documentfile)")
+                              .arg(sFile),
+                          QStringLiteral("Cannot write a scenario: File too large "
+                                         "(simulation/simulationdata/scenariodataxml)")}));
+    initTestCase();
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), before);
-    QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden).size(), 2);
 }
 
 void TestScenarioDocument::loadAndDrop()
@@ -686,7 +703,7 @@ void TestScenarioDocument::tooLargeToSave()
     Limits::setValue(Limits::DocumentBytes, 0);
     QVERIFY(document.toXml().size() > 1'000'000 && document.errorString().isEmpty());
     QVERIFY(!document.toXmlFile(folder.path()));
-    QCOMPARE(document.errorString(), QStringLiteral("is no regular file"));
+    QCOMPARE(document.errorString(), QStringLiteral("is a folder"));
     document.toXml(nullptr);
     QCOMPARE(document.errorString(), QStringLiteral("there is no device"));
 }

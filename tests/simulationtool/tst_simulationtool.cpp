@@ -1,3 +1,4 @@
+#include "filesizelimit.h"
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 #include "simulationtool/toolrun.h"
@@ -54,6 +55,8 @@ private Q_SLOTS:
     void csvFields();
     void csvIsAllOrNothing_data();
     void csvIsAllOrNothing();
+    void fullDisk_data();
+    void fullDisk();
     void inspectBuiltIn_data();
     void inspectBuiltIn();
     void inspectTamesHostileTexts();
@@ -315,6 +318,50 @@ void tst_SimulationTool::csvIsAllOrNothing()
     QCOMPARE(result.err, QStringLiteral("simulationtool: ") + message + u'\n');
     QCOMPARE(result.code, 2);
     QFile old(sOld);
+    QVERIFY(old.open(QIODevice::ReadOnly));
+    QCOMPARE(old.readAll(), QByteArray("old"));
+}
+
+void tst_SimulationTool::fullDisk_data()
+{
+    QTest::addColumn<QStringList>("arguments"); // FILE is the file that is written
+    QTest::addColumn<int>("room");              // bytes
+
+    QTest::newRow("rows of a play") << QStringList{QStringLiteral("play"), QStringLiteral("--csv"),
+                                                   QStringLiteral("FILE")}
+                                    << 70'000;
+    QTest::newRow("few rows") << QStringList{QStringLiteral("play"), QStringLiteral("--to"),
+                                             QStringLiteral("100"), QStringLiteral("--csv"),
+                                             QStringLiteral("FILE")}
+                              << 100;
+    QTest::newRow("compact scenario")
+        << QStringList{QStringLiteral("convert"), s_sBuiltIn, QStringLiteral("FILE")} << 100;
+    QTest::newRow("repaired scenario") << QStringList{QStringLiteral("check"), s_sBuiltIn,
+                                                      QStringLiteral("--repair"), QStringLiteral("FILE")}
+                                       << 2'000;
+    QTest::newRow("standard output") << QStringList{QStringLiteral("play")} << 20'000;
+    QTest::newRow("little on standard output") << QStringList{QStringLiteral("--help")} << 10;
+}
+
+/// The message has the system's reason, and a file that was there stays.
+void tst_SimulationTool::fullDisk()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, room);
+    const QString sFile = write(QStringLiteral("old"), "old");
+    const QString sOutput = m_dir.filePath(QStringLiteral("output"));
+    QFile::remove(sOutput);
+    arguments.replaceInStrings(QStringLiteral("FILE"), sFile);
+    const FileSizeLimit limit(static_cast<rlim_t>(room));
+    QProcess process;
+    process.setStandardOutputFile(sOutput);
+    process.start(QStringLiteral(SIMULATIONTOOL_PATH), arguments);
+    QVERIFY(process.waitForFinished(s_iToolTimeout));
+    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+             QStringLiteral("simulationtool: %1: File too large\n")
+                 .arg(arguments.contains(sFile) ? sFile : QStringLiteral("standard output")));
+    QCOMPARE(process.exitCode(), 2);
+    QFile old(sFile);
     QVERIFY(old.open(QIODevice::ReadOnly));
     QCOMPARE(old.readAll(), QByteArray("old"));
 }
