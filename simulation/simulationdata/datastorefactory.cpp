@@ -30,7 +30,6 @@ constexpr QLatin1String s_sSignalPackages("SignalPackages");
 constexpr QLatin1String s_sFiles("Files");
 constexpr QLatin1String s_sRadar("Radar");
 constexpr QLatin1String s_sIcons("Icons");
-constexpr QLatin1String s_sDefaultPackages("TuK-Default");
 
 /// The repository that a configuration names; nothing without a configuration.
 std::optional<QString> repository(ICfg* a_pCfg)

@@ -1,6 +1,7 @@
 #include "packagecachefolder_p.h"
 
 #include "documentfile_p.h"
+#include "folderlock_p.h"
 #include "packagesources_p.h"
 #include "resourcearchive_p.h"
 #include "simulationdata/signalpackage.h"
@@ -14,13 +15,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QFuture>
-#include <QLockFile>
 #include <QtConcurrentRun>
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <optional>
+#include <utility>
 
 namespace Simulation {
 
@@ -31,8 +31,7 @@ constexpr const char* s_szSource = "simulation/simulationdata/packagecachefolder
 constexpr QLatin1String s_sDefaultArchive(":/DefaultData/Default.zip");
 constexpr QLatin1String s_sArchiveName("tmp.zip");
 constexpr QLatin1String s_sDescriptorRoot("SignalPackage");
-constexpr QLatin1String s_sLockName("simulationdata.lock");
-constexpr std::chrono::seconds s_lockTimeout{30}; ///< far longer than preparing takes
+constexpr QLatin1String s_sBuiltInName("Signal");
 
 /// A package's data files: how they end in the cache folder, and where they lie
 /// in a package folder.
@@ -49,34 +48,15 @@ constexpr std::array<DataFile, 4> s_dataFiles{{
     {PackageCacheFolder::s_szResults, &SignalPackageFolder::resultDataFilePath},
 }};
 
-/// The first of them, which the default package has.
-constexpr std::size_t s_uiDefaultFiles = 2;
+/// The first of them, which the built-in package has.
+constexpr std::size_t s_uiBuiltInFiles = 2;
 
-/// Keeps other processes from changing the folder meanwhile. Without the lock,
-/// after a trace, the work goes on where that does no harm: every single file
-/// comes and goes whole.
-class FolderLock
+void keepFirst(QString& a_sReason, const QString& a_sNext)
 {
-public:
-    explicit FolderLock(const QString& a_sFolder)
-        : m_file(QDir(a_sFolder).filePath(s_sLockName))
-    {
-        m_file.setStaleLockTime(std::chrono::seconds(0)); // only that of a dead process is stale
-        const QFileInfo info(m_file.fileName());
-        // Opening a pipe would wait for ever.
-        m_bHeld = (!info.exists() || info.isFile()) && m_file.tryLock(s_lockTimeout);
-        if (!m_bHeld) {
-            traceError(s_szSource,
-                       [&] { return QStringLiteral("Cannot lock \"%1\"").arg(m_file.fileName()); });
-        }
+    if (a_sReason.isEmpty()) {
+        a_sReason = a_sNext;
     }
-
-    [[nodiscard]] bool isHeld() const { return m_bHeld; }
-
-private:
-    QLockFile m_file;
-    bool m_bHeld = false;
-};
+}
 
 /// Whether a cache made the descriptor: the folder may be one that everybody
 /// uses, such as that for temporary files.
@@ -107,45 +87,60 @@ bool PackageCacheFolder::exists() const
     return !m_sPath.isEmpty() && QFileInfo(m_sPath).isDir();
 }
 
-std::shared_ptr<SignalPackage> PackageCacheFolder::prepare() const
+bool PackageCacheFolder::wasPrepared() const
 {
-    if (m_sPath.isEmpty() || !QDir().mkpath(m_sPath)) {
-        traceError(s_szSource,
-                   [&] { return QStringLiteral("Cannot make the cache folder \"%1\"").arg(m_sPath); });
-        return nullptr;
-    }
-    // What others have prepared in a folder that cannot be written is good, too.
-    if (const FolderLock lock(m_sPath); lock.isHeld()) {
-        removeAbandonedFiles(m_sPath);
-        unpackDefaultPackage();
-    }
-    auto package = std::make_shared<SignalPackage>(SignalPackageFolder::signalPackage(m_sPath));
-    if (package->id().isEmpty()) {
-        return nullptr; // the reader of the descriptor has told why
-    }
-    package->setHasSymbolDataContent(!fileOf(package->id(), s_szSymbols).isEmpty());
-    package->setHasResultDataContent(!fileOf(package->id(), s_szResults).isEmpty());
-    return package;
+    return exists() && (FolderLock::wasUsedIn(m_sPath) ||
+                        !fileOf(SignalPackageFolder::signalPackage(m_sPath).id(), s_szShape).isEmpty());
 }
 
-/// Makes the files of the default package: under their own names, and the data
-/// under those by which its readers are looked up. Both take the place of what
-/// an older program has put there.
-void PackageCacheFolder::unpackDefaultPackage() const
+std::shared_ptr<SignalPackage> PackageCacheFolder::prepare(CopyFailures* a_pFailures) const
 {
-    if (!unpackResource(s_sDefaultArchive, m_sPath, QStringLiteral("/"), m_sPath)) {
+    QString& sReason = a_pFailures->firstReason;
+    if (m_sPath.isEmpty() || !QDir().mkpath(m_sPath)) {
+        sReason = QStringLiteral("Cannot make the cache folder \"%1\"").arg(m_sPath);
+        traceError(s_szSource, [&] { return sReason; });
+        return nullptr;
+    }
+    if (const FolderLock lock(m_sPath); lock.isHeld()) {
+        removeAbandonedFiles(m_sPath);
+        unpackBuiltInPackage(&sReason);
+    } else {
+        sReason = lock.problem();
+    }
+    auto package = std::make_shared<SignalPackage>(SignalPackageFolder::signalPackage(m_sPath));
+    const bool bWhole =
+        !package->id().isEmpty() && !builtInFile(s_szShape).isEmpty() && !builtInFile(s_szAudio).isEmpty();
+    // What others have prepared in a folder that cannot be written is good, too.
+    if (bWhole) {
+        sReason.clear();
+    } else {
+        a_pFailures->packages = 1;
+    }
+    package->setHasSymbolDataContent(false);
+    package->setHasResultDataContent(false);
+    return package->id().isEmpty() ? nullptr : package;
+}
+
+/// Replaces what an older program has put there. Older ones also copied the data
+/// to names that a package of the repository now may have.
+void PackageCacheFolder::unpackBuiltInPackage(QString* a_pReason) const
+{
+    if (!unpackResource(s_sDefaultArchive, m_sPath, QStringLiteral("/"), m_sPath, a_pReason)) {
         return;
     }
-    const QString sCleanId = SignalPackageFolder::signalPackage(m_sPath).cleanId();
-    for (std::size_t i = 0; i < s_uiDefaultFiles; ++i) {
-        static_cast<void>(replaceByCopy(s_dataFiles[i].path(m_sPath), file(sCleanId, s_dataFiles[i].ending)));
+    const QString sId = SignalPackageFolder::signalPackage(m_sPath).id();
+    for (std::size_t i = 0; i < s_uiBuiltInFiles && !holds(sId); ++i) {
+        QFile::remove(file(SignalPackage::cleanId(sId), s_dataFiles[i].ending));
     }
 }
 
 void PackageCacheFolder::clear() const
 {
-    if (exists()) {
-        const FolderLock lock(m_sPath);
+    if (!exists()) {
+        return;
+    }
+    // Another process may be copying a package whose descriptor would be removed.
+    if (const FolderLock lock(m_sPath); lock.isHeld()) {
         removePackages();
     }
 }
@@ -153,15 +148,12 @@ void PackageCacheFolder::clear() const
 void PackageCacheFolder::removePackages() const
 {
     const QDir folder(m_sPath);
-    const QString sDefault = SignalPackageFolder::isValid(m_sPath)
-                                 ? SignalPackageFolder::signalPackage(m_sPath).cleanId()
-                                 : QString();
     const QStringList descriptors =
         folder.entryList({QStringLiteral("*.xml")}, QDir::Files | QDir::NoSymLinks | QDir::CaseSensitive);
     QStringList left;
     for (const QString& sDescriptor : descriptors) {
         const QString sCleanId = QFileInfo(sDescriptor).completeBaseName();
-        if (isOurDescriptor(folder.filePath(sDescriptor)) && !removeFiles(sCleanId, sCleanId == sDefault)) {
+        if (isOurDescriptor(folder.filePath(sDescriptor)) && !removeFiles(sCleanId)) {
             left.append(sDescriptor);
         }
     }
@@ -182,82 +174,99 @@ void PackageCacheFolder::removePackages() const
 /// The descriptor goes last and only when the data are gone: by it they are
 /// found again, after a crash as well. Data that nobody finds would later be
 /// taken for those of a changed package.
-bool PackageCacheFolder::removeFiles(const QString& a_sCleanId, bool a_bDefault) const
+bool PackageCacheFolder::removeFiles(const QString& a_sCleanId) const
 {
     const auto remove = [&](const char* a_szEnding) {
         const QString sFile = file(a_sCleanId, a_szEnding);
         return QFile::remove(sFile) || !QFileInfo::exists(sFile);
     };
     bool bRemoved = true;
-    for (std::size_t i = a_bDefault ? s_uiDefaultFiles : 0; i < s_dataFiles.size(); ++i) {
-        bRemoved = remove(s_dataFiles[i].ending) && bRemoved;
+    for (const DataFile& data : s_dataFiles) {
+        bRemoved = remove(data.ending) && bRemoved;
     }
     return bRemoved && remove(s_szDescriptor);
 }
 
-void PackageCacheFolder::update(const QString& a_sRepository, bool a_bAnew) const
+PackageCacheFolder::CopyFailures PackageCacheFolder::update(const QString& a_sRepository, bool a_bAnew) const
 {
+    // Without the lock the copying does no harm: every file is put there whole.
     const FolderLock lock(m_sPath);
-    if (a_bAnew) {
+    CopyFailures failures;
+    if (a_bAnew && lock.isHeld()) {
         removePackages();
+    } else if (a_bAnew) {
+        failures.firstReason = lock.problem();
     }
     const QList<PackageSource> sources = readPackagesBelow(
         a_sRepository, [this](const SignalPackage& a_package) { return isComplete(a_package); });
-    // The descriptors come first: by them removePackages() finds what is ours.
-    copyDescriptors(sources);
-    QList<QFuture<void>> tasks;
+    // The descriptors are first: by them removePackages() finds what is ours.
+    Reasons reasons = copyDescriptors(sources);
+    QList<QFuture<QString>> tasks;
     for (const PackageSource& source : sources) {
-        if (!source.cached) {
-            tasks.append(QtConcurrent::run([this, &source] { copyData(source.package); }));
-        }
+        tasks.append(QtConcurrent::run(
+            [this, &source] { return source.cached ? QString() : copyData(source.package); }));
     }
-    for (QFuture<void>& task : tasks) {
-        task.waitForFinished();
+    for (std::size_t i = 0; i < reasons.size(); ++i) {
+        keepFirst(reasons[i], tasks[static_cast<qsizetype>(i)].result());
+        keepFirst(failures.firstReason, reasons[i]);
+        failures.packages += reasons[i].isEmpty() ? 0 : 1;
     }
     trace(ErrorHandler::TraceProgress, s_szSource, [&] {
+        const auto isCached = [](const PackageSource& a_source) { return a_source.cached; };
+        const qsizetype iCached = std::count_if(sources.cbegin(), sources.cend(), isCached);
         return QStringLiteral("The cache was updated by %1 of the %2 packages below \"%3\"")
-            .arg(QString::number(tasks.size()), QString::number(sources.size()), a_sRepository);
+            .arg(QString::number(sources.size() - iCached), QString::number(sources.size()), a_sRepository);
     });
+    return failures;
 }
 
 /// An id that a package supersedes is to resolve to that one, whether or not the
 /// older one is still there: so first come the update ids, those of the newest
 /// package before others, and then the packages' own.
-void PackageCacheFolder::copyDescriptors(const QList<PackageSource>& a_sources) const
+PackageCacheFolder::Reasons PackageCacheFolder::copyDescriptors(const QList<PackageSource>& a_sources) const
 {
-    QList<const SignalPackage*> missing;
-    for (const PackageSource& source : a_sources) {
+    Reasons reasons(static_cast<std::size_t>(a_sources.size()));
+    std::vector<std::pair<const SignalPackage*, QString*>> missing;
+    for (qsizetype i = 0; i < a_sources.size(); ++i) {
+        const SignalPackage& package = a_sources[i].package;
         // After a power cut a file may be there without its bytes.
-        if (!source.cached && QFileInfo(file(source.package.cleanId(), s_szDescriptor)).size() == 0) {
-            missing.append(&source.package);
+        if (!a_sources[i].cached && QFileInfo(file(package.cleanId(), s_szDescriptor)).size() == 0) {
+            missing.emplace_back(&package, &reasons[static_cast<std::size_t>(i)]);
         }
     }
     const SupersededIds superseded(a_sources);
-    for (const SignalPackage* pPackage : missing) {
+    for (const auto& [pPackage, pReason] : missing) {
         for (const QString& sCleanId : superseded.of(*pPackage)) {
-            copyDescriptor(*pPackage, sCleanId);
+            keepFirst(*pReason, copyDescriptor(*pPackage, sCleanId));
         }
     }
-    for (const SignalPackage* pPackage : missing) {
-        copyDescriptor(*pPackage, pPackage->cleanId());
+    for (const auto& [pPackage, pReason] : missing) {
+        // With its own descriptor the package would never be looked at again.
+        if (pReason->isEmpty()) {
+            *pReason = copyDescriptor(*pPackage, pPackage->cleanId());
+        }
     }
+    return reasons;
 }
 
-void PackageCacheFolder::copyDescriptor(const SignalPackage& a_package, const QString& a_sCleanId) const
+QString PackageCacheFolder::copyDescriptor(const SignalPackage& a_package, const QString& a_sCleanId) const
 {
-    copyMissing(SignalPackageFolder::signalFilePath(a_package.path()), file(a_sCleanId, s_szDescriptor));
+    return copyMissing(SignalPackageFolder::signalFilePath(a_package.path()),
+                       file(a_sCleanId, s_szDescriptor));
 }
 
 /// Without its descriptor, which could not be copied then, removePackages()
 /// would not find the data.
-void PackageCacheFolder::copyData(const SignalPackage& a_package) const
+QString PackageCacheFolder::copyData(const SignalPackage& a_package) const
 {
-    if (!QFileInfo::exists(file(a_package.cleanId(), s_szDescriptor))) {
-        return;
+    QString sReason;
+    if (QFileInfo::exists(file(a_package.cleanId(), s_szDescriptor))) {
+        for (const DataFile& data : s_dataFiles) {
+            keepFirst(sReason,
+                      copyMissing(data.path(a_package.path()), file(a_package.cleanId(), data.ending)));
+        }
     }
-    for (const DataFile& data : s_dataFiles) {
-        copyMissing(data.path(a_package.path()), file(a_package.cleanId(), data.ending));
-    }
+    return sReason;
 }
 
 bool PackageCacheFolder::isComplete(const SignalPackage& a_package) const
@@ -280,12 +289,15 @@ bool PackageCacheFolder::isMissing(const QString& a_sFrom, const QString& a_sTo)
     return target.exists() ? source.size() > 0 : source.exists();
 }
 
-void PackageCacheFolder::copyMissing(const QString& a_sFrom, const QString& a_sTo)
+/// The reason when that fails; none when another process has been faster.
+QString PackageCacheFolder::copyMissing(const QString& a_sFrom, const QString& a_sTo)
 {
+    QString sReason;
     if (isMissing(a_sFrom, a_sTo)) {
-        static_cast<void>(QFileInfo::exists(a_sTo) ? replaceByCopy(a_sFrom, a_sTo)
-                                                   : copyFileWhole(a_sFrom, a_sTo));
+        static_cast<void>(QFileInfo::exists(a_sTo) ? replaceByCopy(a_sFrom, a_sTo, &sReason)
+                                                   : copyFileWhole(a_sFrom, a_sTo, &sReason));
     }
+    return sReason;
 }
 
 std::shared_ptr<SignalPackage> PackageCacheFolder::package(const QString& a_sId) const
@@ -317,6 +329,13 @@ QString PackageCacheFolder::fileOf(const QString& a_sId, const char* a_szEnding)
     }
     QString sFile = file(SignalPackage::cleanId(a_sId), a_szEnding);
     return QFileInfo::exists(sFile) ? sFile : QString();
+}
+
+QString PackageCacheFolder::builtInFile(const char* a_szEnding) const
+{
+    const auto isEnding = [&](const DataFile& a_data) { return qstrcmp(a_data.ending, a_szEnding) == 0; };
+    const auto end = s_dataFiles.begin() + s_uiBuiltInFiles;
+    return std::any_of(s_dataFiles.begin(), end, isEnding) ? fileOf(s_sBuiltInName, a_szEnding) : QString();
 }
 
 QString PackageCacheFolder::file(const QString& a_sCleanId, const char* a_szEnding) const

@@ -1,22 +1,30 @@
 #ifndef SIMULATIONDATA_PACKAGECACHEFOLDER_P_H
 #define SIMULATIONDATA_PACKAGECACHEFOLDER_P_H
 
+#include "simulationdata/signalpackagecache.h"
+
 #include <QList>
 #include <QString>
 
 #include <memory>
+#include <vector>
 
 namespace Simulation {
 
 class SignalPackage;
 struct PackageSource;
 
-/// The folder behind a package cache: what stands in it under which name, and
-/// how it gets there and leaves. It keeps nothing in memory. Several processes
-/// may use one folder; what changes it holds the folder's lock file.
+/// The folder of a package cache: which files it holds under which names, and how
+/// they are put there and removed. It keeps nothing in memory. Several processes
+/// may use one folder; whoever changes it holds its lock.
+///
+/// The built-in default package has files of its own, "Signal.*". Files that are
+/// named after its id belong to a package of the repository that has the same id.
 class PackageCacheFolder
 {
 public:
+    using CopyFailures = SignalPackageCache::CopyFailures;
+
     // How the files of a package end.
     static constexpr const char* s_szDescriptor = "xml";
     static constexpr const char* s_szShape = "ssf";
@@ -30,15 +38,19 @@ public:
     [[nodiscard]] const QString& path() const { return m_sPath; }
     [[nodiscard]] bool exists() const;
 
+    /// Whether a cache has used the folder: it was locked, or holds the copies that
+    /// older programs made.
+    [[nodiscard]] bool wasPrepared() const;
+
     /// Makes the folder, removes what processes that died left half done, and
-    /// unpacks the default package. The default package, or null after a trace.
-    [[nodiscard]] std::shared_ptr<SignalPackage> prepare() const;
+    /// unpacks the built-in package. That package, or null after a trace.
+    [[nodiscard]] std::shared_ptr<SignalPackage> prepare(CopyFailures* a_pFailures) const;
 
     /// Copies what the folder does not hold yet of the packages that lie below
     /// another folder; first removes what it holds when that is to be made anew.
-    void update(const QString& a_sRepository, bool a_bAnew) const;
+    [[nodiscard]] CopyFailures update(const QString& a_sRepository, bool a_bAnew) const;
 
-    /// Removes the packages, but for the default package's own files.
+    /// Removes the packages, but not the built-in one. Nothing without the lock.
     void clear() const;
 
     /// What the folder holds of an id; null when that is nothing readable.
@@ -47,18 +59,23 @@ public:
     [[nodiscard]] bool holds(const QString& a_sId) const;
     /// The file of a package; empty when there is none.
     [[nodiscard]] QString fileOf(const QString& a_sId, const char* a_szEnding) const;
+    /// The file of the built-in package; empty when there is none.
+    [[nodiscard]] QString builtInFile(const char* a_szEnding) const;
 
 private:
+    /// Why a package lacks a file, empty when it has all, for each of a list.
+    using Reasons = std::vector<QString>;
+
     [[nodiscard]] QString file(const QString& a_sCleanId, const char* a_szEnding) const;
-    void unpackDefaultPackage() const;
+    void unpackBuiltInPackage(QString* a_pReason) const;
     void removePackages() const;
-    [[nodiscard]] bool removeFiles(const QString& a_sCleanId, bool a_bDefault) const;
-    void copyDescriptors(const QList<PackageSource>& a_sources) const;
-    void copyDescriptor(const SignalPackage& a_package, const QString& a_sCleanId) const;
-    void copyData(const SignalPackage& a_package) const;
+    [[nodiscard]] bool removeFiles(const QString& a_sCleanId) const;
+    [[nodiscard]] Reasons copyDescriptors(const QList<PackageSource>& a_sources) const;
+    [[nodiscard]] QString copyDescriptor(const SignalPackage& a_package, const QString& a_sCleanId) const;
+    [[nodiscard]] QString copyData(const SignalPackage& a_package) const;
     [[nodiscard]] bool isComplete(const SignalPackage& a_package) const;
     [[nodiscard]] static bool isMissing(const QString& a_sFrom, const QString& a_sTo);
-    static void copyMissing(const QString& a_sFrom, const QString& a_sTo);
+    [[nodiscard]] static QString copyMissing(const QString& a_sFrom, const QString& a_sTo);
 
     const QString m_sPath; ///< absolute; empty when none was given
 };

@@ -2,8 +2,10 @@
 
 #include "simulationdata/signalpackagefolder.h"
 #include "simulationdata/simulationlimits.h"
+#include "storepath_p.h"
 #include "trace_p.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QFuture>
 #include <QtConcurrentRun>
@@ -18,6 +20,12 @@ constexpr const char* s_szSource = "simulation/simulationdata/packagesources";
 
 /// The default package's files stand in a cache folder under this name.
 constexpr QLatin1String s_sReservedName("Signal");
+
+/// Whether the program itself unpacked the package into the repository.
+bool isBuiltIn(const QString& a_sFolder)
+{
+    return QFileInfo(a_sFolder).dir().dirName() == s_sDefaultPackages;
+}
 
 SignalPackage readPackage(const QString& a_sFolder)
 {
@@ -46,7 +54,7 @@ QList<PackageSource> readPackagesBelow(const QString& a_sFolder,
     for (const QString& sFolder : folders) {
         tasks.append(QtConcurrent::run([sFolder, &a_isCached] {
             const SignalPackage package = readPackage(sFolder);
-            return PackageSource{package, !package.id().isEmpty() && a_isCached(package)};
+            return PackageSource{package, !package.id().isEmpty() && a_isCached(package), isBuiltIn(sFolder)};
         }));
     }
     QList<PackageSource> sources;
@@ -55,7 +63,9 @@ QList<PackageSource> readPackagesBelow(const QString& a_sFolder,
         sources.append(task.result());
     }
     std::stable_sort(sources.begin(), sources.end(), [](const auto& a_first, const auto& a_second) {
-        return a_first.package.timestamp() > a_second.package.timestamp();
+        return a_first.builtIn != a_second.builtIn
+                   ? a_second.builtIn
+                   : a_first.package.timestamp() > a_second.package.timestamp();
     });
     QHash<QString, QString> owners{{s_sReservedName, QStringLiteral("the default package")}}; // by cleaned id
     sources.removeIf([&owners](const PackageSource& a_source) {
@@ -77,7 +87,8 @@ SupersededIds::SupersededIds(const QList<PackageSource>& a_sources)
 {
     m_timestamps.reserve(a_sources.size());
     for (const PackageSource& source : a_sources) {
-        m_timestamps.insert(source.package.cleanId(), source.package.timestamp());
+        // A built-in package is older than whatever supersedes it.
+        m_timestamps.insert(source.package.cleanId(), source.builtIn ? 0 : source.package.timestamp());
     }
 }
 

@@ -18,13 +18,13 @@ struct PackageSource
 {
     SignalPackage package; ///< with its path
     bool cached = false;   ///< nothing of it is missing in the cache
+    bool builtIn = false;  ///< the program unpacked it into the repository
 };
 
 /// The packages that a cache takes from the folders below another one, the newest
-/// first. They are read in background tasks, which also ask whether they are
-/// cached. Left out are, silently, those without an id and, after a trace each,
-/// those whose files would take the place of a newer package's or of the default
-/// package's.
+/// first and the built-in ones last: those of a user win. They are read in background tasks, which also ask
+/// whether they are cached. Left out are, silently, those without an id and, after a trace each, those whose
+/// files would take the place of a newer package's or of the default package's.
 [[nodiscard]] QList<PackageSource>
 readPackagesBelow(const QString& a_sFolder, const std::function<bool(const SignalPackage&)>& a_isCached);
 

@@ -18,11 +18,14 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/resourcearchive";
 
-bool unpack(const QString& a_sArchive, const QString& a_sFolder, const QString& a_sTarget)
+bool unpack(const QString& a_sArchive, const QString& a_sFolder, const QString& a_sTarget, QString* a_pReason)
 {
     KPZip::Archive archive(a_sArchive);
     archive.setBounds(Limits::value(Limits::ArchiveBytes), Limits::value(Limits::ArchiveEntries));
-    return archive.open(KPZip::Archive::ModeRead) && archive.extractToFolder(a_sFolder, a_sTarget);
+    const bool bUnpacked =
+        archive.open(KPZip::Archive::ModeRead) && archive.extractToFolder(a_sFolder, a_sTarget);
+    *a_pReason = archive.errorString();
+    return bUnpacked;
 }
 
 bool moveFile(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
@@ -37,23 +40,22 @@ bool moveFile(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
 
 /// Moves every file below a folder to its place below another one, or as many
 /// as can be.
-bool moveFiles(const QString& a_sFrom, const QString& a_sTo)
+bool moveFiles(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
 {
     const QDir from(a_sFrom);
     const QDir to(a_sTo);
     int iLeft = 0;
-    QString sReason;
     QDirIterator files(a_sFrom, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (files.hasNext()) {
         const QString sFile = files.next();
-        if (!moveFile(sFile, to.filePath(from.relativeFilePath(sFile)), &sReason)) {
+        if (!moveFile(sFile, to.filePath(from.relativeFilePath(sFile)), a_pReason)) {
             ++iLeft;
         }
     }
     if (iLeft > 0) {
         traceError(s_szSource, [&] {
             return QStringLiteral("%1 files cannot be put below \"%2\", the last because %3")
-                .arg(QString::number(iLeft), a_sTo, sReason);
+                .arg(QString::number(iLeft), a_sTo, *a_pReason);
         });
     }
     return iLeft == 0;
@@ -62,15 +64,20 @@ bool moveFiles(const QString& a_sFrom, const QString& a_sTo)
 } // namespace
 
 bool unpackResource(const QString& a_sResource, const QString& a_sWorkFolder, const QString& a_sFolder,
-                    const QString& a_sTarget)
+                    const QString& a_sTarget, QString* a_pReason)
 {
     const QDir workFolder(a_sWorkFolder);
     const QString sArchive = temporaryName(workFolder.filePath(QStringLiteral("archive")));
     const QString sUnpacked = temporaryName(workFolder.filePath(QStringLiteral("unpacked")));
-    const bool bUnpacked = copyFileWhole(a_sResource, sArchive) && unpack(sArchive, a_sFolder, sUnpacked) &&
-                           moveFiles(sUnpacked, a_sTarget);
+    QString sReason;
+    const bool bUnpacked = copyFileWhole(a_sResource, sArchive, &sReason) &&
+                           unpack(sArchive, a_sFolder, sUnpacked, &sReason) &&
+                           moveFiles(sUnpacked, a_sTarget, &sReason);
     QFile::remove(sArchive);
     static_cast<void>(removeDir(sUnpacked));
+    if (a_pReason != nullptr) {
+        *a_pReason = sReason;
+    }
     return bUnpacked;
 }
 

@@ -16,11 +16,12 @@ namespace Simulation {
 /// every file is moved to its place, which must lie on the same file system. A
 /// crash leaves only what removeAbandonedFiles() removes. What the archive may
 /// unpack to is bounded by Limits::ArchiveBytes and Limits::ArchiveEntries.
-/// False after a trace; what can be moved is moved all the same. Any thread may
-/// call.
+/// False after a trace and with a reason; what can be moved is moved all the same.
+/// Any thread may call.
 [[nodiscard]] SIMULATIONDATA_EXPORT bool unpackResource(const QString& a_sResource,
                                                         const QString& a_sWorkFolder,
-                                                        const QString& a_sFolder, const QString& a_sTarget);
+                                                        const QString& a_sFolder, const QString& a_sTarget,
+                                                        QString* a_pReason = nullptr);
 
 /// Whether the file is a copy of what the program carries, or the first part of
 /// one that was cut off.

@@ -32,6 +32,14 @@ void SignalPackageCache::Readers<Reader>::retire()
     current.clear();
 }
 
+template<typename Reader>
+void SignalPackageCache::Readers<Reader>::retire(const QString& a_sId)
+{
+    if (auto node = current.extract(a_sId)) {
+        retired.push_back(std::move(node.mapped()));
+    }
+}
+
 SignalPackageCache::SignalPackageCache(const QString& a_sCacheDir, const QString& a_sSourceDir)
     : m_folder(std::make_unique<PackageCacheFolder>(a_sCacheDir))
     , m_sSourceDir(a_sSourceDir)
@@ -48,16 +56,49 @@ QString SignalPackageCache::cacheDir() const
     return m_folder->path();
 }
 
+bool SignalPackageCache::isCacheFolder(const QString& a_sFolder)
+{
+    return PackageCacheFolder(a_sFolder).wasPrepared();
+}
+
 bool SignalPackageCache::prepareCacheForUse()
 {
     const QWriteLocker locker(&m_lock);
-    const std::shared_ptr<SignalPackage> package = m_folder->prepare();
+    m_failures = {};
+    const std::shared_ptr<SignalPackage> package = m_folder->prepare(&m_failures);
     if (!package) {
         return false;
     }
-    m_defaultPackage = package;
-    m_packages[package->id()] = package;
+    m_packages.erase(package->id());
+    m_builtIn = package;
+    resolveDefault();
     return true;
+}
+
+/// Looks once what the folder holds of the built-in package's id: a package of the
+/// repository takes its place.
+void SignalPackageCache::resolveDefault()
+{
+    if (!m_builtIn) {
+        return;
+    }
+    const QString sId = m_builtIn->id();
+    std::shared_ptr<SignalPackage>& known = m_packages[sId];
+    if (known && known != m_builtIn) {
+        return;
+    }
+    known = m_folder->package(sId);
+    if (!known) {
+        known = m_builtIn;
+    } else {
+        m_shapeFiles.retire(sId);
+        m_audioFiles.retire(sId);
+        m_symbolFiles.retire(sId);
+        m_resultFiles.retire(sId);
+    }
+    // A successor has another id: it is played where the id is named, not where an
+    // unknown one is.
+    m_defaultPackage = known->id() == sId ? known : m_builtIn;
 }
 
 void SignalPackageCache::updateCache(const QString& a_sFolder, bool a_bAnew)
@@ -67,15 +108,22 @@ void SignalPackageCache::updateCache(const QString& a_sFolder, bool a_bAnew)
     // A repository that is out of reach must not cost what is cached of it.
     const bool bThere = !sFolder.isEmpty() && QFileInfo(sFolder).isDir();
     if (!bThere || !m_folder->exists()) {
-        traceError(s_szSource, [&] {
-            return QStringLiteral("There is no folder \"%1\"").arg(bThere ? m_folder->path() : a_sFolder);
-        });
+        m_failures = {0,
+                      QStringLiteral("There is no folder \"%1\"").arg(bThere ? m_folder->path() : a_sFolder)};
+        traceError(s_szSource, [&] { return m_failures.firstReason; });
         return;
     }
     if (a_bAnew) {
         forget();
     }
-    m_folder->update(sFolder, a_bAnew);
+    m_failures = m_folder->update(sFolder, a_bAnew);
+    resolveDefault();
+}
+
+SignalPackageCache::CopyFailures SignalPackageCache::copyFailures()
+{
+    const QReadLocker locker(&m_lock);
+    return m_failures;
 }
 
 void SignalPackageCache::clearCache()
@@ -83,6 +131,7 @@ void SignalPackageCache::clearCache()
     const QWriteLocker locker(&m_lock);
     forget();
     m_folder->clear();
+    resolveDefault();
 }
 
 void SignalPackageCache::deleteAllSignalpackages()
@@ -99,7 +148,7 @@ bool SignalPackageCache::validSignalPackageId(const QString& a_sId)
 {
     {
         const QReadLocker locker(&m_lock);
-        if (m_packages.contains(a_sId) || (m_defaultPackage && m_defaultPackage->id() == a_sId)) {
+        if (m_packages.contains(a_sId) || (m_builtIn && m_builtIn->id() == a_sId)) {
             return true;
         }
     }
@@ -172,14 +221,31 @@ Reader* SignalPackageCache::reader(Readers<Reader>& a_readers, const SignalPacka
     if (const auto known = a_readers.current.find(sId); known != a_readers.current.end()) {
         return known->second.get();
     }
-    const QString sFile = m_folder->fileOf(sId, a_szEnding);
+    std::unique_ptr<Reader> opened = makeReader<Reader>(*a_pPackage, a_szEnding);
+    return opened ? a_readers.current.emplace(sId, std::move(opened)).first->second.get() : nullptr;
+}
+
+/// The record may be an old one, or know nothing but its id: what the folder holds
+/// is what is played.
+template<typename Reader>
+std::unique_ptr<Reader> SignalPackageCache::makeReader(const SignalPackage& a_package,
+                                                       const char* a_szEnding) const
+{
+    const auto isOfId = [&](const std::shared_ptr<SignalPackage>& a_other) {
+        return a_other && a_other->cleanId() == a_package.cleanId();
+    };
+    const std::shared_ptr<SignalPackage> cached = m_folder->package(a_package.id());
+    const bool bBuiltIn = !isOfId(cached) && isOfId(m_builtIn);
+    const QString sFile =
+        bBuiltIn ? m_folder->builtInFile(a_szEnding) : m_folder->fileOf(a_package.id(), a_szEnding);
     if (sFile.isEmpty()) {
         return nullptr;
     }
     auto opened = std::make_unique<Reader>(sFile);
-    opened->setPackageDuration(a_pPackage->duration());
+    const SignalPackage& described = bBuiltIn ? *m_builtIn : isOfId(cached) ? *cached : a_package;
+    opened->setPackageDuration(described.duration());
     static_cast<void>(opened->open()); // it has told why if it could not
-    return a_readers.current.emplace(sId, std::move(opened)).first->second.get();
+    return opened;
 }
 
 /// Empties the maps; readers that were handed out live on.

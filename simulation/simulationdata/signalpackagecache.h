@@ -21,13 +21,21 @@ class PackageCacheFolder;
 /// repository, and hands out packages and opened data files.
 ///
 /// Several caches, also of several processes, may share one folder: a file
-/// appears there whole or not at all, and none but the default package's is ever
-/// replaced. Every operation may be called from any thread but none from inside
+/// appears there whole or not at all, and none but the built-in package's is ever
+/// replaced. A process that ends at any time leaves nothing that the next one must
+/// wait for. Every operation may be called from any thread but none from inside
 /// another; lookups wait for a running updateCache(). Of a data file that stands
 /// open the folder's copy may go: the reader keeps what it has.
 class SIMULATIONDATA_EXPORT SignalPackageCache : public ISignalPackageProvider
 {
 public:
+    /// What could not be put into the cache folder.
+    struct CopyFailures
+    {
+        qsizetype packages = 0; ///< how many lack a file there now
+        QString firstReason;    ///< with the system's reason; empty when nothing failed
+    };
+
     /// Nothing is read or made yet. The second folder is kept as given.
     SignalPackageCache(const QString& a_sCacheDir, const QString& a_sSourceDir);
     /// Deletes the readers.
@@ -40,22 +48,31 @@ public:
     [[nodiscard]] QString cacheDir() const;
     [[nodiscard]] QString sourceDir() const { return m_sSourceDir; }
 
-    /// Makes the folder if it is missing, unpacks the default package into it,
+    /// Whether a cache has been prepared in that folder before, completely or not.
+    [[nodiscard]] static bool isCacheFolder(const QString& a_sFolder);
+
+    /// Makes the folder if it is missing, unpacks the built-in package into it,
     /// and removes what processes that died left half done. Call it once before
     /// any lookup. False after a trace when there is no default package then;
-    /// lookups work without it.
+    /// lookups work without it. Waits up to 30 s for another process that changes
+    /// the folder, as all operations do that change it.
     bool prepareCacheForUse();
 
     /// Copies all packages below a folder that are not in the cache folder yet,
     /// in background tasks on the global thread pool, and waits for them. With
     /// `a_bAnew` the cache is cleared first, so that packages which changed under
     /// their id are taken anew. What cannot be copied is passed over after a
-    /// trace, a package without an id silently; a folder that is not there
-    /// changes nothing.
+    /// trace, see copyFailures(); a package without an id silently. A folder that
+    /// is not there changes nothing. A package that has the id of a built-in one,
+    /// or supersedes it, takes its place.
     void updateCache(const QString& a_sFolder, bool a_bAnew);
 
+    /// What the last prepareCacheForUse() or updateCache() could not put into the
+    /// folder.
+    [[nodiscard]] CopyFailures copyFailures();
+
     /// Removes the files of all packages from the cache folder and forgets the
-    /// packages. The default package stays, and so does every file that the cache
+    /// packages. The built-in package stays, and so does every file that the cache
     /// did not make. A package whose files cannot be removed stays after one
     /// trace. Readers that were handed out stay valid, and their files open,
     /// until deleteAllSignalpackages(), but the next lookup opens the file anew.
@@ -73,12 +90,14 @@ public:
     /// where the id is not known or its descriptor cannot be read.
     std::shared_ptr<SignalPackage> signalPackage(const QString& a_sId) override;
 
-    /// Null before prepareCacheForUse().
+    /// The built-in package, or the package of the repository that has its id. Null
+    /// before prepareCacheForUse().
     std::shared_ptr<SignalPackage> defaultSignalPackage() override;
 
     /// The same reader for every caller, until the cache is cleared. Null for a
     /// null package and without a file. A file that cannot be read gives a
-    /// reader that is not open. Every reader keeps its file open.
+    /// reader that is not open. Every reader keeps its file open. Its package
+    /// duration is that of the descriptor in the folder, whatever the record holds.
     SignalShapeFile* signalShapeFile(std::shared_ptr<SignalPackage> a_pPackage) override;
     AudioFile* audioFile(std::shared_ptr<SignalPackage> a_pPackage) override;
     SymbolDataFile* symbolDataFile(std::shared_ptr<SignalPackage> a_pPackage) override;
@@ -92,16 +111,23 @@ private:
         std::vector<std::unique_ptr<Reader>> retired;       ///< opened before the cache was cleared
 
         void retire();
+        void retire(const QString& a_sId);
     };
 
     template<typename Reader>
     Reader* reader(Readers<Reader>& a_readers, const SignalPackage* a_pPackage, const char* a_szEnding);
 
+    template<typename Reader>
+    std::unique_ptr<Reader> makeReader(const SignalPackage& a_package, const char* a_szEnding) const;
+
     void forget();
+    void resolveDefault();
 
     const std::unique_ptr<PackageCacheFolder> m_folder;
     const QString m_sSourceDir;
+    std::shared_ptr<SignalPackage> m_builtIn; ///< null until the folder is prepared
     std::shared_ptr<SignalPackage> m_defaultPackage;
+    CopyFailures m_failures;
     std::map<QString, std::shared_ptr<SignalPackage>> m_packages; ///< by the id that was asked for
     Readers<SignalShapeFile> m_shapeFiles;
     Readers<AudioFile> m_audioFiles;

@@ -7,6 +7,9 @@
 
 namespace Simulation {
 
+/// The folder of the packages that the program unpacks into a repository.
+inline constexpr QLatin1String s_sDefaultPackages("TuK-Default");
+
 /// The path to open for one that a getter of DataStoreFactory joined. Where the
 /// separator is the slash and nothing lies at the path as it is given, its
 /// backslashes are read as slashes.

@@ -4,6 +4,7 @@
 #include "simulationdata/folderoperations.h"
 #include "trace_p.h"
 
+#include "kpbase/replacedfile.h"
 #include "velaappstartup/cfgcenter.h"
 
 #include <QCoreApplication>
@@ -66,20 +67,6 @@ bool isAbandoned(const QString& a_sName)
     return match.hasMatch() && !isProcessAlive(match.captured(1).toLongLong());
 }
 
-/// All of the bytes: only a write that takes none tells why.
-bool writeAll(QFile& a_file, const char* a_pBytes, qint64 a_iBytes)
-{
-    while (a_iBytes > 0) {
-        const qint64 iWritten = a_file.write(a_pBytes, a_iBytes);
-        if (iWritten <= 0) {
-            return false;
-        }
-        a_pBytes += iWritten;
-        a_iBytes -= iWritten;
-    }
-    return true;
-}
-
 bool copyContents(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
 {
     const QFileInfo info(a_sFrom);
@@ -104,6 +91,14 @@ bool copyContents(const QString& a_sFrom, const QString& a_sTo, QString* a_pReas
     }
     *a_pReason = iRead < 0 ? from.errorString() : to.errorString();
     return bOk && iRead == 0;
+}
+
+void failToCopy(const QString& a_sReason, QString* a_pReason)
+{
+    traceError(s_szSource, [&] { return a_sReason; });
+    if (a_pReason != nullptr) {
+        *a_pReason = a_sReason;
+    }
 }
 
 /// Gives a file its final name unless that is taken. A reason is given only for
@@ -158,7 +153,7 @@ void removeAbandonedFiles(const QString& a_sFolder)
     }
 }
 
-bool copyFileWhole(const QString& a_sFrom, const QString& a_sTo)
+bool copyFileWhole(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
 {
     const QFileInfo target(a_sTo);
     if (target.exists() || target.isSymLink()) {
@@ -171,9 +166,8 @@ bool copyFileWhole(const QString& a_sFrom, const QString& a_sTo)
     }
     QFile::remove(sTemporary);
     if (!sReason.isEmpty()) {
-        traceError(s_szSource, [&] {
-            return QStringLiteral("Cannot copy \"%1\" to \"%2\": %3").arg(a_sFrom, a_sTo, sReason);
-        });
+        failToCopy(QStringLiteral("Cannot copy \"%1\" to \"%2\": %3").arg(a_sFrom, a_sTo, sReason),
+                   a_pReason);
     }
     return false;
 }
@@ -188,10 +182,10 @@ bool replaceByRename(const QString& a_sFrom, const QString& a_sTo, QString* a_pR
     return !error;
 }
 
-bool replaceByCopy(const QString& a_sFrom, const QString& a_sTo)
+bool replaceByCopy(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
 {
     const QString sTemporary = temporaryName(a_sTo);
-    if (!copyFileWhole(a_sFrom, sTemporary)) {
+    if (!copyFileWhole(a_sFrom, sTemporary, a_pReason)) {
         return false;
     }
     QString sReason;
@@ -199,7 +193,7 @@ bool replaceByCopy(const QString& a_sFrom, const QString& a_sTo)
         return true;
     }
     QFile::remove(sTemporary);
-    traceError(s_szSource, [&] { return QStringLiteral("Cannot copy \"%1\": %2").arg(a_sFrom, sReason); });
+    failToCopy(QStringLiteral("Cannot copy \"%1\": %2").arg(a_sFrom, sReason), a_pReason);
     return false;
 }
 

@@ -21,17 +21,18 @@ SIMULATIONDATA_EXPORT void removeAbandonedFiles(const QString& a_sFolder);
 
 /// Copies a regular file, or one that the program carries, whole or not at all.
 /// A file that is there already is never replaced and gives false, silently:
-/// another process may just have made it. Any other failure is traced. The copy
-/// has the permissions of a new file.
-[[nodiscard]] SIMULATIONDATA_EXPORT bool copyFileWhole(const QString& a_sFrom, const QString& a_sTo);
+/// another process may just have made it. Any other failure is traced, and its
+/// reason is given. The copy has the permissions of a new file.
+[[nodiscard]] SIMULATIONDATA_EXPORT bool copyFileWhole(const QString& a_sFrom, const QString& a_sTo,
+                                                       QString* a_pReason = nullptr);
 
 /// Gives a finished file, which lies on the same file system, its final name in
 /// place of what has it. False with a reason.
 [[nodiscard]] bool replaceByRename(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason);
 
 /// Copies a file as copyFileWhole() does, in place of what is there. Who has that
-/// open keeps it. False after one trace.
-[[nodiscard]] bool replaceByCopy(const QString& a_sFrom, const QString& a_sTo);
+/// open keeps it. False with a reason and after one trace.
+[[nodiscard]] bool replaceByCopy(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason);
 
 /// Lets the owner write to a file or folder; on Windows all four write flags
 /// are set, and they alone. False when that is not permitted.

@@ -1,3 +1,4 @@
+#include "filesizelimit.h"
 #include "simulationdata/audiofile.h"
 #include "simulationdata/signalpackage.h"
 #include "simulationdata/signalpackagecache.h"
@@ -5,9 +6,11 @@
 #include "simulationdata/signalpackagefolder.h"
 #include "simulationdata/signalshapefile.h"
 #include "simulationdata/simulationlimits.h"
+#include "simulationdata/unresolvedsignalpackageprovider.h"
 #include "simulationdata/wholefile_p.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -17,6 +20,7 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <cstdio>
 #include <memory>
 #include <set>
 #include <thread>
@@ -30,6 +34,9 @@ using namespace Simulation;
 namespace {
 
 const QString s_sDefaultId = QStringLiteral("c0d40372-37c8-4ad4-9fb1-97bfc477769c");
+constexpr const char* s_szLock = "simulationdata.lock";
+constexpr qsizetype s_iPreparedFiles = 4;           ///< those of the built-in package, and the lock
+constexpr std::uint32_t s_uiNewest = 2'000'000'000; ///< a timestamp after those of built-in packages
 
 QString u8(const char* a_szText)
 {
@@ -62,9 +69,10 @@ public:
         return names;
     }
 
-    /// Makes a package whose shape file holds the text.
+    /// Makes a package whose shape file holds the text; durations are ms.
     void addPackage(const char* a_szFolder, const QString& a_sId, const QStringList& a_updateIds = {},
-                    const QByteArray& a_shape = "shape", std::uint32_t a_uiTimestamp = 0) const
+                    const QByteArray& a_shape = "shape", std::uint32_t a_uiTimestamp = 0,
+                    std::uint32_t a_uiDuration = 3000) const
     {
         const QString sFolder = repository() + u'/' + u8(a_szFolder);
         QVERIFY(QDir().mkpath(sFolder));
@@ -72,7 +80,7 @@ public:
         package.setId(a_sId);
         package.setUpdateIds(a_updateIds);
         package.setTimestamp(a_uiTimestamp);
-        package.setDuration(3000);
+        package.setDuration(a_uiDuration);
         QVERIFY(SignalPackageFolder::setSignalPackage(sFolder, package));
         write(SignalPackageFolder::signalShapeFilePath(sFolder), a_shape);
     }
@@ -83,11 +91,12 @@ private:
 
 /// Runs this program as another process that fills the cache folder, with files
 /// of at most so many bytes (0 = any): beyond that it is killed in the middle of
-/// a write, or else, when it is to survive, the write fails as on a full disk.
+/// a write, or else, when it is to survive, the write fails as on a full disk. It
+/// prints what it could not copy.
 std::unique_ptr<QProcess> startFilling(const Folders& a_folders, qint64 a_iMaxBytes, bool a_bSurvive)
 {
     auto process = std::make_unique<QProcess>();
-    process->setProcessChannelMode(QProcess::ForwardedChannels);
+    process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process->start(QCoreApplication::applicationFilePath(),
                    {u8("--fill"), a_folders.cache(), a_folders.repository(), QString::number(a_iMaxBytes),
                     QString::number(static_cast<int>(a_bSurvive))});
@@ -101,14 +110,14 @@ int fill(const QStringList& a_arguments)
     if (!cache.prepareCacheForUse()) {
         return 2;
     }
-    if (const auto uiMaxBytes = static_cast<rlim_t>(a_arguments.at(4).toULongLong()); uiMaxBytes != 0) {
-        const rlimit limit{uiMaxBytes, uiMaxBytes};
-        setrlimit(RLIMIT_FSIZE, &limit);
-        const rlimit noCore{0, 0};
-        setrlimit(RLIMIT_CORE, &noCore);
-        std::signal(SIGXFSZ, a_arguments.at(5) == u"1" ? SIG_IGN : SIG_DFL);
-    }
+    const auto uiMaxBytes = static_cast<rlim_t>(a_arguments.at(4).toULongLong());
+    const FileSizeLimit limit(uiMaxBytes != 0 ? uiMaxBytes : RLIM_INFINITY);
+    const rlimit noCore{0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);
+    std::signal(SIGXFSZ, a_arguments.at(5) == u"1" ? SIG_IGN : SIG_DFL);
     cache.updateCache(a_arguments.at(3), false);
+    const SignalPackageCache::CopyFailures failures = cache.copyFailures();
+    std::printf("%d %s", static_cast<int>(failures.packages), qPrintable(failures.firstReason));
     return 0;
 }
 
@@ -131,6 +140,12 @@ private Q_SLOTS:
     void tooManyUpdateIds();
     void unreadableDescriptor();
     void readers();
+    void packageDurations_data();
+    void packageDurations();
+    void builtInGivesWay_data();
+    void builtInGivesWay();
+    void healsAfterKill_data();
+    void healsAfterKill();
     void addsOrTakesAnew();
     void clearsOnlyItsOwn();
     void cannotClear();
@@ -158,9 +173,7 @@ void TestSignalPackageCache::defaultPackage()
     const Folders folders;
     SignalPackageCache cache(folders.cache(), {});
     QVERIFY(cache.prepareCacheForUse());
-    QStringList prepared{s_sDefaultId + u8(".ssf"), s_sDefaultId + u8(".wav"), u8("Signal.ssf"),
-                         u8("Signal.wav"), u8("Signal.xml")};
-    prepared.sort();
+    const QStringList prepared{u8("Signal.ssf"), u8("Signal.wav"), u8("Signal.xml"), u8(s_szLock)};
     QCOMPARE(folders.cachedNames(), prepared);
 
     const std::shared_ptr<SignalPackage> package = cache.defaultSignalPackage();
@@ -181,13 +194,13 @@ void TestSignalPackageCache::defaultPackage()
     QVERIFY(cache.symbolDataFile(package) == nullptr);
 
     // As an older program left it.
-    const QString sShape = folders.cache() + u'/' + s_sDefaultId + u8(".ssf");
-    QVERIFY(QFile::remove(sShape));
-    write(sShape, "older");
+    write(folders.cache() + u'/' + s_sDefaultId + u8(".ssf"), "copy");
+    const QByteArray shape = contents(folders.cached("Signal.ssf"));
+    write(folders.cached("Signal.ssf"), "older");
     SignalPackageCache again(folders.cache(), {});
     QVERIFY(again.prepareCacheForUse());
     QCOMPARE(folders.cachedNames(), prepared);
-    QCOMPARE(contents(sShape), contents(folders.cached("Signal.ssf")));
+    QVERIFY(contents(folders.cached("Signal.ssf")) == shape);
 }
 
 void TestSignalPackageCache::unusableFolders()
@@ -221,7 +234,7 @@ void TestSignalPackageCache::findsPackages()
     QVERIFY(cache.validSignalPackageId(u8("far")));
     QVERIFY(!cache.validSignalPackageId(u8("inside")));
     QVERIFY(!cache.validSignalPackageId({}));
-    QCOMPARE(folders.cachedNames().size(), 5 + 2 * 2);
+    QCOMPARE(folders.cachedNames().size(), s_iPreparedFiles + 2 * 2);
 }
 
 // Which of the two is found first must not matter, so there are many of them.
@@ -289,6 +302,8 @@ void TestSignalPackageCache::lockOutOfReach()
     QCOMPARE(mkfifo(qPrintable(folders.cached("simulationdata.lock")), 0600), 0);
     SignalPackageCache cache(folders.cache(), {});
     QVERIFY(!cache.prepareCacheForUse());
+    QCOMPARE(cache.copyFailures().packages, qsizetype{1});
+    QVERIFY(cache.copyFailures().firstReason.endsWith(u8("simulationdata.lock\": is not a regular file")));
 }
 
 void TestSignalPackageCache::packagesOfOneId()
@@ -349,6 +364,153 @@ void TestSignalPackageCache::readers()
     SignalShapeFile* pShape = cache.signalShapeFile(package);
     QVERIFY(pShape != nullptr && !pShape->isOpen());
     QCOMPARE(cache.signalShapeFile(package), pShape);
+}
+
+void TestSignalPackageCache::packageDurations_data()
+{
+    QTest::addColumn<bool>("bare");
+    QTest::addColumn<bool>("anew");
+
+    QTest::newRow("record that holds the id alone") << true << false;
+    QTest::newRow("record from before the package changed") << false << true;
+}
+
+/// Whichever record asks first, the reader repeats its file over the duration of
+/// the package that is in the folder.
+void TestSignalPackageCache::packageDurations()
+{
+    QFETCH(bool, bare);
+    QFETCH(bool, anew);
+    const Folders folders;
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    const QByteArray shape = contents(folders.cached("Signal.ssf"));
+    folders.addPackage("p", u8("p"), {}, shape, 1, anew ? 3000 : 10'000);
+    cache.updateCache(folders.repository(), false);
+    std::shared_ptr<SignalPackage> asks = cache.signalPackage(u8("p"));
+    if (bare) {
+        asks = UnresolvedSignalPackageProvider().signalPackage(u8("p"));
+    }
+    folders.addPackage("p", u8("p"), {}, shape, 2, 10'000);
+    cache.updateCache(folders.repository(), anew);
+
+    SignalShapeFile expected(folders.cached("Signal.ssf"));
+    QVERIFY(expected.open());
+    expected.setPackageDuration(10'000);
+    expected.readSpectrum(5'000);
+    SignalShapeFile* const pShape = cache.signalShapeFile(asks);
+    QVERIFY(pShape != nullptr);
+    pShape->readSpectrum(5'000);
+    QCOMPARE(pShape->signalLevelInSpectrum(), expected.signalLevelInSpectrum());
+    QVERIFY(pShape->spectrum() == expected.spectrum());
+    QCOMPARE(cache.signalShapeFile(cache.signalPackage(u8("p"))), pShape);
+}
+
+void TestSignalPackageCache::builtInGivesWay_data()
+{
+    QTest::addColumn<QString>("id");  // that is asked for
+    QTest::addColumn<QString>("own"); // of the package of the repository
+    QTest::addColumn<quint32>("timestamp");
+
+    const QString sGauss = u8("9a567123-d88f-4177-9b57-b02c1ec104f7");
+    QTest::newRow("id of the default package") << s_sDefaultId << s_sDefaultId << s_uiNewest;
+    QTest::newRow("the same, older") << s_sDefaultId << s_sDefaultId << 1U;
+    QTest::newRow("successor of the default package") << s_sDefaultId << u8("new") << s_uiNewest;
+    QTest::newRow("successor with a small number") << s_sDefaultId << u8("new") << 1U;
+    QTest::newRow("id of another built-in package") << sGauss << sGauss << 1U;
+    QTest::newRow("successor of another built-in package") << sGauss << u8("new") << 1U;
+}
+
+/// A package of the user wins over the one that the program carries, and over the
+/// same one as the program unpacks it into the repository; also for later runs.
+void TestSignalPackageCache::builtInGivesWay()
+{
+    QFETCH(QString, id);
+    QFETCH(QString, own);
+    QFETCH(quint32, timestamp);
+    const Folders folders;
+    folders.addPackage("z/mine", own, {id}, "mine", timestamp, 10'000);
+    folders.addPackage("TuK-Default/any", id, {}, "built in", 1'704'067'200);
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    const QByteArray builtIn = contents(folders.cached("Signal.ssf"));
+    // As a program left it that played the default package before.
+    QVERIFY(cache.signalShapeFile(cache.signalPackage(id))->isOpen());
+    for (int iRun = 0; iRun < 2; ++iRun) {
+        cache.updateCache(folders.repository(), false);
+        SignalPackageCache again(folders.cache(), {});
+        QVERIFY(again.prepareCacheForUse());
+        for (SignalPackageCache* pCache : {&cache, &again}) {
+            const auto package = pCache->signalPackage(id);
+            QCOMPARE(package->id(), own);
+            QCOMPARE(package->duration(), 10'000U);
+            QCOMPARE(contents(folders.cached(qPrintable(own + u8(".ssf")))), QByteArray("mine"));
+            QVERIFY(!pCache->signalShapeFile(package)->isOpen()); // "mine" is no shape
+            // An unknown id is played as the default one, by whichever package has that.
+            const auto fallback = pCache->signalPackage(u8("unknown"));
+            QCOMPARE(fallback, pCache->defaultSignalPackage());
+            QCOMPARE(fallback->id(), s_sDefaultId);
+            QCOMPARE(fallback->duration(), own == s_sDefaultId ? 10'000U : 3000U);
+            QCOMPARE(pCache->signalShapeFile(fallback)->isOpen(), own != s_sDefaultId);
+        }
+    }
+    cache.clearCache();
+    QCOMPARE(cache.signalPackage(id)->duration(), 3000U);
+    QVERIFY(cache.signalShapeFile(cache.signalPackage(id))->isOpen());
+    QVERIFY(contents(folders.cached("Signal.ssf")) == builtIn);
+    QCOMPARE(folders.cachedNames().size(), s_iPreparedFiles);
+}
+
+void TestSignalPackageCache::healsAfterKill_data()
+{
+    QTest::addColumn<QStringList>("kept"); // of a whole cache folder; "+name" is added, and empty
+
+    const QString sLock = u8(s_szLock);
+    QTest::newRow("lock file made") << QStringList{u8("+simulationdata.lock")};
+    QTest::newRow("archive copied") << QStringList{sLock, u8("+simulationdata.MACHINE.999999999.0.tmp")};
+    QTest::newRow("one file unpacked") << QStringList{sLock, u8("Signal.wav")};
+    QTest::newRow("descriptor unpacked") << QStringList{sLock, u8("Signal.xml")};
+    QTest::newRow("all but one unpacked") << QStringList{sLock, u8("Signal.xml"), u8("Signal.ssf")};
+    QTest::newRow("built-in package unpacked")
+        << QStringList{sLock, u8("Signal.xml"), u8("Signal.ssf"), u8("Signal.wav")};
+    QTest::newRow("descriptors copied")
+        << QStringList{sLock,       u8("Signal.xml"), u8("Signal.ssf"), u8("Signal.wav"), u8("former.xml"),
+                       u8("p.xml"), u8("q.xml")};
+    QTest::newRow("built-in package lost later")
+        << QStringList{sLock, u8("former.xml"), u8("p.xml"), u8("p.ssf")};
+}
+
+/// Whatever a process leaves that was killed while it filled the folder, the next
+/// one makes it whole without waiting.
+void TestSignalPackageCache::healsAfterKill()
+{
+    QFETCH(QStringList, kept);
+    const Folders folders;
+    folders.addPackage("p", u8("p"), {u8("former")});
+    folders.addPackage("q", u8("q"));
+    const auto fillCache = [&] {
+        SignalPackageCache cache(folders.cache(), {});
+        const bool bPrepared = cache.prepareCacheForUse();
+        cache.updateCache(folders.repository(), false);
+        return bPrepared && cache.copyFailures().firstReason.isEmpty();
+    };
+    QVERIFY(fillCache());
+    const QStringList whole = folders.cachedNames();
+    for (const QString& sName : whole) {
+        QVERIFY(kept.contains(sName) || QFile::remove(folders.cache() + u'/' + sName));
+    }
+    const QString sMachine = QFileInfo(temporaryName(folders.cached("x"))).fileName().section(u'.', 1, 1);
+    for (QString sName : kept) {
+        if (sName.startsWith(u'+')) {
+            write(folders.cache() + u'/' + sName.mid(1).replace(u8("MACHINE"), sMachine), {});
+        }
+    }
+    QVERIFY(SignalPackageCache::isCacheFolder(folders.cache()));
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(fillCache());
+    QVERIFY2(timer.elapsed() < 10'000, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(folders.cachedNames(), whole);
 }
 
 void TestSignalPackageCache::addsOrTakesAnew()
@@ -488,7 +650,7 @@ void TestSignalPackageCache::twoProcesses()
         QCOMPARE(pProcess->exitStatus(), QProcess::NormalExit);
         QCOMPARE(pProcess->exitCode(), 0);
     }
-    QCOMPARE(folders.cachedNames().size(), 5 + 2 * s_iPackages);
+    QCOMPARE(folders.cachedNames().size(), s_iPreparedFiles + 2 * s_iPackages);
     for (int i = 0; i < s_iPackages; ++i) {
         QCOMPARE(contents(folders.cached(qPrintable(QStringLiteral("%1.ssf").arg(i)))),
                  QByteArray(200'000, static_cast<char>('A' + i % 26)));
@@ -530,6 +692,11 @@ void TestSignalPackageCache::fullDisk()
     const auto process = startFilling(folders, 300'000, true);
     QVERIFY(process->waitForFinished());
     QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+    // A package counts once, whatever it lacks.
+    QCOMPARE(QString::fromUtf8(process->readAllStandardOutput())
+                 .replace(folders.cache(), u8("C"))
+                 .section(u' ', 0, 1),
+             u8("2 Cannot"));
     QVERIFY(!QFile::exists(folders.cached("large.ssf")));
     QCOMPARE(contents(folders.cached("small.ssf")), QByteArray("shape"));
     // Without the descriptor its data would stay for ever.
