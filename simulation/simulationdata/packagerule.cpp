@@ -8,22 +8,55 @@
 
 namespace Simulation {
 
-bool PackageRule::isKnown(const QString& a_sId)
+namespace {
+
+/// Whether the record holds nothing but an id, as one of a document that was
+/// loaded without packages.
+bool isBare(const SignalPackage& a_package)
+{
+    return a_package.duration() == 0 && a_package.timestamp() == 0 && a_package.name().isEmpty();
+}
+
+} // namespace
+
+/// The provider's own record of the id; null where the provider has none of it. A
+/// provider that cannot read a package which it knows gives its default package.
+std::shared_ptr<SignalPackage> PackageRule::ownRecord(const QString& a_sId)
 {
     const auto answer = m_answers.constFind(a_sId);
-    return answer != m_answers.cend() ? *answer
-                                      : *m_answers.insert(a_sId, m_provider.validSignalPackageId(a_sId));
+    if (answer != m_answers.cend()) {
+        return *answer;
+    }
+    std::shared_ptr<SignalPackage> own;
+    if (m_provider.validSignalPackageId(a_sId)) {
+        own = m_provider.signalPackage(a_sId);
+        askForDefault();
+        if (own && own == m_default && own->id() != a_sId && !own->updateIds().contains(a_sId)) {
+            own.reset();
+        }
+    }
+    return *m_answers.insert(a_sId, own);
 }
 
 /// The default package is one to fall back on whether or not its id is known:
 /// an emission that has got it is not found again by the next run.
 bool PackageRule::isUsable(const SignalPackage& a_package)
 {
-    if (isKnown(a_package.id())) {
+    if (ownRecord(a_package.id())) {
         return true;
     }
     askForDefault();
     return m_default && m_default->id() == a_package.id();
+}
+
+/// Duration and content are only in the provider's record, unless that is bare
+/// itself.
+void PackageRule::takeOwnRecord(std::shared_ptr<SignalPackage>& a_package)
+{
+    const std::shared_ptr<SignalPackage> own = ownRecord(a_package->id());
+    if (const auto& record = own ? own : m_default; !isBare(*record)) {
+        a_package = record;
+    }
 }
 
 void PackageRule::askForDefault()
@@ -36,8 +69,9 @@ void PackageRule::askForDefault()
 void PackageRule::check(const EmissionSettings& a_schedule, Tallies& a_tallies)
 {
     for (const boost::shared_ptr<EmissionSettings::Emission>& emission : a_schedule.emissions()) {
-        const std::shared_ptr<SignalPackage>& package = emission->signalPackage;
+        std::shared_ptr<SignalPackage>& package = emission->signalPackage;
         if (package && isUsable(*package)) {
+            takeOwnRecord(package);
             continue;
         }
         const QString sId = package ? package->id() : QString();

@@ -19,8 +19,9 @@ class ISignalPackageProvider;
 class SignalPackage;
 
 /// Gives emissions that have no package, or one that the provider does not
-/// know, the provider's default package. Remembers what the provider answered:
-/// one object serves one run over a scenario.
+/// know, the provider's default package, and all others the provider's own record
+/// of their package. Remembers what the provider answered: one object serves one
+/// run over a scenario.
 class PackageRule
 {
 public:
@@ -45,12 +46,13 @@ public:
     [[nodiscard]] ScenarioFinding finding(const QString& a_sId, const Tally& a_tally) const;
 
 private:
-    bool isKnown(const QString& a_sId);
+    std::shared_ptr<SignalPackage> ownRecord(const QString& a_sId);
+    void takeOwnRecord(std::shared_ptr<SignalPackage>& a_package);
     bool isUsable(const SignalPackage& a_package);
     void askForDefault();
 
     ISignalPackageProvider& m_provider;
-    QHash<QString, bool> m_answers; ///< of the provider, by package id
+    QHash<QString, std::shared_ptr<SignalPackage>> m_answers; ///< own records of the provider, by id
     bool m_bAskedForDefault = false;
     std::shared_ptr<SignalPackage> m_default;
     QSet<const EmissionSettings::Emission*> m_unrepaired; ///< counted already

@@ -28,7 +28,9 @@ struct ScenarioFinding
 /// whoever plays the scenario need not ask. Four rules:
 ///
 /// - every emission of an object's own schedule has a signal package that the
-///   provider knows; those that have none get the provider's default package,
+///   provider knows; those that have none get the provider's default package, and
+///   all others, which is no finding, the provider's own record of their package,
+///   by which its data files are read: a superseded package becomes its successor,
 /// - every emitter has an id of its own, in the scenario and in the document that
 ///   it was read from: a reader makes one emitter of those who share an id, which
 ///   is reported only,

@@ -140,6 +140,28 @@ void FileCheck::writeSummary()
     m_output.write(terminalText(sSummary) + u'\n');
 }
 
+/// The ids that a repository knows. Every emission keeps its own record, so that a
+/// repaired document names the same packages as before.
+class KnownIds : public Simulation::UnresolvedSignalPackageProvider
+{
+public:
+    explicit KnownIds(RepositoryPackages& a_packages)
+        : m_packages(a_packages)
+    {}
+
+    bool validSignalPackageId(const QString& a_sId) override
+    {
+        return m_packages.validSignalPackageId(a_sId);
+    }
+    std::shared_ptr<Simulation::SignalPackage> defaultSignalPackage() override
+    {
+        return m_packages.defaultSignalPackage();
+    }
+
+private:
+    RepositoryPackages& m_packages;
+};
+
 ExitCode checkAll(const CheckOptions& a_options, Simulation::ISignalPackageProvider* a_pPackages,
                   Output& a_output)
 {
@@ -173,7 +195,8 @@ ExitCode runCheck(const CheckOptions& a_options, Output& a_output)
         complain(QStringLiteral("%1: holds no signal packages").arg(a_options.repository));
         return ExitCode::Unusable;
     }
-    return checkAll(a_options, &packages, a_output);
+    KnownIds ids(packages);
+    return checkAll(a_options, &ids, a_output);
 }
 
 } // namespace SimulationTool

@@ -1,11 +1,15 @@
 #include "filesizelimit.h"
 #include "simulationdata/audiofile.h"
+#include "simulationdata/emissionsettings.h"
+#include "simulationdata/scenariochecker.h"
+#include "simulationdata/scenariodataxml.h"
 #include "simulationdata/signalpackage.h"
 #include "simulationdata/signalpackagecache.h"
 #include "simulationdata/signalpackagefile.h"
 #include "simulationdata/signalpackagefolder.h"
 #include "simulationdata/signalshapefile.h"
 #include "simulationdata/simulationlimits.h"
+#include "simulationdata/szenarioemitter.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 #include "simulationdata/wholefile_p.h"
 
@@ -142,6 +146,7 @@ private Q_SLOTS:
     void readers();
     void packageDurations_data();
     void packageDurations();
+    void checkedScenario();
     void builtInGivesWay_data();
     void builtInGivesWay();
     void healsAfterKill_data();
@@ -404,6 +409,42 @@ void TestSignalPackageCache::packageDurations()
     QCOMPARE(pShape->signalLevelInSpectrum(), expected.signalLevelInSpectrum());
     QVERIFY(pShape->spectrum() == expected.spectrum());
     QCOMPARE(cache.signalShapeFile(cache.signalPackage(u8("p"))), pShape);
+}
+
+/// What a scenario names that was loaded without packages is played after a check.
+void TestSignalPackageCache::checkedScenario()
+{
+    const Folders folders;
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    folders.addPackage("p", u8("p"), {u8("former")}, contents(folders.cached("Signal.ssf")));
+    cache.updateCache(folders.repository(), false);
+    write(folders.cached("broken.xml"), "<SignalPackage UID=\"broken\"");
+    UnresolvedSignalPackageProvider unresolved;
+    const auto emitter = std::make_shared<SzenarioEmitter>(u8("e"), QString());
+    for (const QString& sId : {u8("p"), u8("former"), u8("broken"), u8("unknown"), s_sDefaultId}) {
+        const auto emission = EmissionSettings::createEmission();
+        emission->start = 1000 * emitter->emissionSettings()->emissions().size();
+        emission->signalPackage = unresolved.signalPackage(sId);
+        emitter->emissionSettings()->addEmission(emission);
+    }
+    ScenarioDataXml scenario(nullptr);
+    scenario.setScenarioObjects({emitter});
+    ScenarioChecker checker(&cache);
+    checker.check(scenario);
+    QCOMPARE(checker.findings().size(), qsizetype{2}); // what cannot be read is as good as unknown
+    QStringList ids;
+    for (const auto& emission : emitter->emissionSettings()->emissions()) {
+        ids.append(emission->signalPackage->id());
+        QCOMPARE(emission->signalPackage->duration(), 3000U);
+        SignalShapeFile* const pShape = cache.signalShapeFile(emission->signalPackage);
+        QVERIFY(pShape != nullptr);
+        pShape->readSpectrum(100);
+        QVERIFY(pShape->signalLevelInSpectrum() > 0.0F);
+    }
+    QCOMPARE(ids, QStringList({u8("p"), u8("p"), s_sDefaultId, s_sDefaultId, s_sDefaultId}));
+    checker.check(scenario);
+    QVERIFY(checker.findings().isEmpty());
 }
 
 void TestSignalPackageCache::builtInGivesWay_data()
