@@ -187,7 +187,8 @@ ExitCode runCheck(const CheckOptions& a_options, Output& a_output)
     }
     catchInterruptions(); // the cache is a temporary one
     RepositoryPackages packages;
-    if (!packages.open(a_options.repository, {})) {
+    // A package that is not in the cache would be repaired away.
+    if (!packages.open(a_options.repository, {}) || !packages.isComplete()) {
         return ExitCode::Unusable;
     }
     // A repair against the wrong folder would take every emission its package.

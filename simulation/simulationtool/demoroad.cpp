@@ -121,7 +121,7 @@ void DemoRoad::addDevice(Device& a_device)
 bool DemoRoad::startDevices()
 {
     for (Device& device : m_devices) {
-        if (!device.packages.open(m_folder.path(), QString())) {
+        if (!device.packages.open(m_folder.path(), QString()) || !device.packages.isComplete()) {
             return false;
         }
         addDevice(device);
@@ -235,7 +235,16 @@ bool DemoRoad::play()
                                      .arg(counted(static_cast<quint64>(m_devices[0].steps.size()), "step"),
                                           QString::number(m_devices[1].steps.size()),
                                           bSame ? QStringLiteral("the same") : QStringLiteral("DIFFERENT")));
-    return bSame && m_devices[0].steps.size() == iSteps;
+    bool bFound = false;
+    for (Device& device : m_devices) {
+        bFound = device.packages.finish() != ExitCode::Ok || bFound;
+    }
+    if (bFound) {
+        m_sProblem =
+            QStringLiteral("with all packages: standard error names those that are broken or missing. "
+                           "Remove the cause, then run the demo again");
+    }
+    return !bFound && bSame && m_devices[0].steps.size() == iSteps;
 }
 
 bool DemoRoad::pauseAndStop()

@@ -49,7 +49,10 @@ public:
     [[nodiscard]] bool unload();
 
     /// What went wrong, where more is known than that it did.
-    [[nodiscard]] QString problem() const { return m_controller.problem(); }
+    [[nodiscard]] QString problem() const
+    {
+        return m_sProblem.isEmpty() ? m_controller.problem() : m_sProblem;
+    }
 
 private:
     struct Device
@@ -73,6 +76,7 @@ private:
     ServerAddress m_address;
     std::array<Device, 2> m_devices;
     ServiceController m_controller;
+    QString m_sProblem;           ///< what the controller does not know
     std::unique_ptr<Sink> m_sink; ///< for rows of the first device
 };
 

@@ -32,7 +32,8 @@ const char s_szPlayExamples[] =
     "\n"
     "Exit codes:\n"
     "  0  Played.\n"
-    "  1  Played, but the scenario broke off, or a package is missing or broken.\n"
+    "  1  Played, but the scenario broke off, or a package is missing or broken or\n"
+    "     could not be copied to the cache folder.\n"
     "  2  Wrong usage, or something could not be read or written.\n";
 
 /// The value of an option as a time (ms) from a minimum on; nothing, with a

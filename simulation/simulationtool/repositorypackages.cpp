@@ -2,6 +2,7 @@
 
 #include "output.h"
 #include "repositoryfolder.h"
+#include "valuetexts.h"
 #include "verdict.h"
 
 #include "simulationdata/signalpackage.h"
@@ -40,14 +41,11 @@ QString cacheProblem(const QString& a_sCache, const QString& a_sRepository)
     if (isInside(a_sCache, a_sRepository)) {
         return QStringLiteral("lies in the repository: choose another --cache");
     }
-    if (!Simulation::SignalPackageFolder::isValid(a_sCache)) {
-        return {};
-    }
-    // The package that a cache unpacks lies there under its id as well.
-    const QString sId = Simulation::SignalPackageFolder::signalPackage(a_sCache).cleanId();
-    return QFileInfo::exists(QDir(a_sCache).filePath(sId + QStringLiteral(".ssf")))
-               ? QString()
-               : QStringLiteral("is a signal package, not a cache: choose another --cache");
+    // A cache folder holds the files of the built-in package.
+    return Simulation::SignalPackageFolder::isValid(a_sCache) &&
+                   !Simulation::SignalPackageCache::isCacheFolder(a_sCache)
+               ? QStringLiteral("is a signal package, not a cache: choose another --cache")
+               : QString();
 }
 
 } // namespace
@@ -73,14 +71,37 @@ bool RepositoryPackages::open(const QString& a_sRepository, const QString& a_sCa
     }
     if (sProblem.isEmpty()) {
         m_cache = std::make_unique<Simulation::SignalPackageCache>(sCache, packageStoreOf(a_sRepository));
-        if (m_cache->prepareCacheForUse()) {
-            m_cache->updateCache(m_cache->sourceDir(), false);
+        if (fillCache()) {
             return true;
         }
-        sProblem = QStringLiteral("cannot be used as cache folder (--trace says why)");
+        sProblem = QStringLiteral("cannot be used as cache folder: ") + m_cache->copyFailures().firstReason;
     }
     complain(QStringLiteral("%1: %2").arg(sCache, sProblem));
     return false;
+}
+
+bool RepositoryPackages::fillCache()
+{
+    if (!m_cache->prepareCacheForUse()) {
+        return false;
+    }
+    tellCopyFailures(QStringLiteral("the built-in package"));
+    m_cache->updateCache(m_cache->sourceDir(), false);
+    const auto uiFailed = static_cast<quint64>(m_cache->copyFailures().packages);
+    tellCopyFailures(QStringLiteral("%1 of the repository").arg(counted(uiFailed, "package")));
+    return true;
+}
+
+void RepositoryPackages::tellCopyFailures(const QString& a_sWhat)
+{
+    const auto failures = m_cache->copyFailures();
+    if (failures.firstReason.isEmpty()) {
+        return;
+    }
+    m_bComplete = false;
+    tell(QStringLiteral("%1 could not be copied to the cache folder %2, the first reason is: %3. Remove the "
+                        "cause or choose another folder (--cache or TMPDIR), then run this again")
+             .arg(a_sWhat, m_cache->cacheDir(), failures.firstReason));
 }
 
 std::optional<float> RepositoryPackages::levelAt(const std::shared_ptr<Simulation::SignalPackage>& a_package,

@@ -35,8 +35,11 @@ public:
 
     /// Fills the cache from a repository. Without a cache folder a temporary one
     /// is used, which ends with this object. False after one line on standard
-    /// error.
+    /// error. Packages that could not be copied are a finding, see isComplete().
     [[nodiscard]] bool open(const QString& a_sRepository, const QString& a_sCache);
+
+    /// Whether every package of the repository is in the cache.
+    [[nodiscard]] bool isComplete() const { return m_bComplete; }
 
     /// The signal level of a package at a time (ms) since its emission began;
     /// none when the package has no usable signal shape.
@@ -59,6 +62,8 @@ public:
     resultDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage) override;
 
 private:
+    [[nodiscard]] bool fillCache();
+    void tellCopyFailures(const QString& a_sWhat);
     void tell(const QString& a_sMessage);
     void checkShape(const Simulation::SignalPackage& a_package, const Simulation::SignalShapeFile& a_reader);
 
@@ -67,6 +72,7 @@ private:
     QSet<QString> m_unknownIds;
     QSet<QString> m_checkedIds; ///< of packages whose shape was looked at
     std::uint64_t m_uiTold = 0;
+    bool m_bComplete = true;
 };
 
 } // namespace SimulationTool

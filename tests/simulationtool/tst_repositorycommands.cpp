@@ -1,3 +1,4 @@
+#include "filesizelimit.h"
 #include "simulationdata/signalpackagefolder.h"
 #include "simulationdata/signalshapefile.h"
 #include "simulationtool/toolrun.h"
@@ -5,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtEndian>
 #include <QTest>
@@ -83,6 +85,8 @@ private Q_SLOTS:
     void playShowsLevels();
     void playTellsWhatIsMissing_data();
     void playTellsWhatIsMissing();
+    void cacheThatCannotBeFilled_data();
+    void cacheThatCannotBeFilled();
     void playKeepsCache();
     void playRefusesCache_data();
     void playRefusesCache();
@@ -432,12 +436,54 @@ void tst_RepositoryCommands::playTellsWhatIsMissing()
     QVERIFY(!result.out.isEmpty());
 }
 
+void tst_RepositoryCommands::cacheThatCannotBeFilled_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<int>("room"); // bytes
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("message"); // a regular expression
+
+    const QString sFailed = QStringLiteral(
+        "1 package of the repository could not be copied to the cache folder .*, the first reason is: Cannot "
+        "copy .*/Signal.sdf\" to .*: File too large. Remove the cause or choose another folder .*\n");
+    QTest::newRow("play") << "play" << 290'000 << 1 << sFailed;
+    QTest::newRow("check") << "check" << 290'000 << 2 << sFailed;
+    QTest::newRow("play without any package")
+        << "play" << 1'000 << 2 << "/.*: cannot be used as cache folder: Cannot copy .*: File too large\n";
+}
+
+/// What is missing is named, and no repair takes the missing package from a scenario.
+void tst_RepositoryCommands::cacheThatCannotBeFilled()
+{
+    QFETCH(QString, command);
+    QFETCH(int, room);
+    QFETCH(QString, message);
+    QVERIFY(write(package(QStringLiteral("Signal.sdf")), QByteArray(300'000, 'x')));
+    QStringList arguments{command, QStringLiteral(":/DefaultData/Default.sce.exp"),
+                          QStringLiteral("--repository"), path(QStringLiteral("r"))};
+    if (command == u"check") {
+        arguments << QStringLiteral("--repair") << path(QStringLiteral("mended"));
+    }
+    const FileSizeLimit limit(static_cast<rlim_t>(room));
+    const ToolResult result = runTool(arguments);
+    QVERIFY2(
+        QRegularExpression(QRegularExpression::anchoredPattern(QStringLiteral("simulationtool: ") + message))
+            .match(result.err)
+            .hasMatch(),
+        qPrintable(result.err));
+    QTEST(result.code, "code");
+    QVERIFY(!QFileInfo::exists(path(QStringLiteral("mended"))));
+}
+
 void tst_RepositoryCommands::playKeepsCache()
 {
     const QStringList arguments{
         QStringLiteral("play"),           QStringLiteral("--to"),    QStringLiteral("300"),
         QStringLiteral("--repository"),   path(QStringLiteral("r")), QStringLiteral("--cache"),
         path(QStringLiteral("new/cache"))};
+    // As a play leaves it that was killed early.
+    QVERIFY(write(path(QStringLiteral("new/cache/simulationdata.lock")), {}) &&
+            write(path(QStringLiteral("new/cache/Signal.xml")), m_descriptor));
     const ToolResult first = runTool(arguments);
     QCOMPARE(first.code, 0);
     QCOMPARE(contentOf(path(QStringLiteral("new/cache/") + s_sRectId + QStringLiteral(".ssf"))), m_shape);

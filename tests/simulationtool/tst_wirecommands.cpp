@@ -14,6 +14,8 @@
 
 #include <memory>
 
+#include <sys/resource.h>
+
 namespace {
 
 using Communication = Simulation::SimulationServiceCommunication;
@@ -142,6 +144,7 @@ private Q_SLOTS:
     void refused();
     void nobodyAnswers();
     void demo();
+    void demoTellsWhatIsBroken();
 };
 
 void tst_WireCommands::initTestCase()
@@ -621,6 +624,31 @@ void tst_WireCommands::nobodyAnswers()
     const ToolResult nothing = runControl(service.address(), {QStringLiteral("pause")});
     QVERIFY(nothing.err.contains(QStringLiteral("does not say that a scenario runs")));
     QCOMPARE(nothing.code, 2);
+}
+
+/// With ever fewer files that may be open, the signal shapes, which are opened last,
+/// are the first to fail.
+void tst_WireCommands::demoTellsWhatIsBroken()
+{
+    for (rlim_t uiFiles = 40; uiFiles > 10; --uiFiles) {
+        QProcess process;
+        process.setChildProcessModifier([uiFiles] {
+            const rlimit limit{uiFiles, uiFiles};
+            setrlimit(RLIMIT_NOFILE, &limit);
+        });
+        process.start(QStringLiteral(SIMULATIONTOOL_PATH), {QStringLiteral("demo")});
+        QVERIFY(process.waitForFinished(s_iToolTimeout));
+        const QString sError = QString::fromUtf8(process.readAllStandardError());
+        QCOMPARE(process.exitCode(), sError.isEmpty() ? 0 : 1);
+        if (!sError.isEmpty()) {
+            QVERIFY2(
+                sError.contains(QStringLiteral("its signal shape file is refused: Too many open files")) &&
+                    sError.contains(QStringLiteral("demo: could not play it with all packages: ")),
+                qPrintable(sError));
+            return;
+        }
+    }
+    QFAIL("the demo needs fewer files than expected");
 }
 
 void tst_WireCommands::demo()
