@@ -69,9 +69,10 @@ expect_below("left of others" "${prefix}" "${BIN};${BIN}/other;include;${headers
 # Folders that were there before stay, though empty.
 set(prefix "${scratch}/shared")
 file(MAKE_DIRECTORY "${prefix}/${LIB}/cmake")
+file(GLOB_RECURSE before LIST_DIRECTORIES true RELATIVE "${prefix}" "${prefix}/*")
 run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}")
 run("${CMAKE_COMMAND}" -P "${prefix}/${uninstall}")
-expect_below("left of a shared prefix" "${prefix}" "${LIB};${LIB}/cmake")
+expect_below("left of a shared prefix" "${prefix}" "${before}")
 
 # A new prefix goes with what is in it, also from staging.
 foreach(stage IN ITEMS "" "${scratch}/stage")
