@@ -32,6 +32,10 @@ constexpr qsizetype s_iMaxCommandBytes = 1'048'576; ///< of a command without a 
 
 constexpr int s_iBacklog = 4096;      ///< connections that wait for the process; the system's most
 constexpr int s_iAcceptedAtOnce = 32; ///< before the peers have their turn; they take 2 ms
+constexpr int s_iDroppedAtOnce = 64;
+/// Not 0: the event loop may keep such a timer waiting as long as sockets have
+/// something to read.
+constexpr std::chrono::milliseconds s_dropInterval(1);
 
 // Commands that the service follows, by their names on the wire.
 constexpr std::array<QLatin1String, 6> s_requests{
@@ -95,6 +99,7 @@ SimulationService::SimulationService(std::chrono::milliseconds a_timeout)
     connect(&m_server, &QTcpServer::acceptError, this, [this] { m_acceptAgain.start(s_iAcceptAgain); });
     connect(&m_acceptAgain, &QTimer::timeout, &m_server, &QTcpServer::resumeAccepting);
     m_acceptAgain.setSingleShot(true);
+    connect(&m_dropLost, &QTimer::timeout, this, &SimulationService::dropLost);
 }
 
 SimulationService::~SimulationService()
@@ -125,8 +130,12 @@ void SimulationService::addPeer(QTcpSocket* a_pSocket)
     auto* const pPeer = new ServicePeer(a_pSocket, m_pPending, m_timeout, this);
     m_peers.append(pPeer);
     connect(pPeer, &ServicePeer::told, this, &SimulationService::told);
-    connect(pPeer, &ServicePeer::lost, this,
-            [this, pPeer](const QString& a_sReason) { drop(pPeer, a_sReason); });
+    connect(pPeer, &ServicePeer::lost, this, [this, pPeer](const QString& a_sReason) {
+        m_lost.push_back({pPeer, a_sReason});
+        if (!m_dropLost.isActive()) {
+            m_dropLost.start(s_dropInterval);
+        }
+    });
     // Not at once: whoever sends to many peers must not lose some meanwhile.
     connect(pPeer, &ServicePeer::pendingGrew, this, [this] {
         if (isPendingExceeded() && !std::exchange(m_bBoundScheduled, true)) {
@@ -229,6 +238,22 @@ void SimulationService::connectOrders(ServicePeer* a_pPeer)
         order("removal of a Jx device", nullptr,
               [&](Communication& a_to) { a_to.sendRemoveJxDevice(a_sId); });
     });
+}
+
+/// A few at a time: thousands may leave at once, and the others are served
+/// meanwhile.
+void SimulationService::dropLost()
+{
+    for (int i = 0; i < s_iDroppedAtOnce && !m_lost.empty(); ++i) {
+        const LostPeer lost = std::move(m_lost.front());
+        m_lost.pop_front();
+        if (lost.peer != nullptr) {
+            drop(lost.peer, lost.reason);
+        }
+    }
+    if (m_lost.empty()) {
+        m_dropLost.stop();
+    }
 }
 
 void SimulationService::drop(ServicePeer* a_pPeer, const QString& a_sReason)

@@ -11,12 +11,14 @@
 #include <QList>
 #include <QMap>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <QTcpServer>
 #include <QTimer>
 
 #include <chrono>
 #include <cstdint>
+#include <deque>
 #include <memory>
 
 class QHostAddress;
@@ -74,6 +76,12 @@ private:
         ServicePeer* peer = nullptr;
     };
 
+    struct LostPeer
+    {
+        QPointer<ServicePeer> peer; ///< null when it was dropped meanwhile
+        QString reason;
+    };
+
     // Peers come and go
     void acceptPeers();
     void addPeer(QTcpSocket* a_pSocket);
@@ -81,6 +89,7 @@ private:
     void connectDevice(ServicePeer* a_pPeer);
     void connectController(ServicePeer* a_pPeer);
     void connectOrders(ServicePeer* a_pPeer);
+    void dropLost();
     void drop(ServicePeer* a_pPeer, const QString& a_sReason);
     [[nodiscard]] bool accepts(ServicePeer* a_pPeer, const QString& a_sCommand, qsizetype a_iBytes) const;
     [[nodiscard]] bool isPendingExceeded() const;
@@ -115,6 +124,8 @@ private:
     QTcpServer m_server;
     QTimer m_acceptAgain;              ///< after the server could not
     QList<ServicePeer*> m_peers;       ///< children
+    std::deque<LostPeer> m_lost;       ///< to be dropped, the first at the front
+    QTimer m_dropLost;                 ///< runs while there are some
     QList<ServicePeer*> m_controllers; ///< the last one controls
     QMap<QString, Device> m_devices;   ///< by id
     OutgoingCommandPtr m_deviceList;   ///< the answer to whoever asks; null = to be made

@@ -20,7 +20,7 @@ using Simulation::Limits;
 
 namespace {
 
-constexpr int s_iTimeout = 30'000; ///< ms
+constexpr int s_iTimeout = 100'000; ///< ms
 
 const QByteArray s_acquire("<Command><AcquireServer/></Command>");
 const QByteArray s_release("<Command><ReleaseServer/></Command>");
@@ -242,7 +242,7 @@ void tst_SimulationService::slowButSteadyPeer()
     Peer slow(logged.service);
     for (const char cByte : s_ask.chopped(1)) {
         slow.socket.write(&cByte, 1);
-        QTest::qWait(50);
+        QTest::qWait(30);
     }
     slow.socket.write(">");
     QVERIFY(slow.receives("ResponseSimulationDevices"));
