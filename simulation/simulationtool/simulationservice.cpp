@@ -303,7 +303,7 @@ bool SimulationService::isPendingExceeded() const
     for (const OutgoingCommandPtr& pKept : {m_deployment, m_scenario}) {
         iPending -= pKept != nullptr ? pKept->bytes().size() : 0;
     }
-    return iPending > static_cast<qint64>(Limits::value(Limits::AllPendingBytes));
+    return iPending > 0 && static_cast<quint64>(iPending) > Limits::value(Limits::AllPendingBytes);
 }
 
 /// Drops the peers with the most, until the others are within the bound.
