@@ -21,7 +21,7 @@ constexpr int s_iStarts = 20;           ///< of one attack
 constexpr int s_iIntervalMs = 100;      ///< between two starts
 constexpr double s_dOverdueMs = 5000.0; ///< what takes longer is given up
 constexpr double s_dHalf = 0.5;
-constexpr std::int64_t s_iMebi = 1024 * 1024;
+constexpr std::int64_t s_iMebi = 1'048'576;
 constexpr double s_dLongestMs = 100.0;  ///< goal
 constexpr double s_dMostMemory = 256.0; ///< MiB, goal
 
@@ -117,16 +117,15 @@ bool measureBurst()
     constexpr double dMost = 0.99;
     std::vector<double> times;
     const bool bMeasured = measureAttack({"bursts of 3,000 connections", 1, burst(iConnections, &times)});
-    std::printf("%-36s median %7.1f ms, 99 of 100 within %.1f ms, %zu connections\n",
-                "  until such a connection is made", quantile(times, 0.5), quantile(times, dMost),
-                times.size());
+    std::printf("  %zu connections: median %.1f ms, 99 of 100 within %.1f ms\n", times.size(),
+                quantile(times, s_dHalf), quantile(times, dMost));
     return bMeasured;
 }
 
 /// What fits into one send of an attacker, so that sending costs it little.
 QByteArray manyOf(const QByteArray& a_commands)
 {
-    constexpr qsizetype iBytes = 256 * 1024;
+    constexpr qsizetype iBytes = 262'144;
     return a_commands.repeated(std::max<qsizetype>(1, iBytes / a_commands.size()));
 }
 

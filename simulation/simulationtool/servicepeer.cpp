@@ -119,13 +119,13 @@ void ServicePeer::scheduleWrite()
         m_sending.note(true);
     }
     m_bWriteScheduled = true;
-    QMetaObject::invokeMethod(this, &ServicePeer::write, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, "slotWrite", Qt::QueuedConnection);
     Q_EMIT pendingGrew();
 }
 
 /// Sends at once what one turn allows. The rest leaves whenever the socket has
 /// written something.
-void ServicePeer::write()
+void ServicePeer::slotWrite()
 {
     m_bWriteScheduled = false;
     if (isConnected()) {

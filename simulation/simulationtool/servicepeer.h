@@ -73,12 +73,12 @@ Q_SIGNALS:
 private Q_SLOTS:
     void slotUnreadable(const QString& a_sReason);
     void slotDisconnected();
+    void slotWrite();
 
 private:
     void connectSocket();
     void noteReceived();
     void scheduleWrite();
-    void write();
     void fillSocket();
     [[nodiscard]] bool isConnected() const;
 

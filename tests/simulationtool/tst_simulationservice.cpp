@@ -84,7 +84,7 @@ struct LoggedService
 
     bool logs(const QString& a_sText)
     {
-        return QTest::qWaitFor([&] { return lines.filter(a_sText).size() > 0; }, s_iTimeout);
+        return QTest::qWaitFor([&] { return !lines.filter(a_sText).isEmpty(); }, s_iTimeout);
     }
 
     SimulationService service;
@@ -273,7 +273,7 @@ void tst_SimulationService::allPendingBytes()
     small.socket.write(begin + QByteArray(iLimit * 9 / 10, 'A') + end);
     QVERIFY(small.isServed());
     Limits::setValue(Limits::AllPendingBytes, UINT64_MAX); // without a bound
-    middle.socket.write(begin + QByteArray(iLimit * 2, 'A') + end);
+    middle.socket.write(begin + QByteArray(2'000'000, 'A') + end);
     QVERIFY(middle.isServed());
     QCOMPARE(logged.lines.filter(QStringLiteral("dropped")).size(), 1);
 }
