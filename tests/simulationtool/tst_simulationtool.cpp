@@ -64,6 +64,7 @@ private Q_SLOTS:
     void csvOverScenario();
     void outputFails();
     void traceOnDemand();
+    void decimalComma();
 
 private:
     QString write(const QString& a_sName, const QByteArray& a_data);
@@ -478,6 +479,22 @@ void tst_SimulationTool::traceOnDemand()
         const QStringList errors = lines(runTool(arguments).err);
         QCOMPARE(errors.size(), 2);
         QVERIFY(errors.constFirst().startsWith(QStringLiteral("simulationtool: trace: Scenario refused: ")));
+    }
+}
+
+/// Quantities look the same where the user's locale has a decimal comma.
+void tst_SimulationTool::decimalComma()
+{
+    const QString sFile = QStringLiteral(TEST_DATA_DIR "/scenarios/Rich.sce");
+    const QByteArray before = qgetenv("LC_ALL");
+    for (const QString& command : {QStringLiteral("inspect"), QStringLiteral("play")}) {
+        const ToolResult point = runTool({command, sFile});
+        qputenv("LC_ALL", "de_DE.UTF-8");
+        const ToolResult comma = runTool({command, sFile});
+        qputenv("LC_ALL", before);
+        QVERIFY(point.code == 0 && point.out.contains(QStringLiteral(".")));
+        QCOMPARE(comma.out, point.out);
+        QCOMPARE(comma.code, point.code);
     }
 }
 
