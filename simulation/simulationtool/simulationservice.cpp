@@ -1,5 +1,6 @@
 #include "simulationservice.h"
 
+#include "commandkind.h"
 #include "devicestatetext.h"
 #include "servicepeer.h"
 #include "valuetexts.h"
@@ -7,11 +8,9 @@
 #include "simulationdata/simulationlimits.h"
 
 #include <QHostAddress>
-#include <QLatin1String>
 #include <QTcpSocket>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include <sys/resource.h>
@@ -36,26 +35,6 @@ constexpr int s_iDroppedAtOnce = 64;
 /// Not 0: the event loop may keep such a timer waiting as long as sockets have
 /// something to read.
 constexpr std::chrono::milliseconds s_dropInterval(1);
-
-// Commands that the service follows, by their names on the wire.
-constexpr std::array<QLatin1String, 6> s_requests{
-    QLatin1String("RegisterSimulation"),
-    QLatin1String("UnregisterSimulation"),
-    QLatin1String("SimulationDeveiceStateUpdate"), // the protocol spells it so
-    QLatin1String("AcquireServer"),
-    QLatin1String("ReleaseServer"),
-    QLatin1String("RequestSimulationDevices")};
-constexpr std::array<QLatin1String, 6> s_orders{
-    QLatin1String("UnloadScenario"), QLatin1String("StartScenario"), QLatin1String("PauseScenario"),
-    QLatin1String("StopScenario"),   QLatin1String("TestMode"),      QLatin1String("RemoveJxDevice")};
-constexpr std::array<QLatin1String, 3> s_ordersWithPayload{
-    QLatin1String("LoadScenario"), QLatin1String("LoadDeployment"), QLatin1String("AddJxDevice")};
-
-template<std::size_t Size>
-bool contains(const std::array<QLatin1String, Size>& a_names, const QString& a_sName)
-{
-    return std::find(a_names.begin(), a_names.end(), a_sName) != a_names.end();
-}
 
 /// How many connections the process can have open, after asking for more.
 qsizetype maxPeers()
@@ -279,16 +258,15 @@ void SimulationService::drop(ServicePeer* a_pPeer, const QString& a_sReason)
 /// time and memory.
 bool SimulationService::accepts(ServicePeer* a_pPeer, const QString& a_sCommand, qsizetype a_iBytes) const
 {
-    const bool bPayload = contains(s_ordersWithPayload, a_sCommand);
-    if (bPayload || contains(s_orders, a_sCommand)) {
-        if (controller() != a_pPeer) {
-            a_pPeer->tell(a_sCommand + QStringLiteral(" ignored: it does not control"));
-            return false;
-        }
-    } else if (!contains(s_requests, a_sCommand)) {
-        return false; // of no use here
+    const CommandKind eKind = commandKind(a_sCommand);
+    if (eKind == CommandKind::Useless) {
+        return false;
     }
-    if (!bPayload && a_iBytes > s_iMaxCommandBytes) {
+    if (eKind != CommandKind::Request && controller() != a_pPeer) {
+        a_pPeer->tell(a_sCommand + QStringLiteral(" ignored: it does not control"));
+        return false;
+    }
+    if (eKind != CommandKind::OrderWithPayload && a_iBytes > s_iMaxCommandBytes) {
         a_pPeer->tell(QStringLiteral("%1 ignored: it has %2 bytes, more than %3")
                           .arg(a_sCommand, QString::number(a_iBytes), QString::number(s_iMaxCommandBytes)));
         return false;
