@@ -11,12 +11,17 @@
 #include <QStyleFactory>
 #include <QTextStream>
 
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <optional>
 
 namespace {
 
-constexpr int s_iWrongUsage = 2; ///< exit code
+// Exit codes
+constexpr int s_iWrongUsage = 2;
+constexpr int s_iNoDisplay = 2;
 
 struct Server
 {
@@ -81,12 +86,48 @@ void addOptions(QCommandLineParser& a_parser)
     });
 }
 
+/// Shows the help where it is asked for. It needs no display, and so is shown
+/// before the windows' application looks for one.
+bool showHelp(int a_iArguments, char* a_arguments[])
+{
+    const QCoreApplication application(a_iArguments, a_arguments);
+    const QStringList arguments = QCoreApplication::arguments();
+    const QStringList wanted{QStringLiteral("-h"), QStringLiteral("--help"), QStringLiteral("--help-all")};
+    const bool bHelp = std::any_of(wanted.cbegin(), wanted.cend(),
+                                   [&](const QString& a_sOption) { return arguments.contains(a_sOption); });
+    if (bHelp) {
+        QCommandLineParser parser;
+        addOptions(parser);
+        QTextStream(stdout) << parser.helpText();
+    }
+    return bHelp;
+}
+
+/// While the application looks for a display: without one the toolkit would abort
+/// the process after several lines of its own.
+void reportNoDisplay(QtMsgType a_eType, const QMessageLogContext& /*a_context*/,
+                     const QString& /*a_sMessage*/)
+{
+    if (a_eType == QtFatalMsg) {
+        static_cast<void>(
+            std::fputs("monitor: no display can be opened: set DISPLAY or WAYLAND_DISPLAY to one that "
+                       "works, or QT_QPA_PLATFORM=offscreen to write a picture only\n",
+                       stderr));
+        std::_Exit(s_iNoDisplay);
+    }
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
+    if (showHelp(argc, argv)) {
+        return 0;
+    }
     ErrorHandler::Instance().setTraceMask(0); // every command would be a line
+    const QtMessageHandler pHandler = qInstallMessageHandler(reportNoDisplay);
     const QApplication application(argc, argv);
+    qInstallMessageHandler(pHandler);
     QCommandLineParser parser;
     addOptions(parser);
     parser.process(application);

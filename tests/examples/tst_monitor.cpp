@@ -165,6 +165,8 @@ private Q_SLOTS:
     void readableColors();
     void picture_data();
     void picture();
+    void withoutDisplay_data();
+    void withoutDisplay();
 };
 
 void TestMonitor::initTestCase()
@@ -304,12 +306,14 @@ void TestMonitor::picture()
     QFETCH(bool, states);
     const QTemporaryDir folder;
     const QString sFile = folder.filePath(QStringLiteral("monitor.png"));
+    const QString sRepository = folder.filePath(QStringLiteral("packages"));
+    QCOMPARE(runTool({QStringLiteral("repository"), QStringLiteral("init"), sRepository}).code, 0);
     Service running;
     std::vector<std::unique_ptr<Tool>> devices;
     for (const char* const szId : {"rx-1", "rx-2"}) {
-        devices.push_back(std::make_unique<Tool>(QStringList{QStringLiteral("device"),
-                                                             QStringLiteral("--server"), running.address(),
-                                                             QStringLiteral("--id"), QLatin1String(szId)}));
+        devices.push_back(std::make_unique<Tool>(QStringList{
+            QStringLiteral("device"), QStringLiteral("--server"), running.address(),
+            QStringLiteral("--repository"), sRepository, QStringLiteral("--id"), QLatin1String(szId)}));
         QVERIFY(devices.back()->says(QStringLiteral("accepted")));
     }
     QCOMPARE(runTool({QStringLiteral("control"), QStringLiteral("--server"), running.address(),
@@ -338,6 +342,42 @@ void TestMonitor::picture()
     QVERIFY(!service || running.says(QStringLiteral("left"), 2)); // control and monitor
     // Who only looks on leaves the control where it is.
     QCOMPARE(running.text().count(QStringLiteral("controls\n")), states ? 2 : 1);
+}
+
+void TestMonitor::withoutDisplay_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("out");
+    QTest::addColumn<QString>("err");
+    const QString sHelp = QStringLiteral("--server <HOST:PORT>");
+    QTest::newRow("help") << QStringList{QStringLiteral("--help")} << 0 << sHelp << QString();
+    QTest::newRow("short help") << QStringList{QStringLiteral("--dark"), QStringLiteral("-h")} << 0 << sHelp
+                                << QString();
+    QTest::newRow("window") << QStringList{} << 2 << QString() << "monitor: no display can be opened: set ";
+}
+
+void TestMonitor::withoutDisplay()
+{
+    QFETCH(const QStringList, arguments);
+    QFETCH(const int, code);
+    QFETCH(const QString, out);
+    QFETCH(const QString, err);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* const szName : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) {
+        environment.remove(QLatin1String(szName));
+    }
+    QProcess monitor;
+    monitor.setProcessEnvironment(environment);
+    monitor.start(QStringLiteral(MONITOR_PATH), arguments);
+    QVERIFY(monitor.waitForFinished(s_iToolTimeout));
+    QCOMPARE(monitor.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(monitor.exitCode(), code);
+    const QString sOut = QString::fromUtf8(monitor.readAllStandardOutput());
+    const QString sErr = QString::fromUtf8(monitor.readAllStandardError());
+    QVERIFY2(out.isEmpty() ? sOut.isEmpty() : sOut.contains(out), qPrintable(sOut));
+    QVERIFY2(err.isEmpty() ? sErr.isEmpty() : sErr.startsWith(err) && sErr.count(u'\n') == 1,
+             qPrintable(sErr));
 }
 
 QTEST_MAIN(TestMonitor)
