@@ -4,6 +4,7 @@
 #include "simulationdata/simulationdata_export.h"
 
 #include <QByteArray>
+#include <QString>
 
 #include <cstdint>
 
@@ -26,15 +27,30 @@ public:
     [[nodiscard]] ScenarioDataState scenarioDataState() const { return m_eScenarioDataState; }
     void setScenarioDataState(ScenarioDataState a_eState) { m_eScenarioDataState = a_eState; }
 
+    /// The most that a message holds: longer ones are cut.
+    static constexpr qsizetype s_iMaxMessage = 1000; // UTF-16 units
+
+    /// What the device adds about itself in words: why a scenario failed, what it
+    /// plays. Empty when it adds nothing. The words are the device's own; one that
+    /// came from a peer may hold any character, so do not write it to a terminal
+    /// as it is.
+    [[nodiscard]] QString message() const { return m_sMessage; }
+    void setMessage(const QString& a_sMessage);
+
     /// The record as XML, by the rules of SimulationDeviceConfiguration::toXml().
+    /// An empty message is left out; readers that do not know the element
+    /// "Message" pass over it.
     [[nodiscard]] QByteArray toXml(const QByteArray& a_base = QByteArray()) const;
 
-    /// Takes the state from the child of the root, whatever the root's name.
-    /// False, and nothing changes, when it is missing or no number of 32 bits.
+    /// Takes the state and the message from the children of the root, whatever the
+    /// root's name. A record without a message clears the former one, which
+    /// belonged to another report. False, and nothing changes, when the state is
+    /// missing or no number of 32 bits.
     [[nodiscard]] bool fromXml(const QByteArray& a_xml);
 
 private:
     ScenarioDataState m_eScenarioDataState = ScenarioDataState::None;
+    QString m_sMessage; ///< at most s_iMaxMessage
 };
 
 } // namespace Simulation

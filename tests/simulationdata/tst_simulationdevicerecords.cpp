@@ -47,6 +47,8 @@ private Q_SLOTS:
     void incompleteConfiguration();
     void base();
     void states();
+    void messages_data();
+    void messages();
 };
 
 void TestSimulationDeviceRecords::configurationDocument()
@@ -124,6 +126,44 @@ void TestSimulationDeviceRecords::states()
         QCOMPARE(static_cast<int>(state.scenarioDataState()), -1);
     }
     QVERIFY(!state.fromXml("<A><B><ScenarioDataState>2</ScenarioDataState></B></A>"));
+}
+
+void TestSimulationDeviceRecords::messages_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("kept");
+    const QString sLongest(SimulationDeviceState::s_iMaxMessage, u'm');
+    const QString sShorter = sLongest.chopped(1);
+    const QString sWide = QString::fromUcs4(U"\U0001F4E1");
+    QTest::newRow("markup") << "<a> & \"b\""
+                            << "<a> & \"b\"";
+    QTest::newRow("longest") << sLongest << sLongest;
+    QTest::newRow("too long") << sLongest + u'x' << sLongest;
+    QTest::newRow("cut in a character") << sShorter + sWide << sShorter;
+}
+
+/// Behind the state, cut, and gone with the next record that has none.
+void TestSimulationDeviceRecords::messages()
+{
+    QFETCH(const QString, text);
+    QFETCH(const QString, kept);
+    const QByteArray bare = SimulationDeviceState().toXml();
+    SimulationDeviceState state;
+    state.setMessage(text);
+    QCOMPARE(state.message(), kept);
+    const QByteArray xml = state.toXml();
+    QVERIFY(xml.startsWith(bare.left(bare.indexOf("</Simulation")) + "    <Message>"));
+
+    // A peer may send more than it should.
+    const QByteArray sent = QByteArray(bare).replace(
+        "</Simulation", "<Message>" + text.toHtmlEscaped().toUtf8() + "</Message></Simulation");
+    SimulationDeviceState read;
+    QVERIFY(read.fromXml(sent));
+    QCOMPARE(read.toXml(), xml);
+    QVERIFY(!read.fromXml("<A><Message>new</Message></A>"));
+    QCOMPARE(read.message(), kept);
+    QVERIFY(read.fromXml(bare));
+    QCOMPARE(read.message(), QString());
 }
 
 QTEST_GUILESS_MAIN(TestSimulationDeviceRecords)
