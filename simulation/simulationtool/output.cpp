@@ -3,6 +3,10 @@
 #include "terminaltext.h"
 
 #include "kpbase/replacedfile.h"
+#include "kpbase/velaos.h"
+
+#include <QByteArray>
+#include <QDateTime>
 
 #include <csignal>
 #include <cstdio>
@@ -15,6 +19,13 @@ namespace SimulationTool {
 namespace {
 
 constexpr qsizetype s_iBufferBytes = qsizetype{16} * 1024;
+
+void writeErrorLine(const QString& a_sBegin, const QString& a_sMessage)
+{
+    const QByteArray line = (a_sBegin + terminalText(a_sMessage) + u'\n').toUtf8();
+    // Nobody is left to be informed when this fails.
+    static_cast<void>(std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr));
+}
 
 } // namespace
 
@@ -54,9 +65,21 @@ QString Output::errorString() const
 
 void complain(const QString& a_sMessage)
 {
-    const QByteArray line = "simulationtool: " + terminalText(a_sMessage).toUtf8() + '\n';
-    // There is nobody left to tell when this fails.
-    static_cast<void>(std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr));
+    writeErrorLine(QStringLiteral("simulationtool: "), a_sMessage);
+}
+
+void writeLog(const QString& a_sMessage)
+{
+    writeErrorLine(timeStamp(VelaOS::Get().timestamp()) + u' ', a_sMessage);
+}
+
+QString timeStamp(std::uint64_t a_uiMicroseconds)
+{
+    constexpr std::uint64_t uiMicroseconds = 1000; // in a millisecond
+    const QDateTime local =
+        QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(a_uiMicroseconds / uiMicroseconds));
+    // A local time has no offset in its text, a time with a fixed offset has.
+    return local.toOffsetFromUtc(local.offsetFromUtc()).toString(Qt::ISODateWithMs);
 }
 
 void prepareStandardStreams()

@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QString>
 
+#include <cstdint>
+
 namespace SimulationTool {
 
 /// The program's standard output: buffered, UTF-8, and watched. A reader that
@@ -35,6 +37,14 @@ private:
 /// Writes one line to standard error: the program's name and the message, made
 /// harmless.
 void complain(const QString& a_sMessage);
+
+/// Writes one line to the log of a program that runs for long, which is standard
+/// error: the present time (see timeStamp()) and the message, made harmless.
+void writeLog(const QString& a_sMessage);
+
+/// A time (us since 1970-01-01 UTC) as local time with its offset from UTC, to the
+/// millisecond: "2026-11-23T12:00:01.123+01:00"; "Z" is the offset of UTC itself.
+[[nodiscard]] QString timeStamp(std::uint64_t a_uiMicroseconds);
 
 /// Makes sure that the program ends quietly when whoever reads its output has
 /// seen enough, and that no file which is opened later takes the place of a

@@ -23,7 +23,8 @@ const char s_szService[] =
     "Runs the simulation service: devices register with it, and the program that\n"
     "acquired it last has its scenarios, deployments and orders passed on to all of\n"
     "them and is told their states. A device that comes late is sent the deployment,\n"
-    "the scenario and the start that hold. What happens is told on standard error.\n"
+    "the scenario and the start that hold. What happens is logged on standard error,\n"
+    "each line with its time.\n"
     "\n"
     "A program that leaves a command unfinished, or reads nothing of what it is sent,\n"
     "for the time of --timeout is dropped. So is the one that makes the service hold\n"
@@ -57,7 +58,7 @@ ExitCode runService(const QHostAddress& a_address, std::uint16_t a_uiPort, std::
     Limits::setValue(Limits::InflatedBytes, Limits::value(Limits::DocumentBytes));
     InterruptibleLoop loop;
     SimulationService simulationService(a_timeout);
-    QObject::connect(&simulationService, &SimulationService::told, &complain);
+    QObject::connect(&simulationService, &SimulationService::told, &writeLog);
     if (!simulationService.listen(a_address, a_uiPort)) {
         complain(QStringLiteral("service: cannot listen on %1: %2")
                      .arg(addressText(a_address, a_uiPort), simulationService.errorString()));
@@ -70,7 +71,7 @@ ExitCode runService(const QHostAddress& a_address, std::uint16_t a_uiPort, std::
     }
     loop.run();
     acceptInterruption();
-    complain(QStringLiteral("service ends"));
+    writeLog(QStringLiteral("service ends"));
     return ExitCode::Ok;
 }
 
