@@ -1,10 +1,10 @@
 #include "controlactions.h"
 
-#include "devicestatetext.h"
+#include "controlreport.h"
 #include "output.h"
 #include "report.h"
 #include "servicecontroller.h"
-#include "valuetexts.h"
+#include "statuswatch.h"
 
 #include "simulationdata/deploymentdataxml.h"
 #include "simulationdata/scenariodataxml.h"
@@ -13,77 +13,63 @@
 
 #include <QFile>
 
-#include <algorithm>
-
 namespace SimulationTool {
 
 namespace {
 
-using Simulation::ScenarioDataState;
-
-constexpr qsizetype s_iMaxIdWidth = 32;
-constexpr qsizetype s_iMaxNameWidth = 28;
-
-QString devicesText(const ServiceController& a_controller)
-{
-    return counted(static_cast<quint64>(a_controller.devices().size()), "device");
-}
-
 /// Waits until the service has the order, and says what it was.
-ExitCode finishOrder(ServiceController& a_controller, const QString& a_sDone, Output& a_output)
+ExitCode finishOrder(ServiceController& a_controller, const QString& a_sDone, Report& a_report)
 {
     if (!a_controller.synchronize()) {
         return ExitCode::Unusable;
     }
-    a_output.write(QStringLiteral("%1, %2\n").arg(a_sDone, devicesText(a_controller)));
+    a_report.value("device_count", a_controller.devices().size());
+    a_report.line(QStringLiteral("%1, %2").arg(a_sDone, devicesText(a_controller)));
     return ExitCode::Ok;
 }
 
-ExitCode load(ServiceController& a_controller, const OrderArgument& a_argument, Output& a_output)
+ExitCode load(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report)
 {
     if (!a_controller.loadScenario(a_argument.content)) {
         return ExitCode::Unusable;
     }
-    QList<ReportRow> rows;
-    qsizetype iLoaded = 0;
-    for (const auto& device : a_controller.devices()) {
-        const ScenarioDataState eState = a_controller.states().value(device.id());
-        iLoaded += eState == ScenarioDataState::Loaded ? 1 : 0;
-        rows.append({device.id(), device.name(), stateText(eState)});
-    }
-    Report(a_output).plainTable("devices",
-                                {{QStringLiteral("Device"), false, s_iMaxIdWidth, "id"},
-                                 {QStringLiteral("Name"), false, s_iMaxNameWidth, "name"},
-                                 {QStringLiteral("State"), false, 0, "state"}},
-                                rows);
-    a_output.write(QStringLiteral("Scenario sent, loaded by %1 of %2\n")
-                       .arg(QString::number(iLoaded), devicesText(a_controller)));
-    return iLoaded == rows.size() ? ExitCode::Ok : ExitCode::Findings;
+    return reportLoading(a_controller, a_report);
 }
 
-ExitCode deploy(ServiceController& a_controller, const OrderArgument& a_argument, Output& a_output)
+/// Sends an order and reports which devices have confirmed it.
+ExitCode confirm(ServiceController& a_controller, const CommandSender& a_send, const ConfirmedOrder& a_order,
+                 Report& a_report)
 {
-    a_controller.communication().sendLoadDeployment(a_argument.content);
-    if (!a_controller.synchronize()) {
-        return ExitCode::Unusable;
-    }
-    // Not as the other orders end: a deployment has devices of its own.
-    a_output.write(QStringLiteral("Deployment sent to %1\n").arg(devicesText(a_controller)));
-    return ExitCode::Ok;
+    return a_controller.sendAndConfirm(a_send, a_order.outcome)
+               ? reportAnswers(a_controller, a_order, a_report)
+               : ExitCode::Unusable;
 }
 
-ExitCode start(ServiceController& a_controller, const OrderArgument& a_argument, Output& a_output)
+ExitCode deploy(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report)
+{
+    return confirm(
+        a_controller, [&](auto& a_to) { a_to.sendLoadDeployment(a_argument.content); },
+        {QStringLiteral("Deployed"), QStringLiteral("Not deployed"), &deployOutcome}, a_report);
+}
+
+ExitCode start(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report)
 {
     // After a pause it goes on, otherwise from the beginning.
     const auto& timing = a_controller.timing();
     const std::uint32_t uiPaused = timing.isPaused() ? timing.scenarioTime() : 0;
     const std::uint32_t uiTime = a_argument.time.value_or(uiPaused);
-    a_controller.communication().sendStartScenario(Simulation::ScenarioTimingHelper::currentTimeStamp(),
-                                                   uiTime);
-    return finishOrder(a_controller, QStringLiteral("Started at %1 ms").arg(uiTime), a_output);
+    a_report.value("scenario_time_ms", qint64{uiTime});
+    return confirm(
+        a_controller,
+        [&](auto& a_to) {
+            a_to.sendStartScenario(Simulation::ScenarioTimingHelper::currentTimeStamp(), uiTime);
+        },
+        {QStringLiteral("Started at %1 ms").arg(uiTime), QStringLiteral("Not started at %1 ms").arg(uiTime),
+         [uiTime](const QString& a_sMessage) { return startOutcome(a_sMessage, uiTime); }},
+        a_report);
 }
 
-ExitCode pause(ServiceController& a_controller, const OrderArgument& a_argument, Output& a_output)
+ExitCode pause(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report)
 {
     if (!a_argument.time && a_controller.timing().isStopped()) {
         complain(
@@ -91,39 +77,32 @@ ExitCode pause(ServiceController& a_controller, const OrderArgument& a_argument,
         return ExitCode::Unusable;
     }
     const std::uint32_t uiTime = a_argument.time.value_or(a_controller.timing().scenarioTime());
+    a_report.value("scenario_time_ms", qint64{uiTime});
     a_controller.communication().sendPauseScenario(uiTime);
-    return finishOrder(a_controller, QStringLiteral("Paused at %1 ms").arg(uiTime), a_output);
+    return finishOrder(a_controller, QStringLiteral("Paused at %1 ms").arg(uiTime), a_report);
 }
 
-ExitCode stop(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Output& a_output)
+ExitCode stop(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Report& a_report)
 {
     a_controller.communication().sendStopScenario();
-    return finishOrder(a_controller, QStringLiteral("Stopped"), a_output);
+    return finishOrder(a_controller, QStringLiteral("Stopped"), a_report);
 }
 
-ExitCode unload(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Output& a_output)
+ExitCode unload(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Report& a_report)
 {
     a_controller.communication().sendUnloadScenario();
-    return finishOrder(a_controller, QStringLiteral("Unloaded"), a_output);
+    return finishOrder(a_controller, QStringLiteral("Unloaded"), a_report);
 }
 
-ExitCode devices(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Output& a_output)
+ExitCode devices(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Report& a_report)
 {
-    QList<ReportRow> rows;
-    for (const auto& device : a_controller.devices()) {
-        rows.append({device.id(), device.name(), device.deviceType(), device.stationName(), device.machine(),
-                     numberValue(device.positionLongitude()), numberValue(device.positionLatitude())});
-    }
-    Report(a_output).plainTable("devices",
-                                {{QStringLiteral("Device"), false, s_iMaxIdWidth, "id"},
-                                 {QStringLiteral("Name"), false, s_iMaxNameWidth, "name"},
-                                 {QStringLiteral("Type"), false, s_iMaxNameWidth, "type"},
-                                 {QStringLiteral("Station"), false, s_iMaxNameWidth, "station"},
-                                 {QStringLiteral("Machine"), false, s_iMaxNameWidth, "machine"},
-                                 {QStringLiteral("Longitude"), true, 0, "longitude"},
-                                 {QStringLiteral("Latitude"), true, 0, "latitude"}},
-                                rows);
-    a_output.write(devicesText(a_controller) + u'\n');
+    reportDevices(a_controller, a_report);
+    return ExitCode::Ok;
+}
+
+ExitCode status(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Report& a_report)
+{
+    reportStatus(a_controller, a_report);
     return ExitCode::Ok;
 }
 
@@ -144,9 +123,14 @@ QString deploymentProblem(const QByteArray& a_content)
     return deployment.errorString();
 }
 
+ExitCode watch(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Report& a_report)
+{
+    return StatusWatch(a_controller, a_report).run();
+}
+
 } // namespace
 
-const std::array<ControlAction, 7> s_controlActions{{
+const std::array<ControlAction, 9> s_controlActions{{
     {"load", ControlAction::Takes::Scenario, true, &load},
     {"deploy", ControlAction::Takes::Deployment, true, &deploy},
     {"start", ControlAction::Takes::Time, true, &start},
@@ -154,6 +138,8 @@ const std::array<ControlAction, 7> s_controlActions{{
     {"stop", ControlAction::Takes::Nothing, true, &stop},
     {"unload", ControlAction::Takes::Nothing, true, &unload},
     {"devices", ControlAction::Takes::Nothing, false, &devices},
+    {"status", ControlAction::Takes::Nothing, false, &status},
+    {"watch", ControlAction::Takes::Nothing, false, &watch},
 }};
 
 bool readOrderFile(ControlAction::Takes a_eKind, OrderArgument& a_argument)

@@ -12,7 +12,7 @@
 
 namespace SimulationTool {
 
-class Output;
+class Report;
 class ServiceController;
 
 /// What an order takes along.
@@ -38,10 +38,10 @@ struct ControlAction
     bool acquires; ///< only the controller of the service may do it
     /// What goes wrong without being told is the controller's problem(): the
     /// result is Unusable then.
-    ExitCode (*run)(ServiceController& a_controller, const OrderArgument& a_argument, Output& a_output);
+    ExitCode (*run)(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report);
 };
 
-extern const std::array<ControlAction, 7> s_controlActions;
+extern const std::array<ControlAction, 9> s_controlActions;
 
 /// Reads the file of the argument and looks whether it is what the action takes.
 /// False after one line on standard error.

@@ -4,6 +4,7 @@
 #include "controlactions.h"
 #include "interruption.h"
 #include "output.h"
+#include "report.h"
 #include "servicecontroller.h"
 #include "wholenumber.h"
 
@@ -15,17 +16,28 @@ namespace {
 
 const char s_szControl[] =
     "Controls the devices of a simulation service: acquires it, sends one order, waits\n"
-    "until the service has received it, and releases it again.\n"
+    "for the answers, and releases it again.\n"
     "\n"
     "Actions:\n"
     "  load FILE    Send a scenario and wait until each device has loaded it or failed.\n"
-    "  deploy FILE  Send a deployment.\n"
+    "  deploy FILE  Send a deployment, and report where it places each device.\n"
     "  start [MS]   Start the scenario, at that scenario time. Default: where it was\n"
     "               paused, or else at 0.\n"
     "  pause [MS]   Show that scenario time from now on. Default: the present one.\n"
     "  stop         Stop the scenario.\n"
     "  unload       Have the devices forget the scenario.\n"
-    "  devices      List the devices that are registered. This acquires nothing.\n"
+    "  devices      List the devices that are registered.\n"
+    "  status       Show the scenario, its time, and what each device reports.\n"
+    "  watch        Show the same, and every change with its time, until interrupted\n"
+    "               (Ctrl-C).\n"
+    "\n"
+    "The last three acquire nothing and disturb no other controller: they only ask, and\n"
+    "watch asks once a second. Of what changes in between they show the last. A service\n"
+    "of another maker may report states to its controller only: they are \"unknown\" then.\n"
+    "\n"
+    "Devices of this program answer start and deploy in words, and load with the\n"
+    "packages that they had to replace. A device that gives no such answer within 2 s\n"
+    "\"did not confirm\": it may have obeyed all the same, and control cannot know.\n"
     "\n"
     "A file that is not what it should be is refused before anything is sent. What\n"
     "was started goes on when the command has ended.";
@@ -36,12 +48,15 @@ const char s_szControlExamples[] =
     "  simulationtool control devices --server sim.example:57400\n"
     "  simulationtool control load harbour.sce.exp && simulationtool control start\n"
     "  simulationtool control load :/DefaultData/Default.sce.exp    (the built-in scenario)\n"
+    "  simulationtool control watch --json    (one JSON object per line)\n"
     "\n"
     "Exit codes:\n"
-    "  0  Done.\n"
-    "  1  A device failed to load the scenario, or took longer than the timeout.\n"
-    "  2  Wrong usage, the file was refused, nothing can be paused, or nobody answered\n"
-    "     within the timeout: then it is not known whether the order was received.\n";
+    "  0  Done; of load, start and deploy: by every device. A watch was interrupted.\n"
+    "  1  No device is registered, or one failed, did not confirm the order, took longer\n"
+    "     than the timeout, had to replace packages, or has no place in the deployment.\n"
+    "  2  Wrong usage, the file was refused, nothing can be paused, the connection was\n"
+    "     lost, or nobody answered within the timeout: then it is not known whether the\n"
+    "     order was received.\n";
 
 constexpr std::uint32_t s_uiDefaultTimeout = 10;    ///< s
 constexpr std::uint32_t s_uiMaxTimeout = 24 * 3600; ///< s
@@ -49,17 +64,17 @@ constexpr std::uint32_t s_uiMaxTimeout = 24 * 3600; ///< s
 const QString s_sTimeout = QStringLiteral("timeout");
 
 ExitCode runControl(const ControlAction& a_action, const OrderArgument& a_argument,
-                    const ServerAddress& a_server, std::chrono::seconds a_timeout, Output& a_output)
+                    const ServerAddress& a_server, std::chrono::seconds a_timeout, Report& a_report)
 {
     ServiceController controller(a_timeout);
     ExitCode eCode = ExitCode::Unusable;
     if (controller.connectToService(a_server)) {
         if (a_action.acquires) {
-            controller.communication().sendCommandAcquireServer();
+            controller.acquire();
         }
         // The answer comes behind what a new controller is told.
         if (controller.synchronize()) {
-            eCode = a_action.run(controller, a_argument, a_output);
+            eCode = a_action.run(controller, a_argument, a_report);
         }
     }
     if (!controller.problem().isEmpty()) {
@@ -67,6 +82,9 @@ ExitCode runControl(const ControlAction& a_action, const OrderArgument& a_argume
         return ExitCode::Unusable;
     }
     controller.leave();
+    if (eCode != ExitCode::Unusable) {
+        a_report.finish();
+    }
     return eCode;
 }
 
@@ -116,13 +134,14 @@ ExitCode control(const QStringList& a_arguments, Output& a_output)
 {
     ignoreClosedPipes();
     CommandParser parser(QStringLiteral("control"),
-                         QStringLiteral("ACTION [FILE|MS] [--server HOST:PORT] [--timeout SECONDS]"),
+                         QStringLiteral("ACTION [FILE|MS] [--server HOST:PORT] [--timeout SECONDS] [--json]"),
                          s_szControl, s_szControlExamples);
     parser.get().addPositionalArgument(QStringLiteral("ACTION"), QStringLiteral("What to do."));
     addServerOption(parser.get());
     parser.get().addOption(
         {s_sTimeout, QStringLiteral("Give up after so long without an answer or any progress. Default: 10."),
          QStringLiteral("SECONDS")});
+    addJsonOption(parser.get());
     if (const auto done = parser.parse(a_arguments, a_output)) {
         return *done;
     }
@@ -144,7 +163,8 @@ ExitCode control(const QStringList& a_arguments, Output& a_output)
     if (!timeout || !readArgument(*pAction, rest, argument, sReason)) {
         return sReason.isEmpty() ? ExitCode::Unusable : parser.refuse(sReason);
     }
-    return runControl(*pAction, argument, *server, *timeout, a_output);
+    Report report(a_output, reportForm(parser.get()));
+    return runControl(*pAction, argument, *server, *timeout, report);
 }
 
 } // namespace SimulationTool

@@ -134,7 +134,7 @@ bool DemoRoad::acquire()
     if (!m_controller.connectToService(m_address)) {
         return false;
     }
-    m_controller.communication().sendCommandAcquireServer();
+    m_controller.acquire();
     if (!m_controller.synchronize()) {
         return false;
     }
@@ -181,7 +181,9 @@ bool DemoRoad::loadScenario()
         return false;
     }
     const auto& states = m_controller.states();
-    const auto iLoaded = std::count(states.cbegin(), states.cend(), ScenarioDataState::Loaded);
+    const auto iLoaded = std::count_if(states.cbegin(), states.cend(), [](const auto& a_state) {
+        return a_state.scenarioDataState() == ScenarioDataState::Loaded;
+    });
     tell(QStringLiteral("editor"),
          QStringLiteral("is told: loaded by %1").arg(counted(static_cast<quint64>(iLoaded), "device")));
     return iLoaded == std::ssize(m_devices);

@@ -181,6 +181,16 @@ void Report::record(const char* a_szKey, const QJsonObject& a_object, const QStr
     }
 }
 
+bool Report::event(const QJsonObject& a_object, const QString& a_sText)
+{
+    m_bEvents = true;
+    line(a_sText);
+    if (!isText()) {
+        m_output.write(jsonLine(a_object) + u'\n');
+    }
+    return m_output.finish();
+}
+
 void Report::plainTable(const char* a_szKey, const QList<TextColumn>& a_columns,
                         const QList<ReportRow>& a_rows)
 {
@@ -262,7 +272,7 @@ void Report::closePlace()
 
 void Report::finish()
 {
-    if (isText()) {
+    if (isText() || m_bEvents) {
         return;
     }
     closePlace();

@@ -71,6 +71,11 @@ public:
     /// place's list of that key.
     void record(const char* a_szKey, const QJsonObject& a_object, const QString& a_sText);
 
+    /// A line of something that is followed, written at once: the text for people,
+    /// the object on one line for programs, who get no document then. False once the
+    /// output failed.
+    [[nodiscard]] bool event(const QJsonObject& a_object, const QString& a_sText);
+
     /// A table from the first column on; for programs a list of objects. People
     /// see nothing without rows.
     void plainTable(const char* a_szKey, const QList<TextColumn>& a_columns, const QList<ReportRow>& a_rows);
@@ -80,8 +85,8 @@ public:
     void titledTable(const char* a_szKey, const QString& a_sTitle, const QList<TextColumn>& a_columns,
                      const QList<ReportRow>& a_rows);
 
-    /// Writes the document for programs; nothing for people, who have it all. To
-    /// be called once, last.
+    /// Writes the document for programs; nothing for people, who have it all, and
+    /// nothing after an event(). To be called once, last.
     void finish();
     /// False once the output failed: the rest need not be put together.
     [[nodiscard]] bool isOk() const;
@@ -97,6 +102,7 @@ private:
     Output& m_output;
     ReportForm m_eForm;
     bool m_bFirst = true;
+    bool m_bEvents = false;    ///< were written
     bool m_bOnlyFields = true; ///< below the first heading
 
     // For programs. A large list is copied when it is taken out of an object.

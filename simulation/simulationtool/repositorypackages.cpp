@@ -50,7 +50,9 @@ QString cacheProblem(const QString& a_sCache, const QString& a_sRepository)
 
 } // namespace
 
-RepositoryPackages::RepositoryPackages() = default;
+RepositoryPackages::RepositoryPackages()
+    : m_log(&complain)
+{}
 
 RepositoryPackages::~RepositoryPackages() = default;
 
@@ -135,7 +137,7 @@ void RepositoryPackages::checkShape(const Simulation::SignalPackage& a_package,
 void RepositoryPackages::tell(const QString& a_sMessage)
 {
     if (++m_uiTold <= s_uiToldMessages) {
-        complain(a_sMessage);
+        m_log(a_sMessage);
     }
 }
 

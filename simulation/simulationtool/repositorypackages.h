@@ -10,8 +10,10 @@
 #include <QTemporaryDir>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace Simulation {
 class SignalPackageCache;
@@ -40,6 +42,9 @@ public:
 
     /// Whether every package of the repository is in the cache.
     [[nodiscard]] bool isComplete() const { return m_bComplete; }
+
+    /// Takes the messages of the packages over, which else go to standard error.
+    void setLog(std::function<void(const QString&)> a_log) { m_log = std::move(a_log); }
 
     /// The signal level of a package at a time (ms) since its emission began;
     /// none when the package has no usable signal shape.
@@ -73,6 +78,7 @@ private:
     QSet<QString> m_checkedIds; ///< of packages whose shape was looked at
     std::uint64_t m_uiTold = 0;
     bool m_bComplete = true;
+    std::function<void(const QString&)> m_log;
 };
 
 } // namespace SimulationTool

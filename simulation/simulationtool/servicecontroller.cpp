@@ -63,9 +63,7 @@ void ServiceController::connectSignals()
         m_loop.quit();
     });
     connect(&m_communication, &Communication::simulationDeviceStateUpdate, this,
-            [this](const QString& a_sId, const Simulation::SimulationDeviceState& a_state) {
-                noteState(a_sId, a_state.scenarioDataState());
-            });
+            &ServiceController::noteState);
     connect(&m_communication, &Communication::startScenario, this,
             [this](quint64 a_uiTimestamp, uint a_uiTime) {
                 m_timing.startScenarioTime(a_uiTimestamp, a_uiTime);
@@ -92,8 +90,18 @@ bool ServiceController::connectToService(const ServerAddress& a_server)
     return eWaited == Waited::Done;
 }
 
+void ServiceController::acquire()
+{
+    m_bControls = true;
+    m_communication.sendCommandAcquireServer();
+}
+
 bool ServiceController::synchronize()
 {
+    if (!m_bControls) { // what holds is sent before the answer
+        m_states.clear();
+        m_timing.stopScenarioTime();
+    }
     ++m_iAnswers;
     m_communication.sendCommandRequestSimulationDevices();
     if (m_communication.hasLostCommands()) {
@@ -128,18 +136,59 @@ bool ServiceController::loadScenario(const QByteArray& a_scenario)
 
 bool ServiceController::areDevicesDone() const
 {
-    return std::all_of(m_devices.cbegin(), m_devices.cend(),
-                       [this](const auto& a_device) { return isDone(m_states.value(a_device.id())); });
+    return std::all_of(m_devices.cbegin(), m_devices.cend(), [this](const auto& a_device) {
+        return isDone(m_states.value(a_device.id()).scenarioDataState());
+    });
+}
+
+bool ServiceController::sendAndConfirm(const CommandSender& a_order,
+                                       const std::function<OrderOutcome(const QString&)>& a_outcome)
+{
+    m_answers.clear();
+    m_outcome = a_outcome;
+    a_order(m_communication);
+    if (!synchronize()) {
+        return false;
+    }
+    QElapsedTimer since;
+    since.start();
+    QTimer enough;
+    enough.setSingleShot(true);
+    connect(&enough, &QTimer::timeout, this, [this] { m_loop.quit(); });
+    enough.start(s_confirmation);
+    const auto isDone = [&] {
+        return since.hasExpired(s_confirmation.count()) ||
+               std::all_of(m_devices.cbegin(), m_devices.cend(),
+                           [this](const auto& a_device) { return m_answers.contains(a_device.id()); });
+    };
+    const bool bConfirmed = waitFor(isDone) != Waited::Failed;
+    m_outcome = {};
+    return bConfirmed;
+}
+
+bool ServiceController::idle(std::chrono::milliseconds a_time)
+{
+    QTimer over;
+    over.setSingleShot(true);
+    connect(&over, &QTimer::timeout, this, [this] { m_loop.quit(); });
+    over.start(a_time);
+    while (over.isActive() && m_sProblem.isEmpty() && !isInterrupted()) {
+        m_loop.run();
+    }
+    return m_sProblem.isEmpty() && !isInterrupted();
 }
 
 /// A device that repeats its states must not put the end of a wait off for ever,
 /// so each listed one makes progress once.
-void ServiceController::noteState(const QString& a_sId, ScenarioDataState a_eState)
+void ServiceController::noteState(const QString& a_sId, const Simulation::SimulationDeviceState& a_state)
 {
-    m_states[a_sId] = a_eState;
+    m_states[a_sId] = a_state;
+    if (m_outcome && m_outcome(a_state.message()) != OrderOutcome::Unknown) {
+        m_answers[a_sId] = a_state.message();
+    }
     const bool bListed = std::any_of(m_devices.cbegin(), m_devices.cend(),
                                      [&](const auto& a_device) { return a_device.id() == a_sId; });
-    if (bListed && isDone(a_eState) && !m_done.contains(a_sId)) {
+    if (bListed && isDone(a_state.scenarioDataState()) && !m_done.contains(a_sId)) {
         m_done.insert(a_sId);
         noteProgress();
     }

@@ -1,6 +1,7 @@
 #include "simulationdevice.h"
 
 #include "deploymentdetails.h"
+#include "deviceplacement.h"
 #include "devicestatetext.h"
 #include "scenariofile.h"
 #include "valuetexts.h"
@@ -29,12 +30,20 @@ constexpr std::int64_t s_iMicroseconds = 1000;                   ///< in a milli
 constexpr std::uint64_t s_uiSecond = 1'000'000;                  ///< us
 constexpr std::uint64_t s_uiYear = s_uiSecond * 3600 * 24 * 365; ///< us
 
+/// What a document that cannot be used is, and why.
+QString unusable(const char* a_szWhat, const QByteArray& a_content, const QString& a_sReason)
+{
+    return QStringLiteral("%1 of %2: %3")
+        .arg(QLatin1String(a_szWhat), counted(static_cast<quint64>(a_content.size()), "byte"),
+             LogLimit::part(a_sReason));
+}
+
 } // namespace
 
 SimulationDevice::SimulationDevice(const Simulation::SimulationDeviceConfiguration& a_configuration,
                                    Simulation::ISignalPackageProvider& a_provider, std::uint32_t a_uiStep)
     : m_configuration(a_configuration)
-    , m_provider(a_provider)
+    , m_packages(a_provider)
     , m_uiStep(a_uiStep)
     , m_communication(nullptr)
 {
@@ -94,6 +103,11 @@ void SimulationDevice::slotConnected()
     m_connector->socket()->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
     m_connector->socket()->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     m_log.tell(QStringLiteral("connected"));
+    registerDevice();
+}
+
+void SimulationDevice::registerDevice()
+{
     m_communication.sendRegisterSimulationDevice(m_configuration.id(), m_configuration);
 }
 
@@ -119,6 +133,7 @@ void SimulationDevice::slotUnreadable(const QString& a_sReason)
 
 void SimulationDevice::slotAccepted(const QString& a_sId, const QString& a_sConfirmation)
 {
+    const bool bBefore = m_bAccepted;
     m_bAccepted = a_sId == m_configuration.id() &&
                   a_sConfirmation == Communication::createConfirmation(m_configuration);
     if (!m_bAccepted) {
@@ -126,8 +141,10 @@ void SimulationDevice::slotAccepted(const QString& a_sId, const QString& a_sConf
         m_bToldIgnoring = true;
         return;
     }
-    m_log.tell(QStringLiteral("accepted"));
-    reportState();
+    if (!bBefore) { // otherwise it is the answer to a new place
+        m_log.tell(QStringLiteral("accepted"));
+        reportState();
+    }
 }
 
 void SimulationDevice::slotUnregistered(const QString& a_sId)
@@ -194,12 +211,14 @@ void SimulationDevice::connectRunOrders()
         if (obeys()) {
             m_timing.pauseScenarioTime(a_uiTime);
             endPlay(QStringLiteral("paused at %1 ms").arg(a_uiTime));
+            reportState();
         }
     });
     connect(&m_communication, &Communication::stopScenario, this, [this] {
         if (obeys()) {
             m_timing.stopScenarioTime();
             endPlay(QStringLiteral("stopped"));
+            reportState();
         }
     });
     connect(&m_communication, &Communication::testModeOn, this, [this](bool a_bOn) {
@@ -209,26 +228,24 @@ void SimulationDevice::connectRunOrders()
     });
 }
 
-void SimulationDevice::tellUnusable(const QString& a_sWhat, const QByteArray& a_content,
-                                    const QString& a_sReason)
-{
-    m_log.tell(QStringLiteral("%1 of %2: %3")
-                   .arg(a_sWhat, counted(static_cast<quint64>(a_content.size()), "byte"),
-                        LogLimit::part(a_sReason)));
-}
-
-/// Keeps what came, and says what it is.
+/// Keeps what came, and registers anew where it gives the device another place.
 void SimulationDevice::deploy(const QByteArray& a_deployment)
 {
     m_deployment = a_deployment;
     Simulation::DeploymentDataXml deployment;
     static_cast<void>(deployment.fromXml(a_deployment));
     if (const QString sError = deployment.errorString(); !sError.isEmpty()) {
-        tellUnusable(QStringLiteral("deployment"), a_deployment, sError);
+        reportEvent(DeviceReport::notDeployed(unusable("deployment", a_deployment, sError)));
         return;
     }
     m_log.tell(QStringLiteral("deployment \"%1\": %2")
                    .arg(LogLimit::part(deployment.name()), deploymentSummary(deployment)));
+    const QByteArray before = m_configuration.toXml();
+    const QString sEvent = placeDevice(m_configuration, deployment);
+    if (m_configuration.toXml() != before) {
+        registerDevice(); // before the report, whose reader asks for the new place
+    }
+    reportEvent(sEvent);
 }
 
 void SimulationDevice::load(const QByteArray& a_scenario)
@@ -236,20 +253,34 @@ void SimulationDevice::load(const QByteArray& a_scenario)
     unload();
     setState(ScenarioDataState::Loading);
     m_connector->socket()->flush(); // reading may take a while
-    m_scenario = std::make_unique<Simulation::ScenarioDataXml>(&m_provider);
+    m_packages.clear();
+    m_scenario = std::make_unique<Simulation::ScenarioDataXml>(&m_packages);
     const bool bRead = m_scenario->fromXml(a_scenario);
     const QString sError = m_scenario->errorString();
     if (!bRead || !sError.isEmpty()) {
         m_scenario.reset();
-        tellUnusable(QStringLiteral("scenario"), a_scenario, sError);
+        m_report.event = QStringLiteral("not loaded: ") + unusable("scenario", a_scenario, sError);
+        m_log.tell(m_report.event);
         setState(ScenarioDataState::Failed);
         return;
     }
-    m_emitters = emittersOf(*m_scenario);
-    m_log.tell(QStringLiteral("scenario \"%1\" with %2")
-                   .arg(LogLimit::part(m_scenario->getName()),
-                        counted(static_cast<quint64>(m_emitters.size()), "emitter")));
+    noteLoaded();
     setState(ScenarioDataState::Loaded);
+}
+
+void SimulationDevice::noteLoaded()
+{
+    m_emitters = emittersOf(*m_scenario);
+    m_report.scenario = DeviceReport::scenarioText(LogLimit::part(m_scenario->getName()), m_emitters.size());
+    m_log.tell(m_report.scenario);
+    m_report.warning = m_packages.warning();
+    if (m_report.warning.isEmpty()) {
+        return;
+    }
+    if (!m_sPackageRemark.isEmpty()) {
+        m_report.warning = m_sPackageRemark + QStringLiteral(": ") + m_report.warning;
+    }
+    m_log.tell(QStringLiteral("warning: ") + m_report.warning);
 }
 
 void SimulationDevice::unload()
@@ -258,6 +289,7 @@ void SimulationDevice::unload()
     if (m_bPlaying) {
         endPlay(QStringLiteral("stopped"));
     }
+    m_report = {};
     m_emitters.clear();
     m_scenario.reset();
 }
@@ -269,40 +301,58 @@ void SimulationDevice::setState(ScenarioDataState a_eState)
     reportState();
 }
 
+/// A service that has not accepted the device, or is not there, gets the state when
+/// it does.
 void SimulationDevice::reportState()
 {
-    m_communication.sendSimulationDeviceStateUpdate(m_configuration.id(), m_state);
+    if (m_bAccepted) {
+        m_state.setMessage(m_report.message());
+        m_communication.sendSimulationDeviceStateUpdate(m_configuration.id(), m_state);
+    }
+}
+
+void SimulationDevice::reportEvent(const QString& a_sEvent)
+{
+    m_log.tell(a_sEvent);
+    m_report.event = a_sEvent;
+    reportState();
 }
 
 // Playing
 
-/// Whether there is something to play, says so if not.
-bool SimulationDevice::canPlay(quint64 a_uiTimestamp, std::uint32_t a_uiTime)
+/// Why a start is not obeyed; empty when it is.
+QString SimulationDevice::startProblem(quint64 a_uiAhead, std::uint32_t a_uiTime) const
+{
+    if (m_scenario == nullptr) {
+        return QStringLiteral("no scenario is loaded");
+    }
+    if (a_uiAhead > s_uiYear) {
+        return QStringLiteral("the start is %1 s ahead, more than a year").arg(a_uiAhead / s_uiSecond);
+    }
+    return duration() != 0 && a_uiTime >= duration()
+               ? QStringLiteral("the scenario ends at %1 ms, before %2 ms")
+                     .arg(QString::number(duration()), QString::number(a_uiTime))
+               : QString();
+}
+
+/// A start that is not obeyed ends what was played all the same, for the scenario
+/// time of the system is another from now on.
+void SimulationDevice::play(quint64 a_uiTimestamp, std::uint32_t a_uiTime)
 {
     const quint64 uiNow = Simulation::ScenarioTimingHelper::currentTimeStamp();
     const quint64 uiAhead = a_uiTimestamp > uiNow ? a_uiTimestamp - uiNow : 0;
-    if (m_scenario == nullptr) {
-        m_log.tell(QStringLiteral("nothing to start: no scenario is loaded"));
-    } else if (uiAhead > s_uiYear) {
-        m_log.tell(
-            QStringLiteral("start refused: it is %1 s ahead, more than a year").arg(uiAhead / s_uiSecond));
-    } else if (duration() != 0 && a_uiTime >= duration()) {
-        endPlay(QStringLiteral("nothing to play from %1 ms: the scenario ends at %2 ms")
-                    .arg(QString::number(a_uiTime), QString::number(duration())));
-    } else {
-        if (uiAhead >= s_uiSecond) {
-            m_log.tell(QStringLiteral("starts in %1 s").arg(uiAhead / s_uiSecond));
-        }
-        return true;
-    }
-    return false;
-}
-
-void SimulationDevice::play(quint64 a_uiTimestamp, std::uint32_t a_uiTime)
-{
-    if (!canPlay(a_uiTimestamp, a_uiTime)) {
+    if (const QString sProblem = startProblem(uiAhead, a_uiTime); !sProblem.isEmpty()) {
+        endPlay(DeviceReport::notStarted(sProblem));
+        reportState();
         return;
     }
+    m_report.event = DeviceReport::plays(a_uiTime);
+    if (uiAhead >= s_uiSecond) {
+        const quint64 uiSeconds = uiAhead / s_uiSecond;
+        m_log.tell(QStringLiteral("starts in %1 s").arg(uiSeconds));
+        m_report.event += QStringLiteral(", in %1 s").arg(uiSeconds);
+    }
+    reportState();
     m_timing.startScenarioTime(a_uiTimestamp, a_uiTime);
     m_uiBegin = a_uiTimestamp;
     m_uiFirst = a_uiTime;
@@ -328,7 +378,7 @@ void SimulationDevice::playDue()
         return;
     }
     if (!std::exchange(m_bBegun, true)) {
-        m_log.tell(QStringLiteral("plays from %1 ms").arg(m_uiFirst));
+        m_log.tell(DeviceReport::plays(m_uiFirst));
     }
     playStep();
 }
@@ -348,14 +398,17 @@ void SimulationDevice::playStep()
     }
     if (duration() != 0 && uiElapsed >= uiLeft) {
         endPlay(QStringLiteral("the scenario is over"));
+        reportState();
     } else if (m_bPlaying) {
         wakeIn(std::uint64_t{m_uiStep} - (uiElapsed - uiStepBegin));
     }
 }
 
+/// Logs the reason, which is the event of the next report.
 void SimulationDevice::endPlay(const QString& a_sReason)
 {
     m_timer.stop();
+    m_report.event = a_sReason;
     const bool bPlayed = std::exchange(m_bPlaying, false);
     const std::uint32_t uiDue = m_lastStep ? *m_lastStep + 1 : 0;
     // A clock that was set back has some steps played twice.

@@ -1,7 +1,9 @@
 #ifndef SIMULATIONTOOL_SIMULATIONDEVICE_H
 #define SIMULATIONTOOL_SIMULATIONDEVICE_H
 
+#include "devicereport.h"
 #include "loglimit.h"
+#include "packageuse.h"
 #include "serveraddress.h"
 
 #include "simulationdata/scenariotiminghelper.h"
@@ -33,6 +35,10 @@ namespace SimulationTool {
 /// loads the scenarios that it is sent, and plays them against the clock that all
 /// programs share (VelaOS).
 ///
+/// What became of an order it reports in words with its state (see DeviceReport).
+/// A deployment that has a place for it moves it there, and it registers anew with
+/// that place.
+///
 /// Only a service that confirms the registration rightly is obeyed. A connection
 /// that is lost is taken up again, and a scenario that runs goes on meanwhile.
 class SimulationDevice : public QObject
@@ -47,6 +53,10 @@ public:
     SimulationDevice(const Simulation::SimulationDeviceConfiguration& a_configuration,
                      Simulation::ISignalPackageProvider& a_provider, std::uint32_t a_uiStep);
     ~SimulationDevice() override;
+
+    /// A remark about where the packages come from, for the warning that some were
+    /// replaced. Empty at first.
+    void setPackageRemark(const QString& a_sRemark) { m_sPackageRemark = a_sRemark; }
 
     void connectToService(const ServerAddress& a_server);
 
@@ -90,20 +100,23 @@ private:
     void connectRunOrders();
     [[nodiscard]] bool obeys();
 
-    void tellUnusable(const QString& a_sWhat, const QByteArray& a_content, const QString& a_sReason);
+    void registerDevice();
+    void reportEvent(const QString& a_sEvent);
     void deploy(const QByteArray& a_deployment);
     void load(const QByteArray& a_scenario);
     void unload();
     void setState(Simulation::ScenarioDataState a_eState);
     void reportState();
-    [[nodiscard]] bool canPlay(quint64 a_uiTimestamp, std::uint32_t a_uiTime);
+    void noteLoaded();
+    [[nodiscard]] QString startProblem(quint64 a_uiAhead, std::uint32_t a_uiTime) const;
     void play(quint64 a_uiTimestamp, std::uint32_t a_uiTime);
     void playStep();
     void endPlay(const QString& a_sReason);
     void wakeIn(std::uint64_t a_uiMilliseconds);
 
-    const Simulation::SimulationDeviceConfiguration m_configuration;
-    Simulation::ISignalPackageProvider& m_provider;
+    Simulation::SimulationDeviceConfiguration m_configuration;
+    PackageUse m_packages; ///< outlives the scenario
+    QString m_sPackageRemark;
     const std::uint32_t m_uiStep; ///< ms
     LogLimit m_log;
 
@@ -114,6 +127,7 @@ private:
     bool m_bLoggedWaiting = false; ///< since it was connected last
 
     Simulation::SimulationDeviceState m_state;
+    DeviceReport m_report;
     std::unique_ptr<Simulation::ScenarioDataXml> m_scenario; ///< null unless loaded
     Emitters m_emitters;
     QByteArray m_deployment;

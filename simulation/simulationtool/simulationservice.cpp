@@ -379,8 +379,12 @@ void SimulationService::updateState(ServicePeer* a_pPeer, const QString& a_sId,
         return;
     }
     Device& device = m_devices[a_sId];
-    if (device.state.scenarioDataState() != a_state.scenarioDataState()) {
-        a_pPeer->tell(QStringLiteral("device %1: %2").arg(a_sId, stateText(a_state.scenarioDataState())));
+    if (device.state.scenarioDataState() != a_state.scenarioDataState() ||
+        device.state.message() != a_state.message()) {
+        const QString sMessage =
+            a_state.message().isEmpty() ? QString() : QStringLiteral(", ") + a_state.message();
+        a_pPeer->tell(
+            QStringLiteral("device %1: %2").arg(a_sId, stateText(a_state.scenarioDataState()) + sMessage));
         setState(a_sId, device, a_state);
     }
     if (ServicePeer* const pController = controller()) {
@@ -418,7 +422,7 @@ void SimulationService::acquire(ServicePeer* a_pPeer)
     report(a_pPeer);
 }
 
-/// Tells a controller where things stand.
+/// Sends the states of the devices, and the run of the scenario.
 void SimulationService::report(ServicePeer* a_pPeer)
 {
     for (auto it = m_devices.cbegin(); it != m_devices.cend(); ++it) {
@@ -452,6 +456,10 @@ void SimulationService::listDevices(ServicePeer* a_pPeer)
             devices.append(device.configuration);
         }
         m_deviceList = encoded([&](Communication& a_to) { a_to.sendResponseSimulationDevices(devices); });
+    }
+    // The controller is sent the states as they change, and a device needs none.
+    if (!a_pPeer->isDevice() && controller() != a_pPeer) {
+        report(a_pPeer);
     }
     a_pPeer->send(m_deviceList);
 }

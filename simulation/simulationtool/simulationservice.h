@@ -36,8 +36,10 @@ class ServicePeer;
 /// The service keeps what a device that comes late must know: the deployment, the
 /// scenario, and whether the test mode is on and the scenario runs. A new
 /// controller, and one that controls again, is told the states of the devices and
-/// whether the scenario runs or pauses. An id that registers again belongs to the newest: a device whose
-/// machine lost the connection must not wait until the old one is given up.
+/// whether the scenario runs or pauses. A program that only looks on learns both
+/// with every list of devices that it asks for, before the list. An id that
+/// registers again belongs to the newest: a device whose machine lost the
+/// connection must not wait until the old one is given up.
 ///
 /// No peer is trusted. One that sends what cannot be read, does not read itself,
 /// leaves a command unfinished or registers too much is dropped, and nobody else

@@ -57,6 +57,8 @@ const QMap<QString, Expectation> s_expectations{
      {Way::Background, 0, "scenario .Harbour."}},
     {QStringLiteral("simulationtool control load mended.sce.exp"),
      {Way::Foreground, 0, "loaded by 2 of 2 devices"}},
+    {QStringLiteral("simulationtool control start"), // the receiver above answers no start
+     {Way::Foreground, 1, "rx-1 .*plays from 0 ms(.|\n)*confirmed by 1 of 2 devices"}},
     {QStringLiteral("simulationtool control devices"), {Way::Foreground, 0, "rx-7 +Pier"}},
 };
 

@@ -4,7 +4,12 @@
 #include "simulationtool/toolprocess.h"
 #include "simulationtool/toolrun.h"
 
+#include <QDateTime>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -12,7 +17,9 @@
 #include <QTest>
 #include <QTimer>
 
+#include <algorithm>
 #include <memory>
+#include <vector>
 
 #include <sys/resource.h>
 
@@ -24,6 +31,7 @@ using Simulation::SimulationDeviceConfiguration;
 using Simulation::SimulationDeviceState;
 
 const QString s_sBuiltIn = QStringLiteral(":/DefaultData/Default.sce.exp");
+QString s_sRepository; ///< made once, for all tests
 
 SimulationDeviceConfiguration deviceOf(const QString& a_sId)
 {
@@ -79,10 +87,11 @@ struct Peer
         communication.sendRegisterSimulationDevice(a_sId, deviceOf(a_sId));
     }
 
-    void report(const QString& a_sId, ScenarioDataState a_eState)
+    void report(const QString& a_sId, ScenarioDataState a_eState, const QString& a_sMessage = QString())
     {
         SimulationDeviceState state;
         state.setScenarioDataState(a_eState);
+        state.setMessage(a_sMessage);
         communication.sendSimulationDeviceStateUpdate(a_sId, state);
     }
 
@@ -110,11 +119,15 @@ ToolResult runControl(const QString& a_sServer, const QStringList& a_arguments)
                    a_arguments);
 }
 
-std::unique_ptr<Tool> startDevice(const QString& a_sId, const QString& a_sServer)
+/// With a repository that has all packages, unless the options name another.
+std::unique_ptr<Tool> startDevice(const QString& a_sId, const QString& a_sServer,
+                                  const QStringList& a_options = {QStringLiteral("--repository"),
+                                                                  s_sRepository})
 {
     return std::make_unique<Tool>(QStringList{QStringLiteral("device"), QStringLiteral("--id"), a_sId,
                                               QStringLiteral("--server"), a_sServer, QStringLiteral("--step"),
-                                              QStringLiteral("50")});
+                                              QStringLiteral("50")} +
+                                  a_options);
 }
 
 } // namespace
@@ -136,6 +149,7 @@ private Q_SLOTS:
     void wrongConfirmation();
     void serviceThatRepeatsOrders();
     void lostLogReader();
+    void logLinesHaveTimes();
     void oddStart_data();
     void oddStart();
     void loadTellsOfDevices_data();
@@ -143,8 +157,17 @@ private Q_SLOTS:
     void refused_data();
     void refused();
     void nobodyAnswers();
+    void orders_data();
+    void orders();
+    void confirmations_data();
+    void confirmations();
+    void deployments();
+    void onlookers();
     void demo();
     void demoTellsWhatIsBroken();
+
+private:
+    QTemporaryDir m_folder;
 };
 
 void tst_WireCommands::initTestCase()
@@ -152,6 +175,9 @@ void tst_WireCommands::initTestCase()
     ErrorHandler::Instance().setTraceMask(0);
     // The machine's own settings are not the test's.
     qputenv("SIMULATION_CONFIG_DIR", TEST_DATA_DIR);
+    QVERIFY(m_folder.isValid());
+    s_sRepository = m_folder.filePath(QStringLiteral("packages"));
+    QCOMPARE(runTool({QStringLiteral("repository"), QStringLiteral("init"), s_sRepository}).code, 0);
 }
 
 void tst_WireCommands::road()
@@ -165,7 +191,7 @@ void tst_WireCommands::road()
     QCOMPARE(loaded.err, QString());
     QCOMPARE(loaded.code, 0);
     QCOMPARE(simplifiedLines(loaded.out).mid(2),
-             QStringList({QStringLiteral("rx-1 rx-1 loaded"), QStringLiteral("rx-2 rx-2 loaded"),
+             QStringList({QStringLiteral("rx-1 rx-1 loaded -"), QStringLiteral("rx-2 rx-2 loaded -"),
                           QStringLiteral("Scenario sent, loaded by 2 of 2 devices")}));
 
     QCOMPARE(runControl(service.address(), {QStringLiteral("start"), QStringLiteral("5000")}).code, 0);
@@ -180,7 +206,8 @@ void tst_WireCommands::road()
     QVERIFY2(uiTime > 5050 && uiTime < 5000 + s_iToolTimeout, qPrintable(paused.out));
     QVERIFY(first->says(QStringLiteral("paused at %1 ms").arg(uiTime)));
     const ToolResult resumed = runControl(service.address(), {QStringLiteral("start")});
-    QCOMPARE(resumed.out, QStringLiteral("Started at %1 ms, 2 devices\n").arg(uiTime));
+    QVERIFY2(resumed.out.endsWith(QStringLiteral("\nStarted at %1 ms, 2 devices\n").arg(uiTime)),
+             qPrintable(resumed.out));
     QVERIFY(second->says(QStringLiteral("plays from %1 ms").arg(uiTime)));
 
     QCOMPARE(runControl(service.address(), {QStringLiteral("stop")}).code, 0);
@@ -299,6 +326,7 @@ void tst_WireCommands::newestControls()
     };
     const QString sAll = QStringLiteral("deployment scenario unload start pause stop test add remove");
     QCOMPARE(ordered(first), QString());
+    QCOMPARE(first.take(), QStringLiteral("rx=2")); // who looks on learns it with the list
     first.communication.sendCommandAcquireServer();
     QVERIFY(first.synchronize());
     QCOMPARE(first.take(), QStringLiteral("rx=2"));
@@ -314,7 +342,7 @@ void tst_WireCommands::newestControls()
     device.report(QStringLiteral("other"), ScenarioDataState::Failed); // not its own
     QVERIFY(device.synchronize() && second.synchronize() && first.synchronize());
     QCOMPARE(second.take(), QStringLiteral("rx=3"));
-    QCOMPARE(first.take(), QString());
+    QCOMPARE(first.take(), QStringLiteral("rx=0 start rx=3 start"));
 
     second.communication.sendCommandReleaseServer();
     QVERIFY(second.synchronize());
@@ -341,14 +369,14 @@ void tst_WireCommands::newestRegisters()
     QVERIFY(former.synchronize());
     newest.registerAs(QStringLiteral("rx"));
     QVERIFY(newest.synchronize() && former.synchronize());
-    QCOMPARE(former.take(), QStringLiteral("accept unregister"));
+    QCOMPARE(former.take(), QStringLiteral("accept unregister rx=0"));         // looks on now
     former.communication.sendUnregisterSimulationDevice(QStringLiteral("rx")); // no more its own
     newest.communication.sendCommandAcquireServer();
     newest.communication.sendStopScenario();
     QVERIFY(former.synchronize() && newest.synchronize());
     QCOMPARE(newest.ids, QStringList({QStringLiteral("rx")}));
     QCOMPARE(newest.take(), QStringLiteral("accept rx=0 stop"));
-    QCOMPARE(former.take(), QString());
+    QCOMPARE(former.take(), QStringLiteral("rx=0")); // and no order
 }
 
 void tst_WireCommands::badPeer_data()
@@ -445,7 +473,7 @@ void tst_WireCommands::wrongConfirmation()
     QCOMPARE(states[2][1].value<SimulationDeviceState>().scenarioDataState(), ScenarioDataState::Failed);
     QCOMPARE(device->text().count(QStringLiteral("state: loading")), 1);
     communication.sendLoadDeployment("<d/>");
-    QVERIFY(device->says(QStringLiteral("rx: deployment of 4 bytes: line 1, column 4: the root element is")));
+    QVERIFY(device->says(QStringLiteral("rx: not deployed: deployment of 4 bytes: line 1, column 4")));
     communication.socket()->write("no command");
     QVERIFY(device->says(QStringLiteral("cannot be read")) &&
             device->says(QStringLiteral("rx: connected"), 2));
@@ -487,15 +515,37 @@ void tst_WireCommands::lostLogReader()
     QVERIFY(service.waitForFinished(s_iToolTimeout));
 }
 
+void tst_WireCommands::logLinesHaveTimes()
+{
+    const QByteArray zone = qgetenv("TZ");
+    const auto restore = qScopeGuard([&] { qputenv("TZ", zone); });
+    qputenv("TZ", "IST-5:30"); // needs no data about time zones
+    const QDateTime begin = QDateTime::currentDateTimeUtc();
+    Service service;
+    const auto device = startDevice(QStringLiteral("rx"), service.address());
+    QVERIFY(device->says(QStringLiteral("accepted")));
+    for (Tool* const pTool : std::initializer_list<Tool*>{&service, device.get()}) {
+        const QStringList lines = pTool->text().split(u'\n', Qt::SkipEmptyParts);
+        QVERIFY(lines.size() >= 2);
+        for (const QString& line : lines.mid(pTool == &service ? 1 : 0)) {
+            const QString sTime = line.section(u' ', 0, 0);
+            QVERIFY2(sTime.size() == 29 && sTime.endsWith(QStringLiteral("+05:30")), qPrintable(line));
+            const QDateTime time = QDateTime::fromString(sTime, Qt::ISODateWithMs);
+            QVERIFY2(time >= begin && time <= QDateTime::currentDateTimeUtc(), qPrintable(line));
+        }
+    }
+}
+
 void tst_WireCommands::oddStart_data()
 {
     QTest::addColumn<quint64>("ahead"); // us
     QTest::addColumn<uint>("time");
     QTest::addColumn<QString>("told");
-    QTest::newRow("behind the end") << quint64{0} << UINT_MAX << "rx: nothing to play from 4294967295 ms";
+    QTest::newRow("past the end") << quint64{0} << UINT_MAX
+                                  << "rx: not started: the scenario ends at 60000 ms, before 4294967295 ms";
     QTest::newRow("later") << quint64{3600'500'000} << 0U << "rx: starts in 3600 s\n";
     QTest::newRow("soon") << quint64{1'500'000} << 0U << "rx: plays from 0 ms\n";
-    QTest::newRow("never") << (quint64{1} << 62) << 0U << "rx: start refused: ";
+    QTest::newRow("never") << (quint64{1} << 62) << 0U << "rx: not started: the start is ";
 }
 
 void tst_WireCommands::oddStart()
@@ -519,8 +569,8 @@ void tst_WireCommands::loadTellsOfDevices_data()
 {
     QTest::addColumn<ScenarioDataState>("state");
     QTest::addColumn<QString>("told");
-    QTest::newRow("fails") << ScenarioDataState::Failed << "rx rx failed";
-    QTest::newRow("never ends") << ScenarioDataState::Loading << "rx rx loading";
+    QTest::newRow("fails") << ScenarioDataState::Failed << "rx rx failed -";
+    QTest::newRow("never ends") << ScenarioDataState::Loading << "rx rx loading -";
 }
 
 void tst_WireCommands::loadTellsOfDevices()
@@ -579,6 +629,10 @@ void tst_WireCommands::refused_data()
     row("unprintable id", "device --id \x01", "device: --id needs at most 255 characters");
     row("line separator", "device --id a\u2028b", "device: --id needs at most 255 characters");
     row("step", "device --id a --step 0", "device: --step needs a whole number of milliseconds from 1");
+    row("longitude", "device --id a --longitude 180.5",
+        "device: --longitude needs a number of degrees from -180 to 180, not \"180.5\"");
+    row("latitude", "device --id a --latitude nan", "device: --latitude needs a number of degrees");
+    row("empty station", "device --id a --station ", "device: --station is needed, and not empty");
     row("repository", "device --id a --repository missing", "missing: No such folder");
     row("demo", "demo fast", "demo: there are no arguments");
 }
@@ -649,6 +703,221 @@ void tst_WireCommands::demoTellsWhatIsBroken()
         }
     }
     QFAIL("the demo needs fewer files than expected");
+}
+
+void tst_WireCommands::orders_data()
+{
+    QTest::addColumn<QStringList>("device"); // options; none without "-"
+    QTest::addColumn<QStringList>("order");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("last");
+    const QStringList whole{QStringLiteral("--repository"), s_sRepository};
+    const QStringList nothing{QStringLiteral("--name"), QStringLiteral("rx")};
+    const QStringList nobody{QStringLiteral("-")};
+    const QStringList load{QStringLiteral("load"), s_sBuiltIn};
+    const QStringList start{QStringLiteral("start")};
+    const QString sLater =
+        QStringLiteral("no device is registered; the service keeps it for devices that register later");
+    QTest::newRow("nothing loaded") << whole << start << "rx rx not started: no scenario is loaded"
+                                    << "Not started at 0 ms, confirmed by 0 of 1 device";
+    QTest::newRow("no device to start")
+        << nobody << start << QString() << QStringLiteral("Not started at 0 ms: ") + sLater;
+    QTest::newRow("no device to load")
+        << nobody << load << QString() << QStringLiteral("Scenario not loaded: ") + sLater;
+    QTest::newRow("replaced packages")
+        << nothing << load
+        << "rx rx loaded warning: no repository is configured: 2 of 3 packages replaced by the default "
+           "package: b696e61d-dcae-42b4-b794-4a4adb8476c0, 9a567123-d88f-4177-9b57-b02c1ec104f7"
+        << "Scenario sent, loaded by 1 of 1 device, with replaced packages by 1";
+}
+
+/// What goes wrong at a device reaches the terminal of whoever gave the order.
+void tst_WireCommands::orders()
+{
+    QFETCH(const QStringList, device);
+    QFETCH(const QStringList, order);
+    QFETCH(const QString, line);
+    QFETCH(const QString, last);
+    const Service service;
+    std::unique_ptr<Tool> running;
+    if (device.constFirst() != u'-') {
+        running = startDevice(QStringLiteral("rx"), service.address(), device);
+        QVERIFY(running->says(QStringLiteral("accepted")));
+    }
+    const ToolResult result = runControl(service.address(), order);
+    QCOMPARE(result.err, QString());
+    QCOMPARE(result.code, 1);
+    const QStringList lines = simplifiedLines(result.out);
+    QCOMPARE(lines.constLast(), last);
+    QVERIFY2(line.isEmpty() ? lines.size() == 1 : lines.contains(line), qPrintable(result.out));
+
+    const ToolResult json = runControl(service.address(), order + QStringList{QStringLiteral("--json")});
+    QCOMPARE(json.code, 1);
+    const QJsonObject report = QJsonDocument::fromJson(json.out.toUtf8()).object();
+    QCOMPARE(report.value(QStringLiteral("device_count")), QJsonValue(running != nullptr ? 1 : 0));
+    QCOMPARE(report.value(QStringLiteral("devices")).toArray().size(), running != nullptr ? 1 : 0);
+}
+
+void tst_WireCommands::confirmations_data()
+{
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("last");
+    QTest::addColumn<int>("code");
+    const QString sNot = QStringLiteral("did not confirm");
+    const QString sNone = QStringLiteral("Not started at 70 ms, confirmed by 0 of 1 device");
+    QTest::newRow("plays") << "plays from 70 ms; scenario \"x\", 1 emitter"
+                           << "plays from 70 ms"
+                           << "Started at 70 ms, 1 device" << 0;
+    QTest::newRow("another start") << "plays from 7 ms" << sNot << sNone << 1;
+    QTest::newRow("scenario named so") << "scenario \"plays from 70 ms\", 1 emitter" << sNot << sNone << 1;
+    QTest::newRow("hostile reason") << QString::fromUtf16(u"not started: \u202e") << "not started: \\u{202e}"
+                                    << sNone << 1;
+    QTest::newRow("no message") << QString() << sNot << sNone << 1;
+}
+
+/// Only a device's own words confirm that it started.
+void tst_WireCommands::confirmations()
+{
+    QFETCH(const QString, message);
+    QFETCH(const QString, line);
+    QFETCH(const QString, last);
+    QFETCH(const int, code);
+    const Service service;
+    Peer device(service.port());
+    connect(&device.communication, &Communication::startScenario,
+            [&] { device.report(QStringLiteral("rx"), ScenarioDataState::Loaded, message); });
+    device.registerAs(QStringLiteral("rx"));
+    device.report(QStringLiteral("rx"), ScenarioDataState::Loaded, QStringLiteral("plays from 70 ms"));
+    QVERIFY(device.synchronize());
+    Tool control({QStringLiteral("control"), QStringLiteral("start"), QStringLiteral("70"),
+                  QStringLiteral("--server"), service.address()});
+    QVERIFY(control.says(QStringLiteral("1 device\n")));
+    QCOMPARE(control.codeAfter(0), code);
+    const QStringList lines = simplifiedLines(control.text());
+    QVERIFY2(lines.contains(QStringLiteral("rx rx ") + line), qPrintable(control.text()));
+    QCOMPARE(lines.constLast(), last);
+}
+
+void tst_WireCommands::deployments()
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("deployment")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(
+        "<SimulationDeployment FileFormatVersion='1' Name='Harbour'>"
+        "<Device ID='by-id'><Station>pier</Station></Device>"
+        "<Device ID='other' Name='North'><Position><Fixed><Lon>10.5</Lon><Lat>54.25</Lat></Fixed>"
+        "</Position></Device>"
+        "<Device ID='t-1' Name='twin'/><Device ID='t-2' Name='twin'/>"
+        "<Station ID='pier'><Position><Fixed><Lon>9.5</Lon><Lat>-53.5</Lat></Fixed></Position></Station>"
+        "</SimulationDeployment>");
+    file.close();
+    Service service;
+    std::vector<std::unique_ptr<Tool>> devices;
+    const auto add = [&](const char* a_szId, const char* a_szName) {
+        devices.push_back(
+            startDevice(QLatin1String(a_szId), service.address(),
+                        {QStringLiteral("--name"), QLatin1String(a_szName), QStringLiteral("--type"),
+                         QStringLiteral("DF"), QStringLiteral("--station"), QStringLiteral("hut"),
+                         QStringLiteral("--longitude"), QStringLiteral("-1.25")}));
+        QVERIFY(devices.back()->says(QStringLiteral("accepted")));
+    };
+    add("by-id", "twin"); // the id counts first
+    add("by-name", "North");
+    const QStringList deploy{QStringLiteral("deploy"), file.fileName()};
+    QCOMPARE(runControl(service.address(), deploy).code, 0);
+    add("ambiguous", "twin");
+    add("stranger", "nobody");
+    const ToolResult result = runControl(service.address(), deploy);
+    QCOMPARE(result.code, 1);
+    QCOMPARE(
+        simplifiedLines(result.out).mid(2),
+        QStringList({QStringLiteral("ambiguous twin not deployed: deployment \"Harbour\" has 2 devices of "
+                                    "its name and none of its id"),
+                     QStringLiteral("by-id twin deployed: at station \"pier\""),
+                     QStringLiteral("by-name North deployed: at 10.5, 54.25, without a station, found by "
+                                    "its name"),
+                     QStringLiteral("stranger nobody not deployed: deployment \"Harbour\" has no device "
+                                    "of its id or name"),
+                     QStringLiteral("Deployed, confirmed by 2 of 4 devices")}));
+    // The service has learned the new places, and the others are as they were.
+    const QStringList listed =
+        simplifiedLines(runControl(service.address(), {QStringLiteral("devices")}).out);
+    const auto row = [&](const char* a_szBegin, const char* a_szEnd) {
+        return std::any_of(listed.cbegin(), listed.cend(), [&](const QString& a_sLine) {
+            return a_sLine.startsWith(QLatin1String(a_szBegin)) && a_sLine.endsWith(QLatin1String(a_szEnd));
+        });
+    };
+    QVERIFY2(row("by-id twin no scenario DF pier ", " 9.5 -53.5") && row("by-name North", " 10.5 54.25") &&
+                 row("stranger nobody no scenario DF hut ", " -1.25 0"),
+             qPrintable(listed.join(u'\n')));
+    QCOMPARE(service.text().count(QStringLiteral(" registered")), 4);
+    QVERIFY(!service.text().contains(QStringLiteral("dropped")));
+}
+
+/// Who only looks on sees what there is, and takes the control from nobody.
+void tst_WireCommands::onlookers()
+{
+    Service service;
+    Peer editor(service.port());
+    Peer device(service.port());
+    editor.communication.sendCommandAcquireServer();
+    device.registerAs(QStringLiteral("rx"));
+    device.report(QStringLiteral("rx"), ScenarioDataState::Loading);
+    QVERIFY(editor.synchronize() && device.synchronize());
+    Tool watch(
+        {QStringLiteral("control"), QStringLiteral("watch"), QStringLiteral("--server"), service.address()});
+    QVERIFY(watch.says(QStringLiteral("  rx: loading\n")) &&
+            watch.says(QStringLiteral("  scenario: not running\n")));
+    QVERIFY(QDateTime::fromString(watch.text().section(u' ', 0, 0), Qt::ISODateWithMs).isValid());
+
+    const QString sMessage = QStringLiteral("plays from 5 ms; scenario \"Quay\", 1 emitter");
+    device.report(QStringLiteral("rx"), ScenarioDataState::Loaded, sMessage);
+    editor.communication.sendStartScenario(Simulation::ScenarioTimingHelper::currentTimeStamp(), 5);
+    QVERIFY(watch.says(QStringLiteral("  rx: loaded, ") + sMessage + u'\n') &&
+            watch.says(QStringLiteral("  scenario: running at ")));
+    device.report(QStringLiteral("rx"), ScenarioDataState::Loaded, QStringLiteral("the scenario is over"));
+    QVERIFY(device.synchronize());
+    const ToolResult over = runControl(service.address(), {QStringLiteral("status")});
+    QVERIFY2(over.out.contains(QStringLiteral(" ms, but no device reports that it plays\n")),
+             qPrintable(over.out));
+    device.report(QStringLiteral("rx"), ScenarioDataState::Loaded, sMessage);
+    editor.communication.sendPauseScenario(77);
+    QVERIFY(editor.synchronize() && device.synchronize());
+    const ToolResult paused = runControl(service.address(), {QStringLiteral("status")});
+    QCOMPARE(paused.code, 0);
+    const QStringList shown = simplifiedLines(paused.out);
+    QVERIFY2(shown.contains(QStringLiteral("Scenario Quay")) &&
+                 shown.contains(QStringLiteral("Time paused at 77 ms")) &&
+                 shown.contains(QStringLiteral("rx - loaded ") + sMessage),
+             qPrintable(paused.out));
+
+    const ToolResult json =
+        runControl(service.address(), {QStringLiteral("status"), QStringLiteral("--json")});
+    const QJsonObject status = QJsonDocument::fromJson(json.out.toUtf8()).object();
+    QCOMPARE(status.value(QStringLiteral("run")), QJsonValue(QStringLiteral("paused")));
+    QCOMPARE(status.value(QStringLiteral("scenario_time_ms")), QJsonValue(77));
+    QCOMPARE(
+        status.value(QStringLiteral("devices")).toArray().at(0).toObject().value(QStringLiteral("report")),
+        QJsonValue(sMessage));
+
+    Tool lines({QStringLiteral("control"), QStringLiteral("watch"), QStringLiteral("--json"),
+                QStringLiteral("--server"), service.address()});
+    QVERIFY(lines.says(QStringLiteral("\n"), 2));
+    const QList<QByteArray> objects = lines.text().toUtf8().split('\n');
+    const QJsonObject first = QJsonDocument::fromJson(objects.at(0)).object();
+    QCOMPARE(first.value(QStringLiteral("id")), QJsonValue(QStringLiteral("rx")));
+    QCOMPARE(first.value(QStringLiteral("state")), QJsonValue(QStringLiteral("loaded")));
+    QCOMPARE(QJsonDocument::fromJson(objects.at(1)).object().value(QStringLiteral("scenario_time_ms")),
+             QJsonValue(77));
+    QCOMPARE(lines.codeAfter(SIGTERM), 0);
+
+    device.socket.disconnectFromHost();
+    QVERIFY(watch.says(QStringLiteral("  rx: not registered any more\n")));
+    QCOMPARE(watch.text().count(QStringLiteral("  scenario: running")), 1);
+    QCOMPARE(watch.codeAfter(SIGINT), 0);
+    QCOMPARE(service.text().count(QStringLiteral("controls")), 1);
 }
 
 void tst_WireCommands::demo()
