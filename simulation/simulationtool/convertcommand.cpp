@@ -144,7 +144,7 @@ ExitCode convert(const QStringList& a_arguments, Output& a_output)
         return parser.refuse(QStringLiteral("a SCENARIO and an OUT are needed, %1 given")
                                  .arg(files.size() - files.count(QString())));
     }
-    if (isStandardInputName(files.constLast())) {
+    if (isStandardStreamName(files.constLast())) {
         return parser.refuse(QStringLiteral("OUT must be a file (./- is one that is called so)"));
     }
     InputFile scenario(files.constFirst());

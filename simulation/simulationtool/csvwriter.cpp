@@ -1,11 +1,17 @@
 #include "csvwriter.h"
 
+#include "inputfile.h"
+#include "output.h"
+#include "terminaltext.h"
+
 #include <QByteArray>
 #include <QLocale>
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+
+#include <unistd.h>
 
 namespace SimulationTool {
 
@@ -16,8 +22,11 @@ constexpr double s_dPlainTo = 1e15;
 
 } // namespace
 
-CsvWriter::CsvWriter(const QString& a_sFile)
-    : m_file(a_sFile)
+CsvWriter::CsvWriter(const QString& a_sFile, Output& a_output)
+    : m_output(a_output)
+    , m_bStandardOutput(isStandardStreamName(a_sFile))
+    , m_bTerminal(m_bStandardOutput && ::isatty(STDOUT_FILENO) == 1)
+    , m_file(a_sFile)
 {}
 
 bool CsvWriter::writeRow(const QStringList& a_fields)
@@ -25,8 +34,14 @@ bool CsvWriter::writeRow(const QStringList& a_fields)
     QStringList fields;
     fields.reserve(a_fields.size());
     std::transform(a_fields.cbegin(), a_fields.cend(), std::back_inserter(fields), field);
-    const QByteArray line = fields.join(u',').toUtf8() + "\r\n";
-    return m_file.write(line);
+    const QString sLine = fields.join(u',');
+    const QString sEnd = QStringLiteral("\r\n");
+    if (!m_bStandardOutput) {
+        return m_file.write((sLine + sEnd).toUtf8());
+    }
+    // A terminal would obey what an id may hold; a program gets it as it is.
+    m_output.write((m_bTerminal ? terminalText(sLine) : sLine) + sEnd);
+    return m_output.isOk();
 }
 
 QString CsvWriter::field(const QString& a_sText)

@@ -8,14 +8,19 @@
 
 namespace SimulationTool {
 
+class Output;
+
 /// Writes a file of comma-separated values (RFC 4180, UTF-8, no byte order
 /// mark) row by row. The file is replaced whole or not at all.
 class CsvWriter
 {
 public:
-    explicit CsvWriter(const QString& a_sFile);
+    /// "-" is standard output, which is never replaced: rows are written as they
+    /// arrive.
+    CsvWriter(const QString& a_sFile, Output& a_output);
 
-    [[nodiscard]] bool open() { return m_file.open(); }
+    [[nodiscard]] bool isStandardOutput() const { return m_bStandardOutput; }
+    [[nodiscard]] bool open() { return m_bStandardOutput || m_file.open(); }
     /// False when the row, or an earlier one, could not be written.
     [[nodiscard]] bool writeRow(const QStringList& a_fields);
     [[nodiscard]] bool commit() { return m_file.commit(); }
@@ -28,6 +33,9 @@ public:
     [[nodiscard]] static QString number(double a_dValue);
 
 private:
+    Output& m_output;
+    bool m_bStandardOutput;
+    bool m_bTerminal; ///< standard output is one
     ReplacedFile m_file;
 };
 

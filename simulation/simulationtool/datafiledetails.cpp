@@ -33,17 +33,25 @@ void describeFile(Report& a_report, const QString& a_sKind, const InputFile& a_f
                    countValue(static_cast<quint64>(QFileInfo(a_file.path()).size()), "byte"));
 }
 
-/// Opens a reader whose data are taken at a rate, of which the length in ms is
-/// 0 when rate or count are unusable. A wave file has frames instead.
+/// The verdict on a file whose data are taken at a rate, of which the length in
+/// ms is 0 when rate or count are unusable. A wave file has frames instead.
 template<typename Reader>
-Verdict openTimed(Reader& a_reader, std::uint32_t (Reader::*a_pLength)() const)
+Verdict timedVerdict(const Reader& a_reader, std::uint32_t (Reader::*a_pLength)() const)
 {
-    Verdict verdict = openVerdict(a_reader);
+    Verdict verdict =
+        a_reader.isOpen() ? sizeVerdict(a_reader.missingBytes()) : refusedVerdict(a_reader.errorString());
     if (verdict.code == ExitCode::Ok && (a_reader.*a_pLength)() == 0) {
         verdict = {ExitCode::Findings,
                    QStringLiteral("whole, but by its rate and count nothing can be read")};
     }
     return verdict;
+}
+
+template<typename Reader>
+Verdict openTimed(Reader& a_reader, std::uint32_t (Reader::*a_pLength)() const)
+{
+    static_cast<void>(a_reader.open());
+    return timedVerdict(a_reader, a_pLength);
 }
 
 QString rateText(float a_fRate)
@@ -148,6 +156,11 @@ const std::array<PackageDataFile, 4> s_packageDataFiles{{
     {"Signal.sdf", "sdf", &Simulation::SignalPackageFolder::symbolDataFilePath, &symbolSummary},
     {"Signal.rdf", "rdf", &Simulation::SignalPackageFolder::resultDataFilePath, &resultSummary},
 }};
+
+Verdict shapeVerdict(const Simulation::SignalShapeFile& a_reader)
+{
+    return timedVerdict(a_reader, &Simulation::SignalShapeFile::duration);
+}
 
 Verdict describeShapeFile(Report& a_report, const InputFile& a_file)
 {

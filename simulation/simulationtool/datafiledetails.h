@@ -7,6 +7,10 @@
 
 #include <array>
 
+namespace Simulation {
+class SignalShapeFile;
+} // namespace Simulation
+
 namespace SimulationTool {
 
 class InputFile;
@@ -29,6 +33,9 @@ struct PackageDataFile
     DataFileSummary (*summary)(const QString& a_sFile);
 };
 extern const std::array<PackageDataFile, 4> s_packageDataFiles;
+
+/// The verdict on a signal shape file whose reader was opened, or could not be.
+[[nodiscard]] Verdict shapeVerdict(const Simulation::SignalShapeFile& a_reader);
 
 /// The fields of one file's header, under a heading of its own; the verdict
 /// that is returned is not written.

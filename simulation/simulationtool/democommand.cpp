@@ -4,6 +4,7 @@
 #include "demoroad.h"
 #include "interruption.h"
 #include "output.h"
+#include "report.h"
 
 #include <QElapsedTimer>
 
@@ -40,25 +41,34 @@ constexpr RoadStep s_steps[] = {
     {"unload it", &DemoRoad::unload},
 };
 
-ExitCode runDemo(Output& a_output)
+ExitCode runDemo(ReportForm a_eForm, Output& a_output)
 {
     QElapsedTimer timer;
     timer.start();
-    DemoRoad road(a_output);
+    Report report(a_output, a_eForm);
+    ExitCode eCode = ExitCode::Ok;
+    DemoRoad road(report);
     for (const RoadStep& step : s_steps) {
         const bool bDone = (road.*step.run)();
+        report.record("steps",
+                      {{QStringLiteral("name"), QLatin1String(step.name)}, {QStringLiteral("done"), bDone}});
         if (!a_output.finish() || isInterrupted()) {
             return ExitCode::Unusable;
         }
         if (!bDone) {
             complain(QStringLiteral("demo: could not %1 %2").arg(QLatin1String(step.name), road.problem()));
-            return ExitCode::Findings;
+            eCode = ExitCode::Findings;
+            break;
         }
     }
-    a_output.write(QStringLiteral("All %1 steps of the road done in %2 ms\n")
-                       .arg(std::size(s_steps))
-                       .arg(timer.elapsed()));
-    return ExitCode::Ok;
+    report.value("elapsed_ms", timer.elapsed());
+    if (eCode == ExitCode::Ok) {
+        report.line(QStringLiteral("All %1 steps of the road done in %2 ms")
+                        .arg(std::size(s_steps))
+                        .arg(timer.elapsed()));
+    }
+    report.finish();
+    return eCode;
 }
 
 } // namespace
@@ -66,12 +76,13 @@ ExitCode runDemo(Output& a_output)
 ExitCode demo(const QStringList& a_arguments, Output& a_output)
 {
     ignoreClosedPipes();
-    CommandParser parser(QStringLiteral("demo"), QString(), s_szDemo, s_szDemoExamples);
+    CommandParser parser(QStringLiteral("demo"), QStringLiteral("[--json]"), s_szDemo, s_szDemoExamples);
+    addJsonOption(parser.get());
     if (const auto done = parser.parse(a_arguments, a_output)) {
         return *done;
     }
     return parser.get().positionalArguments().isEmpty()
-               ? runDemo(a_output)
+               ? runDemo(reportForm(parser.get()), a_output)
                : parser.refuse(QStringLiteral("there are no arguments"));
 }
 

@@ -3,11 +3,10 @@
 #include "deploymentdetails.h"
 #include "deviceplay.h"
 #include "interruption.h"
-#include "output.h"
 #include "playsink.h"
+#include "report.h"
 #include "repositorycfg.h"
 #include "repositoryfolder.h"
-#include "terminaltext.h"
 #include "valuetexts.h"
 
 #include "kpbase/velaos.h"
@@ -40,8 +39,8 @@ constexpr int s_iWhoWidth = -8;                  ///< characters, left-aligned
 
 } // namespace
 
-DemoRoad::DemoRoad(Output& a_output)
-    : m_output(a_output)
+DemoRoad::DemoRoad(Report& a_report)
+    : m_report(a_report)
     , m_uiClock(VelaOS::Get().timestamp())
     , m_controller(s_timeout)
 {
@@ -63,7 +62,8 @@ DemoRoad::~DemoRoad()
 
 void DemoRoad::tell(const QString& a_sWho, const QString& a_sLine)
 {
-    m_output.write(QStringLiteral("%1  %2\n").arg(a_sWho, s_iWhoWidth).arg(terminalText(a_sLine)));
+    m_report.record("events", {{QStringLiteral("who"), a_sWho}, {QStringLiteral("text"), a_sLine}},
+                    QStringLiteral("%1  ").arg(a_sWho, s_iWhoWidth) + a_sLine);
 }
 
 bool DemoRoad::waitFor(const std::function<bool(const SimulationDevice&)>& a_isDone)
@@ -212,7 +212,7 @@ bool DemoRoad::play()
     for (const auto& emitter : m_devices[0].device->emitters()) {
         ids.append(emitter->id());
     }
-    m_sink = makeTableSink(m_output, ids, s_uiEnd, true);
+    m_sink = makeTableSink(m_report, ids, s_uiEnd, true);
     tell(QStringLiteral("editor"), QStringLiteral("starts the scenario, a second from now"));
     m_controller.communication().sendStartScenario(m_uiClock + s_uiStep * s_uiMicroseconds, 0);
     if (!m_controller.synchronize() ||

@@ -20,7 +20,7 @@
 
 namespace SimulationTool {
 
-class Output;
+class Report;
 class Sink;
 
 /// The road of a scenario from an editor to the devices, with all programs in
@@ -33,7 +33,7 @@ class DemoRoad : public QObject
     Q_OBJECT
 
 public:
-    explicit DemoRoad(Output& a_output);
+    explicit DemoRoad(Report& a_report);
     ~DemoRoad() override;
 
     /// The steps of the road, in this order; each tells what happens, and is
@@ -68,7 +68,7 @@ private:
     void notePlayed(Device& a_device, std::uint32_t a_uiTime);
     [[nodiscard]] bool waitFor(const std::function<bool(const SimulationDevice&)>& a_isDone);
 
-    Output& m_output;
+    Report& m_report;
     std::atomic<std::uint64_t> m_uiClock; ///< us since 1970
     QTemporaryDir m_folder;               ///< holds the repository
     InterruptibleLoop m_loop;

@@ -28,6 +28,7 @@ DevicePlay::DevicePlay(SimulationDevice& a_device, RepositoryPackages* a_pPackag
     : m_device(a_device)
     , m_pPackages(a_pPackages)
     , m_output(a_output)
+    , m_report(a_output)
 {}
 
 DevicePlay::~DevicePlay() = default;
@@ -38,7 +39,7 @@ bool DevicePlay::begin()
     QStringList ids;
     std::transform(m_device.emitters().cbegin(), m_device.emitters().cend(), std::back_inserter(ids),
                    [](const auto& a_emitter) { return a_emitter->id(); });
-    m_sink = makeTableSink(m_output, ids, m_device.duration() != 0 ? m_device.duration() : uiAnyTime,
+    m_sink = makeTableSink(m_report, ids, m_device.duration() != 0 ? m_device.duration() : uiAnyTime,
                            m_pPackages != nullptr);
     return m_sink->begin() && m_output.finish();
 }

@@ -2,6 +2,7 @@
 #define SIMULATIONTOOL_DEVICEPLAY_H
 
 #include "playsink.h"
+#include "report.h"
 
 #include "simulationdata/simulationdeviceconfiguration.h"
 
@@ -38,6 +39,7 @@ private:
     SimulationDevice& m_device;
     RepositoryPackages* m_pPackages;
     Output& m_output;
+    Report m_report;              ///< of the rows
     std::unique_ptr<Sink> m_sink; ///< of the play that began last
 };
 

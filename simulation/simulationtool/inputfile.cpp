@@ -46,7 +46,7 @@ QString copyProblem(QFile& a_from, QFile& a_to, std::uint64_t a_uiMaxBytes)
 
 InputFile::InputFile(const QString& a_sArgument)
     : m_sArgument(a_sArgument)
-    , m_sPath(isStandardInputName(a_sArgument) ? QString() : a_sArgument)
+    , m_sPath(isStandardStreamName(a_sArgument) ? QString() : a_sArgument)
 {}
 
 InputFile::~InputFile() = default;
@@ -81,7 +81,7 @@ QString InputFile::name() const
 
 bool InputFile::isStandardInput() const
 {
-    return isStandardInputName(m_sArgument);
+    return isStandardStreamName(m_sArgument);
 }
 
 bool InputFile::isSameAs(const QString& a_sFile) const
@@ -98,7 +98,7 @@ QByteArray InputFile::head() const
     return file.read(s_iHeadBytes);
 }
 
-bool isStandardInputName(const QString& a_sArgument)
+bool isStandardStreamName(const QString& a_sArgument)
 {
     return a_sArgument == u"-";
 }

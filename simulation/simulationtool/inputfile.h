@@ -47,8 +47,8 @@ private:
     std::unique_ptr<QTemporaryFile> m_copy;
 };
 
-/// Whether an argument names standard input.
-[[nodiscard]] bool isStandardInputName(const QString& a_sArgument);
+/// Whether an argument, "-", names standard input or output instead of a file.
+[[nodiscard]] bool isStandardStreamName(const QString& a_sArgument);
 
 /// Whether the first bytes of a document name this root element.
 [[nodiscard]] bool hasDocumentRoot(const QByteArray& a_head, const char* a_szName);

@@ -1,5 +1,6 @@
 #include "output.h"
 
+#include "progress.h"
 #include "terminaltext.h"
 
 #include "kpbase/replacedfile.h"
@@ -24,7 +25,9 @@ void writeErrorLine(const QString& a_sBegin, const QString& a_sMessage)
 {
     const QByteArray line = (a_sBegin + terminalText(a_sMessage) + u'\n').toUtf8();
     // Nobody is left to be informed when this fails.
-    static_cast<void>(std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr));
+    withoutProgress([&] {
+        static_cast<void>(std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr));
+    });
 }
 
 } // namespace
@@ -36,12 +39,14 @@ Output::Output()
 
 void Output::write(const QString& a_sText)
 {
-    if (m_bOk) {
-        m_buffer += a_sText.toUtf8();
-        if (m_buffer.size() >= s_iBufferBytes) {
-            writeBuffer();
+    withoutProgress([&] {
+        if (m_bOk) {
+            m_buffer += a_sText.toUtf8();
+            if (m_buffer.size() >= s_iBufferBytes) {
+                writeBuffer();
+            }
         }
-    }
+    });
 }
 
 void Output::writeBuffer()
@@ -52,9 +57,11 @@ void Output::writeBuffer()
 
 bool Output::finish()
 {
-    if (m_bOk) {
-        writeBuffer();
-    }
+    withoutProgress([&] {
+        if (m_bOk) {
+            writeBuffer();
+        }
+    });
     return m_bOk;
 }
 

@@ -15,8 +15,8 @@ namespace SimulationTool {
 /// One data file that lies in a package folder.
 struct PackageFileVerdict
 {
-    const PackageDataFile* file; ///< one of s_packageDataFiles
-    qint64 bytes;
+    const PackageDataFile* file = nullptr; ///< one of s_packageDataFiles
+    qint64 bytes = 0;
     DataFileSummary summary;
 };
 

@@ -1,9 +1,10 @@
 #include "playarguments.h"
 
 #include "commandparser.h"
+#include "inputfile.h"
 #include "output.h"
 #include "playcommand.h"
-#include "wholenumber.h"
+#include "timetext.h"
 
 namespace SimulationTool {
 
@@ -17,6 +18,8 @@ const char s_szPlay[] = "Plays a scenario over the times from FROM up to, but no
                         "its first leg is done a moving emitter has no speed: \"-\", or -1 in a CSV\n"
                         "file.\n"
                         "\n"
+                        "A TIME is a number of milliseconds, or has a unit: 1500, 1500ms, 1.5s, 2min, 1h.\n"
+                        "\n"
                         "With a repository the packages are read from there, and each row ends with the\n"
                         "signal level of the package at the time since its emission began. A package\n"
                         "that the repository does not have is played as the default package: this is\n"
@@ -26,7 +29,8 @@ const char s_szPlayExamples[] =
     "\n"
     "Examples:\n"
     "  simulationtool play                                     (the built-in scenario)\n"
-    "  simulationtool play harbour.sce.exp --from 5000 --to 6000 --step 10\n"
+    "  simulationtool play harbour.sce.exp --from 5s --to 1min --step 10ms\n"
+    "  simulationtool play harbour.sce.exp --emitter ferry --csv - | less\n"
     "  simulationtool play harbour.sce.exp --to 60000 --csv harbour.csv\n"
     "  simulationtool play harbour.sce.exp --repository packages\n"
     "\n"
@@ -44,32 +48,36 @@ bool readTime(const QCommandLineParser& a_parser, const QString& a_sOption, std:
     if (!a_parser.isSet(a_sOption)) {
         return true;
     }
-    a_time = wholeNumber(a_parser.value(a_sOption),
-                         {QStringLiteral("--") + a_sOption, " of milliseconds", a_uiMin}, a_sReason);
+    a_time = timeOf(a_parser.value(a_sOption), QStringLiteral("--") + a_sOption, a_uiMin, a_sReason);
     return a_time.has_value();
 }
 
 const QString s_sFrom = QStringLiteral("from");
 const QString s_sTo = QStringLiteral("to");
 const QString s_sStep = QStringLiteral("step");
+const QString s_sEmitter = QStringLiteral("emitter");
 const QString s_sCsv = QStringLiteral("csv");
 const QString s_sRepository = QStringLiteral("repository");
 const QString s_sCache = QStringLiteral("cache");
 
 void addPlayOptions(QCommandLineParser& a_parser)
 {
-    const QString sMilliseconds = QStringLiteral("MS");
-    a_parser.addOption({s_sFrom, QStringLiteral("First time in ms. Default: 0."), sMilliseconds});
+    const QString sTime = QStringLiteral("TIME");
+    a_parser.addOption({s_sFrom, QStringLiteral("First time. Default: 0."), sTime});
     a_parser.addOption({s_sTo,
-                        QStringLiteral("End of the window in ms, itself not played. Default: the scenario's "
-                                       "duration, but at most 10000."),
-                        sMilliseconds});
-    a_parser.addOption(
-        {s_sStep, QStringLiteral("Time between two steps in ms. Default: 100."), sMilliseconds});
+                        QStringLiteral("End of the window, itself not played. Default: the scenario's "
+                                       "duration, but at most 10s."),
+                        sTime});
+    a_parser.addOption({s_sStep, QStringLiteral("Time between two steps. Default: 100ms."), sTime});
+    a_parser.addOption({s_sEmitter,
+                        QStringLiteral("Play only the emitter with this id or, where no id is so, name; "
+                                       "give it once for each. Default: all emitters."),
+                        QStringLiteral("NAME")});
     a_parser.addOption(
         {s_sCsv,
          QStringLiteral("Write comma-separated values with all digits to FILE instead of a table. "
-                        "FILE is replaced only when all went well."),
+                        "FILE is replaced only when all went well; - is standard output, which then gets "
+                        "nothing else."),
          QStringLiteral("FILE")});
     a_parser.addOption({s_sRepository,
                         QStringLiteral("Read the signal packages from this repository, or from any folder "
@@ -82,7 +90,8 @@ void addPlayOptions(QCommandLineParser& a_parser)
                         QStringLiteral("FOLDER")});
     a_parser.addPositionalArgument(
         QStringLiteral("SCENARIO"),
-        QStringLiteral("The scenario document to play. Default: the built-in one."));
+        QStringLiteral("The scenario document to play; - is standard input. Default: the built-in one."));
+    addJsonOption(a_parser);
 }
 
 /// What the parsed arguments ask for; nothing, with a reason, when they are
@@ -106,10 +115,12 @@ std::optional<PlayOptions> readPlayOptions(const QCommandLineParser& a_parser, Q
     play.from = from.value_or(play.from);
     play.step = step.value_or(play.step);
     play.csvFile = a_parser.value(s_sCsv);
+    play.emitters = a_parser.values(s_sEmitter);
+    play.form = reportForm(a_parser);
     play.repository = a_parser.value(s_sRepository);
     play.cache = a_parser.value(s_sCache);
     if (play.to && *play.to <= play.from) {
-        a_sReason = QStringLiteral("--to (%1) must be later than --from (%2)")
+        a_sReason = QStringLiteral("--to (%1 ms) must be later than --from (%2 ms)")
                         .arg(QString::number(*play.to), QString::number(play.from));
         return std::nullopt;
     }
@@ -123,6 +134,10 @@ std::optional<PlayOptions> readPlayOptions(const QCommandLineParser& a_parser, Q
         a_sReason = QStringLiteral("--cache is filled from a --repository");
         return std::nullopt;
     }
+    if (isStandardStreamName(play.csvFile) && play.form == ReportForm::Json) {
+        a_sReason = QStringLiteral("--csv - and --json both write to standard output: give one of them");
+        return std::nullopt;
+    }
     return play;
 }
 
@@ -130,10 +145,12 @@ std::optional<PlayOptions> readPlayOptions(const QCommandLineParser& a_parser, Q
 
 ExitCode play(const QStringList& a_arguments, Output& a_output)
 {
-    CommandParser parser(QStringLiteral("play"),
-                         QStringLiteral("[SCENARIO] [--from MS] [--to MS] [--step MS] [--csv FILE]\n"
-                                        "                           [--repository DIR [--cache FOLDER]]"),
-                         s_szPlay, s_szPlayExamples);
+    CommandParser parser(
+        QStringLiteral("play"),
+        QStringLiteral("[SCENARIO|-] [--from TIME] [--to TIME] [--step TIME]\n"
+                       "                           [--emitter NAME]... [--csv FILE|-] [--json]\n"
+                       "                           [--repository DIR [--cache FOLDER]]"),
+        s_szPlay, s_szPlayExamples);
     addPlayOptions(parser.get());
     if (const auto done = parser.parse(a_arguments, a_output)) {
         return *done;

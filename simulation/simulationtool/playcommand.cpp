@@ -1,7 +1,9 @@
 #include "playcommand.h"
 
+#include "emitterselection.h"
 #include "inputfile.h"
 #include "interruption.h"
+#include "jsonreport.h"
 #include "output.h"
 #include "outputfile.h"
 #include "playsink.h"
@@ -31,8 +33,6 @@ std::uint32_t windowEnd(const PlayOptions& a_options, std::uint32_t a_uiDuration
     return a_uiDuration != 0 ? std::min(a_uiDuration, s_uiDefaultWindow) : s_uiDefaultWindow;
 }
 
-using Emitters = QList<std::shared_ptr<Simulation::SzenarioEmitter>>;
-
 /// False when the rows could not be written, or the play was interrupted.
 bool playInto(Sink& a_sink, const PlayOptions& a_options, std::uint32_t a_uiTo, const Emitters& a_emitters,
               RepositoryPackages* a_pPackages)
@@ -51,41 +51,99 @@ bool playInto(Sink& a_sink, const PlayOptions& a_options, std::uint32_t a_uiTo, 
     return true;
 }
 
-std::unique_ptr<Sink> makeSink(const PlayOptions& a_options, Output& a_output, std::uint32_t a_uiTo,
-                               const Emitters& a_emitters)
+/// What the report is about, for programs.
+QJsonObject headerOf(const PlayOptions& a_options, const InputFile& a_file, std::uint32_t a_uiTo)
 {
-    const bool bLevels = !a_options.repository.isEmpty();
-    if (!a_options.csvFile.isEmpty()) {
-        return makeCsvSink(a_output, a_options.csvFile, bLevels);
-    }
-    QStringList ids;
-    std::transform(a_emitters.cbegin(), a_emitters.cend(), std::back_inserter(ids),
-                   [](const auto& a_emitter) { return a_emitter->id(); });
-    return makeTableSink(a_output, ids, a_uiTo, bLevels);
+    return {{QStringLiteral("scenario"), a_file.name()},
+            {QStringLiteral("from_ms"), jsonCount(a_options.from)},
+            {QStringLiteral("to_ms"), jsonCount(a_uiTo)},
+            {QStringLiteral("step_ms"), jsonCount(a_options.step)}};
 }
 
-/// Plays with packages from the provider, which is the same as `a_pPackages` if
-/// there is a repository.
-ExitCode playWith(Simulation::ISignalPackageProvider& a_provider, RepositoryPackages* a_pPackages,
-                  const InputFile& a_file, const PlayOptions& a_options, Output& a_output)
+/// One play: the scenario, where its rows go, and the packages, which are null
+/// without a repository.
+class Play
+{
+public:
+    Play(const PlayOptions& a_options, const InputFile& a_file, RepositoryPackages* a_pPackages,
+         Output& a_output)
+        : m_options(a_options)
+        , m_file(a_file)
+        , m_pPackages(a_pPackages)
+        , m_output(a_output)
+        , m_report(a_output, a_options.form)
+    {}
+
+    [[nodiscard]] ExitCode run(Simulation::ISignalPackageProvider& a_provider);
+
+private:
+    [[nodiscard]] bool prepare(const Simulation::ScenarioDataXml& a_scenario);
+    [[nodiscard]] std::unique_ptr<Sink> makeSink();
+    [[nodiscard]] QJsonObject summary(const Verdict& a_verdict) const;
+
+    const PlayOptions& m_options;
+    const InputFile& m_file;
+    RepositoryPackages* m_pPackages;
+    Output& m_output;
+    Report m_report;
+    Emitters m_emitters;
+    std::uint32_t m_uiTo = 0; ///< ms
+};
+
+/// Finds the window and the emitters. False after one line on standard error.
+bool Play::prepare(const Simulation::ScenarioDataXml& a_scenario)
+{
+    m_uiTo = windowEnd(m_options, a_scenario.getDuration());
+    m_emitters = emittersOf(a_scenario);
+    QString sProblem;
+    if (m_uiTo <= m_options.from) {
+        sProblem = QStringLiteral("the window would end at %1 ms, not after its begin at %2 ms: give a later "
+                                  "--to")
+                       .arg(QString::number(m_uiTo), QString::number(m_options.from));
+    } else {
+        static_cast<void>(selectEmitters(m_emitters, m_options.emitters, sProblem));
+    }
+    if (!sProblem.isEmpty()) {
+        complain(QStringLiteral("play: ") + sProblem);
+    }
+    return sProblem.isEmpty();
+}
+
+std::unique_ptr<Sink> Play::makeSink()
+{
+    const bool bLevels = m_pPackages != nullptr;
+    const QJsonObject header = headerOf(m_options, m_file, m_uiTo);
+    if (!m_options.csvFile.isEmpty()) {
+        return makeCsvSink(m_report, m_output, {m_options.csvFile, header}, bLevels);
+    }
+    if (m_options.form == ReportForm::Json) {
+        return makeJsonSink(m_output, header, bLevels);
+    }
+    QStringList ids;
+    std::transform(m_emitters.cbegin(), m_emitters.cend(), std::back_inserter(ids),
+                   [](const auto& a_emitter) { return a_emitter->id(); });
+    return makeTableSink(m_report, ids, m_uiTo, bLevels);
+}
+
+QJsonObject Play::summary(const Verdict& a_verdict) const
+{
+    const QStringList problems = m_pPackages != nullptr ? m_pPackages->messages() : QStringList();
+    return {{QStringLiteral("verdict"), a_verdict.text},
+            {QStringLiteral("problems"), QJsonArray::fromStringList(problems)}};
+}
+
+/// The provider is the packages, if there are any.
+ExitCode Play::run(Simulation::ISignalPackageProvider& a_provider)
 {
     Simulation::ScenarioDataXml scenario(&a_provider);
-    const std::optional<Verdict> loaded = loadScenario(scenario, a_file);
-    if (!loaded) {
+    const std::optional<Verdict> loaded = loadScenario(scenario, m_file);
+    if (!loaded || !prepare(scenario)) {
         return ExitCode::Unusable;
     }
-    const std::uint32_t uiTo = windowEnd(a_options, scenario.getDuration());
-    if (uiTo <= a_options.from) {
-        complain(QStringLiteral(
-                     "play: the window would end at %1 ms, not after its begin at %2 ms: give a later --to")
-                     .arg(QString::number(uiTo), QString::number(a_options.from)));
-        return ExitCode::Unusable;
-    }
-    const auto emitters = emittersOf(scenario);
-    const std::unique_ptr<Sink> sink = makeSink(a_options, a_output, uiTo, emitters);
-    const bool bPlayed = playInto(*sink, a_options, uiTo, emitters, a_pPackages);
+    const std::unique_ptr<Sink> sink = makeSink();
+    const bool bPlayed = playInto(*sink, m_options, m_uiTo, m_emitters, m_pPackages);
     // An interrupted play is nobody's fault: nothing is said.
-    return !isInterrupted() && sink->end(bPlayed) ? loaded->code : ExitCode::Unusable;
+    return !isInterrupted() && sink->end(bPlayed, summary(*loaded)) ? loaded->code : ExitCode::Unusable;
 }
 
 } // namespace
@@ -103,14 +161,14 @@ ExitCode runPlay(const PlayOptions& a_options, Output& a_output)
     }
     if (a_options.repository.isEmpty()) {
         Simulation::UnresolvedSignalPackageProvider unresolved;
-        return playWith(unresolved, nullptr, file, a_options, a_output);
+        return Play(a_options, file, nullptr, a_output).run(unresolved);
     }
     catchInterruptions(); // the cache may be a temporary one
     RepositoryPackages packages;
     if (!packages.open(a_options.repository, a_options.cache)) {
         return ExitCode::Unusable;
     }
-    const ExitCode eCode = playWith(packages, &packages, file, a_options, a_output);
+    const ExitCode eCode = Play(a_options, file, &packages, a_output).run(packages);
     return worse(eCode, packages.finish());
 }
 

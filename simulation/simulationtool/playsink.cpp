@@ -1,7 +1,9 @@
 #include "playsink.h"
 
 #include "csvwriter.h"
+#include "jsonreport.h"
 #include "output.h"
+#include "report.h"
 #include "repositorypackages.h"
 #include "texttable.h"
 #include "valuetexts.h"
@@ -21,13 +23,53 @@ constexpr int s_iFrequencyDecimals = 6;  ///< MHz: to the hertz
 constexpr int s_iCoordinateDecimals = 6; ///< degrees: to 0.1 m
 constexpr int s_iMotionDecimals = 1;     ///< degrees and km/h
 
+/// The columns of every form. CSV files and programs name them by their keys.
+QList<TextColumn> momentColumns(bool a_bLevels)
+{
+    QList<TextColumn> columns{{QStringLiteral("Time (ms)"), true, 0, "time_ms"},
+                              {QStringLiteral("Emitter"), false, s_iMaxIdWidth, "emitter"},
+                              {QStringLiteral("Active"), false, 0, "active"},
+                              {QStringLiteral("Frequency (MHz)"), true, 0, "frequency_hz"},
+                              {QStringLiteral("Longitude"), true, 0, "longitude"},
+                              {QStringLiteral("Latitude"), true, 0, "latitude"},
+                              {QStringLiteral("Heading"), true, 0, "heading"},
+                              {QStringLiteral("Speed (km/h)"), true, 0, "speed_kmh"},
+                              {QStringLiteral("Package"), false, 0, "package"}};
+    if (a_bLevels) {
+        columns.last().maxWidth = s_iMaxPackageWidth;
+        columns.append({QStringLiteral("Level"), true, 0, "level"});
+    }
+    return columns;
+}
+
+ReportRow momentRow(const QString& a_sEmitterId, const Moment& a_moment, bool a_bLevels)
+{
+    const bool bSpeed = a_moment.speed >= 0.0;
+    ReportRow row{
+        countValue(a_moment.time),
+        a_sEmitterId,
+        flagValue(a_moment.active),
+        {fixedNumber(a_moment.frequency / s_dHertzPerMegahertz, s_iFrequencyDecimals),
+         jsonNumber(a_moment.frequency)},
+        numberValue(a_moment.position.longitude, s_iCoordinateDecimals),
+        numberValue(a_moment.position.latitude, s_iCoordinateDecimals),
+        numberValue(a_moment.heading, s_iMotionDecimals),
+        {bSpeed ? fixedNumber(a_moment.speed, s_iMotionDecimals) : QString(), jsonNumber(a_moment.speed)},
+        a_moment.packageId};
+    if (a_bLevels) {
+        row.append(a_moment.level ? levelValue(*a_moment.level) : ReportValue(QString()));
+    }
+    return row;
+}
+
 class TableSink : public Sink
 {
 public:
-    TableSink(Output& a_output, const QStringList& a_ids, std::uint32_t a_uiTo, bool a_bLevels)
-        : m_output(a_output)
+    TableSink(Report& a_report, const QStringList& a_ids, std::uint32_t a_uiTo, bool a_bLevels)
+        : m_report(a_report)
         , m_bLevels(a_bLevels)
-        , m_table(columns(a_bLevels))
+        , m_columns(momentColumns(a_bLevels))
+        , m_table(m_columns)
     {
         for (const QString& id : a_ids) {
             m_table.fit({QString::number(a_uiTo),
@@ -44,70 +86,98 @@ public:
 
     bool begin() override
     {
-        m_output.write(m_table.titles() + u'\n' + m_table.rule() + u'\n');
+        m_report.line(m_table.titles());
+        m_report.line(m_table.rule());
+        return m_report.isOk();
+    }
+
+    bool add(const QString& a_sEmitterId, const Moment& a_moment) override
+    {
+        const ReportRow row = momentRow(a_sEmitterId, a_moment, m_bLevels);
+        if (m_report.form() == ReportForm::Json) {
+            m_report.record("rows", rowObject(m_columns, row));
+            return true;
+        }
+        m_report.line(m_table.row(cellTexts(row)));
+        return m_report.isOk();
+    }
+
+    // The output is watched by whoever owns it.
+    bool end(bool a_bOk, const QJsonObject& /*a_summary*/) override { return a_bOk; }
+
+private:
+    Report& m_report;
+    bool m_bLevels;
+    QList<TextColumn> m_columns;
+    TextTable m_table;
+};
+
+/// Rows of one document that is written as it grows: a play may last for days.
+class JsonSink : public Sink
+{
+public:
+    JsonSink(Output& a_output, const QJsonObject& a_header, bool a_bLevels)
+        : m_output(a_output)
+        , m_header(a_header)
+        , m_bLevels(a_bLevels)
+        , m_columns(momentColumns(a_bLevels))
+    {}
+
+    bool begin() override
+    {
+        m_output.write(jsonLine(m_header).chopped(1) + QStringLiteral(",\"rows\":["));
         return m_output.isOk();
     }
 
     bool add(const QString& a_sEmitterId, const Moment& a_moment) override
     {
-        QStringList cells{QString::number(a_moment.time),
-                          orDash(a_sEmitterId),
-                          yesNo(a_moment.active),
-                          fixedNumber(a_moment.frequency / s_dHertzPerMegahertz, s_iFrequencyDecimals),
-                          fixedNumber(a_moment.position.longitude, s_iCoordinateDecimals),
-                          fixedNumber(a_moment.position.latitude, s_iCoordinateDecimals),
-                          fixedNumber(a_moment.heading, s_iMotionDecimals),
-                          a_moment.speed < 0.0 ? orDash({}) : fixedNumber(a_moment.speed, s_iMotionDecimals),
-                          orDash(a_moment.packageId)};
-        if (m_bLevels) {
-            cells.append(orDash(a_moment.level ? levelText(*a_moment.level) : QString()));
-        }
-        m_output.write(m_table.row(cells) + u'\n');
+        m_output.write((m_bFirst ? QStringLiteral("\n") : QStringLiteral(",\n")) +
+                       jsonLine(rowObject(m_columns, momentRow(a_sEmitterId, a_moment, m_bLevels))));
+        m_bFirst = false;
         return m_output.isOk();
     }
 
-    // The output is watched by whoever owns it.
-    bool end(bool a_bOk) override { return a_bOk; }
-
-private:
-    static QList<TextColumn> columns(bool a_bLevels)
+    bool end(bool a_bOk, const QJsonObject& a_summary) override
     {
-        QList<TextColumn> columns{
-            {QStringLiteral("Time (ms)"), true}, {QStringLiteral("Emitter"), false, s_iMaxIdWidth},
-            {QStringLiteral("Active")},          {QStringLiteral("Frequency (MHz)"), true},
-            {QStringLiteral("Longitude"), true}, {QStringLiteral("Latitude"), true},
-            {QStringLiteral("Heading"), true},   {QStringLiteral("Speed (km/h)"), true},
-            {QStringLiteral("Package")}};
-        if (a_bLevels) {
-            columns.last().maxWidth = s_iMaxPackageWidth;
-            columns.append({QStringLiteral("Level"), true});
-        }
-        return columns;
+        m_output.write(QStringLiteral("],\n") + jsonLine(a_summary).sliced(1) + u'\n');
+        return a_bOk;
     }
 
+private:
     Output& m_output;
+    QJsonObject m_header;
     bool m_bLevels;
-    TextTable m_table;
+    QList<TextColumn> m_columns;
+    bool m_bFirst = true;
 };
+
+/// A value as a field of a CSV file.
+QString csvText(const QJsonValue& a_value)
+{
+    if (a_value.isDouble()) {
+        return CsvWriter::number(a_value.toDouble());
+    }
+    if (a_value.isBool()) {
+        return a_value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
+    }
+    return a_value.toString();
+}
 
 class CsvSink : public Sink
 {
 public:
-    CsvSink(Output& a_output, const QString& a_sFile, bool a_bLevels)
-        : m_output(a_output)
-        , m_sFile(a_sFile)
+    CsvSink(Report& a_report, Output& a_output, const CsvTarget& a_target, bool a_bLevels)
+        : m_report(a_report)
+        , m_target(a_target)
         , m_bLevels(a_bLevels)
-        , m_writer(a_sFile)
+        , m_writer(a_target.file, a_output)
     {}
 
     bool begin() override
     {
-        QStringList names{
-            QStringLiteral("time_ms"),      QStringLiteral("emitter"),   QStringLiteral("active"),
-            QStringLiteral("frequency_hz"), QStringLiteral("longitude"), QStringLiteral("latitude"),
-            QStringLiteral("heading"),      QStringLiteral("speed_kmh"), QStringLiteral("package")};
-        if (m_bLevels) {
-            names.append(QStringLiteral("level"));
+        QStringList names;
+        for (const TextColumn& column : momentColumns(m_bLevels)) {
+            names.append(QLatin1String(column.key));
         }
         return m_writer.open() && m_writer.writeRow(names);
     }
@@ -115,34 +185,37 @@ public:
     bool add(const QString& a_sEmitterId, const Moment& a_moment) override
     {
         ++m_uiRows;
-        QStringList fields{QString::number(a_moment.time),
-                           a_sEmitterId,
-                           a_moment.active ? QStringLiteral("true") : QStringLiteral("false"),
-                           CsvWriter::number(a_moment.frequency),
-                           CsvWriter::number(a_moment.position.longitude),
-                           CsvWriter::number(a_moment.position.latitude),
-                           CsvWriter::number(a_moment.heading),
-                           CsvWriter::number(a_moment.speed),
-                           a_moment.packageId};
-        if (m_bLevels) {
-            fields.append(a_moment.level ? shortNumber(*a_moment.level) : QString());
+        QStringList fields;
+        for (const ReportValue& value : momentRow(a_sEmitterId, a_moment, m_bLevels)) {
+            fields.append(csvText(value.json));
         }
         return m_writer.writeRow(fields);
     }
 
-    bool end(bool a_bOk) override
+    bool end(bool a_bOk, const QJsonObject& a_summary) override
     {
+        if (m_writer.isStandardOutput()) {
+            return a_bOk; // nothing but the rows is written there
+        }
         if (!a_bOk || !m_writer.commit()) {
-            complain(QStringLiteral("%1: %2").arg(m_sFile, m_writer.errorString()));
+            complain(QStringLiteral("%1: %2").arg(m_target.file, m_writer.errorString()));
             return false;
         }
-        m_output.write(QStringLiteral("%1 rows written\n").arg(m_uiRows));
+        for (const QJsonObject& object : {m_target.header, a_summary}) {
+            for (auto member = object.begin(); member != object.end(); ++member) {
+                m_report.value(member.key().toLatin1().constData(), member.value());
+            }
+        }
+        m_report.value("csv", m_target.file);
+        m_report.value("row_count", jsonCount(m_uiRows));
+        m_report.line(QStringLiteral("%1 rows written").arg(m_uiRows));
+        m_report.finish();
         return true;
     }
 
 private:
-    Output& m_output;
-    QString m_sFile;
+    Report& m_report;
+    CsvTarget m_target;
     bool m_bLevels;
     CsvWriter m_writer;
     std::uint64_t m_uiRows = 0;
@@ -170,15 +243,21 @@ Moment::Moment(const Simulation::SzenarioEmitter& a_emitter, std::uint32_t a_uiT
     }
 }
 
-std::unique_ptr<Sink> makeTableSink(Output& a_output, const QStringList& a_ids, std::uint32_t a_uiTo,
+std::unique_ptr<Sink> makeTableSink(Report& a_report, const QStringList& a_ids, std::uint32_t a_uiTo,
                                     bool a_bLevels)
 {
-    return std::make_unique<TableSink>(a_output, a_ids, a_uiTo, a_bLevels);
+    return std::make_unique<TableSink>(a_report, a_ids, a_uiTo, a_bLevels);
 }
 
-std::unique_ptr<Sink> makeCsvSink(Output& a_output, const QString& a_sFile, bool a_bLevels)
+std::unique_ptr<Sink> makeJsonSink(Output& a_output, const QJsonObject& a_header, bool a_bLevels)
 {
-    return std::make_unique<CsvSink>(a_output, a_sFile, a_bLevels);
+    return std::make_unique<JsonSink>(a_output, a_header, a_bLevels);
+}
+
+std::unique_ptr<Sink> makeCsvSink(Report& a_report, Output& a_output, const CsvTarget& a_target,
+                                  bool a_bLevels)
+{
+    return std::make_unique<CsvSink>(a_report, a_output, a_target, a_bLevels);
 }
 
 } // namespace SimulationTool

@@ -3,6 +3,7 @@
 
 #include "simulationdata/tpos.h"
 
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -17,6 +18,7 @@ class SzenarioEmitter;
 namespace SimulationTool {
 
 class Output;
+class Report;
 class RepositoryPackages;
 
 /// What an emitter does at one time.
@@ -48,15 +50,28 @@ public:
     [[nodiscard]] virtual bool begin() = 0;
     [[nodiscard]] virtual bool add(const QString& a_sEmitterId, const Moment& a_moment) = 0;
     /// Tells on standard error what went wrong, if anything did.
-    [[nodiscard]] virtual bool end(bool a_bOk) = 0;
+    /// The summary is for programs, after the rows.
+    [[nodiscard]] virtual bool end(bool a_bOk, const QJsonObject& a_summary) = 0;
 };
 
-/// Rows of a table on the output, whose columns are wide enough for these emitter
-/// ids and for times up to an end (ms).
-[[nodiscard]] std::unique_ptr<Sink> makeTableSink(Output& a_output, const QStringList& a_ids,
+/// Rows of a table, whose columns are wide enough for these emitter ids and for
+/// times up to an end (ms); for programs the report's list "rows".
+[[nodiscard]] std::unique_ptr<Sink> makeTableSink(Report& a_report, const QStringList& a_ids,
                                                   std::uint32_t a_uiTo, bool a_bLevels);
-/// Rows of a CSV file. The output gets their number at the end.
-[[nodiscard]] std::unique_ptr<Sink> makeCsvSink(Output& a_output, const QString& a_sFile, bool a_bLevels);
+/// One JSON document on the output, which grows as rows arrive and holds the
+/// header, the list "rows" and the summary.
+[[nodiscard]] std::unique_ptr<Sink> makeJsonSink(Output& a_output, const QJsonObject& a_header,
+                                                 bool a_bLevels);
+
+/// Where CSV rows go.
+struct CsvTarget
+{
+    QString file;       ///< "-" is standard output, which then gets nothing else
+    QJsonObject header; ///< of the report about the file
+};
+/// Rows of a CSV file. The report gets their number at the end, and is finished.
+[[nodiscard]] std::unique_ptr<Sink> makeCsvSink(Report& a_report, Output& a_output, const CsvTarget& a_target,
+                                                bool a_bLevels);
 
 } // namespace SimulationTool
 

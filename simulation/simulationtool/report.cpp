@@ -48,15 +48,6 @@ QStringList wrapped(const QString& a_sText)
     return lines;
 }
 
-QStringList cellTexts(const ReportRow& a_row)
-{
-    QStringList cells;
-    for (const ReportValue& value : a_row) {
-        cells.append(orDash(value.text));
-    }
-    return cells;
-}
-
 void insertLists(QJsonObject& a_object, QMap<QString, QJsonArray>& a_lists)
 {
     for (auto list = a_lists.cbegin(); list != a_lists.cend(); ++list) {
@@ -79,6 +70,15 @@ void addJsonOption(QCommandLineParser& a_parser)
 ReportForm reportForm(const QCommandLineParser& a_parser)
 {
     return a_parser.isSet(s_sJson) ? ReportForm::Json : ReportForm::Text;
+}
+
+QStringList cellTexts(const ReportRow& a_row)
+{
+    QStringList cells;
+    for (const ReportValue& value : a_row) {
+        cells.append(orDash(value.text));
+    }
+    return cells;
 }
 
 QJsonObject rowObject(const QList<TextColumn>& a_columns, const ReportRow& a_row)
@@ -176,6 +176,11 @@ void Report::line(const QString& a_sText)
 void Report::record(const char* a_szKey, const QJsonObject& a_object, const QString& a_sText)
 {
     line(a_sText);
+    record(a_szKey, a_object);
+}
+
+void Report::record(const char* a_szKey, const QJsonObject& a_object)
+{
     if (!isText()) {
         (m_sPlaceKey.isEmpty() ? m_lists : m_placeLists)[QLatin1String(a_szKey)].append(a_object);
     }

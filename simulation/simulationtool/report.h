@@ -9,6 +9,7 @@
 #include <QList>
 #include <QMap>
 #include <QString>
+#include <QStringList>
 
 class QCommandLineParser;
 
@@ -27,6 +28,8 @@ void addJsonOption(QCommandLineParser& a_parser);
 /// What the parsed arguments ask for.
 [[nodiscard]] ReportForm reportForm(const QCommandLineParser& a_parser);
 
+/// A row of a table as people read it.
+[[nodiscard]] QStringList cellTexts(const ReportRow& a_row);
 /// A row of a table as programs get it: the columns that have a key.
 [[nodiscard]] QJsonObject rowObject(const QList<TextColumn>& a_columns, const ReportRow& a_row);
 
@@ -67,8 +70,9 @@ public:
     void conclusion(const char* a_szKey, const QString& a_sLabel, const ReportValue& a_value);
     /// A line for people only.
     void line(const QString& a_sText);
-    /// A line for people; for programs an object at the end of the present
-    /// place's list of that key.
+    /// For programs an object at the end of the present place's list of that key.
+    void record(const char* a_szKey, const QJsonObject& a_object);
+    /// The same, and a line for people.
     void record(const char* a_szKey, const QJsonObject& a_object, const QString& a_sText);
 
     /// A line of something that is followed, written at once: the text for people,

@@ -1,6 +1,9 @@
 #include "repositorypackages.h"
 
 #include "output.h"
+#include "packagelist.h"
+#include "packageverdict.h"
+#include "progress.h"
 #include "repositoryfolder.h"
 #include "valuetexts.h"
 #include "verdict.h"
@@ -88,7 +91,7 @@ bool RepositoryPackages::fillCache()
         return false;
     }
     tellCopyFailures(QStringLiteral("the built-in package"));
-    m_cache->updateCache(m_cache->sourceDir(), false);
+    updateCache();
     const auto uiFailed = static_cast<quint64>(m_cache->copyFailures().packages);
     tellCopyFailures(QStringLiteral("%1 of the repository").arg(counted(uiFailed, "package")));
     return true;
@@ -104,6 +107,30 @@ void RepositoryPackages::tellCopyFailures(const QString& a_sWhat)
     tell(QStringLiteral("%1 could not be copied to the cache folder %2, the first reason is: %3. Remove the "
                         "cause or choose another folder (--cache or TMPDIR), then run this again")
              .arg(a_sWhat, m_cache->cacheDir(), failures.firstReason));
+}
+
+void RepositoryPackages::updateCache()
+{
+    const QDir folder(m_cache->cacheDir());
+    const Progress progress(QStringLiteral("copying signal packages into the cache"), [folder] {
+        const QStringList copied = folder.entryList({QStringLiteral("*.xml")}, QDir::Files);
+        return counted(static_cast<quint64>(copied.size()), "package");
+    });
+    m_cache->updateCache(m_cache->sourceDir(), false);
+}
+
+QStringList RepositoryPackages::problemsOf(const QString& a_sId)
+{
+    if (!m_problems) {
+        m_problems.emplace();
+        const Progress progress(QStringLiteral("reading the signal packages of the repository"));
+        for (const ListedPackage& package : listPackages(m_cache->sourceDir())) {
+            if (!package.problems.isEmpty() && !package.cleanId.isEmpty()) {
+                (*m_problems)[package.cleanId] += package.problems;
+            }
+        }
+    }
+    return m_problems->value(Simulation::SignalPackage::cleanId(a_sId));
 }
 
 std::optional<float> RepositoryPackages::levelAt(const std::shared_ptr<Simulation::SignalPackage>& a_package,
@@ -127,16 +154,18 @@ std::optional<float> RepositoryPackages::levelAt(const std::shared_ptr<Simulatio
 void RepositoryPackages::checkShape(const Simulation::SignalPackage& a_package,
                                     const Simulation::SignalShapeFile& a_reader)
 {
-    const Verdict verdict =
-        a_reader.isOpen() ? sizeVerdict(a_reader.missingBytes()) : refusedVerdict(a_reader.errorString());
+    const Verdict verdict = shapeVerdict(a_reader);
     if (verdict.code != ExitCode::Ok) {
         tell(QStringLiteral("package %1: its signal shape file is %2").arg(a_package.id(), verdict.text));
+    } else if (const QString sProblem = durationProblem(a_package); !sProblem.isEmpty()) {
+        tell(QStringLiteral("package %1: %2").arg(a_package.id(), sProblem));
     }
 }
 
 void RepositoryPackages::tell(const QString& a_sMessage)
 {
     if (++m_uiTold <= s_uiToldMessages) {
+        m_messages.append(a_sMessage);
         m_log(a_sMessage);
     }
 }

@@ -5,8 +5,10 @@
 
 #include "simulationdata/isignalpackageprovider.h"
 
+#include <QHash>
 #include <QSet>
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include <cstdint>
@@ -51,6 +53,14 @@ public:
     [[nodiscard]] std::optional<float> levelAt(const std::shared_ptr<Simulation::SignalPackage>& a_package,
                                                std::int64_t a_iTime);
 
+    /// What is wrong with the package of the repository that has the id, by the
+    /// verdict that the list of packages shows; empty when it is in order. The
+    /// first call reads the headers of all packages.
+    [[nodiscard]] QStringList problemsOf(const QString& a_sId);
+
+    /// What was told so far; of very much the first lines.
+    [[nodiscard]] QStringList messages() const { return m_messages; }
+
     /// Findings when something was told. Tells how much was not, when there was
     /// too much.
     [[nodiscard]] ExitCode finish();
@@ -68,6 +78,7 @@ public:
 
 private:
     [[nodiscard]] bool fillCache();
+    void updateCache();
     void tellCopyFailures(const QString& a_sWhat);
     void tell(const QString& a_sMessage);
     void checkShape(const Simulation::SignalPackage& a_package, const Simulation::SignalShapeFile& a_reader);
@@ -75,7 +86,9 @@ private:
     std::unique_ptr<QTemporaryDir> m_temporary; ///< outlives the cache, whose files lie there
     std::unique_ptr<Simulation::SignalPackageCache> m_cache;
     QSet<QString> m_unknownIds;
-    QSet<QString> m_checkedIds; ///< of packages whose shape was looked at
+    QSet<QString> m_checkedIds;                            ///< of packages whose shape was looked at
+    std::optional<QHash<QString, QStringList>> m_problems; ///< by cleaned id; none before they are asked for
+    QStringList m_messages;
     std::uint64_t m_uiTold = 0;
     bool m_bComplete = true;
     std::function<void(const QString&)> m_log;

@@ -23,13 +23,6 @@ struct Verdict
 /// it holds more.
 [[nodiscard]] Verdict sizeVerdict(std::int64_t a_iMissingBytes);
 
-/// Opens a reader of a data file, which then is open unless it is refused.
-template<typename Reader>
-[[nodiscard]] Verdict openVerdict(Reader& a_reader)
-{
-    return a_reader.open() ? sizeVerdict(a_reader.missingBytes()) : refusedVerdict(a_reader.errorString());
-}
-
 /// The graver of two.
 [[nodiscard]] ExitCode worse(ExitCode a_eFirst, ExitCode a_eSecond);
 

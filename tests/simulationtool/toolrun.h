@@ -1,6 +1,7 @@
 #ifndef TESTS_TOOLRUN_H
 #define TESTS_TOOLRUN_H
 
+#include <QByteArray>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -16,11 +17,14 @@ struct ToolResult
     QString err;
 };
 
-/// What the program answers; the code is -1 when it crashed or hung.
-inline ToolResult runTool(const QStringList& a_arguments)
+/// What the program answers when standard input holds these bytes; the code is -1
+/// when it crashed or hung.
+inline ToolResult runTool(const QStringList& a_arguments, const QByteArray& a_input = {})
 {
     QProcess process;
     process.start(QStringLiteral(SIMULATIONTOOL_PATH), a_arguments);
+    process.write(a_input);
+    process.closeWriteChannel();
     ToolResult result;
     if (process.waitForFinished(s_iToolTimeout) && process.exitStatus() == QProcess::NormalExit) {
         result.code = process.exitCode();

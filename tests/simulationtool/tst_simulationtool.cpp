@@ -53,6 +53,9 @@ private Q_SLOTS:
     void window_data();
     void window();
     void csvFields();
+    void csvOnStandardOutput();
+    void chosenEmitters_data();
+    void chosenEmitters();
     void csvIsAllOrNothing_data();
     void csvIsAllOrNothing();
     void fullDisk_data();
@@ -136,18 +139,40 @@ void tst_SimulationTool::wrongUsage_data()
     add("nothing to inspect", "inspect", "inspect: one FILE is needed, 0 given", "inspect ");
     add("two scenarios", "play|a|b", "play: at most one SCENARIO can be played, 2 given", "play ");
     add("no file name", "play|--csv|", "play: --csv needs a name", "play ");
-    add("empty window", "play|--from|5|--to|5", "play: --to (5) must be later than --from (5)", "play ");
+    add("empty window", "play|--from|5|--to|5", "play: --to (5 ms) must be later than --from (5 ms)",
+        "play ");
 
     const auto addNumber = [&](const char* a_szName, const char* a_szOption, const char* a_szMin,
                                const char* a_szValue) {
         const QByteArray option(a_szOption);
-        const QByteArray message = "play: " + option + " needs a whole number of milliseconds from " +
-                                   a_szMin + " to 4294967295, not \"" + a_szValue + '"';
+        const QByteArray message = "play: " + option + " needs a time from " + a_szMin +
+                                   " to 4294967295 ms, in whole ms or with a unit (1500, 1500ms, 1.5s, "
+                                   "2min, 1h), not \"" +
+                                   a_szValue + '"';
         add(a_szName, ("play|" + option + '=' + a_szValue).constData(), message.constData(), "play ");
     };
     addNumber("fraction", "--to", "1", "1.5");
     addNumber("too large", "--to", "1", "4294967296");
     addNumber("step 0", "--step", "1", "0");
+    addNumber("part of a millisecond", "--to", "1", "1.0005s");
+    addNumber("unit that is none", "--from", "0", "5m");
+    addNumber("negative", "--from", "0", "-1s");
+    addNumber("too many hours", "--to", "1", "1193.1h");
+    addNumber("more digits than any time", "--to", "1", "99999999999999999999h");
+    add("two reports on one output", "play|--csv|-|--json",
+        "play: --csv - and --json both write to standard output: give one of them", "play ");
+
+    const auto addEmitter = [](const char* a_szRow, const char* a_szName, const char* a_szProposal) {
+        QTest::newRow(a_szRow) << QStringList{QStringLiteral("play"), QStringLiteral("--emitter"),
+                                              QStringLiteral("drone"), QStringLiteral("--emitter"),
+                                              QString::fromUtf8(a_szName)}
+                               << QStringLiteral("play: the scenario has no emitter \"%1\"%2")
+                                      .arg(QString::fromUtf8(a_szName), QString::fromUtf8(a_szProposal));
+    };
+    addEmitter("emitter id with a slip", "feryr", ": did you mean \"ferry\"?");
+    addEmitter("emitter name with a slip", "ferry mowe", ": did you mean \"Ferry Möwe\"?");
+    addEmitter("emitter like no other", "submarine", "");
+    addEmitter("emitter without a name", "", "");
 
     QTest::newRow("behind the default window")
         << QStringList{QStringLiteral("play"), QStringLiteral("--from"), QStringLiteral("10000")}
@@ -244,6 +269,8 @@ void tst_SimulationTool::window_data()
     add("end just beyond a step", "0", "--to 201", "0 200 3");
     add("beyond the duration", "450", "--from 400 --to 700", "400 600 3");
     add("own step", "0", "--from 5 --to 20 --step 7", "5 19 3");
+    add("units", "0", "--from 1.5s --to 0.1min --step 1000ms", "1500 5500 5");
+    add("hours", "0", "--from 1h --to 3600001", "3600000 3600000 1");
     add("step beyond the window", "0", "--to 10 --step 4294967295", "0 0 1");
     add("end of time", "0", "--from 4294967293 --to 4294967295 --step 1", "4294967293 4294967294 2");
 }
@@ -292,6 +319,57 @@ void tst_SimulationTool::csvFields()
                         "0,Möwe,false,1e+300,0,0,0,0,\r\n"
                         "0,\"a,b\",true,433925100.125,-8.1234567890123,1e-07,0,0,\"p \"\"1\"\"\"\r\n"
                         "0,\"c\nd\",false,5,10,50.5,0,0,\r\n"));
+}
+
+/// Standard output gets the rows and nothing else, whatever is wrong; the
+/// scenario arrives through standard input.
+void tst_SimulationTool::csvOnStandardOutput()
+{
+    const ToolResult result = runTool({QStringLiteral("play"), QStringLiteral("-"), QStringLiteral("--to"),
+                                       QStringLiteral("1"), QStringLiteral("--csv"), QStringLiteral("-")},
+                                      "<Scenario><Emitter ID='a&#9;,'/>");
+    QCOMPARE(
+        result.out,
+        QStringLiteral("time_ms,emitter,active,frequency_hz,longitude,latitude,heading,speed_kmh,package\r\n"
+                       "0,\"a\t,\",false,25000000,0,0,0,0,\r\n"));
+    QCOMPARE(
+        result.err,
+        QStringLiteral("simulationtool: standard input: line 1, column 32: Premature end of document.\n"));
+    QCOMPARE(result.code, 1);
+}
+
+void tst_SimulationTool::chosenEmitters_data()
+{
+    QTest::addColumn<QStringList>("names");
+    QTest::addColumn<QStringList>("ids");
+
+    QTest::newRow("all") << QStringList()
+                         << QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")};
+    QTest::newRow("id before name") << QStringList{QStringLiteral("b")} << QStringList{QStringLiteral("b")};
+    QTest::newRow("name of two") << QStringList{QStringLiteral("twin")}
+                                 << QStringList{QStringLiteral("a"), QStringLiteral("c")};
+    QTest::newRow("id and name, one twice")
+        << QStringList{QStringLiteral("c"), QStringLiteral("twin"), QStringLiteral("c")}
+        << QStringList{QStringLiteral("a"), QStringLiteral("c")};
+}
+
+void tst_SimulationTool::chosenEmitters()
+{
+    QFETCH(QStringList, names);
+    QFETCH(QStringList, ids);
+    QStringList arguments{QStringLiteral("play"), QStringLiteral("-"), QStringLiteral("--to"),
+                          QStringLiteral("1")};
+    for (const QString& name : names) {
+        arguments << QStringLiteral("--emitter") << name;
+    }
+    const ToolResult result = runTool(arguments, scenario("<Emitter ID='a' Name='twin'/><Emitter ID='b'/>"
+                                                          "<Emitter ID='c' Name='twin'/>"));
+    QStringList played;
+    for (const QString& row : tableRows(result.out)) {
+        played.append(row.section(u' ', 1, 1));
+    }
+    QCOMPARE(played, ids);
+    QCOMPARE(result.code, 0);
 }
 
 void tst_SimulationTool::csvIsAllOrNothing_data()

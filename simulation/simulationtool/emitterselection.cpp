@@ -1,0 +1,108 @@
+#include "emitterselection.h"
+
+#include "simulationdata/szenarioemitter.h"
+
+#include <QSet>
+
+#include <algorithm>
+#include <cstddef>
+#include <numeric>
+#include <utility>
+#include <vector>
+
+namespace SimulationTool {
+
+namespace {
+
+constexpr qsizetype s_iMaxComparedLength = 64; ///< longer texts are no slips of the pen
+constexpr qsizetype s_iLettersPerSlip = 4;     ///< so many more letters excuse one more wrong one
+
+/// How many letters must be inserted, left out or replaced to make the one text
+/// the other, regardless of case; at least `a_iLimit` when that is exceeded.
+qsizetype slips(const QString& a_sFirst, const QString& a_sSecond, qsizetype a_iLimit)
+{
+    if (std::abs(a_sFirst.size() - a_sSecond.size()) >= a_iLimit) {
+        return a_iLimit;
+    }
+    // The row of the table of Wagner and Fischer (Journal of the ACM 21, 1974).
+    std::vector<qsizetype> row(static_cast<std::size_t>(a_sSecond.size()) + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (const QChar cFirst : a_sFirst) {
+        qsizetype iDiagonal = std::exchange(row[0], row[0] + 1);
+        for (std::size_t i = 1; i < row.size(); ++i) {
+            const bool bSame = cFirst.toLower() == a_sSecond.at(static_cast<qsizetype>(i) - 1).toLower();
+            const qsizetype iBest = std::min({row[i] + 1, row[i - 1] + 1, iDiagonal + (bSame ? 0 : 1)});
+            iDiagonal = std::exchange(row[i], iBest);
+        }
+        if (*std::min_element(row.cbegin(), row.cend()) >= a_iLimit) {
+            return a_iLimit;
+        }
+    }
+    return row.back();
+}
+
+/// The id or name most similar to a text; empty when none is near.
+QString nearest(const Emitters& a_emitters, const QString& a_sText)
+{
+    QString sNearest;
+    qsizetype iFewest = std::min(a_sText.size(), a_sText.size() / s_iLettersPerSlip + 2);
+    if (a_sText.size() > s_iMaxComparedLength) {
+        return sNearest;
+    }
+    for (const auto& emitter : a_emitters) {
+        for (const QString& sCandidate : {emitter->id(), emitter->name()}) {
+            const qsizetype iSlips = sCandidate.isEmpty() ? iFewest : slips(a_sText, sCandidate, iFewest);
+            if (iSlips < iFewest) {
+                iFewest = iSlips;
+                sNearest = sCandidate;
+            }
+        }
+    }
+    return sNearest;
+}
+
+/// The places of the emitters that a text means.
+QList<qsizetype> placesOf(const Emitters& a_emitters, const QString& a_sText)
+{
+    QList<qsizetype> byId;
+    QList<qsizetype> byName;
+    for (qsizetype i = 0; i < a_emitters.size(); ++i) {
+        if (a_emitters.at(i)->id() == a_sText) {
+            byId.append(i);
+        } else if (a_emitters.at(i)->name() == a_sText) {
+            byName.append(i);
+        }
+    }
+    return byId.isEmpty() ? byName : byId;
+}
+
+} // namespace
+
+bool selectEmitters(Emitters& a_emitters, const QStringList& a_texts, QString& a_sReason)
+{
+    QSet<qsizetype> wanted;
+    for (const QString& sText : a_texts) {
+        const QList<qsizetype> places = placesOf(a_emitters, sText);
+        if (places.isEmpty()) {
+            const QString sNearest = nearest(a_emitters, sText);
+            a_sReason = QStringLiteral("the scenario has no emitter \"") + sText + u'"';
+            if (!sNearest.isEmpty()) {
+                a_sReason += QStringLiteral(": did you mean \"") + sNearest + QStringLiteral("\"?");
+            }
+            return false;
+        }
+        wanted.unite(QSet<qsizetype>(places.cbegin(), places.cend()));
+    }
+    if (!a_texts.isEmpty()) {
+        Emitters selected;
+        for (qsizetype i = 0; i < a_emitters.size(); ++i) {
+            if (wanted.contains(i)) {
+                selected.append(a_emitters.at(i));
+            }
+        }
+        a_emitters = selected;
+    }
+    return true;
+}
+
+} // namespace SimulationTool
