@@ -2,18 +2,22 @@
 
 #include "checkcommand.h"
 #include "commandparser.h"
+#include "inputfile.h"
 
 namespace SimulationTool {
 
 namespace {
 
-const char s_szCheck[] = "Checks scenario documents and writes one line for everything it finds: the file,\n"
-                         "the object's id and name, what is wrong and what a repair makes of it, and the\n"
-                         "rule:\n"
+const char s_szCheck[] = "Checks scenario and deployment documents and writes one line for everything it\n"
+                         "finds: the file, the object's id and name, what is wrong and what a repair makes\n"
+                         "of it, and the rule. Of scenarios:\n"
                          "\n"
                          "  invalid-signal-package  an emission names no package, or one that the\n"
                          "                          repository does not have; only with --repository.\n"
                          "                          Repaired: it gets the default package.\n"
+                         "  damaged-package         an emission uses a package of the repository that\n"
+                         "                          \"repository list\" shows with a problem; only with\n"
+                         "                          --repository; never repaired\n"
                          "  duplicate-id            several emitters have one id, so that they are read\n"
                          "                          as one; never repaired\n"
                          "  invalid-class           an emitter is of none of the classes that --class\n"
@@ -22,6 +26,13 @@ const char s_szCheck[] = "Checks scenario documents and writes one line for ever
                          "                          settings. Repaired: it gets those of a new object.\n"
                          "  broken-off              the document is cut off, malformed or beyond a\n"
                          "                          limit; what came before is checked\n"
+                         "\n"
+                         "Of deployments: broken-off, duplicate-id, and\n"
+                         "\n"
+                         "  newer-version           the format is newer than the tool\n"
+                         "  device-without-station  a device names no station, or one that the deployment\n"
+                         "                          does not describe\n"
+                         "  position-out-of-range   a position is no place on the earth\n"
                          "\n"
                          "Files stay as they are, unless --repair names one. A repaired scenario is\n"
                          "written afresh in the current format: ids that no rule found stay, numbers get\n"
@@ -41,6 +52,7 @@ const char s_szCheckExamples[] =
 
 const QString s_sRepository = QStringLiteral("repository");
 const QString s_sRepair = QStringLiteral("repair");
+const QString s_sForce = QStringLiteral("force");
 const QString s_sClass = QStringLiteral("class");
 
 void addCheckOptions(QCommandLineParser& a_parser)
@@ -52,15 +64,20 @@ void addCheckOptions(QCommandLineParser& a_parser)
     a_parser.addOption(
         {s_sRepair,
          QStringLiteral("Write the scenario, with all that can be repaired, to OUT, also when nothing was "
-                        "found. OUT may be the one FILE itself, unless that broke off or "
-                        "holds a duplicate-id."),
+                        "found. OUT may be the one FILE itself, unless that holds anything which the "
+                        "repaired scenario lacks: it broke off, or holds a duplicate-id, comments, or "
+                        "elements that are not the format's."),
          QStringLiteral("OUT")});
+    a_parser.addOption({s_sForce, QStringLiteral("Let --repair replace FILE also then; the former file is "
+                                                 "kept as FILE~, which must not exist.")});
     a_parser.addOption(
         {s_sClass,
          QStringLiteral("A class that emitters may have, \"\" for none; give it once for each. "
                         "Default: every class."),
          QStringLiteral("NAME")});
-    a_parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The scenario documents."));
+    a_parser.addPositionalArgument(QStringLiteral("FILE"),
+                                   QStringLiteral("The documents; - is standard input."));
+    addJsonOption(a_parser);
 }
 
 /// Why the parsed arguments are wrong; empty when they are not.
@@ -75,6 +92,15 @@ QString problemOf(const QCommandLineParser& a_parser)
             return QStringLiteral("--%1 needs a name").arg(sOption);
         }
     }
+    if (files.count(QStringLiteral("-")) > 1) {
+        return QStringLiteral("standard input (-) can be checked once");
+    }
+    if (isStandardStreamName(a_parser.value(s_sRepair))) {
+        return QStringLiteral("--repair needs a file (./- is one that is called so)");
+    }
+    if (a_parser.isSet(s_sForce) && !a_parser.isSet(s_sRepair)) {
+        return QStringLiteral("--force belongs to --repair");
+    }
     return a_parser.isSet(s_sRepair) && files.size() != 1
                ? QStringLiteral("--repair needs one FILE, %1 given").arg(files.size())
                : QString();
@@ -85,7 +111,8 @@ QString problemOf(const QCommandLineParser& a_parser)
 ExitCode check(const QStringList& a_arguments, Output& a_output)
 {
     CommandParser parser(QStringLiteral("check"),
-                         QStringLiteral("FILE... [--repository DIR] [--repair OUT] [--class NAME]..."),
+                         QStringLiteral("FILE|-... [--repository DIR] [--class NAME]... [--json]\n"
+                                        "                            [--repair OUT [--force]]"),
                          s_szCheck, s_szCheckExamples);
     addCheckOptions(parser.get());
     if (const auto done = parser.parse(a_arguments, a_output)) {
@@ -98,6 +125,8 @@ ExitCode check(const QStringList& a_arguments, Output& a_output)
     options.files = parser.get().positionalArguments();
     options.repository = parser.get().value(s_sRepository);
     options.repairFile = parser.get().value(s_sRepair);
+    options.force = parser.get().isSet(s_sForce);
+    options.form = reportForm(parser.get());
     const QStringList classes = parser.get().values(s_sClass);
     options.classes = QSet<QString>(classes.cbegin(), classes.cend());
     return runCheck(options, a_output);

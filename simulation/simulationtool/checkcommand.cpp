@@ -1,143 +1,56 @@
 #include "checkcommand.h"
 
+#include "checkfinding.h"
+#include "documentloss.h"
+#include "inputfile.h"
 #include "interruption.h"
+#include "jsonreport.h"
 #include "output.h"
 #include "outputfile.h"
+#include "progress.h"
 #include "repositoryfolder.h"
 #include "repositorypackages.h"
-#include "scenariofile.h"
-#include "terminaltext.h"
 #include "valuetexts.h"
 #include "verdict.h"
 
+#include "simulationdata/deploymentdataxml.h"
 #include "simulationdata/scenariochecker.h"
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/signalpackagefolder.h"
 #include "simulationdata/simulationlimits.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 
+#include <QFileInfo>
+
+#include <optional>
+
 namespace SimulationTool {
 
 namespace {
 
-/// What of a document its reader has not kept; empty when it has kept all.
-QString lossOf(const Simulation::ScenarioDataXml& a_scenario)
+/// What of a document its reader has not kept, as the subject of a sentence;
+/// empty when it has kept all.
+QString lossOf(const Simulation::ScenarioDataXml& a_scenario, const QByteArray& a_source,
+               const QByteArray& a_written)
 {
-    if (!a_scenario.errorString().isEmpty()) {
-        return QStringLiteral("broke off, and what did not come through");
+    if (!a_scenario.mergedIds().isEmpty()) {
+        return QStringLiteral("all but one of several emitters with one id");
     }
-    return a_scenario.mergedIds().isEmpty()
-               ? QString()
-               : QStringLiteral("holds several emitters of one id, and all but one of them");
+    return documentLoss(a_source, a_written);
 }
 
-/// Checks files against the same packages and classes, and counts.
-class FileCheck
+/// Keeps a file under its own name with "~" behind it. The name, or nothing after
+/// one line on standard error when the file cannot be kept or another one has
+/// that name.
+std::optional<QString> keepFormer(const QString& a_sFile, const QByteArray& a_content)
 {
-public:
-    FileCheck(const CheckOptions& a_options, Simulation::ISignalPackageProvider* a_pPackages,
-              Output& a_output);
-
-    [[nodiscard]] ExitCode check(const QString& a_sFile);
-    void writeSummary();
-
-private:
-    void tell(const QString& a_sFile, const QString& a_sText, const QString& a_sRule);
-    void tellFindings(const QString& a_sFile);
-    ExitCode repair(Simulation::ScenarioDataXml& a_scenario, const QString& a_sFile);
-
-    const CheckOptions& m_options;
-    Output& m_output;
-    Simulation::ScenarioChecker m_checker;
-    quint64 m_uiChecked = 0; ///< files
-    quint64 m_uiUnreadable = 0;
-    quint64 m_uiFindings = 0;
-    quint64 m_uiRepaired = 0;
-    bool m_bWritten = false;
-};
-
-FileCheck::FileCheck(const CheckOptions& a_options, Simulation::ISignalPackageProvider* a_pPackages,
-                     Output& a_output)
-    : m_options(a_options)
-    , m_output(a_output)
-    , m_checker(a_pPackages)
-{
-    m_checker.setKnownClasses(a_options.classes);
-}
-
-void FileCheck::tell(const QString& a_sFile, const QString& a_sText, const QString& a_sRule)
-{
-    ++m_uiFindings;
-    m_output.write(terminalText(a_sFile + QStringLiteral(": ") + a_sText + QStringLiteral(" [") + a_sRule) +
-                   QStringLiteral("]\n"));
-}
-
-void FileCheck::tellFindings(const QString& a_sFile)
-{
-    for (const Simulation::ScenarioFinding& finding : m_checker.findings()) {
-        const QString sName =
-            finding.objectName.isEmpty() ? QString() : QStringLiteral(" (") + finding.objectName + u')';
-        tell(a_sFile, orDash(finding.objectId) + sName + QStringLiteral(": ") + finding.text, finding.ruleId);
-        m_uiRepaired += finding.repaired ? 1 : 0;
-    }
-}
-
-/// Writes the scenario as it is after the check.
-ExitCode FileCheck::repair(Simulation::ScenarioDataXml& a_scenario, const QString& a_sFile)
-{
-    const QString sLoss = lossOf(a_scenario);
-    if (!sLoss.isEmpty() && isSameFile(a_sFile, m_options.repairFile)) {
-        complain(QStringLiteral("check: %1 %2 would be lost: give another --repair").arg(a_sFile, sLoss));
-        return ExitCode::Unusable;
-    }
-    const QByteArray document = a_scenario.toXml();
-    if (document.isEmpty()) {
+    const QString sBackup = QFileInfo(a_sFile).canonicalFilePath() + u'~';
+    if (QFileInfo::exists(sBackup)) {
         complain(
-            QStringLiteral("%1: not written: %2")
-                .arg(m_options.repairFile, Simulation::Limits::exceeded(Simulation::Limits::DocumentBytes)));
-        return ExitCode::Unusable;
+            QStringLiteral("%1: is there already: move it away, it may be the only whole copy").arg(sBackup));
+        return std::nullopt;
     }
-    const ExitCode eCode = replaceFile(m_options.repairFile, document);
-    m_bWritten = eCode == ExitCode::Ok;
-    return eCode;
-}
-
-ExitCode FileCheck::check(const QString& a_sFile)
-{
-    // Keeps every id: one that the repository does not know is to be found, not
-    // replaced while loading, and one that it knows is to be written as it was.
-    Simulation::UnresolvedSignalPackageProvider ids;
-    Simulation::ScenarioDataXml scenario(&ids);
-    if (!scenario.fromXmlFile(a_sFile)) {
-        ++m_uiUnreadable;
-        complain(
-            QStringLiteral("%1: cannot be read as a scenario document, the only kind that is checked: %2")
-                .arg(a_sFile, scenario.errorString()));
-        return ExitCode::Unusable;
-    }
-    ++m_uiChecked;
-    const quint64 uiFindings = m_uiFindings;
-    if (!scenario.errorString().isEmpty()) {
-        tell(a_sFile, QStringLiteral("broke off: ") + scenario.errorString(), QStringLiteral("broken-off"));
-    }
-    m_checker.check(scenario);
-    tellFindings(a_sFile);
-    const ExitCode eFound = m_uiFindings == uiFindings ? ExitCode::Ok : ExitCode::Findings;
-    return m_options.repairFile.isEmpty() || isInterrupted() ? eFound
-                                                             : worse(eFound, repair(scenario, a_sFile));
-}
-
-void FileCheck::writeSummary()
-{
-    QString sSummary = counted(m_uiChecked, "file") + QStringLiteral(" checked");
-    if (m_uiUnreadable != 0) {
-        sSummary += QStringLiteral(", %1 not readable").arg(m_uiUnreadable);
-    }
-    sSummary += QStringLiteral(": ") + counted(m_uiFindings, "finding");
-    if (m_bWritten) {
-        sSummary += QStringLiteral(", %1 repaired, written to ").arg(m_uiRepaired) + m_options.repairFile;
-    }
-    m_output.write(terminalText(sSummary) + u'\n');
+    return replaceFile(sBackup, a_content) == ExitCode::Ok ? std::make_optional(sBackup) : std::nullopt;
 }
 
 /// The ids that a repository knows. Every emission keeps its own record, so that a
@@ -162,19 +75,220 @@ private:
     RepositoryPackages& m_packages;
 };
 
-ExitCode checkAll(const CheckOptions& a_options, Simulation::ISignalPackageProvider* a_pPackages,
-                  Output& a_output)
+/// Checks files against the same packages and classes, and counts.
+class FileCheck
 {
-    FileCheck check(a_options, a_pPackages, a_output);
+public:
+    /// The packages are null where none are checked.
+    FileCheck(const CheckOptions& a_options, RepositoryPackages* a_pPackages,
+              Simulation::ISignalPackageProvider* a_pKnownIds, Output& a_output);
+
+    /// Checks all files. An interrupted check says nothing at its end.
+    [[nodiscard]] ExitCode run();
+
+private:
+    [[nodiscard]] ExitCode check(InputFile& a_file);
+    [[nodiscard]] ExitCode checkDeployment(const InputFile& a_file);
+    [[nodiscard]] ExitCode checkScenario(const InputFile& a_file);
+    [[nodiscard]] ExitCode report(const InputFile& a_file, const CheckFindings& a_findings);
+    [[nodiscard]] CheckFindings scenarioFindings(Simulation::ScenarioDataXml& a_scenario);
+    [[nodiscard]] ExitCode refuse(const InputFile& a_file, const QString& a_sReason);
+    [[nodiscard]] ExitCode repair(Simulation::ScenarioDataXml& a_scenario, const InputFile& a_file);
+    [[nodiscard]] bool mayReplace(const InputFile& a_file, const QString& a_sLoss,
+                                  const QByteArray& a_source);
+    void writeSummary();
+
+    const CheckOptions& m_options;
+    RepositoryPackages* m_pPackages;
+    Output& m_output;
+    Report m_report;
+    Simulation::ScenarioChecker m_checker;
+    quint64 m_uiChecked = 0; ///< files
+    quint64 m_uiUnreadable = 0;
+    quint64 m_uiFindings = 0;
+    quint64 m_uiRepaired = 0;
+    bool m_bWritten = false;
+};
+
+FileCheck::FileCheck(const CheckOptions& a_options, RepositoryPackages* a_pPackages,
+                     Simulation::ISignalPackageProvider* a_pKnownIds, Output& a_output)
+    : m_options(a_options)
+    , m_pPackages(a_pPackages)
+    , m_output(a_output)
+    , m_report(a_output, a_options.form)
+    , m_checker(a_pKnownIds)
+{
+    m_checker.setKnownClasses(a_options.classes);
+}
+
+ExitCode FileCheck::report(const InputFile& a_file, const CheckFindings& a_findings)
+{
+    ++m_uiChecked;
+    m_report.list("findings");
+    for (const CheckFinding& finding : a_findings) {
+        ++m_uiFindings;
+        m_uiRepaired += finding.repaired ? 1 : 0;
+        const QString sName =
+            finding.objectName.isEmpty() ? QString() : QStringLiteral(" (") + finding.objectName + u')';
+        const bool bObject = finding.rule != u"broken-off" && finding.rule != u"newer-version";
+        m_report.record("findings",
+                        {{QStringLiteral("object_id"), jsonText(finding.objectId)},
+                         {QStringLiteral("object_name"), jsonText(finding.objectName)},
+                         {QStringLiteral("rule"), finding.rule},
+                         {QStringLiteral("text"), finding.text},
+                         {QStringLiteral("repaired"), finding.repaired}},
+                        a_file.name() + QStringLiteral(": ") +
+                            (bObject ? orDash(finding.objectId) + sName + QStringLiteral(": ") : QString()) +
+                            finding.text + QStringLiteral(" [") + finding.rule + u']');
+    }
+    return a_findings.isEmpty() ? ExitCode::Ok : ExitCode::Findings;
+}
+
+CheckFindings FileCheck::scenarioFindings(Simulation::ScenarioDataXml& a_scenario)
+{
+    CheckFindings findings = brokenOffFindings(a_scenario.errorString());
+    m_checker.check(a_scenario);
+    for (const Simulation::ScenarioFinding& finding : m_checker.findings()) {
+        findings.append(
+            {finding.objectId, finding.objectName, finding.ruleId, finding.text, finding.repaired});
+    }
+    if (m_pPackages != nullptr) {
+        findings += packageFindings(a_scenario, *m_pPackages);
+    }
+    return findings;
+}
+
+/// Whether the written scenario may take the place of the file that lost
+/// something while it was read. With --force the former file is kept first.
+bool FileCheck::mayReplace(const InputFile& a_file, const QString& a_sLoss, const QByteArray& a_source)
+{
+    if (a_sLoss.isEmpty() || !a_file.isSameAs(m_options.repairFile)) {
+        return true;
+    }
+    if (m_options.force) {
+        const std::optional<QString> backup = keepFormer(m_options.repairFile, a_source);
+        m_report.value("former_file", backup.value_or(QString()));
+        return backup.has_value();
+    }
+    complain(QStringLiteral("check: %1: not replaced, because it would lose %2: give another --repair, or "
+                            "--force, which keeps the former file with \"~\" behind its name")
+                 .arg(a_file.name(), a_sLoss));
+    return false;
+}
+
+/// Writes the scenario as it is after the check.
+ExitCode FileCheck::repair(Simulation::ScenarioDataXml& a_scenario, const InputFile& a_file)
+{
+    const QByteArray source = a_file.content();
+    // Writing forgets how the reading ended.
+    const QString sError = a_scenario.errorString();
+    const QByteArray document = a_scenario.toXml();
+    if (document.isEmpty()) {
+        complain(
+            QStringLiteral("%1: not written: %2")
+                .arg(m_options.repairFile, Simulation::Limits::exceeded(Simulation::Limits::DocumentBytes)));
+        return ExitCode::Unusable;
+    }
+    const QString sLoss = sError.isEmpty() ? lossOf(a_scenario, source, document)
+                                           : QStringLiteral("what follows the place where it broke off");
+    if (!mayReplace(a_file, sLoss, source)) {
+        return ExitCode::Unusable;
+    }
+    const ExitCode eCode = replaceFile(m_options.repairFile, document);
+    m_bWritten = eCode == ExitCode::Ok;
+    m_report.value("left_out", jsonText(sLoss));
+    if (m_bWritten && !sLoss.isEmpty()) {
+        m_report.line(QStringLiteral("%1: the repaired scenario lacks %2").arg(a_file.name(), sLoss));
+    }
+    return eCode;
+}
+
+ExitCode FileCheck::refuse(const InputFile& a_file, const QString& a_sReason)
+{
+    ++m_uiUnreadable;
+    m_report.value("error", a_sReason);
+    complain(QStringLiteral("%1: cannot be read as a scenario or deployment document: %2")
+                 .arg(a_file.name(), a_sReason));
+    return ExitCode::Unusable;
+}
+
+ExitCode FileCheck::checkScenario(const InputFile& a_file)
+{
+    // Keeps every id: one that the repository does not know is to be found, not
+    // replaced while loading, and one that it knows is to be written as it was.
+    Simulation::UnresolvedSignalPackageProvider ids;
+    Simulation::ScenarioDataXml scenario(&ids);
+    if (!scenario.fromXmlFile(a_file.path())) {
+        return refuse(a_file, scenario.errorString());
+    }
+    m_report.value("kind", QStringLiteral("scenario"));
+    const ExitCode eFound = report(a_file, scenarioFindings(scenario));
+    return m_options.repairFile.isEmpty() || isInterrupted() ? eFound
+                                                             : worse(eFound, repair(scenario, a_file));
+}
+
+ExitCode FileCheck::checkDeployment(const InputFile& a_file)
+{
+    Simulation::DeploymentDataXml deployment;
+    if (!deployment.fromXmlFile(a_file.path())) {
+        return refuse(a_file, deployment.errorString());
+    }
+    m_report.value("kind", QStringLiteral("deployment"));
+    const ExitCode eFound = report(a_file, deploymentFindings(deployment, a_file.content()));
+    if (m_options.repairFile.isEmpty()) {
+        return eFound;
+    }
+    complain(
+        QStringLiteral("check: %1: is a deployment, and only scenarios are repaired").arg(a_file.name()));
+    return ExitCode::Unusable;
+}
+
+ExitCode FileCheck::check(InputFile& a_file)
+{
+    m_report.beginItem("files");
+    m_report.value("file", a_file.name());
+    if (!a_file.prepare(Simulation::Limits::value(Simulation::Limits::DocumentBytes))) {
+        ++m_uiUnreadable;
+        return ExitCode::Unusable;
+    }
+    return hasDocumentRoot(a_file.head(), "SimulationDeployment") ? checkDeployment(a_file)
+                                                                  : checkScenario(a_file);
+}
+
+void FileCheck::writeSummary()
+{
+    m_report.endPlace();
+    m_report.value("checked_count", jsonCount(m_uiChecked));
+    m_report.value("unreadable_count", jsonCount(m_uiUnreadable));
+    m_report.value("finding_count", jsonCount(m_uiFindings));
+    m_report.value("repaired_count", jsonCount(m_uiRepaired));
+    m_report.value("written", jsonText(m_bWritten ? m_options.repairFile : QString()));
+    QString sSummary = counted(m_uiChecked, "file") + QStringLiteral(" checked");
+    if (m_uiUnreadable != 0) {
+        sSummary += QStringLiteral(", %1 not readable").arg(m_uiUnreadable);
+    }
+    sSummary += QStringLiteral(": ") + counted(m_uiFindings, "finding");
+    if (m_bWritten) {
+        sSummary += QStringLiteral(", %1 repaired, written to ").arg(m_uiRepaired) + m_options.repairFile;
+    }
+    m_report.line(sSummary);
+    m_report.finish();
+}
+
+ExitCode FileCheck::run()
+{
     ExitCode eCode = ExitCode::Ok;
-    for (const QString& sFile : a_options.files) {
-        eCode = worse(eCode, check.check(sFile));
+    Progress progress(QStringLiteral("checking"));
+    for (const QString& sFile : m_options.files) {
+        InputFile file(sFile);
+        progress.setWork(QStringLiteral("checking ") + file.name());
+        eCode = worse(eCode, check(file));
         // An interrupted check is nobody's fault: nothing is said.
-        if (isInterrupted() || !a_output.isOk()) {
+        if (isInterrupted() || !m_output.isOk()) {
             return ExitCode::Unusable;
         }
     }
-    check.writeSummary();
+    writeSummary();
     return eCode;
 }
 
@@ -183,7 +297,7 @@ ExitCode checkAll(const CheckOptions& a_options, Simulation::ISignalPackageProvi
 ExitCode runCheck(const CheckOptions& a_options, Output& a_output)
 {
     if (a_options.repository.isEmpty()) {
-        return checkAll(a_options, nullptr, a_output);
+        return FileCheck(a_options, nullptr, nullptr, a_output).run();
     }
     catchInterruptions(); // the cache is a temporary one
     RepositoryPackages packages;
@@ -197,7 +311,7 @@ ExitCode runCheck(const CheckOptions& a_options, Output& a_output)
         return ExitCode::Unusable;
     }
     KnownIds ids(packages);
-    return checkAll(a_options, &ids, a_output);
+    return FileCheck(a_options, &packages, &ids, a_output).run();
 }
 
 } // namespace SimulationTool

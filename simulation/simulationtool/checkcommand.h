@@ -2,6 +2,7 @@
 #define SIMULATIONTOOL_CHECKCOMMAND_H
 
 #include "exitcode.h"
+#include "report.h"
 
 #include <QSet>
 #include <QString>
@@ -14,13 +15,15 @@ class Output;
 /// What to check and against what.
 struct CheckOptions
 {
-    QStringList files;     ///< scenario documents; exactly one with a repair file
+    QStringList files;     ///< scenarios and deployments, "-" = standard input; one with a repair file
     QString repository;    ///< folder whose packages emissions may name; empty = packages are not checked
     QString repairFile;    ///< where the repaired scenario goes; empty = nowhere
+    bool force = false;    ///< replace the file itself also when that loses something
     QSet<QString> classes; ///< that emitters may have; empty = all
+    ReportForm form = ReportForm::Text;
 };
 
-/// Checks scenarios one after another and writes one line per finding, and one
+/// Checks scenarios and deployments one after another and writes one line per finding, and one
 /// at the end. Findings tells that there were some, repaired or not; Unusable
 /// that a file could not be read or the repaired one not be written, which keeps
 /// no other from being checked. With a repository a check that is interrupted

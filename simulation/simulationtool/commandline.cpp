@@ -27,7 +27,7 @@ const char s_szOverview[] = "Looks into scenarios, deployments and signal packag
                             "Commands:\n"
                             "  inspect     Show what a scenario, deployment, package or data file holds.\n"
                             "  play        Show where every emitter is and what it sends, step by step.\n"
-                            "  check       Check scenarios against a repository, and repair them.\n"
+                            "  check       Check scenarios and deployments, and repair scenarios.\n"
                             "  convert     Write the compact form of a scenario, or a document of one.\n"
                             "  repository  Prepare a folder for signal packages, list those of a folder.\n"
                             "  service     Run the service that devices register with and editors control.\n"

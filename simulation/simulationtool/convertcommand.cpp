@@ -6,6 +6,7 @@
 #include "inputfile.h"
 #include "output.h"
 #include "outputfile.h"
+#include "progress.h"
 #include "report.h"
 #include "scenariofile.h"
 #include "verdict.h"
@@ -112,6 +113,7 @@ ExitCode runConvert(InputFile& a_scenario, const QString& a_sOut, Report& a_repo
     if (!a_scenario.prepare(Simulation::Limits::value(Simulation::Limits::DocumentBytes))) {
         return ExitCode::Unusable;
     }
+    const Progress progress(QStringLiteral("converting ") + a_scenario.name());
     Simulation::ScenarioDataBinary compact(nullptr);
     if (const std::optional<Verdict> verdict = loadCompact(compact, a_scenario.path())) {
         if (verdict->code != ExitCode::Ok) {

@@ -3,12 +3,14 @@
 #include "interruption.h"
 #include "output.h"
 #include "outputfile.h"
+#include "progress.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryFile>
 #include <QXmlStreamReader>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace SimulationTool {
@@ -17,6 +19,12 @@ namespace {
 
 constexpr qint64 s_iHeadBytes = 4096;
 constexpr qint64 s_iBlockBytes = 65'536;
+
+bool isPipe(const QString& a_sFile)
+{
+    struct stat status = {};
+    return ::stat(QFile::encodeName(a_sFile).constData(), &status) == 0 && S_ISFIFO(status.st_mode);
+}
 
 /// Copies what an open device holds. Why that failed; empty when it did not.
 QString copyProblem(QFile& a_from, QFile& a_to, std::uint64_t a_uiMaxBytes)
@@ -53,13 +61,15 @@ InputFile::~InputFile() = default;
 
 bool InputFile::prepare(std::uint64_t a_uiMaxBytes)
 {
-    if (!isStandardInput() || m_copy != nullptr) {
+    if (m_copy != nullptr || (!isStandardInput() && !isPipe(m_sArgument))) {
         return true;
     }
+    const Progress progress(QStringLiteral("reading ") + name());
     m_copy = std::make_unique<QTemporaryFile>();
-    QFile input;
+    QFile input(m_sArgument);
     QString sProblem;
-    if (!input.open(STDIN_FILENO, QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+    const auto eMode = QIODevice::ReadOnly | QIODevice::Unbuffered;
+    if (!(isStandardInput() ? input.open(STDIN_FILENO, eMode) : input.open(eMode))) {
         sProblem = input.errorString();
     } else if (!m_copy->open()) {
         sProblem = QStringLiteral("cannot be copied to a temporary file: ") + m_copy->errorString();
@@ -87,6 +97,12 @@ bool InputFile::isStandardInput() const
 bool InputFile::isSameAs(const QString& a_sFile) const
 {
     return isSameFile(a_sFile, isStandardInput() ? QStringLiteral("/dev/stdin") : m_sArgument);
+}
+
+QByteArray InputFile::content() const
+{
+    QFile file(m_sPath);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QByteArray InputFile::head() const

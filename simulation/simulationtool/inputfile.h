@@ -12,8 +12,8 @@ class QTemporaryFile;
 namespace SimulationTool {
 
 /// A file that a command reads: one that the user names, or standard input,
-/// which is named "-". Standard input is copied to a temporary file first,
-/// because most readers look at a file more than once. That file has no name on
+/// which is named "-". Standard input and named pipes are copied to a temporary
+/// file first, because most readers look at a file more than once. That file has no name on
 /// the disk and ends with this object, also when the process is killed.
 class InputFile
 {
@@ -24,9 +24,9 @@ public:
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
 
-    /// Copies standard input; nothing is done for a file. False after one line on
-    /// standard error when it cannot be read or copied or holds more than so many
-    /// bytes.
+    /// Copies standard input, or a pipe, which can be read only once; nothing is
+    /// done for a file. False after one line on standard error when it cannot be
+    /// read or copied or holds more than so many bytes.
     [[nodiscard]] bool prepare(std::uint64_t a_uiMaxBytes);
 
     /// What readers open; valid once prepared.
@@ -37,6 +37,8 @@ public:
     /// Whether another name leads to the same file; also when standard input was
     /// redirected from that file.
     [[nodiscard]] bool isSameAs(const QString& a_sFile) const;
+    /// All bytes; empty when they cannot be read.
+    [[nodiscard]] QByteArray content() const;
     /// The first bytes (at most 4096); empty when it is no regular file: a pipe
     /// would lose them.
     [[nodiscard]] QByteArray head() const;

@@ -2,6 +2,7 @@
 
 #include "output.h"
 #include "packagelist.h"
+#include "progress.h"
 #include "report.h"
 #include "repositorycfg.h"
 #include "repositoryfolder.h"
@@ -56,6 +57,7 @@ ExitCode runRepositoryInit(const QString& a_sFolder, ReportForm a_eForm, Output&
     if (const QString sProblem = initProblem(a_sFolder); !sProblem.isEmpty()) {
         return refuse(a_sFolder, sProblem);
     }
+    const Progress progress(QStringLiteral("preparing the repository"));
     const QDir folder(QDir(a_sFolder).absolutePath());
     RepositoryCfg cfg(folder.path());
     if (!Simulation::DataStoreFactory::initializeDataStore(&cfg)) {
@@ -93,6 +95,7 @@ ExitCode runRepositoryList(const QString& a_sFolder, ReportForm a_eForm, Output&
     if (Simulation::SignalPackageFolder::isValid(a_sFolder)) {
         return refuse(a_sFolder, QStringLiteral("is a signal package itself (inspect shows it)"));
     }
+    const Progress progress(QStringLiteral("reading the signal packages"));
     const QList<ListedPackage> packages = listPackages(packageStoreOf(a_sFolder));
     QList<ReportRow> rows;
     qsizetype iFaulty = 0;

@@ -6,7 +6,12 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -43,8 +48,15 @@ private Q_SLOTS:
     void initTestCase();
     void file_data();
     void file();
+    void deployment_data();
+    void deployment();
+    void damagedPackage();
     void repair_data();
     void repair();
+    void forceKeepsFormerFile();
+    void redirectedInput();
+    void progress_data();
+    void progress();
     void cleansUp();
 
 private:
@@ -127,10 +139,10 @@ void tst_Check::file_data()
                        sSettings, u"1 file checked: 2 findings"_s}
         << QString();
     const QStringList nothing{u"0 files checked, 1 not readable: 0 findings"_s};
-    QTest::newRow("deployment") << QByteArray("<SimulationDeployment/>") << QStringList() << 2 << nothing
-                                << u"the root element is \"SimulationDeployment\""_s;
+    QTest::newRow("other document") << QByteArray("<Other/>") << QStringList() << 2 << nothing
+                                    << u"the root element is \"Other\""_s;
     QTest::newRow("compact form") << QByteArray("\0\0\0\1\0\0\0\4\0e\0", 11) << QStringList() << 2 << nothing
-                                  << u"a.sce: cannot be read as a scenario document"_s;
+                                  << u"a.sce: cannot be read as a scenario or deployment document"_s;
     QTest::newRow("several files") << repaired(document())
                                    << QStringList{u"none"_s, u"r"_s, u"a.sce"_s} + repository << 2
                                    << QStringList{u"2 files checked, 2 not readable: 0 findings"_s}
@@ -161,6 +173,153 @@ void tst_Check::file()
     QCOMPARE(contentOf(path(u"a.sce"_s)), content);
 }
 
+void tst_Check::deployment_data()
+{
+    QTest::addColumn<QByteArray>("content"); ///< of the root
+    QTest::addColumn<QStringList>("findings");
+
+    const QByteArray station = "<Station ID='s'><Position><Fixed><Lon>180</Lon><Lat>-90</Lat></Fixed>"
+                               "</Position></Station>";
+    const QByteArray device = "<Device ID='d' Name='D'><Station>s</Station></Device>";
+    QTest::newRow("in order") << station + device << QStringList();
+    QTest::newRow("no station") << QByteArray("<Device ID='d' Name='D'/>")
+                                << QStringList{u"d (D): The device belongs to no station. "
+                                               "[device-without-station]"_s};
+    QTest::newRow("station that is not described")
+        << device
+        << QStringList{u"d (D): The deployment does not describe the station \"s\" of the device. "
+                       "[device-without-station]"_s};
+    QTest::newRow("ids twice") << station + device + device + station
+                               << QStringList{
+                                      u"d: 2 elements \"Device\" have this id: they were read as one. "
+                                      "Give each its own id. [duplicate-id]"_s,
+                                      u"s: 2 elements \"Station\" have this id: they were read as one. "
+                                      "Give each its own id. [duplicate-id]"_s};
+    const QString sRange = u"s%1: The position (longitude %2) is outside of -180 to 180 and -90 to 90 "
+                           "degrees. [position-out-of-range]"_s;
+    QTest::newRow("longitude") << QByteArray(station).replace("180", "180.5")
+                               << QStringList{sRange.arg(u" (s)"_s, u"180.5, latitude -90"_s)};
+    QTest::newRow("latitude on a way")
+        << QByteArray(station)
+               .replace("Fixed", "Movement")
+               .replace("<Lon>", "<Position><Lon>")
+               .replace("-90</Lat>", "1</Lat></Position><Position><Lon>1</Lon><Lat>91</Lat></Position>")
+        << QStringList{sRange.arg(u" (s)"_s, u"1, latitude 91"_s)};
+}
+
+void tst_Check::deployment()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QStringList, findings);
+    const QByteArray root = "<SimulationDeployment FileFormatVersion='1'>";
+    const auto checked = [this](const QByteArray& a_document) {
+        if (!write(u"d.xml"_s, a_document)) {
+            return QStringList();
+        }
+        const ToolResult result = check({u"d.xml"_s});
+        QStringList lines = simplifiedLines(result.out);
+        lines.removeLast();
+        lines.append(QString::number(result.code));
+        return lines.replaceInStrings(u"d.xml: "_s, QString());
+    };
+    const QString sCode = findings.isEmpty() ? u"0"_s : u"1"_s;
+    QCOMPARE(checked(root + content + "</SimulationDeployment>"), findings + QStringList{sCode});
+    // What is found also in a document that is newer and breaks off.
+    const QStringList broken = checked(QByteArray(root).replace("'1'", "'2'") + content);
+    QCOMPARE(broken.size(), findings.size() + 3);
+    QVERIFY(broken.at(0).startsWith(u"broke off: line 1") && broken.at(0).endsWith(u"[broken-off]"));
+    QVERIFY(broken.at(1).contains(u"is 2, newer than 1") && broken.at(1).endsWith(u"[newer-version]"));
+    QCOMPARE(broken.mid(2), findings + QStringList{u"1"_s});
+}
+
+/// What the list of packages shows as a problem a check of their users finds.
+void tst_Check::damagedPackage()
+{
+    QVERIFY(write(u"a.sce"_s, repaired(document())));
+    QCOMPARE(runTool({u"repository"_s, u"init"_s, path(u"bad"_s)}).code, 0);
+    const QString sShape = u"bad/SignalPackages/TuK-Default/Rect 10kHz/Signal.ssf"_s;
+    const QByteArray shape = contentOf(path(sShape));
+    QCOMPARE(check({u"a.sce"_s, u"--repository"_s, u"bad"_s}).code, 0);
+    for (const QByteArray& bytes : {shape.chopped(7), shape + "x", shape.left(9)}) {
+        QVERIFY(write(sShape, bytes));
+        const QString sListed =
+            simplifiedLines(runTool({u"repository"_s, u"list"_s, path(u"bad"_s)}).out).value(4);
+        const QString sProblem = sListed.mid(sListed.indexOf(u"Signal.ssf"));
+        const ToolResult result = check({u"a.sce"_s, u"--repository"_s, u"bad"_s});
+        QCOMPARE(simplifiedLines(result.out).value(0).section(u": "_s, 2),
+                 u"The signal package \"%1\" is damaged: %2. Put a whole one into the repository. "
+                 "[damaged-package]"_s.arg(QString::fromLatin1(s_known), sProblem));
+        QCOMPARE(result.code, 1);
+    }
+}
+
+/// The file is replaced, and every byte of the former one is still there; it is
+/// not replaced when that cannot be had.
+void tst_Check::forceKeepsFormerFile()
+{
+    const QByteArray former = "<Scenario><Emitter ID='a'/><!-- mine --><Future/></Scenario>";
+    QVERIFY(write(u"f.sce"_s, former));
+    const QStringList arguments{u"f.sce"_s, u"--repair"_s, u"f.sce"_s, u"--force"_s};
+    QCOMPARE(check(arguments).code, 0);
+    QCOMPARE(contentOf(path(u"f.sce~"_s)), former);
+    QVERIFY(contentOf(path(u"f.sce"_s)).contains("FileFormatVersion=\"4\""));
+    // Nothing is lost the second time: the copy stays what it is.
+    QCOMPARE(check(arguments).code, 0);
+    QCOMPARE(contentOf(path(u"f.sce~"_s)), former);
+    QVERIFY(write(u"f.sce"_s, former));
+    const ToolResult result = check(arguments);
+    QCOMPARE(result.code, 2);
+    QVERIFY2(result.err.contains(u"f.sce~: is there already"), qPrintable(result.err));
+    QCOMPARE(contentOf(path(u"f.sce"_s)), former);
+}
+
+/// A file that standard input comes from is the file itself.
+void tst_Check::redirectedInput()
+{
+    const QByteArray cut = "<Scenario><Emitter ID='a'/>";
+    QVERIFY(write(u"i.sce"_s, cut));
+    QProcess process;
+    process.setStandardInputFile(path(u"i.sce"_s));
+    process.start(QStringLiteral(SIMULATIONTOOL_PATH), {u"check"_s, u"-"_s, u"--repair"_s, path(u"i.sce"_s)});
+    QVERIFY(process.waitForFinished(s_iToolTimeout));
+    QCOMPARE(process.exitCode(), 2);
+    QVERIFY(process.readAllStandardError().contains("standard input: not replaced"));
+    QCOMPARE(contentOf(path(u"i.sce"_s)), cut);
+}
+
+void tst_Check::progress_data()
+{
+    QTest::addColumn<bool>("terminal");
+    QTest::newRow("terminal") << true;
+    QTest::newRow("file") << false;
+}
+
+/// Work of more than a second is shown on a terminal, and erased at the end.
+void tst_Check::progress()
+{
+    QFETCH(bool, terminal);
+    const int iMaster = ::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
+    QVERIFY(iMaster >= 0 && ::grantpt(iMaster) == 0 && ::unlockpt(iMaster) == 0);
+    const QString sTerminal = QString::fromLocal8Bit(::ptsname(iMaster));
+    const int iSlave =
+        ::open(sTerminal.toLocal8Bit().constData(), O_RDWR | O_NOCTTY); // keeps what is written
+    QProcess process;
+    process.setStandardErrorFile(terminal ? sTerminal : path(u"errors"_s));
+    process.start(QStringLiteral(SIMULATIONTOOL_PATH), {u"check"_s, u"-"_s});
+    QVERIFY(!process.waitForFinished(2500)); // waits for its input
+    process.write("<Scenario/>");
+    process.closeWriteChannel();
+    QVERIFY(process.waitForFinished(s_iToolTimeout));
+    QByteArray shown(4096, '\0');
+    shown.truncate(std::max<qsizetype>(0, ::read(iMaster, shown.data(), 4096)));
+    ::close(iSlave);
+    ::close(iMaster);
+    QCOMPARE(shown.contains("checking standard input, 1 s"), terminal);
+    QCOMPARE(shown.endsWith("\r\033[K"), terminal);
+    QCOMPARE(contentOf(path(u"errors"_s)), terminal ? "cannot be read" : QByteArray());
+    QCOMPARE(process.readAllStandardOutput(), QByteArray("1 file checked: 0 findings\n"));
+}
+
 void tst_Check::repair_data()
 {
     QTest::addColumn<QByteArray>("content");
@@ -178,14 +337,36 @@ void tst_Check::repair_data()
     QTest::newRow("broken off") << cut << repaired(cut.trimmed() + "\n</Scenario>\n") << u"out.sce"_s << 1
                                 << QString();
     const QString sLost =
-        u"check: a.sce broke off, and what did not come through would be lost: give another --repair"_s;
-    QTest::newRow("the same file, broken off") << cut << cut << u"a.sce"_s << 2 << sLost;
-    QTest::newRow("a link to it, broken off") << cut << cut << u"link.sce"_s << 2 << sLost;
+        u"check: a.sce: not replaced, because it would lose %1: give another --repair, or --force, which "
+        "keeps the former file with \"~\" behind its name"_s;
+    const QString sRest = u"what follows the place where it broke off"_s;
+    QTest::newRow("the same file, broken off") << cut << cut << u"a.sce"_s << 2 << sLost.arg(sRest);
+    QTest::newRow("a link to it, broken off") << cut << cut << u"link.sce"_s << 2 << sLost.arg(sRest);
     const QByteArray twice = "<Scenario><Emitter ID='a' Name='1'/><Emitter ID='a'/></Scenario>";
     QTest::newRow("the same file, an id twice")
-        << twice << twice << u"a.sce"_s << 2
-        << u"check: a.sce holds several emitters of one id, and all but one of them would be lost: give "
-           "another --repair"_s;
+        << twice << twice << u"a.sce"_s << 2 << sLost.arg(u"all but one of several emitters with one id"_s);
+    const auto addLoss = [&](const char* a_szRow, const char* a_szFrom, const char* a_szTo,
+                             const QString& a_sLoss) {
+        const QByteArray holds = QByteArray(whole).replace(a_szFrom, a_szTo);
+        QVERIFY(holds != whole);
+        QTest::newRow(a_szRow) << holds << holds << u"a.sce"_s << 2 << sLost.arg(a_sLoss);
+    };
+    addLoss("unknown element", "<NoiseSettings>", "<Future><a/><b c='d'/></Future><NoiseSettings>",
+            u"4 of its parts, first of them element \"Future\" (1), element \"a\" (1), element \"b\" (1)"_s);
+    addLoss("unknown attribute", "<NoiseSettings>", "<NoiseSettings Unit='dB'>",
+            u"1 of its parts, first of them attribute \"Unit\" of \"NoiseSettings\" (1)"_s);
+    addLoss("comments", "<NoiseSettings>", "<!-- 1 --><NoiseSettings><!-- 2 -->",
+            u"2 of its parts, first of them comment (2)"_s);
+    addLoss("element given twice", "<Transmitter>", "<Class>x</Class><Transmitter>",
+            u"3 of its parts, first of them element \"Class\" (1), element \"Class\" (1), element "
+            "\"Class\" (1)"_s);
+    addLoss("emitter without an id", "<Network ", "<Emitter Name='x'/><Network ",
+            u"2 of its parts, first of them element \"Emitter\" (1), attribute \"Name\" of \"Emitter\" "
+            "(1)"_s);
+    QTest::newRow("timing of an older format")
+        << QByteArray("<Scenario Description='d'><Emitter ID='a'>"
+                      "<Timing><Contious/></Timing></Emitter></Scenario>")
+        << QByteArray() << u"a.sce"_s << 1 << QString();
     const QByteArray nothing = "cannot be read";
     QTest::newRow("in no folder") << whole << nothing << u"none/out.sce"_s << 2
                                   << u"none/out.sce: No such file or directory"_s;
@@ -206,7 +387,7 @@ void tst_Check::repair()
     QCOMPARE(result.code, code);
     QCOMPARE(simplifiedLines(result.err).join(u'|'), err.isEmpty() ? err : u"simulationtool: "_s + err);
     QCOMPARE(result.out.endsWith(u" repaired, written to "_s + file + u'\n'), code != 2);
-    QCOMPARE(contentOf(path(file)), written);
+    QVERIFY(written.isEmpty() || contentOf(path(file)) == written);
     QVERIFY(file == u"a.sce" || file == u"link.sce" || contentOf(path(u"a.sce"_s)) == content);
     QVERIFY(QFileInfo(path(u"link.sce"_s)).isSymLink());
     QVERIFY(code == 2 || check({file, u"--repository"_s, u"r"_s}).code == 0);

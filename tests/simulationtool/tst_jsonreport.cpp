@@ -68,6 +68,8 @@ void tst_JsonReport::initTestCase()
     QVERIFY(QFile::copy(path(s_sPackage + u"/Signal.xml"_s), path(u"b/Signal.xml"_s)));
     QVERIFY(write(u"b/Signal.ssf"_s, "T&K"));
     QVERIFY(write(u"cut.sce"_s, "<Scenario><Emitter ID='e'/>"));
+    QVERIFY(write(u"twice.xml"_s, "<SimulationDeployment><Station ID='s'/><Station ID='s'/>"
+                                  "</SimulationDeployment>"));
     QVERIFY(write(u"same.sce"_s,
                   "<Scenario><Emitter ID='e'><Frequency><Fixed>nan</Fixed></Frequency>"
                   "<EmissionSettings Duration='9223372036854775807'><Emission ID='1' "
@@ -110,6 +112,27 @@ void tst_JsonReport::value_data()
     add(u"repository init @new"_s, u"package_count"_s, 3);
     add(u"convert "_s + s_sBuiltIn + u" @out"_s, u"not_carried/networks/members"_s, 6);
     add(u"convert "_s + s_sBuiltIn + u" @out"_s, u"emitter_count"_s, 13);
+    const QString sPlay = u"play --to 201ms --step 0.1s --emitter ferry"_s;
+    add(sPlay, u"rows/#"_s, 3);
+    add(sPlay, u"rows/1/time_ms"_s, 100);
+    add(sPlay, u"rows/0/frequency_hz"_s, 156.8e6);
+    add(sPlay, u"rows/0/active"_s, false);
+    add(sPlay, u"rows/0/package"_s, QJsonValue::Null);
+    add(sPlay, u"verdict"_s, u"whole"_s);
+    add(sPlay + u" --csv @rows.csv"_s, u"row_count"_s, 3);
+    add(u"play @cut.sce --to 1 --repository @b"_s, u"verdict"_s,
+        u"broke off: line 1, column 27: Premature end of document."_s);
+    const QString sCheck = u"check @cut.sce @none @twice.xml"_s;
+    add(sCheck, u"files/0/findings/0/rule"_s, u"broken-off"_s);
+    add(sCheck, u"files/0/findings/0/object_id"_s, QJsonValue::Null);
+    add(sCheck, u"files/1/error"_s, u"No such file or directory"_s);
+    add(sCheck, u"files/2/findings/0/object_id"_s, u"s"_s);
+    add(sCheck, u"files/2/findings/0/repaired"_s, false);
+    add(sCheck, u"checked_count"_s, 2);
+    add(sCheck, u"finding_count"_s, 2);
+    add(u"check @same.sce --repair @copy.sce"_s, u"files/0/findings/#"_s, 0);
+    add(u"demo"_s, u"steps/8/done"_s, true);
+    add(u"demo"_s, u"rows/0/time_ms"_s, 0);
 }
 
 /// Standard output is one document that holds the value, and nothing else.
@@ -153,6 +176,8 @@ void tst_JsonReport::sameCodes_data()
     QTest::newRow("no scenario") << u"convert @b/Signal.ssf @out"_s << 2 << false;
     QTest::newRow("no folder") << u"repository list @none"_s << 2 << false;
     QTest::newRow("faulty package") << u"repository list @b/.."_s << 1 << true;
+    QTest::newRow("play of no emitter") << u"play --emitter none"_s << 2 << false;
+    QTest::newRow("check of a missing file") << u"check @none"_s << 2 << true;
     QTest::newRow("usage") << u"repository init"_s << 2 << false;
 }
 

@@ -1,0 +1,122 @@
+#include "documentloss.h"
+
+#include <QHash>
+#include <QStringList>
+#include <QXmlStreamReader>
+
+#include <algorithm>
+
+namespace SimulationTool {
+
+namespace {
+
+constexpr qsizetype s_iShownParts = 3;
+constexpr qsizetype s_iShownCharacters = 40; ///< of the name of a part
+constexpr qsizetype s_iObjectDepth = 2;      ///< of the elements that are objects: root, object
+
+/// The parts of a document: how often each is there, and in what order they
+/// appeared first.
+struct Parts
+{
+    void add(const QString& a_sPlace, const QString& a_sText)
+    {
+        if (const QString sKey = a_sPlace + u'\n' + a_sText; counts[sKey]++ == 0) {
+            keys.append(sKey);
+            texts.append(a_sText);
+        }
+    }
+
+    QHash<QString, qsizetype> counts;
+    QStringList keys;
+    QStringList texts;
+};
+
+/// Whether a reader turns the element, of formats before version 4, into
+/// something that has another name today.
+bool isConverted(const QStringList& a_path)
+{
+    const QString& sName = a_path.constLast();
+    return a_path.size() == s_iObjectDepth + 1 &&
+           (sName == u"Timing" || sName == u"Activity" || sName == u"SignalPackage");
+}
+
+bool isConverted(const QStringList& a_path, QStringView a_sAttribute)
+{
+    return a_path.size() == 1 && a_sAttribute == u"Description";
+}
+
+void addElement(Parts& a_parts, QXmlStreamReader& a_reader, QStringList& a_path)
+{
+    QString sStep = a_reader.qualifiedName().toString();
+    const QString sName = sStep.left(s_iShownCharacters);
+    if (a_path.size() + 1 == s_iObjectDepth) {
+        // What one object lacks another must not make up for.
+        sStep += u' ';
+        sStep += a_reader.attributes().value(QLatin1String("ID"));
+    }
+    a_path.append(sStep);
+    if (isConverted(a_path)) {
+        a_reader.skipCurrentElement();
+        a_path.removeLast();
+        return;
+    }
+    const QString sPlace = a_path.join(u'/');
+    a_parts.add(sPlace, QStringLiteral("element \"%1\"").arg(sName));
+    for (const QXmlStreamAttribute& attribute : a_reader.attributes()) {
+        if (!attribute.value().isEmpty() && !isConverted(a_path, attribute.qualifiedName())) {
+            a_parts.add(sPlace, QStringLiteral("attribute \"%1\" of \"%2\"")
+                                    .arg(attribute.qualifiedName().left(s_iShownCharacters), sName));
+        }
+    }
+}
+
+Parts partsOf(const QByteArray& a_document)
+{
+    Parts parts;
+    QStringList path;
+    QXmlStreamReader reader(a_document);
+    while (!reader.atEnd()) {
+        switch (reader.readNext()) {
+        case QXmlStreamReader::StartElement:
+            addElement(parts, reader, path);
+            break;
+        case QXmlStreamReader::EndElement:
+            path.removeLast();
+            break;
+        case QXmlStreamReader::Comment:
+            parts.add({}, QStringLiteral("comment"));
+            break;
+        case QXmlStreamReader::ProcessingInstruction:
+            parts.add({}, QStringLiteral("processing instruction"));
+            break;
+        default:
+            break;
+        }
+    }
+    return parts;
+}
+
+} // namespace
+
+QString documentLoss(const QByteArray& a_source, const QByteArray& a_written)
+{
+    const Parts source = partsOf(a_source);
+    const Parts written = partsOf(a_written);
+    QStringList shown;
+    qsizetype iLost = 0;
+    for (qsizetype i = 0; i < source.keys.size(); ++i) {
+        const QString& sKey = source.keys.at(i);
+        const qsizetype iMissing = source.counts.value(sKey) - written.counts.value(sKey);
+        iLost += std::max<qsizetype>(iMissing, 0);
+        if (iMissing > 0 && shown.size() < s_iShownParts) {
+            shown.append(QStringLiteral("%1 (%2)").arg(source.texts.at(i), QString::number(iMissing)));
+        }
+    }
+    if (iLost == 0) {
+        return {};
+    }
+    return QStringLiteral("%1 of its parts, first of them %2")
+        .arg(QString::number(iLost), shown.join(QStringLiteral(", ")));
+}
+
+} // namespace SimulationTool
