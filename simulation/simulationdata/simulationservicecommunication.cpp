@@ -50,11 +50,15 @@ void SimulationServiceCommunication::setSocket(QTcpSocket* a_pSocket)
     connect(m_pSeparator, &XmlSeparator::errorOccured, this,
             &SimulationServiceCommunication::slotErrorOccured);
     // The other end of a new connection knows nothing of the half document that
-    // the old one may have left.
-    connect(a_pSocket, &QTcpSocket::connected, m_pSeparator, [this, pSeparator = m_pSeparator] {
-        pSeparator->reset();
-        m_bLostCommands = m_bLostCommands && pSeparator != m_pSeparator;
-    });
+    // the old one may have left. The state changes before connected() is emitted,
+    // in whose slots users already send.
+    connect(a_pSocket, &QTcpSocket::stateChanged, m_pSeparator,
+            [this, pSeparator = m_pSeparator](QAbstractSocket::SocketState a_eState) {
+                if (a_eState == QAbstractSocket::ConnectedState) {
+                    pSeparator->reset();
+                    m_bLostCommands = m_bLostCommands && pSeparator != m_pSeparator;
+                }
+            });
 }
 
 QTcpSocket* SimulationServiceCommunication::socket() const

@@ -600,6 +600,14 @@ void TestSimulationServiceCommunication::tooLarge()
     QTRY_COMPARE(wire.far->bytesAvailable(), bare("StopScenario").size());
     wire.reconnect();
     QVERIFY(!wire.communication->hasLostCommands());
+
+    // The loss belongs to the new connection, whoever hears of that first.
+    wire.communication->setSocket(nullptr);
+    connect(wire.near.get(), &QTcpSocket::connected, wire.communication.get(),
+            [&wire] { wire.communication->sendLoadScenario(QByteArray(200, 'x')); });
+    wire.communication->setSocket(wire.near.get());
+    wire.reconnect();
+    QVERIFY(wire.communication->hasLostCommands());
 }
 
 QTEST_GUILESS_MAIN(TestSimulationServiceCommunication)
