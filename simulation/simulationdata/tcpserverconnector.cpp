@@ -97,9 +97,13 @@ bool TcpServerConnector::isConnected() const
 void TcpServerConnector::connectToServer()
 {
     trace(ErrorHandler::TraceProgress, s_szSource, [this] { return tryText(); });
-    m_iFailures = 0;
-    m_sReason.clear();
-    m_start.start(0);
+    // A slot that asks for every attempt must not spare the connector its pauses.
+    // There, the connection is up or the next attempt is due already.
+    if (!m_bEmitting) {
+        m_iFailures = 0;
+        m_sReason.clear();
+        m_start.start(0);
+    }
 }
 
 void TcpServerConnector::disconnectFromServer()

@@ -21,7 +21,8 @@ namespace Simulation {
 /// 2 s. A connection that lasted 2 s ends the series, so the attempts after its
 /// loss begin at once. A shorter connection counts as a failed attempt: a port
 /// that accepts and closes must not keep a processor busy. connectToServer()
-/// begins a series, too.
+/// begins a series, too, except in a slot on the connector's own signals: there
+/// the series continues.
 ///
 /// The first failure of a series is traced, and so is one for another reason
 /// than the failure before it. Further failures for the same reason are not.
@@ -55,9 +56,10 @@ Q_SIGNALS:
 
 public Q_SLOTS:
     /// Starts an attempt from the event loop, without waiting for the next one of
-    /// the series, unless the socket is connected or about to be. A connection of
-    /// the socket with itself, which attempts on a local port that nobody listens
-    /// on can end in, is a failed attempt.
+    /// the series, unless the socket is connected or about to be. In a slot on the
+    /// connector's own signals it changes nothing: the series continues by itself.
+    /// A connection of the socket with itself, which attempts on a local port that
+    /// nobody listens on can end in, is a failed attempt.
     void connectToServer();
 
     /// Closes the connection, after which a new attempt follows.
@@ -83,7 +85,7 @@ private:
     int m_iFailures = 0;             ///< of the series
     QString m_sReason;               ///< of the failure that was traced last; null at the begin of a series
     bool m_bAnnounced = false;       ///< connectedToServer() was the last signal
-    bool m_bEmitting = false;        ///< from inside a signal of the socket
+    bool m_bEmitting = false;        ///< a signal of this object, inside one of the socket
 };
 
 } // namespace Simulation

@@ -69,6 +69,7 @@ private Q_SLOTS:
     void startsAreOne();
     void failedAttempts();
     void pauses();
+    void hangingUp_data();
     void hangingUp();
     void abortedAttempt();
     void deletedInSlot();
@@ -200,14 +201,29 @@ void TestTcpServerConnector::pauses()
     QCOMPARE(pauses.first(2 * series.size()), series + series);
 }
 
+void TestTcpServerConnector::hangingUp_data()
+{
+    QTest::addColumn<bool>("asks");
+    QTest::newRow("the application waits") << false;
+    QTest::newRow("the application asks in every slot") << true;
+}
+
 /// A server that hangs up at once is as bad as none, unless the connection
 /// lasted.
 void TestTcpServerConnector::hangingUp()
 {
+    QFETCH(const bool, asks);
     constexpr int iKept = 2100; // ms
     constexpr qsizetype iShort = 5;
     Road road;
     Pauses pauses;
+    for (const auto pSignal :
+         {&TcpServerConnector::connectedToServer, &TcpServerConnector::disconnectedFromServer}) {
+        if (asks) {
+            connect(road.connector.get(), pSignal, road.connector.get(),
+                    &TcpServerConnector::connectToServer);
+        }
+    }
     notePauses(*road.connector, &QTcpSocket::disconnected, pauses);
     connect(&road.server, &QTcpServer::newConnection, this, [&] {
         QTcpSocket* const pPeer = road.server.nextPendingConnection();
