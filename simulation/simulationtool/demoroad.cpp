@@ -85,14 +85,25 @@ bool DemoRoad::waitFor(const std::function<bool(const SimulationDevice&)>& a_isD
 bool DemoRoad::makeRepository()
 {
     RepositoryCfg cfg(m_folder.path());
-    if (!m_folder.isValid() || !Simulation::DataStoreFactory::initializeDataStore(&cfg)) {
+    if (!m_folder.isValid()) {
+        m_sProblem = QStringLiteral("in a temporary folder: %1. Choose another place (TMPDIR)")
+                         .arg(m_folder.errorString());
         return false;
     }
-    const auto uiPackages =
-        static_cast<quint64>(Simulation::SignalPackageFolder::list(packageStoreOf(m_folder.path())).size());
+    const bool bMade = Simulation::DataStoreFactory::initializeDataStore(&cfg);
+    const QString sStore = packageStoreOf(m_folder.path()); // which is there only now
+    if (!bMade || !Simulation::SignalPackageFolder::isValid(
+                      Simulation::DataStoreFactory::defaultSignalPackage(sStore))) {
+        m_sProblem =
+            QStringLiteral("in %1: the default data could not be written (--trace names the reason). "
+                           "Remove the cause or choose another place (TMPDIR)")
+                .arg(m_folder.path());
+        return false;
+    }
+    const auto uiPackages = static_cast<quint64>(Simulation::SignalPackageFolder::list(sStore).size());
     tell(QStringLiteral("demo"),
          QStringLiteral("repository with %1 in a temporary folder").arg(counted(uiPackages, "package")));
-    return uiPackages > 0;
+    return true;
 }
 
 bool DemoRoad::startService()
