@@ -48,6 +48,8 @@ const char s_szDeviceExamples[] =
     "\n"
     "Exit codes:\n"
     "  0  It was interrupted.\n"
+    "  1  It was interrupted, but packages of its repository could not be copied; the\n"
+    "     log names the reason.\n"
     "  2  Wrong usage, or something could not be read or written.\n";
 
 constexpr std::uint32_t s_uiDefaultStep = 1000; ///< ms
@@ -109,6 +111,10 @@ ExitCode runDevice(const DeviceOptions& a_options, Output& a_output)
         log(QStringLiteral("no repository is configured: the default package replaces all others"));
         simulationDevice.setPackageRemark(QStringLiteral("no repository is configured"));
     }
+    if (!packages.isComplete()) {
+        // A missing package is no reason to take the whole device away.
+        simulationDevice.setPackageFault(QStringLiteral("some packages could not be copied to the cache"));
+    }
     DevicePlay devicePlay(simulationDevice, &packages, a_output);
     const auto endUnless = [&](bool a_bWritten) {
         if (!a_bWritten) {
@@ -127,7 +133,7 @@ ExitCode runDevice(const DeviceOptions& a_options, Output& a_output)
     }
     acceptInterruption();
     log(QStringLiteral("device ends"));
-    return ExitCode::Ok;
+    return packages.isComplete() ? ExitCode::Ok : ExitCode::Findings;
 }
 
 /// Why a text cannot identify a device: it must come back from the service as it

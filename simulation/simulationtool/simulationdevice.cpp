@@ -274,11 +274,15 @@ void SimulationDevice::noteLoaded()
     m_report.scenario = DeviceReport::scenarioText(LogLimit::part(m_scenario->getName()), m_emitters.size());
     m_log.tell(m_report.scenario);
     m_report.warning = m_packages.warning();
+    if (!m_report.warning.isEmpty() && !m_sPackageRemark.isEmpty()) {
+        m_report.warning = m_sPackageRemark + QStringLiteral(": ") + m_report.warning;
+    }
+    if (!m_sPackageFault.isEmpty()) {
+        const QString sDivider = m_report.warning.isEmpty() ? QString() : QStringLiteral(", ");
+        m_report.warning = m_sPackageFault + sDivider + m_report.warning;
+    }
     if (m_report.warning.isEmpty()) {
         return;
-    }
-    if (!m_sPackageRemark.isEmpty()) {
-        m_report.warning = m_sPackageRemark + QStringLiteral(": ") + m_report.warning;
     }
     m_log.tell(QStringLiteral("warning: ") + m_report.warning);
 }

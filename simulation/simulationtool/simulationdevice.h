@@ -58,6 +58,10 @@ public:
     /// replaced. Empty at first.
     void setPackageRemark(const QString& a_sRemark) { m_sPackageRemark = a_sRemark; }
 
+    /// What is wrong with the packages, whatever the scenario: a warning with every
+    /// scenario. Empty at first.
+    void setPackageFault(const QString& a_sFault) { m_sPackageFault = a_sFault; }
+
     void connectToService(const ServerAddress& a_server);
 
     /// Whether the service that it is connected to has confirmed it.
@@ -117,6 +121,7 @@ private:
     Simulation::SimulationDeviceConfiguration m_configuration;
     PackageUse m_packages; ///< outlives the scenario
     QString m_sPackageRemark;
+    QString m_sPackageFault;
     const std::uint32_t m_uiStep; ///< ms
     LogLimit m_log;
 

@@ -1,3 +1,4 @@
+#include "filesizelimit.h"
 #include "kpbase/errorhandler.h"
 #include "simulationdata/scenariotiminghelper.h"
 #include "simulationdata/simulationservicecommunication.h"
@@ -141,6 +142,7 @@ private Q_SLOTS:
     void road();
     void serviceIsRestarted();
     void deviceWaits();
+    void deviceLacksPackages();
     void lateDevice();
     void newestControls();
     void newestRegisters();
@@ -165,6 +167,7 @@ private Q_SLOTS:
     void onlookers();
     void demo();
     void demoTellsWhatIsBroken();
+    void demoWithoutRoom();
 
 private:
     QTemporaryDir m_folder;
@@ -264,6 +267,28 @@ void tst_WireCommands::deviceWaits()
     const Service service(sPort);
     QVERIFY(device.says(QStringLiteral("rx: connected")) && device.says(QStringLiteral("rx: accepted")));
     QCOMPARE(device.text().count(QStringLiteral("waits for")), 1);
+}
+
+/// The device serves without them, the editor learns why, and the exit code is not
+/// that of a whole device.
+void tst_WireCommands::deviceLacksPackages()
+{
+    const QString sRepository = m_folder.filePath(QStringLiteral("too-large"));
+    QCOMPARE(runTool({QStringLiteral("repository"), QStringLiteral("init"), sRepository}).code, 0);
+    QFile file(sRepository + QStringLiteral("/SignalPackages/TuK-Default/Rect 10kHz/Signal.sdf"));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(300'000));
+    Service service;
+    const auto device = [&] {
+        const FileSizeLimit limit(290'000);
+        return startDevice(QStringLiteral("rx"), service.address(),
+                           {QStringLiteral("--repository"), sRepository});
+    }();
+    QVERIFY(device->says(QStringLiteral("could not be copied to the cache folder")));
+    QVERIFY(device->says(QStringLiteral("accepted")));
+    const ToolResult loaded = runControl(service.address(), {QStringLiteral("load"), s_sBuiltIn});
+    QVERIFY2(loaded.out.contains(QStringLiteral("some packages could not be copied to the cache")),
+             qPrintable(loaded.out));
+    QCOMPARE(device->codeAfter(SIGTERM), 1);
 }
 
 void tst_WireCommands::lateDevice()
@@ -703,6 +728,17 @@ void tst_WireCommands::demoTellsWhatIsBroken()
         }
     }
     QFAIL("the demo needs fewer files than expected");
+}
+
+void tst_WireCommands::demoWithoutRoom()
+{
+    const FileSizeLimit limit(1'000);
+    const ToolResult result = runTool({QStringLiteral("demo")});
+    QCOMPARE(result.code, 1);
+    QVERIFY2(
+        result.err.startsWith(QStringLiteral("simulationtool: demo: could not make a repository in /")) &&
+            result.err.contains(QStringLiteral("(--trace names the reason). ")),
+        qPrintable(result.err));
 }
 
 void tst_WireCommands::orders_data()
