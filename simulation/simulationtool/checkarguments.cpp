@@ -26,13 +26,17 @@ const char s_szCheck[] = "Checks scenario and deployment documents and writes on
                          "                          settings. Repaired: it gets those of a new object.\n"
                          "  broken-off              the document is cut off, malformed or beyond a\n"
                          "                          limit; what came before is checked\n"
+                         "  position-out-of-range   a position is no place on the earth\n"
+                         "  not-read                elements or attributes that the format does not have\n"
+                         "                          at their place, such as misspelt ones, and that have\n"
+                         "                          no effect; not looked for after broken-off or\n"
+                         "                          duplicate-id; never repaired\n"
                          "\n"
-                         "Of deployments: broken-off, duplicate-id, and\n"
+                         "Of deployments: broken-off, duplicate-id, position-out-of-range, not-read, and\n"
                          "\n"
                          "  newer-version           the format is newer than the tool\n"
                          "  device-without-station  a device names no station, or one that the deployment\n"
                          "                          does not describe\n"
-                         "  position-out-of-range   a position is no place on the earth\n"
                          "\n"
                          "Files stay as they are, unless --repair names one. A repaired scenario is\n"
                          "written afresh in the current format: ids that no rule found stay, numbers get\n"
@@ -96,7 +100,7 @@ QString problemOf(const QCommandLineParser& a_parser)
         return QStringLiteral("standard input (-) can be checked once");
     }
     if (isStandardStreamName(a_parser.value(s_sRepair))) {
-        return QStringLiteral("--repair needs a file (./- is one that is called so)");
+        return QStringLiteral("--repair needs a file, not \"-\" (./- is a file of that name)");
     }
     if (a_parser.isSet(s_sForce) && !a_parser.isSet(s_sRepair)) {
         return QStringLiteral("--force belongs to --repair");

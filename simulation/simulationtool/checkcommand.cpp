@@ -22,6 +22,7 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
 #include <optional>
 
 namespace SimulationTool {
@@ -36,10 +37,10 @@ QString lossOf(const Simulation::ScenarioDataXml& a_scenario, const QByteArray& 
     if (!a_scenario.mergedIds().isEmpty()) {
         return QStringLiteral("all but one of several emitters with one id");
     }
-    return documentLoss(a_source, a_written);
+    return documentLoss(a_source, a_written, Notes::Count);
 }
 
-/// Keeps a file under its own name with "~" behind it. The name, or nothing after
+/// Keeps a file under its own name with "~" added. The name, or nothing after
 /// one line on standard error when the file cannot be kept or another one has
 /// that name.
 std::optional<QString> keepFormer(const QString& a_sFile, const QByteArray& a_content)
@@ -51,6 +52,12 @@ std::optional<QString> keepFormer(const QString& a_sFile, const QByteArray& a_co
         return std::nullopt;
     }
     return replaceFile(sBackup, a_content) == ExitCode::Ok ? std::make_optional(sBackup) : std::nullopt;
+}
+
+/// Whether what a rule finds is in the document itself, not in one of its objects.
+bool isOfDocument(const QString& a_sRule)
+{
+    return a_sRule == u"broken-off" || a_sRule == u"newer-version" || a_sRule == u"not-read";
 }
 
 /// The ids that a repository knows. Every emission keeps its own record, so that a
@@ -93,7 +100,8 @@ private:
     [[nodiscard]] ExitCode report(const InputFile& a_file, const CheckFindings& a_findings);
     [[nodiscard]] CheckFindings scenarioFindings(Simulation::ScenarioDataXml& a_scenario);
     [[nodiscard]] ExitCode refuse(const InputFile& a_file, const QString& a_sReason);
-    [[nodiscard]] ExitCode repair(Simulation::ScenarioDataXml& a_scenario, const InputFile& a_file);
+    [[nodiscard]] ExitCode repair(const InputFile& a_file, const QString& a_sLoss,
+                                  const QByteArray& a_document);
     [[nodiscard]] bool mayReplace(const InputFile& a_file, const QString& a_sLoss,
                                   const QByteArray& a_source);
     void writeSummary();
@@ -130,7 +138,7 @@ ExitCode FileCheck::report(const InputFile& a_file, const CheckFindings& a_findi
         m_uiRepaired += finding.repaired ? 1 : 0;
         const QString sName =
             finding.objectName.isEmpty() ? QString() : QStringLiteral(" (") + finding.objectName + u')';
-        const bool bObject = finding.rule != u"broken-off" && finding.rule != u"newer-version";
+        const bool bObject = !isOfDocument(finding.rule);
         m_report.record("findings",
                         {{QStringLiteral("object_id"), jsonText(finding.objectId)},
                          {QStringLiteral("object_name"), jsonText(finding.objectName)},
@@ -155,6 +163,7 @@ CheckFindings FileCheck::scenarioFindings(Simulation::ScenarioDataXml& a_scenari
     if (m_pPackages != nullptr) {
         findings += packageFindings(a_scenario, *m_pPackages);
     }
+    findings += placeFindings(a_scenario);
     return findings;
 }
 
@@ -170,35 +179,29 @@ bool FileCheck::mayReplace(const InputFile& a_file, const QString& a_sLoss, cons
         m_report.value("former_file", backup.value_or(QString()));
         return backup.has_value();
     }
-    complain(QStringLiteral("check: %1: not replaced, because it would lose %2: give another --repair, or "
-                            "--force, which keeps the former file with \"~\" behind its name")
+    complain(QStringLiteral("check: %1: not replaced, because it would lose %2: give --repair another file, "
+                            "or add --force, which keeps the former file, \"~\" added to its name")
                  .arg(a_file.name(), a_sLoss));
     return false;
 }
 
-/// Writes the scenario as it is after the check.
-ExitCode FileCheck::repair(Simulation::ScenarioDataXml& a_scenario, const InputFile& a_file)
+/// Writes the document of the scenario after the check, which lacks `a_sLoss`.
+ExitCode FileCheck::repair(const InputFile& a_file, const QString& a_sLoss, const QByteArray& a_document)
 {
-    const QByteArray source = a_file.content();
-    // Writing forgets how the reading ended.
-    const QString sError = a_scenario.errorString();
-    const QByteArray document = a_scenario.toXml();
-    if (document.isEmpty()) {
+    if (a_document.isEmpty()) {
         complain(
             QStringLiteral("%1: not written: %2")
                 .arg(m_options.repairFile, Simulation::Limits::exceeded(Simulation::Limits::DocumentBytes)));
         return ExitCode::Unusable;
     }
-    const QString sLoss = sError.isEmpty() ? lossOf(a_scenario, source, document)
-                                           : QStringLiteral("what follows the place where it broke off");
-    if (!mayReplace(a_file, sLoss, source)) {
+    if (!mayReplace(a_file, a_sLoss, a_file.content())) {
         return ExitCode::Unusable;
     }
-    const ExitCode eCode = replaceFile(m_options.repairFile, document);
+    const ExitCode eCode = replaceFile(m_options.repairFile, a_document);
     m_bWritten = eCode == ExitCode::Ok;
-    m_report.value("left_out", jsonText(sLoss));
-    if (m_bWritten && !sLoss.isEmpty()) {
-        m_report.line(QStringLiteral("%1: the repaired scenario lacks %2").arg(a_file.name(), sLoss));
+    m_report.value("left_out", jsonText(a_sLoss));
+    if (m_bWritten && !a_sLoss.isEmpty()) {
+        m_report.line(QStringLiteral("%1: the repaired scenario lacks %2").arg(a_file.name(), a_sLoss));
     }
     return eCode;
 }
@@ -222,9 +225,21 @@ ExitCode FileCheck::checkScenario(const InputFile& a_file)
         return refuse(a_file, scenario.errorString());
     }
     m_report.value("kind", QStringLiteral("scenario"));
-    const ExitCode eFound = report(a_file, scenarioFindings(scenario));
-    return m_options.repairFile.isEmpty() || isInterrupted() ? eFound
-                                                             : worse(eFound, repair(scenario, a_file));
+    // Writing forgets how the reading ended.
+    const bool bBrokeOff = !scenario.errorString().isEmpty();
+    CheckFindings findings = scenarioFindings(scenario);
+    const QByteArray source = a_file.content();
+    const QByteArray document = scenario.toXml();
+    if (!bBrokeOff && scenario.mergedIds().isEmpty()) {
+        findings += unreadFindings(source, document);
+    }
+    const ExitCode eFound = report(a_file, findings);
+    if (m_options.repairFile.isEmpty() || isInterrupted()) {
+        return eFound;
+    }
+    const QString sLoss = bBrokeOff ? QStringLiteral("what follows the place where it broke off")
+                                    : lossOf(scenario, source, document);
+    return worse(eFound, repair(a_file, sLoss, document));
 }
 
 ExitCode FileCheck::checkDeployment(const InputFile& a_file)
@@ -234,7 +249,16 @@ ExitCode FileCheck::checkDeployment(const InputFile& a_file)
         return refuse(a_file, deployment.errorString());
     }
     m_report.value("kind", QStringLiteral("deployment"));
-    const ExitCode eFound = report(a_file, deploymentFindings(deployment, a_file.content()));
+    const QByteArray source = a_file.content();
+    CheckFindings findings = deploymentFindings(deployment, source);
+    const bool bAsRead = deployment.errorString().isEmpty() &&
+                         std::none_of(findings.cbegin(), findings.cend(), [](const CheckFinding& a_finding) {
+                             return isOfDocument(a_finding.rule) || a_finding.rule == u"duplicate-id";
+                         });
+    if (bAsRead) {
+        findings += unreadFindings(source, deployment.toXml());
+    }
+    const ExitCode eFound = report(a_file, findings);
     if (m_options.repairFile.isEmpty()) {
         return eFound;
     }

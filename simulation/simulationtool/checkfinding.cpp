@@ -1,5 +1,6 @@
 #include "checkfinding.h"
 
+#include "documentloss.h"
 #include "repositorypackages.h"
 #include "scenariofile.h"
 
@@ -94,9 +95,10 @@ std::optional<Simulation::TPos> wrongPosition(Simulation::IPositionSettings* a_p
     return isPlace(position) ? std::nullopt : std::make_optional(position);
 }
 
-void checkPosition(CheckFindings& a_findings, const Simulation::DeploymentObject& a_object)
+void checkPosition(CheckFindings& a_findings, const auto& a_object,
+                   Simulation::IPositionSettings* a_pSettings)
 {
-    if (const auto position = wrongPosition(a_object.positionSettings())) {
+    if (const auto position = wrongPosition(a_pSettings)) {
         a_findings.append(
             {a_object.id(), a_object.name(), QStringLiteral("position-out-of-range"),
              QStringLiteral("The position (longitude %1, latitude %2) is outside of -180 to 180 and -90 to "
@@ -112,7 +114,7 @@ void checkDevice(CheckFindings& a_findings, const Simulation::DeploymentDevice& 
     if (!station) {
         a_findings.append({a_device.id(), a_device.name(), QStringLiteral("device-without-station"),
                            QStringLiteral("The device belongs to no station.")});
-        checkPosition(a_findings, a_device);
+        checkPosition(a_findings, a_device, a_device.positionSettings());
         return;
     }
     if (!a_elements.contains({QStringLiteral("Station"), station->id()})) {
@@ -131,6 +133,31 @@ CheckFindings brokenOffFindings(const QString& a_sError)
         return {};
     }
     return {{{}, {}, QStringLiteral("broken-off"), documentVerdict(a_sError).text}};
+}
+
+CheckFindings unreadFindings(const QByteArray& a_document, const QByteArray& a_written)
+{
+    const QString sParts =
+        a_written.isEmpty() ? QString() : documentLoss(a_document, a_written, Notes::Ignore);
+    if (sParts.isEmpty()) {
+        return {};
+    }
+    return {{{},
+             {},
+             QStringLiteral("not-read"),
+             QStringLiteral("Not read: %1. Correct the name or the place.").arg(sParts)}};
+}
+
+CheckFindings placeFindings(const Simulation::ScenarioDataXml& a_scenario)
+{
+    CheckFindings findings;
+    for (const auto& emitter : emittersOf(a_scenario)) {
+        // An emitter that follows another one is where that one is.
+        if (!emitter->linkTargetEmitter()) {
+            checkPosition(findings, *emitter, emitter->ownPositionSettings());
+        }
+    }
+    return findings;
 }
 
 CheckFindings packageFindings(const Simulation::ScenarioDataXml& a_scenario, RepositoryPackages& a_packages)
@@ -171,7 +198,7 @@ CheckFindings deploymentFindings(const Simulation::DeploymentDataXml& a_deployme
         }
     }
     for (const auto& station : a_deployment.stations()) {
-        checkPosition(findings, *station);
+        checkPosition(findings, *station, station->positionSettings());
     }
     for (const auto& device : a_deployment.devices()) {
         checkDevice(findings, *device, elements);

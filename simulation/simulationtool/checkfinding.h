@@ -29,6 +29,13 @@ using CheckFindings = QList<CheckFinding>;
 /// without one.
 [[nodiscard]] CheckFindings brokenOffFindings(const QString& a_sError);
 
+/// What a whole document holds that its reader passed over, in one finding.
+/// `a_written` is the same document as it is written again; empty: not known.
+[[nodiscard]] CheckFindings unreadFindings(const QByteArray& a_document, const QByteArray& a_written);
+
+/// The emitters of a scenario that are at no place on the earth.
+[[nodiscard]] CheckFindings placeFindings(const Simulation::ScenarioDataXml& a_scenario);
+
 /// The packages that the emissions of a scenario use and that are damaged in the
 /// repository, one finding for each object and package. To be asked once the
 /// scenario was checked: emissions without a package have the default one then.

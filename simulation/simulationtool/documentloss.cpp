@@ -70,7 +70,8 @@ void addElement(Parts& a_parts, QXmlStreamReader& a_reader, QStringList& a_path)
     }
 }
 
-Parts partsOf(const QByteArray& a_document)
+/// The elements and attributes of a document, and its notes where they count.
+Parts partsOf(const QByteArray& a_document, Notes a_eNotes)
 {
     Parts parts;
     QStringList path;
@@ -84,10 +85,11 @@ Parts partsOf(const QByteArray& a_document)
             path.removeLast();
             break;
         case QXmlStreamReader::Comment:
-            parts.add({}, QStringLiteral("comment"));
-            break;
         case QXmlStreamReader::ProcessingInstruction:
-            parts.add({}, QStringLiteral("processing instruction"));
+            if (a_eNotes == Notes::Count) {
+                parts.add({}, reader.isComment() ? QStringLiteral("comment")
+                                                 : QStringLiteral("processing instruction"));
+            }
             break;
         default:
             break;
@@ -98,25 +100,28 @@ Parts partsOf(const QByteArray& a_document)
 
 } // namespace
 
-QString documentLoss(const QByteArray& a_source, const QByteArray& a_written)
+QString documentLoss(const QByteArray& a_source, const QByteArray& a_written, Notes a_eNotes)
 {
-    const Parts source = partsOf(a_source);
-    const Parts written = partsOf(a_written);
+    const Parts source = partsOf(a_source, a_eNotes);
+    const Parts written = partsOf(a_written, a_eNotes);
     QStringList shown;
     qsizetype iLost = 0;
+    bool bAllShown = true;
     for (qsizetype i = 0; i < source.keys.size(); ++i) {
         const QString& sKey = source.keys.at(i);
         const qsizetype iMissing = source.counts.value(sKey) - written.counts.value(sKey);
-        iLost += std::max<qsizetype>(iMissing, 0);
-        if (iMissing > 0 && shown.size() < s_iShownParts) {
+        if (iMissing <= 0) {
+            continue;
+        }
+        iLost += iMissing;
+        bAllShown = shown.size() < s_iShownParts;
+        if (bAllShown) {
             shown.append(QStringLiteral("%1 (%2)").arg(source.texts.at(i), QString::number(iMissing)));
         }
     }
-    if (iLost == 0) {
-        return {};
-    }
-    return QStringLiteral("%1 of its parts, first of them %2")
-        .arg(QString::number(iLost), shown.join(QStringLiteral(", ")));
+    const QString sShown = shown.join(QStringLiteral(", "));
+    return bAllShown ? sShown
+                     : QStringLiteral("%1 parts, first of them %2").arg(QString::number(iLost), sShown);
 }
 
 } // namespace SimulationTool

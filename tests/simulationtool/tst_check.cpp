@@ -133,6 +133,32 @@ void tst_Check::file_data()
                        "emitter. Give every emitter its own id. [duplicate-id]"_s,
                        u"1 file checked: 1 finding"_s}
         << QString();
+    const QString sUnread = u"a.sce: Not read: %1. Correct the name or the place. [not-read]"_s;
+    QTest::newRow("misspelt, with a comment")
+        << QByteArray(
+               "<Scenario><!-- mine --><Emitter ID='a' Colour='red'><Clas>x</Clas></Emitter></Scenario>")
+        << QStringList() << 1
+        << QStringList{sUnread.arg(u"attribute \"Colour\" of \"Emitter\" (1), element \"Clas\" (1)"_s),
+                       u"1 file checked: 1 finding"_s}
+        << QString();
+    QTest::newRow("deployment with a level too many")
+        << QByteArray("<SimulationDeployment FileFormatVersion='1'><Stations><Station ID='s' Name='S'/>"
+                      "</Stations></SimulationDeployment>")
+        << QStringList() << 1
+        << QStringList{sUnread.arg(
+                           u"4 parts, first of them element \"Stations\" (1), element \"Station\" (1), "
+                           "attribute \"ID\" of \"Station\" (1)"_s),
+                       u"1 file checked: 1 finding"_s}
+        << QString();
+    QTest::newRow("emitter at no place, and one that follows it")
+        << QByteArray("<Scenario><Emitter ID='a'><Position><Fixed><Lon>999</Lon></Fixed></Position></Emitter>"
+                      "<Emitter ID='b' LinkTarget='a'/></Scenario>")
+        << QStringList() << 1
+        << QStringList{u"a.sce: a: The position (longitude 999, latitude 0) is outside of -180 to 180 and "
+                       u"-90 "
+                       "to 90 degrees. [position-out-of-range]"_s,
+                       u"1 file checked: 1 finding"_s}
+        << QString();
     QTest::newRow("broken off")
         << bare << QStringList() << 1
         << QStringList{u"a.sce: broke off: line 1, column 91: Premature end of document. [broken-off]"_s,
@@ -260,7 +286,7 @@ void tst_Check::forceKeepsFormerFile()
     const QByteArray former = "<Scenario><Emitter ID='a'/><!-- mine --><Future/></Scenario>";
     QVERIFY(write(u"f.sce"_s, former));
     const QStringList arguments{u"f.sce"_s, u"--repair"_s, u"f.sce"_s, u"--force"_s};
-    QCOMPARE(check(arguments).code, 0);
+    QCOMPARE(check(arguments).code, 1);
     QCOMPARE(contentOf(path(u"f.sce~"_s)), former);
     QVERIFY(contentOf(path(u"f.sce"_s)).contains("FileFormatVersion=\"4\""));
     // Nothing is lost the second time: the copy stays what it is.
@@ -337,8 +363,8 @@ void tst_Check::repair_data()
     QTest::newRow("broken off") << cut << repaired(cut.trimmed() + "\n</Scenario>\n") << u"out.sce"_s << 1
                                 << QString();
     const QString sLost =
-        u"check: a.sce: not replaced, because it would lose %1: give another --repair, or --force, which "
-        "keeps the former file with \"~\" behind its name"_s;
+        u"check: a.sce: not replaced, because it would lose %1: give --repair another file, or add "
+        "--force, which keeps the former file, \"~\" added to its name"_s;
     const QString sRest = u"what follows the place where it broke off"_s;
     QTest::newRow("the same file, broken off") << cut << cut << u"a.sce"_s << 2 << sLost.arg(sRest);
     QTest::newRow("a link to it, broken off") << cut << cut << u"link.sce"_s << 2 << sLost.arg(sRest);
@@ -352,17 +378,14 @@ void tst_Check::repair_data()
         QTest::newRow(a_szRow) << holds << holds << u"a.sce"_s << 2 << sLost.arg(a_sLoss);
     };
     addLoss("unknown element", "<NoiseSettings>", "<Future><a/><b c='d'/></Future><NoiseSettings>",
-            u"4 of its parts, first of them element \"Future\" (1), element \"a\" (1), element \"b\" (1)"_s);
+            u"4 parts, first of them element \"Future\" (1), element \"a\" (1), element \"b\" (1)"_s);
     addLoss("unknown attribute", "<NoiseSettings>", "<NoiseSettings Unit='dB'>",
-            u"1 of its parts, first of them attribute \"Unit\" of \"NoiseSettings\" (1)"_s);
-    addLoss("comments", "<NoiseSettings>", "<!-- 1 --><NoiseSettings><!-- 2 -->",
-            u"2 of its parts, first of them comment (2)"_s);
+            u"attribute \"Unit\" of \"NoiseSettings\" (1)"_s);
+    addLoss("comments", "<NoiseSettings>", "<!-- 1 --><NoiseSettings><!-- 2 -->", u"comment (2)"_s);
     addLoss("element given twice", "<Transmitter>", "<Class>x</Class><Transmitter>",
-            u"3 of its parts, first of them element \"Class\" (1), element \"Class\" (1), element "
-            "\"Class\" (1)"_s);
+            u"element \"Class\" (1), element \"Class\" (1), element \"Class\" (1)"_s);
     addLoss("emitter without an id", "<Network ", "<Emitter Name='x'/><Network ",
-            u"2 of its parts, first of them element \"Emitter\" (1), attribute \"Name\" of \"Emitter\" "
-            "(1)"_s);
+            u"element \"Emitter\" (1), attribute \"Name\" of \"Emitter\" (1)"_s);
     QTest::newRow("timing of an older format")
         << QByteArray("<Scenario Description='d'><Emitter ID='a'>"
                       "<Timing><Contious/></Timing></Emitter></Scenario>")
