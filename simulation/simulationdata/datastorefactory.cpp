@@ -52,7 +52,8 @@ bool makeFolder(const QString& a_sFolder, QString* a_pReason)
     if (QDir().mkpath(a_sFolder)) {
         return true;
     }
-    *a_pReason = QStringLiteral("folder \"%1\" cannot be made").arg(a_sFolder);
+    // mkpath() leaves the reason of the last folder that it tried.
+    *a_pReason = QStringLiteral("folder \"%1\" cannot be made: %2").arg(a_sFolder, qt_error_string());
     return false;
 }
 
@@ -72,9 +73,10 @@ bool prepareFolders(const QDir& a_repository, QString* a_pReason)
 }
 
 /// Without the default data the repository serves all the same, so what fails
-/// here is traced where it fails and no more.
-void putDefaultData(const QDir& a_repository)
+/// here is traced where it fails. The first reason; empty when all was put there.
+QString putDefaultData(const QDir& a_repository)
 {
+    QString sProblem;
     const QDir packages(a_repository.absoluteFilePath(s_sSignalPackages));
     removeAbandonedFiles(packages.absolutePath());
     // Under this name older programs unpacked; a crash may have left it behind.
@@ -82,17 +84,20 @@ void putDefaultData(const QDir& a_repository)
     makeWritable(sFormer);
     QFile::remove(sFormer);
     static_cast<void>(unpackResource(QStringLiteral(":/DefaultData/TuK-Default.zip"), packages.absolutePath(),
-                                     u'/' + s_sDefaultPackages,
-                                     packages.absoluteFilePath(s_sDefaultPackages)));
+                                     u'/' + s_sDefaultPackages, packages.absoluteFilePath(s_sDefaultPackages),
+                                     &sProblem));
     const QString sScenario = DataStoreFactory::defaultScenario(a_repository.absoluteFilePath(s_sFiles));
     const QString sFolder = QFileInfo(sScenario).absolutePath();
-    if (QString sReason; !makeFolder(sFolder, &sReason)) {
+    QString sReason;
+    if (!makeFolder(sFolder, &sReason)) {
         traceError(s_szSource, [&] { return QStringLiteral("No default scenario: ") + sReason; });
-        return;
+        return sProblem.isEmpty() ? sReason : sProblem;
     }
     removeAbandonedFiles(sFolder);
     // The user may have changed the scenario that is there: it stays.
-    static_cast<void>(copyFileWhole(QStringLiteral(":/DefaultData/Default.sce.exp"), sScenario));
+    static_cast<void>(copyFileWhole(QStringLiteral(":/DefaultData/Default.sce.exp"), sScenario, &sReason));
+    // A scenario that is there already is no problem.
+    return sProblem.isEmpty() && !QFileInfo::exists(sScenario) ? sReason : sProblem;
 }
 
 /// Says that there is no repository: always in a trace, which has the reason,
@@ -150,20 +155,29 @@ QString DataStoreFactory::defaultScenario(const QString& a_sFileDir)
 
 bool DataStoreFactory::initializeDataStore(ICfg* a_pCfg)
 {
+    QString sProblem;
+    return initializeDataStore(a_pCfg, &sProblem);
+}
+
+bool DataStoreFactory::initializeDataStore(ICfg* a_pCfg, QString* a_pProblem)
+{
+    a_pProblem->clear();
     const std::optional<QString> sRepository = repository(a_pCfg);
     if (!sRepository) {
-        return failToInitialize(QStringLiteral("no group \"%1\" is configured").arg(s_sFileSystem));
+        *a_pProblem = QStringLiteral("no group \"%1\" is configured").arg(s_sFileSystem);
+        return failToInitialize(*a_pProblem);
     }
     const QString sFolder = resolvedStorePath(*sRepository);
     if (sFolder.isEmpty() || !QFileInfo(sFolder).isDir()) {
-        return failToInitialize(QStringLiteral("there is no folder \"%1\"").arg(*sRepository));
+        *a_pProblem = QStringLiteral("there is no folder \"%1\"").arg(*sRepository);
+        return failToInitialize(*a_pProblem);
     }
     const QDir folder(sFolder);
     static_cast<void>(removeDir(folder.absoluteFilePath(s_sSessions)));
-    if (QString sReason; !prepareFolders(folder, &sReason)) {
-        return failToInitialize(sReason);
+    if (!prepareFolders(folder, a_pProblem)) {
+        return failToInitialize(*a_pProblem);
     }
-    putDefaultData(folder);
+    *a_pProblem = putDefaultData(folder);
     return true;
 }
 

@@ -47,6 +47,10 @@ public:
     /// Default data that cannot be written are traced, and the result is true.
     [[nodiscard]] static bool initializeDataStore(ICfg* a_pCfg);
 
+    /// The same. What failed, default data included, and the system's reason are
+    /// put into the problem, which is empty when nothing failed.
+    [[nodiscard]] static bool initializeDataStore(ICfg* a_pCfg, QString* a_pProblem);
+
     /// Always null: there is no such store.
     [[nodiscard]] static ISignalPackageStore* createSignalPackageStore(ICfg* a_pCfg, bool a_bOn);
 };

@@ -90,16 +90,13 @@ bool DemoRoad::makeRepository()
                          .arg(m_folder.errorString());
         return false;
     }
-    const bool bMade = Simulation::DataStoreFactory::initializeDataStore(&cfg);
-    const QString sStore = packageStoreOf(m_folder.path()); // which is there only now
-    if (!bMade || !Simulation::SignalPackageFolder::isValid(
-                      Simulation::DataStoreFactory::defaultSignalPackage(sStore))) {
-        m_sProblem =
-            QStringLiteral("in %1: the default data could not be written (--trace names the reason). "
-                           "Remove the cause or choose another place (TMPDIR)")
-                .arg(m_folder.path());
+    QString sReason;
+    if (!Simulation::DataStoreFactory::initializeDataStore(&cfg, &sReason) || !sReason.isEmpty()) {
+        m_sProblem = QStringLiteral("in %1: %2. Remove the cause or choose another place (TMPDIR)")
+                         .arg(m_folder.path(), sReason);
         return false;
     }
+    const QString sStore = packageStoreOf(m_folder.path()); // which is there only now
     const auto uiPackages = static_cast<quint64>(Simulation::SignalPackageFolder::list(sStore).size());
     tell(QStringLiteral("demo"),
          QStringLiteral("repository with %1 in a temporary folder").arg(counted(uiPackages, "package")));

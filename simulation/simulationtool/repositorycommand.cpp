@@ -52,7 +52,7 @@ ExitCode runRepositoryInit(const QString& a_sFolder, ReportForm a_eForm, Output&
 {
     const bool bMade = !QFileInfo::exists(a_sFolder);
     if (bMade && !QDir().mkpath(a_sFolder)) {
-        return refuse(a_sFolder, QStringLiteral("cannot be made"));
+        return refuse(a_sFolder, QStringLiteral("cannot be made: ") + qt_error_string());
     }
     if (const QString sProblem = initProblem(a_sFolder); !sProblem.isEmpty()) {
         return refuse(a_sFolder, sProblem);
@@ -60,17 +60,16 @@ ExitCode runRepositoryInit(const QString& a_sFolder, ReportForm a_eForm, Output&
     const Progress progress(QStringLiteral("preparing the repository"));
     const QDir folder(QDir(a_sFolder).absolutePath());
     RepositoryCfg cfg(folder.path());
-    if (!Simulation::DataStoreFactory::initializeDataStore(&cfg)) {
-        return refuse(a_sFolder, QStringLiteral("could not be prepared (--trace says why)"));
+    QString sProblem;
+    if (!Simulation::DataStoreFactory::initializeDataStore(&cfg, &sProblem)) {
+        return refuse(a_sFolder, QStringLiteral("could not be prepared: ") + sProblem);
     }
     const QString sStore = packageStoreOf(folder.path());
     const QString sScenario =
         Simulation::DataStoreFactory::defaultScenario(folder.filePath(QStringLiteral("Files")));
     // Default data that cannot be written do not keep the library from going on.
-    if (!Simulation::SignalPackageFolder::isValid(
-            Simulation::DataStoreFactory::defaultSignalPackage(sStore)) ||
-        !QFileInfo::exists(sScenario)) {
-        return refuse(a_sFolder, QStringLiteral("the default data could not be written (--trace says why)"));
+    if (!sProblem.isEmpty()) {
+        return refuse(a_sFolder, QStringLiteral("the default data could not be written: ") + sProblem);
     }
     const auto iPackages = Simulation::SignalPackageFolder::list(sStore).size();
     Report report(a_output, a_eForm);

@@ -71,6 +71,7 @@ class tst_RepositoryCommands : public QObject
 private Q_SLOTS:
     void initTestCase();
     void init();
+    void initWithoutRoom();
     void initKeepsWhatIsTheUsers();
     void initRefuses_data();
     void initRefuses();
@@ -132,6 +133,19 @@ void tst_RepositoryCommands::init()
     QVERIFY(result.out.contains(QStringLiteral("Packages      3 in ")));
 }
 
+void tst_RepositoryCommands::initWithoutRoom()
+{
+    const FileSizeLimit limit(1'000);
+    const QString sFolder = path(QStringLiteral("full"));
+    const ToolResult result = runTool({QStringLiteral("repository"), QStringLiteral("init"), sFolder});
+    QCOMPARE(result.code, 2);
+    QVERIFY2(result.err.startsWith(QStringLiteral("simulationtool: %1: the default data could not be "
+                                                  "written: ")
+                                       .arg(sFolder)) &&
+                 result.err.endsWith(QStringLiteral(": File too large\n")),
+             qPrintable(result.err));
+}
+
 void tst_RepositoryCommands::initKeepsWhatIsTheUsers()
 {
     const QString sScenario = path(QStringLiteral("r/Files/Tessaro/Default.scexml"));
@@ -156,7 +170,7 @@ void tst_RepositoryCommands::initRefuses_data()
     QTest::newRow("file") << "r/Files/Tessaro/Default.scexml"
                           << "is not a folder";
     QTest::newRow("below a file") << "r/Files/Tessaro/Default.scexml/r"
-                                  << "cannot be made";
+                                  << "cannot be made: Not a directory";
     QTest::newRow("package") << "r/SignalPackages/TuK-Default/Default"
                              << "is a signal package";
     QTest::newRow("somebody's sessions")
