@@ -17,14 +17,18 @@ namespace SimulationTool {
 
 namespace {
 
-/// Waits until the service has the order, and says what it was.
-ExitCode finishOrder(ServiceController& a_controller, const QString& a_sDone, Report& a_report)
+/// Waits until the service has an order that devices do not confirm.
+ExitCode finishOrder(ServiceController& a_controller, const QString& a_sOrder, Report& a_report)
 {
     if (!a_controller.synchronize()) {
         return ExitCode::Unusable;
     }
     a_report.value("device_count", a_controller.devices().size());
-    a_report.line(QStringLiteral("%1, %2").arg(a_sDone, devicesText(a_controller)));
+    if (a_controller.devices().isEmpty()) {
+        a_report.line(a_sOrder + QStringLiteral(" sent, but no device is registered"));
+        return ExitCode::Findings;
+    }
+    a_report.line(QStringLiteral("%1 sent to %2").arg(a_sOrder, devicesText(a_controller)));
     return ExitCode::Ok;
 }
 
@@ -79,19 +83,19 @@ ExitCode pause(ServiceController& a_controller, const OrderArgument& a_argument,
     const std::uint32_t uiTime = a_argument.time.value_or(a_controller.timing().scenarioTime());
     a_report.value("scenario_time_ms", qint64{uiTime});
     a_controller.communication().sendPauseScenario(uiTime);
-    return finishOrder(a_controller, QStringLiteral("Paused at %1 ms").arg(uiTime), a_report);
+    return finishOrder(a_controller, QStringLiteral("Pause at %1 ms").arg(uiTime), a_report);
 }
 
 ExitCode stop(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Report& a_report)
 {
     a_controller.communication().sendStopScenario();
-    return finishOrder(a_controller, QStringLiteral("Stopped"), a_report);
+    return finishOrder(a_controller, QStringLiteral("Stop"), a_report);
 }
 
 ExitCode unload(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Report& a_report)
 {
     a_controller.communication().sendUnloadScenario();
-    return finishOrder(a_controller, QStringLiteral("Unloaded"), a_report);
+    return finishOrder(a_controller, QStringLiteral("Unload"), a_report);
 }
 
 ExitCode devices(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Report& a_report)

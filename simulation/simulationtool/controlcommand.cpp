@@ -6,6 +6,7 @@
 #include "output.h"
 #include "report.h"
 #include "servicecontroller.h"
+#include "timetext.h"
 #include "wholenumber.h"
 
 #include <algorithm>
@@ -21,15 +22,17 @@ const char s_szControl[] =
     "Actions:\n"
     "  load FILE    Send a scenario and wait until each device has loaded it or failed.\n"
     "  deploy FILE  Send a deployment, and report where it places each device.\n"
-    "  start [MS]   Start the scenario, at that scenario time. Default: where it was\n"
+    "  start [TIME] Start the scenario, at that scenario time. Default: where it was\n"
     "               paused, or else at 0.\n"
-    "  pause [MS]   Show that scenario time from now on. Default: the present one.\n"
+    "  pause [TIME] Show that scenario time from now on. Default: the present one.\n"
     "  stop         Stop the scenario.\n"
     "  unload       Have the devices forget the scenario.\n"
     "  devices      List the devices that are registered.\n"
     "  status       Show the scenario, its time, and what each device reports.\n"
     "  watch        Show the same, and every change with its time, until interrupted\n"
     "               (Ctrl-C).\n"
+    "\n"
+    "A TIME is a number of milliseconds, or has a unit: 1500, 1500ms, 1.5s, 2min, 1h.\n"
     "\n"
     "The last three acquire nothing and disturb no other controller: they only ask, and\n"
     "watch asks once a second. Of what changes in between they show the last. A service\n"
@@ -38,6 +41,7 @@ const char s_szControl[] =
     "Devices of this program answer start and deploy in words, and load with the\n"
     "packages that they had to replace. A device that gives no such answer within 2 s\n"
     "\"did not confirm\": it may have obeyed all the same, and control cannot know.\n"
+    "The other orders are sent and not confirmed; status shows what became of them.\n"
     "\n"
     "A file that is not what it should be is refused before anything is sent. What\n"
     "was started goes on when the command has ended.";
@@ -52,8 +56,9 @@ const char s_szControlExamples[] =
     "\n"
     "Exit codes:\n"
     "  0  Done; of load, start and deploy: by every device. A watch was interrupted.\n"
-    "  1  No device is registered, or one failed, did not confirm the order, took longer\n"
-    "     than the timeout, had to replace packages, or has no place in the deployment.\n"
+    "  1  An order was sent and no device is registered, or one failed, did not confirm\n"
+    "     the order, took longer than the timeout, had to replace packages, or has no\n"
+    "     place in the deployment.\n"
     "  2  Wrong usage, the file was refused, nothing can be paused, the connection was\n"
     "     lost, or nobody answered within the timeout: then it is not known whether the\n"
     "     order was received.\n";
@@ -101,7 +106,7 @@ bool readArgument(const ControlAction& a_action, const QStringList& a_rest, Orde
             QStringLiteral("%1 takes %2, %3 given")
                 .arg(QLatin1String(a_action.name),
                      bFile ? QStringLiteral("one FILE")
-                           : (iMost == 1 ? QStringLiteral("at most one MS") : QStringLiteral("nothing")),
+                           : (iMost == 1 ? QStringLiteral("at most one TIME") : QStringLiteral("nothing")),
                      QString::number(a_rest.size()));
         return false;
     }
@@ -110,8 +115,7 @@ bool readArgument(const ControlAction& a_action, const QStringList& a_rest, Orde
         return readOrderFile(a_action.takes, a_argument);
     }
     if (!a_rest.isEmpty()) {
-        a_argument.time =
-            wholeNumber(a_rest.constFirst(), {QLatin1String(a_action.name), " of milliseconds"}, a_sReason);
+        a_argument.time = timeOf(a_rest.constFirst(), QLatin1String(a_action.name), 0, a_sReason);
         return a_argument.time.has_value();
     }
     return true;
@@ -133,9 +137,10 @@ std::optional<std::chrono::seconds> readTimeout(const QCommandLineParser& a_pars
 ExitCode control(const QStringList& a_arguments, Output& a_output)
 {
     ignoreClosedPipes();
-    CommandParser parser(QStringLiteral("control"),
-                         QStringLiteral("ACTION [FILE|MS] [--server HOST:PORT] [--timeout SECONDS] [--json]"),
-                         s_szControl, s_szControlExamples);
+    CommandParser parser(
+        QStringLiteral("control"),
+        QStringLiteral("ACTION [FILE|TIME] [--server HOST:PORT] [--timeout SECONDS] [--json]"), s_szControl,
+        s_szControlExamples);
     parser.get().addPositionalArgument(QStringLiteral("ACTION"), QStringLiteral("What to do."));
     addServerOption(parser.get());
     parser.get().addOption(

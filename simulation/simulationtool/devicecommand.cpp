@@ -9,8 +9,8 @@
 #include "serveraddress.h"
 #include "simulationdevice.h"
 #include "terminaltext.h"
+#include "timetext.h"
 #include "valuetexts.h"
-#include "wholenumber.h"
 
 #include "simulationdata/simulationsystemconfiguration.h"
 
@@ -212,8 +212,7 @@ std::optional<DeviceOptions> readDeviceOptions(const QCommandLineParser& a_parse
         return std::nullopt;
     }
     if (a_parser.isSet(s_sStep)) {
-        const auto step = wholeNumber(a_parser.value(s_sStep),
-                                      {QStringLiteral("--step"), " of milliseconds", 1}, a_sReason);
+        const auto step = timeOf(a_parser.value(s_sStep), QStringLiteral("--step"), 1, a_sReason);
         if (!step) {
             return std::nullopt;
         }
@@ -252,7 +251,7 @@ ExitCode device(const QStringList& a_arguments, Output& a_output)
         QStringLiteral("--id ID [--name NAME] [--type TYPE] [--station STATION]\n"
                        "                             [--longitude DEGREES] [--latitude DEGREES]\n"
                        "                             [--server HOST:PORT] [--repository DIR]\n"
-                       "                             [--step MS]"),
+                       "                             [--step TIME]"),
         s_szDevice, s_szDeviceExamples);
     addRecordOptions(parser.get());
     addServerOption(parser.get());
@@ -261,8 +260,9 @@ ExitCode device(const QStringList& a_arguments, Output& a_output)
          QStringLiteral("Read the signal packages from this repository. Default: the one that "
                         "the settings of this machine name."),
          QStringLiteral("DIR")});
-    parser.get().addOption(
-        {s_sStep, QStringLiteral("Time between two steps in ms. Default: 1000."), QStringLiteral("MS")});
+    parser.get().addOption({s_sStep,
+                            QStringLiteral("Time between two steps, such as 500, 500ms or 2s. Default: 1s."),
+                            QStringLiteral("TIME")});
     if (const auto done = parser.parse(a_arguments, a_output)) {
         return *done;
     }

@@ -18,7 +18,10 @@ const char s_szRepository[] =
     "\n"
     "Actions:\n"
     "  init  Make a folder a repository, with the default packages.\n"
-    "  list  Show the packages of a repository and what is wrong with them.";
+    "  list  Show the packages of a repository and what is wrong with them.\n"
+    "\n"
+    "Every action explains itself, with its options and exit codes:\n"
+    "simulationtool repository ACTION --help";
 
 const char s_szRepositoryExamples[] = "\n"
                                       "Examples:\n"

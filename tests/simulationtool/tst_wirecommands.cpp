@@ -197,7 +197,7 @@ void tst_WireCommands::road()
              QStringList({QStringLiteral("rx-1 rx-1 loaded -"), QStringLiteral("rx-2 rx-2 loaded -"),
                           QStringLiteral("Scenario sent, loaded by 2 of 2 devices")}));
 
-    QCOMPARE(runControl(service.address(), {QStringLiteral("start"), QStringLiteral("5000")}).code, 0);
+    QCOMPARE(runControl(service.address(), {QStringLiteral("start"), QStringLiteral("5s")}).code, 0);
     for (Tool* const pDevice : {first.get(), second.get()}) {
         QVERIFY(pDevice->says(QStringLiteral("plays from 5000 ms")));
         QVERIFY(pDevice->says(QStringLiteral("pilot-boat     yes          156.800000"), 3));
@@ -631,7 +631,7 @@ void tst_WireCommands::refused_data()
     row("unknown action", "control explode", "control: there is no action \"explode\"");
     row("no file", "control load", "control: load takes one FILE, 0 given");
     row("too much", "control stop now", "control: stop takes nothing, 1 given");
-    row("no time", "control start soon", "control: start needs a whole number of milliseconds");
+    row("no time", "control start soon", "control: start needs a time from 0 to 4294967295 ms");
     row("no port", "control stop --server host:0", "control: the port of --server needs");
     row("no host", "control stop --server :57400", "control: --server needs HOST:PORT");
     row("half an address", "control stop --server [::1", "control: --server needs HOST:PORT");
@@ -653,7 +653,7 @@ void tst_WireCommands::refused_data()
     row("device without id", "device", "device: --id is needed");
     row("unprintable id", "device --id \x01", "device: --id needs at most 255 characters");
     row("line separator", "device --id a\u2028b", "device: --id needs at most 255 characters");
-    row("step", "device --id a --step 0", "device: --step needs a whole number of milliseconds from 1");
+    row("step", "device --id a --step 0", "device: --step needs a time from 1 to 4294967295 ms");
     row("longitude", "device --id a --longitude 180.5",
         "device: --longitude needs a number of degrees from -180 to 180, not \"180.5\"");
     row("latitude", "device --id a --latitude nan", "device: --latitude needs a number of degrees");
@@ -737,7 +737,7 @@ void tst_WireCommands::demoWithoutRoom()
     QCOMPARE(result.code, 1);
     QVERIFY2(
         result.err.startsWith(QStringLiteral("simulationtool: demo: could not make a repository in /")) &&
-            result.err.contains(QStringLiteral("(--trace names the reason). ")),
+            result.err.contains(QStringLiteral(": File too large. Remove the cause")),
         qPrintable(result.err));
 }
 
@@ -760,6 +760,8 @@ void tst_WireCommands::orders_data()
         << nobody << start << QString() << QStringLiteral("Not started at 0 ms: ") + sLater;
     QTest::newRow("no device to load")
         << nobody << load << QString() << QStringLiteral("Scenario not loaded: ") + sLater;
+    QTest::newRow("no device to stop") << nobody << QStringList{QStringLiteral("stop")} << QString()
+                                       << "Stop sent, but no device is registered";
     QTest::newRow("replaced packages")
         << nothing << load
         << "rx rx loaded warning: no repository is configured: 2 of 3 packages replaced by the default "
