@@ -2,10 +2,12 @@
 
 #include "monitorwindow.h"
 
+#include <kpbase/replacedfile.h>
+
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QPainter>
 #include <QPixmap>
-#include <QSaveFile>
 #include <QTextStream>
 
 namespace Monitor {
@@ -53,11 +55,14 @@ void WindowPicture::wait()
 
 void WindowPicture::take()
 {
-    QSaveFile file(m_sFile);
-    const bool bWritten =
-        file.open(QIODevice::WriteOnly) && pictureOf(m_window).save(&file, "PNG") && file.commit();
+    QBuffer picture;
+    ReplacedFile file(m_sFile);
+    const bool bWritten = picture.open(QIODevice::WriteOnly) && pictureOf(m_window).save(&picture, "PNG") &&
+                          file.open() && file.write(picture.data()) && file.commit();
     if (!bWritten) {
-        QTextStream(stderr) << "monitor: " << m_sFile << ": " << file.errorString() << '\n';
+        const QString sReason = file.errorString().isEmpty() ? QStringLiteral("the picture cannot be encoded")
+                                                             : file.errorString();
+        QTextStream(stderr) << "monitor: " << m_sFile << ": " << sReason << '\n';
     }
     QCoreApplication::exit(bWritten ? 0 : 1);
 }

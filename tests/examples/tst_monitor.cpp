@@ -1,3 +1,4 @@
+#include "filesizelimit.h"
 #include "kpbase/errorhandler.h"
 #include "monitor/monitorwindow.h"
 #include "monitor/readabledelegate.h"
@@ -5,6 +6,8 @@
 #include "simulationtool/toolprocess.h"
 
 #include <QAbstractButton>
+#include <QDir>
+#include <QFile>
 #include <QHostAddress>
 #include <QImage>
 #include <QScrollBar>
@@ -15,7 +18,10 @@
 #include <QTest>
 
 #include <memory>
+#include <utility>
 #include <vector>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -165,6 +171,7 @@ private Q_SLOTS:
     void readableColors();
     void picture_data();
     void picture();
+    void pictureWithoutPlace();
     void withoutDisplay_data();
     void withoutDisplay();
 };
@@ -342,6 +349,28 @@ void TestMonitor::picture()
     QVERIFY(!service || running.says(QStringLiteral("left"), 2)); // control and monitor
     // Who only looks on leaves the control where it is.
     QCOMPARE(running.text().count(QStringLiteral("controls\n")), states ? 2 : 1);
+}
+
+/// The reason is the system's, and what is no picture stays what it is.
+void TestMonitor::pictureWithoutPlace()
+{
+    const QTemporaryDir folder;
+    const QString sPipe = folder.filePath(QStringLiteral("pipe"));
+    QCOMPARE(::mkfifo(QFile::encodeName(sPipe).constData(), S_IRUSR | S_IWUSR), 0);
+    const FileSizeLimit limit(1'000);
+    for (const auto& [file, sReason] :
+         {std::pair(folder.filePath(QStringLiteral("monitor.png")), QStringLiteral("File too large")),
+          std::pair(sPipe, QStringLiteral("is not a regular file"))}) {
+        QProcess monitor;
+        monitor.start(
+            QStringLiteral(MONITOR_PATH),
+            {QStringLiteral("--server"), QStringLiteral("127.0.0.1:1"), QStringLiteral("--picture"), file});
+        QVERIFY(monitor.waitForFinished(s_iToolTimeout));
+        QCOMPARE(monitor.exitCode(), 1);
+        const QString sLog = QString::fromUtf8(monitor.readAllStandardError());
+        QVERIFY2(sLog.contains(QStringLiteral("monitor: %1: %2\n").arg(file, sReason)), qPrintable(sLog));
+    }
+    QCOMPARE(QDir(folder.path()).entryList(QDir::System | QDir::Files), QStringList(QStringLiteral("pipe")));
 }
 
 void TestMonitor::withoutDisplay_data()
