@@ -6,6 +6,8 @@
 
 #include <QCoreApplication>
 
+#include <cerrno>
+
 namespace {
 
 /// Messages of the toolkit and the library: shown with --trace, one line each,
@@ -22,7 +24,10 @@ SimulationTool::ExitCode runProgram()
     SimulationTool::Output output;
     SimulationTool::ExitCode eCode = SimulationTool::runCommandLine(QCoreApplication::arguments(), output);
     if (!output.finish() && !SimulationTool::isInterrupted()) {
-        SimulationTool::complain(QStringLiteral("standard output: ") + output.errorString());
+        // A reader that has seen enough, such as "head", is no error to report.
+        if (output.errorString() != qt_error_string(EPIPE)) {
+            SimulationTool::complain(QStringLiteral("standard output: ") + output.errorString());
+        }
         eCode = SimulationTool::ExitCode::Unusable;
     }
     return eCode;

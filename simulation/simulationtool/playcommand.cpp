@@ -7,6 +7,7 @@
 #include "output.h"
 #include "outputfile.h"
 #include "playsink.h"
+#include "progress.h"
 #include "repositorypackages.h"
 #include "scenariofile.h"
 #include "verdict.h"
@@ -17,6 +18,10 @@
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 
 #include <algorithm>
+#include <atomic>
+#include <optional>
+
+#include <unistd.h>
 
 namespace SimulationTool {
 
@@ -33,6 +38,13 @@ std::uint32_t windowEnd(const PlayOptions& a_options, std::uint32_t a_uiDuration
     return a_uiDuration != 0 ? std::min(a_uiDuration, s_uiDefaultWindow) : s_uiDefaultWindow;
 }
 
+/// Whether the rows appear on a terminal, where they are progress enough.
+bool showsRows(const PlayOptions& a_options)
+{
+    const bool bStandardOutput = a_options.csvFile.isEmpty() || isStandardStreamName(a_options.csvFile);
+    return bStandardOutput && ::isatty(STDOUT_FILENO) == 1;
+}
+
 /// False when the rows could not be written, or the play was interrupted.
 bool playInto(Sink& a_sink, const PlayOptions& a_options, std::uint32_t a_uiTo, const Emitters& a_emitters,
               RepositoryPackages* a_pPackages)
@@ -40,7 +52,15 @@ bool playInto(Sink& a_sink, const PlayOptions& a_options, std::uint32_t a_uiTo, 
     if (!a_sink.begin()) {
         return false;
     }
+    std::atomic<std::uint64_t> uiNow = a_options.from; // the progress reads it on its own thread
+    std::optional<Progress> progress;
+    if (!showsRows(a_options)) {
+        catchInterruptions(); // the line of the progress must not stay on the terminal
+        progress.emplace(QStringLiteral("playing"),
+                         [&] { return QStringLiteral("%1 of %2 ms").arg(uiNow.load()).arg(a_uiTo); });
+    }
     for (std::uint64_t uiTime = a_options.from; uiTime < a_uiTo; uiTime += a_options.step) {
+        uiNow = uiTime;
         for (const std::shared_ptr<Simulation::SzenarioEmitter>& emitter : a_emitters) {
             const Moment moment(*emitter, static_cast<std::uint32_t>(uiTime), a_pPackages);
             if (isInterrupted() || !a_sink.add(emitter->id(), moment)) {

@@ -545,6 +545,17 @@ void tst_SimulationTool::outputFails()
     QCOMPARE(process.exitStatus(), QProcess::CrashExit);
     QCOMPARE(process.exitCode(), SIGPIPE);
     QCOMPARE(process.readAllStandardError(), QByteArray());
+    // A program of the network survives closed connections, and is as quiet.
+    int iPipe[2] = {};
+    QCOMPARE(::pipe(iPipe), 0);
+    ::close(iPipe[0]);
+    QProcess demo;
+    demo.setChildProcessModifier([&] { ::dup2(iPipe[1], STDOUT_FILENO); });
+    demo.start(QStringLiteral(SIMULATIONTOOL_PATH), {QStringLiteral("demo")});
+    QVERIFY(demo.waitForFinished(s_iToolTimeout));
+    ::close(iPipe[1]);
+    QCOMPARE(demo.exitCode(), 2);
+    QCOMPARE(demo.readAllStandardError(), QByteArray());
 }
 
 void tst_SimulationTool::traceOnDemand()
