@@ -12,6 +12,19 @@ namespace {
 
 constexpr qint64 s_iBufferBytes = qint64{64} * 1024;
 
+/// Where the disk lies in a network, only this reports that it is full. Not every
+/// file system can do it.
+bool syncToDisk(const QFileDevice& a_file, QString* a_pReason)
+{
+#ifdef Q_OS_UNIX
+    if (::fsync(a_file.handle()) != 0 && (errno == ENOSPC || errno == EDQUOT || errno == EIO)) {
+        *a_pReason = qt_error_string(errno);
+        return false;
+    }
+#endif
+    return true;
+}
+
 } // namespace
 
 bool writeAll(QIODevice& a_device, const char* a_pBytes, qint64 a_iBytes)
@@ -33,6 +46,19 @@ bool writeThrough(QIODevice& a_device, const QByteArray& a_data)
     // A flush that fails midway has no reason either; the next one has.
     return writeAll(a_device, a_data.constData(), a_data.size()) &&
            (pFile == nullptr || pFile->flush() || pFile->flush());
+}
+
+bool closeWritten(QFileDevice& a_file, QString* a_pReason)
+{
+    if (!syncToDisk(a_file, a_pReason)) {
+        return false;
+    }
+    a_file.close();
+    if (a_file.error() != QFileDevice::NoError) {
+        *a_pReason = a_file.errorString();
+        return false;
+    }
+    return true;
 }
 
 ReplacedFile::ReplacedFile(const QString& a_sFile)
@@ -65,7 +91,8 @@ bool ReplacedFile::write(const char* a_pBytes, qint64 a_iBytes)
 
 bool ReplacedFile::commit()
 {
-    return m_sReason.isEmpty() && writeBuffer() && sync() && (m_file.commit() || fail(m_file.errorString()));
+    return m_sReason.isEmpty() && writeBuffer() && syncToDisk(m_file, &m_sReason) &&
+           (m_file.commit() || fail(m_file.errorString()));
 }
 
 bool ReplacedFile::fail(const QString& a_sReason)
@@ -79,16 +106,4 @@ bool ReplacedFile::writeBuffer()
     const bool bWritten = writeAll(m_file, m_buffer.constData(), m_buffer.size());
     m_buffer.clear();
     return bWritten || fail(m_file.errorString());
-}
-
-/// Where the disk lies in a network, only this reports that it is full; the
-/// replacement itself would not notice. Not every file system can do it.
-bool ReplacedFile::sync()
-{
-#ifdef Q_OS_UNIX
-    if (::fsync(m_file.handle()) != 0 && (errno == ENOSPC || errno == EDQUOT || errno == EIO)) {
-        return fail(qt_error_string(errno));
-    }
-#endif
-    return true;
 }

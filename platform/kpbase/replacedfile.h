@@ -7,6 +7,7 @@
 #include <QSaveFile>
 #include <QString>
 
+class QFileDevice;
 class QIODevice;
 
 // How files are written: every failure leaves the system's reason, such as "No
@@ -21,6 +22,11 @@ class QIODevice;
 /// The same, and has a file write at once what it buffers: when the bytes are few,
 /// a full disk is seen only then.
 [[nodiscard]] SIMULATIONDATA_EXPORT bool writeThrough(QIODevice& a_device, const QByteArray& a_data);
+
+/// Waits until the disk holds what was written to an open, unbuffered file, and
+/// closes it. False with the system's reason when the disk cannot take it: where the
+/// disk lies in a network, a full one is seen only then.
+[[nodiscard]] bool closeWritten(QFileDevice& a_file, QString* a_pReason);
 
 /// A file that commit() replaces whole. When anything fails, or commit() is not
 /// called, the former file stays as it was. The new one is made beside it, so the
@@ -44,7 +50,6 @@ public:
 private:
     bool fail(const QString& a_sReason);
     bool writeBuffer();
-    bool sync();
 
     QSaveFile m_file;
     QByteArray m_buffer; ///< not written yet

@@ -293,9 +293,13 @@ bool PackageCacheFolder::isMissing(const QString& a_sFrom, const QString& a_sTo)
 QString PackageCacheFolder::copyMissing(const QString& a_sFrom, const QString& a_sTo)
 {
     QString sReason;
-    if (isMissing(a_sFrom, a_sTo)) {
-        static_cast<void>(QFileInfo::exists(a_sTo) ? replaceByCopy(a_sFrom, a_sTo, &sReason)
-                                                   : copyFileWhole(a_sFrom, a_sTo, &sReason));
+    if (!isMissing(a_sFrom, a_sTo)) {
+        return sReason;
+    }
+    if (QFileInfo::exists(a_sTo)) {
+        static_cast<void>(replaceByCopy(a_sFrom, a_sTo, &sReason));
+    } else if (!copyFileWhole(a_sFrom, a_sTo, &sReason) && !isMissing(a_sFrom, a_sTo)) {
+        sReason.clear();
     }
     return sReason;
 }

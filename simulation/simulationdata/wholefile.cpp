@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRandomGenerator>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -59,12 +60,27 @@ QString errorText(const std::error_code& a_error)
     return QString::fromLocal8Bit(a_error.message().c_str());
 }
 
+/// Tells this process from former ones that had its id, as those in a container
+/// often have.
+const QString& processText()
+{
+    static const QString s_sProcess =
+        QStringLiteral("%1").arg(QRandomGenerator::system()->generate64(), 16, 16, QLatin1Char('0'));
+    return s_sProcess;
+}
+
 bool isAbandoned(const QString& a_sName)
 {
     static const QRegularExpression s_pattern(
-        QStringLiteral("^simulationdata\\.%1\\.([0-9]{1,9})\\.[0-9]+\\.tmp$").arg(machineText()));
+        QStringLiteral("^simulationdata\\.%1\\.([0-9]{1,9})\\.([0-9a-f]{16})\\.[0-9]+\\.tmp$")
+            .arg(machineText()));
     const QRegularExpressionMatch match = s_pattern.match(a_sName);
-    return match.hasMatch() && !isProcessAlive(match.captured(1).toLongLong());
+    if (!match.hasMatch()) {
+        return false;
+    }
+    const qint64 iProcess = match.captured(1).toLongLong();
+    return iProcess == QCoreApplication::applicationPid() ? match.captured(2) != processText()
+                                                          : !isProcessAlive(iProcess);
 }
 
 bool copyContents(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
@@ -89,8 +105,11 @@ bool copyContents(const QString& a_sFrom, const QString& a_sTo, QString* a_pReas
         iLeft -= iRead;
         bOk = writeAll(to, buffer.constData(), iRead);
     }
-    *a_pReason = iRead < 0 ? from.errorString() : to.errorString();
-    return bOk && iRead == 0;
+    if (!bOk || iRead < 0) {
+        *a_pReason = iRead < 0 ? from.errorString() : to.errorString();
+        return false;
+    }
+    return closeWritten(to, a_pReason);
 }
 
 void failToCopy(const QString& a_sReason, QString* a_pReason)
@@ -134,9 +153,10 @@ QString temporaryName(const QString& a_sFile)
 {
     static std::atomic<unsigned int> s_uiCount{0};
     // Not made of the file's own name, which may be as long as names can be.
-    return QFileInfo(a_sFile).dir().filePath(QStringLiteral("simulationdata.%1.%2.%3.tmp")
+    return QFileInfo(a_sFile).dir().filePath(QStringLiteral("simulationdata.%1.%2.%3.%4.tmp")
                                                  .arg(machineText())
                                                  .arg(QCoreApplication::applicationPid())
+                                                 .arg(processText())
                                                  .arg(s_uiCount.fetch_add(1)));
 }
 
@@ -155,19 +175,22 @@ void removeAbandonedFiles(const QString& a_sFolder)
 
 bool copyFileWhole(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
 {
-    const QFileInfo target(a_sTo);
-    if (target.exists() || target.isSymLink()) {
-        return false;
+    QString sReason; // none while the name is only taken
+    if (const QFileInfo target(a_sTo); !target.exists() && !target.isSymLink()) {
+        const QString sTemporary = temporaryName(a_sTo);
+        if (copyContents(a_sFrom, sTemporary, &sReason) &&
+            renameWithoutReplacing(sTemporary, a_sTo, &sReason)) {
+            return true;
+        }
+        QFile::remove(sTemporary);
     }
-    const QString sTemporary = temporaryName(a_sTo);
-    QString sReason;
-    if (copyContents(a_sFrom, sTemporary, &sReason) && renameWithoutReplacing(sTemporary, a_sTo, &sReason)) {
-        return true;
-    }
-    QFile::remove(sTemporary);
+    const auto text = [&](const QString& a_sWhy) {
+        return QStringLiteral("Cannot copy \"%1\" to \"%2\": %3").arg(a_sFrom, a_sTo, a_sWhy);
+    };
     if (!sReason.isEmpty()) {
-        failToCopy(QStringLiteral("Cannot copy \"%1\" to \"%2\": %3").arg(a_sFrom, a_sTo, sReason),
-                   a_pReason);
+        failToCopy(text(sReason), a_pReason);
+    } else if (a_pReason != nullptr) {
+        *a_pReason = text(QStringLiteral("a file of that name is there already"));
     }
     return false;
 }

@@ -11,18 +11,19 @@ namespace Simulation {
 /// name first, then all at once. A process that dies or a full disk leaves no half file
 /// under a final name. Any thread may call.
 
-/// A name beside the file that no other call and no other process uses. It
-/// holds the id of this process.
+/// A name beside the file that no other call and no other process uses, nor has
+/// used: it holds the id of this process and a random number that it chose.
 [[nodiscard]] SIMULATIONDATA_EXPORT QString temporaryName(const QString& a_sFile);
 
 /// Removes the files and folders in the folder, not below, whose names
-/// temporaryName() gave to processes of this machine that are gone.
+/// temporaryName() gave to processes of this machine that are gone, also when this
+/// process has the id of one of them.
 SIMULATIONDATA_EXPORT void removeAbandonedFiles(const QString& a_sFolder);
 
-/// Copies a regular file, or one that the program carries, whole or not at all.
-/// A file that is there already is never replaced and gives false, silently:
-/// another process may just have made it. Any other failure is traced, and its
-/// reason is given. The copy has the permissions of a new file.
+/// Copies a regular file, or one that the program carries, whole or not at all, and
+/// waits until the disk holds it. The copy has the permissions of a new file. False
+/// with a reason, and after a trace, unless a file of that name is there already:
+/// that is never replaced and not traced, for another process may just have made it.
 [[nodiscard]] SIMULATIONDATA_EXPORT bool copyFileWhole(const QString& a_sFrom, const QString& a_sTo,
                                                        QString* a_pReason = nullptr);
 

@@ -24,6 +24,7 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <cerrno>
 #include <cstdio>
 #include <memory>
 #include <set>
@@ -33,6 +34,8 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <sys/syscall.h>
+#include <unistd.h>
 using namespace Simulation;
 
 namespace {
@@ -43,6 +46,8 @@ constexpr qsizetype s_iPreparedFiles = 4;           ///< those of the built-in p
 constexpr std::uint32_t s_uiNewest = 2'000'000'000; ///< a timestamp after those of built-in packages
 
 QString u8(const char* a_szText)
+bool s_bSyncFails = false;
+
 {
     return QString::fromUtf8(a_szText);
 }
@@ -136,6 +141,16 @@ private Q_SLOTS:
     void defaultPackage();
     void unusableFolders();
     void findsPackages();
+/// Takes the place of the system's: of a full disk in a network only this call hears.
+extern "C" Q_DECL_EXPORT int fsync(int a_iFile)
+{
+    if (!s_bSyncFails) {
+        return static_cast<int>(::syscall(SYS_fsync, a_iFile));
+    }
+    errno = ENOSPC;
+    return -1;
+}
+
     void supersededIds();
     void usurpers();
     void emptyFiles();
@@ -170,6 +185,8 @@ void TestSignalPackageCache::beforePreparing()
     QVERIFY(!cache.defaultSignalPackage());
     QVERIFY(!cache.signalShapeFile(nullptr));
     cache.updateCache(folders.repository(), true);
+    void copyReasons_data();
+    void copyReasons();
     QVERIFY(!QDir(folders.cache()).exists());
 }
 
@@ -508,7 +525,10 @@ void TestSignalPackageCache::healsAfterKill_data()
 
     const QString sLock = u8(s_szLock);
     QTest::newRow("lock file made") << QStringList{u8("+simulationdata.lock")};
-    QTest::newRow("archive copied") << QStringList{sLock, u8("+simulationdata.MACHINE.999999999.0.tmp")};
+    QTest::newRow("archive copied") << QStringList{
+        sLock, u8("+simulationdata.MACHINE.999999999.0123456789abcdef.0.tmp")};
+    QTest::newRow("archive copied, under the id that this process has got")
+        << QStringList{sLock, u8("+simulationdata.MACHINE.OWN.0123456789abcdef.0.tmp")};
     QTest::newRow("one file unpacked") << QStringList{sLock, u8("Signal.wav")};
     QTest::newRow("descriptor unpacked") << QStringList{sLock, u8("Signal.xml")};
     QTest::newRow("all but one unpacked") << QStringList{sLock, u8("Signal.xml"), u8("Signal.ssf")};
@@ -543,7 +563,9 @@ void TestSignalPackageCache::healsAfterKill()
     const QString sMachine = QFileInfo(temporaryName(folders.cached("x"))).fileName().section(u'.', 1, 1);
     for (QString sName : kept) {
         if (sName.startsWith(u'+')) {
-            write(folders.cache() + u'/' + sName.mid(1).replace(u8("MACHINE"), sMachine), {});
+            sName.replace(u8("MACHINE"), sMachine)
+                .replace(u8("OWN"), QString::number(QCoreApplication::applicationPid()));
+            write(folders.cache() + u'/' + sName.mid(1), {});
         }
     }
     QVERIFY(SignalPackageCache::isCacheFolder(folders.cache()));
@@ -757,3 +779,33 @@ int main(int argc, char* argv[])
 }
 
 #include "tst_signalpackagecache.moc"
+void TestSignalPackageCache::copyReasons_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<bool>("syncFails");
+    QTest::addColumn<QString>("reason");
+
+    QTest::newRow("name taken") << "taken" << false << "a file of that name is there already";
+    QTest::newRow("disk in a network full") << "new" << true << "No space left on device";
+    QTest::newRow("no such folder") << "none/new" << false << "No such file or directory";
+}
+
+void TestSignalPackageCache::copyReasons()
+{
+    QFETCH(QString, target);
+    QFETCH(bool, syncFails);
+    QFETCH(QString, reason);
+    const QTemporaryDir folder;
+    write(folder.filePath(u8("from")), "new");
+    write(folder.filePath(u8("taken")), "former");
+    const QString sFrom = folder.filePath(u8("from"));
+    QString sReason;
+    s_bSyncFails = syncFails;
+    const bool bCopied = copyFileWhole(sFrom, folder.filePath(target), &sReason);
+    s_bSyncFails = false;
+    QVERIFY(!bCopied);
+    QCOMPARE(sReason,
+             QStringLiteral("Cannot copy \"%1\" to \"%2\": %3").arg(sFrom, folder.filePath(target), reason));
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList({u8("from"), u8("taken")}));
+}
+
