@@ -75,7 +75,7 @@ bool unpackResource(const QString& a_sResource, const QString& a_sWorkFolder, co
                            moveFiles(sUnpacked, a_sTarget, &sReason);
     QFile::remove(sArchive);
     static_cast<void>(removeDir(sUnpacked));
-    if (a_pReason != nullptr) {
+    if (!bUnpacked && a_pReason != nullptr) {
         *a_pReason = sReason;
     }
     return bUnpacked;

@@ -5,6 +5,8 @@
 #include "outputfile.h"
 #include "progress.h"
 
+#include "kpbase/replacedfile.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryFile>
@@ -26,6 +28,12 @@ bool isPipe(const QString& a_sFile)
     return ::stat(QFile::encodeName(a_sFile).constData(), &status) == 0 && S_ISFIFO(status.st_mode);
 }
 
+QString temporaryProblem(const QFile& a_temporary)
+{
+    return QStringLiteral("cannot be copied to a temporary file (TMPDIR chooses its folder): %1")
+        .arg(a_temporary.errorString());
+}
+
 /// Copies what an open device holds. Why that failed; empty when it did not.
 QString copyProblem(QFile& a_from, QFile& a_to, std::uint64_t a_uiMaxBytes)
 {
@@ -40,14 +48,11 @@ QString copyProblem(QFile& a_from, QFile& a_to, std::uint64_t a_uiMaxBytes)
             return QStringLiteral("holds more than %1 bytes, the limit: give a smaller input")
                 .arg(a_uiMaxBytes);
         }
-        if (a_to.write(block) != block.size()) {
-            return a_to.errorString();
+        if (!writeThrough(a_to, block)) {
+            return temporaryProblem(a_to);
         }
     }
-    if (a_from.error() != QFileDevice::NoError) {
-        return a_from.errorString();
-    }
-    return a_to.flush() ? QString() : a_to.errorString();
+    return a_from.error() == QFileDevice::NoError ? QString() : a_from.errorString();
 }
 
 } // namespace
@@ -72,7 +77,7 @@ bool InputFile::prepare(std::uint64_t a_uiMaxBytes)
     if (!(isStandardInput() ? input.open(STDIN_FILENO, eMode) : input.open(eMode))) {
         sProblem = input.errorString();
     } else if (!m_copy->open()) {
-        sProblem = QStringLiteral("cannot be copied to a temporary file: ") + m_copy->errorString();
+        sProblem = temporaryProblem(*m_copy);
     } else {
         sProblem = copyProblem(input, *m_copy, a_uiMaxBytes);
     }

@@ -419,6 +419,7 @@ void tst_SimulationTool::fullDisk_data()
                                                       QStringLiteral("--repair"), QStringLiteral("FILE")}
                                        << 2'000;
     QTest::newRow("standard output") << QStringList{QStringLiteral("play")} << 20'000;
+    QTest::newRow("standard input") << QStringList{QStringLiteral("inspect"), QStringLiteral("-")} << 1'000;
     QTest::newRow("little on standard output") << QStringList{QStringLiteral("--help")} << 10;
 }
 
@@ -435,10 +436,16 @@ void tst_SimulationTool::fullDisk()
     QProcess process;
     process.setStandardOutputFile(sOutput);
     process.start(QStringLiteral(SIMULATIONTOOL_PATH), arguments);
+    process.write(QByteArray(3'000, ' '));
+    process.closeWriteChannel();
     QVERIFY(process.waitForFinished(s_iToolTimeout));
     QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
              QStringLiteral("simulationtool: %1: File too large\n")
-                 .arg(arguments.contains(sFile) ? sFile : QStringLiteral("standard output")));
+                 .arg(arguments.contains(sFile) ? sFile
+                      : arguments.contains(QStringLiteral("-"))
+                          ? QStringLiteral("standard input: cannot be copied to a temporary file (TMPDIR "
+                                           "chooses its folder)")
+                          : QStringLiteral("standard output")));
     QCOMPARE(process.exitCode(), 2);
     QFile old(sFile);
     QVERIFY(old.open(QIODevice::ReadOnly));
