@@ -14,7 +14,9 @@ namespace {
 /// loaded without packages.
 bool isBare(const SignalPackage& a_package)
 {
-    return a_package.duration() == 0 && a_package.timestamp() == 0 && a_package.name().isEmpty();
+    return a_package.duration() == 0 && a_package.timestamp() == 0 && a_package.name().isEmpty() &&
+           !a_package.hasAudioContent() && !a_package.hasSymbolDataContent() &&
+           !a_package.hasResultDataContent();
 }
 
 } // namespace

@@ -171,6 +171,7 @@ extern "C" Q_DECL_EXPORT int fsync(int a_iFile)
     void cannotClear();
     void readersOutliveClearing();
     void manyThreads();
+    void checkedPlainPackage();
     void twoProcesses();
     void interruptedCopy();
     void fullDisk();
@@ -474,6 +475,25 @@ void TestSignalPackageCache::builtInGivesWay_data()
     QTest::newRow("id of the default package") << s_sDefaultId << s_sDefaultId << s_uiNewest;
     QTest::newRow("the same, older") << s_sDefaultId << s_sDefaultId << 1U;
     QTest::newRow("successor of the default package") << s_sDefaultId << u8("new") << s_uiNewest;
+/// What a package holds is known although its descriptor has nothing but the id.
+void TestSignalPackageCache::checkedPlainPackage()
+{
+    const Folders folders;
+    folders.addPackage("p", u8("p"), {}, "shape", 0, 0);
+    write(folders.repository() + u8("/p/Signal.sdf"), "symbols");
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    cache.updateCache(folders.repository(), false);
+    const auto emitter = std::make_shared<SzenarioEmitter>(u8("e"), QString());
+    const auto emission = EmissionSettings::createEmission();
+    emission->signalPackage = UnresolvedSignalPackageProvider().signalPackage(u8("p"));
+    emitter->emissionSettings()->addEmission(emission);
+    ScenarioDataXml scenario(nullptr);
+    scenario.setScenarioObjects({emitter});
+    ScenarioChecker(&cache).check(scenario);
+    QVERIFY(emission->signalPackage->hasSymbolDataContent());
+}
+
     QTest::newRow("successor with a small number") << s_sDefaultId << u8("new") << 1U;
     QTest::newRow("id of another built-in package") << sGauss << sGauss << 1U;
     QTest::newRow("successor of another built-in package") << sGauss << u8("new") << 1U;
