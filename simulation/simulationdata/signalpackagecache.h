@@ -32,8 +32,10 @@ public:
     /// What could not be put into the cache folder.
     struct CopyFailures
     {
-        qsizetype packages = 0; ///< how many lack a file there now
-        QString firstReason;    ///< with the system's reason; empty when nothing failed
+        /// How many lack a file there now. 0 with a reason: a folder is not there, or the cache
+        /// could not be cleared.
+        qsizetype packages = 0;
+        QString firstReason; ///< with the system's reason; empty when nothing failed
     };
 
     /// Nothing is read or made yet. The second folder is kept as given.

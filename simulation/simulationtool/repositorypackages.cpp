@@ -93,7 +93,10 @@ bool RepositoryPackages::fillCache()
     tellCopyFailures(QStringLiteral("the built-in package"));
     updateCache();
     const auto uiFailed = static_cast<quint64>(m_cache->copyFailures().packages);
-    tellCopyFailures(QStringLiteral("%1 of the repository").arg(counted(uiFailed, "package")));
+    // Without a number nothing was looked at, as when a folder is away.
+    tellCopyFailures(uiFailed == 0
+                         ? QStringLiteral("the packages of the repository")
+                         : QStringLiteral("%1 of the repository").arg(counted(uiFailed, "package")));
     return true;
 }
 
