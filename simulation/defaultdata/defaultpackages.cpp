@@ -159,11 +159,12 @@ std::vector<std::int16_t> makeSound(const Recipe& a_recipe)
 Package makePackage(const Recipe& a_recipe)
 {
     Package package;
+    package.id = QLatin1String(a_recipe.id);
     package.name = QLatin1String(a_recipe.name);
     package.signalShape = writeSignalShape(makeShape(a_recipe));
     package.audio = writeWave(makeSound(a_recipe), s_uiAudioRate);
     Descriptor descriptor;
-    descriptor.id = QLatin1String(a_recipe.id);
+    descriptor.id = package.id;
     descriptor.name = package.name;
     descriptor.bandwidth = s_uiBandwidth;
     descriptor.duration = s_uiPackageDuration;

@@ -10,6 +10,7 @@ namespace DefaultData {
 /// A signal package as the bytes of its files.
 struct Package
 {
+    QString id;
     QString name;
     QByteArray signalShape; ///< "Signal.ssf"
     QByteArray audio;       ///< "Signal.wav"

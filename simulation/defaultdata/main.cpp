@@ -1,14 +1,17 @@
 // Makes the zip files of signal packages that the library carries:
 //   makedefaultdata FOLDER
-// writes TuK-Default.zip, the library of default packages, and Default.zip, the
-// files of the package "Default" alone, into the folder and makes it when it is
-// missing. Every run gives the same bytes.
+// writes TuK-Default.zip, the library of default packages, Default.zip, the
+// files of the package "Default" alone, and the descriptor of every package,
+// "Descriptors/<id>.xml", into the folder and makes it when it is missing. Every
+// run gives the same bytes.
 
 #include "defaultpackages.h"
 #include "zipwriter.h"
 
 #include <QDir>
+#include <QSaveFile>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -37,14 +40,26 @@ QList<ZipEntry> libraryEntries(const QList<Package>& a_packages)
     return entries;
 }
 
+bool fail(const QString& a_sFile, const QString& a_sReason)
+{
+    std::fprintf(stderr, "makedefaultdata: %s: %s\n", qPrintable(a_sFile), qPrintable(a_sReason));
+    return false;
+}
+
 bool write(const QString& a_sFile, const QList<ZipEntry>& a_entries)
 {
     QString sReason;
-    if (writeZip(a_sFile, a_entries, &sReason)) {
-        return true;
-    }
-    std::fprintf(stderr, "makedefaultdata: %s: %s\n", qPrintable(a_sFile), qPrintable(sReason));
-    return false;
+    return writeZip(a_sFile, a_entries, &sReason) || fail(a_sFile, sReason);
+}
+
+bool writeDescriptors(const QString& a_sFolder, const QList<Package>& a_packages)
+{
+    return std::all_of(a_packages.cbegin(), a_packages.cend(), [&](const Package& a_package) {
+        QSaveFile file(a_sFolder + QLatin1Char('/') + a_package.id + QStringLiteral(".xml"));
+        return (file.open(QIODevice::WriteOnly) &&
+                file.write(a_package.descriptor) == a_package.descriptor.size() && file.commit()) ||
+               fail(file.fileName(), file.errorString());
+    });
 }
 
 } // namespace
@@ -56,14 +71,16 @@ int main(int a_iCount, char** a_ppArguments)
         return 2;
     }
     const QString sFolder = QFile::decodeName(a_ppArguments[1]);
-    if (!QDir().mkpath(sFolder)) {
-        std::fprintf(stderr, "makedefaultdata: cannot make %s\n", a_ppArguments[1]);
+    const QString sDescriptors = sFolder + QStringLiteral("/Descriptors");
+    if (!QDir().mkpath(sDescriptors)) {
+        std::fprintf(stderr, "makedefaultdata: cannot make %s\n", qPrintable(sDescriptors));
         return 1;
     }
     const QList<Package> packages = defaultPackages();
     QList<ZipEntry> defaultEntries;
     appendFiles(defaultEntries, QString(), packages.first());
     const bool bWritten = write(sFolder + QStringLiteral("/TuK-Default.zip"), libraryEntries(packages)) &&
-                          write(sFolder + QStringLiteral("/Default.zip"), defaultEntries);
+                          write(sFolder + QStringLiteral("/Default.zip"), defaultEntries) &&
+                          writeDescriptors(sDescriptors, packages);
     return bWritten ? 0 : 1;
 }

@@ -58,6 +58,17 @@ void keepFirst(QString& a_sReason, const QString& a_sNext)
     }
 }
 
+/// False with a reason when the file is still there.
+bool removeFile(const QString& a_sFile, QString* a_pReason)
+{
+    QFile file(a_sFile);
+    if (file.remove() || !file.exists()) {
+        return true;
+    }
+    *a_pReason = QStringLiteral("Cannot remove \"%1\": %2").arg(a_sFile, file.errorString());
+    return false;
+}
+
 /// Whether a cache made the descriptor: the folder may be one that everybody
 /// uses, such as that for temporary files.
 bool isOurDescriptor(const QString& a_sFile)
@@ -74,6 +85,14 @@ bool isOurDescriptor(const QString& a_sFile)
     };
     const QStringList& updateIds = package.updateIds();
     return isName(package.id()) || std::any_of(updateIds.cbegin(), updateIds.cend(), isName);
+}
+
+/// Whether a descriptor is, byte for byte, the one that the program carries for
+/// the id, or the first part of it.
+bool isBuiltInDescriptor(const QString& a_sFile, const QString& a_sCleanId)
+{
+    const QString sResource = QStringLiteral(":/DefaultData/Descriptors/%1.xml").arg(a_sCleanId);
+    return QFile::exists(sResource) && isCopyOfResource(a_sFile, sResource);
 }
 
 } // namespace
@@ -176,35 +195,45 @@ void PackageCacheFolder::removePackages() const
 /// taken for those of a changed package.
 bool PackageCacheFolder::removeFiles(const QString& a_sCleanId) const
 {
-    const auto remove = [&](const char* a_szEnding) {
-        const QString sFile = file(a_sCleanId, a_szEnding);
-        return QFile::remove(sFile) || !QFileInfo::exists(sFile);
-    };
-    bool bRemoved = true;
-    for (const DataFile& data : s_dataFiles) {
-        bRemoved = remove(data.ending) && bRemoved;
-    }
-    return bRemoved && remove(s_szDescriptor);
+    QString sReason;
+    return removeData(a_sCleanId, &sReason) && removeFile(file(a_sCleanId, s_szDescriptor), &sReason);
 }
 
-PackageCacheFolder::CopyFailures PackageCacheFolder::update(const QString& a_sRepository, bool a_bAnew) const
+bool PackageCacheFolder::removeData(const QString& a_sCleanId, QString* a_pReason) const
+{
+    bool bRemoved = true;
+    for (const DataFile& data : s_dataFiles) {
+        bRemoved = removeFile(file(a_sCleanId, data.ending), a_pReason) && bRemoved;
+    }
+    return bRemoved;
+}
+
+PackageCacheFolder::Update PackageCacheFolder::update(const QString& a_sRepository, bool a_bAnew) const
 {
     // Without the lock the copying does no harm: every file is put there whole.
     const FolderLock lock(m_sPath);
-    CopyFailures failures;
+    Update result;
+    CopyFailures& failures = result.failures;
     if (a_bAnew && lock.isHeld()) {
         removePackages();
     } else if (a_bAnew) {
         failures.firstReason = lock.problem();
     }
-    const QList<PackageSource> sources = readPackagesBelow(
+    QList<PackageSource> sources = readPackagesBelow(
         a_sRepository, [this](const SignalPackage& a_package) { return isComplete(a_package); });
+    Reasons reasons(static_cast<std::size_t>(sources.size()));
+    result.replaced = replaceBuiltIns(sources, lock, reasons);
+    for (PackageSource& source : sources) {
+        source.cached = result.replaced ? isComplete(source.package) : source.cached;
+    }
     // The descriptors are first: by them removePackages() finds what is ours.
-    Reasons reasons = copyDescriptors(sources);
+    copyDescriptors(sources, reasons);
     QList<QFuture<QString>> tasks;
-    for (const PackageSource& source : sources) {
+    for (std::size_t i = 0; i < reasons.size(); ++i) {
+        const PackageSource& source = sources[static_cast<qsizetype>(i)];
+        const bool bSkip = source.cached || !reasons[i].isEmpty();
         tasks.append(QtConcurrent::run(
-            [this, &source] { return source.cached ? QString() : copyData(source.package); }));
+            [this, &source, bSkip] { return bSkip ? QString() : copyData(source.package); }));
     }
     for (std::size_t i = 0; i < reasons.size(); ++i) {
         keepFirst(reasons[i], tasks[static_cast<qsizetype>(i)].result());
@@ -217,21 +246,56 @@ PackageCacheFolder::CopyFailures PackageCacheFolder::update(const QString& a_sRe
         return QStringLiteral("The cache was updated by %1 of the %2 packages below \"%3\"")
             .arg(QString::number(sources.size() - iCached), QString::number(sources.size()), a_sRepository);
     });
-    return failures;
+    return result;
+}
+
+/// A built-in package is cached as long as the users have none of its id. The files
+/// of both must not be mixed, so a user's package takes its place at once and not
+/// only when the cache is cleared. One with the built-in descriptor is the same
+/// package. Whether anything was replaced.
+bool PackageCacheFolder::replaceBuiltIns(const QList<PackageSource>& a_sources, const FolderLock& a_lock,
+                                         Reasons& a_reasons) const
+{
+    bool bReplaced = false;
+    for (qsizetype i = 0; i < a_sources.size(); ++i) {
+        const SignalPackage& package = a_sources[i].package;
+        for (const QString& sId : package.updateIds() + QStringList(package.id())) {
+            const QString sCleanId = SignalPackage::cleanId(sId);
+            if (a_sources[i].builtIn || !isBuiltInDescriptor(file(sCleanId, s_szDescriptor), sCleanId) ||
+                isBuiltInDescriptor(SignalPackageFolder::signalFilePath(package.path()), sCleanId)) {
+                continue;
+            }
+            keepFirst(a_reasons[static_cast<std::size_t>(i)],
+                      a_lock.isHeld() ? replaceBuiltIn(package, sCleanId) : a_lock.problem());
+            bReplaced = bReplaced || a_lock.isHeld();
+        }
+    }
+    return bReplaced;
+}
+
+/// The descriptor is last: a process that dies before leaves the built-in one, and
+/// the next process begins again.
+QString PackageCacheFolder::replaceBuiltIn(const SignalPackage& a_package, const QString& a_sCleanId) const
+{
+    QString sReason;
+    if (removeData(a_sCleanId, &sReason)) {
+        static_cast<void>(replaceByCopy(SignalPackageFolder::signalFilePath(a_package.path()),
+                                        file(a_sCleanId, s_szDescriptor), &sReason));
+    }
+    return sReason;
 }
 
 /// An id that a package supersedes is to resolve to that one, whether or not the
 /// older one is still there: so first come the update ids, those of the newest
 /// package before others, and then the packages' own.
-PackageCacheFolder::Reasons PackageCacheFolder::copyDescriptors(const QList<PackageSource>& a_sources) const
+void PackageCacheFolder::copyDescriptors(const QList<PackageSource>& a_sources, Reasons& a_reasons) const
 {
-    Reasons reasons(static_cast<std::size_t>(a_sources.size()));
     std::vector<std::pair<const SignalPackage*, QString*>> missing;
     for (qsizetype i = 0; i < a_sources.size(); ++i) {
         const SignalPackage& package = a_sources[i].package;
         // After a power cut a file may be there without its bytes.
         if (!a_sources[i].cached && QFileInfo(file(package.cleanId(), s_szDescriptor)).size() == 0) {
-            missing.emplace_back(&package, &reasons[static_cast<std::size_t>(i)]);
+            missing.emplace_back(&package, &a_reasons[static_cast<std::size_t>(i)]);
         }
     }
     const SupersededIds superseded(a_sources);
@@ -246,7 +310,6 @@ PackageCacheFolder::Reasons PackageCacheFolder::copyDescriptors(const QList<Pack
             *pReason = copyDescriptor(*pPackage, pPackage->cleanId());
         }
     }
-    return reasons;
 }
 
 QString PackageCacheFolder::copyDescriptor(const SignalPackage& a_package, const QString& a_sCleanId) const

@@ -11,6 +11,7 @@
 
 namespace Simulation {
 
+class FolderLock;
 class SignalPackage;
 struct PackageSource;
 
@@ -46,9 +47,17 @@ public:
     /// unpacks the built-in package. That package, or null after a trace.
     [[nodiscard]] std::shared_ptr<SignalPackage> prepare(CopyFailures* a_pFailures) const;
 
+    struct Update
+    {
+        CopyFailures failures;
+        bool replaced = false; ///< what was read of the folder before may not hold any more
+    };
+
     /// Copies what the folder does not hold yet of the packages that lie below
     /// another folder; first removes what it holds when that is to be made anew.
-    [[nodiscard]] CopyFailures update(const QString& a_sRepository, bool a_bAnew) const;
+    /// Files of a built-in package give way to a user's package that has its id or
+    /// supersedes it.
+    [[nodiscard]] Update update(const QString& a_sRepository, bool a_bAnew) const;
 
     /// Removes the packages, but not the built-in one. Nothing without the lock.
     void clear() const;
@@ -70,7 +79,11 @@ private:
     void unpackBuiltInPackage(QString* a_pReason) const;
     void removePackages() const;
     [[nodiscard]] bool removeFiles(const QString& a_sCleanId) const;
-    [[nodiscard]] Reasons copyDescriptors(const QList<PackageSource>& a_sources) const;
+    [[nodiscard]] bool removeData(const QString& a_sCleanId, QString* a_pReason) const;
+    [[nodiscard]] bool replaceBuiltIns(const QList<PackageSource>& a_sources, const FolderLock& a_lock,
+                                       Reasons& a_reasons) const;
+    [[nodiscard]] QString replaceBuiltIn(const SignalPackage& a_package, const QString& a_sCleanId) const;
+    void copyDescriptors(const QList<PackageSource>& a_sources, Reasons& a_reasons) const;
     [[nodiscard]] QString copyDescriptor(const SignalPackage& a_package, const QString& a_sCleanId) const;
     [[nodiscard]] QString copyData(const SignalPackage& a_package) const;
     [[nodiscard]] bool isComplete(const SignalPackage& a_package) const;

@@ -113,10 +113,11 @@ void SignalPackageCache::updateCache(const QString& a_sFolder, bool a_bAnew)
         traceError(s_szSource, [&] { return m_failures.firstReason; });
         return;
     }
-    if (a_bAnew) {
+    const PackageCacheFolder::Update update = m_folder->update(sFolder, a_bAnew);
+    if (a_bAnew || update.replaced) {
         forget();
     }
-    m_failures = m_folder->update(sFolder, a_bAnew);
+    m_failures = update.failures;
     resolveDefault();
 }
 

@@ -21,8 +21,8 @@ class PackageCacheFolder;
 /// repository, and hands out packages and opened data files.
 ///
 /// Several caches, also of several processes, may share one folder: a file
-/// appears there whole or not at all, and none but the built-in package's is ever
-/// replaced. A process that ends at any time leaves nothing that the next one must
+/// appears there whole or not at all, and none but those of built-in packages are
+/// ever replaced. A process that ends at any time leaves nothing that the next one must
 /// wait for. Every operation may be called from any thread but none from inside
 /// another; lookups wait for a running updateCache(). Of a data file that stands
 /// open the folder's copy may go: the reader keeps what it has.
@@ -66,7 +66,8 @@ public:
     /// their id are taken anew. What cannot be copied is passed over after a
     /// trace, see copyFailures(); a package without an id silently. A folder that
     /// is not there changes nothing. A package that has the id of a built-in one,
-    /// or supersedes it, takes its place.
+    /// or supersedes it, takes its place, also when the built-in one is in the cache
+    /// already; then all packages are read anew.
     void updateCache(const QString& a_sFolder, bool a_bAnew);
 
     /// What the last prepareCacheForUse() or updateCache() could not put into the

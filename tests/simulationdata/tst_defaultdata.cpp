@@ -130,6 +130,8 @@ void TestDefaultData::descriptor()
     QFETCH(QString, id);
     QDomDocument document;
     QVERIFY(document.setContent(packageFile(package, "Signal.xml")));
+    QVERIFY(contentOf(QStringLiteral(":/DefaultData/Descriptors/%1.xml").arg(id)) ==
+            packageFile(package, "Signal.xml"));
     const QDomElement root = document.documentElement();
     const auto text = [&](const char* a_szPath) {
         QDomElement element = root;

@@ -1,6 +1,7 @@
 #include "filesizelimit.h"
 #include "simulationdata/audiofile.h"
 #include "simulationdata/emissionsettings.h"
+#include "simulationdata/resourcearchive_p.h"
 #include "simulationdata/scenariochecker.h"
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/signalpackage.h"
@@ -23,8 +24,8 @@
 
 #include <algorithm>
 #include <array>
-#include <csignal>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <memory>
 #include <set>
@@ -33,9 +34,9 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
-
 #include <sys/syscall.h>
 #include <unistd.h>
+
 using namespace Simulation;
 
 namespace {
@@ -45,9 +46,9 @@ constexpr const char* s_szLock = "simulationdata.lock";
 constexpr qsizetype s_iPreparedFiles = 4;           ///< those of the built-in package, and the lock
 constexpr std::uint32_t s_uiNewest = 2'000'000'000; ///< a timestamp after those of built-in packages
 
-QString u8(const char* a_szText)
 bool s_bSyncFails = false;
 
+QString u8(const char* a_szText)
 {
     return QString::fromUtf8(a_szText);
 }
@@ -94,6 +95,14 @@ public:
         write(SignalPackageFolder::signalShapeFilePath(sFolder), a_shape);
     }
 
+    /// Unpacks the packages that the program carries, as it does into a repository.
+    void addBuiltIns() const
+    {
+        QVERIFY(QDir().mkpath(repository()));
+        QVERIFY(unpackResource(u8(":/DefaultData/TuK-Default.zip"), repository(), u8("/TuK-Default"),
+                               repository() + u8("/TuK-Default")));
+    }
+
 private:
     QTemporaryDir m_dir;
 };
@@ -132,15 +141,6 @@ int fill(const QStringList& a_arguments)
 
 } // namespace
 
-class TestSignalPackageCache : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void beforePreparing();
-    void defaultPackage();
-    void unusableFolders();
-    void findsPackages();
 /// Takes the place of the system's: of a full disk in a network only this call hears.
 extern "C" Q_DECL_EXPORT int fsync(int a_iFile)
 {
@@ -151,6 +151,15 @@ extern "C" Q_DECL_EXPORT int fsync(int a_iFile)
     return -1;
 }
 
+class TestSignalPackageCache : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void beforePreparing();
+    void defaultPackage();
+    void unusableFolders();
+    void findsPackages();
     void supersededIds();
     void usurpers();
     void emptyFiles();
@@ -162,8 +171,10 @@ extern "C" Q_DECL_EXPORT int fsync(int a_iFile)
     void packageDurations_data();
     void packageDurations();
     void checkedScenario();
+    void checkedPlainPackage();
     void builtInGivesWay_data();
     void builtInGivesWay();
+    void builtInThatCannotGiveWay();
     void healsAfterKill_data();
     void healsAfterKill();
     void addsOrTakesAnew();
@@ -171,10 +182,11 @@ extern "C" Q_DECL_EXPORT int fsync(int a_iFile)
     void cannotClear();
     void readersOutliveClearing();
     void manyThreads();
-    void checkedPlainPackage();
     void twoProcesses();
     void interruptedCopy();
     void fullDisk();
+    void copyReasons_data();
+    void copyReasons();
 };
 
 void TestSignalPackageCache::beforePreparing()
@@ -186,8 +198,6 @@ void TestSignalPackageCache::beforePreparing()
     QVERIFY(!cache.defaultSignalPackage());
     QVERIFY(!cache.signalShapeFile(nullptr));
     cache.updateCache(folders.repository(), true);
-    void copyReasons_data();
-    void copyReasons();
     QVERIFY(!QDir(folders.cache()).exists());
 }
 
@@ -465,16 +475,6 @@ void TestSignalPackageCache::checkedScenario()
     QVERIFY(checker.findings().isEmpty());
 }
 
-void TestSignalPackageCache::builtInGivesWay_data()
-{
-    QTest::addColumn<QString>("id");  // that is asked for
-    QTest::addColumn<QString>("own"); // of the package of the repository
-    QTest::addColumn<quint32>("timestamp");
-
-    const QString sGauss = u8("9a567123-d88f-4177-9b57-b02c1ec104f7");
-    QTest::newRow("id of the default package") << s_sDefaultId << s_sDefaultId << s_uiNewest;
-    QTest::newRow("the same, older") << s_sDefaultId << s_sDefaultId << 1U;
-    QTest::newRow("successor of the default package") << s_sDefaultId << u8("new") << s_uiNewest;
 /// What a package holds is known although its descriptor has nothing but the id.
 void TestSignalPackageCache::checkedPlainPackage()
 {
@@ -494,9 +494,26 @@ void TestSignalPackageCache::checkedPlainPackage()
     QVERIFY(emission->signalPackage->hasSymbolDataContent());
 }
 
-    QTest::newRow("successor with a small number") << s_sDefaultId << u8("new") << 1U;
-    QTest::newRow("id of another built-in package") << sGauss << sGauss << 1U;
-    QTest::newRow("successor of another built-in package") << sGauss << u8("new") << 1U;
+void TestSignalPackageCache::builtInGivesWay_data()
+{
+    QTest::addColumn<QString>("id");  // that is asked for
+    QTest::addColumn<QString>("own"); // of the package of the repository
+    QTest::addColumn<quint32>("timestamp");
+
+    QTest::addColumn<bool>("later"); // than the built-in packages were cached
+
+    const QString sGauss = u8("9a567123-d88f-4177-9b57-b02c1ec104f7");
+    for (const bool bLater : {false, true}) {
+        const auto row = [&](const char* a_szName) -> QTestData& {
+            return QTest::addRow("%s%s", a_szName, bLater ? ", later" : "");
+        };
+        row("id of the default package") << s_sDefaultId << s_sDefaultId << s_uiNewest << bLater;
+        row("the same, older") << s_sDefaultId << s_sDefaultId << 1U << bLater;
+        row("successor of the default package") << s_sDefaultId << u8("new") << s_uiNewest << bLater;
+        row("successor with a small number") << s_sDefaultId << u8("new") << 1U << bLater;
+        row("id of another built-in package") << sGauss << sGauss << 1U << bLater;
+        row("successor of another built-in package") << sGauss << u8("new") << 1U << bLater;
+    }
 }
 
 /// A package of the user wins over the one that the program carries, and over the
@@ -506,12 +523,17 @@ void TestSignalPackageCache::builtInGivesWay()
     QFETCH(QString, id);
     QFETCH(QString, own);
     QFETCH(quint32, timestamp);
+    QFETCH(bool, later);
     const Folders folders;
-    folders.addPackage("z/mine", own, {id}, "mine", timestamp, 10'000);
-    folders.addPackage("TuK-Default/any", id, {}, "built in", 1'704'067'200);
+    folders.addBuiltIns();
     SignalPackageCache cache(folders.cache(), {});
     QVERIFY(cache.prepareCacheForUse());
     const QByteArray builtIn = contents(folders.cached("Signal.ssf"));
+    if (later) {
+        cache.updateCache(folders.repository(), false);
+        QCOMPARE(cache.signalPackage(id)->id(), id);
+    }
+    folders.addPackage("z/mine", own, {id}, "mine", timestamp, 10'000);
     // As a program left it that played the default package before.
     QVERIFY(cache.signalShapeFile(cache.signalPackage(id))->isOpen());
     for (int iRun = 0; iRun < 2; ++iRun) {
@@ -523,6 +545,7 @@ void TestSignalPackageCache::builtInGivesWay()
             QCOMPARE(package->id(), own);
             QCOMPARE(package->duration(), 10'000U);
             QCOMPARE(contents(folders.cached(qPrintable(own + u8(".ssf")))), QByteArray("mine"));
+            QVERIFY(!package->hasAudioContent());                 // the built-in one has
             QVERIFY(!pCache->signalShapeFile(package)->isOpen()); // "mine" is no shape
             // An unknown id is played as the default one, by whichever package has that.
             const auto fallback = pCache->signalPackage(u8("unknown"));
@@ -537,6 +560,31 @@ void TestSignalPackageCache::builtInGivesWay()
     QVERIFY(cache.signalShapeFile(cache.signalPackage(id))->isOpen());
     QVERIFY(contents(folders.cached("Signal.ssf")) == builtIn);
     QCOMPARE(folders.cachedNames().size(), s_iPreparedFiles);
+}
+
+/// The files of two packages are never mixed, and the next update tries again.
+void TestSignalPackageCache::builtInThatCannotGiveWay()
+{
+    const Folders folders;
+    folders.addBuiltIns();
+    SignalPackageCache cache(folders.cache(), {});
+    QVERIFY(cache.prepareCacheForUse());
+    cache.updateCache(folders.repository(), false);
+    folders.addPackage("mine", s_sDefaultId, {}, "mine", 1, 10'000);
+    write(folders.repository() + u8("/mine/Signal.sdf"), "mine");
+    // Nobody can remove a folder as a file.
+    const QString sFile = folders.cache() + u'/' + s_sDefaultId;
+    QVERIFY(QDir().mkdir(sFile + u8(".rdf")));
+    cache.updateCache(folders.repository(), false);
+    QCOMPARE(cache.copyFailures().packages, qsizetype{1});
+    QVERIFY2(cache.copyFailures().firstReason.startsWith(u8("Cannot remove \"")),
+             qPrintable(cache.copyFailures().firstReason));
+    QVERIFY(!QFile::exists(sFile + u8(".sdf")));
+    QVERIFY(QDir().rmdir(sFile + u8(".rdf")));
+    cache.updateCache(folders.repository(), false);
+    QCOMPARE(cache.copyFailures().firstReason, QString());
+    QCOMPARE(cache.signalPackage(s_sDefaultId)->duration(), 10'000U);
+    QCOMPARE(contents(sFile + u8(".sdf")), QByteArray("mine"));
 }
 
 void TestSignalPackageCache::healsAfterKill_data()
@@ -787,18 +835,6 @@ void TestSignalPackageCache::fullDisk()
     QVERIFY(folders.cachedNames().filter(u8(".tmp")).isEmpty());
 }
 
-int main(int argc, char* argv[])
-{
-    const QCoreApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.value(1) == u"--fill") {
-        return fill(arguments);
-    }
-    TestSignalPackageCache test;
-    return QTest::qExec(&test, argc, argv);
-}
-
-#include "tst_signalpackagecache.moc"
 void TestSignalPackageCache::copyReasons_data()
 {
     QTest::addColumn<QString>("target");
@@ -829,3 +865,15 @@ void TestSignalPackageCache::copyReasons()
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList({u8("from"), u8("taken")}));
 }
 
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == u"--fill") {
+        return fill(arguments);
+    }
+    TestSignalPackageCache test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_signalpackagecache.moc"
