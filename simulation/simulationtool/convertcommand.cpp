@@ -21,15 +21,16 @@ namespace SimulationTool {
 
 namespace {
 
-const char s_szConvert[] = "Writes the compact form of a scenario document to OUT, or a document of a\n"
-                           "compact scenario: which of them SCENARIO is, its content tells.\n"
-                           "\n"
-                           "The compact form carries of every emitter the id, name, description, active\n"
-                           "flag, default mark, link and class, and nothing else. What it does not carry\n"
-                           "of the scenario at hand is told, and so are links that a reader will not find;\n"
-                           "the other way, what the document holds at its defaults.\n"
-                           "\n"
-                           "OUT is replaced only when all of it is written.";
+const char s_szConvert[] =
+    "Writes the compact form of a scenario document to OUT, or a document of a\n"
+    "compact scenario: the content of SCENARIO shows which it is.\n"
+    "\n"
+    "The compact form carries of every emitter the id, name, description, active\n"
+    "flag, default mark, link and class, and nothing else. What it does not carry\n"
+    "of the scenario at hand is listed, and so are links that a reader will not find;\n"
+    "the other way, what the document holds at its defaults.\n"
+    "\n"
+    "OUT is replaced only when all of it is written.";
 
 const char s_szConvertExamples[] = "\n"
                                    "Examples:\n"

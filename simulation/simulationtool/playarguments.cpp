@@ -22,8 +22,8 @@ const char s_szPlay[] = "Plays a scenario over the times from FROM up to, but no
                         "\n"
                         "With a repository the packages are read from there, and each row ends with the\n"
                         "signal level of the package at the time since its emission began. A package\n"
-                        "that the repository does not have is played as the default package: this is\n"
-                        "told once, and the exit code is 1, as it is when a signal shape file is broken.";
+                        "that the repository does not have is played as the default package: one line\n"
+                        "reports it, and the exit code is 1, as it is when a signal shape file is broken.";
 
 const char s_szPlayExamples[] =
     "\n"

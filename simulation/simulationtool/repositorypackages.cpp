@@ -191,8 +191,7 @@ std::shared_ptr<Simulation::SignalPackage> RepositoryPackages::signalPackage(con
     // An emission that names no package means the default one.
     if (!a_sId.isEmpty() && !m_unknownIds.contains(a_sId) && !m_cache->validSignalPackageId(a_sId)) {
         m_unknownIds.insert(a_sId);
-        tell(QStringLiteral("package %1 is not in the repository: the default package stands for it")
-                 .arg(a_sId));
+        tell(QStringLiteral("package %1 is not in the repository: the default package is used").arg(a_sId));
     }
     return m_cache->signalPackage(a_sId);
 }

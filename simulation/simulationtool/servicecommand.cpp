@@ -22,7 +22,7 @@ namespace {
 const char s_szService[] =
     "Runs the simulation service: devices register with it, and the program that\n"
     "acquired it last has its scenarios, deployments and orders passed on to all of\n"
-    "them and is told their states. A device that comes late is sent the deployment,\n"
+    "them and is sent their states. A device that registers late is sent the deployment,\n"
     "the scenario and the start that hold. What happens is logged on standard error,\n"
     "each line with its time.\n"
     "\n"

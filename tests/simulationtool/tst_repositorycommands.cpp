@@ -422,7 +422,7 @@ void tst_RepositoryCommands::playTellsWhatIsMissing_data()
     QTest::addColumn<QString>("message");
 
     QTest::newRow("package") << QString() << QByteArray()
-                             << "is not in the repository: the default package stands for it";
+                             << "is not in the repository: the default package is used";
     QTest::newRow("half a shape") << "Signal.ssf" << m_shape.left(50'000)
                                   << "its signal shape file is truncated by 54035 bytes";
     QTest::newRow("no shape") << "Signal.ssf" << QByteArray("T&K")
