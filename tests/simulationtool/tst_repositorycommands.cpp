@@ -15,6 +15,8 @@
 
 #include <csignal>
 
+#include <sys/file.h>
+
 namespace {
 
 const QString s_sRectId = QStringLiteral("b696e61d-dcae-42b4-b794-4a4adb8476c0");
@@ -88,6 +90,7 @@ private Q_SLOTS:
     void playTellsWhatIsMissing();
     void cacheThatCannotBeFilled_data();
     void cacheThatCannotBeFilled();
+    void lostRepository();
     void playKeepsCache();
     void playRefusesCache_data();
     void playRefusesCache();
@@ -487,6 +490,37 @@ void tst_RepositoryCommands::cacheThatCannotBeFilled()
         qPrintable(result.err));
     QTEST(result.code, "code");
     QVERIFY(!QFileInfo::exists(path(QStringLiteral("mended"))));
+}
+
+/// The repository goes while the tool waits for another user of the cache: no
+/// number of packages is known then.
+void tst_RepositoryCommands::lostRepository()
+{
+    const QString sLock = path(QStringLiteral("cache/simulationdata.lock"));
+    QVERIFY(write(sLock, {}));
+    QFile lock(sLock);
+    QVERIFY(lock.open(QIODevice::ReadWrite));
+    QCOMPARE(::flock(lock.handle(), LOCK_EX), 0);
+    QProcess process;
+    process.start(QStringLiteral(SIMULATIONTOOL_PATH),
+                  {QStringLiteral("play"), QStringLiteral("--to"), QStringLiteral("100"),
+                   QStringLiteral("--repository"), path(QStringLiteral("r")), QStringLiteral("--cache"),
+                   path(QStringLiteral("cache"))});
+    const auto isWaiting = [&] {
+        const QFileInfoList open = QDir(QStringLiteral("/proc/%1/fd").arg(process.processId()))
+                                       .entryInfoList(QDir::NoDotAndDotDot | QDir::AllEntries);
+        return std::any_of(open.cbegin(), open.cend(),
+                           [&](const QFileInfo& a_file) { return a_file.symLinkTarget() == sLock; });
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(isWaiting(), s_iToolTimeout);
+    QVERIFY(QDir().rename(path(QStringLiteral("r")), path(QStringLiteral("away"))));
+    lock.close();
+    QVERIFY(process.waitForFinished(s_iToolTimeout));
+    const QString sError = QString::fromUtf8(process.readAllStandardError());
+    QVERIFY2(sError.startsWith(QStringLiteral(
+                 "simulationtool: the packages of the repository could not be copied to the cache folder ")),
+             qPrintable(sError));
+    QCOMPARE(process.exitCode(), 1);
 }
 
 void tst_RepositoryCommands::playKeepsCache()
