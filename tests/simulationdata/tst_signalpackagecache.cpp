@@ -267,7 +267,7 @@ void TestSignalPackageCache::findsPackages()
     QVERIFY(cache.validSignalPackageId(u8("far")));
     QVERIFY(!cache.validSignalPackageId(u8("inside")));
     QVERIFY(!cache.validSignalPackageId({}));
-    QCOMPARE(folders.cachedNames().size(), s_iPreparedFiles + 2 * 2);
+    QCOMPARE(folders.cachedNames().size(), s_iPreparedFiles + qsizetype{2} * 2);
 }
 
 // Which of the two is found first must not matter, so there are many of them.
@@ -629,7 +629,7 @@ void TestSignalPackageCache::healsAfterKill()
         QVERIFY(kept.contains(sName) || QFile::remove(folders.cache() + u'/' + sName));
     }
     const QString sMachine = QFileInfo(temporaryName(folders.cached("x"))).fileName().section(u'.', 1, 1);
-    for (QString sName : kept) {
+    for (const QString& sName : kept) {
         if (sName.startsWith(u'+')) {
             sName.replace(u8("MACHINE"), sMachine)
                 .replace(u8("OWN"), QString::number(QCoreApplication::applicationPid()));
@@ -781,7 +781,7 @@ void TestSignalPackageCache::twoProcesses()
         QCOMPARE(pProcess->exitStatus(), QProcess::NormalExit);
         QCOMPARE(pProcess->exitCode(), 0);
     }
-    QCOMPARE(folders.cachedNames().size(), s_iPreparedFiles + 2 * s_iPackages);
+    QCOMPARE(folders.cachedNames().size(), s_iPreparedFiles + qsizetype{2} * s_iPackages);
     for (int i = 0; i < s_iPackages; ++i) {
         QCOMPARE(contents(folders.cached(qPrintable(QStringLiteral("%1.ssf").arg(i)))),
                  QByteArray(200'000, static_cast<char>('A' + i % 26)));

@@ -565,7 +565,7 @@ void TestSimulationServiceCommunication::socketDiesFirst()
 /// The socket notices that its peer has left although nobody reads what it sent.
 void TestSimulationServiceCommunication::lossWithUnreadBytes()
 {
-    constexpr qsizetype iBytes = 4 * 1024 * 1024;
+    constexpr qsizetype iBytes = qsizetype{4} * 1024 * 1024;
     const TraceCollector traces;
     for (const bool bFaulty : {true, false}) {
         Wire wire;
