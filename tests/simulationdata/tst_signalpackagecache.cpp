@@ -629,7 +629,7 @@ void TestSignalPackageCache::healsAfterKill()
         QVERIFY(kept.contains(sName) || QFile::remove(folders.cache() + u'/' + sName));
     }
     const QString sMachine = QFileInfo(temporaryName(folders.cached("x"))).fileName().section(u'.', 1, 1);
-    for (const QString& sName : kept) {
+    for (QString sName : kept) {
         if (sName.startsWith(u'+')) {
             sName.replace(u8("MACHINE"), sMachine)
                 .replace(u8("OWN"), QString::number(QCoreApplication::applicationPid()));

@@ -227,7 +227,9 @@ void TestTcpServerConnector::hangingUp()
     notePauses(*road.connector, &QTcpSocket::disconnected, pauses);
     connect(&road.server, &QTcpServer::newConnection, this, [&] {
         QTcpSocket* const pPeer = road.server.nextPendingConnection();
-        QTimer::singleShot(pauses.size() == iShort ? iKept : 0, pPeer, &QTcpSocket::abort);
+        auto* const pEnd = new QTimer(pPeer);
+        connect(pEnd, &QTimer::timeout, pPeer, &QTcpSocket::abort);
+        pEnd->start(pauses.size() == iShort ? iKept : 0);
     });
     road.connector->connectToServer();
     QTRY_VERIFY(pauses.size() >= iShort + 4);
