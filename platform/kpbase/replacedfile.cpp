@@ -50,9 +50,6 @@ bool writeThrough(QIODevice& a_device, const QByteArray& a_data)
 
 bool closeWritten(QFileDevice& a_file, QString* a_pReason)
 {
-    if (!syncToDisk(a_file, a_pReason)) {
-        return false;
-    }
     a_file.close();
     if (a_file.error() != QFileDevice::NoError) {
         *a_pReason = a_file.errorString();

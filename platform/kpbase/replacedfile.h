@@ -23,9 +23,9 @@ class QIODevice;
 /// a full disk is seen only then.
 [[nodiscard]] SIMULATIONDATA_EXPORT bool writeThrough(QIODevice& a_device, const QByteArray& a_data);
 
-/// Waits until the disk holds what was written to an open, unbuffered file, and
-/// closes it. False with the system's reason when the disk cannot take it: where the
-/// disk lies in a network, a full one is seen only then.
+/// Closes a file that was written unbuffered. False with the system's reason when the
+/// disk cannot take it: of some disks in a network a full one is seen only then. Does
+/// not wait until the disk holds the bytes: for files that can be made again.
 [[nodiscard]] bool closeWritten(QFileDevice& a_file, QString* a_pReason);
 
 /// A file that commit() replaces whole. When anything fails, or commit() is not

@@ -358,17 +358,34 @@ constexpr std::array<Command, 17> s_commands{{
 
 } // namespace
 
-QString peekedCommand(const QByteArray& a_document)
+std::optional<PeekedNames> peekedNames(const QByteArray& a_document)
 {
     constexpr qsizetype iShort = 16'384;
-    constexpr qsizetype iPeeked = 1024;
+    constexpr qsizetype iPiece = 1024; // more than enough for what our senders write
+    constexpr qsizetype iMost = 262'144;
     if (a_document.size() <= iShort) {
-        return {};
+        return std::nullopt;
     }
-    QXmlStreamReader reader(a_document.first(iPeeked));
+    QXmlStreamReader reader;
     reader.setNamespaceProcessing(false); // the names have no prefixes
-    const bool bCommand = reader.readNextStartElement() && reader.name() == s_root;
-    return bCommand && reader.readNextStartElement() ? reader.name().toString() : QString();
+    PeekedNames names;
+    for (qsizetype i = 0; i < std::min(iMost, a_document.size()); i += iPiece) {
+        reader.addData(a_document.mid(i, iPiece));
+        while (!reader.atEnd()) {
+            if (reader.readNext() != QXmlStreamReader::StartElement) {
+                continue;
+            }
+            if (!names.root.isEmpty()) {
+                names.command = reader.name().toString();
+                return names;
+            }
+            names.root = reader.name().toString();
+        }
+        if (reader.error() != QXmlStreamReader::PrematureEndOfDocumentError) {
+            break;
+        }
+    }
+    return names;
 }
 
 ReceivedCommand::ReceivedCommand(XmlElement a_element, bool a_bCompressed, Communication* a_pReceiver)

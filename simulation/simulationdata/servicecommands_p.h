@@ -7,13 +7,22 @@
 #include <QLatin1String>
 #include <QString>
 
+#include <optional>
+
 namespace Simulation {
 
 class SimulationServiceCommunication;
 
-/// The name of the command in a document, as far as the first bytes show it;
-/// empty for a document so short that reading it whole costs no more.
-[[nodiscard]] QString peekedCommand(const QByteArray& a_document);
+/// The names of a document's root and of the first element in it. Empty when the
+/// first 256 KiB do not show them.
+struct PeekedNames
+{
+    QString root;
+    QString command;
+};
+
+/// Nothing for a document so short that reading it whole costs no more.
+[[nodiscard]] std::optional<PeekedNames> peekedNames(const QByteArray& a_document);
 
 /// A command that has come, and whose signals tell of it.
 class ReceivedCommand

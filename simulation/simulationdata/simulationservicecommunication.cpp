@@ -115,8 +115,12 @@ void SimulationServiceCommunication::sendPayload(XmlElement a_command, const QSt
 void SimulationServiceCommunication::slotXmlReceived(const QByteArray& Xml)
 {
     // Building the tree of a large document takes time and memory, too.
-    const QString sPeeked = m_filter ? peekedCommand(Xml) : QString();
-    if (!sPeeked.isEmpty() && isRefused(sPeeked, Xml.size())) {
+    const std::optional<PeekedNames> peeked = m_filter ? peekedNames(Xml) : std::nullopt;
+    if (peeked && !peeked->root.isEmpty() && peeked->root != QLatin1String("Command")) {
+        traceError(s_szSource, [&] { return QStringLiteral("Invalid xml: ") + peeked->root; });
+        return;
+    }
+    if (peeked && isRefused(peeked->command, Xml.size())) {
         return;
     }
     QString sError;
@@ -129,7 +133,7 @@ void SimulationServiceCommunication::slotXmlReceived(const QByteArray& Xml)
     }
     root = root.firstChild();
     const QString sName = root.tagName();
-    if (sPeeked.isEmpty() && isRefused(sName, Xml.size())) {
+    if (!peeked && isRefused(sName, Xml.size())) {
         return;
     }
     // The categories are the ones that the system's log filters expect.

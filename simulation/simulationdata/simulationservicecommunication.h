@@ -70,7 +70,8 @@ public:
     [[nodiscard]] bool hasLostCommands() const { return m_bLostCommands; }
 
     /// Decides whether a command that has arrived is processed, by its name on the
-    /// wire, for example "LoadScenario", and the bytes of its document.
+    /// wire, for example "LoadScenario", and the bytes of its document. The name is
+    /// empty when the first 256 KiB of a larger document do not show it.
     using CommandFilter = std::function<bool(const QString& a_sCommand, qsizetype a_iBytes)>;
 
     /// Has the filter asked once about every command, known or not, before its

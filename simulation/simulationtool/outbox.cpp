@@ -17,13 +17,20 @@ constexpr qint64 s_iEntryBytes = 128;
 OutgoingCommand::OutgoingCommand(QByteArray a_bytes, std::shared_ptr<qint64> a_pTotal)
     : m_bytes(std::move(a_bytes))
     , m_pTotal(std::move(a_pTotal))
+{}
+
+void OutgoingCommand::beginWaiting() const
 {
-    *m_pTotal += m_bytes.size();
+    if (m_iOutboxes++ == 0) {
+        *m_pTotal += m_bytes.size();
+    }
 }
 
-OutgoingCommand::~OutgoingCommand()
+void OutgoingCommand::endWaiting() const
 {
-    *m_pTotal -= m_bytes.size();
+    if (--m_iOutboxes == 0) {
+        *m_pTotal -= m_bytes.size();
+    }
 }
 
 Outbox::Outbox(std::shared_ptr<qint64> a_pTotal)
@@ -50,6 +57,8 @@ void Outbox::report(const QString& a_sKey, const OutgoingCommandPtr& a_pCommand)
     if (const auto it = m_reports.constFind(a_sKey); it != m_reports.constEnd()) {
         OutgoingCommandPtr& pFormer = m_entries[*it - m_uiFirst].command;
         m_iBytes += a_pCommand->bytes().size() - pFormer->bytes().size();
+        a_pCommand->beginWaiting();
+        pFormer->endWaiting();
         pFormer = a_pCommand;
         return;
     }
@@ -60,6 +69,7 @@ void Outbox::report(const QString& a_sKey, const OutgoingCommandPtr& a_pCommand)
 void Outbox::add(const OutgoingCommandPtr& a_pCommand, const QString& a_sKey)
 {
     m_entries.push_back({a_pCommand, a_sKey});
+    a_pCommand->beginWaiting();
     m_iBytes += a_pCommand->bytes().size() + s_iEntryBytes;
     *m_pTotal += s_iEntryBytes;
 }
@@ -90,6 +100,7 @@ void Outbox::removeFirst()
     if (--m_entries.front().times == 0) {
         m_iBytes -= m_entries.front().command->bytes().size() + s_iEntryBytes;
         *m_pTotal -= s_iEntryBytes;
+        m_entries.front().command->endWaiting();
         m_entries.pop_front();
         ++m_uiFirst;
     }
@@ -97,6 +108,9 @@ void Outbox::removeFirst()
 
 void Outbox::clear()
 {
+    for (const Entry& entry : m_entries) {
+        entry.command->endWaiting();
+    }
     *m_pTotal -= s_iEntryBytes * static_cast<qint64>(m_entries.size());
     m_uiFirst += m_entries.size();
     m_entries.clear();

@@ -11,20 +11,29 @@
 namespace SimulationTool {
 
 /// A command on its way to one peer or many, which share its bytes. A counter
-/// of what waits for all peers includes them as long as the object exists.
+/// of what waits for all peers includes them once, as long as an outbox holds the
+/// command: what is only kept for later waits for nobody.
 class OutgoingCommand
 {
 public:
     OutgoingCommand(QByteArray a_bytes, std::shared_ptr<qint64> a_pTotal);
-    ~OutgoingCommand();
+    ~OutgoingCommand() = default;
     OutgoingCommand(const OutgoingCommand&) = delete;
     OutgoingCommand& operator=(const OutgoingCommand&) = delete;
 
     [[nodiscard]] const QByteArray& bytes() const { return m_bytes; }
 
+    /// Whether it waits in an outbox.
+    [[nodiscard]] bool isWaiting() const { return m_iOutboxes > 0; }
+
+    // For outboxes, which call them in pairs.
+    void beginWaiting() const;
+    void endWaiting() const;
+
 private:
     const QByteArray m_bytes;
     const std::shared_ptr<qint64> m_pTotal; ///< what waits for all peers (bytes)
+    mutable qsizetype m_iOutboxes = 0;      ///< entries that hold it
 };
 
 /// Never holds an empty command; null without a command.

@@ -112,7 +112,11 @@ void ServicePeer::report(const QString& a_sKey, const OutgoingCommandPtr& a_pCom
 /// have something to read.
 void ServicePeer::scheduleWrite()
 {
-    if (m_outbox.isEmpty() || m_bWriteScheduled) {
+    if (m_outbox.isEmpty()) {
+        return;
+    }
+    Q_EMIT pendingGrew();
+    if (m_bWriteScheduled) {
         return;
     }
     if (!m_sending.isWaiting()) {
@@ -120,7 +124,6 @@ void ServicePeer::scheduleWrite()
     }
     m_bWriteScheduled = true;
     QMetaObject::invokeMethod(this, "slotWrite", Qt::QueuedConnection);
-    Q_EMIT pendingGrew();
 }
 
 /// Sends at once what one turn allows. The rest leaves whenever the socket has

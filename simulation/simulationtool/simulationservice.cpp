@@ -25,7 +25,7 @@ using Simulation::SimulationDeviceConfiguration;
 using Simulation::SimulationDeviceState;
 
 constexpr int s_iAcceptAgain = 1000;                ///< ms
-constexpr qsizetype s_iMaxRecordBytes = 16'384;     ///< of a device with its id; ordinary ones have 500
+constexpr qsizetype s_iMaxRecordBytes = 16'384;     ///< of a device, as it is listed; ordinary ones have 1000
 constexpr qsizetype s_iMaxDevices = 4096;           ///< so that the list of all is no larger than a document
 constexpr qsizetype s_iMaxCommandBytes = 1'048'576; ///< of a command without a payload
 
@@ -70,13 +70,14 @@ SimulationService::SimulationService(std::chrono::milliseconds a_timeout)
 {
     m_server.setListenBacklogSize(s_iBacklog);
     m_server.setMaxPendingConnections(s_iAcceptedAtOnce);
-    connect(&m_server, &QTcpServer::newConnection, this, [this] {
-        if (!std::exchange(m_bAcceptScheduled, true)) {
-            QMetaObject::invokeMethod(this, &SimulationService::acceptPeers, Qt::QueuedConnection);
+    connect(&m_server, &QTcpServer::newConnection, this,
+            [this] { schedule(m_bAcceptScheduled, "slotAcceptPeers"); });
+    connect(&m_server, &QTcpServer::acceptError, this, [this] { m_acceptAgain.start(s_iAcceptAgain); });
+    connect(&m_acceptAgain, &QTimer::timeout, this, [this] {
+        if (!m_bFull) {
+            m_server.resumeAccepting();
         }
     });
-    connect(&m_server, &QTcpServer::acceptError, this, [this] { m_acceptAgain.start(s_iAcceptAgain); });
-    connect(&m_acceptAgain, &QTimer::timeout, &m_server, &QTcpServer::resumeAccepting);
     m_acceptAgain.setSingleShot(true);
     connect(&m_dropLost, &QTimer::timeout, this, &SimulationService::dropLost);
 }
@@ -95,7 +96,16 @@ bool SimulationService::listen(const QHostAddress& a_address, std::uint16_t a_ui
 
 // Peers come and go
 
-void SimulationService::acceptPeers()
+/// Calls a slot once when the event loop has done what is at hand, however often
+/// it was asked to.
+void SimulationService::schedule(bool& a_bScheduled, const char* a_szSlot)
+{
+    if (!std::exchange(a_bScheduled, true)) {
+        QMetaObject::invokeMethod(this, a_szSlot, Qt::QueuedConnection);
+    }
+}
+
+void SimulationService::slotAcceptPeers()
 {
     m_bAcceptScheduled = false;
     while (QTcpSocket* const pSocket = m_server.nextPendingConnection()) {
@@ -117,12 +127,12 @@ void SimulationService::addPeer(QTcpSocket* a_pSocket)
     });
     // Not at once: whoever sends to many peers must not lose some meanwhile.
     connect(pPeer, &ServicePeer::pendingGrew, this, [this] {
-        if (isPendingExceeded() && !std::exchange(m_bBoundScheduled, true)) {
-            QMetaObject::invokeMethod(this, &SimulationService::boundPending, Qt::QueuedConnection);
+        if (isPendingExceeded()) {
+            schedule(m_bBoundScheduled, "slotBoundPending");
         }
     });
     pPeer->communication().setCommandFilter([this, pPeer](const QString& a_sCommand, qsizetype a_iBytes) {
-        return accepts(pPeer, a_sCommand, a_iBytes);
+        return accepts(*pPeer, a_sCommand, a_iBytes);
     });
     connectDevice(pPeer);
     connectController(pPeer);
@@ -161,8 +171,9 @@ void SimulationService::connectController(ServicePeer* a_pPeer)
     const Communication* const pFrom = &a_pPeer->communication();
     connect(pFrom, &Communication::commandAcquireServer, this, [this, a_pPeer] { acquire(a_pPeer); });
     connect(pFrom, &Communication::commandReleaseServer, this, [this, a_pPeer] { release(a_pPeer); });
-    connect(pFrom, &Communication::commandRequestSimulationDevices, this,
-            [this, a_pPeer] { listDevices(a_pPeer); });
+    connect(pFrom, &Communication::commandRequestSimulationDevices, this, [this, a_pPeer] {
+        answer(a_pPeer, {false, 1});
+    });
     connect(pFrom, &Communication::loadScenario, this,
             [this, a_pPeer](const QByteArray& a_scenario) { loadScenario(a_pPeer, a_scenario); });
 }
@@ -256,19 +267,19 @@ void SimulationService::drop(ServicePeer* a_pPeer, const QString& a_sReason)
 
 /// Whether a command is to be decoded at all: with a payload it may take much
 /// time and memory.
-bool SimulationService::accepts(ServicePeer* a_pPeer, const QString& a_sCommand, qsizetype a_iBytes) const
+bool SimulationService::accepts(ServicePeer& a_peer, const QString& a_sCommand, qsizetype a_iBytes) const
 {
     const CommandKind eKind = commandKind(a_sCommand);
     if (eKind == CommandKind::Useless) {
         return false;
     }
-    if (eKind != CommandKind::Request && controller() != a_pPeer) {
-        a_pPeer->tell(a_sCommand + QStringLiteral(" ignored: it does not control"));
+    if (eKind != CommandKind::Request && controller() != &a_peer) {
+        a_peer.tell(a_sCommand + QStringLiteral(" ignored: it does not control"));
         return false;
     }
     if (eKind != CommandKind::OrderWithPayload && a_iBytes > s_iMaxCommandBytes) {
-        a_pPeer->tell(QStringLiteral("%1 ignored: it has %2 bytes, more than %3")
-                          .arg(a_sCommand, QString::number(a_iBytes), QString::number(s_iMaxCommandBytes)));
+        a_peer.tell(QStringLiteral("%1 ignored: it has %2 bytes, more than %3")
+                        .arg(a_sCommand, QString::number(a_iBytes), QString::number(s_iMaxCommandBytes)));
         return false;
     }
     return true;
@@ -279,13 +290,13 @@ bool SimulationService::isPendingExceeded() const
 {
     qint64 iPending = *m_pPending;
     for (const OutgoingCommandPtr& pKept : {m_deployment, m_scenario}) {
-        iPending -= pKept != nullptr ? pKept->bytes().size() : 0;
+        iPending -= pKept != nullptr && pKept->isWaiting() ? pKept->bytes().size() : 0;
     }
     return iPending > 0 && static_cast<quint64>(iPending) > Limits::value(Limits::AllPendingBytes);
 }
 
 /// Drops the peers with the most, until the others are within the bound.
-void SimulationService::boundPending()
+void SimulationService::slotBoundPending()
 {
     m_bBoundScheduled = false;
     while (isPendingExceeded() && !m_peers.isEmpty()) {
@@ -293,6 +304,9 @@ void SimulationService::boundPending()
             m_peers.cbegin(), m_peers.cend(), [](const ServicePeer* a_pLeft, const ServicePeer* a_pRight) {
                 return a_pLeft->pendingBytes() < a_pRight->pendingBytes();
             });
+        if (pMost->pendingBytes() == 0) {
+            return; // nobody is to blame
+        }
         drop(pMost,
              QStringLiteral("%1, most of them by it: %2")
                  .arg(Limits::exceeded(Limits::AllPendingBytes), QString::number(pMost->pendingBytes())));
@@ -342,8 +356,14 @@ QString SimulationService::registrationProblem(const QString& a_sId,
     if (a_sId.isEmpty()) {
         return QStringLiteral("it registers a device without an id");
     }
-    const qsizetype iBytes = a_sId.size() + a_configuration.toXml().size();
-    if (iBytes > s_iMaxRecordBytes) {
+    SimulationDeviceConfiguration listed = a_configuration;
+    listed.setId(a_sId);
+    // As it is sent: escaped in the list, and the id in attributes.
+    const qsizetype iBytes = encodedCommand([&](Communication& a_to) {
+                                 a_to.sendResponseSimulationDevices({listed});
+                                 a_to.sendSimulationDeviceStateUpdate(a_sId, SimulationDeviceState());
+                             }).size();
+    if (iBytes == 0 || iBytes > s_iMaxRecordBytes) {
         return QStringLiteral("it registers a device with a record of %1 bytes, more than %2")
             .arg(QString::number(iBytes), QString::number(s_iMaxRecordBytes));
     }
@@ -418,8 +438,46 @@ void SimulationService::acquire(ServicePeer* a_pPeer)
         m_controllers.removeAll(a_pPeer);
         m_controllers.append(a_pPeer);
         a_pPeer->tell(QStringLiteral("controls"));
+        answer(a_pPeer, {true, 0});
     }
-    report(a_pPeer);
+}
+
+/// The first answer to a peer leaves at once. What it asks for after that waits
+/// until the event loop has done what is at hand: a peer that asks again and again
+/// makes all the states be gathered once, and the list of the devices be made once.
+void SimulationService::answer(ServicePeer* a_pPeer, const Answer& a_answer)
+{
+    if (const auto it = m_answers.find(a_pPeer); it != m_answers.end()) {
+        it->report = it->report || a_answer.report;
+        it->lists += a_answer.lists;
+        return;
+    }
+    m_answers.insert(a_pPeer, {});
+    schedule(m_bAnswerScheduled, "slotAnswer");
+    sendAnswer(a_pPeer, a_answer);
+}
+
+void SimulationService::slotAnswer()
+{
+    m_bAnswerScheduled = false;
+    const QHash<ServicePeer*, Answer> answers = std::exchange(m_answers, {});
+    for (auto it = answers.cbegin(); it != answers.cend(); ++it) {
+        if (m_peers.contains(it.key())) { // else it was dropped meanwhile
+            sendAnswer(it.key(), *it);
+        }
+    }
+}
+
+void SimulationService::sendAnswer(ServicePeer* a_pPeer, const Answer& a_answer)
+{
+    // The controller is sent the states as they change, and a device needs none.
+    const bool bLooksOn = !a_pPeer->isDevice() && controller() != a_pPeer;
+    if (a_answer.report || (bLooksOn && a_answer.lists > 0)) {
+        report(a_pPeer);
+    }
+    for (int i = 0; i < a_answer.lists; ++i) {
+        a_pPeer->send(deviceList());
+    }
 }
 
 /// Sends the states of the devices, and the run of the scenario.
@@ -444,11 +502,11 @@ void SimulationService::release(ServicePeer* a_pPeer)
     a_pPeer->tell(QStringLiteral("controls no more"));
     if (ServicePeer* const pBefore = controller()) {
         pBefore->tell(QStringLiteral("controls again"));
-        report(pBefore);
+        answer(pBefore, {true, 0});
     }
 }
 
-void SimulationService::listDevices(ServicePeer* a_pPeer)
+const OutgoingCommandPtr& SimulationService::deviceList()
 {
     if (m_deviceList == nullptr) {
         QVector<SimulationDeviceConfiguration> devices;
@@ -457,11 +515,7 @@ void SimulationService::listDevices(ServicePeer* a_pPeer)
         }
         m_deviceList = encoded([&](Communication& a_to) { a_to.sendResponseSimulationDevices(devices); });
     }
-    // The controller is sent the states as they change, and a device needs none.
-    if (!a_pPeer->isDevice() && controller() != a_pPeer) {
-        report(a_pPeer);
-    }
-    a_pPeer->send(m_deviceList);
+    return m_deviceList;
 }
 
 /// Gives the command, or null when it was not passed on.

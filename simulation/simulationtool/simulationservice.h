@@ -8,6 +8,7 @@
 #include "simulationdata/simulationdevicestate.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QList>
 #include <QMap>
 #include <QObject>
@@ -69,6 +70,11 @@ Q_SIGNALS:
     /// terminal.
     void told(const QString& a_sLine);
 
+private Q_SLOTS:
+    void slotAcceptPeers();
+    void slotBoundPending();
+    void slotAnswer();
+
 private:
     struct Device
     {
@@ -84,8 +90,15 @@ private:
         QString reason;
     };
 
+    /// What a peer is to be sent.
+    struct Answer
+    {
+        bool report = false; ///< the states of the devices, and the run of the scenario
+        int lists = 0;       ///< of the devices, after that; one for each request
+    };
+
     // Peers come and go
-    void acceptPeers();
+    void schedule(bool& a_bScheduled, const char* a_szSlot);
     void addPeer(QTcpSocket* a_pSocket);
     void pauseIfFull();
     void connectDevice(ServicePeer* a_pPeer);
@@ -93,9 +106,8 @@ private:
     void connectOrders(ServicePeer* a_pPeer);
     void dropLost();
     void drop(ServicePeer* a_pPeer, const QString& a_sReason);
-    [[nodiscard]] bool accepts(ServicePeer* a_pPeer, const QString& a_sCommand, qsizetype a_iBytes) const;
+    [[nodiscard]] bool accepts(ServicePeer& a_peer, const QString& a_sCommand, qsizetype a_iBytes) const;
     [[nodiscard]] bool isPendingExceeded() const;
-    void boundPending();
 
     // What devices say
     void registerDevice(ServicePeer* a_pPeer, const QString& a_sId,
@@ -117,24 +129,28 @@ private:
     void acquire(ServicePeer* a_pPeer);
     void release(ServicePeer* a_pPeer);
     void report(ServicePeer* a_pPeer);
-    void listDevices(ServicePeer* a_pPeer);
+    void answer(ServicePeer* a_pPeer, const Answer& a_answer);
+    void sendAnswer(ServicePeer* a_pPeer, const Answer& a_answer);
+    [[nodiscard]] const OutgoingCommandPtr& deviceList();
     [[nodiscard]] OutgoingCommandPtr passOn(ServicePeer* a_pPeer, const QString& a_sOrder,
                                             const CommandSender& a_send);
     void loadScenario(ServicePeer* a_pPeer, const QByteArray& a_scenario);
     [[nodiscard]] OutgoingCommandPtr encoded(const CommandSender& a_send) const;
 
     QTcpServer m_server;
-    QTimer m_acceptAgain;              ///< after the server could not
-    QList<ServicePeer*> m_peers;       ///< children
-    std::deque<LostPeer> m_lost;       ///< to be dropped, the first at the front
-    QTimer m_dropLost;                 ///< runs while there are some
-    QList<ServicePeer*> m_controllers; ///< the last one controls
-    QMap<QString, Device> m_devices;   ///< by id
-    OutgoingCommandPtr m_deviceList;   ///< the answer to whoever asks; null = to be made
-    const qsizetype m_iMaxPeers;       ///< as many as the process can have open
-    bool m_bFull = false;              ///< no more are accepted at present
+    QTimer m_acceptAgain;                  ///< after the server could not
+    QList<ServicePeer*> m_peers;           ///< children
+    std::deque<LostPeer> m_lost;           ///< to be dropped, the first at the front
+    QHash<ServicePeer*, Answer> m_answers; ///< that are due
+    QTimer m_dropLost;                     ///< runs while there are some
+    QList<ServicePeer*> m_controllers;     ///< the last one controls
+    QMap<QString, Device> m_devices;       ///< by id
+    OutgoingCommandPtr m_deviceList;       ///< the answer to whoever asks; null = to be made
+    const qsizetype m_iMaxPeers;           ///< as many as the process can have open
+    bool m_bFull = false;                  ///< no more are accepted at present
     bool m_bAcceptScheduled = false;
     bool m_bBoundScheduled = false;
+    bool m_bAnswerScheduled = false;
     const std::chrono::milliseconds m_timeout;
 
     /// What waits for all peers, and the kept commands (bytes). Shared, because

@@ -24,7 +24,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <memory>
@@ -34,8 +33,6 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 using namespace Simulation;
 
@@ -45,8 +42,6 @@ const QString s_sDefaultId = QStringLiteral("c0d40372-37c8-4ad4-9fb1-97bfc477769
 constexpr const char* s_szLock = "simulationdata.lock";
 constexpr qsizetype s_iPreparedFiles = 4;           ///< those of the built-in package, and the lock
 constexpr std::uint32_t s_uiNewest = 2'000'000'000; ///< a timestamp after those of built-in packages
-
-bool s_bSyncFails = false;
 
 QString u8(const char* a_szText)
 {
@@ -140,16 +135,6 @@ int fill(const QStringList& a_arguments)
 }
 
 } // namespace
-
-/// Takes the place of the system's: of a full disk in a network only this call hears.
-extern "C" Q_DECL_EXPORT int fsync(int a_iFile)
-{
-    if (!s_bSyncFails) {
-        return static_cast<int>(::syscall(SYS_fsync, a_iFile));
-    }
-    errno = ENOSPC;
-    return -1;
-}
 
 class TestSignalPackageCache : public QObject
 {
@@ -838,27 +823,24 @@ void TestSignalPackageCache::fullDisk()
 void TestSignalPackageCache::copyReasons_data()
 {
     QTest::addColumn<QString>("target");
-    QTest::addColumn<bool>("syncFails");
     QTest::addColumn<QString>("reason");
 
-    QTest::newRow("name taken") << "taken" << false << "a file of that name is there already";
-    QTest::newRow("disk in a network full") << "new" << true << "No space left on device";
-    QTest::newRow("no such folder") << "none/new" << false << "No such file or directory";
+    QTest::newRow("name taken") << "taken"
+                                << "a file of that name is there already";
+    QTest::newRow("no such folder") << "none/new"
+                                    << "No such file or directory";
 }
 
 void TestSignalPackageCache::copyReasons()
 {
     QFETCH(QString, target);
-    QFETCH(bool, syncFails);
     QFETCH(QString, reason);
     const QTemporaryDir folder;
     write(folder.filePath(u8("from")), "new");
     write(folder.filePath(u8("taken")), "former");
     const QString sFrom = folder.filePath(u8("from"));
     QString sReason;
-    s_bSyncFails = syncFails;
     const bool bCopied = copyFileWhole(sFrom, folder.filePath(target), &sReason);
-    s_bSyncFails = false;
     QVERIFY(!bCopied);
     QCOMPARE(sReason,
              QStringLiteral("Cannot copy \"%1\" to \"%2\": %3").arg(sFrom, folder.filePath(target), reason));

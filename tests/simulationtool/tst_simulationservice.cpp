@@ -108,6 +108,8 @@ private Q_SLOTS:
     void stalledPeer();
     void slowButSteadyPeer();
     void allPendingBytes();
+    void keptBytesBlameNobody();
+    void statesOnceForManyRequests();
     void notDecodedWithoutControl();
     void tooLargeCommand();
     void burstOfConnections();
@@ -276,6 +278,51 @@ void tst_SimulationService::allPendingBytes()
     middle.socket.write(begin + QByteArray(2'000'000, 'A') + end);
     QVERIFY(middle.isServed());
     QCOMPARE(logged.lines.filter(QStringLiteral("dropped")).size(), 1);
+}
+
+/// What the service keeps of devices waits for nobody, and their ids are bounded as
+/// they are sent.
+void tst_SimulationService::keptBytesBlameNobody()
+{
+    Limits::setValue(Limits::AllPendingBytes, 100'000);
+    LoggedService logged;
+    Peer honest(logged.service);
+    QVERIFY(honest.isServed());
+    Peer devices(logged.service);
+    for (int i = 0; i < 100; ++i) {
+        devices.socket.write(registration(QByteArray::number(i) + QByteArray(2000, 'x')));
+        QVERIFY(devices.receives("AcceptSimulationDevice"));
+    }
+    QVERIFY(honest.socket.state() == QAbstractSocket::ConnectedState);
+    QCOMPARE(logged.lines.filter(QStringLiteral("dropped")), QStringList());
+    Peer large(logged.service);
+    large.socket.write(registration(QByteArray("&quot;").repeated(3000)));
+    QVERIFY(logged.logs(large.name() + QStringLiteral("dropped: it registers a device with a record of")));
+}
+
+/// Whoever asks often makes the states be gathered once for many requests.
+void tst_SimulationService::statesOnceForManyRequests()
+{
+    constexpr int iDevices = 100;
+    constexpr int iRequests = 2000;
+    LoggedService logged;
+    Peer devices(logged.service);
+    for (int i = 0; i < iDevices; ++i) {
+        devices.socket.write(registration("device-" + QByteArray::number(i)));
+    }
+    QVERIFY(devices.isServed());
+    Peer peer(logged.service);
+    peer.socket.write((s_acquire + s_release).repeated(iRequests) + s_acquire.repeated(iRequests) + s_ask);
+    QVERIFY(QTest::qWaitFor(
+        [&] {
+            peer.received += peer.socket.readAll();
+            return peer.received.contains("ResponseSimulationDevices");
+        },
+        s_iTimeout));
+    // Of 2 * iRequests at once some 200 fit into one turn of the event loop.
+    const qsizetype iStates = peer.received.count("<SimulationDeveiceStateUpdate");
+    QVERIFY2(iStates >= iDevices && iStates < iDevices * iRequests / 10,
+             qPrintable(QString::number(iStates)));
 }
 
 void tst_SimulationService::notDecodedWithoutControl()
