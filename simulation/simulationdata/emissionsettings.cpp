@@ -52,6 +52,19 @@ void replaceIn(const QList<EmissionPtr>& a_emissions, Pointer EmissionSettings::
     }
 }
 
+/// Those of an emitter.
+QSet<const EmissionSettings::Emission*> emissionsOf(const QList<EmissionPtr>& a_emissions,
+                                                    const std::shared_ptr<SzenarioEmitter>& a_emitter)
+{
+    QSet<const EmissionSettings::Emission*> found;
+    for (const EmissionPtr& emission : a_emissions) {
+        if (emission->emitter == a_emitter) {
+            found.insert(emission.get());
+        }
+    }
+    return found;
+}
+
 } // namespace
 
 EmissionSettings::Emission::~Emission()
@@ -162,15 +175,26 @@ void EmissionSettings::removeEmission(const EmissionPtr& a_emission)
     clearEmptyGroups();
 }
 
+bool EmissionSettings::removalChangesGroups(const std::shared_ptr<SzenarioEmitter>& a_emitter) const
+{
+    const QSet<const Emission*> removed = emissionsOf(m_emissions, a_emitter);
+    const auto isRemoved = [&removed](const EmissionPtr& a_emission) {
+        return removed.contains(a_emission.get());
+    };
+    const auto isEmpty = [](const GroupPtr& a_group) {
+        return a_group && a_group->emissions.isEmpty() && a_group->groups.isEmpty();
+    };
+    return !removed.isEmpty() &&
+           std::any_of(m_groups.cbegin(), m_groups.cend(), [&](const GroupPtr& a_group) {
+               return std::any_of(a_group->emissions.cbegin(), a_group->emissions.cend(), isRemoved) ||
+                      std::any_of(a_group->groups.cbegin(), a_group->groups.cend(), isEmpty);
+           });
+}
+
 void EmissionSettings::removeEmissions(const std::shared_ptr<SzenarioEmitter>& a_emitter)
 {
     const std::shared_ptr<SzenarioEmitter> emitter = a_emitter; // may be an emission's own
-    QSet<const Emission*> removed;
-    for (const EmissionPtr& emission : std::as_const(m_emissions)) {
-        if (emission->emitter == emitter) {
-            removed.insert(emission.get());
-        }
-    }
+    const QSet<const Emission*> removed = emissionsOf(m_emissions, emitter);
     if (removed.isEmpty()) {
         return;
     }

@@ -94,6 +94,9 @@ public:
 
     /// Removes all emissions of an emitter in the same way.
     void removeEmissions(const std::shared_ptr<SzenarioEmitter>& a_emitter);
+    /// Whether removeEmissions() of this emitter would take an emission or an
+    /// empty group out of a group.
+    [[nodiscard]] bool removalChangesGroups(const std::shared_ptr<SzenarioEmitter>& a_emitter) const;
 
     void replaceEmitter(const std::shared_ptr<SzenarioEmitter>& a_old,
                         const std::shared_ptr<SzenarioEmitter>& a_replacement);

@@ -82,7 +82,9 @@ bool ScenarioNetwork::removeEmitter(const std::shared_ptr<SzenarioEmitter>& a_em
     }
     m_emitterList.removeOne(emitter);
     // The groups of a clone are those of its source, which keeps its members.
-    emissionSettings()->partGroups();
+    if (emissionSettings()->removalChangesGroups(emitter)) {
+        emissionSettings()->partGroups();
+    }
     emissionSettings()->removeEmissions(emitter);
     return true;
 }

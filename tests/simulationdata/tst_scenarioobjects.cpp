@@ -258,6 +258,8 @@ void TestScenarioObjects::clonedGroups()
         const auto source = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
         const EmitterPtr gone = emitter(QStringLiteral("gone"));
         const EmitterPtr stays = emitter(QStringLiteral("stays"));
+        const EmitterPtr silent = emitter(QStringLiteral("silent"));
+        const EmitterPtr loose = emitter(QStringLiteral("loose")); // its emission is in no group
         EmissionSettings* const pSchedule = source->emissionSettings();
         for (const EmitterPtr& member : {gone, stays}) {
             source->addEmitter(member);
@@ -271,11 +273,19 @@ void TestScenarioObjects::clonedGroups()
         outer->emissions = {pSchedule->emissions().constLast()}; // of the one that goes
         pSchedule->addGroup(inner);
         pSchedule->addGroup(outer);
+        for (const EmitterPtr& member : {silent, loose}) {
+            source->addEmitter(member);
+        }
+        send(pSchedule, loose, 0, 10);
 
         const auto clone = std::static_pointer_cast<ScenarioNetwork>(source->clone());
         QCOMPARE(clone->emissionSettings()->groups(), pSchedule->groups());
         const auto& loser = bFromClone ? clone : source;
         const auto& keeper = bFromClone ? source : clone;
+        // Groups that lose nothing stay those that an editor holds.
+        QVERIFY(loser->removeEmitter(silent) && loser->removeEmitter(loose));
+        QCOMPARE(loser->emissionSettings()->emissions().size(), 2);
+        QCOMPARE(loser->emissionSettings()->groups(), (QList{inner, outer}));
         QVERIFY(loser->removeEmitter(gone));
         const auto kept = keeper->emissionSettings()->groups();
         QVERIFY(kept == (QList{inner, outer}) && keeper->containsEmitter(gone));
