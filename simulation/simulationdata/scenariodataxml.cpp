@@ -80,8 +80,9 @@ std::vector<const Object*> inOrder(const ObjectSet& a_objects, const TextOf& a_t
     return objects;
 }
 
-/// Reports emitters that a reader cannot tell apart. Networks are not looked up
-/// by their ids: those of one id stay apart.
+/// Reports emitters that a reader cannot tell apart. Networks do not count: a
+/// document refers to emitters only, so a reader makes a network of every network
+/// element, whatever other network or emitter has its id.
 QString sharedIdsOf(const ObjectSet& a_objects)
 {
     SharedIds ids;
@@ -263,6 +264,7 @@ bool ScenarioDataXml::toXmlFile(const QString& a_sFile)
 
 void ScenarioDataXml::setScenarioObjects(const ObjectSet& a_objects)
 {
+    m_mergedIds.clear();
     ObjectSet objects = a_objects;
     objects.remove(nullptr);
     ObjectSet dropped = std::exchange(m_objects, std::move(objects));

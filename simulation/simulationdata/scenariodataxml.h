@@ -64,7 +64,7 @@ public:
 
     /// The ids that several emitter elements of the document last read have,
     /// each with the number of these elements. They were read as one emitter,
-    /// the later ones over the earlier ones.
+    /// the later ones over the earlier ones. Empty once other objects are set.
     [[nodiscard]] QMap<QString, qsizetype> mergedIds() const { return m_mergedIds; }
 
     /// Writes the document. An empty persistent id is built and kept first, of

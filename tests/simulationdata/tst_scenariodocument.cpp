@@ -126,6 +126,7 @@ private Q_SLOTS:
     void tooLargeToSave();
     void sharedIds_data();
     void sharedIds();
+    void networksOfOneId();
     void scheduleAgain();
     void foreignEntity();
 };
@@ -765,6 +766,32 @@ void TestScenarioDocument::sharedIds()
     QVERIFY(document.fromXml(document.toXml()) && document.errorString().isEmpty());
     QTEST(static_cast<int>(document.scenarioObjects().size()), "readBack");
     QCOMPARE(document.mergedIds().isEmpty(), expected.isEmpty());
+    document.setScenarioObjects({std::make_shared<SzenarioEmitter>(QStringLiteral("a"), QString())});
+    QVERIFY(document.mergedIds().isEmpty()); // what was merged is not there any more
+}
+
+/// Nothing refers to a network by its id: neither another network nor an emitter
+/// of that id gets into its way.
+void TestScenarioDocument::networksOfOneId()
+{
+    const QByteArray xml = "<Scenario Uid='u'><Emitter ID='a' Name='E'/><Emitter ID='b'/>"
+                           "<Network ID='a' Name='1'><Emitter>b</Emitter></Network>"
+                           "<Network ID='a' Name='2'><Emitter>a</Emitter></Network></Scenario>";
+    ScenarioDataXml document(nullptr);
+    QVERIFY(document.fromXml(xml));
+    const QByteArray saved = document.toXml();
+    QVERIFY(document.errorString().isEmpty());
+    ScenarioDataXml again(nullptr);
+    QVERIFY(again.fromXml(saved) && again.errorString().isEmpty() && again.mergedIds().isEmpty());
+    QStringList objects;
+    for (const ObjectPtr& object : again.scenarioObjects()) {
+        const auto network = std::dynamic_pointer_cast<ScenarioNetwork>(object);
+        const auto head = network ? network->headEmitter() : nullptr;
+        objects.append(object->id() + object->name() + (head ? u'>' + head->id() + head->name() : QString()));
+    }
+    objects.sort();
+    QCOMPARE(objects, (QStringList{QStringLiteral("a1>b"), QStringLiteral("a2>aE"), QStringLiteral("aE"),
+                                   QStringLiteral("b")}));
 }
 
 /// What comes again replaces what was there: adding it every time would cost
