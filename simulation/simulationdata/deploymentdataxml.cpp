@@ -57,6 +57,12 @@ QString sharedIdsOf(const Objects& a_objects, const char* a_szNoun)
     return ids.text(a_szNoun);
 }
 
+QMap<QString, qsizetype> severalOf(QMap<QString, qsizetype> a_counts)
+{
+    a_counts.removeIf([](const auto& a_entry) { return a_entry.value() < 2; });
+    return a_counts;
+}
+
 template<typename Object>
 QMap<QString, std::shared_ptr<Object>> mapOf(const QSet<std::shared_ptr<Object>>& a_objects)
 {
@@ -89,6 +95,8 @@ DeploymentDataXml& DeploymentDataXml::operator=(const DeploymentDataXml& a_other
         m_sErrorString = a_other.m_sErrorString;
         m_sSharedDevices = a_other.m_sSharedDevices;
         m_sSharedStations = a_other.m_sSharedStations;
+        m_deviceElements = a_other.m_deviceElements;
+        m_stationElements = a_other.m_stationElements;
     }
     return *this;
 }
@@ -102,6 +110,8 @@ void DeploymentDataXml::clear()
 {
     m_sSharedDevices.clear();
     m_sSharedStations.clear();
+    m_deviceElements.clear();
+    m_stationElements.clear();
     ObjectSet objects;
     moveInto(objects, std::exchange(m_devices, {}));
     moveInto(objects, std::exchange(m_stations, {}));
@@ -128,6 +138,21 @@ bool DeploymentDataXml::fromXml(const QByteArray& a_xml)
         forEachChild(a_reader, [&](QStringView a_sName) { return readChild(a_reader, a_sName); });
         return QString();
     });
+}
+
+QMap<QString, qsizetype> DeploymentDataXml::mergedDeviceIds() const
+{
+    return severalOf(m_deviceElements);
+}
+
+QMap<QString, qsizetype> DeploymentDataXml::mergedStationIds() const
+{
+    return severalOf(m_stationElements);
+}
+
+bool DeploymentDataXml::isStationDescribed(const QString& a_sId) const
+{
+    return m_stationElements.contains(a_sId);
 }
 
 QByteArray DeploymentDataXml::toXml()
@@ -168,6 +193,7 @@ bool DeploymentDataXml::toXmlFile(const QString& a_sFile)
 
 void DeploymentDataXml::setDevices(const QSet<std::shared_ptr<DeploymentDevice>>& a_devices)
 {
+    m_deviceElements.clear();
     m_sSharedDevices = sharedIdsOf(a_devices, "devices");
     ObjectSet dropped;
     moveInto(dropped, std::exchange(m_devices, mapOf(a_devices)));
@@ -176,6 +202,7 @@ void DeploymentDataXml::setDevices(const QSet<std::shared_ptr<DeploymentDevice>>
 
 void DeploymentDataXml::setStations(const QSet<std::shared_ptr<DeploymentStation>>& a_stations)
 {
+    m_stationElements.clear();
     m_sSharedStations = sharedIdsOf(a_stations, "stations");
     ObjectSet dropped;
     moveInto(dropped, std::exchange(m_stations, mapOf(a_stations)));

@@ -60,6 +60,16 @@ public:
     /// all was well.
     [[nodiscard]] QString errorString() const { return m_sErrorString; }
 
+    /// The ids that several "Device", or "Station", elements of the document last
+    /// read have, each with the number of these elements. They were read as one
+    /// object, the later ones over the earlier ones. A device that names a station
+    /// does not count. Empty once other devices, or stations, are set.
+    [[nodiscard]] QMap<QString, qsizetype> mergedDeviceIds() const;
+    [[nodiscard]] QMap<QString, qsizetype> mergedStationIds() const;
+    /// Whether the document last read has an element of this station. One that
+    /// devices only name is bare, at (0, 0).
+    [[nodiscard]] bool isStationDescribed(const QString& a_sId) const;
+
     /// Writes the document. An empty persistent id is built and kept first, of
     /// the name, the time and the machine. Empty, after one trace, when that
     /// would be more than a reader accepts (Limits::DocumentBytes). Devices, or
@@ -142,8 +152,10 @@ private:
     QMap<QString, std::shared_ptr<DeploymentDevice>> m_devices;
     QMap<QString, std::shared_ptr<DeploymentStation>> m_stations;
     QString m_sErrorString;
-    QString m_sSharedDevices;  ///< of those that were set, why not all are held; mostly empty
-    QString m_sSharedStations; ///< the same
+    QString m_sSharedDevices;                  ///< of those that were set, why not all are held; mostly empty
+    QString m_sSharedStations;                 ///< the same
+    QMap<QString, qsizetype> m_deviceElements; ///< of the document last read, by their ids
+    QMap<QString, qsizetype> m_stationElements; ///< the same
 };
 
 } // namespace Simulation

@@ -126,10 +126,12 @@ void DeploymentDataXml::readDevice(QXmlStreamReader& a_reader)
         skipElement(a_reader);
         return;
     }
-    const auto device = objectForId(a_reader, m_devices, attributes.value(s_sId).toString());
+    const QString sId = attributes.value(s_sId).toString();
+    const auto device = objectForId(a_reader, m_devices, sId);
     if (!device) {
         return;
     }
+    ++m_deviceElements[sId];
     if (attributes.hasAttribute(s_sName)) {
         device->setName(attributes.value(s_sName).toString());
     }
@@ -201,10 +203,12 @@ void DeploymentDataXml::readStation(QXmlStreamReader& a_reader)
         skipElement(a_reader);
         return;
     }
-    const auto station = objectForId(a_reader, m_stations, attributes.value(s_sId).toString());
+    const QString sId = attributes.value(s_sId).toString();
+    const auto station = objectForId(a_reader, m_stations, sId);
     if (!station) {
         return;
     }
+    ++m_stationElements[sId];
     // A station's name is its id, which an element without a name keeps. The
     // document finds it by the "ID" all the same.
     if (const auto sName = attributes.value(s_sName); !sName.isEmpty()) {

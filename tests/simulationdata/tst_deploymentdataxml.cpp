@@ -121,6 +121,7 @@ private Q_SLOTS:
     void callersKeepObjects();
     void replacedObjects();
     void sharedIds();
+    void mergedIds();
 };
 
 void TestDeploymentDataXml::fullDocument()
@@ -482,6 +483,32 @@ void TestDeploymentDataXml::sharedIds()
                                                     "\"a\"%1")
                                          .arg(sEnd));
     QVERIFY(!document.toXmlFile(folder.path()) && document.errorString() == u"is a folder");
+}
+
+/// Elements that share an id are read as one object, which the document remembers
+/// until other objects are set. A device and a station may share an id.
+void TestDeploymentDataXml::mergedIds()
+{
+    using Ids = QMap<QString, qsizetype>;
+    const QString sA = QStringLiteral("a");
+    const QString sB = QStringLiteral("b");
+    const Ids devices{{sA, 3}};
+    const Ids stations{{sB, 2}};
+    DeploymentDataXml document;
+    QVERIFY(document.fromXml("<SimulationDeployment><Device ID='a'><Station>a</Station></Device>"
+                             "<Device ID='a'/><Device ID='b'><Station>c</Station></Device><Device ID='a'/>"
+                             "<Station ID='a'/><Station ID='b'/><Station ID='b'/></SimulationDeployment>"));
+    QVERIFY(document.mergedDeviceIds() == devices && document.mergedStationIds() == stations);
+    QVERIFY(document.isStationDescribed(sA) && !document.isStationDescribed(QStringLiteral("c")));
+    DeploymentDataXml copy;
+    copy = document;
+    copy.setDevices({});
+    QVERIFY(copy.mergedDeviceIds().isEmpty() && copy.mergedStationIds() == stations);
+    copy.setStations({});
+    QVERIFY(copy.mergedStationIds().isEmpty() && !copy.isStationDescribed(sA));
+    QVERIFY(document.mergedDeviceIds() == devices);
+    QVERIFY(document.fromXml("<SimulationDeployment><Device ID='a'/></SimulationDeployment>"));
+    QVERIFY(document.mergedDeviceIds().isEmpty() && document.mergedStationIds().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestDeploymentDataXml)
