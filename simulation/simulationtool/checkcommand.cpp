@@ -249,14 +249,13 @@ ExitCode FileCheck::checkDeployment(const InputFile& a_file)
         return refuse(a_file, deployment.errorString());
     }
     m_report.value("kind", QStringLiteral("deployment"));
-    const QByteArray source = a_file.content();
-    CheckFindings findings = deploymentFindings(deployment, source);
+    CheckFindings findings = deploymentFindings(deployment);
     const bool bAsRead = deployment.errorString().isEmpty() &&
                          std::none_of(findings.cbegin(), findings.cend(), [](const CheckFinding& a_finding) {
                              return isOfDocument(a_finding.rule) || a_finding.rule == u"duplicate-id";
                          });
     if (bAsRead) {
-        findings += unreadFindings(source, deployment.toXml());
+        findings += unreadFindings(a_file.content(), deployment.toXml());
     }
     const ExitCode eFound = report(a_file, findings);
     if (m_options.repairFile.isEmpty()) {

@@ -16,11 +16,11 @@
 
 #include <QMap>
 #include <QSet>
-#include <QXmlStreamReader>
 
+#include <algorithm>
 #include <cmath>
+#include <memory>
 #include <optional>
-#include <utility>
 
 namespace SimulationTool {
 
@@ -49,25 +49,6 @@ void findDamagedPackages(CheckFindings& a_findings, const Simulation::ScenarioOb
                                    QStringLiteral(". Put a whole one into the repository.")});
         }
     }
-}
-
-/// How often a station or device element has an id, by "Station" or "Device" and
-/// the id. Readers make one object of all that share one.
-QMap<std::pair<QString, QString>, int> elementIds(const QByteArray& a_document)
-{
-    QMap<std::pair<QString, QString>, int> counts;
-    QXmlStreamReader reader(a_document);
-    reader.readNextStartElement();
-    while (reader.readNextStartElement()) {
-        const QString sElement = reader.qualifiedName().toString();
-        const QXmlStreamAttributes attributes = reader.attributes();
-        const QLatin1String sId("ID");
-        if ((sElement == u"Station" || sElement == u"Device") && attributes.hasAttribute(sId)) {
-            ++counts[{sElement, attributes.value(sId).toString()}];
-        }
-        reader.skipCurrentElement();
-    }
-    return counts;
 }
 
 bool isPlace(const Simulation::TPos& a_position)
@@ -107,21 +88,65 @@ void checkPosition(CheckFindings& a_findings, const auto& a_object,
     }
 }
 
-void checkDevice(CheckFindings& a_findings, const Simulation::DeploymentDevice& a_device,
-                 const QMap<std::pair<QString, QString>, int>& a_elements)
+/// Whether settings place an object: one that is read without a position is at
+/// 0/0.
+bool isPlaced(Simulation::IPositionSettings* a_pSettings)
 {
-    const auto station = a_device.station();
-    if (!station) {
-        a_findings.append({a_device.id(), a_device.name(), QStringLiteral("device-without-station"),
-                           QStringLiteral("The device belongs to no station.")});
-        checkPosition(a_findings, a_device, a_device.positionSettings());
-        return;
+    const auto isElsewhere = [](const Simulation::TPos& a_position) {
+        return a_position.longitude != 0.0 || a_position.latitude != 0.0;
+    };
+    if (const auto* pPath = dynamic_cast<const Simulation::PositionSettingsPtp*>(a_pSettings)) {
+        const auto& points = pPath->getMovments();
+        return std::any_of(points.cbegin(), points.cend(), [&](const Simulation::MovementPoint& a_point) {
+            return isElsewhere(a_point.position);
+        });
     }
-    if (!a_elements.contains({QStringLiteral("Station"), station->id()})) {
+    return a_pSettings != nullptr && isElsewhere(a_pSettings->getPosition());
+}
+
+using StationSet = QSet<std::shared_ptr<Simulation::DeploymentStation>>;
+
+/// The stations that have an element; the others are only named by devices.
+StationSet describedStations(const Simulation::DeploymentDataXml& a_deployment)
+{
+    StationSet described;
+    const auto& stations = a_deployment.stations();
+    for (auto entry = stations.cbegin(); entry != stations.cend(); ++entry) {
+        if (a_deployment.isStationDescribed(entry.key())) {
+            described.insert(*entry);
+        }
+    }
+    return described;
+}
+
+void findMergedIds(CheckFindings& a_findings, const QMap<QString, qsizetype>& a_ids, const char* a_szElement)
+{
+    for (auto entry = a_ids.cbegin(); entry != a_ids.cend(); ++entry) {
+        a_findings.append({entry.key(),
+                           {},
+                           QStringLiteral("duplicate-id"),
+                           QStringLiteral("%1 elements \"%2\" have this id: they were read as one. Give "
+                                          "each its own id.")
+                               .arg(QString::number(*entry), QLatin1String(a_szElement))});
+    }
+}
+
+void checkDevice(CheckFindings& a_findings, const Simulation::DeploymentDevice& a_device,
+                 const StationSet& a_described)
+{
+    const auto addFinding = [&](const QString& a_sText) {
         a_findings.append(
-            {a_device.id(), a_device.name(), QStringLiteral("device-without-station"),
-             QStringLiteral("The deployment does not describe the station \"%1\" of the device.")
-                 .arg(station->id())});
+            {a_device.id(), a_device.name(), QStringLiteral("device-without-station"), a_sText});
+    };
+    const auto station = a_device.station();
+    if (station && !a_described.contains(station)) {
+        addFinding(QStringLiteral("The deployment does not describe the station \"%1\" of the device.")
+                       .arg(station->id()));
+    } else if (!station && !isPlaced(a_device.positionSettings())) {
+        addFinding(QStringLiteral("The device has neither a station nor a position of its own: give it one "
+                                  "of them."));
+    } else if (!station) {
+        checkPosition(a_findings, a_device, a_device.positionSettings());
     }
 }
 
@@ -172,8 +197,7 @@ CheckFindings packageFindings(const Simulation::ScenarioDataXml& a_scenario, Rep
     return findings;
 }
 
-CheckFindings deploymentFindings(const Simulation::DeploymentDataXml& a_deployment,
-                                 const QByteArray& a_document)
+CheckFindings deploymentFindings(const Simulation::DeploymentDataXml& a_deployment)
 {
     CheckFindings findings = brokenOffFindings(a_deployment.errorString());
     constexpr std::uint32_t uiKnown = Simulation::DeploymentDataXml::s_uiFileFormatVersion;
@@ -186,22 +210,14 @@ CheckFindings deploymentFindings(const Simulation::DeploymentDataXml& a_deployme
                             "known: what is new in it was not read.")
                  .arg(QString::number(a_deployment.fileFormatVersion()), QString::number(uiKnown))});
     }
-    const auto elements = elementIds(a_document);
-    for (auto entry = elements.cbegin(); entry != elements.cend(); ++entry) {
-        if (*entry > 1) {
-            findings.append({entry.key().second,
-                             {},
-                             QStringLiteral("duplicate-id"),
-                             QStringLiteral("%1 elements \"%2\" have this id: they were read as one. Give "
-                                            "each its own id.")
-                                 .arg(QString::number(*entry), entry.key().first)});
-        }
-    }
+    findMergedIds(findings, a_deployment.mergedDeviceIds(), "Device");
+    findMergedIds(findings, a_deployment.mergedStationIds(), "Station");
     for (const auto& station : a_deployment.stations()) {
         checkPosition(findings, *station, station->positionSettings());
     }
+    const StationSet described = describedStations(a_deployment);
     for (const auto& device : a_deployment.devices()) {
-        checkDevice(findings, *device, elements);
+        checkDevice(findings, *device, described);
     }
     return findings;
 }

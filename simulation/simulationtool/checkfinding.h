@@ -42,9 +42,8 @@ using CheckFindings = QList<CheckFinding>;
 [[nodiscard]] CheckFindings packageFindings(const Simulation::ScenarioDataXml& a_scenario,
                                             RepositoryPackages& a_packages);
 
-/// What is wrong with a deployment that was read from these bytes.
-[[nodiscard]] CheckFindings deploymentFindings(const Simulation::DeploymentDataXml& a_deployment,
-                                               const QByteArray& a_document);
+/// What is wrong with a deployment that was just read.
+[[nodiscard]] CheckFindings deploymentFindings(const Simulation::DeploymentDataXml& a_deployment);
 
 } // namespace SimulationTool
 

@@ -207,10 +207,21 @@ void tst_Check::deployment_data()
     const QByteArray station = "<Station ID='s'><Position><Fixed><Lon>180</Lon><Lat>-90</Lat></Fixed>"
                                "</Position></Station>";
     const QByteArray device = "<Device ID='d' Name='D'><Station>s</Station></Device>";
+    const QString sNoPlace = u"d (D): The device has neither a station nor a position of its own: give it "
+                             "one of them. [device-without-station]"_s;
     QTest::newRow("in order") << station + device << QStringList();
-    QTest::newRow("no station") << QByteArray("<Device ID='d' Name='D'/>")
-                                << QStringList{u"d (D): The device belongs to no station. "
-                                               "[device-without-station]"_s};
+    QTest::newRow("no station") << QByteArray("<Device ID='d' Name='D'/>") << QStringList{sNoPlace};
+    const QByteArray placed = "<Device ID='d' Name='D'><Position><Fixed><Lon>0</Lon><Lat>1</Lat></Fixed>"
+                              "</Position></Device>";
+    QTest::newRow("no station, but a position") << placed << QStringList();
+    QTest::newRow("no station, but a way")
+        << QByteArray(placed)
+               .replace("Fixed", "Movement")
+               .replace("<Lon>", "<Position/><Position><Lon>") // it begins at 0/0
+               .replace("</Lat>", "</Lat></Position>")
+        << QStringList();
+    QTest::newRow("no station, position 0/0")
+        << QByteArray(placed).replace("<Lat>1", "<Lat>0") << QStringList{sNoPlace};
     QTest::newRow("station that is not described")
         << device
         << QStringList{u"d (D): The deployment does not describe the station \"s\" of the device. "
