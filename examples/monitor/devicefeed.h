@@ -18,10 +18,10 @@ namespace Monitor {
 
 /// Keeps a table of devices as the service knows them.
 ///
-/// A service tells which devices there are to everybody who asks, but their
-/// states only to the program that acquired it last, and acquiring takes the
-/// control from the program that had it. So this one only asks, again and again,
-/// and acquires the service only when it is told to follow the states.
+/// A service lists its devices for every program that asks. Every change of their
+/// states it sends only to the program that acquired it last, and acquiring takes
+/// the control from the program that had it. So this one only asks, again and
+/// again, and acquires the service only when it is to follow the states.
 class DeviceFeed : public QObject
 {
     Q_OBJECT

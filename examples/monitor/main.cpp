@@ -69,9 +69,11 @@ void addOptions(QCommandLineParser& a_parser)
 {
     a_parser.setApplicationDescription(
         QStringLiteral("Shows the devices that are registered with a simulation service.\n\n"
-                       "The monitor looks on and disturbs nobody, but the service tells the states of the\n"
-                       "devices only to the program that acquired it last: to show them the monitor must\n"
-                       "take the control from an editor, and does so only when told to."));
+                       "The monitor looks on and disturbs nobody, and shows no states of devices. With\n"
+                       "--states it takes the control of the service, which sends every change of a state\n"
+                       "to the program that controls it. An editor that controlled the service before\n"
+                       "gives no orders then. \"simulationtool control watch\" shows the states without\n"
+                       "taking the control: the service of this system answers every program that asks."));
     a_parser.addHelpOption();
     a_parser.addOptions({
         {QStringLiteral("server"),

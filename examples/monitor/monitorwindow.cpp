@@ -101,7 +101,7 @@ QWidget* MonitorWindow::createBar()
     pLayout->addWidget(m_pConnect);
     pLayout->addStretch();
     pLayout->addWidget(m_pFollow);
-    m_pFollow->setToolTip(tr("The service tells the states of its devices only to the program that controls "
+    m_pFollow->setToolTip(tr("The service sends every change of a state to the program that controls "
                              "it.\nWhile this is checked, the orders of an editor that controlled it before "
                              "are not passed on."));
     connect(m_pConnect, &QPushButton::clicked, this, &MonitorWindow::connectToService);
@@ -187,7 +187,7 @@ void MonitorWindow::showState()
     m_pLamp->setLedActive(m_bConnected);
     m_pLamp->setText(m_bConnected ? tr("Connected") : tr("Not connected"));
     m_pConnect->setVisible(m_connector == nullptr);
-    QString sText = tr("Looks on without disturbing anybody. States are not told to an onlooker.");
+    QString sText = tr("Looks on without disturbing anybody, and shows no states.");
     if (m_connector == nullptr) {
         sText = tr("Not connected.");
     } else if (!m_bConnected) {
