@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <memory>
 #include <optional>
 
 #include <unistd.h>
@@ -97,7 +98,7 @@ public:
     [[nodiscard]] ExitCode run(Simulation::ISignalPackageProvider& a_provider);
 
 private:
-    [[nodiscard]] bool prepare(const Simulation::ScenarioDataXml& a_scenario);
+    [[nodiscard]] bool prepare();
     [[nodiscard]] std::unique_ptr<Sink> makeSink();
     [[nodiscard]] QJsonObject summary(const Verdict& a_verdict) const;
 
@@ -106,15 +107,17 @@ private:
     RepositoryPackages* m_pPackages;
     Output& m_output;
     Report m_report;
+    /// Ends after the emitters: it takes apart what nobody else holds.
+    std::unique_ptr<Simulation::ScenarioDataXml> m_scenario;
     Emitters m_emitters;
     std::uint32_t m_uiTo = 0; ///< ms
 };
 
 /// Finds the window and the emitters. False after one line on standard error.
-bool Play::prepare(const Simulation::ScenarioDataXml& a_scenario)
+bool Play::prepare()
 {
-    m_uiTo = windowEnd(m_options, a_scenario.getDuration());
-    m_emitters = emittersOf(a_scenario);
+    m_uiTo = windowEnd(m_options, m_scenario->getDuration());
+    m_emitters = emittersOf(*m_scenario);
     QString sProblem;
     if (m_uiTo <= m_options.from) {
         sProblem = QStringLiteral("the window would end at %1 ms, not after its begin at %2 ms: give a later "
@@ -155,9 +158,9 @@ QJsonObject Play::summary(const Verdict& a_verdict) const
 /// The provider is the packages, if there are any.
 ExitCode Play::run(Simulation::ISignalPackageProvider& a_provider)
 {
-    Simulation::ScenarioDataXml scenario(&a_provider);
-    const std::optional<Verdict> loaded = loadScenario(scenario, m_file);
-    if (!loaded || !prepare(scenario)) {
+    m_scenario = std::make_unique<Simulation::ScenarioDataXml>(&a_provider);
+    const std::optional<Verdict> loaded = loadScenario(*m_scenario, m_file);
+    if (!loaded || !prepare()) {
         return ExitCode::Unusable;
     }
     const std::unique_ptr<Sink> sink = makeSink();
