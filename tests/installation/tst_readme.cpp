@@ -148,14 +148,14 @@ private:
         QVERIFY2(bFinished && process->exitStatus() == QProcess::NormalExit, qPrintable(sOutput));
         QVERIFY2(process->exitCode() == a_expectation.code,
                  qPrintable(QStringLiteral("code %1: %2").arg(process->exitCode()).arg(sOutput)));
-        verifyOutput(sOutput, a_expectation);
+        QVERIFY2(isExpected(sOutput, a_expectation), qPrintable(sOutput));
     }
 
-    static void verifyOutput(const QString& a_sOutput, const Expectation& a_expectation)
+    static bool isExpected(const QString& a_sOutput, const Expectation& a_expectation)
     {
         const QRegularExpression expected(QLatin1String(a_expectation.szOutput),
                                           QRegularExpression::MultilineOption);
-        QVERIFY2(expected.match(a_sOutput).hasMatch(), qPrintable(a_sOutput));
+        return expected.match(a_sOutput).hasMatch();
     }
 
     /// Starts what does not run yet; its first line shows that it is ready.
@@ -254,8 +254,14 @@ private Q_SLOTS:
     {
         QCOMPARE(m_background.size(), 3U);
         for (auto& [command, started] : m_background) {
-            started.sText += QString::fromUtf8(started.process->readAll());
-            verifyOutput(started.sText, s_expectations.value(command));
+            const Expectation expectation = s_expectations.value(command);
+            const bool bExpected = QTest::qWaitFor(
+                [&text = started.sText, &process = *started.process, &expectation] {
+                    text += QString::fromUtf8(process.readAll());
+                    return isExpected(text, expectation);
+                },
+                s_iOutputTimeout);
+            QVERIFY2(bExpected, qPrintable(started.sText));
             QCOMPARE(started.process->state(), QProcess::Running);
             ::kill(static_cast<pid_t>(started.process->processId()), SIGINT);
             QVERIFY(started.process->waitForFinished(s_iOutputTimeout));
