@@ -65,7 +65,7 @@ constexpr std::array<LimitEntry, Limits::LimitCount> s_limits{{
      "An object takes some 500 bytes, an element that makes one as few as fifteen."},
     {Limits::ListedDevices, "listed devices", 100'000,
      "A peer may tell of ever new ones; nobody reads a longer table."},
-    {Limits::AllPendingBytes, "bytes that wait for all peers", 128 * s_uiMebi,
+    {Limits::AllPendingBytes, "bytes that wait for all peers", 96 * s_uiMebi,
      "Peers that leave documents unfinished make us hold them; the largest scenario fits compressed."},
 }};
 

@@ -28,7 +28,7 @@ const char s_szService[] =
     "\n"
     "A program that leaves a command unfinished, or reads nothing of what it is sent,\n"
     "for the time of --timeout is dropped. So is the one that makes the service hold\n"
-    "most, as soon as all together make it hold more than 128 MiB of such commands.\n"
+    "most, as soon as all together make it hold more than 96 MiB of such commands.\n"
     "\n"
     "The service ends when it is interrupted (SIGINT, SIGTERM).\n"
     "\n"
