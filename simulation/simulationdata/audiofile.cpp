@@ -1,8 +1,8 @@
 #include "audiofile.h"
 
-#include "datafile_p.h"
+#include "simulationdata/io/datafile_p.h"
+#include "simulationdata/io/trace_p.h"
 #include "simulationdata/simulationlimits.h"
-#include "trace_p.h"
 
 #include <QMutexLocker>
 

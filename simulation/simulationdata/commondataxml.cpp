@@ -1,12 +1,12 @@
 #include "commondataxml.h"
 
-#include "coordinatexml_p.h"
+#include "commondataxml_p.h"
+#include "simulationdata/io/trace_p.h"
 #include "simulationdata/positionsettingsfixed.h"
 #include "simulationdata/positionsettingsptp.h"
-#include "trace_p.h"
-#include "xmldocumentreader_p.h"
-#include "xmltext_p.h"
-#include "xmlwalk_p.h"
+#include "simulationdata/xml/xmldocumentreader_p.h"
+#include "simulationdata/xml/xmltext_p.h"
+#include "simulationdata/xml/xmlwalk_p.h"
 
 #include <QXmlStreamWriter>
 

@@ -1,10 +1,10 @@
 #include "datastorefactory.h"
 
-#include "resourcearchive_p.h"
+#include "datastorefactory_paths_p.h"
 #include "simulationdata/folderoperations.h"
-#include "storepath_p.h"
-#include "trace_p.h"
-#include "wholefile_p.h"
+#include "simulationdata/io/resourcearchive_p.h"
+#include "simulationdata/io/trace_p.h"
+#include "simulationdata/io/wholefile_p.h"
 
 #include "velaappstartup/icfg.h"
 

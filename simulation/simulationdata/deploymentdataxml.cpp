@@ -1,14 +1,13 @@
 #include "deploymentdataxml.h"
 
+#include "commondataxml_p.h"
 #include "deploymentgraph_p.h"
-#include "documentfile_p.h"
-#include "documentkind_p.h"
-#include "persistentid_p.h"
-#include "sharedids_p.h"
 #include "simulationdata/deploymentdevice.h"
 #include "simulationdata/deploymentstation.h"
-#include "xmltext_p.h"
-#include "xmlwalk_p.h"
+#include "simulationdata/io/documentfile_p.h"
+#include "simulationdata/xml/documentformat_p.h"
+#include "simulationdata/xml/xmltext_p.h"
+#include "simulationdata/xml/xmlwalk_p.h"
 
 #include <QStringList>
 #include <QXmlStreamWriter>

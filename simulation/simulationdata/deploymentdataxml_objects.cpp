@@ -1,14 +1,13 @@
 #include "deploymentdataxml.h"
 
-#include "coordinatexml_p.h"
+#include "commondataxml_p.h"
 #include "simulationdata/commondataxml.h"
 #include "simulationdata/deploymentdevice.h"
 #include "simulationdata/deploymentstation.h"
 #include "simulationdata/ipositionsettings.h"
 #include "simulationdata/simulationlimits.h"
-#include "xmlfield_p.h"
-#include "xmltext_p.h"
-#include "xmlwalk_p.h"
+#include "simulationdata/xml/xmltext_p.h"
+#include "simulationdata/xml/xmlwalk_p.h"
 
 #include <QXmlStreamWriter>
 

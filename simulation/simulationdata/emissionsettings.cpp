@@ -1,7 +1,7 @@
 #include "emissionsettings.h"
 
-#include "activityanswer_p.h"
-#include "emissionwalk_p.h"
+#include "emissionsettings_walk_p.h"
+#include "ifrequencysettings_p.h"
 #include "referencegraph_p.h"
 #include "releasequeue_p.h"
 #include "simulationdata/szenarioemitter.h"

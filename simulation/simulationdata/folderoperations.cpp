@@ -1,9 +1,8 @@
 #include "folderoperations.h"
 
-#include "nativepath_p.h"
-#include "storepath_p.h"
-#include "trace_p.h"
-#include "wholefile_p.h"
+#include "datastorefactory_paths_p.h"
+#include "simulationdata/io/trace_p.h"
+#include "simulationdata/io/wholefile_p.h"
 
 #include <QDir>
 #include <QFile>

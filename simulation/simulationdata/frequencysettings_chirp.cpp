@@ -1,8 +1,7 @@
 #include "frequencysettings_chirp.h"
 
-#include "activityanswer_p.h"
-#include "numbers_p.h"
-#include "timeslotoffset_p.h"
+#include "ifrequencysettings_p.h"
+#include "simulationdata/io/numbers_p.h"
 
 #include <algorithm>
 #include <cmath>

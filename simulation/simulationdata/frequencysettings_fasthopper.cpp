@@ -1,9 +1,8 @@
 #include "frequencysettings_fasthopper.h"
 
-#include "activityanswer_p.h"
 #include "crt/crt.h"
-#include "numbers_p.h"
-#include "timeslotoffset_p.h"
+#include "ifrequencysettings_p.h"
+#include "simulationdata/io/numbers_p.h"
 
 #include <algorithm>
 #include <atomic>

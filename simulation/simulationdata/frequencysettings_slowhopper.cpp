@@ -1,6 +1,6 @@
 #include "frequencysettings_slowhopper.h"
 
-#include "activityanswer_p.h"
+#include "ifrequencysettings_p.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "pdwfile.h"
 
-#include "trace_p.h"
+#include "simulationdata/io/trace_p.h"
 
 #include <QFile>
 #include <QFileInfo>

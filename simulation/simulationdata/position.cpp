@@ -1,6 +1,6 @@
 #include "position.h"
 
-#include "numbers_p.h"
+#include "simulationdata/io/numbers_p.h"
 
 #include "geodesy/geodesy.h"
 #include "kpbase/coord.h"

@@ -1,8 +1,8 @@
 #include "positionsettingsptp.h"
 
-#include "numbers_p.h"
+#include "simulationdata/io/numbers_p.h"
+#include "simulationdata/io/trace_p.h"
 #include "simulationdata/simulationlimits.h"
-#include "trace_p.h"
 
 #include <algorithm>
 #include <cmath>

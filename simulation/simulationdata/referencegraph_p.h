@@ -1,8 +1,6 @@
 #ifndef SIMULATIONDATA_REFERENCEGRAPH_P_H
 #define SIMULATIONDATA_REFERENCEGRAPH_P_H
 
-#include "simulationdata/simulationdata_export.h"
-
 #include <cstddef>
 #include <unordered_map>
 #include <utility>
@@ -17,7 +15,7 @@ namespace Simulation {
 ///
 /// Nothing is owned here and the objects are never touched. Time and memory are
 /// linear in objects and references.
-class SIMULATIONDATA_EXPORT ReferenceGraph
+class ReferenceGraph
 {
 public:
     using Node = std::size_t;

@@ -1,8 +1,8 @@
 #include "resultdatafile.h"
 
-#include "constantratestream_p.h"
-#include "datafile_p.h"
-#include "trace_p.h"
+#include "simulationdata/io/constantratestream_p.h"
+#include "simulationdata/io/datafile_p.h"
+#include "simulationdata/io/trace_p.h"
 
 #include <array>
 

@@ -1,12 +1,12 @@
 #include "scenariochecker.h"
 
-#include "packagerule_p.h"
+#include "scenariochecker_packages_p.h"
 #include "simulationdata/ifrequencysettings.h"
+#include "simulationdata/io/trace_p.h"
 #include "simulationdata/ipositionsettings.h"
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/szenarioemitter.h"
 #include "simulationdata/transmittersettings.h"
-#include "trace_p.h"
 
 #include <QHash>
 #include <QMap>

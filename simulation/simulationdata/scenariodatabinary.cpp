@@ -1,13 +1,12 @@
 #include "scenariodatabinary.h"
 
-#include "compactrecord_p.h"
-#include "documentfile_p.h"
-#include "linkorder_p.h"
+#include "scenariodatabinary_p.h"
 #include "scenariograph_p.h"
+#include "simulationdata/io/documentfile_p.h"
+#include "simulationdata/io/trace_p.h"
 #include "simulationdata/scenarionetwork.h"
 #include "simulationdata/simulationlimits.h"
 #include "simulationdata/szenarioemitter.h"
-#include "trace_p.h"
 
 #include "kpbase/replacedfile.h"
 

@@ -1,19 +1,18 @@
 #include "scenariodataxml.h"
 
-#include "documentfile_p.h"
-#include "documentkind_p.h"
-#include "persistentid_p.h"
+#include "commondataxml_p.h"
+#include "scenariodataxml_p.h"
+#include "scenariodataxml_references_p.h"
 #include "scenariograph_p.h"
-#include "scenarioreferences_p.h"
-#include "sharedids_p.h"
+#include "simulationdata/io/documentfile_p.h"
+#include "simulationdata/io/trace_p.h"
 #include "simulationdata/scenarionetwork.h"
 #include "simulationdata/simulationlimits.h"
 #include "simulationdata/szenarioemitter.h"
-#include "trace_p.h"
-#include "valuesettingsxml_p.h"
-#include "xmldocumentreader_p.h"
-#include "xmltext_p.h"
-#include "xmlwalk_p.h"
+#include "simulationdata/xml/documentformat_p.h"
+#include "simulationdata/xml/xmldocumentreader_p.h"
+#include "simulationdata/xml/xmltext_p.h"
+#include "simulationdata/xml/xmlwalk_p.h"
 
 #include <QXmlStreamWriter>
 

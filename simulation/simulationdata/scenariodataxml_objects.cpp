@@ -1,8 +1,7 @@
 #include "scenariodataxml.h"
 
-#include "emissionsettingsxml_p.h"
-#include "frequencysettingsxml_p.h"
-#include "scenarioreferences_p.h"
+#include "scenariodataxml_p.h"
+#include "scenariodataxml_references_p.h"
 #include "simulationdata/commondataxml.h"
 #include "simulationdata/elintscenarioemitter.h"
 #include "simulationdata/ifrequencysettings.h"
@@ -10,9 +9,8 @@
 #include "simulationdata/scenarionetwork.h"
 #include "simulationdata/simulationlimits.h"
 #include "simulationdata/transmittersettings.h"
-#include "valuesettingsxml_p.h"
-#include "xmltext_p.h"
-#include "xmlwalk_p.h"
+#include "simulationdata/xml/xmltext_p.h"
+#include "simulationdata/xml/xmlwalk_p.h"
 
 #include <QXmlStreamWriter>
 

@@ -1,13 +1,13 @@
 #include "signalpackagecache.h"
 
-#include "packagecachefolder_p.h"
+#include "datastorefactory_paths_p.h"
+#include "signalpackagecache_folder_p.h"
 #include "simulationdata/audiofile.h"
+#include "simulationdata/io/trace_p.h"
 #include "simulationdata/resultdatafile.h"
 #include "simulationdata/signalpackage.h"
 #include "simulationdata/signalshapefile.h"
 #include "simulationdata/symboldatafile.h"
-#include "storepath_p.h"
-#include "trace_p.h"
 
 #include <QFileInfo>
 #include <QReadLocker>

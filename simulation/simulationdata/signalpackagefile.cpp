@@ -1,10 +1,10 @@
 #include "signalpackagefile.h"
 
-#include "documentfile_p.h"
-#include "numbers_p.h"
+#include "simulationdata/io/documentfile_p.h"
+#include "simulationdata/io/numbers_p.h"
+#include "simulationdata/io/trace_p.h"
+#include "simulationdata/xml/xmltext_p.h"
 #include "simulationdata/xmlelement.h"
-#include "trace_p.h"
-#include "xmltext_p.h"
 
 #include <QFileInfo>
 #include <QSet>

@@ -1,8 +1,8 @@
 #include "signalpackagefolder.h"
 
+#include "datastorefactory_paths_p.h"
+#include "simulationdata/io/trace_p.h"
 #include "simulationdata/signalpackagefile.h"
-#include "storepath_p.h"
-#include "trace_p.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,8 +1,8 @@
 #include "simulationdeviceconfiguration.h"
 
-#include "devicerecord_p.h"
+#include "simulationdata/xml/xmltext_p.h"
 #include "simulationdata/xmlelement.h"
-#include "xmltext_p.h"
+#include "simulationdeviceconfiguration_record_p.h"
 
 #include <array>
 #include <cmath>

@@ -1,7 +1,7 @@
 #include "simulationdevicestate.h"
 
-#include "devicerecord_p.h"
 #include "simulationdata/xmlelement.h"
+#include "simulationdeviceconfiguration_record_p.h"
 
 #include <QString>
 

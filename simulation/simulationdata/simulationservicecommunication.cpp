@@ -1,10 +1,10 @@
 #include "simulationservicecommunication.h"
 
-#include "payload_p.h"
-#include "servicecommands_p.h"
+#include "simulationdata/io/trace_p.h"
 #include "simulationdata/simulationlimits.h"
 #include "simulationdata/xmlelement.h"
-#include "trace_p.h"
+#include "simulationservicecommunication_commands_p.h"
+#include "simulationservicecommunication_payload_p.h"
 #include "xmlseparator_p.h"
 
 #include <QCryptographicHash>

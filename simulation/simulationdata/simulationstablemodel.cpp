@@ -1,8 +1,8 @@
 #include "simulationstablemodel.h"
 
+#include "simulationdata/io/trace_p.h"
 #include "simulationdata/position.h"
 #include "simulationdata/simulationlimits.h"
-#include "trace_p.h"
 
 #include <QColor>
 #include <QLocale>

@@ -1,9 +1,9 @@
 #include "simulationsystemconfiguration.h"
 
-#include "numbers_p.h"
 #include "simulationdata/datastorefactory.h"
+#include "simulationdata/io/numbers_p.h"
+#include "simulationdata/io/trace_p.h"
 #include "simulationdata/position.h"
-#include "trace_p.h"
 
 #include "geodesy/geodesy.h"
 #include "velaappstartup/cfgcenter.h"

@@ -1,6 +1,6 @@
 #include "szenarioemitter.h"
 
-#include "activityanswer_p.h"
+#include "ifrequencysettings_p.h"
 #include "releasequeue_p.h"
 #include "simulationdata/emissionsettings.h"
 #include "simulationdata/ifrequencysettings.h"

@@ -1,6 +1,6 @@
 #include "tcpserverconnector.h"
 
-#include "trace_p.h"
+#include "simulationdata/io/trace_p.h"
 
 #include <QHostAddress>
 #include <QPointer>

@@ -1,9 +1,9 @@
 #include "wavefilereader.h"
 
-#include "datafile_p.h"
+#include "simulationdata/io/datafile_p.h"
+#include "simulationdata/io/trace_p.h"
+#include "simulationdata/io/wavechunks_p.h"
 #include "simulationdata/simulationlimits.h"
-#include "trace_p.h"
-#include "wavechunks_p.h"
 
 #include <QtEndian>
 

@@ -1,12 +1,11 @@
 #include "xmlelement.h"
 
-#include "documentfile_p.h"
-#include "xmlencoding_p.h"
-#include "xmlname_p.h"
-#include "xmlnodewriter_p.h"
-#include "xmlscanner_p.h"
-#include "xmltext_p.h"
-#include "xmlvalidator_p.h"
+#include "simulationdata/io/documentfile_p.h"
+#include "simulationdata/xml/xmlencoding_p.h"
+#include "simulationdata/xml/xmlnodewriter_p.h"
+#include "simulationdata/xml/xmlscanner_p.h"
+#include "simulationdata/xml/xmltext_p.h"
+#include "simulationdata/xml/xmlvalidator_p.h"
 
 #include <pugixml.hpp>
 

@@ -1,7 +1,7 @@
 #include "xmlseparator_p.h"
 
-#include "boundedinflate_p.h"
-#include "trace_p.h"
+#include "simulationdata/io/inflate_p.h"
+#include "simulationdata/io/trace_p.h"
 
 #include <QAbstractSocket>
 #include <QtEndian>

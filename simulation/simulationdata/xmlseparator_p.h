@@ -1,9 +1,8 @@
 #ifndef SIMULATIONDATA_XMLSEPARATOR_P_H
 #define SIMULATIONDATA_XMLSEPARATOR_P_H
 
-#include "receivebuffer_p.h"
-#include "simulationdata/simulationdata_export.h"
-#include "xmldocumentsplitter_p.h"
+#include "simulationdata/io/receivebuffer_p.h"
+#include "simulationdata/xml/xmldocumentsplitter_p.h"
 
 #include <QBasicTimer>
 #include <QByteArray>
@@ -29,7 +28,7 @@
 /// the connection. After an error, when nobody reads, a full buffer is therefore
 /// emptied and its bytes are lost. During a pause the bytes are kept, and the end
 /// of the connection is noticed when they are read.
-class SIMULATIONDATA_EXPORT XmlSeparator : public QObject
+class XmlSeparator : public QObject
 {
     Q_OBJECT
 

@@ -1,6 +1,6 @@
-#include "commandline.h"
-#include "interruption.h"
-#include "output.h"
+#include "commands/commandline.h"
+#include "console/interruption.h"
+#include "console/output.h"
 
 #include "kpbase/errorhandler.h"
 

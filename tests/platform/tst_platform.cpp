@@ -2,7 +2,7 @@
 #include "geodesy/geodesy.h"
 #include "kpbase/errorhandler.h"
 #include "kpbase/velaos.h"
-#include "simulationdata/trace_p.h"
+#include "simulationdata/io/trace_p.h"
 #include "velaappstartup/cfgcenter.h"
 
 #include <cmath>

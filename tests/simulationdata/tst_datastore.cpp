@@ -1,9 +1,9 @@
 #include "simulationdata/datastorefactory.h"
+#include "simulationdata/datastorefactory_paths_p.h"
 #include "simulationdata/folderoperations.h"
-#include "simulationdata/resourcearchive_p.h"
+#include "simulationdata/io/resourcearchive_p.h"
 #include "simulationdata/signalpackagefolder.h"
 #include "simulationdata/simulationlimits.h"
-#include "simulationdata/storepath_p.h"
 #include "tracecollector.h"
 
 #include "velaappstartup/cfgcenter.h"

@@ -1,7 +1,8 @@
 #include "filesizelimit.h"
 #include "simulationdata/audiofile.h"
 #include "simulationdata/emissionsettings.h"
-#include "simulationdata/resourcearchive_p.h"
+#include "simulationdata/io/resourcearchive_p.h"
+#include "simulationdata/io/wholefile_p.h"
 #include "simulationdata/scenariochecker.h"
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/signalpackage.h"
@@ -12,7 +13,6 @@
 #include "simulationdata/simulationlimits.h"
 #include "simulationdata/szenarioemitter.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
-#include "simulationdata/wholefile_p.h"
 
 #include <QDir>
 #include <QElapsedTimer>

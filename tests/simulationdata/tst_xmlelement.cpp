@@ -1,6 +1,6 @@
 #include "simulationdata/simulationlimits.h"
+#include "simulationdata/xml/xmlencoding_p.h"
 #include "simulationdata/xmlelement.h"
-#include "simulationdata/xmlencoding_p.h"
 
 #include <QStringConverter>
 #include <QTest>

@@ -1,5 +1,5 @@
 #include "simulationdata/simulationlimits.h"
-#include "simulationdata/xmlscanner_p.h"
+#include "simulationdata/xml/xmlscanner_p.h"
 
 #include <QTest>
 

@@ -1,5 +1,5 @@
 #include "kpbase/errorhandler.h"
-#include "simulationdata/boundedinflate_p.h"
+#include "simulationdata/io/inflate_p.h"
 #include "simulationdata/simulationlimits.h"
 #include "simulationdata/xmlseparator_p.h"
 

@@ -1,5 +1,5 @@
-#include "outbox.h"
-#include "simulationservice.h"
+#include "programs/outbox.h"
+#include "programs/simulationservice.h"
 #include "tracecollector.h"
 
 #include "simulationdata/simulationdeviceconfiguration.h"

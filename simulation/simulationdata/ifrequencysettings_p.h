@@ -1,0 +1,78 @@
+#ifndef SIMULATIONDATA_IFREQUENCYSETTINGS_P_H
+#define SIMULATIONDATA_IFREQUENCYSETTINGS_P_H
+
+#include "crt/crt.h"
+#include "simulationdata/hractivity.h"
+#include "simulationdata/io/trace_p.h"
+#include "simulationdata/simulationlimits.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include <QList>
+
+namespace Simulation {
+
+/// The end of the time window [a_uiStart, a_uiStart + a_uiLength), at most 2^32:
+/// no scenario time lies beyond, and 32-bit sums would wrap.
+[[nodiscard]] inline std::uint64_t windowEnd(std::uint32_t a_uiStart, std::uint32_t a_uiLength)
+{
+    constexpr std::uint64_t uiTimeEnd = std::uint64_t{1} << 32;
+    return std::min(std::uint64_t{a_uiStart} + a_uiLength, uiTimeEnd);
+}
+
+/// Collects the activities of one answer, up to Limits::AnswerActivities.
+/// `a_szSource` names the asking source in the trace, `a_iLine` the line there;
+/// the text must outlive this.
+class ActivityAnswer
+{
+public:
+    explicit ActivityAnswer(const char* a_szSource, int a_iLine = __builtin_LINE())
+        : m_szSource(a_szSource)
+        , m_iLine(a_iLine)
+    {}
+
+    /// Counts an activity and takes it, unless it has no length and
+    /// `a_bKeepEmpty` is false. False when the limit is reached already: it is
+    /// dropped, one trace names the limit, and the caller stops its walk.
+    [[nodiscard]] bool append(const HRActivity& a_activity, bool a_bKeepEmpty = true)
+    {
+        if (m_uiCalculated >= m_uiLimit) {
+            traceError(
+                m_szSource,
+                [] {
+                    return QStringLiteral("Answer cut off: ") + Limits::exceeded(Limits::AnswerActivities);
+                },
+                m_iLine);
+            return false;
+        }
+        ++m_uiCalculated;
+        if (a_bKeepEmpty || a_activity.duration != 0) {
+            m_activities.append(a_activity);
+        }
+        return true;
+    }
+
+    [[nodiscard]] QList<HRActivity> take() { return std::move(m_activities); }
+
+private:
+    QList<HRActivity> m_activities;
+    std::uint64_t m_uiCalculated = 0;
+    std::uint64_t m_uiLimit = Limits::value(Limits::AnswerActivities);
+    const char* m_szSource;
+    int m_iLine;
+};
+
+/// The time-slot offset of a new object: 0.00, 0.01, ... 0.99, so that emitters
+/// made one after the other do not sweep or hop in step. Draws one number from
+/// this thread's sequence.
+[[nodiscard]] inline float randomTimeslotOffset()
+{
+    constexpr int iSlots = 100;
+    return static_cast<float>((Crt::rand() % iSlots) / static_cast<double>(iSlots));
+}
+
+} // namespace Simulation
+
+#endif

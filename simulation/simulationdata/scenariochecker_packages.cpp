@@ -1,0 +1,119 @@
+#include "scenariochecker_packages_p.h"
+
+#include "simulationdata/isignalpackageprovider.h"
+#include "simulationdata/signalpackage.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Simulation {
+
+namespace {
+
+/// Whether the record holds nothing but an id, as one of a document that was
+/// loaded without packages.
+bool isBare(const SignalPackage& a_package)
+{
+    return a_package.duration() == 0 && a_package.timestamp() == 0 && a_package.name().isEmpty() &&
+           !a_package.hasAudioContent() && !a_package.hasSymbolDataContent() &&
+           !a_package.hasResultDataContent();
+}
+
+} // namespace
+
+/// The provider's own record of the id; null where the provider has none of it. A
+/// provider that cannot read a package which it knows gives its default package.
+std::shared_ptr<SignalPackage> PackageRule::ownRecord(const QString& a_sId)
+{
+    const auto answer = m_answers.constFind(a_sId);
+    if (answer != m_answers.cend()) {
+        return *answer;
+    }
+    std::shared_ptr<SignalPackage> own;
+    if (m_provider.validSignalPackageId(a_sId)) {
+        own = m_provider.signalPackage(a_sId);
+        askForDefault();
+        if (own && own == m_default && own->id() != a_sId && !own->updateIds().contains(a_sId)) {
+            own.reset();
+        }
+    }
+    return *m_answers.insert(a_sId, own);
+}
+
+/// The default package is one to fall back on whether or not its id is known:
+/// an emission that has got it is not found again by the next run.
+bool PackageRule::isUsable(const SignalPackage& a_package)
+{
+    if (ownRecord(a_package.id())) {
+        return true;
+    }
+    askForDefault();
+    return m_default && m_default->id() == a_package.id();
+}
+
+/// Duration and content are only in the provider's record, unless that is bare
+/// itself.
+void PackageRule::takeOwnRecord(std::shared_ptr<SignalPackage>& a_package)
+{
+    const std::shared_ptr<SignalPackage> own = ownRecord(a_package->id());
+    if (const auto& record = own ? own : m_default; !isBare(*record)) {
+        a_package = record;
+    }
+}
+
+void PackageRule::askForDefault()
+{
+    if (!std::exchange(m_bAskedForDefault, true)) {
+        m_default = m_provider.defaultSignalPackage();
+    }
+}
+
+void PackageRule::check(const EmissionSettings& a_schedule, Tallies& a_tallies)
+{
+    for (const boost::shared_ptr<EmissionSettings::Emission>& emission : a_schedule.emissions()) {
+        std::shared_ptr<SignalPackage>& package = emission->signalPackage;
+        if (package && isUsable(*package)) {
+            takeOwnRecord(package);
+            continue;
+        }
+        const QString sId = package ? package->id() : QString();
+        askForDefault();
+        if (m_default) {
+            emission->signalPackage = m_default;
+        } else if (m_unrepaired.contains(emission.get())) {
+            continue;
+        } else {
+            m_unrepaired.insert(emission.get());
+        }
+        Tally& tally = a_tallies[sId];
+        ++tally.count;
+        tally.first = std::min(tally.first, emission->start);
+    }
+}
+
+ScenarioFinding PackageRule::finding(const QString& a_sId, const Tally& a_tally) const
+{
+    const auto number = [&](const char* a_szOne, const char* a_szMany) {
+        return QLatin1String(a_tally.count == 1 ? a_szOne : a_szMany);
+    };
+    QString sText =
+        QStringLiteral("%1 %2 %3 ms, ")
+            .arg(QString::number(a_tally.count), number("emission, at", "emissions, the first at"),
+                 QString::number(a_tally.first));
+    if (a_sId.isEmpty()) {
+        sText += number("names", "name") + QStringLiteral(" no signal package: ");
+    } else {
+        sText += number("uses", "use") + QStringLiteral(" the signal package \"") + a_sId +
+                 QStringLiteral("\", which the provider does not know: ");
+    }
+    if (m_default) {
+        sText += number("it gets", "they get") + QStringLiteral(" the default package \"") + m_default->id() +
+                 QStringLiteral("\".");
+    } else {
+        sText += number("it stays as it is", "they stay as they are") +
+                 QStringLiteral(", for the provider has no default package.");
+    }
+    return {{}, {}, ScenarioChecker::s_sInvalidSignalPackage, sText, m_default != nullptr};
+}
+
+} // namespace Simulation

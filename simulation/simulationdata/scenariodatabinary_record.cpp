@@ -1,0 +1,184 @@
+#include "scenariodatabinary_p.h"
+
+#include "simulationdata/io/documentfile_p.h"
+
+#include <QDataStream>
+#include <QtEndian>
+
+#include <algorithm>
+#include <array>
+
+namespace Simulation {
+
+namespace {
+
+const QString s_sStreamEnds = QStringLiteral("the stream ends");
+
+constexpr std::int64_t s_iLengthBytes = 4;
+constexpr std::int64_t s_iFlagBytes = 1;
+constexpr std::int64_t s_iUnitBytes = sizeof(QChar);
+constexpr std::uint32_t s_uiNullText = 0xFFFFFFFF;      ///< in place of a length
+constexpr std::int64_t s_iLargestText = 0xFFFFFFFE;     ///< bytes
+constexpr qsizetype s_iPieceUnits = qsizetype{1} << 16; ///< of a text, read at once
+
+/// A text or a flag of a record.
+struct Field
+{
+    const char* name; ///< in error texts
+    QString CompactRecord::*text;
+    bool CompactRecord::*flag;
+};
+
+/// The records in both directions.
+constexpr std::array<Field, 7> s_fields{{
+    {"id", &CompactRecord::id, nullptr},
+    {"name", &CompactRecord::name, nullptr},
+    {"description", &CompactRecord::description, nullptr},
+    {"active flag", nullptr, &CompactRecord::active},
+    {"default mark", nullptr, &CompactRecord::isDefault},
+    {"link target", &CompactRecord::linkTarget, nullptr},
+    {"class", &CompactRecord::emitterClass, nullptr},
+}};
+
+/// Takes fields from a stream. What is wrong is told by a text, which is empty
+/// when nothing is.
+class FieldReader
+{
+public:
+    /// `a_iBytes` counts what the stream has given, against Limits::DocumentBytes.
+    FieldReader(QDataStream& a_stream, std::int64_t& a_iBytes)
+        : m_stream(a_stream)
+        , m_iBytes(a_iBytes)
+    {}
+
+    [[nodiscard]] QString read(QString& a_sText)
+    {
+        quint32 uiLength = 0;
+        if (QString sFault = readNumber(uiLength); !sFault.isEmpty() || uiLength == s_uiNullText) {
+            return sFault;
+        }
+        if (uiLength % s_iUnitBytes != 0) {
+            return QStringLiteral("a text cannot have %1 bytes").arg(uiLength);
+        }
+        if (QString sFault = claim(uiLength); !sFault.isEmpty()) {
+            return sFault;
+        }
+        a_sText = QStringLiteral("");
+        return readUnits(a_sText, uiLength / s_iUnitBytes);
+    }
+
+    [[nodiscard]] QString read(bool& a_bFlag)
+    {
+        quint8 uiByte = 0;
+        if (QString sFault = readNumber(uiByte); !sFault.isEmpty()) {
+            return sFault;
+        }
+        a_bFlag = uiByte != 0;
+        return uiByte <= 1 ? QString() : QStringLiteral("%1 is neither 0 nor 1").arg(uiByte);
+    }
+
+    template<typename Number>
+    [[nodiscard]] QString readNumber(Number& a_number)
+    {
+        std::array<char, sizeof(Number)> bytes{};
+        if (!fill(bytes.data(), sizeof(Number))) {
+            return s_sStreamEnds;
+        }
+        a_number = qFromBigEndian<Number>(bytes.data());
+        return claim(sizeof(Number));
+    }
+
+private:
+    /// A device may give less than it is asked for and still have more.
+    bool fill(char* a_pBytes, qsizetype a_iBytes)
+    {
+        while (a_iBytes > 0) {
+            const int iRead = m_stream.readRawData(a_pBytes, static_cast<int>(a_iBytes));
+            if (iRead <= 0) {
+                return false;
+            }
+            a_pBytes += iRead;
+            a_iBytes -= iRead;
+        }
+        return true;
+    }
+
+    QString claim(std::int64_t a_iBytes)
+    {
+        m_iBytes += a_iBytes;
+        QString sReason;
+        static_cast<void>(checkDocumentBytes(m_iBytes, &sReason));
+        return sReason;
+    }
+
+    /// In pieces: memory follows what is there, not what is claimed.
+    QString readUnits(QString& a_sText, qsizetype a_iUnits)
+    {
+        while (a_sText.size() < a_iUnits) {
+            const qsizetype iHeld = a_sText.size();
+            const qsizetype iUnits = std::min(a_iUnits - iHeld, s_iPieceUnits);
+            a_sText.resize(iHeld + iUnits);
+            if (!fill(reinterpret_cast<char*>(a_sText.data() + iHeld), iUnits * s_iUnitBytes)) {
+                return s_sStreamEnds;
+            }
+        }
+        qFromBigEndian<char16_t>(a_sText.constData(), a_sText.size(), a_sText.data());
+        return {};
+    }
+
+    QDataStream& m_stream;
+    std::int64_t& m_iBytes;
+};
+
+} // namespace
+
+void prepareCompactStream(QDataStream& a_stream)
+{
+    a_stream.setVersion(QDataStream::Qt_4_8);
+    a_stream.setByteOrder(QDataStream::BigEndian);
+}
+
+QString readCompactCount(QDataStream& a_stream, std::int32_t& a_iCount, std::int64_t& a_iBytes)
+{
+    QString sFault = FieldReader(a_stream, a_iBytes).readNumber(a_iCount);
+    return a_iCount < 0 ? QStringLiteral("%1 is negative").arg(a_iCount) : sFault;
+}
+
+QString readCompactRecord(QDataStream& a_stream, CompactRecord& a_record, std::int64_t& a_iBytes)
+{
+    FieldReader reader(a_stream, a_iBytes);
+    for (const Field& field : s_fields) {
+        const QString sFault =
+            field.text != nullptr ? reader.read(a_record.*field.text) : reader.read(a_record.*field.flag);
+        if (!sFault.isEmpty()) {
+            return QLatin1String(field.name) + QStringLiteral(": ") + sFault;
+        }
+    }
+    return {};
+}
+
+void writeCompactRecord(QDataStream& a_stream, const CompactRecord& a_record)
+{
+    for (const Field& field : s_fields) {
+        if (field.text != nullptr) {
+            a_stream << a_record.*field.text;
+        } else {
+            a_stream << a_record.*field.flag;
+        }
+    }
+}
+
+std::optional<std::int64_t> compactBytes(const CompactRecord& a_record)
+{
+    std::int64_t iBytes = 0;
+    for (const Field& field : s_fields) {
+        const std::int64_t iText = field.text != nullptr ? (a_record.*field.text).size() * s_iUnitBytes : 0;
+        if (iText > s_iLargestText) {
+            return std::nullopt;
+        }
+        iBytes += field.text != nullptr ? s_iLengthBytes + iText : s_iFlagBytes;
+    }
+    return iBytes;
+}
+
+} // namespace Simulation

@@ -1,0 +1,56 @@
+#ifndef SIMULATIONDATA_SIMULATIONSERVICECOMMUNICATION_COMMANDS_P_H
+#define SIMULATIONDATA_SIMULATIONSERVICECOMMUNICATION_COMMANDS_P_H
+
+#include "simulationdata/xmlelement.h"
+
+#include <QByteArray>
+#include <QLatin1String>
+#include <QString>
+
+#include <optional>
+
+namespace Simulation {
+
+class SimulationServiceCommunication;
+
+/// The names of a document's root and of the first element in it. Empty when the
+/// first 256 KiB do not show them.
+struct PeekedNames
+{
+    QString root;
+    QString command;
+};
+
+/// Nothing for a document so short that reading it whole costs no more.
+[[nodiscard]] std::optional<PeekedNames> peekedNames(const QByteArray& a_document);
+
+/// A command that has come, and whose signals tell of it.
+class ReceivedCommand
+{
+public:
+    ReceivedCommand(XmlElement a_element, bool a_bCompressed, SimulationServiceCommunication* a_pReceiver);
+
+    [[nodiscard]] const XmlElement& element() const { return m_element; }
+
+    /// Decodes the child's text; empty after one trace when that fails. The
+    /// document is let go before, since both may be large: ask for everything
+    /// else first, and keep no other handle.
+    [[nodiscard]] QByteArray takePayload(QLatin1String a_name);
+
+    /// Checks the command as a whole and signals it. False, and nothing is
+    /// signalled, when it is unknown, incomplete or holds what does not convert.
+    /// The receiver may be gone afterwards.
+    bool process();
+
+    /// The object whose signals are to be emitted.
+    [[nodiscard]] SimulationServiceCommunication* receiver() const { return m_pReceiver; }
+
+private:
+    XmlElement m_element;
+    bool m_bCompressed;
+    SimulationServiceCommunication* m_pReceiver;
+};
+
+} // namespace Simulation
+
+#endif

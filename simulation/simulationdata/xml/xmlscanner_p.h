@@ -1,0 +1,164 @@
+#ifndef SIMULATIONDATA_XMLSCANNER_P_H
+#define SIMULATIONDATA_XMLSCANNER_P_H
+
+#include "simulationdata/simulationlimits.h"
+#include "xmlencoding_p.h"
+
+#include <QByteArrayView>
+#include <QString>
+
+#include <cstdint>
+
+namespace Simulation {
+
+/// Finds the end of a declaration such as "<!DOCTYPE ... [ ... ]>", whose first
+/// bytes up to and including "<!" are already consumed: quotes, comments,
+/// instructions and brackets inside it hide a '>'.
+class XmlDeclarationEnd
+{
+public:
+    /// `a_bInBrackets`: a '[' was consumed as well.
+    explicit XmlDeclarationEnd(bool a_bInBrackets = false)
+        : m_uiBrackets(a_bInBrackets ? 1 : 0)
+    {}
+
+    /// True when the byte is the closing '>'.
+    bool consume(char a_cByte);
+
+    /// How many entities the declaration has defined so far.
+    [[nodiscard]] std::uint64_t entities() const { return m_uiEntities; }
+
+private:
+    enum class Inside : std::uint8_t { Markup, Quote, Comment, Instruction };
+
+    bool consumeMarkup(char a_cByte);
+
+    Inside m_eInside = Inside::Markup;
+    char m_cQuote = 0;
+    std::uint32_t m_uiRecent = 0; ///< the last four bytes, the latest lowest
+    std::uint64_t m_uiBrackets = 0;
+    std::uint64_t m_uiEntities = 0;
+};
+
+/// Finds where an XML text goes beyond a limit (nesting depth, attributes of
+/// one element, bytes and entities of a document type) before a parser sees that
+/// tag, and where a document ends in a stream of them. The bytes of several
+/// document types are added up: a lenient parser takes them inside elements, too,
+/// and keeps the rules of all.
+///
+/// The text is fed in pieces of any size, as UTF-8 or any encoding that keeps
+/// ASCII. Time is linear in the bytes and memory is constant whatever they
+/// hold. Whether the text is well formed is never judged: what a parser refuses
+/// it refuses at the first fault, and up to there both read the same tags.
+/// Limits are read at each feed. One object is used by one thread at a time.
+class XmlScanner
+{
+public:
+    /// The first thing beyond a limit.
+    struct Offence
+    {
+        qint64 offset = 0; ///< of its '<', in bytes since the start
+        qint64 line = 1;   ///< of its '<', from 1
+        qint64 column = 1; ///< of its '<', from 1, in characters
+        Limits::Limit limit = Limits::NestingDepth;
+        QString reason; ///< for example "nesting depth limit of 256 exceeded"
+    };
+
+    /// Elements beyond the limit are an offence, too; by default they are not
+    /// counted.
+    explicit XmlScanner(Limits::Limit a_eElements = Limits::LimitCount)
+        : m_eElements(a_eElements)
+    {}
+
+    /// Scans on. After an offence further bytes are passed over.
+    void feed(QByteArrayView a_bytes) { scanChunk(a_bytes, false); }
+
+    /// As feed(), but takes no byte behind the end of the document, and does not
+    /// spend time on lines and columns: those of an offence mean nothing.
+    void feedDocument(QByteArrayView a_bytes) { scanChunk(a_bytes, true); }
+
+    /// Whether the last tag closed the outermost element, or one that was not
+    /// open.
+    [[nodiscard]] bool isDocumentComplete() const { return m_bComplete; }
+
+    /// Whether the next byte is text of an element, as long as it opens no tag.
+    [[nodiscard]] bool isInContent() const { return m_eState == State::Text && m_uiDepth > 0; }
+
+    /// The bytes taken so far, up to the piece with an offence.
+    [[nodiscard]] qint64 bytes() const { return m_iChunk; }
+
+    /// The first of these that a parser can be given: not the byte that exceeds a
+    /// limit, nor a comment, section or instruction that has not ended. A stream
+    /// reader would scan such a stretch again with every further byte.
+    [[nodiscard]] qint64 parsableBytes() const;
+
+    [[nodiscard]] bool hasOffence() const { return m_bOffence; }
+
+    /// The offence; a default object while there is none.
+    [[nodiscard]] const Offence& offence() const { return m_offence; }
+
+    /// Starts afresh, for another text.
+    void reset() { *this = XmlScanner(m_eElements); }
+
+private:
+    enum class State : std::uint8_t {
+        Text,
+        Open,        ///< behind '<'
+        StartTag,    ///< in a start tag, outside its values
+        Value,       ///< in a quoted value of a start tag
+        EndTag,      ///< behind "</"
+        Instruction, ///< behind "<?"
+        Markup,      ///< behind "<!"
+        Comment,     ///< behind "<!--"
+        CData,       ///< behind "<![CDATA["
+        Declaration, ///< behind "<!" and anything else
+    };
+
+    void scanChunk(QByteArrayView a_bytes, bool a_bOneDocument);
+    void readLimits();
+    const char* scan(const char* a_pFrom, const char* a_pEnd);
+    const char* scanText(const char* a_pFrom, const char* a_pEnd);
+    const char* scanOpen(const char* a_pFrom);
+    const char* scanStartTag(const char* a_pFrom, const char* a_pEnd);
+    const char* scanValue(const char* a_pFrom, const char* a_pEnd);
+    const char* scanEndTag(const char* a_pFrom, const char* a_pEnd);
+    const char* scanMarkup(const char* a_pFrom);
+    const char* scanUntilMarks(const char* a_pFrom, const char* a_pEnd, char a_cMark, int a_iCount);
+    const char* scanDeclaration(const char* a_pFrom, const char* a_pEnd);
+    void enter(State a_eState);
+    void closeTag();
+    void offend(Limits::Limit a_eLimit);
+    void offendAt(const char* a_pByte, Limits::Limit a_eLimit);
+    [[nodiscard]] XmlPosition openPosition() const;
+
+    Limits::Limit m_eElements;
+    State m_eState = State::Text;
+    char m_cQuote = 0; ///< what ends the value
+    char m_cLast = 0;  ///< the last byte of a start tag so far
+    bool m_bOffence = false;
+    bool m_bComplete = false;           ///< the last tag left no element open
+    int m_iRun = 0;                     ///< end marks right before the next byte, at most 2
+    int m_iMatched = 0;                 ///< bytes of m_szExpected found
+    const char* m_szExpected = nullptr; ///< rest of "<!--" or "<![CDATA["
+    XmlDeclarationEnd m_declarationEnd;
+    std::uint64_t m_uiDepth = 0;
+    std::uint64_t m_uiElements = 0;
+    std::uint64_t m_uiAttributes = 0;
+    std::uint64_t m_uiDoctypeBytes = 0; ///< of the finished declarations
+    std::uint64_t m_uiMaxDepth = 0;
+    std::uint64_t m_uiMaxElements = 0;
+    std::uint64_t m_uiMaxAttributes = 0;
+    std::uint64_t m_uiMaxDoctype = 0;
+    std::uint64_t m_uiMaxEntities = 0;
+    qint64 m_iOpen = 0;          ///< offset of the '<' of the latest construct
+    qint64 m_iExceeding = 0;     ///< offset of the byte that exceeds a limit
+    qint64 m_iChunk = 0;         ///< offset of the chunk
+    QByteArrayView m_chunk;      ///< the chunk being scanned
+    XmlPosition m_chunkPosition; ///< of the chunk's first byte
+    XmlPosition m_openPosition;  ///< of a '<' in an earlier chunk
+    Offence m_offence;
+};
+
+} // namespace Simulation
+
+#endif

@@ -1,0 +1,18 @@
+#ifndef SIMULATIONTOOL_CHECKARGUMENTS_H
+#define SIMULATIONTOOL_CHECKARGUMENTS_H
+
+#include "console/exitcode.h"
+
+#include <QStringList>
+
+namespace SimulationTool {
+
+class Output;
+
+/// Reads the arguments of the command, its name first, and does what they ask
+/// for.
+[[nodiscard]] ExitCode check(const QStringList& a_arguments, Output& a_output);
+
+} // namespace SimulationTool
+
+#endif

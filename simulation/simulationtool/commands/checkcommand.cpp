@@ -1,0 +1,340 @@
+#include "checkcommand.h"
+
+#include "checkfinding.h"
+#include "console/inputfile.h"
+#include "console/interruption.h"
+#include "console/jsonreport.h"
+#include "console/output.h"
+#include "console/outputfile.h"
+#include "console/progress.h"
+#include "console/valuetexts.h"
+#include "describe/documentloss.h"
+#include "describe/verdict.h"
+#include "programs/repositoryfolder.h"
+#include "programs/repositorypackages.h"
+
+#include "simulationdata/deploymentdataxml.h"
+#include "simulationdata/scenariochecker.h"
+#include "simulationdata/scenariodataxml.h"
+#include "simulationdata/signalpackagefolder.h"
+#include "simulationdata/simulationlimits.h"
+#include "simulationdata/unresolvedsignalpackageprovider.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <optional>
+
+namespace SimulationTool {
+
+namespace {
+
+/// What of a document its reader has not kept, as the subject of a sentence;
+/// empty when it has kept all.
+QString lossOf(const Simulation::ScenarioDataXml& a_scenario, const QByteArray& a_source,
+               const QByteArray& a_written)
+{
+    if (!a_scenario.mergedIds().isEmpty()) {
+        return QStringLiteral("all but one of several emitters with one id");
+    }
+    return documentLoss(a_source, a_written, Notes::Count);
+}
+
+/// Keeps a file under its own name with "~" added. The name, or nothing after
+/// one line on standard error when the file cannot be kept or another one has
+/// that name.
+std::optional<QString> keepFormer(const QString& a_sFile, const QByteArray& a_content)
+{
+    const QString sBackup = QFileInfo(a_sFile).canonicalFilePath() + u'~';
+    if (QFileInfo::exists(sBackup)) {
+        complain(
+            QStringLiteral("%1: is there already: move it away, it may be the only whole copy").arg(sBackup));
+        return std::nullopt;
+    }
+    return replaceFile(sBackup, a_content) == ExitCode::Ok ? std::make_optional(sBackup) : std::nullopt;
+}
+
+/// Whether what a rule finds is in the document itself, not in one of its objects.
+bool isOfDocument(const QString& a_sRule)
+{
+    return a_sRule == u"broken-off" || a_sRule == u"newer-version" || a_sRule == u"not-read";
+}
+
+/// The ids that a repository knows. Every emission keeps its own record, so that a
+/// repaired document names the same packages as before.
+class KnownIds : public Simulation::UnresolvedSignalPackageProvider
+{
+public:
+    explicit KnownIds(RepositoryPackages& a_packages)
+        : m_packages(a_packages)
+    {}
+
+    bool validSignalPackageId(const QString& a_sId) override
+    {
+        return m_packages.validSignalPackageId(a_sId);
+    }
+    std::shared_ptr<Simulation::SignalPackage> defaultSignalPackage() override
+    {
+        return m_packages.defaultSignalPackage();
+    }
+
+private:
+    RepositoryPackages& m_packages;
+};
+
+/// Checks files against the same packages and classes, and counts.
+class FileCheck
+{
+public:
+    /// The packages are null where none are checked.
+    FileCheck(const CheckOptions& a_options, RepositoryPackages* a_pPackages,
+              Simulation::ISignalPackageProvider* a_pKnownIds, Output& a_output);
+
+    /// Checks all files. An interrupted check says nothing at its end.
+    [[nodiscard]] ExitCode run();
+
+private:
+    [[nodiscard]] ExitCode check(InputFile& a_file);
+    [[nodiscard]] ExitCode checkDeployment(const InputFile& a_file);
+    [[nodiscard]] ExitCode checkScenario(const InputFile& a_file);
+    [[nodiscard]] ExitCode report(const InputFile& a_file, const CheckFindings& a_findings);
+    [[nodiscard]] CheckFindings scenarioFindings(Simulation::ScenarioDataXml& a_scenario);
+    [[nodiscard]] ExitCode refuse(const InputFile& a_file, const QString& a_sReason);
+    [[nodiscard]] ExitCode repair(const InputFile& a_file, const QString& a_sLoss,
+                                  const QByteArray& a_document);
+    [[nodiscard]] bool mayReplace(const InputFile& a_file, const QString& a_sLoss,
+                                  const QByteArray& a_source);
+    void writeSummary();
+
+    const CheckOptions& m_options;
+    RepositoryPackages* m_pPackages;
+    Output& m_output;
+    Report m_report;
+    Simulation::ScenarioChecker m_checker;
+    quint64 m_uiChecked = 0; ///< files
+    quint64 m_uiUnreadable = 0;
+    quint64 m_uiFindings = 0;
+    quint64 m_uiRepaired = 0;
+    bool m_bWritten = false;
+};
+
+FileCheck::FileCheck(const CheckOptions& a_options, RepositoryPackages* a_pPackages,
+                     Simulation::ISignalPackageProvider* a_pKnownIds, Output& a_output)
+    : m_options(a_options)
+    , m_pPackages(a_pPackages)
+    , m_output(a_output)
+    , m_report(a_output, a_options.form)
+    , m_checker(a_pKnownIds)
+{
+    m_checker.setKnownClasses(a_options.classes);
+}
+
+ExitCode FileCheck::report(const InputFile& a_file, const CheckFindings& a_findings)
+{
+    ++m_uiChecked;
+    m_report.list("findings");
+    for (const CheckFinding& finding : a_findings) {
+        ++m_uiFindings;
+        m_uiRepaired += finding.repaired ? 1 : 0;
+        const QString sName =
+            finding.objectName.isEmpty() ? QString() : QStringLiteral(" (") + finding.objectName + u')';
+        const bool bObject = !isOfDocument(finding.rule);
+        m_report.record("findings",
+                        {{QStringLiteral("object_id"), jsonText(finding.objectId)},
+                         {QStringLiteral("object_name"), jsonText(finding.objectName)},
+                         {QStringLiteral("rule"), finding.rule},
+                         {QStringLiteral("text"), finding.text},
+                         {QStringLiteral("repaired"), finding.repaired}},
+                        a_file.name() + QStringLiteral(": ") +
+                            (bObject ? orDash(finding.objectId) + sName + QStringLiteral(": ") : QString()) +
+                            finding.text + QStringLiteral(" [") + finding.rule + u']');
+    }
+    return a_findings.isEmpty() ? ExitCode::Ok : ExitCode::Findings;
+}
+
+CheckFindings FileCheck::scenarioFindings(Simulation::ScenarioDataXml& a_scenario)
+{
+    CheckFindings findings = brokenOffFindings(a_scenario.errorString());
+    m_checker.check(a_scenario);
+    for (const Simulation::ScenarioFinding& finding : m_checker.findings()) {
+        findings.append(
+            {finding.objectId, finding.objectName, finding.ruleId, finding.text, finding.repaired});
+    }
+    if (m_pPackages != nullptr) {
+        findings += packageFindings(a_scenario, *m_pPackages);
+    }
+    findings += placeFindings(a_scenario);
+    return findings;
+}
+
+/// Whether the written scenario may take the place of the file that lost
+/// something while it was read. With --force the former file is kept first.
+bool FileCheck::mayReplace(const InputFile& a_file, const QString& a_sLoss, const QByteArray& a_source)
+{
+    if (a_sLoss.isEmpty() || !a_file.isSameAs(m_options.repairFile)) {
+        return true;
+    }
+    if (m_options.force) {
+        const std::optional<QString> backup = keepFormer(m_options.repairFile, a_source);
+        m_report.value("former_file", backup.value_or(QString()));
+        return backup.has_value();
+    }
+    complain(QStringLiteral("check: %1: not replaced, because it would lose %2: give --repair another file, "
+                            "or add --force, which keeps the former file, \"~\" added to its name")
+                 .arg(a_file.name(), a_sLoss));
+    return false;
+}
+
+/// Writes the document of the scenario after the check, which lacks `a_sLoss`.
+ExitCode FileCheck::repair(const InputFile& a_file, const QString& a_sLoss, const QByteArray& a_document)
+{
+    if (a_document.isEmpty()) {
+        complain(
+            QStringLiteral("%1: not written: %2")
+                .arg(m_options.repairFile, Simulation::Limits::exceeded(Simulation::Limits::DocumentBytes)));
+        return ExitCode::Unusable;
+    }
+    if (!mayReplace(a_file, a_sLoss, a_file.content())) {
+        return ExitCode::Unusable;
+    }
+    const ExitCode eCode = replaceFile(m_options.repairFile, a_document);
+    m_bWritten = eCode == ExitCode::Ok;
+    m_report.value("left_out", jsonText(a_sLoss));
+    if (m_bWritten && !a_sLoss.isEmpty()) {
+        m_report.line(QStringLiteral("%1: the repaired scenario lacks %2").arg(a_file.name(), a_sLoss));
+    }
+    return eCode;
+}
+
+ExitCode FileCheck::refuse(const InputFile& a_file, const QString& a_sReason)
+{
+    ++m_uiUnreadable;
+    m_report.value("error", a_sReason);
+    complain(QStringLiteral("%1: cannot be read as a scenario or deployment document: %2")
+                 .arg(a_file.name(), a_sReason));
+    return ExitCode::Unusable;
+}
+
+ExitCode FileCheck::checkScenario(const InputFile& a_file)
+{
+    // Keeps every id: one that the repository does not know is to be found, not
+    // replaced while loading, and one that it knows is to be written as it was.
+    Simulation::UnresolvedSignalPackageProvider ids;
+    Simulation::ScenarioDataXml scenario(&ids);
+    if (!scenario.fromXmlFile(a_file.path())) {
+        return refuse(a_file, scenario.errorString());
+    }
+    m_report.value("kind", QStringLiteral("scenario"));
+    // Writing forgets how the reading ended.
+    const bool bBrokeOff = !scenario.errorString().isEmpty();
+    CheckFindings findings = scenarioFindings(scenario);
+    const QByteArray source = a_file.content();
+    const QByteArray document = scenario.toXml();
+    if (!bBrokeOff && scenario.mergedIds().isEmpty()) {
+        findings += unreadFindings(source, document);
+    }
+    const ExitCode eFound = report(a_file, findings);
+    if (m_options.repairFile.isEmpty() || isInterrupted()) {
+        return eFound;
+    }
+    const QString sLoss = bBrokeOff ? QStringLiteral("what follows the place where it broke off")
+                                    : lossOf(scenario, source, document);
+    return worse(eFound, repair(a_file, sLoss, document));
+}
+
+ExitCode FileCheck::checkDeployment(const InputFile& a_file)
+{
+    Simulation::DeploymentDataXml deployment;
+    if (!deployment.fromXmlFile(a_file.path())) {
+        return refuse(a_file, deployment.errorString());
+    }
+    m_report.value("kind", QStringLiteral("deployment"));
+    CheckFindings findings = deploymentFindings(deployment);
+    const bool bAsRead = deployment.errorString().isEmpty() &&
+                         std::none_of(findings.cbegin(), findings.cend(), [](const CheckFinding& a_finding) {
+                             return isOfDocument(a_finding.rule) || a_finding.rule == u"duplicate-id";
+                         });
+    if (bAsRead) {
+        findings += unreadFindings(a_file.content(), deployment.toXml());
+    }
+    const ExitCode eFound = report(a_file, findings);
+    if (m_options.repairFile.isEmpty()) {
+        return eFound;
+    }
+    complain(
+        QStringLiteral("check: %1: is a deployment, and only scenarios are repaired").arg(a_file.name()));
+    return ExitCode::Unusable;
+}
+
+ExitCode FileCheck::check(InputFile& a_file)
+{
+    m_report.beginItem("files");
+    m_report.value("file", a_file.name());
+    if (!a_file.prepare(Simulation::Limits::value(Simulation::Limits::DocumentBytes))) {
+        ++m_uiUnreadable;
+        return ExitCode::Unusable;
+    }
+    return hasDocumentRoot(a_file.head(), "SimulationDeployment") ? checkDeployment(a_file)
+                                                                  : checkScenario(a_file);
+}
+
+void FileCheck::writeSummary()
+{
+    m_report.endPlace();
+    m_report.value("checked_count", jsonCount(m_uiChecked));
+    m_report.value("unreadable_count", jsonCount(m_uiUnreadable));
+    m_report.value("finding_count", jsonCount(m_uiFindings));
+    m_report.value("repaired_count", jsonCount(m_uiRepaired));
+    m_report.value("written", jsonText(m_bWritten ? m_options.repairFile : QString()));
+    QString sSummary = counted(m_uiChecked, "file") + QStringLiteral(" checked");
+    if (m_uiUnreadable != 0) {
+        sSummary += QStringLiteral(", %1 not readable").arg(m_uiUnreadable);
+    }
+    sSummary += QStringLiteral(": ") + counted(m_uiFindings, "finding");
+    if (m_bWritten) {
+        sSummary += QStringLiteral(", %1 repaired, written to ").arg(m_uiRepaired) + m_options.repairFile;
+    }
+    m_report.line(sSummary);
+    m_report.finish();
+}
+
+ExitCode FileCheck::run()
+{
+    ExitCode eCode = ExitCode::Ok;
+    Progress progress(QStringLiteral("checking"));
+    for (const QString& sFile : m_options.files) {
+        InputFile file(sFile);
+        progress.setWork(QStringLiteral("checking ") + file.name());
+        eCode = worse(eCode, check(file));
+        // An interrupted check is nobody's fault: nothing is said.
+        if (isInterrupted() || !m_output.isOk()) {
+            return ExitCode::Unusable;
+        }
+    }
+    writeSummary();
+    return eCode;
+}
+
+} // namespace
+
+ExitCode runCheck(const CheckOptions& a_options, Output& a_output)
+{
+    if (a_options.repository.isEmpty()) {
+        return FileCheck(a_options, nullptr, nullptr, a_output).run();
+    }
+    catchInterruptions(); // the cache is a temporary one
+    RepositoryPackages packages;
+    // A package that is not in the cache would be repaired away.
+    if (!packages.open(a_options.repository, {}) || !packages.isComplete()) {
+        return ExitCode::Unusable;
+    }
+    // A repair against the wrong folder would take every emission its package.
+    if (Simulation::SignalPackageFolder::list(packageStoreOf(a_options.repository)).isEmpty()) {
+        complain(QStringLiteral("%1: holds no signal packages").arg(a_options.repository));
+        return ExitCode::Unusable;
+    }
+    KnownIds ids(packages);
+    return FileCheck(a_options, &packages, &ids, a_output).run();
+}
+
+} // namespace SimulationTool

@@ -1,0 +1,171 @@
+#include "controlactions.h"
+
+#include "console/output.h"
+#include "console/report.h"
+#include "controlreport.h"
+#include "programs/servicecontroller.h"
+#include "statuswatch.h"
+
+#include "simulationdata/deploymentdataxml.h"
+#include "simulationdata/scenariodataxml.h"
+#include "simulationdata/simulationlimits.h"
+#include "simulationdata/unresolvedsignalpackageprovider.h"
+
+#include <QFile>
+
+namespace SimulationTool {
+
+namespace {
+
+/// Waits until the service has an order that devices do not confirm.
+ExitCode finishOrder(ServiceController& a_controller, const QString& a_sOrder, Report& a_report)
+{
+    if (!a_controller.synchronize()) {
+        return ExitCode::Unusable;
+    }
+    a_report.value("device_count", a_controller.devices().size());
+    if (a_controller.devices().isEmpty()) {
+        a_report.line(a_sOrder + QStringLiteral(" sent, but no device is registered"));
+        return ExitCode::Findings;
+    }
+    a_report.line(QStringLiteral("%1 sent to %2").arg(a_sOrder, devicesText(a_controller)));
+    return ExitCode::Ok;
+}
+
+ExitCode load(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report)
+{
+    if (!a_controller.loadScenario(a_argument.content)) {
+        return ExitCode::Unusable;
+    }
+    return reportLoading(a_controller, a_report);
+}
+
+/// Sends an order and reports which devices have confirmed it.
+ExitCode confirm(ServiceController& a_controller, const CommandSender& a_send, const ConfirmedOrder& a_order,
+                 Report& a_report)
+{
+    return a_controller.sendAndConfirm(a_send, a_order.outcome)
+               ? reportAnswers(a_controller, a_order, a_report)
+               : ExitCode::Unusable;
+}
+
+ExitCode deploy(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report)
+{
+    return confirm(
+        a_controller, [&](auto& a_to) { a_to.sendLoadDeployment(a_argument.content); },
+        {QStringLiteral("Deployed"), QStringLiteral("Not deployed"), &deployOutcome}, a_report);
+}
+
+ExitCode start(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report)
+{
+    // After a pause it goes on, otherwise from the beginning.
+    const auto& timing = a_controller.timing();
+    const std::uint32_t uiPaused = timing.isPaused() ? timing.scenarioTime() : 0;
+    const std::uint32_t uiTime = a_argument.time.value_or(uiPaused);
+    a_report.value("scenario_time_ms", qint64{uiTime});
+    return confirm(
+        a_controller,
+        [&](auto& a_to) {
+            a_to.sendStartScenario(Simulation::ScenarioTimingHelper::currentTimeStamp(), uiTime);
+        },
+        {QStringLiteral("Started at %1 ms").arg(uiTime), QStringLiteral("Not started at %1 ms").arg(uiTime),
+         [uiTime](const QString& a_sMessage) { return startOutcome(a_sMessage, uiTime); }},
+        a_report);
+}
+
+ExitCode pause(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report)
+{
+    if (!a_argument.time && a_controller.timing().isStopped()) {
+        complain(
+            QStringLiteral("control: the service does not say that a scenario runs: pause MS pauses anyway"));
+        return ExitCode::Unusable;
+    }
+    const std::uint32_t uiTime = a_argument.time.value_or(a_controller.timing().scenarioTime());
+    a_report.value("scenario_time_ms", qint64{uiTime});
+    a_controller.communication().sendPauseScenario(uiTime);
+    return finishOrder(a_controller, QStringLiteral("Pause at %1 ms").arg(uiTime), a_report);
+}
+
+ExitCode stop(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Report& a_report)
+{
+    a_controller.communication().sendStopScenario();
+    return finishOrder(a_controller, QStringLiteral("Stop"), a_report);
+}
+
+ExitCode unload(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Report& a_report)
+{
+    a_controller.communication().sendUnloadScenario();
+    return finishOrder(a_controller, QStringLiteral("Unload"), a_report);
+}
+
+ExitCode devices(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Report& a_report)
+{
+    reportDevices(a_controller, a_report);
+    return ExitCode::Ok;
+}
+
+ExitCode status(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Report& a_report)
+{
+    reportStatus(a_controller, a_report);
+    return ExitCode::Ok;
+}
+
+/// Why bytes are no scenario; empty when they are a whole one.
+QString scenarioProblem(const QByteArray& a_content)
+{
+    Simulation::UnresolvedSignalPackageProvider unresolved;
+    Simulation::ScenarioDataXml scenario(&unresolved);
+    static_cast<void>(scenario.fromXml(a_content));
+    return scenario.errorString();
+}
+
+/// The same for a deployment.
+QString deploymentProblem(const QByteArray& a_content)
+{
+    Simulation::DeploymentDataXml deployment;
+    static_cast<void>(deployment.fromXml(a_content));
+    return deployment.errorString();
+}
+
+ExitCode watch(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Report& a_report)
+{
+    return StatusWatch(a_controller, a_report).run();
+}
+
+} // namespace
+
+const std::array<ControlAction, 9> s_controlActions{{
+    {"load", ControlAction::Takes::Scenario, true, &load},
+    {"deploy", ControlAction::Takes::Deployment, true, &deploy},
+    {"start", ControlAction::Takes::Time, true, &start},
+    {"pause", ControlAction::Takes::Time, true, &pause},
+    {"stop", ControlAction::Takes::Nothing, true, &stop},
+    {"unload", ControlAction::Takes::Nothing, true, &unload},
+    {"devices", ControlAction::Takes::Nothing, false, &devices},
+    {"status", ControlAction::Takes::Nothing, false, &status},
+    {"watch", ControlAction::Takes::Nothing, false, &watch},
+}};
+
+bool readOrderFile(ControlAction::Takes a_eKind, OrderArgument& a_argument)
+{
+    const auto uiLimit = Simulation::Limits::value(Simulation::Limits::DocumentBytes);
+    QFile file(a_argument.file);
+    QString sProblem;
+    if (file.open(QIODevice::ReadOnly)) {
+        a_argument.content = file.read(static_cast<qint64>(uiLimit) + 1);
+    }
+    if (file.error() != QFileDevice::NoError) {
+        sProblem = file.errorString();
+    } else if (static_cast<std::uint64_t>(a_argument.content.size()) > uiLimit) {
+        sProblem = Simulation::Limits::exceeded(Simulation::Limits::DocumentBytes);
+    } else {
+        sProblem = a_eKind == ControlAction::Takes::Scenario ? scenarioProblem(a_argument.content)
+                                                             : deploymentProblem(a_argument.content);
+    }
+    if (!sProblem.isEmpty()) {
+        complain(QStringLiteral("%1: %2").arg(a_argument.file, sProblem));
+    }
+    return sProblem.isEmpty();
+}
+
+} // namespace SimulationTool

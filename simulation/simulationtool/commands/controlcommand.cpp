@@ -1,0 +1,175 @@
+#include "controlcommand.h"
+
+#include "console/commandparser.h"
+#include "console/interruption.h"
+#include "console/output.h"
+#include "console/report.h"
+#include "console/timetext.h"
+#include "console/wholenumber.h"
+#include "controlactions.h"
+#include "programs/servicecontroller.h"
+
+#include <algorithm>
+
+namespace SimulationTool {
+
+namespace {
+
+const char s_szControl[] =
+    "Controls the devices of a simulation service: acquires it, sends one order, waits\n"
+    "for the answers, and releases it again.\n"
+    "\n"
+    "Actions:\n"
+    "  load FILE    Send a scenario and wait until each device has loaded it or failed.\n"
+    "  deploy FILE  Send a deployment, and report where it places each device.\n"
+    "  start [TIME] Start the scenario, at that scenario time. Default: where it was\n"
+    "               paused, or else at 0.\n"
+    "  pause [TIME] Show that scenario time from now on. Default: the present one.\n"
+    "  stop         Stop the scenario.\n"
+    "  unload       Have the devices forget the scenario.\n"
+    "  devices      List the devices that are registered.\n"
+    "  status       Show the scenario, its time, and what each device reports.\n"
+    "  watch        Show the same, and every change with its time, until interrupted\n"
+    "               (Ctrl-C).\n"
+    "\n"
+    "A TIME is a number of milliseconds, or has a unit: 1500, 1500ms, 1.5s, 2min, 1h.\n"
+    "\n"
+    "The last three acquire nothing and disturb no other controller: they only ask, and\n"
+    "watch asks once a second. Of what changes in between they show the last. A service\n"
+    "of another maker may report states to its controller only: they are \"unknown\" then.\n"
+    "\n"
+    "Devices of this program answer start and deploy in words, and load with the\n"
+    "packages that they had to replace. A device that gives no such answer within 2 s\n"
+    "\"did not confirm\": it may have obeyed all the same, and control cannot know.\n"
+    "The other orders are sent and not confirmed; status shows what became of them.\n"
+    "\n"
+    "A file that is not what it should be is refused before anything is sent. What\n"
+    "was started goes on when the command has ended.";
+
+const char s_szControlExamples[] =
+    "\n"
+    "Examples:\n"
+    "  simulationtool control devices --server sim.example:57400\n"
+    "  simulationtool control load harbour.sce.exp && simulationtool control start\n"
+    "  simulationtool control load :/DefaultData/Default.sce.exp    (the built-in scenario)\n"
+    "  simulationtool control watch --json    (one JSON object per line)\n"
+    "\n"
+    "Exit codes:\n"
+    "  0  Done; of load, start and deploy: by every device. A watch was interrupted.\n"
+    "  1  An order was sent and no device is registered, or one failed, did not confirm\n"
+    "     the order, took longer than the timeout, had to replace packages, or has no\n"
+    "     place in the deployment.\n"
+    "  2  Wrong usage, the file was refused, nothing can be paused, the connection was\n"
+    "     lost, or nobody answered within the timeout: then it is not known whether the\n"
+    "     order was received.\n";
+
+constexpr std::uint32_t s_uiDefaultTimeout = 10;    ///< s
+constexpr std::uint32_t s_uiMaxTimeout = 24 * 3600; ///< s
+
+const QString s_sTimeout = QStringLiteral("timeout");
+
+ExitCode runControl(const ControlAction& a_action, const OrderArgument& a_argument,
+                    const ServerAddress& a_server, std::chrono::seconds a_timeout, Report& a_report)
+{
+    ServiceController controller(a_timeout);
+    ExitCode eCode = ExitCode::Unusable;
+    if (controller.connectToService(a_server)) {
+        if (a_action.acquires) {
+            controller.acquire();
+        }
+        // The answer comes behind what a new controller is told.
+        if (controller.synchronize()) {
+            eCode = a_action.run(controller, a_argument, a_report);
+        }
+    }
+    if (!controller.problem().isEmpty()) {
+        complain(QStringLiteral("control: ") + controller.problem());
+        return ExitCode::Unusable;
+    }
+    controller.leave();
+    if (eCode != ExitCode::Unusable) {
+        a_report.finish();
+    }
+    return eCode;
+}
+
+/// Reads what the action takes. False with a reason when the usage is wrong;
+/// without one when a file was refused.
+bool readArgument(const ControlAction& a_action, const QStringList& a_rest, OrderArgument& a_argument,
+                  QString& a_sReason)
+{
+    using Takes = ControlAction::Takes;
+    const bool bFile = a_action.takes == Takes::Scenario || a_action.takes == Takes::Deployment;
+    const qsizetype iMost = a_action.takes == Takes::Nothing ? 0 : 1;
+    if (a_rest.size() > iMost || (bFile && a_rest.isEmpty())) {
+        a_sReason =
+            QStringLiteral("%1 takes %2, %3 given")
+                .arg(QLatin1String(a_action.name),
+                     bFile ? QStringLiteral("one FILE")
+                           : (iMost == 1 ? QStringLiteral("at most one TIME") : QStringLiteral("nothing")),
+                     QString::number(a_rest.size()));
+        return false;
+    }
+    if (bFile) {
+        a_argument.file = a_rest.constFirst();
+        return readOrderFile(a_action.takes, a_argument);
+    }
+    if (!a_rest.isEmpty()) {
+        a_argument.time = timeOf(a_rest.constFirst(), QLatin1String(a_action.name), 0, a_sReason);
+        return a_argument.time.has_value();
+    }
+    return true;
+}
+
+std::optional<std::chrono::seconds> readTimeout(const QCommandLineParser& a_parser, QString& a_sReason)
+{
+    if (!a_parser.isSet(s_sTimeout)) {
+        return std::chrono::seconds(s_uiDefaultTimeout);
+    }
+    const auto seconds =
+        wholeNumber(a_parser.value(s_sTimeout),
+                    {QStringLiteral("--timeout"), " of seconds", 1, s_uiMaxTimeout}, a_sReason);
+    return seconds ? std::make_optional(std::chrono::seconds(*seconds)) : std::nullopt;
+}
+
+} // namespace
+
+ExitCode control(const QStringList& a_arguments, Output& a_output)
+{
+    ignoreClosedPipes();
+    CommandParser parser(
+        QStringLiteral("control"),
+        QStringLiteral("ACTION [FILE|TIME] [--server HOST:PORT] [--timeout SECONDS] [--json]"), s_szControl,
+        s_szControlExamples);
+    parser.get().addPositionalArgument(QStringLiteral("ACTION"), QStringLiteral("What to do."));
+    addServerOption(parser.get());
+    parser.get().addOption(
+        {s_sTimeout, QStringLiteral("Give up after so long without an answer or any progress. Default: 10."),
+         QStringLiteral("SECONDS")});
+    addJsonOption(parser.get());
+    if (const auto done = parser.parse(a_arguments, a_output)) {
+        return *done;
+    }
+    QStringList rest = parser.get().positionalArguments();
+    if (rest.isEmpty()) {
+        return parser.refuse(QStringLiteral("an action is needed"));
+    }
+    const QString sAction = rest.takeFirst();
+    const auto* const pAction =
+        std::find_if(s_controlActions.begin(), s_controlActions.end(),
+                     [&](const ControlAction& a_action) { return sAction == QLatin1String(a_action.name); });
+    if (pAction == s_controlActions.end()) {
+        return parser.refuse(QStringLiteral("there is no action \"") + sAction + u'"');
+    }
+    QString sReason;
+    const auto server = readServerOption(parser.get(), sReason);
+    const auto timeout = server ? readTimeout(parser.get(), sReason) : std::nullopt;
+    OrderArgument argument;
+    if (!timeout || !readArgument(*pAction, rest, argument, sReason)) {
+        return sReason.isEmpty() ? ExitCode::Unusable : parser.refuse(sReason);
+    }
+    Report report(a_output, reportForm(parser.get()));
+    return runControl(*pAction, argument, *server, *timeout, report);
+}
+
+} // namespace SimulationTool

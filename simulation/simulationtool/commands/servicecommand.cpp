@@ -1,0 +1,136 @@
+#include "servicecommand.h"
+
+#include "console/commandparser.h"
+#include "console/interruptibleloop.h"
+#include "console/interruption.h"
+#include "console/output.h"
+#include "console/wholenumber.h"
+#include "programs/serveraddress.h"
+#include "programs/simulationservice.h"
+
+#include "simulationdata/simulationlimits.h"
+#include "simulationdata/simulationsystemconfiguration.h"
+
+#include <QHostAddress>
+
+#include <chrono>
+
+namespace SimulationTool {
+
+namespace {
+
+const char s_szService[] =
+    "Runs the simulation service: devices register with it, and the program that\n"
+    "acquired it last has its scenarios, deployments and orders passed on to all of\n"
+    "them and is sent their states. A device that registers late is sent the deployment,\n"
+    "the scenario and the start that hold. What happens is logged on standard error,\n"
+    "each line with its time.\n"
+    "\n"
+    "A program that leaves a command unfinished, or reads nothing of what it is sent,\n"
+    "for the time of --timeout is dropped. So is the one that makes the service hold\n"
+    "most, as soon as all together make it hold more than 96 MiB of such commands.\n"
+    "\n"
+    "The service ends when it is interrupted (SIGINT, SIGTERM).\n"
+    "\n"
+    "Nobody has to prove who he is: whoever reaches the port can control the devices.\n"
+    "Keep it within a network of yours, or within this machine by --address.";
+
+const char s_szServiceExamples[] = "\n"
+                                   "Examples:\n"
+                                   "  simulationtool service\n"
+                                   "  simulationtool service --port 0 --address 127.0.0.1\n"
+                                   "\n"
+                                   "Exit codes:\n"
+                                   "  0  It was interrupted.\n"
+                                   "  2  Wrong usage, or it cannot listen there.\n";
+
+const QString s_sPort = QStringLiteral("port");
+const QString s_sAddress = QStringLiteral("address");
+const QString s_sTimeout = QStringLiteral("timeout");
+
+constexpr std::uint32_t s_uiMaxTimeout = 24 * 3600; ///< s
+
+ExitCode runService(const QHostAddress& a_address, std::uint16_t a_uiPort, std::chrono::seconds a_timeout,
+                    Output& a_output)
+{
+    using Simulation::Limits;
+    // A content that no device could read is not worth the others' wait.
+    Limits::setValue(Limits::InflatedBytes, Limits::value(Limits::DocumentBytes));
+    InterruptibleLoop loop;
+    SimulationService simulationService(a_timeout);
+    QObject::connect(&simulationService, &SimulationService::told, &writeLog);
+    if (!simulationService.listen(a_address, a_uiPort)) {
+        complain(QStringLiteral("service: cannot listen on %1: %2")
+                     .arg(addressText(a_address, a_uiPort), simulationService.errorString()));
+        return ExitCode::Unusable;
+    }
+    // Whoever started the service waits for this line.
+    a_output.write(QStringLiteral("Listening on port %1\n").arg(simulationService.port()));
+    if (!a_output.finish()) {
+        return ExitCode::Unusable;
+    }
+    loop.run();
+    acceptInterruption();
+    writeLog(QStringLiteral("service ends"));
+    return ExitCode::Ok;
+}
+
+} // namespace
+
+ExitCode service(const QStringList& a_arguments, Output& a_output)
+{
+    ignoreClosedPipes();
+    CommandParser parser(QStringLiteral("service"),
+                         QStringLiteral("[--port N] [--address ADDRESS] [--timeout SECONDS]"), s_szService,
+                         s_szServiceExamples);
+    parser.get().addOption(
+        {s_sPort,
+         QStringLiteral("TCP port to listen on; 0 has the system choose one. Default: as the "
+                        "settings of this machine say, or else 57400."),
+         QStringLiteral("N")});
+    parser.get().addOption({s_sAddress,
+                            QStringLiteral("Listen on this address of the machine only. Default: on all."),
+                            QStringLiteral("ADDRESS")});
+    parser.get().addOption({s_sTimeout,
+                            QStringLiteral("Drop a program that makes no progress for so long. Default: %1.")
+                                .arg(SimulationService::s_timeout.count()),
+                            QStringLiteral("SECONDS")});
+    if (const auto done = parser.parse(a_arguments, a_output)) {
+        return *done;
+    }
+    if (!parser.get().positionalArguments().isEmpty()) {
+        return parser.refuse(QStringLiteral("there are no arguments but options"));
+    }
+    Simulation::SimulationSystemConfiguration configuration;
+    configuration.loadConfiguation();
+    std::uint16_t uiPort = configuration.simulationServicePort();
+    if (parser.get().isSet(s_sPort)) {
+        QString sReason;
+        const auto port =
+            wholeNumber(parser.get().value(s_sPort), {QStringLiteral("--port"), "", 0, UINT16_MAX}, sReason);
+        if (!port) {
+            return parser.refuse(sReason);
+        }
+        uiPort = static_cast<std::uint16_t>(*port);
+    }
+    std::chrono::seconds timeout = SimulationService::s_timeout;
+    if (parser.get().isSet(s_sTimeout)) {
+        QString sReason;
+        const auto seconds =
+            wholeNumber(parser.get().value(s_sTimeout),
+                        {QStringLiteral("--timeout"), " of seconds", 1, s_uiMaxTimeout}, sReason);
+        if (!seconds) {
+            return parser.refuse(sReason);
+        }
+        timeout = std::chrono::seconds(*seconds);
+    }
+    const QString sAddress = parser.get().value(s_sAddress);
+    const QHostAddress address =
+        parser.get().isSet(s_sAddress) ? QHostAddress(sAddress) : QHostAddress(QHostAddress::Any);
+    if (address.isNull()) {
+        return parser.refuse(QStringLiteral("--address needs an IP address, not \"") + sAddress + u'"');
+    }
+    return runService(address, uiPort, timeout, a_output);
+}
+
+} // namespace SimulationTool

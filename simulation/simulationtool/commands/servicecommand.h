@@ -1,0 +1,18 @@
+#ifndef SIMULATIONTOOL_SERVICECOMMAND_H
+#define SIMULATIONTOOL_SERVICECOMMAND_H
+
+#include "console/exitcode.h"
+
+#include <QStringList>
+
+namespace SimulationTool {
+
+class Output;
+
+/// The command "service": arguments, the command's name first, and run. Runs
+/// until the process is interrupted.
+[[nodiscard]] ExitCode service(const QStringList& a_arguments, Output& a_output);
+
+} // namespace SimulationTool
+
+#endif

@@ -1,0 +1,88 @@
+#include "packageuse.h"
+
+#include "console/loglimit.h"
+#include "console/valuetexts.h"
+
+#include <utility>
+
+namespace SimulationTool {
+
+namespace {
+
+constexpr qsizetype s_iNamedIds = 3;
+
+} // namespace
+
+PackageUse::PackageUse(Simulation::ISignalPackageProvider& a_provider)
+    : m_provider(a_provider)
+{}
+
+void PackageUse::clear()
+{
+    m_ids.clear();
+    m_unknown.clear();
+}
+
+QString PackageUse::warning()
+{
+    if (m_unknown.isEmpty()) {
+        return {};
+    }
+    QStringList named;
+    for (const QString& sId : m_unknown.mid(0, s_iNamedIds)) {
+        named.append(LogLimit::part(sId));
+    }
+    const qsizetype iMore = m_unknown.size() - named.size();
+    const QString sFate = m_provider.defaultSignalPackage() != nullptr
+                              ? QStringLiteral("replaced by the default package")
+                              : QStringLiteral("unknown and without a signal");
+    return QStringLiteral("%1 of %2 %3: %4%5")
+        .arg(QString::number(m_unknown.size()), counted(static_cast<quint64>(m_ids.size()), "package"), sFate,
+             named.join(QStringLiteral(", ")),
+             iMore > 0 ? QStringLiteral(" and %1 more").arg(iMore) : QString());
+}
+
+bool PackageUse::validSignalPackageId(const QString& a_sId)
+{
+    return m_provider.validSignalPackageId(a_sId);
+}
+
+std::shared_ptr<Simulation::SignalPackage> PackageUse::signalPackage(const QString& a_sId)
+{
+    // An emission that names no package means the default one.
+    if (!a_sId.isEmpty() && !m_ids.contains(a_sId)) {
+        m_ids.insert(a_sId);
+        if (!m_provider.validSignalPackageId(a_sId)) {
+            m_unknown.append(a_sId);
+        }
+    }
+    return m_provider.signalPackage(a_sId);
+}
+
+std::shared_ptr<Simulation::SignalPackage> PackageUse::defaultSignalPackage()
+{
+    return m_provider.defaultSignalPackage();
+}
+
+Simulation::SignalShapeFile*
+PackageUse::signalShapeFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
+{
+    return m_provider.signalShapeFile(std::move(a_pPackage));
+}
+
+Simulation::AudioFile* PackageUse::audioFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
+{
+    return m_provider.audioFile(std::move(a_pPackage));
+}
+
+Simulation::SymbolDataFile* PackageUse::symbolDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
+{
+    return m_provider.symbolDataFile(std::move(a_pPackage));
+}
+
+Simulation::ResultDataFile* PackageUse::resultDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
+{
+    return m_provider.resultDataFile(std::move(a_pPackage));
+}
+
+} // namespace SimulationTool

@@ -1,0 +1,227 @@
+#include "repositorypackages.h"
+
+#include "console/output.h"
+#include "console/progress.h"
+#include "console/valuetexts.h"
+#include "describe/packagelist.h"
+#include "describe/packageverdict.h"
+#include "describe/verdict.h"
+#include "repositoryfolder.h"
+
+#include "simulationdata/signalpackage.h"
+#include "simulationdata/signalpackagecache.h"
+#include "simulationdata/signalpackagefolder.h"
+#include "simulationdata/signalshapefile.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace SimulationTool {
+
+namespace {
+
+constexpr std::uint64_t s_uiToldMessages = 20;
+
+/// Whether a path is a folder or lies in it, links followed as far as they go.
+bool isInside(const QString& a_sPath, const QString& a_sFolder)
+{
+    QFileInfo place(QDir(a_sPath).absolutePath());
+    while (!place.exists() && !place.isRoot()) {
+        place.setFile(place.path());
+    }
+    const QString sPlace = place.canonicalFilePath();
+    const QString sFolder = QFileInfo(a_sFolder).canonicalFilePath();
+    return sPlace == sFolder || sPlace.startsWith(sFolder.endsWith(u'/') ? sFolder : sFolder + u'/');
+}
+
+/// Why a folder must not be used as a cache, empty when it may: the cache's own
+/// files would take the place of the user's.
+QString cacheProblem(const QString& a_sCache, const QString& a_sRepository)
+{
+    if (QFileInfo::exists(a_sCache) && !QFileInfo(a_sCache).isDir()) {
+        return QStringLiteral("is not a folder");
+    }
+    if (isInside(a_sCache, a_sRepository)) {
+        return QStringLiteral("lies in the repository: choose another --cache");
+    }
+    // A cache folder holds the files of the built-in package.
+    return Simulation::SignalPackageFolder::isValid(a_sCache) &&
+                   !Simulation::SignalPackageCache::isCacheFolder(a_sCache)
+               ? QStringLiteral("is a signal package, not a cache: choose another --cache")
+               : QString();
+}
+
+} // namespace
+
+RepositoryPackages::RepositoryPackages()
+    : m_log(&complain)
+{}
+
+RepositoryPackages::~RepositoryPackages() = default;
+
+bool RepositoryPackages::open(const QString& a_sRepository, const QString& a_sCache)
+{
+    QString sProblem = folderProblem(a_sRepository);
+    if (!sProblem.isEmpty()) {
+        complain(QStringLiteral("%1: %2").arg(a_sRepository, sProblem));
+        return false;
+    }
+    QString sCache = a_sCache;
+    if (a_sCache.isEmpty()) {
+        m_temporary = std::make_unique<QTemporaryDir>();
+        sCache = m_temporary->path();
+        sProblem = m_temporary->isValid() ? QString() : m_temporary->errorString();
+    } else {
+        sProblem = cacheProblem(a_sCache, a_sRepository);
+    }
+    if (sProblem.isEmpty()) {
+        m_cache = std::make_unique<Simulation::SignalPackageCache>(sCache, packageStoreOf(a_sRepository));
+        if (fillCache()) {
+            return true;
+        }
+        sProblem = QStringLiteral("cannot be used as cache folder: ") + m_cache->copyFailures().firstReason;
+    }
+    complain(QStringLiteral("%1: %2").arg(sCache, sProblem));
+    return false;
+}
+
+bool RepositoryPackages::fillCache()
+{
+    if (!m_cache->prepareCacheForUse()) {
+        return false;
+    }
+    tellCopyFailures(QStringLiteral("the built-in package"));
+    updateCache();
+    const auto uiFailed = static_cast<quint64>(m_cache->copyFailures().packages);
+    // Without a number nothing was looked at, as when a folder is away.
+    tellCopyFailures(uiFailed == 0
+                         ? QStringLiteral("the packages of the repository")
+                         : QStringLiteral("%1 of the repository").arg(counted(uiFailed, "package")));
+    return true;
+}
+
+void RepositoryPackages::tellCopyFailures(const QString& a_sWhat)
+{
+    const auto failures = m_cache->copyFailures();
+    if (failures.firstReason.isEmpty()) {
+        return;
+    }
+    m_bComplete = false;
+    tell(QStringLiteral("%1 could not be copied to the cache folder %2, the first reason is: %3. Remove the "
+                        "cause or choose another folder (--cache or TMPDIR), then run this again")
+             .arg(a_sWhat, m_cache->cacheDir(), failures.firstReason));
+}
+
+void RepositoryPackages::updateCache()
+{
+    const QDir folder(m_cache->cacheDir());
+    const Progress progress(QStringLiteral("copying signal packages into the cache"), [folder] {
+        const QStringList copied = folder.entryList({QStringLiteral("*.xml")}, QDir::Files);
+        return counted(static_cast<quint64>(copied.size()), "package");
+    });
+    m_cache->updateCache(m_cache->sourceDir(), false);
+}
+
+QStringList RepositoryPackages::problemsOf(const QString& a_sId)
+{
+    if (!m_problems) {
+        m_problems.emplace();
+        const Progress progress(QStringLiteral("reading the signal packages of the repository"));
+        for (const ListedPackage& package : listPackages(m_cache->sourceDir())) {
+            if (!package.problems.isEmpty() && !package.cleanId.isEmpty()) {
+                (*m_problems)[package.cleanId] += package.problems;
+            }
+        }
+    }
+    return m_problems->value(Simulation::SignalPackage::cleanId(a_sId));
+}
+
+std::optional<float> RepositoryPackages::levelAt(const std::shared_ptr<Simulation::SignalPackage>& a_package,
+                                                 std::int64_t a_iTime)
+{
+    Simulation::SignalShapeFile* const pReader = m_cache->signalShapeFile(a_package);
+    if (pReader == nullptr || a_iTime < 0) {
+        return std::nullopt;
+    }
+    if (!m_checkedIds.contains(a_package->id())) {
+        m_checkedIds.insert(a_package->id());
+        checkShape(*a_package, *pReader);
+    }
+    if (!pReader->isOpen() || pReader->recordCount() == 0 || a_package->duration() == 0) {
+        return std::nullopt;
+    }
+    pReader->readSpectrum(static_cast<std::uint32_t>(a_iTime % a_package->duration()));
+    return pReader->signalLevelInSpectrum();
+}
+
+void RepositoryPackages::checkShape(const Simulation::SignalPackage& a_package,
+                                    const Simulation::SignalShapeFile& a_reader)
+{
+    const Verdict verdict = shapeVerdict(a_reader);
+    if (verdict.code != ExitCode::Ok) {
+        tell(QStringLiteral("package %1: its signal shape file is %2").arg(a_package.id(), verdict.text));
+    } else if (const QString sProblem = durationProblem(a_package); !sProblem.isEmpty()) {
+        tell(QStringLiteral("package %1: %2").arg(a_package.id(), sProblem));
+    }
+}
+
+void RepositoryPackages::tell(const QString& a_sMessage)
+{
+    if (++m_uiTold <= s_uiToldMessages) {
+        m_messages.append(a_sMessage);
+        m_log(a_sMessage);
+    }
+}
+
+ExitCode RepositoryPackages::finish()
+{
+    if (m_uiTold > s_uiToldMessages) {
+        complain(QStringLiteral("and %1 more of that kind").arg(m_uiTold - s_uiToldMessages));
+    }
+    return m_uiTold == 0 ? ExitCode::Ok : ExitCode::Findings;
+}
+
+bool RepositoryPackages::validSignalPackageId(const QString& a_sId)
+{
+    return m_cache->validSignalPackageId(a_sId);
+}
+
+std::shared_ptr<Simulation::SignalPackage> RepositoryPackages::signalPackage(const QString& a_sId)
+{
+    // An emission that names no package means the default one.
+    if (!a_sId.isEmpty() && !m_unknownIds.contains(a_sId) && !m_cache->validSignalPackageId(a_sId)) {
+        m_unknownIds.insert(a_sId);
+        tell(QStringLiteral("package %1 is not in the repository: the default package is used").arg(a_sId));
+    }
+    return m_cache->signalPackage(a_sId);
+}
+
+std::shared_ptr<Simulation::SignalPackage> RepositoryPackages::defaultSignalPackage()
+{
+    return m_cache->defaultSignalPackage();
+}
+
+Simulation::SignalShapeFile*
+RepositoryPackages::signalShapeFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
+{
+    return m_cache->signalShapeFile(std::move(a_pPackage));
+}
+
+Simulation::AudioFile* RepositoryPackages::audioFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
+{
+    return m_cache->audioFile(std::move(a_pPackage));
+}
+
+Simulation::SymbolDataFile*
+RepositoryPackages::symbolDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
+{
+    return m_cache->symbolDataFile(std::move(a_pPackage));
+}
+
+Simulation::ResultDataFile*
+RepositoryPackages::resultDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
+{
+    return m_cache->resultDataFile(std::move(a_pPackage));
+}
+
+} // namespace SimulationTool

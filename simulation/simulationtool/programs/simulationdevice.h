@@ -1,0 +1,153 @@
+#ifndef SIMULATIONTOOL_SIMULATIONDEVICE_H
+#define SIMULATIONTOOL_SIMULATIONDEVICE_H
+
+#include "console/loglimit.h"
+#include "describe/packageuse.h"
+#include "devicereport.h"
+#include "serveraddress.h"
+
+#include "simulationdata/scenariotiminghelper.h"
+#include "simulationdata/simulationdeviceconfiguration.h"
+#include "simulationdata/simulationdevicestate.h"
+#include "simulationdata/simulationservicecommunication.h"
+#include "simulationdata/tcpserverconnector.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QObject>
+#include <QSet>
+#include <QString>
+#include <QTimer>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace Simulation {
+class ISignalPackageProvider;
+class ScenarioDataXml;
+class SzenarioEmitter;
+} // namespace Simulation
+
+namespace SimulationTool {
+
+/// A simulation device: registers with the service whenever it is connected,
+/// loads the scenarios that it is sent, and plays them against the clock that all
+/// programs share (VelaOS).
+///
+/// What became of an order it reports in words with its state (see DeviceReport).
+/// A deployment that has a place for it moves it there, and it registers anew with
+/// that place.
+///
+/// Only a service that confirms the registration rightly is obeyed. A connection
+/// that is lost is taken up again, and a scenario that runs goes on meanwhile.
+class SimulationDevice : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Emitters = QList<std::shared_ptr<Simulation::SzenarioEmitter>>;
+
+    /// The provider is not owned and must live longer. The time between two
+    /// steps (ms) is at least 1.
+    SimulationDevice(const Simulation::SimulationDeviceConfiguration& a_configuration,
+                     Simulation::ISignalPackageProvider& a_provider, std::uint32_t a_uiStep);
+    ~SimulationDevice() override;
+
+    /// A remark about where the packages come from, for the warning that some were
+    /// replaced. Empty at first.
+    void setPackageRemark(const QString& a_sRemark) { m_sPackageRemark = a_sRemark; }
+
+    /// What is wrong with the packages, whatever the scenario: a warning with every
+    /// scenario. Empty at first.
+    void setPackageFault(const QString& a_sFault) { m_sPackageFault = a_sFault; }
+
+    void connectToService(const ServerAddress& a_server);
+
+    /// Whether the service that it is connected to has confirmed it.
+    [[nodiscard]] bool isAccepted() const { return m_bAccepted; }
+    [[nodiscard]] Simulation::ScenarioDataState state() const { return m_state.scenarioDataState(); }
+    [[nodiscard]] bool isPlaying() const { return m_bPlaying; }
+
+    /// Of the scenario that is loaded, in the order of their ids.
+    [[nodiscard]] const Emitters& emitters() const { return m_emitters; }
+    /// When the scenario ends (ms); 0 when it does not say.
+    [[nodiscard]] std::uint32_t duration() const;
+
+    /// The last deployment that was sent, as it came; empty before.
+    [[nodiscard]] const QByteArray& deployment() const { return m_deployment; }
+
+    /// Plays what the clock says is due. It does so by itself as well: this is
+    /// for whoever moves the clock.
+    void playDue();
+
+Q_SIGNALS:
+    /// One line about what happened, unless too much happens. It holds texts of
+    /// others: not fit for a terminal.
+    void told(const QString& a_sLine);
+
+    void playBegins();
+    /// The step at that scenario time (ms) is due. Times that have passed
+    /// already when it is looked are left out, but for the latest.
+    void stepDue(quint32 a_uiTime);
+
+private Q_SLOTS:
+    void slotUnreadable(const QString& a_sReason);
+
+private:
+    void slotNotConnected();
+    void slotConnected();
+    void slotDisconnected();
+    void slotAccepted(const QString& a_sId, const QString& a_sConfirmation);
+    void slotUnregistered(const QString& a_sId);
+    void connectOrders();
+    void connectRunOrders();
+    [[nodiscard]] bool obeys();
+
+    void registerDevice();
+    void reportEvent(const QString& a_sEvent);
+    void deploy(const QByteArray& a_deployment);
+    void load(const QByteArray& a_scenario);
+    void unload();
+    void setState(Simulation::ScenarioDataState a_eState);
+    void reportState();
+    void noteLoaded();
+    [[nodiscard]] QString startProblem(quint64 a_uiAhead, std::uint32_t a_uiTime) const;
+    void play(quint64 a_uiTimestamp, std::uint32_t a_uiTime);
+    void playStep();
+    void endPlay(const QString& a_sReason);
+    void wakeIn(std::uint64_t a_uiMilliseconds);
+
+    Simulation::SimulationDeviceConfiguration m_configuration;
+    PackageUse m_packages; ///< outlives the scenario
+    QString m_sPackageRemark;
+    QString m_sPackageFault;
+    const std::uint32_t m_uiStep; ///< ms
+    LogLimit m_log;
+
+    Simulation::SimulationServiceCommunication m_communication;
+    std::unique_ptr<Simulation::TcpServerConnector> m_connector;
+    bool m_bAccepted = false;
+    bool m_bToldIgnoring = false;  ///< since it was connected
+    bool m_bLoggedWaiting = false; ///< since it was connected last
+
+    Simulation::SimulationDeviceState m_state;
+    DeviceReport m_report;
+    std::unique_ptr<Simulation::ScenarioDataXml> m_scenario; ///< null unless loaded
+    Emitters m_emitters;
+    QByteArray m_deployment;
+    QSet<QString> m_jxDevices;
+
+    Simulation::ScenarioTimingHelper m_timing;
+    QTimer m_timer; ///< for the next step
+    bool m_bPlaying = false;
+    bool m_bBegun = false;                   ///< the start may be meant for later
+    std::uint64_t m_uiBegin = 0;             ///< us since 1970
+    std::uint32_t m_uiFirst = 0;             ///< scenario time of step 0, in ms
+    std::optional<std::uint32_t> m_lastStep; ///< none yet
+    std::uint32_t m_uiPlayed = 0;            ///< steps
+};
+
+} // namespace SimulationTool
+
+#endif

@@ -1,0 +1,564 @@
+#include "simulationservice.h"
+
+#include "commandkind.h"
+#include "console/valuetexts.h"
+#include "describe/devicestatetext.h"
+#include "servicepeer.h"
+
+#include "simulationdata/simulationlimits.h"
+
+#include <QHostAddress>
+#include <QTcpSocket>
+
+#include <algorithm>
+#include <utility>
+
+#include <sys/resource.h>
+
+namespace SimulationTool {
+
+namespace {
+
+using Communication = Simulation::SimulationServiceCommunication;
+using Simulation::Limits;
+using Simulation::SimulationDeviceConfiguration;
+using Simulation::SimulationDeviceState;
+
+constexpr int s_iAcceptAgain = 1000;                ///< ms
+constexpr qsizetype s_iMaxRecordBytes = 16'384;     ///< of a device, as it is listed; ordinary ones have 1000
+constexpr qsizetype s_iMaxDevices = 4096;           ///< so that the list of all is no larger than a document
+constexpr qsizetype s_iMaxCommandBytes = 1'048'576; ///< of a command without a payload
+
+constexpr int s_iBacklog = 4096;      ///< connections that wait for the process; the system's most
+constexpr int s_iAcceptedAtOnce = 32; ///< before the peers have their turn; they take 2 ms
+constexpr int s_iDroppedAtOnce = 64;
+/// Not 0: the event loop may keep such a timer waiting as long as sockets have
+/// something to read.
+constexpr std::chrono::milliseconds s_dropInterval(1);
+
+/// How many connections the process can have open, after asking for more.
+qsizetype maxPeers()
+{
+    constexpr rlim_t uiWanted = 65'536;
+    constexpr rlim_t uiMostOthers = 128; // files, and connections that wait to be taken
+    rlimit descriptors{uiWanted, uiWanted};
+    static_cast<void>(getrlimit(RLIMIT_NOFILE, &descriptors));
+    rlimit raised = descriptors;
+    raised.rlim_cur = std::min(uiWanted, descriptors.rlim_max);
+    if (raised.rlim_cur > descriptors.rlim_cur && setrlimit(RLIMIT_NOFILE, &raised) == 0) {
+        descriptors = raised;
+    }
+    const rlim_t uiOpen = std::min(uiWanted, descriptors.rlim_cur);
+    return static_cast<qsizetype>(uiOpen - std::min(uiMostOthers, uiOpen / 2));
+}
+
+/// What could not be decompressed must not take the place of what could.
+bool isUsable(ServicePeer* a_pFrom, const char* a_szName, const QByteArray& a_payload)
+{
+    if (a_payload.isEmpty()) {
+        a_pFrom->tell(
+            QStringLiteral("%1 ignored: it is empty or cannot be decompressed").arg(QLatin1String(a_szName)));
+    }
+    return !a_payload.isEmpty();
+}
+
+} // namespace
+
+SimulationService::SimulationService(std::chrono::milliseconds a_timeout)
+    : m_iMaxPeers(maxPeers())
+    , m_timeout(a_timeout)
+{
+    m_server.setListenBacklogSize(s_iBacklog);
+    m_server.setMaxPendingConnections(s_iAcceptedAtOnce);
+    connect(&m_server, &QTcpServer::newConnection, this,
+            [this] { schedule(m_bAcceptScheduled, "slotAcceptPeers"); });
+    connect(&m_server, &QTcpServer::acceptError, this, [this] { m_acceptAgain.start(s_iAcceptAgain); });
+    connect(&m_acceptAgain, &QTimer::timeout, this, [this] {
+        if (!m_bFull) {
+            m_server.resumeAccepting();
+        }
+    });
+    m_acceptAgain.setSingleShot(true);
+    connect(&m_dropLost, &QTimer::timeout, this, &SimulationService::dropLost);
+}
+
+SimulationService::~SimulationService()
+{
+    for (ServicePeer* const pPeer : std::as_const(m_peers)) {
+        pPeer->close();
+    }
+}
+
+bool SimulationService::listen(const QHostAddress& a_address, std::uint16_t a_uiPort)
+{
+    return m_server.listen(a_address, a_uiPort);
+}
+
+// Peers come and go
+
+/// Calls a slot once when the event loop has done what is at hand, however often
+/// it was asked to.
+void SimulationService::schedule(bool& a_bScheduled, const char* a_szSlot)
+{
+    if (!std::exchange(a_bScheduled, true)) {
+        QMetaObject::invokeMethod(this, a_szSlot, Qt::QueuedConnection);
+    }
+}
+
+void SimulationService::slotAcceptPeers()
+{
+    m_bAcceptScheduled = false;
+    while (QTcpSocket* const pSocket = m_server.nextPendingConnection()) {
+        addPeer(pSocket);
+    }
+    pauseIfFull();
+}
+
+void SimulationService::addPeer(QTcpSocket* a_pSocket)
+{
+    auto* const pPeer = new ServicePeer(a_pSocket, m_pPending, m_timeout, this);
+    m_peers.append(pPeer);
+    connect(pPeer, &ServicePeer::told, this, &SimulationService::told);
+    connect(pPeer, &ServicePeer::lost, this, [this, pPeer](const QString& a_sReason) {
+        m_lost.push_back({pPeer, a_sReason});
+        if (!m_dropLost.isActive()) {
+            m_dropLost.start(s_dropInterval);
+        }
+    });
+    // Not at once: whoever sends to many peers must not lose some meanwhile.
+    connect(pPeer, &ServicePeer::pendingGrew, this, [this] {
+        if (isPendingExceeded()) {
+            schedule(m_bBoundScheduled, "slotBoundPending");
+        }
+    });
+    pPeer->communication().setCommandFilter([this, pPeer](const QString& a_sCommand, qsizetype a_iBytes) {
+        return accepts(*pPeer, a_sCommand, a_iBytes);
+    });
+    connectDevice(pPeer);
+    connectController(pPeer);
+    connectOrders(pPeer);
+    pPeer->tell(QStringLiteral("connected"));
+}
+
+/// Before the process runs out of descriptors: then the server would be told
+/// again and again of a connection that it cannot accept.
+void SimulationService::pauseIfFull()
+{
+    if (m_peers.size() >= m_iMaxPeers && !std::exchange(m_bFull, true)) {
+        m_server.pauseAccepting();
+        Q_EMIT told(
+            QStringLiteral("no more connections are accepted until one of %1 ends").arg(m_peers.size()));
+    }
+}
+
+void SimulationService::connectDevice(ServicePeer* a_pPeer)
+{
+    const Communication* const pFrom = &a_pPeer->communication();
+    connect(pFrom, &Communication::registerSimulationDevice, this,
+            [this, a_pPeer](const QString& a_sId, const SimulationDeviceConfiguration& a_device) {
+                registerDevice(a_pPeer, a_sId, a_device);
+            });
+    connect(pFrom, &Communication::simulationDeviceStateUpdate, this,
+            [this, a_pPeer](const QString& a_sId, const SimulationDeviceState& a_state) {
+                updateState(a_pPeer, a_sId, a_state);
+            });
+    connect(pFrom, &Communication::unregisterSimulationDevice, this,
+            [this, a_pPeer](const QString& a_sId) { unregisterDevice(a_pPeer, a_sId); });
+}
+
+void SimulationService::connectController(ServicePeer* a_pPeer)
+{
+    const Communication* const pFrom = &a_pPeer->communication();
+    connect(pFrom, &Communication::commandAcquireServer, this, [this, a_pPeer] { acquire(a_pPeer); });
+    connect(pFrom, &Communication::commandReleaseServer, this, [this, a_pPeer] { release(a_pPeer); });
+    connect(pFrom, &Communication::commandRequestSimulationDevices, this, [this, a_pPeer] {
+        answer(a_pPeer, {false, 1});
+    });
+    connect(pFrom, &Communication::loadScenario, this,
+            [this, a_pPeer](const QByteArray& a_scenario) { loadScenario(a_pPeer, a_scenario); });
+}
+
+void SimulationService::connectOrders(ServicePeer* a_pPeer)
+{
+    const Communication* const pFrom = &a_pPeer->communication();
+    // Passes an order on, and keeps it for devices that come late.
+    const auto order = [this, a_pPeer](const char* a_szName, OutgoingCommandPtr* a_pKept,
+                                       const CommandSender& a_send) {
+        const OutgoingCommandPtr pCommand = passOn(a_pPeer, QLatin1String(a_szName), a_send);
+        if (pCommand != nullptr && a_pKept != nullptr) {
+            *a_pKept = pCommand;
+        }
+        return pCommand != nullptr;
+    };
+    connect(pFrom, &Communication::loadDeployment, this,
+            [this, a_pPeer, order](const QByteArray& a_deployment) {
+                if (isUsable(a_pPeer, "deployment", a_deployment)) {
+                    order("deployment", &m_deployment,
+                          [&](Communication& a_to) { a_to.sendLoadDeployment(a_deployment); });
+                }
+            });
+    connect(pFrom, &Communication::unloadScenario, this, [this, order] {
+        if (order("unload", nullptr, &Communication::sendUnloadScenario)) {
+            m_scenario.reset();
+            m_run.reset();
+        }
+    });
+    connect(pFrom, &Communication::startScenario, this, [this, order](quint64 a_uiTimestamp, uint a_uiTime) {
+        order("start", &m_run, [&](Communication& a_to) { a_to.sendStartScenario(a_uiTimestamp, a_uiTime); });
+    });
+    connect(pFrom, &Communication::pauseScenario, this, [this, order](uint a_uiTime) {
+        order("pause", &m_run, [&](Communication& a_to) { a_to.sendPauseScenario(a_uiTime); });
+    });
+    connect(pFrom, &Communication::stopScenario, this, [this, order] {
+        if (order("stop", nullptr, &Communication::sendStopScenario)) {
+            m_run.reset();
+        }
+    });
+    connect(pFrom, &Communication::testModeOn, this, [this, order](bool a_bOn) {
+        order("test mode", &m_testMode, [&](Communication& a_to) { a_to.sendTestModeOn(a_bOn); });
+    });
+    connect(pFrom, &Communication::addJxDevice, this,
+            [a_pPeer, order](const QString& a_sId, const QByteArray& a_definition) {
+                if (isUsable(a_pPeer, "new Jx device", a_definition)) {
+                    order("new Jx device", nullptr,
+                          [&](Communication& a_to) { a_to.sendAddJxDevice(a_sId, a_definition); });
+                }
+            });
+    connect(pFrom, &Communication::removeJxDevice, this, [order](const QString& a_sId) {
+        order("removal of a Jx device", nullptr,
+              [&](Communication& a_to) { a_to.sendRemoveJxDevice(a_sId); });
+    });
+}
+
+/// A few at a time: thousands may leave at once, and the others are served
+/// meanwhile.
+void SimulationService::dropLost()
+{
+    for (int i = 0; i < s_iDroppedAtOnce && !m_lost.empty(); ++i) {
+        const LostPeer lost = std::move(m_lost.front());
+        m_lost.pop_front();
+        if (lost.peer != nullptr) {
+            drop(lost.peer, lost.reason);
+        }
+    }
+    if (m_lost.empty()) {
+        m_dropLost.stop();
+    }
+}
+
+void SimulationService::drop(ServicePeer* a_pPeer, const QString& a_sReason)
+{
+    if (!m_peers.removeOne(a_pPeer)) {
+        return; // dropped already
+    }
+    a_pPeer->tell(a_sReason.isEmpty() ? QStringLiteral("left") : QStringLiteral("dropped: ") + a_sReason,
+                  true);
+    const QSet<QString> ids = a_pPeer->deviceIds();
+    for (const QString& sId : ids) {
+        unregisterDevice(a_pPeer, sId);
+    }
+    release(a_pPeer);
+    a_pPeer->close();
+    a_pPeer->deleteLater(); // this may be a slot on its own signals
+    if (std::exchange(m_bFull, false)) {
+        m_server.resumeAccepting();
+    }
+}
+
+/// Whether a command is to be decoded at all: with a payload it may take much
+/// time and memory.
+bool SimulationService::accepts(ServicePeer& a_peer, const QString& a_sCommand, qsizetype a_iBytes) const
+{
+    const CommandKind eKind = commandKind(a_sCommand);
+    if (eKind == CommandKind::Useless) {
+        return false;
+    }
+    if (eKind != CommandKind::Request && controller() != &a_peer) {
+        a_peer.tell(a_sCommand + QStringLiteral(" ignored: it does not control"));
+        return false;
+    }
+    if (eKind != CommandKind::OrderWithPayload && a_iBytes > s_iMaxCommandBytes) {
+        a_peer.tell(QStringLiteral("%1 ignored: it has %2 bytes, more than %3")
+                        .arg(a_sCommand, QString::number(a_iBytes), QString::number(s_iMaxCommandBytes)));
+        return false;
+    }
+    return true;
+}
+
+/// The deployment and the scenario are kept anyway, whoever waits for them.
+bool SimulationService::isPendingExceeded() const
+{
+    qint64 iPending = *m_pPending;
+    for (const OutgoingCommandPtr& pKept : {m_deployment, m_scenario}) {
+        iPending -= pKept != nullptr && pKept->isWaiting() ? pKept->bytes().size() : 0;
+    }
+    return iPending > 0 && static_cast<quint64>(iPending) > Limits::value(Limits::AllPendingBytes);
+}
+
+/// Drops the peers with the most, until the others are within the bound.
+void SimulationService::slotBoundPending()
+{
+    m_bBoundScheduled = false;
+    while (isPendingExceeded() && !m_peers.isEmpty()) {
+        ServicePeer* const pMost = *std::max_element(
+            m_peers.cbegin(), m_peers.cend(), [](const ServicePeer* a_pLeft, const ServicePeer* a_pRight) {
+                return a_pLeft->pendingBytes() < a_pRight->pendingBytes();
+            });
+        if (pMost->pendingBytes() == 0) {
+            return; // nobody is to blame
+        }
+        drop(pMost,
+             QStringLiteral("%1, most of them by it: %2")
+                 .arg(Limits::exceeded(Limits::AllPendingBytes), QString::number(pMost->pendingBytes())));
+    }
+}
+
+// What devices say
+
+void SimulationService::registerDevice(ServicePeer* a_pPeer, const QString& a_sId,
+                                       const SimulationDeviceConfiguration& a_configuration)
+{
+    if (const QString sProblem = registrationProblem(a_sId, a_configuration); !sProblem.isEmpty()) {
+        drop(a_pPeer, sProblem);
+        return;
+    }
+    const bool bFirst = !a_pPeer->isDevice();
+    Device& device = m_devices[a_sId];
+    ServicePeer* const pFormer = std::exchange(device.peer, a_pPeer);
+    SimulationDeviceConfiguration listed = a_configuration;
+    listed.setId(a_sId); // under which it is looked for, whatever its record says
+    if (pFormer == nullptr || listed.toXml() != device.configuration.toXml()) {
+        device.configuration = listed;
+        m_deviceList.reset();
+    }
+    if (pFormer != a_pPeer) {
+        setState(a_sId, device, SimulationDeviceState());
+        a_pPeer->deviceIds().insert(a_sId);
+        a_pPeer->tell(QStringLiteral("device %1 registered").arg(a_sId));
+    }
+    const QString sConfirmation = Communication::createConfirmation(a_configuration);
+    a_pPeer->report(QStringLiteral("confirmation ") + a_sId, encoded([&](Communication& a_to) {
+                        a_to.sendAcceptSimulationDevice(a_sId, sConfirmation);
+                    }));
+    if (bFirst) {
+        for (const OutgoingCommandPtr& pCommand : {m_deployment, m_scenario, m_testMode, m_run}) {
+            a_pPeer->send(pCommand);
+        }
+    }
+    if (pFormer != nullptr && pFormer != a_pPeer) {
+        takeOver(a_sId, pFormer);
+    }
+}
+
+QString SimulationService::registrationProblem(const QString& a_sId,
+                                               const SimulationDeviceConfiguration& a_configuration) const
+{
+    if (a_sId.isEmpty()) {
+        return QStringLiteral("it registers a device without an id");
+    }
+    SimulationDeviceConfiguration listed = a_configuration;
+    listed.setId(a_sId);
+    // As it is sent: escaped in the list, and the id in attributes.
+    const qsizetype iBytes = encodedCommand([&](Communication& a_to) {
+                                 a_to.sendResponseSimulationDevices({listed});
+                                 a_to.sendSimulationDeviceStateUpdate(a_sId, SimulationDeviceState());
+                             }).size();
+    if (iBytes == 0 || iBytes > s_iMaxRecordBytes) {
+        return QStringLiteral("it registers a device with a record of %1 bytes, more than %2")
+            .arg(QString::number(iBytes), QString::number(s_iMaxRecordBytes));
+    }
+    return m_devices.size() < s_iMaxDevices || m_devices.contains(a_sId)
+               ? QString()
+               : QStringLiteral("there are %1 devices already").arg(s_iMaxDevices);
+}
+
+/// The former owner of an id stays connected: if it came back at once, the two
+/// would take the id from each other for ever.
+void SimulationService::takeOver(const QString& a_sId, ServicePeer* a_pFrom)
+{
+    a_pFrom->deviceIds().remove(a_sId);
+    a_pFrom->tell(QStringLiteral("device %1 was registered by another").arg(a_sId));
+    a_pFrom->send(encoded([&](Communication& a_to) { a_to.sendUnregisterSimulationDevice(a_sId); }));
+}
+
+void SimulationService::unregisterDevice(ServicePeer* a_pPeer, const QString& a_sId)
+{
+    if (!a_pPeer->deviceIds().remove(a_sId)) {
+        return;
+    }
+    m_devices.remove(a_sId);
+    m_deviceList.reset();
+    a_pPeer->tell(QStringLiteral("device %1 unregistered").arg(a_sId), !m_peers.contains(a_pPeer));
+}
+
+void SimulationService::updateState(ServicePeer* a_pPeer, const QString& a_sId,
+                                    const SimulationDeviceState& a_state)
+{
+    if (!a_pPeer->deviceIds().contains(a_sId)) {
+        a_pPeer->tell(QStringLiteral("state of device %1 ignored: not registered by it").arg(a_sId));
+        return;
+    }
+    Device& device = m_devices[a_sId];
+    if (device.state.scenarioDataState() != a_state.scenarioDataState() ||
+        device.state.message() != a_state.message()) {
+        const QString sMessage =
+            a_state.message().isEmpty() ? QString() : QStringLiteral(", ") + a_state.message();
+        a_pPeer->tell(
+            QStringLiteral("device %1: %2").arg(a_sId, stateText(a_state.scenarioDataState()) + sMessage));
+        setState(a_sId, device, a_state);
+    }
+    if (ServicePeer* const pController = controller()) {
+        sendState(pController, a_sId, device);
+    }
+}
+
+void SimulationService::setState(const QString& a_sId, Device& a_device,
+                                 const SimulationDeviceState& a_state) const
+{
+    a_device.state = a_state;
+    a_device.stateUpdate =
+        encoded([&](Communication& a_to) { a_to.sendSimulationDeviceStateUpdate(a_sId, a_state); });
+}
+
+void SimulationService::sendState(ServicePeer* a_pPeer, const QString& a_sId, const Device& a_device)
+{
+    a_pPeer->report(QStringLiteral("state ") + a_sId, a_device.stateUpdate);
+}
+
+// What controllers say
+
+ServicePeer* SimulationService::controller() const
+{
+    return m_controllers.isEmpty() ? nullptr : m_controllers.constLast();
+}
+
+void SimulationService::acquire(ServicePeer* a_pPeer)
+{
+    if (controller() != a_pPeer) {
+        m_controllers.removeAll(a_pPeer);
+        m_controllers.append(a_pPeer);
+        a_pPeer->tell(QStringLiteral("controls"));
+        answer(a_pPeer, {true, 0});
+    }
+}
+
+/// The first answer to a peer leaves at once. What it asks for after that waits
+/// until the event loop has done what is at hand: a peer that asks again and again
+/// makes all the states be gathered once, and the list of the devices be made once.
+void SimulationService::answer(ServicePeer* a_pPeer, const Answer& a_answer)
+{
+    if (const auto it = m_answers.find(a_pPeer); it != m_answers.end()) {
+        it->report = it->report || a_answer.report;
+        it->lists += a_answer.lists;
+        return;
+    }
+    m_answers.insert(a_pPeer, {});
+    schedule(m_bAnswerScheduled, "slotAnswer");
+    sendAnswer(a_pPeer, a_answer);
+}
+
+void SimulationService::slotAnswer()
+{
+    m_bAnswerScheduled = false;
+    const QHash<ServicePeer*, Answer> answers = std::exchange(m_answers, {});
+    for (auto it = answers.cbegin(); it != answers.cend(); ++it) {
+        if (m_peers.contains(it.key())) { // else it was dropped meanwhile
+            sendAnswer(it.key(), *it);
+        }
+    }
+}
+
+void SimulationService::sendAnswer(ServicePeer* a_pPeer, const Answer& a_answer)
+{
+    // The controller is sent the states as they change, and a device needs none.
+    const bool bLooksOn = !a_pPeer->isDevice() && controller() != a_pPeer;
+    if (a_answer.report || (bLooksOn && a_answer.lists > 0)) {
+        report(a_pPeer);
+    }
+    for (int i = 0; i < a_answer.lists; ++i) {
+        a_pPeer->send(deviceList());
+    }
+}
+
+/// Sends the states of the devices, and the run of the scenario.
+void SimulationService::report(ServicePeer* a_pPeer)
+{
+    for (auto it = m_devices.cbegin(); it != m_devices.cend(); ++it) {
+        sendState(a_pPeer, it.key(), *it);
+    }
+    // A device has been told already whether the scenario runs.
+    if (!a_pPeer->isDevice()) {
+        a_pPeer->report(QStringLiteral("run"), m_run);
+    }
+}
+
+void SimulationService::release(ServicePeer* a_pPeer)
+{
+    const bool bControlled = controller() == a_pPeer;
+    m_controllers.removeAll(a_pPeer);
+    if (!bControlled) {
+        return;
+    }
+    a_pPeer->tell(QStringLiteral("controls no more"));
+    if (ServicePeer* const pBefore = controller()) {
+        pBefore->tell(QStringLiteral("controls again"));
+        answer(pBefore, {true, 0});
+    }
+}
+
+const OutgoingCommandPtr& SimulationService::deviceList()
+{
+    if (m_deviceList == nullptr) {
+        QVector<SimulationDeviceConfiguration> devices;
+        for (const Device& device : std::as_const(m_devices)) {
+            devices.append(device.configuration);
+        }
+        m_deviceList = encoded([&](Communication& a_to) { a_to.sendResponseSimulationDevices(devices); });
+    }
+    return m_deviceList;
+}
+
+/// Gives the command, or null when it was not passed on.
+OutgoingCommandPtr SimulationService::passOn(ServicePeer* a_pPeer, const QString& a_sOrder,
+                                             const CommandSender& a_send)
+{
+    OutgoingCommandPtr pCommand = encoded(a_send);
+    if (pCommand == nullptr) {
+        a_pPeer->tell(a_sOrder + QStringLiteral(" ignored: it is too large to be passed on"));
+        return nullptr;
+    }
+    a_pPeer->tell(QStringLiteral("%1 passed on to %2")
+                      .arg(a_sOrder, counted(static_cast<quint64>(m_devices.size()), "device")));
+    for (ServicePeer* const pEach : std::as_const(m_peers)) {
+        if (pEach->isDevice()) {
+            pEach->send(pCommand);
+        }
+    }
+    return pCommand;
+}
+
+void SimulationService::loadScenario(ServicePeer* a_pPeer, const QByteArray& a_scenario)
+{
+    if (!isUsable(a_pPeer, "scenario", a_scenario)) {
+        return;
+    }
+    // The devices' former states say nothing of this scenario, and they stop.
+    const OutgoingCommandPtr pCommand = passOn(
+        a_pPeer, QStringLiteral("scenario"), [&](Communication& a_to) { a_to.sendLoadScenario(a_scenario); });
+    if (pCommand != nullptr) {
+        m_scenario = pCommand;
+        m_run.reset();
+        for (auto it = m_devices.begin(); it != m_devices.end(); ++it) {
+            setState(it.key(), *it, SimulationDeviceState());
+        }
+    }
+}
+
+/// Null when it is larger than any peer accepts.
+OutgoingCommandPtr SimulationService::encoded(const CommandSender& a_send) const
+{
+    QByteArray bytes = encodedCommand(a_send);
+    return bytes.isEmpty() ? nullptr : std::make_shared<OutgoingCommand>(std::move(bytes), m_pPending);
+}
+
+} // namespace SimulationTool
