@@ -23,8 +23,8 @@ bool isElement(pugi::xml_node a_node)
     return a_node.type() == pugi::node_element;
 }
 
-/// The node or the first behind it that is an element of that name; an empty
-/// name is any.
+/// The node, or the first sibling after it, that is an element of that name; an
+/// empty name matches any element.
 pugi::xml_node elementFrom(pugi::xml_node a_node, const QString& a_sName)
 {
     const QByteArray name = a_sName.toUtf8();
@@ -50,17 +50,19 @@ QByteArray ownText(pugi::xml_node a_element)
     return text;
 }
 
-/// Whether the text is ASCII that XML allows, and needs no cleaning.
+/// Whether the text consists of ASCII characters that XML allows, so that it needs
+/// no cleaning.
 bool isCleanAscii(const QByteArray& a_text)
 {
-    constexpr signed char cFirstPrintable = 0x20; // beyond ASCII all are negative
+    constexpr signed char cFirstPrintable = 0x20; // bytes beyond ASCII are negative
     return std::all_of(a_text.cbegin(), a_text.cend(), [](char a_cByte) {
         return static_cast<signed char>(a_cByte) >= cFirstPrintable || a_cByte == '\n' || a_cByte == '\r' ||
                a_cByte == '\t';
     });
 }
 
-/// What can be said against the text before it is parsed; empty when nothing.
+/// Checks the text before it is parsed. Returns the error text, empty when there is
+/// none, and then sets `*a_pRoot` to the bytes of the root element.
 QString objection(QByteArrayView a_text, QByteArrayView* a_pRoot)
 {
     XmlScanner scanner;
@@ -77,7 +79,7 @@ QString objection(QByteArrayView a_text, QByteArrayView* a_pRoot)
     return {};
 }
 
-/// Null with a reason when the bytes are refused.
+/// Null with the error text when the bytes are refused.
 std::shared_ptr<pugi::xml_document> load(const QByteArray& a_bytes, QString* a_pError)
 {
     if (!checkDocumentBytes(a_bytes.size(), a_pError)) {
@@ -93,7 +95,7 @@ std::shared_ptr<pugi::xml_document> load(const QByteArray& a_bytes, QString* a_p
     if (!a_pError->isEmpty()) {
         return nullptr;
     }
-    // The parser sees the root only: what stands around it is judged already.
+    // The parser gets the root element only: what surrounds it is checked already.
     auto pDocument = std::make_shared<pugi::xml_document>();
     const pugi::xml_parse_result result = pDocument->load_buffer(
         root.data(), static_cast<std::size_t>(root.size()), s_uiParseFlags, pugi::encoding_utf8);
@@ -183,7 +185,7 @@ void XmlElement::setChildUtf8(const QString& a_sName, const QByteArray& a_text)
 
 QString XmlElement::attribute(const QString& a_sName) const
 {
-    // A NUL inside would end the name where it is compared.
+    // The comparison would end at a NUL inside the name.
     const QByteArray name = a_sName.toUtf8();
     const pugi::xml_attribute attribute =
         isXmlName(name) ? pugi::xml_node(m_pNode).attribute(name.constData()) : pugi::xml_attribute();

@@ -15,50 +15,58 @@ namespace Simulation {
 
 class XmlDocumentReader;
 
-/// One kind of document: how it is recognised, and what is the same for all
-/// kinds when one is read or written. What a reading operation takes as
-/// `a_pError` is the document's error text: set with false after one trace,
-/// "line 3, column 7: reason" where there is a place.
+/// One kind of document, recognised by its root element, and what all kinds have in
+/// common when they are read and written. An operation that fails returns false or
+/// no value, writes one trace and sets `*a_pError` to the error text: "line 3,
+/// column 7: reason" when the place is known. An object never changes, so any
+/// thread may use it.
 class DocumentKind
 {
 public:
-    /// Whether what has been written so far is still short enough to be read
-    /// back; false after one trace.
+    /// Whether the text written so far is still within Limits::DocumentBytes, so
+    /// that it can be read back; false after one trace.
     using StillReadable = std::function<bool()>;
 
-    /// `a_szSource` and `a_sName` ("Scenario") stand in traces.
+    /// `a_szSource` and `a_sName` ("Scenario") are shown in traces; `a_sRoot` is
+    /// the name of the root element.
     DocumentKind(const char* a_szSource, const QString& a_sName, const QString& a_sRoot);
 
-    /// Everything that a file or an open device holds; nothing when it is refused.
+    /// The whole content of a file or of an open device; no value when it is
+    /// refused.
     [[nodiscard]] std::optional<QByteArray> load(const QString& a_sFile, QString* a_pError) const;
     [[nodiscard]] std::optional<QByteArray> load(QIODevice* a_pDevice, QString* a_pError) const;
 
-    /// Calls `a_readRoot` with the reader on the start of the root element, once
-    /// that is known to be the right one; what it returns, if anything, kept it
-    /// from reading everything. False, without the call, when there is no such
-    /// root. The error text is empty when the document was read whole.
+    /// Calls `a_readRoot` with the reader on the start of the root element, after
+    /// checking that element's name. `a_readRoot` returns the error that kept it
+    /// from reading everything, or an empty string.
+    ///
+    /// False, without the call, when there is no such root element. True otherwise,
+    /// even when the document broke off: then the error text is set after one
+    /// trace. It is empty when the whole document was read.
     [[nodiscard]] bool read(const QByteArray& a_xml, QString* a_pError,
                             const std::function<QString(QXmlStreamReader&)>& a_readRoot) const;
 
     /// Sets the error text, and returns false.
     bool refuse(const QString& a_sReason, QString* a_pError) const;
 
-    /// The document whose root element holds what `a_writeRoot` writes, which
-    /// asks between objects whether to go on. Empty, after one trace, when that
-    /// is more than a reader accepts.
+    /// The document with what `a_writeRoot` writes as the content of the root
+    /// element. `a_writeRoot` checks between objects with its second argument
+    /// whether the text is still short enough, and returns false to give up. Empty,
+    /// after one trace, when the text exceeds Limits::DocumentBytes.
     [[nodiscard]] QByteArray
     text(const std::function<bool(QXmlStreamWriter&, const StillReadable&)>& a_writeRoot) const;
 
-    /// The document as it is, with the error text of its writing: that it is too
-    /// long when it is empty, else the text of SharedIds, after one trace when
-    /// there is one.
+    /// Returns the document unchanged and sets the error text of writing it: the
+    /// exceeded limit when the document is empty, else `a_sSharedIds`. That text
+    /// lists the ids that several objects share and is traced unless it is empty.
     [[nodiscard]] QByteArray finished(const QByteArray& a_xml, const QString& a_sSharedIds,
                                       QString* a_pError) const;
 
-    /// Writes the bytes to the device; a failure is traced and sets the error text.
+    /// Writes the bytes to the device. A failure is traced and sets the error text;
+    /// success leaves it unchanged.
     void write(QIODevice* a_pDevice, const QByteArray& a_xml, QString* a_pError) const;
 
-    /// Whether a reader accepts a text of that size; false after one trace.
+    /// Whether a document of that size can be read back; false after one trace.
     [[nodiscard]] bool isReadable(qint64 a_iBytes) const;
 
 private:
@@ -69,9 +77,9 @@ private:
     QString m_sRoot;
 };
 
-/// Reads what follows the root; tells what kept the document from being read
-/// whole, the document's own fault before that of what it was read into. Empty
-/// when nothing did.
+/// Reads what follows the root element and returns the error that kept the document
+/// from being read whole: an error of the XML text, else `a_sFault`, the error of
+/// what was read from it. Empty when there is none.
 [[nodiscard]] QString faultOf(XmlDocumentReader& a_document, const QString& a_sFault);
 
 } // namespace Simulation

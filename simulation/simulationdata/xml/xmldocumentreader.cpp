@@ -12,8 +12,8 @@ XmlDocumentReader::XmlDocumentReader(const QString& a_sText)
 
 XmlDocumentReader::XmlDocumentReader(const QByteArray& a_data)
 {
-    // Our names carry no prefixes, and looking one up costs time in proportion
-    // to the declarations that a document chooses to make.
+    // Our names have no prefixes. Resolving a prefix takes time in proportion to
+    // the number of namespace declarations, which the document chooses.
     m_stream.setNamespaceProcessing(false);
 
     if (!checkDocumentBytes(a_data.size(), &m_sRefusal)) {
@@ -41,7 +41,7 @@ void XmlDocumentReader::readToEnd()
 QString XmlDocumentReader::errorString() const
 {
     if (!m_stream.hasError()) {
-        // What was cut off may have stood behind the root element.
+        // The text that was cut off may have followed the root element.
         return m_stream.atEnd() ? m_sRefusal : QString();
     }
     const bool bCutShort = m_stream.error() == QXmlStreamReader::PrematureEndOfDocumentError;

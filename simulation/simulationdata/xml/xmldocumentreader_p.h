@@ -7,27 +7,29 @@
 
 namespace Simulation {
 
-/// A stream reader over one whole document whose bytes nobody has checked. The
-/// text is decoded and measured against the limits first; beyond one of them
-/// the document breaks off, just as if it had ended there.
+/// A stream reader over one whole document from an untrusted source. The text is
+/// decoded and checked against the limits first. Where it exceeds a limit it is cut
+/// off, as if the document ended there. One object is used by one thread at a time.
 class XmlDocumentReader
 {
 public:
     explicit XmlDocumentReader(const QByteArray& a_data);
-    /// Of a text that is decoded already, whatever encoding it declares.
+    /// Reads text that is already decoded; an encoding in its declaration is
+    /// ignored.
     explicit XmlDocumentReader(const QString& a_sText);
 
     [[nodiscard]] QXmlStreamReader& stream() { return m_stream; }
 
-    /// Reads what follows the root element: nothing but comments may.
+    /// Reads what follows the root element, where only comments and processing
+    /// instructions are allowed.
     void readToEnd();
 
-    /// Where and why the document broke off, "line 3, column 7: reason"; empty
-    /// when all that was read so far is well.
+    /// Where and why the document broke off, "line 3, column 7: reason"; empty when
+    /// everything read so far is valid.
     [[nodiscard]] QString errorString() const;
 
 private:
-    QString m_sRefusal; ///< what made the text end early, with its place
+    QString m_sRefusal; ///< why the text was cut off, with its place
     QXmlStreamReader m_stream;
 };
 

@@ -15,7 +15,7 @@ constexpr char16_t s_cByteOrderMark = 0xFEFF;
 constexpr unsigned char s_ucFirstNonAscii = 0x80;
 constexpr int s_iLongestCharacter = 4;
 
-/// The "encoding" of an XML declaration.
+/// The "encoding" attribute of an XML declaration.
 struct DeclaredEncoding
 {
     qsizetype offset = 0; ///< of the word "encoding"
@@ -31,7 +31,7 @@ qsizetype skipBlanks(QByteArrayView a_bytes, qsizetype a_iFrom)
     return a_iFrom;
 }
 
-/// Reads the declaration loosely: what is wrong with it is the parser's to say.
+/// Reads the declaration loosely: the parser reports what is invalid in it.
 DeclaredEncoding declaredEncoding(QByteArrayView a_bytes)
 {
     constexpr QByteArrayView opening("<?xml");
@@ -80,7 +80,7 @@ bool is(const QByteArray& a_name, QByteArrayView a_expected)
     return a_name.compare(a_expected, Qt::CaseInsensitive) == 0;
 }
 
-/// The bytes before a fault, which the error text places.
+/// The bytes before an invalid one, whose place the error text gives.
 QByteArray cutAt(const QByteArray& a_bytes, qsizetype a_iOffset, const QString& a_sReason, QString* a_pError)
 {
     *a_pError = xmlErrorText(advanced({}, QByteArrayView(a_bytes).first(a_iOffset)), a_sReason);
@@ -93,10 +93,12 @@ bool isContinuation(char a_cByte)
     return (static_cast<unsigned char>(a_cByte) & ucMask) == s_ucFirstNonAscii;
 }
 
-/// Whether the bytes begin a character of UTF-8 and end before it does.
+/// Whether the bytes are the start of a UTF-8 character whose other bytes are
+/// missing.
 bool isCutOff(QByteArrayView a_bytes)
 {
-    constexpr unsigned char leads[] = {0xC2, 0xE0, 0xF0, 0xF5}; // of 2, 3 and 4 bytes; none
+    constexpr unsigned char leads[] = {0xC2, 0xE0, 0xF0,
+                                       0xF5}; // first lead byte for 2, 3, 4 bytes; past them
     if (a_bytes.isEmpty()) {
         return true;
     }
@@ -106,8 +108,8 @@ bool isCutOff(QByteArrayView a_bytes)
            std::all_of(a_bytes.begin() + 1, a_bytes.end(), isContinuation);
 }
 
-/// The offset of the first byte that is not UTF-8, or -1. A character that the
-/// end cuts off passes.
+/// The offset of the first byte that is not valid UTF-8, or -1. A character that
+/// the end of the text cuts off counts as valid.
 qsizetype firstInvalidByte(QByteArrayView a_bytes)
 {
     if (a_bytes.isValidUtf8()) {
@@ -157,7 +159,8 @@ QByteArray checkedAscii(const QByteArray& a_bytes, QString* a_pError)
                            0);
 }
 
-/// Decodes by the declaration, where no mark tells.
+/// Decodes a text without byte-order mark in the encoding that its declaration
+/// names.
 QByteArray decodedAsDeclared(const QByteArray& a_bytes, QString* a_pError)
 {
     const DeclaredEncoding declared = declaredEncoding(a_bytes);
@@ -168,8 +171,9 @@ QByteArray decodedAsDeclared(const QByteArray& a_bytes, QString* a_pError)
     if (is(declared.name, "US-ASCII") || is(declared.name, "ASCII")) {
         return checkedAscii(a_bytes, a_pError);
     }
-    // The declaration could be read bytewise, so wide characters are a false
-    // claim; the encoding of the machine is no encoding of a document.
+    // The declaration was read byte by byte, so a declared encoding with wider
+    // characters must be wrong. The name of the system's locale encoding does not
+    // identify an encoding either.
     if (eEncoding != QStringConverter::Latin1) {
         return cutAt(
             a_bytes, 0,
@@ -197,8 +201,8 @@ struct Range
     char32_t last;
 };
 
-/// Extensible Markup Language 1.0, fifth edition, productions 4 and 4a, beyond
-/// ASCII.
+/// The characters beyond ASCII that may begin a name, and those that may also
+/// follow: Extensible Markup Language 1.0, fifth edition, productions 4 and 4a.
 constexpr std::array<Range, 12> s_nameStarts{{{0xC0, 0xD6},
                                               {0xD8, 0xF6},
                                               {0xF8, 0x2FF},
@@ -221,7 +225,7 @@ bool contains(const std::array<Range, Size>& a_ranges, char32_t a_cCode)
     });
 }
 
-/// The bytes of the name character at the start, 0 when there is none.
+/// The length (bytes) of the name character at the start, 0 when there is none.
 int nameCharacterLength(QByteArrayView a_bytes, bool a_bFirst)
 {
     const char c = a_bytes[0];
@@ -245,7 +249,7 @@ Utf8Character firstUtf8Character(QByteArrayView a_bytes)
     {
         unsigned char mask;
         unsigned char lead;
-        char32_t first; ///< smaller codes are too long this way
+        char32_t first; ///< smaller codes have a shorter form
     };
     constexpr Form forms[] = {
         {0x80, 0x00, 0}, {0xE0, 0xC0, 0x80}, {0xF0, 0xE0, 0x800}, {0xF8, 0xF0, 0x10000}};

@@ -9,7 +9,7 @@
 
 namespace Simulation {
 
-/// A decoded character; length 0 (bytes) when the bytes are no UTF-8.
+/// A decoded character; length (bytes) is 0 when the bytes are not UTF-8.
 struct Utf8Character
 {
     char32_t code = 0;
@@ -22,41 +22,42 @@ struct Utf8Character
 /// Whether XML 1.0 allows the character.
 [[nodiscard]] bool isXmlCharacter(char32_t a_cCode);
 
-/// The bytes of the UTF-8 byte-order mark at the start: 3 or 0.
+/// The size (bytes) of a UTF-8 byte-order mark at the start: 3, or 0 when there is
+/// none.
 [[nodiscard]] qsizetype utf8MarkBytes(QByteArrayView a_bytes);
 
-/// The XML text as UTF-8, which its byte-order mark and its declaration name.
-/// A mark wins over the declaration.
+/// Decodes an XML text to UTF-8. The encoding is that of its byte-order mark or of
+/// the pattern of zero bytes at its start, else the declared one, else UTF-8.
 ///
-/// A text that is UTF-8 already is given back as it is, its mark included and
-/// sharing its bytes. Otherwise it is decoded, without a mark, and the encoding
-/// in its declaration is replaced by blanks, so that a parser believes neither
-/// and columns stay.
+/// A text that is UTF-8 already is returned unchanged, sharing its bytes and
+/// including its mark. Any other text is returned without a mark, and the encoding
+/// in its declaration is replaced by blanks, so that a parser takes it as UTF-8 and
+/// columns do not shift.
 ///
-/// `*a_pError` is empty when all is well. Otherwise it says why and where
-/// ("line 3, column 7: ..."), and only the text before the fault is given:
-/// nothing at all when the encoding is unknown or wide. Bytes of a character
-/// that the end of the text cuts off are not judged: a document that breaks off
-/// is the parser's to report.
+/// `*a_pError` is empty on success. Otherwise it is the error text with its place
+/// ("line 3, column 7: ..."), and only the text before the error is returned: none
+/// when the encoding is unknown or its characters are wider than one byte. A
+/// character that the end of the text cuts off is not an error here, because the
+/// parser reports a document that breaks off.
 [[nodiscard]] QByteArray toUtf8Xml(const QByteArray& a_bytes, QString* a_pError);
 
-/// The bytes of the UTF-8 text that make a name of XML 1.0, colons included,
-/// 0 when there is none. `a_bFirst`: the first character must be one that may
-/// begin a name.
+/// The length (bytes) of the XML 1.0 name, colons included, at the start of the
+/// UTF-8 text; 0 when there is none. `a_bFirst`: the first character must be one
+/// that may begin a name.
 [[nodiscard]] qsizetype xmlNameLength(QByteArrayView a_bytes, bool a_bFirst = true);
 
-/// Whether the whole text is a name.
+/// Whether the whole text is one XML 1.0 name.
 [[nodiscard]] bool isXmlName(QByteArrayView a_text);
 
-/// A place in an XML text as people count it: both from 1, the column in
-/// characters of UTF-8.
+/// A place in an XML text. Both numbers count from 1, the column in UTF-8
+/// characters.
 struct XmlPosition
 {
     qint64 line = 1;
     qint64 column = 1;
 };
 
-/// The place behind the bytes that follow `a_start`.
+/// The place after the bytes that follow `a_start`.
 [[nodiscard]] inline XmlPosition advanced(XmlPosition a_start, QByteArrayView a_bytes)
 {
     constexpr int iLeadMask = 0xC0;

@@ -9,8 +9,9 @@ namespace {
 constexpr qsizetype s_iIndent = 4; ///< blanks per level
 constexpr const char* s_szBlanks = " \t\r\n";
 
-/// Whether the text may appear as it is; a carriage return would come back as a
-/// line feed, and in a value any break as a blank.
+/// The escaped form of a character, null when it is written unchanged. A reader
+/// turns a bare carriage return into a line feed, and in an attribute value any
+/// line break or tab into a blank, so these are written as character references.
 const char* escaped(char a_cByte, bool a_bInValue)
 {
     switch (a_cByte) {
@@ -58,7 +59,7 @@ bool isBlank(const char* a_szText)
     return a_szText[std::strspn(a_szText, s_szBlanks)] == 0;
 }
 
-/// Whether only elements and the white space that lays them out are inside.
+/// Whether the element contains child elements and, besides them, only white space.
 bool hasOnlyElements(pugi::xml_node a_element)
 {
     bool bElements = false;
@@ -85,7 +86,8 @@ bool isEmpty(pugi::xml_node a_element)
 
 QByteArray XmlNodeWriter::write(pugi::xml_node a_element)
 {
-    // Depth first; `node` was just opened when it has children left to write.
+    // Depth first: an element with children is left open until its last child is
+    // written.
     pugi::xml_node node = a_element;
     while (node) {
         writeNode(node);

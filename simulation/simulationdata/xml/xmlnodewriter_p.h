@@ -9,17 +9,18 @@
 
 namespace Simulation {
 
-/// Writes an element of a document tree in the form that
-/// XmlElement::toByteArray() describes. Never recursive; one object per text.
+/// Writes an element of a document tree as text in the form that
+/// XmlElement::toByteArray() describes. It uses no recursion, so deep trees do not
+/// exhaust the call stack. Each object writes one text.
 class XmlNodeWriter
 {
 public:
     [[nodiscard]] QByteArray write(pugi::xml_node a_element);
 
 private:
-    /// How the children of an element stand in the text.
+    /// How the children of an element are laid out in the text.
     enum class Layout : unsigned char {
-        Inline, ///< as they are: there is text beside or around them
+        Inline, ///< unchanged, because there is text beside them
         Block,  ///< each element on a line of its own
     };
 

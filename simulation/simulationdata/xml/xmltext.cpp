@@ -16,7 +16,8 @@ constexpr char16_t s_cFirstPrintable = 0x20;
 constexpr char16_t s_cFirstSurrogate = 0xD800;
 constexpr char16_t s_cFirstNonCharacter = 0xFFFE;
 
-/// Whether XML 1.0 forbids the code unit or it needs a look at its neighbour.
+/// Whether XML 1.0 forbids the code unit, or allows it only as half of a surrogate
+/// pair.
 bool isSuspicious(QChar a_cUnit)
 {
     const char16_t c = a_cUnit.unicode();

@@ -13,7 +13,7 @@ std::optional<QString> elementText(QXmlStreamReader& a_reader)
     for (;;) {
         switch (a_reader.readNext()) {
         case QXmlStreamReader::Characters:
-        case QXmlStreamReader::EntityReference: // of a document type elsewhere: no text of its own
+        case QXmlStreamReader::EntityReference: // declared in an external document type: has no text
             sText += a_reader.text();
             break;
         case QXmlStreamReader::StartElement:

@@ -11,13 +11,14 @@
 
 namespace Simulation {
 
-/// Sees every element that no reader wanted and skips it with all it holds.
+/// Skips an unknown element and its content.
 void skipElement(QXmlStreamReader& a_reader);
 
-/// Walks the child elements of the element on which the reader stands, up to
-/// its end. `a_handler` is called with the reader on each child's start and
-/// the child's name (valid until the reader moves); it either consumes the
-/// element whole and returns true, or leaves it alone and returns false.
+/// Calls `a_handler` for each child element of the current element, up to that
+/// element's end. The reader is then on the child's start; the argument is the
+/// child's name, valid until the reader moves. The handler either reads the child
+/// to its end and returns true, or does not move the reader and returns false,
+/// which skips the child.
 template<typename Handler>
 void forEachChild(QXmlStreamReader& a_reader, const Handler& a_handler)
 {
@@ -28,19 +29,20 @@ void forEachChild(QXmlStreamReader& a_reader, const Handler& a_handler)
     }
 }
 
-/// Passes over the children of an element whose attributes are all it has.
+/// Skips all children of an element that has only attributes.
 inline void skipChildren(QXmlStreamReader& a_reader)
 {
     forEachChild(a_reader, [](QStringView) { return false; });
 }
 
-/// The text of the element on which the reader stands, up to its end. Children
-/// are skipped: a stray one must not cost the rest of the document. Nothing
-/// when the document breaks off inside: half a number is another number.
+/// The text of the current element, up to its end. Child elements are skipped, so
+/// that an unexpected one does not make the rest of the document unreadable. No
+/// value when the document breaks off inside: half of a number is a different
+/// number.
 [[nodiscard]] std::optional<QString> elementText(QXmlStreamReader& a_reader);
 
-/// One value of a record that is a child element with text. An array of these
-/// is the record's format in both directions.
+/// One value of a record, stored as a child element with text. An array of these
+/// defines the record's format for both reading and writing.
 template<typename Record>
 struct XmlField
 {
@@ -49,8 +51,8 @@ struct XmlField
     void (*read)(Record& a_record, QStringView a_sText);
 };
 
-/// Reads the child element on which the reader stands into the field of its
-/// name; false, with the reader unmoved, when there is no such field.
+/// Reads the current child element into the field of its name; false, with the
+/// reader unmoved, when there is no such field.
 template<typename Record, typename Fields>
 bool readXmlField(QXmlStreamReader& a_reader, QStringView a_sName, const Fields& a_fields, Record& a_record)
 {
@@ -65,7 +67,7 @@ bool readXmlField(QXmlStreamReader& a_reader, QStringView a_sName, const Fields&
     return false;
 }
 
-/// Writes all fields in their order.
+/// Writes all fields in the order of the array.
 template<typename Record, typename Fields>
 void writeXmlFields(QXmlStreamWriter& a_writer, const Fields& a_fields, const Record& a_record)
 {
