@@ -14,7 +14,8 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/io/constantratestream";
 
-// Where the fields stand in the header.
+// Offsets of the fields in the stream's header: the rate (32-bit float, items per
+// second), then the number of items (64 bits).
 constexpr std::size_t s_uiRateAt = 0;
 constexpr std::size_t s_uiCountAt = 4;
 
@@ -25,11 +26,12 @@ bool isUsable(float a_fRate)
     return std::isfinite(a_fRate) && a_fRate > 0.0F;
 }
 
-/// Items that a rate gives in so many milliseconds, rounded down. Saturates.
+/// The number of items in a time: floor(ms * rate / 1000). Saturates.
 std::uint64_t itemsIn(std::uint32_t a_uiMilliseconds, float a_fRate)
 {
     constexpr double dTwoTo64 = 18446744073709551616.0;
-    // The product in single precision, the quotient in double, as recordings are cut.
+    // The product is in single precision and the quotient in double. Writers of
+    // recordings calculate it in the same way, so the cut falls on the same item.
     const float fProduct = static_cast<float>(a_uiMilliseconds) * a_fRate;
     const double dItems = static_cast<double>(fProduct) / static_cast<double>(s_fMillisecondsPerSecond);
     return dItems < dTwoTo64 ? static_cast<std::uint64_t>(dItems) : std::numeric_limits<std::uint64_t>::max();
@@ -91,7 +93,8 @@ ConstantRateStream::Span ConstantRateStream::span(std::uint32_t a_uiStart, std::
     if (uiLength == 0) {
         return {};
     }
-    // A long stream's length is rounded, up as well: the place may lie past the end.
+    // The single-precision length of a long stream may be rounded up, so a start
+    // just below it may lie past the last item: hence the second modulo.
     const Span span{itemsIn(a_uiStart % uiLength, m_fRate) % m_uiCount, itemsIn(a_uiDuration, m_fRate)};
     const std::uint64_t uiBound =
         std::min<std::uint64_t>(Limits::value(Limits::DataBytes), std::numeric_limits<qint64>::max());

@@ -8,25 +8,26 @@
 
 namespace Simulation {
 
-/// Items of equal size in a file, produced at a constant rate, which repeat over
-/// their own length. The file is not owned. Does not lock.
+/// A stream of items of equal size in a file, at a constant rate, which repeats
+/// over its own length. The file is not owned. Does not lock: one thread at a time.
 class ConstantRateStream
 {
 public:
-    /// Items from a place of the stream on.
+    /// A range of consecutive items.
     struct Span
     {
-        std::uint64_t uiFirst = 0; ///< below the number of items
-        std::uint64_t uiCount = 0; ///< may be more than there are items
+        std::uint64_t uiFirst = 0; ///< index of the first item, below count()
+        std::uint64_t uiCount = 0; ///< may exceed count(): the stream repeats
     };
 
-    /// `a_iFirstByte` is the place of the first item in the file.
+    /// `a_iFirstByte` is the offset of the first item in the file.
     ConstantRateStream(QFile& a_file, qint64 a_iFirstByte, std::uint32_t a_uiItemBytes);
 
-    /// Reads the stream's header, which ends before the first item and begins
-    /// with the rate, a 32-bit float, and the number of items, 64 bits. The items
-    /// are at most those that the file holds. Traces once when the stream
-    /// cannot be read whole, or not at all. False with a reason when the header is cut short.
+    /// Reads the stream's header. It ends just before the first item and begins
+    /// with the rate, a 32-bit float, and the number of items, 64 bits, both
+    /// little-endian. Items that the file does not hold are not counted. Traces
+    /// once when the file holds fewer items than the header claims or length() is
+    /// 0. False with a reason when the header is cut short.
     [[nodiscard]] bool readHeader(std::span<char> a_header, QString* a_pReason);
 
     /// Items per second, as the header claims.
@@ -34,19 +35,21 @@ public:
     [[nodiscard]] std::uint64_t count() const { return m_uiCount; }
     [[nodiscard]] std::int64_t missingBytes() const { return m_iMissingBytes; }
 
-    /// (whole ms), in single precision; saturates. 0 when there is nothing to
-    /// read: no item, no usable rate, or less than a millisecond.
+    /// Length of the stream (whole ms), calculated in single precision; at most
+    /// 0xFFFFFFFF. 0 when there are no items, no usable rate, or less than a
+    /// millisecond.
     [[nodiscard]] std::uint32_t length() const;
 
-    /// The items of [start, start + duration) (ms). Empty when length() is 0,
-    /// and, after one trace, when they would take more than Limits::DataBytes.
+    /// The items of [start, start + duration) (ms). Empty when length() is 0 and,
+    /// after one trace, when they exceed Limits::DataBytes.
     [[nodiscard]] Span span(std::uint32_t a_uiStart, std::uint32_t a_uiDuration) const;
 
-    /// Bytes that a span takes.
+    /// The size of a span (bytes).
     [[nodiscard]] qint64 bytesOf(const Span& a_span) const;
 
-    /// Reads a span. The number of bytes read: fewer, after one trace, when the
-    /// file has shrunk. What repeats is read once.
+    /// Reads a span into `a_pTarget`, which has room for bytesOf() bytes. Returns
+    /// the number of bytes read: fewer, after one trace, when the file has shrunk.
+    /// Repeated items are read from the file once.
     [[nodiscard]] qint64 read(const Span& a_span, char* a_pTarget);
 
 private:

@@ -17,7 +17,8 @@ constexpr std::size_t s_uiMagicBytes = 7;
 bool openDataFile(QFile& a_file, QString* a_pReason, QIODevice::OpenMode a_eMode)
 {
     const QFileInfo info(a_file.fileName());
-    // A name with a zero in it names no file, and would be reported twice.
+    // A name that contains a NUL names no file. It is refused here because QFile
+    // would print a warning of its own.
     if (a_file.fileName().contains(QChar::Null) || !info.exists()) {
         *a_pReason = QStringLiteral("no such file");
         return false;
@@ -97,7 +98,7 @@ void repeat(void* a_pTarget, qint64 a_iPeriod, qint64 a_iBytes)
 
 qint64 readAt(QFile& a_file, qint64 a_iOffset, void* a_pTarget, qint64 a_iBytes)
 {
-    // A seek past the end may succeed, and may fail with a warning of its own.
+    // A seek past the end may succeed, or fail with a warning from QFile.
     if (a_file.pos() != a_iOffset &&
         (a_iOffset < 0 || a_iOffset > a_file.size() || !a_file.seek(a_iOffset))) {
         return 0;

@@ -14,75 +14,77 @@
 
 namespace Simulation {
 
-/// What the readers of binary data files share. All of them read by offset,
-/// and take nothing that a header says for granted.
+/// Common operations of the readers of binary data files. They read by offset and
+/// check every value of a header before they use it.
 
-/// Opens the file for reading. Regular files only: a pipe could keep us waiting
-/// for ever. False with a reason.
+/// Opens the file for reading. Regular files only: reading from a pipe could block
+/// without limit. False with a reason.
 [[nodiscard]] bool openDataFile(QFile& a_file, QString* a_pReason,
                                 QIODevice::OpenMode a_eMode = QIODevice::ReadOnly);
 
-/// What tells one of our own formats from another.
+/// What identifies one of our own file formats.
 struct DataFileKind
 {
-    const char* szName;      ///< in traces, for example "symbol data file"
+    const char* szName;      ///< for traces, for example "symbol data file"
     const char* szMagic;     ///< the first seven characters of a file
-    std::uint32_t uiVersion; ///< the only one that is read; stands behind the magic
+    std::uint32_t uiVersion; ///< the only supported one; follows the magic
 };
 
-/// Opens a file of a kind and reads its header, which begins with the magic and
-/// the version: both are checked. False with a reason; the file may then be
-/// open or not.
+/// Opens a file of a kind, reads its header and checks the magic and the version,
+/// with which it begins. False with a reason; the file may then be open or closed.
 [[nodiscard]] bool openDataFileOfKind(QFile& a_file, const DataFileKind& a_kind, std::span<char> a_header,
                                       QString* a_pReason, QIODevice::OpenMode a_eMode = QIODevice::ReadOnly);
 
-/// What the trace of a refused file says.
+/// The trace text for a refused file.
 [[nodiscard]] QString refusal(const DataFileKind& a_kind, const QFile& a_file, const QString& a_sReason);
 
-/// How many bytes a file has fewer than its header claims with a count of items
-/// of equal size; negative when it has more. A claim beyond 64 bits saturates.
+/// The difference (bytes) between the size of a file that its header claims, a
+/// count of items of equal size after `a_iHeaderBytes`, and its real size; negative
+/// when the file is larger. A claim beyond 64 bits saturates.
 [[nodiscard]] std::int64_t missingBytes(std::int64_t a_iHeaderBytes, std::uint64_t a_uiItems,
                                         std::uint32_t a_uiItemBytes, std::int64_t a_iFileSize);
 
-/// Reads up to so many bytes from an offset on, without a seek where the file
-/// stands there already. The number of bytes read: fewer when the file ends
+/// Reads up to `a_iBytes` bytes from an offset on; seeks only when the file is at
+/// another position. Returns the number of bytes read: fewer when the file ends
 /// before, 0 when it cannot be read.
 [[nodiscard]] qint64 readAt(QFile& a_file, qint64 a_iOffset, void* a_pTarget, qint64 a_iBytes);
 
-/// Reads records of one size from a file that is open unbuffered. Those that
-/// follow each other are read ahead, any other costs one seek and its own bytes.
-/// Nothing is allocated.
+/// Reads records of one size from a file that is open unbuffered. Records that are
+/// read one after the other are read ahead; any other access costs one seek and
+/// reads only that record. The buffer is part of the object; no memory is
+/// allocated.
 class RecordBuffer
 {
 public:
     static constexpr qint64 s_iMaxRecord = qint64{16} * 1024; ///< bytes
 
-    /// The record of at most s_iMaxRecord bytes that begins there, cut where the
+    /// The record of at most s_iMaxRecord bytes at the offset, shorter where the
     /// file ends. Valid until the next call.
     [[nodiscard]] std::span<const char> record(QFile& a_file, qint64 a_iOffset, qint64 a_iBytes);
 
-    /// Forgets what was read, for another file.
+    /// Drops the buffered bytes; to be called before another file is read.
     void reset() { m_iHeld = 0; }
 
 private:
     std::array<char, s_iMaxRecord> m_bytes{};
-    qint64 m_iAt = 0; ///< where the bytes begin in the file
+    qint64 m_iAt = 0; ///< offset of the buffered bytes in the file
     qint64 m_iHeld = 0;
 };
 
-/// Fills memory with repetitions of its first bytes, of which there is one at
-/// least. Nothing to do where they are all of it.
+/// Fills `a_iBytes` bytes with repetitions of the first `a_iPeriod` bytes, at least
+/// one. Does nothing when the period covers all bytes.
 void repeat(void* a_pTarget, qint64 a_iPeriod, qint64 a_iBytes);
 
-/// The little-endian number at an offset of a header that was read whole.
+/// The little-endian number at an offset of a complete header.
 template<typename Number>
 [[nodiscard]] Number numberAt(const char* a_pHeader, std::size_t a_uiOffset)
 {
     return qFromLittleEndian<Number>(a_pHeader + a_uiOffset);
 }
 
-/// What a class keeps for a file whose header names one of several layouts. The
-/// layout's reader does not own the file; every operation locks.
+/// The state of a class that reads a file whose header names one of several
+/// layouts: the file, the reader of that layout and the lock. The reader does not
+/// own the file. Any thread may call; every operation locks.
 template<typename Reader>
 struct LayoutFile
 {
@@ -90,8 +92,8 @@ struct LayoutFile
         : file(a_sPath)
     {}
 
-    /// Opens the file anew. `a_readHeader` opens it too, reads the header and
-    /// returns the reader; null, with sError set, closes the file.
+    /// Closes and reopens the file. `a_readHeader` opens the file, reads the header
+    /// and returns the reader; null, with sError set, closes the file.
     template<typename ReadHeader>
     [[nodiscard]] bool open(const ReadHeader& a_readHeader)
     {
@@ -124,7 +126,7 @@ struct LayoutFile
         return sError;
     }
 
-    /// What a getter of the reader gives, or the default value without a reader.
+    /// The value of a getter of the reader, or the default value without a reader.
     template<typename Value>
     [[nodiscard]] Value ask(Value (Reader::*a_pGetter)() const)
     {
@@ -132,7 +134,8 @@ struct LayoutFile
         return pReader ? (*pReader.*a_pGetter)() : Value{};
     }
 
-    /// What the reader reads from the file, or nothing while that is closed.
+    /// The items that the reader reads from the file; empty while the file is
+    /// closed.
     template<typename Value>
     [[nodiscard]] Value read(Value (Reader::*a_pRead)(std::uint32_t, std::uint32_t), std::uint32_t a_uiStart,
                              std::uint32_t a_uiDuration)
@@ -142,7 +145,7 @@ struct LayoutFile
     }
 
     QFile file;
-    std::unique_ptr<Reader> pReader; ///< there while the file is open, and stays
+    std::unique_ptr<Reader> pReader; ///< set while the file is open; kept by close()
     QString sError;                  ///< why the last open() failed
     std::mutex mutex;
 };

@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/io/documentfile";
 constexpr qint64 s_iChunkBytes = qint64{1} << 20;
-constexpr std::uint64_t s_uiLargestDocument = std::uint64_t{1} << 40; ///< whatever the limit says
+constexpr std::uint64_t s_uiLargestDocument = std::uint64_t{1} << 40; ///< (bytes), whatever the limit
 
 bool failToSave(const QString& a_sFile, const QString& a_sReason, QString* a_pReason)
 {
@@ -45,7 +45,7 @@ bool checkDocumentBytes(qint64 a_iBytes, QString* a_pReason)
 
 bool saveDocument(const QString& a_sFile, const QByteArray& a_data, QString* a_pReason)
 {
-    // What no reader would accept must not take the place of what one did.
+    // A document that no reader accepts must not replace a readable one.
     if (QString sReason; !checkDocumentBytes(a_data.size(), &sReason)) {
         return failToSave(a_sFile, sReason, a_pReason);
     }
@@ -63,7 +63,8 @@ std::optional<QByteArray> readDocument(QIODevice* a_pDevice, QString* a_pReason)
     }
     QByteArray data;
     if (!a_pDevice->isSequential()) {
-        // One byte more than the rest tells a file that grows meanwhile.
+        // One byte more than the rest shows whether the file grows while it is
+        // read.
         const qint64 iRest = std::max<qint64>(a_pDevice->size() - a_pDevice->pos(), 0);
         data.reserve(static_cast<qsizetype>(std::min(iRest, iLimit)) + 1);
     }

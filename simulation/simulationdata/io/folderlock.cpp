@@ -22,18 +22,18 @@ namespace {
 constexpr const char* s_szSource = "simulation/simulationdata/io/folderlock";
 constexpr QLatin1String s_sLockName("simulationdata.lock");
 constexpr std::chrono::milliseconds s_pause{20}; ///< between two attempts
-constexpr mode_t s_eEverybody = 0666;            ///< less the file mask
+constexpr mode_t s_eEverybody = 0666;            ///< minus the process's umask
 
 QString lockFile(const QString& a_sFolder)
 {
     return QDir(a_sFolder).filePath(s_sLockName);
 }
 
-/// A descriptor of the lock file, or -1 with errno. Of another user's file, or in
-/// a folder that cannot be written, it is open for reading.
+/// The descriptor of the lock file, or -1 with errno. It is open for reading only
+/// when the file belongs to another user or the folder is not writable.
 int openLockFile(const QByteArray& a_name)
 {
-    // A pipe or a device under the name must not make the program wait.
+    // Opening a pipe or a device of that name must not block the program.
     constexpr int iFlags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
     int iFile = ::open(a_name.constData(), O_RDWR | iFlags);
     if (iFile < 0 && errno == ENOENT) {
@@ -51,8 +51,8 @@ bool isRegularFile(int a_iFile)
     return ::fstat(a_iFile, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-/// 0 when the lock is held, else errno; EWOULDBLOCK when others hold it all the
-/// time.
+/// 0 when the lock is held, else errno: EWOULDBLOCK when another holder kept it
+/// during the whole wait.
 int waitForLock(int a_iFile, std::chrono::milliseconds a_timeout)
 {
     const QDeadlineTimer deadline(a_timeout);
@@ -89,7 +89,7 @@ FolderLock::FolderLock(const QString& a_sFolder, std::chrono::milliseconds a_tim
 FolderLock::~FolderLock()
 {
     if (m_iFile >= 0) {
-        ::close(m_iFile); // and with it ends the lock
+        ::close(m_iFile); // releases the lock, too
     }
 }
 

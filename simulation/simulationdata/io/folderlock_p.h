@@ -7,18 +7,18 @@
 
 namespace Simulation {
 
-/// Keeps other processes, and other objects of this one, from changing a folder
-/// as long as it lives. The lock is an advisory one of the system on a file in
-/// the folder: it ends with the process, however that ends, and what the file
-/// holds does not matter. The file stays, since removing it would let two
-/// processes lock two files of one name.
+/// Keeps other processes, and other objects in this process, from changing a folder
+/// as long as it lives. It is an advisory lock of the operating system on a file in
+/// the folder. The system releases it when the process ends, even after a crash;
+/// the content of the file does not matter. The file is never removed: otherwise
+/// two processes could lock two different files of the same name.
 class FolderLock
 {
 public:
-    static constexpr std::chrono::seconds s_timeout{30}; ///< far longer than filling a folder takes
+    static constexpr std::chrono::seconds s_timeout{30}; ///< much longer than it takes to fill a folder
 
-    /// Waits for other processes, at most so long. Traces when the lock cannot
-    /// be had.
+    /// Waits for other holders, at most `a_timeout`. Traces when the lock cannot be
+    /// acquired.
     explicit FolderLock(const QString& a_sFolder, std::chrono::milliseconds a_timeout = s_timeout);
     ~FolderLock();
     FolderLock(const FolderLock&) = delete;

@@ -38,8 +38,8 @@ bool moveFile(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
     return replaceByRename(a_sFrom, a_sTo, a_pReason);
 }
 
-/// Moves every file below a folder to its place below another one, or as many
-/// as can be.
+/// Moves every file below a folder to the same place below another folder. A file
+/// that cannot be moved does not stop the others.
 bool moveFiles(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
 {
     const QDir from(a_sFrom);

@@ -17,7 +17,7 @@ namespace Simulation {
 
 namespace {
 
-/// A four-character id as the little-endian number that it is in the file.
+/// A four-character id as a little-endian number, as numberAt() reads it.
 constexpr std::uint32_t chunkId(const char (&a_szId)[5])
 {
     std::uint32_t uiId = 0;
@@ -36,12 +36,14 @@ constexpr std::uint32_t s_uiList = chunkId("LIST");
 constexpr std::uint32_t s_uiAssociatedData = chunkId("adtl");
 constexpr std::uint32_t s_uiLabel = chunkId("labl");
 
-// A chunk: id, size of what follows.
+// Header of a chunk: id at 0, size of the body at 4 (32 bits each).
 constexpr qint64 s_iChunkHeaderBytes = 8;
 constexpr std::size_t s_uiChunkSizeAt = 4;
 constexpr qint64 s_iTypeBytes = 4; // form type of a RIFF chunk, list type of a LIST chunk
 
-// The format chunk; an extensible one goes on with a sub-format id.
+// The body of the format chunk: tag, channels (16 bits each), frames per second,
+// bytes per second (32 bits each), bytes per frame, bits per sample (16 bits each).
+// In an extensible format the sub-format id of 16 bytes follows at 24.
 constexpr qint64 s_iFormatBytes = 16;
 constexpr qint64 s_iExtensibleFormatBytes = 40;
 constexpr std::size_t s_uiFormatTagAt = 0;
@@ -57,11 +59,13 @@ constexpr std::uint16_t s_uiExtensibleTag = 65534;
 constexpr unsigned int s_uiBitsPerByte = 8;
 constexpr unsigned int s_uiBitsFloat = 32;
 
-/// What follows the tag in the sub-format ids that stand for a format tag.
+/// A sub-format id that stands for a format tag begins with that tag (16 bits);
+/// these are its other bytes: XXXX0000-0010-0010-8000-00AA00389B71.
 constexpr std::array<unsigned char, 14> s_subFormatTail{0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
                                                         0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 
-// The cue chunk: a count, then the entries.
+// The cue chunk: a count (32 bits), then entries of 24 bytes with the id at 0 and
+// the sample offset at 20.
 constexpr qint64 s_iCueCountBytes = 4;
 constexpr qint64 s_iCueBytes = 24;
 constexpr std::size_t s_uiCueSampleOffsetAt = 20;
@@ -71,16 +75,17 @@ constexpr qint64 s_iLabelIdBytes = 4;
 struct Chunk
 {
     std::uint32_t id = 0;
-    qint64 start = 0; ///< offset of its body
+    qint64 start = 0; ///< offset of its body in the file
     qint64 size = 0;  ///< of its body, as claimed
 
     [[nodiscard]] qint64 end() const { return start + size; }
 
-    /// Chunks begin at even distances.
+    /// Chunks are padded to an even size.
     [[nodiscard]] qint64 next() const { return end() + size % 2; }
 };
 
-/// Labels name no encoding: old programs write the one of their machine.
+/// Labels do not declare their encoding: UTF-8 where it is valid, else Latin-1,
+/// since older programs wrote the encoding of their system.
 QString labelText(const QByteArray& a_bytes)
 {
     const QByteArrayView text(
@@ -91,8 +96,8 @@ QString labelText(const QByteArray& a_bytes)
     return decoder.hasError() ? QString::fromLatin1(text) : sText;
 }
 
-/// Walks the chunks of one file. Sizes are 32 bits wide in the file and offsets
-/// 64 here, so that no sum of them wraps.
+/// Reads the chunks of one file. Sizes have 32 bits in the file and 64 bits here,
+/// so that no sum of them overflows.
 class ChunkReader
 {
 public:
@@ -146,7 +151,7 @@ private:
     std::uint64_t m_uiCues = 0;
     std::uint64_t m_uiLabelBytes = 0;
     std::map<std::uint32_t, std::uint32_t> m_cuePositions;
-    std::map<std::uint32_t, QString> m_labels; // may come before their cue points
+    std::map<std::uint32_t, QString> m_labels; // a label may precede its cue point
 };
 
 std::optional<WaveContents> ChunkReader::read()
@@ -165,7 +170,7 @@ std::optional<WaveContents> ChunkReader::read()
     return std::move(m_contents);
 }
 
-/// False when no whole header is left.
+/// False when less than a header is left.
 bool ChunkReader::readHeader(qint64 a_iOffset, Chunk* a_pChunk)
 {
     std::array<char, s_iChunkHeaderBytes> header{};
@@ -178,7 +183,8 @@ bool ChunkReader::readHeader(qint64 a_iOffset, Chunk* a_pChunk)
     return true;
 }
 
-/// The type that the body of a RIFF or LIST chunk begins with; 0 when it has none.
+/// The type with which the body of a RIFF or LIST chunk begins; 0 when the body is
+/// too short.
 std::uint32_t ChunkReader::typeOf(const Chunk& a_chunk)
 {
     std::array<char, s_iTypeBytes> type{};
@@ -204,14 +210,15 @@ bool ChunkReader::readRiffHeader()
         return refuse(QStringLiteral("it begins with 0x%1, which is not \"RIFF\"")
                           .arg(riff.id, 8, 16, QLatin1Char('0')));
     }
-    // A recorder that was killed leaves the size of the whole file unset.
+    // A recorder that was killed leaves the size of the RIFF chunk 0.
     riff.size = std::max(riff.size, s_iTypeBytes);
     const std::uint32_t uiType = typeOf(riff);
     return uiType == s_uiWave || refuse(QStringLiteral("its form type is 0x%1, which is not \"WAVE\"")
                                             .arg(uiType, 8, 16, QLatin1Char('0')));
 }
 
-/// The size in the RIFF header is not looked at: the file's end is.
+/// The size in the RIFF header is ignored: the chunks are read up to the end of the
+/// file.
 bool ChunkReader::readChunks()
 {
     Chunk chunk;
@@ -267,7 +274,7 @@ bool ChunkReader::readFormat(const Chunk& a_chunk)
     m_contents.format.sampleRate = numberAt<std::uint32_t>(bytes.data(), s_uiSampleRateAt);
     m_contents.format.blockAlign = numberAt<std::uint16_t>(bytes.data(), s_uiBlockAlignAt);
     m_contents.format.bitsPerSample = numberAt<std::uint16_t>(bytes.data(), s_uiBitsPerSampleAt);
-    // Without room for a sub-format, extensible says no more than PCM.
+    // An extensible format without a sub-format means PCM.
     m_contents.floatSamples = false;
     const bool bSubFormat = uiTag == s_uiExtensibleTag && iBytes == s_iExtensibleFormatBytes;
     return (!bSubFormat || readSubFormat(bytes.data())) && checkFormat();
@@ -287,14 +294,14 @@ bool ChunkReader::readSubFormat(const char* a_pFormat)
                       .arg(s_uiFloatTag));
 }
 
-/// Frames must be their channels' samples and nothing else: every later size
-/// and offset counts on it.
+/// A frame must consist of one sample per channel and nothing else, because all
+/// later sizes and offsets depend on it: blockAlign = channels * ceil(bits / 8).
 bool ChunkReader::checkFormat()
 {
     const WaveFileReader::Format& format = m_contents.format;
     const unsigned int uiSampleBytes = (format.bitsPerSample + s_uiBitsPerByte - 1) / s_uiBitsPerByte;
     const std::uint64_t uiFrameBytes = std::uint64_t{format.channels} * uiSampleBytes;
-    // No floating-point number of 8 or 16 bits may pass for PCM.
+    // Floating-point samples of 8 or 16 bits must not be taken for PCM.
     const bool bFloat = m_contents.floatSamples && format.bitsPerSample < s_uiBitsFloat;
     return (uiFrameBytes != 0 && uiFrameBytes == format.blockAlign && !bFloat) ||
            refuse(QStringLiteral("%1 channels of %2 bits%3 do not make frames of %4 bytes")
@@ -335,7 +342,8 @@ bool ChunkReader::readCues(const Chunk& a_chunk)
     return true;
 }
 
-/// The entries of a list are chunks themselves, and count as such.
+/// The entries of a list are chunks themselves and count towards
+/// Limits::WaveChunks.
 bool ChunkReader::readLabels(const Chunk& a_list)
 {
     if (held(a_list) < a_list.size) {

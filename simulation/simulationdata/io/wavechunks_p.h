@@ -12,19 +12,19 @@
 
 namespace Simulation {
 
-/// What the chunks of a wave file say, the samples left out.
+/// The values from the chunks of a wave file, without the samples.
 struct WaveContents
 {
     WaveFileReader::Format format;
     bool floatSamples = false;
     std::int64_t dataOffset = 0;
     std::int64_t dataSize = 0;     ///< bytes that the file really holds
-    std::int64_t missingBytes = 0; ///< bytes that the data chunk claims beyond them
+    std::int64_t missingBytes = 0; ///< bytes that the data chunk claims but the file lacks
     QList<WaveFileReader::CuePoint> cuePoints;
 };
 
-/// Reads the chunks of an open file. Nothing, with a reason, when it is no wave
-/// file that we read.
+/// Reads the chunks of an open file. No value, with a reason, when it is not a
+/// supported wave file.
 [[nodiscard]] std::optional<WaveContents> readWaveContents(QFile& a_file, QString* a_pReason);
 
 } // namespace Simulation

@@ -33,8 +33,8 @@ constexpr const char* s_szSource = "simulation/simulationdata/io/wholefile";
 constexpr qsizetype s_iMachineDigits = 8;
 constexpr qsizetype s_iCopyBytes = qsizetype{128} * 1024;
 
-/// Tells the machines apart that share a folder: their process ids mean nothing
-/// to each other.
+/// Identifies this machine: when several machines share a folder, the process ids
+/// of one mean nothing on another.
 const QString& machineText()
 {
     static const QString s_sMachine = QString::fromLatin1(
@@ -50,7 +50,7 @@ bool isProcessAlive(qint64 a_iProcess)
     return ::kill(static_cast<pid_t>(a_iProcess), 0) == 0 || errno != ESRCH;
 #else
     Q_UNUSED(a_iProcess)
-    return true; // not to be told: its files stay
+    return true; // cannot be checked here: its files stay
 #endif
 }
 
@@ -59,8 +59,8 @@ QString errorText(const std::error_code& a_error)
     return QString::fromLocal8Bit(a_error.message().c_str());
 }
 
-/// Tells this process from former ones that had its id, as those in a container
-/// often have.
+/// Distinguishes this process from earlier ones with the same id, which are common
+/// in containers.
 const QString& processText()
 {
     static const QString s_sProcess =
@@ -97,7 +97,8 @@ bool copyContents(const QString& a_sFrom, const QString& a_sTo, QString* a_pReas
     QFile to(a_sTo);
     bool bOk = to.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
     QByteArray buffer(s_iCopyBytes, Qt::Uninitialized);
-    // What is added meanwhile, without an end perhaps, does not belong to it.
+    // Bytes that are appended while the file is copied, perhaps without end, are
+    // not copied.
     qint64 iLeft = info.size();
     qint64 iRead = 0;
     while (bOk && (iRead = from.read(buffer.data(), std::min<qint64>(buffer.size(), iLeft))) > 0) {
@@ -119,8 +120,8 @@ void failToCopy(const QString& a_sReason, QString* a_pReason)
     }
 }
 
-/// Gives a file its final name unless that is taken. A reason is given only for
-/// other failures.
+/// Renames a file to its final name unless that name is in use. False with an empty
+/// reason when it is in use, else with the reason of the failure.
 bool renameWithoutReplacing(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
 {
     const std::filesystem::path from = nativePath(a_sFrom);
@@ -135,7 +136,7 @@ bool renameWithoutReplacing(const QString& a_sFrom, const QString& a_sTo, QStrin
         a_pReason->clear();
         return false;
     }
-    // Not every file system knows hard links.
+    // Not every file system supports hard links.
     std::error_code ignored;
     if (std::filesystem::exists(std::filesystem::symlink_status(to, ignored))) {
         a_pReason->clear();
@@ -151,7 +152,8 @@ bool renameWithoutReplacing(const QString& a_sFrom, const QString& a_sTo, QStrin
 QString temporaryName(const QString& a_sFile)
 {
     static std::atomic<unsigned int> s_uiCount{0};
-    // Not made of the file's own name, which may be as long as names can be.
+    // The file's own name is not part of it, because that may already have the
+    // maximum length.
     return QFileInfo(a_sFile).dir().filePath(QStringLiteral("simulationdata.%1.%2.%3.%4.tmp")
                                                  .arg(machineText())
                                                  .arg(QCoreApplication::applicationPid())
@@ -174,7 +176,7 @@ void removeAbandonedFiles(const QString& a_sFolder)
 
 bool copyFileWhole(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
 {
-    QString sReason; // none while the name is only taken
+    QString sReason; // stays empty when the name is in use
     if (const QFileInfo target(a_sTo); !target.exists() && !target.isSymLink()) {
         const QString sTemporary = temporaryName(a_sTo);
         if (copyContents(a_sFrom, sTemporary, &sReason) &&
@@ -225,7 +227,7 @@ bool makeWritable(const QString& a_sPath)
     return QFile::setPermissions(a_sPath, QFileDevice::WriteOwner | QFileDevice::WriteUser |
                                               QFileDevice::WriteGroup | QFileDevice::WriteOther);
 #else
-    // The write flags alone would lock out everybody but root.
+    // Setting the write flags alone would take away everybody's read permission.
     const QFileDevice::Permissions permissions = QFile::permissions(a_sPath);
     return permissions.testFlag(QFileDevice::WriteOwner) ||
            QFile::setPermissions(a_sPath, permissions | QFileDevice::WriteOwner);
