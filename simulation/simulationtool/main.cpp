@@ -10,8 +10,8 @@
 
 namespace {
 
-/// Messages of the toolkit and the library: shown with --trace, one line each,
-/// and otherwise dropped. What concerns the user is told by the commands.
+/// Writes the messages of the toolkit and the library, one line each, with --trace
+/// and drops them without it. The commands report to the user themselves.
 void traceMessage(QtMsgType /*a_eType*/, const QMessageLogContext& /*a_context*/, const QString& a_sMessage)
 {
     if (ErrorHandler::Instance().traceMask() != 0) {
@@ -24,7 +24,7 @@ SimulationTool::ExitCode runProgram()
     SimulationTool::Output output;
     SimulationTool::ExitCode eCode = SimulationTool::runCommandLine(QCoreApplication::arguments(), output);
     if (!output.finish() && !SimulationTool::isInterrupted()) {
-        // A reader that has seen enough, such as "head", is no error to report.
+        // A reader that closes the pipe early, such as "head", is not an error.
         if (output.errorString() != qt_error_string(EPIPE)) {
             SimulationTool::complain(QStringLiteral("standard output: ") + output.errorString());
         }

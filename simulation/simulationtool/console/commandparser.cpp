@@ -33,8 +33,7 @@ std::optional<ExitCode> CommandParser::parse(const QStringList& a_arguments, Out
 {
     const bool bParsed = m_parser.parse(a_arguments);
     if (m_parser.isSet(s_sHelp)) {
-        // The toolkit's first line shows the path by which the program was
-        // called.
+        // Replaces the toolkit's first line, which shows the path of the executable.
         const QString sText = m_parser.helpText();
         a_output.write(QStringLiteral("Usage: simulationtool %1\n").arg(joined(m_sCommand, m_sUsage)) +
                        sText.mid(sText.indexOf(u'\n')) + QString::fromUtf8(m_szExamples));
@@ -59,7 +58,7 @@ ExitCode CommandParser::refuse(const QString& a_sReason) const
 {
     QString sReason = a_sReason;
     while (sReason.endsWith(u'.')) {
-        sReason.chop(1); // the toolkit writes whole sentences
+        sReason.chop(1); // the toolkit ends its error texts with a full stop
     }
     const QString sPrefix = m_sCommand.isEmpty() ? QString() : m_sCommand + QStringLiteral(": ");
     complain(sPrefix + sReason + QStringLiteral(" (see simulationtool ") +

@@ -13,26 +13,28 @@ namespace SimulationTool {
 
 class Output;
 
-/// The arguments of one command, or of the program, with what all of them have
-/// in common. The toolkit's own help option would bring options of its own
-/// along.
+/// The argument parser of one command, or of the program itself, with the options
+/// --help and --trace that all of them share. Does not use the toolkit's help option,
+/// which adds options of its own.
 class CommandParser
 {
 public:
-    /// `a_sCommand` is empty for the program itself; `a_sUsage` is what follows
-    /// it in the first line of the help.
+    /// `a_sCommand` is empty for the program itself. `a_sUsage` follows it in the
+    /// first line of the help. `a_szExamples` must live as long as the parser.
     CommandParser(const QString& a_sCommand, const QString& a_sUsage, const char* a_szDescription,
                   const char* a_szExamples);
 
     [[nodiscard]] QCommandLineParser& get() { return m_parser; }
 
-    /// Reads the arguments, the command's name first. What is to be told the
-    /// shell when that is all: the help was shown, or the usage was wrong.
+    /// Reads the arguments; the first one is the command's name. Returns an exit code
+    /// when the command ends here: the help was shown, or the usage was wrong. No
+    /// value when the command may run.
     [[nodiscard]] std::optional<ExitCode> parse(const QStringList& a_arguments, Output& a_output);
-    /// The same for a command that names others: the rest is theirs.
+    /// The same for a command with subcommands: stops at the first positional
+    /// argument, and leaves the rest to the subcommand.
     [[nodiscard]] std::optional<ExitCode> parseBefore(const QStringList& a_arguments, Output& a_output);
 
-    /// Answers wrong usage by one line on standard error.
+    /// Reports wrong usage as one line on standard error and returns Unusable.
     [[nodiscard]] ExitCode refuse(const QString& a_sReason) const;
 
 private:

@@ -34,7 +34,7 @@ QString temporaryProblem(const QFile& a_temporary)
         .arg(a_temporary.errorString());
 }
 
-/// Copies what an open device holds. Why that failed; empty when it did not.
+/// Copies all that is left to read. Returns the error text, empty on success.
 QString copyProblem(QFile& a_from, QFile& a_to, std::uint64_t a_uiMaxBytes)
 {
     std::uint64_t uiBytes = 0;
@@ -81,7 +81,8 @@ bool InputFile::prepare(std::uint64_t a_uiMaxBytes)
     } else {
         sProblem = copyProblem(input, *m_copy, a_uiMaxBytes);
     }
-    // The file has no name that another process could open or a crash leave.
+    // The temporary file has no name on the disk, so no other process opens it and
+    // none is left after a crash. Readers open it by its descriptor.
     m_sPath = QStringLiteral("/proc/self/fd/%1").arg(m_copy->handle());
     if (!sProblem.isEmpty()) {
         complain(QStringLiteral("%1: %2").arg(name(), sProblem));

@@ -11,36 +11,36 @@ class QTemporaryFile;
 
 namespace SimulationTool {
 
-/// A file that a command reads: one that the user names, or standard input,
-/// which is named "-". Standard input and named pipes are copied to a temporary
-/// file first, because most readers look at a file more than once. That file has no name on
-/// the disk and ends with this object, also when the process is killed.
+/// An input file of a command: a named file, or standard input, which is named "-".
+/// Standard input and named pipes are copied to a temporary file first, because most
+/// readers read a file more than once. The copy has no name on the disk and is freed
+/// with this object, also when the process is killed.
 class InputFile
 {
 public:
-    /// By the argument of a command. A file is not opened.
+    /// `a_sArgument` is the command's argument. Opens nothing yet.
     explicit InputFile(const QString& a_sArgument);
     ~InputFile();
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
 
-    /// Copies standard input, or a pipe, which can be read only once; nothing is
-    /// done for a file. False after one line on standard error when it cannot be
-    /// read or copied or holds more than so many bytes.
+    /// Copies standard input or a named pipe, and does nothing for other files.
+    /// False, after one line on standard error, when it cannot be read or copied or
+    /// exceeds the limit (bytes). False without a line when interrupted.
     [[nodiscard]] bool prepare(std::uint64_t a_uiMaxBytes);
 
-    /// What readers open; valid once prepared.
+    /// The path for readers; valid after prepare().
     [[nodiscard]] QString path() const { return m_sPath; }
-    /// What people read: the argument, or "standard input".
+    /// The name for messages: the argument, or "standard input".
     [[nodiscard]] QString name() const;
     [[nodiscard]] bool isStandardInput() const;
-    /// Whether another name leads to the same file; also when standard input was
+    /// Whether another name leads to the same file. True also when standard input is
     /// redirected from that file.
     [[nodiscard]] bool isSameAs(const QString& a_sFile) const;
     /// All bytes; empty when they cannot be read.
     [[nodiscard]] QByteArray content() const;
-    /// The first bytes (at most 4096); empty when it is no regular file: a pipe
-    /// would lose them.
+    /// The first bytes (at most 4096). Empty unless it is a regular file, because
+    /// reading from a pipe removes the bytes.
     [[nodiscard]] QByteArray head() const;
 
 private:
@@ -49,10 +49,11 @@ private:
     std::unique_ptr<QTemporaryFile> m_copy;
 };
 
-/// Whether an argument, "-", names standard input or output instead of a file.
+/// Whether the argument is "-", which names standard input or output instead of a
+/// file.
 [[nodiscard]] bool isStandardStreamName(const QString& a_sArgument);
 
-/// Whether the first bytes of a document name this root element.
+/// Whether the document's first bytes contain the start tag of this root element.
 [[nodiscard]] bool hasDocumentRoot(const QByteArray& a_head, const char* a_szName);
 
 } // namespace SimulationTool

@@ -9,8 +9,8 @@ class QSocketNotifier;
 
 namespace SimulationTool {
 
-/// An event loop that also ends when the process is interrupted, and costs no
-/// time while nothing happens. See interruption.h.
+/// An event loop that also ends when the process is interrupted (see interruption.h).
+/// Waits without polling.
 class InterruptibleLoop
 {
 public:
@@ -19,7 +19,7 @@ public:
     InterruptibleLoop(const InterruptibleLoop&) = delete;
     InterruptibleLoop& operator=(const InterruptibleLoop&) = delete;
 
-    /// Returns at once when there was an interruption before.
+    /// Returns at once after an earlier interruption.
     void run();
     void quit() { m_loop.quit(); }
 

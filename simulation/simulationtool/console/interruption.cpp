@@ -18,7 +18,7 @@ void noteSignal(int a_iSignal)
 {
     s_iSignal = a_iSignal;
     const int iError = errno;
-    // A full pipe is readable already.
+    // A failed write to a full pipe is harmless: the pipe is already readable.
     [[maybe_unused]] const auto iWritten = ::write(s_wakingPipe[1], "", 1);
     errno = iError;
 }
@@ -34,10 +34,11 @@ void catchInterruptions()
     action.sa_handler = noteSignal;
     sigemptyset(&action.sa_mask);
     for (const int iSignal : {SIGHUP, SIGINT, SIGTERM, SIGPIPE}) {
-        // The toolkit may write to a closed pipe again before it gives up.
+        // Keeps the handler for SIGPIPE: the toolkit may write to a closed pipe
+        // several times before it reports the error.
         action.sa_flags = static_cast<int>(iSignal == SIGPIPE ? SA_RESTART : SA_RESTART | SA_RESETHAND);
         struct sigaction former = {};
-        // What the parent wants ignored, as nohup does, stays ignored.
+        // A signal that the parent process ignores, as nohup does, stays ignored.
         if (sigaction(iSignal, nullptr, &former) == 0 && former.sa_handler != SIG_IGN) {
             static_cast<void>(sigaction(iSignal, &action, nullptr));
         }

@@ -3,30 +3,29 @@
 
 namespace SimulationTool {
 
-/// Commands that leave something behind when the process is killed ask for the
-/// usual signals to be noted instead, stop when one came, and clean up. The
-/// second signal of a kind kills at once, but for that of a closed pipe.
+/// Interruption by signals. A command that must clean up notes SIGHUP, SIGINT,
+/// SIGTERM and SIGPIPE instead of being killed by them, stops at the next check, and
+/// cleans up. The second signal of a kind kills the process at once, except SIGPIPE.
 
-/// From now on the signals by which users, terminals and closed pipes end
-/// programs are only noted.
+/// From now on notes these signals instead of ending the process.
 void catchInterruptions();
 
-/// From now on a closed pipe ends nothing: writing there fails instead. For
-/// programs that outlive the readers of their logs. Before catchInterruptions().
+/// From now on a write to a closed pipe fails instead of ending the process. For
+/// programs that outlive the readers of their logs. Call before catchInterruptions().
 void ignoreClosedPipes();
 
-/// Whether such a signal came.
+/// Whether such a signal was received.
 [[nodiscard]] bool isInterrupted();
 
-/// Becomes and stays readable when such a signal comes, for event loops: a noted
-/// signal does not wake them. -1 before catchInterruptions().
+/// A file descriptor for event loops, which a noted signal does not wake. Becomes
+/// readable when a signal is received and stays so. -1 before catchInterruptions().
 [[nodiscard]] int interruptionDescriptor();
 
-/// Forgets the signal: it was the ordinary end of a command that has no other.
+/// Forgets the received signal, for commands whose normal end is an interruption.
 void acceptInterruption();
 
-/// Ends the process by the signal that came, so that its parent sees what it
-/// expects. Returns when there was none.
+/// Ends the process by the received signal, so that its parent sees the expected wait
+/// status. Returns when no signal was received.
 void endIfInterrupted();
 
 } // namespace SimulationTool

@@ -15,8 +15,8 @@ namespace {
 constexpr int s_iHexadecimal = 16;
 constexpr int s_iEscapeDigits = 4;
 
-/// Escapes the characters that JSON allows but a terminal may obey. Outside of
-/// texts JSON has none of them but line ends, which are kept.
+/// Escapes the characters that JSON allows but that can control a terminal. Outside
+/// of strings JSON contains none of them except line ends, which are kept.
 QString escaped(const QByteArray& a_json)
 {
     const QString sJson = QString::fromUtf8(a_json);

@@ -9,25 +9,25 @@
 
 namespace SimulationTool {
 
-/// How commands report to programs (option --json, see report.h). Every command writes one
-/// JSON document, or one object per line while it follows something; the keys
-/// name the units ("duration_ms"), and docs/json.md lists them. Errors stay one
-/// line on standard error.
+/// Building blocks of the JSON reports (option --json, see report.h). A command
+/// writes one JSON document, or one object per line while it follows events. Keys
+/// name the units ("duration_ms"); docs/json.md lists all keys. Errors stay one line
+/// on standard error.
 
-/// The object as one line without its end. What could steer a terminal is
-/// escaped, so the line is harmless wherever it is shown.
+/// The object as one line without a line end. Characters that can control a terminal
+/// are escaped, so the line is safe to show anywhere.
 [[nodiscard]] QString jsonLine(const QJsonObject& a_object);
-/// The same, indented over several lines, with the last line's end.
+/// The same, indented over several lines, with a final line end.
 [[nodiscard]] QString jsonDocument(const QJsonObject& a_object);
 
 /// The number; null when it is not finite, which JSON cannot express.
 [[nodiscard]] QJsonValue jsonNumber(double a_dValue);
-/// The same in the fewest digits that read back as the same single-precision
+/// The same, with the fewest digits that read back as the same single-precision
 /// number.
 [[nodiscard]] QJsonValue jsonNumber(float a_fValue);
-/// A count or an id with all its digits up to 2^63 - 1; larger ones are rounded.
+/// A count or an id, exact up to 2^63 - 1; larger values are rounded.
 [[nodiscard]] QJsonValue jsonCount(std::uint64_t a_uiCount);
-/// A text; null for an empty one.
+/// The text; null for an empty one.
 [[nodiscard]] QJsonValue jsonText(const QString& a_sText);
 
 } // namespace SimulationTool

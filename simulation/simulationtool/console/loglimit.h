@@ -7,9 +7,9 @@
 
 namespace SimulationTool {
 
-/// What others cause to be logged, bounded: nobody must be able to fill the disk
-/// that the log goes to. Lets 100 lines through in 10 s and leaves the others
-/// out; how many is told when the 10 s are over.
+/// Limits the log lines that peers cause, so that no peer can fill the disk. Passes
+/// 100 lines in 10 s and drops the others; after the 10 s one line reports how many
+/// were dropped. Used on its own thread.
 class LogLimit : public QObject
 {
     Q_OBJECT
@@ -17,10 +17,10 @@ class LogLimit : public QObject
 public:
     LogLimit();
 
-    /// A final line, behind which nothing comes, is never left out.
+    /// Passes or drops a line. A final line is the last one and is never dropped.
     void tell(const QString& a_sLine, bool a_bFinal = false);
 
-    /// A text of others, fit to be a part of a line: cut to 100 characters.
+    /// A text of a peer as part of a line: shortened to 100 characters.
     [[nodiscard]] static QString part(const QString& a_sText);
 
 Q_SIGNALS:
@@ -29,7 +29,7 @@ Q_SIGNALS:
 private:
     void tellLeftOut();
 
-    QTimer m_window; ///< runs from the first line that is told
+    QTimer m_window; ///< 10 s, from the first line that passes
     int m_iLines = 0;
     quint64 m_uiLeftOut = 0;
 };

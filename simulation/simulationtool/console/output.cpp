@@ -24,7 +24,7 @@ constexpr qsizetype s_iBufferBytes = qsizetype{16} * 1024;
 void writeErrorLine(const QString& a_sBegin, const QString& a_sMessage)
 {
     const QByteArray line = (a_sBegin + terminalText(a_sMessage) + u'\n').toUtf8();
-    // Nobody is left to be informed when this fails.
+    // No channel is left to report an error of this write.
     withoutProgress([&] {
         static_cast<void>(std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr));
     });
@@ -33,7 +33,8 @@ void writeErrorLine(const QString& a_sBegin, const QString& a_sMessage)
 } // namespace
 
 Output::Output()
-    // The buffer of the file would hide the reason of a failed write.
+    // Unbuffered, because the file's own buffer would hide the error text of a failed
+    // write.
     : m_bOk(m_file.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered))
 {}
 
@@ -85,14 +86,15 @@ QString timeStamp(std::uint64_t a_uiMicroseconds)
     constexpr std::uint64_t uiMicroseconds = 1000; // in a millisecond
     const QDateTime local =
         QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(a_uiMicroseconds / uiMicroseconds));
-    // A local time has no offset in its text, a time with a fixed offset has.
+    // The text of a local time has no offset; that of a time with a fixed offset has
+    // one.
     return local.toOffsetFromUtc(local.offsetFromUtc()).toString(Qt::ISODateWithMs);
 }
 
 void prepareStandardStreams()
 {
     static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
-    // Standard output is opened for reading: what is written there must fail.
+    // Standard output is opened for reading only, so that writing to it fails.
     constexpr int s_iModes[] = {O_RDONLY, O_RDONLY, O_WRONLY};
     for (int iStream = STDIN_FILENO; iStream <= STDERR_FILENO; ++iStream) {
         if (::fcntl(iStream, F_GETFD) < 0 && ::open("/dev/null", s_iModes[iStream]) != iStream) {

@@ -9,20 +9,21 @@
 
 namespace SimulationTool {
 
-/// The program's standard output: buffered, UTF-8, and watched. A reader that
-/// goes away or a full disk is noticed at the next full buffer or at finish();
-/// what is written after that is dropped.
+/// The program's standard output: UTF-8, buffered (16 KiB). A closed pipe or a full
+/// disk is detected at the next full buffer or in finish(); text written after that
+/// is dropped.
 class Output
 {
 public:
     Output();
 
-    /// Text with its own line ends. It must be fit for a terminal already.
+    /// Writes a text with its own line ends. It must already be safe for a terminal
+    /// (see terminaltext.h).
     void write(const QString& a_sText);
-    /// False once something could not be written: stop then.
+    /// False after a failed write; the caller should stop then.
     [[nodiscard]] bool isOk() const { return m_bOk; }
-    /// Writes what is still buffered. False, with errorString(), when that or
-    /// anything before failed.
+    /// Writes the buffered rest. False, with errorString(), when this or any earlier
+    /// write failed.
     [[nodiscard]] bool finish();
     [[nodiscard]] QString errorString() const;
 
@@ -30,25 +31,25 @@ private:
     void writeBuffer();
 
     QFile m_file;
-    QByteArray m_buffer; ///< UTF-8 that is not written yet
+    QByteArray m_buffer; ///< UTF-8, not yet written
     bool m_bOk;
 };
 
-/// Writes one line to standard error: the program's name and the message, made
-/// harmless.
+/// Writes one line to standard error: the program's name and the message. Characters
+/// that can control a terminal are spelled out.
 void complain(const QString& a_sMessage);
 
-/// Writes one line to the log of a program that runs for long, which is standard
-/// error: the present time (see timeStamp()) and the message, made harmless.
+/// Writes one line to the log of a long-running program, which is standard error: the
+/// present time (see timeStamp()) and the message, as complain() does.
 void writeLog(const QString& a_sMessage);
 
 /// A time (us since 1970-01-01 UTC) as local time with its offset from UTC, to the
-/// millisecond: "2026-11-23T12:00:01.123+01:00"; "Z" is the offset of UTC itself.
+/// millisecond: "2026-11-23T12:00:01.123+01:00". The offset of UTC itself is "Z".
 [[nodiscard]] QString timeStamp(std::uint64_t a_uiMicroseconds);
 
-/// Makes sure that the program ends quietly when whoever reads its output has
-/// seen enough, and that no file which is opened later takes the place of a
-/// closed standard stream. To be called first of all.
+/// Lets the program end silently when the reader of its output closes the pipe, and
+/// opens closed standard streams on /dev/null, so that no file opened later takes
+/// their place. Call before anything else.
 void prepareStandardStreams();
 
 } // namespace SimulationTool

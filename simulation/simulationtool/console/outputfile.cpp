@@ -11,7 +11,7 @@ namespace SimulationTool {
 
 ExitCode replaceFile(const QString& a_sFile, const QByteArray& a_data)
 {
-    catchInterruptions(); // the file that is to take the place must not stay behind
+    catchInterruptions(); // so that an interrupted command removes the unfinished new file
     ReplacedFile file(a_sFile);
     const bool bWritten = file.open() && file.write(a_data);
     if (bWritten && isInterrupted()) {

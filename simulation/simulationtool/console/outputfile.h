@@ -8,12 +8,13 @@
 
 namespace SimulationTool {
 
-/// Replaces the file by the bytes; says why when that fails. What an interrupted
-/// command writes is not to take the place: Unusable, and nothing is said.
+/// Replaces the file's content. Reports an error as one line on standard error and
+/// returns Unusable; the old file stays. After an interruption also returns Unusable
+/// and keeps the old file, without a line.
 [[nodiscard]] ExitCode replaceFile(const QString& a_sFile, const QByteArray& a_data);
 
-/// Whether two names, of which the first may be empty or of no file yet, lead to
-/// one file.
+/// Whether two names lead to the same file. The first may be empty or name no file;
+/// the result is false then.
 [[nodiscard]] bool isSameFile(const QString& a_sFirst, const QString& a_sSecond);
 
 } // namespace SimulationTool

@@ -16,22 +16,22 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr milliseconds s_quiet(1000);  ///< work that is shorter shows nothing
-constexpr milliseconds s_renewal(200); ///< time between two lines
+constexpr milliseconds s_quiet(1000);  ///< no line is shown before
+constexpr milliseconds s_renewal(200); ///< between two updates of the line
 constexpr int s_iUsualColumns = 80;
 
-std::mutex s_terminal; ///< guards the line that stands on the terminal
+std::mutex s_terminal; ///< guards the two flags and the line on the terminal
 bool s_bShown = false;
-bool s_bTaken = false; ///< a progress exists
+bool s_bTaken = false; ///< a Progress object uses the terminal
 
 void writeTerminal(const QByteArray& a_text)
 {
-    // Nothing depends on what the terminal shows.
+    // A failed write is ignored: the progress line is only informative.
     [[maybe_unused]] const auto iWritten =
         ::write(STDERR_FILENO, a_text.constData(), static_cast<std::size_t>(a_text.size()));
 }
 
-/// With the mutex of the terminal held.
+/// The caller holds s_terminal.
 void erase()
 {
     if (s_bShown) {
@@ -40,7 +40,7 @@ void erase()
     }
 }
 
-/// One column less than the terminal has: a full line could wrap.
+/// One column less than the terminal, because a full line could wrap.
 qsizetype terminalColumns()
 {
     winsize size{};

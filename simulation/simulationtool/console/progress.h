@@ -10,38 +10,38 @@
 
 namespace SimulationTool {
 
-/// Shows on a terminal that work goes on: one line on standard error from the
-/// first second on, with the seconds that passed, erased when the object ends.
-/// Where standard error is no terminal nothing is written. One at a time; a
-/// second one shows nothing.
+/// A progress line on standard error: after 1 s it shows the work and the seconds
+/// passed, and it is erased when the object ends. Writes nothing unless standard
+/// error is a terminal. Only one object shows a line at a time; others show nothing.
+/// A thread of its own updates the line.
 class Progress
 {
 public:
-    /// What is done, "checking harbour.sce.exp". `a_detail`, when given, is asked
-    /// for more ("12 of 250 packages") several times a second on another thread
-    /// until the object ends.
+    /// `a_sWork` names the work: "checking harbour.sce.exp". `a_detail`, if given,
+    /// returns more ("12 of 250 packages"). It is called five times a second on
+    /// another thread until the object ends.
     explicit Progress(const QString& a_sWork, const std::function<QString()>& a_detail = {});
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// What is done from now on.
+    /// Changes the name of the work. Any thread may call it.
     void setWork(const QString& a_sWork);
 
 private:
     void run();
 
     std::function<QString()> m_detail;
-    std::mutex m_mutex; ///< guards what follows
+    std::mutex m_mutex; ///< guards m_sWork and m_bEnd
     std::condition_variable m_ended;
     QString m_sWork;
     bool m_bEnd = false;
-    std::thread m_thread; ///< not running where nothing is to be shown
+    std::thread m_thread; ///< not started when no line is shown
 };
 
-/// Runs writes to standard output or standard error while no progress stands on
-/// the terminal: the line is erased first, and shown again later. Any thread may
-/// call.
+/// Runs `a_write`, which writes to standard output or standard error, while no
+/// progress line is on the terminal: erases the line first; the next update shows it
+/// again. Any thread may call it.
 void withoutProgress(const std::function<void()>& a_write);
 
 } // namespace SimulationTool

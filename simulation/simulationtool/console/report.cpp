@@ -22,8 +22,8 @@ QString indent(qsizetype a_iWidth)
     return QString(a_iWidth, u' ');
 }
 
-/// The lines of a text: its own, and those that wrapping at spaces adds. A word
-/// that is wider than a line stays whole.
+/// Splits a text at its line ends, and wraps it at spaces. A word longer than a line
+/// is not split.
 QStringList wrapped(const QString& a_sText)
 {
     QStringList lines;
@@ -259,7 +259,7 @@ void Report::keep(const char* a_szKey, const QJsonValue& a_value)
     }
 }
 
-/// Puts the present place into the document, which then is the present place.
+/// Adds the current place to the document, which becomes the current place.
 void Report::closePlace()
 {
     if (isText() || m_sPlaceKey.isEmpty()) {

@@ -17,7 +17,7 @@ namespace SimulationTool {
 
 class Output;
 
-/// For whom a report is.
+/// The reader of a report.
 enum class ReportForm {
     Text, ///< people: headings, labelled values and tables, written as they arrive
     Json, ///< programs: one JSON document, written by finish()
@@ -25,20 +25,20 @@ enum class ReportForm {
 
 /// Adds the option --json to a command.
 void addJsonOption(QCommandLineParser& a_parser);
-/// What the parsed arguments ask for.
+/// The form that the parsed arguments select.
 [[nodiscard]] ReportForm reportForm(const QCommandLineParser& a_parser);
 
-/// A row of a table as people read it.
+/// A table row as text for people; "-" for an empty cell.
 [[nodiscard]] QStringList cellTexts(const ReportRow& a_row);
-/// A row of a table as programs get it: the columns that have a key.
+/// A table row as an object for programs, with the columns that have a key.
 [[nodiscard]] QJsonObject rowObject(const QList<TextColumn>& a_columns, const ReportRow& a_row);
 
-/// Writes the report of a command to the output, which it does not own. The
-/// command reports every fact once, with its label for people and its key for
-/// programs; a null key keeps a fact that others already carry from programs.
+/// Writes the report of a command, as text for people or as JSON for programs, to an
+/// output that it does not own. The command reports every fact once, with a label for
+/// people and a key for programs. A fact with a null key is left out for programs.
 ///
-/// For programs a fact belongs to the present place: the document itself, until
-/// a heading opens an object of it.
+/// In JSON a fact is added to the current place: the document itself, or the object
+/// that the latest heading with a key began.
 class Report
 {
 public:
@@ -46,53 +46,55 @@ public:
 
     [[nodiscard]] ReportForm form() const { return m_eForm; }
 
-    /// A heading in the first column, after an empty line unless it is the
-    /// first. The present place becomes the document itself.
+    /// A heading in the first column, after an empty line unless it is the first. The
+    /// current place becomes the document itself.
     void heading(const QString& a_sText);
-    /// The same; the present place becomes the document's object of that key.
+    /// The same; the current place becomes the document's object of that key.
     void heading(const QString& a_sText, const char* a_szKey);
-    /// The same; the present place becomes a new object at the end of the
-    /// document's list of that key.
+    /// The same; the current place becomes a new object at the end of the document's
+    /// list of that key.
     void itemHeading(const QString& a_sText, const char* a_szKey);
-    /// A new object at the end of a list, without anything that people see.
+    /// Begins a new object at the end of the document's list of that key; people see
+    /// nothing.
     void beginItem(const char* a_szKey);
-    /// From now on facts belong to the document itself again.
+    /// The current place becomes the document itself again.
     void endPlace() { closePlace(); }
-    /// A list that may stay empty.
+    /// Adds a list of that key to the current place, so that it is written even when
+    /// empty.
     void list(const char* a_szKey);
 
     /// A label and its value, wrapped at spaces and broken at line ends.
     void field(const char* a_szKey, const QString& a_sLabel, const ReportValue& a_value);
-    /// A value for programs only: people read it in another fact's text.
+    /// A value for programs only; people read it in the text of another fact.
     void value(const char* a_szKey, const QJsonValue& a_value);
-    /// A field about the whole report: apart, unless there are but fields before
-    /// it. It belongs to the document itself.
+    /// A field about the whole report, which belongs to the document itself. An empty
+    /// line separates it, unless the report consists of one heading with fields only.
     void conclusion(const char* a_szKey, const QString& a_sLabel, const ReportValue& a_value);
     /// A line for people only.
     void line(const QString& a_sText);
-    /// For programs an object at the end of the present place's list of that key.
+    /// For programs: appends an object to the current place's list of that key.
     void record(const char* a_szKey, const QJsonObject& a_object);
-    /// The same, and a line for people.
+    /// The same, with a line for people.
     void record(const char* a_szKey, const QJsonObject& a_object, const QString& a_sText);
 
-    /// A line of something that is followed, written at once: the text for people,
-    /// the object on one line for programs, who get no document then. False once the
-    /// output failed.
+    /// One event of a followed stream, written at once: the text for people, the
+    /// object on one line for programs. finish() writes no document then. False once
+    /// the output failed.
     [[nodiscard]] bool event(const QJsonObject& a_object, const QString& a_sText);
 
-    /// A table from the first column on; for programs a list of objects. People
-    /// see nothing without rows.
+    /// A table without indentation; for programs a list of objects. A table without
+    /// rows is not shown to people.
     void plainTable(const char* a_szKey, const QList<TextColumn>& a_columns, const QList<ReportRow>& a_rows);
     /// The same, indented.
     void table(const char* a_szKey, const QList<TextColumn>& a_columns, const QList<ReportRow>& a_rows);
-    /// The same with a title line of its own.
+    /// The same with a title line.
     void titledTable(const char* a_szKey, const QString& a_sTitle, const QList<TextColumn>& a_columns,
                      const QList<ReportRow>& a_rows);
 
-    /// Writes the document for programs; nothing for people, who have it all, and
-    /// nothing after an event(). To be called once, last.
+    /// Writes the JSON document. Writes nothing in the text form, which is complete
+    /// already, and nothing after an event(). Call once, last.
     void finish();
-    /// False once the output failed: the rest need not be put together.
+    /// False once the output failed; the caller may skip the rest of the report.
     [[nodiscard]] bool isOk() const;
 
 private:
@@ -106,15 +108,16 @@ private:
     Output& m_output;
     ReportForm m_eForm;
     bool m_bFirst = true;
-    bool m_bEvents = false;    ///< were written
-    bool m_bOnlyFields = true; ///< below the first heading
+    bool m_bEvents = false;    ///< an event was written
+    bool m_bOnlyFields = true; ///< no table since the first heading
 
-    // For programs. A large list is copied when it is taken out of an object.
+    // The JSON document. Lists are kept apart, because taking one out of a
+    // QJsonObject to append to it would copy it.
     QJsonObject m_document;
-    QMap<QString, QJsonArray> m_lists; ///< of the document
-    QJsonObject m_place;               ///< when it is not the document
+    QMap<QString, QJsonArray> m_lists; ///< the document's lists
+    QJsonObject m_place;               ///< the current place, unless that is the document
     QMap<QString, QJsonArray> m_placeLists;
-    QString m_sPlaceKey; ///< empty: the document is the present place
+    QString m_sPlaceKey; ///< empty: the document is the current place
     bool m_bPlaceInList = false;
 };
 

@@ -7,16 +7,16 @@
 
 namespace SimulationTool {
 
-/// One value of a report: what people read, and what programs read. Both are
-/// made in one place, so they cannot differ.
+/// One value of a report, as text for people and as JSON for programs. Both are made
+/// in one place, so they cannot differ.
 struct ReportValue
 {
-    /// A text is what both read; an empty one is null for programs.
+    /// A text for both; an empty one is null for programs.
     // NOLINTNEXTLINE(google-explicit-constructor): a text is a value as it is
     ReportValue(const QString& a_sText);
     ReportValue(const QString& a_sText, const QJsonValue& a_json);
 
-    QString text; ///< empty: a dash is shown
+    QString text; ///< empty: shown as "-"
     QJsonValue json;
 };
 
@@ -31,15 +31,15 @@ using ReportRow = QList<ReportValue>;
 /// The shortest text that reads back as the same number.
 [[nodiscard]] ReportValue numberValue(double a_dNumber);
 [[nodiscard]] ReportValue numberValue(float a_fNumber);
-/// Fixed decimals in the text, all digits for programs.
+/// Fixed decimals in the text, full precision for programs.
 [[nodiscard]] ReportValue numberValue(double a_dNumber, int a_iDecimals);
 /// "yes" and "no", true and false.
 [[nodiscard]] ReportValue flagValue(bool a_bFlag);
-/// A frequency: with a fitting unit in the text, in Hz for programs.
+/// A frequency (Hz): the text uses Hz, kHz, MHz or GHz, JSON uses Hz.
 [[nodiscard]] ReportValue frequencyValue(double a_dFrequency);
 /// A duration in ms: "2000 ms" in the text; null for programs when unlimited.
 [[nodiscard]] ReportValue durationValue(qint64 a_iMilliseconds);
-/// The level of a signal.
+/// A level; levelText() gives its text.
 [[nodiscard]] ReportValue levelValue(float a_fLevel);
 
 } // namespace SimulationTool

@@ -93,7 +93,7 @@ QString shortened(const QString& a_sText, qsizetype a_iWidth)
     qsizetype iKept = 0;
     for (qsizetype i = 0; i < a_sText.size(); i += codePointUnits(a_sText, i)) {
         if (iWidth == a_iWidth - 1) {
-            iKept = i; // where the ellipsis would go
+            iKept = i; // the place of the ellipsis
         }
         if (++iWidth > a_iWidth) {
             return a_sText.left(iKept) + QChar(s_cEllipsis);

@@ -6,20 +6,22 @@
 
 namespace SimulationTool {
 
-/// The text with everything that could steer a terminal spelled out: control,
+/// The text with every character that can control a terminal spelled out: control,
 /// format, line-breaking and other unprintable characters become "\n", "\t", "\r" or
-/// "\u{1b}". A harmless text is returned as it is.
+/// "\u{1b}". A text without such characters is returned unchanged.
 [[nodiscard]] QString terminalText(const QString& a_sText);
 
-/// The code units of the code point at an index; a lone surrogate is one.
+/// The number of UTF-16 units of the code point at an index; a lone surrogate counts
+/// as one.
 [[nodiscard]] qsizetype codePointUnits(QStringView a_sText, qsizetype a_iIndex);
-/// Whether a terminal only shows this one code point.
+/// Whether this one code point is printable and cannot control a terminal.
 [[nodiscard]] bool isHarmlessText(QStringView a_sCodePoint);
 
-/// How many columns a text takes: one for each code point.
+/// The number of columns that a text takes: one for each code point.
 [[nodiscard]] qsizetype terminalWidth(QStringView a_sText);
 
-/// The text, cut to a width (at least 1) and then ending in an ellipsis.
+/// The text, shortened to a width (columns, at least 1); a shortened text ends in an
+/// ellipsis.
 [[nodiscard]] QString shortened(const QString& a_sText, qsizetype a_iWidth);
 
 } // namespace SimulationTool

@@ -29,7 +29,7 @@ QString TextTable::cellText(qsizetype a_iColumn, const QString& a_sCell) const
 {
     const QString sText = terminalText(a_sCell);
     const qsizetype iMaxWidth = m_columns.at(a_iColumn).maxWidth;
-    // A title is never cut, and its column is at least that wide.
+    // A title is never cut, so its column is at least as wide as the title.
     return iMaxWidth > 0 ? shortened(sText, std::max(iMaxWidth, m_widths.at(a_iColumn))) : sText;
 }
 
@@ -61,7 +61,7 @@ QString TextTable::rule() const
 QString TextTable::row(const QStringList& a_cells) const
 {
     QString sLine;
-    qsizetype iOwed = 0; // spaces that only matter when something follows
+    qsizetype iOwed = 0; // pending spaces, written only before the next cell that is not empty
     for (qsizetype i = 0; i < m_columns.size(); ++i) {
         const QString sText = cellText(i, a_cells.value(i));
         const qsizetype iFree = m_widths.at(i) - terminalWidth(sText);

@@ -12,30 +12,30 @@ struct TextColumn
 {
     QString title;
     bool alignRight = false;
-    /// Longer cells are cut; 0 = never, which suits the last column.
+    /// Columns; longer cells are cut. 0 = without limit, for the last column.
     qsizetype maxWidth = 0;
-    /// What programs call the column; null: it is for people only.
+    /// The JSON key; null: the column is for people only.
     const char* key = nullptr;
 };
 
-/// Lays rows out in aligned columns for a terminal. Cells are made harmless
-/// first, so their widths are those of what is shown. The rows themselves are
-/// not kept: a table of any length takes no memory, once its columns are wide
-/// enough.
+/// Formats rows as aligned columns for a terminal. Cells are passed through
+/// terminalText() first, so widths are those of the shown text. The rows are not
+/// kept: memory does not grow with their number.
 class TextTable
 {
 public:
-    /// Every column is as wide as its title.
+    /// Makes every column as wide as its title.
     explicit TextTable(const QList<TextColumn>& a_columns);
 
-    /// Widens the columns for a row. A row without this keeps its own line
-    /// whole, but pushes what follows a wide cell to the right.
+    /// Widens the columns for a row. A row that was not fitted is still written
+    /// whole, but a wide cell shifts the cells to its right.
     void fit(const QStringList& a_cells);
 
-    /// The line of titles, and the one below it.
+    /// The line of titles, and the line of dashes below it.
     [[nodiscard]] QString titles() const;
     [[nodiscard]] QString rule() const;
-    /// One line, like all of them without its end. Missing cells are empty.
+    /// One row as a line; like the others, without a line end. Missing cells are
+    /// empty.
     [[nodiscard]] QString row(const QStringList& a_cells) const;
 
 private:

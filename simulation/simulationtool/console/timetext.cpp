@@ -17,10 +17,10 @@ struct TimeUnit
 constexpr std::array<TimeUnit, 5> s_units{
     {{"", 1}, {"ms", 1}, {"s", 1000}, {"min", 60'000}, {"h", 3'600'000}}};
 
-constexpr qsizetype s_iMaxDigits = 12; ///< of either part: no product overflows
+constexpr qsizetype s_iMaxDigits = 12; ///< before and after the point; no product overflows 64 bits
 
-/// Digits as a whole number of the unit's part that the last one stands for.
-/// Nothing when that is no whole number of milliseconds.
+/// The decimal digits after the point, as whole milliseconds of a unit (ms). No value
+/// when they are not a whole number of milliseconds.
 std::optional<std::uint64_t> fractionOf(const QString& a_sDigits, std::uint64_t a_uiUnit)
 {
     std::uint64_t uiScale = 1;

@@ -15,12 +15,12 @@ namespace {
 constexpr double s_dKilo = 1e3;
 constexpr double s_dMega = 1e6;
 constexpr double s_dGiga = 1e9;
-constexpr double s_dFixedLimit = 1e9; ///< from here on numbers are scientific
+constexpr double s_dFixedLimit = 1e9; ///< numbers of this magnitude and above are shown in scientific form
 constexpr int s_iScientificDigits = 6;
 constexpr int s_iLevelDecimals = 3;
 constexpr float s_fFixedLevelFrom = 0.1F;
 constexpr float s_fFixedLevelTo = 1e5F;
-constexpr std::size_t s_uiFloatTextBytes = 32; ///< twice what the longest takes
+constexpr std::size_t s_uiFloatTextBytes = 32; ///< about twice the longest result
 
 } // namespace
 

@@ -7,7 +7,7 @@
 
 namespace SimulationTool {
 
-/// Values as people read them; independent of the locale.
+/// Values as text for people; independent of the locale.
 
 /// "yes" or "no".
 [[nodiscard]] QString yesNo(bool a_bValue);
@@ -15,15 +15,15 @@ namespace SimulationTool {
 [[nodiscard]] QString plainNumber(double a_dValue);
 /// The same in single precision.
 [[nodiscard]] QString shortNumber(float a_fValue);
-/// A level with three decimals, where it is very large or small in scientific
-/// form: a column keeps its width. "14.012", "1.418e-12".
+/// A level with three decimals, in scientific form unless its magnitude is 0 or in
+/// [0.1, 1e5), so that a column keeps its width: "14.012", "1.418e-12".
 [[nodiscard]] QString levelText(float a_fLevel);
-/// A frequency (Hz) with a fitting unit and all its digits: "156.8 MHz".
+/// A frequency (Hz) in Hz, kHz, MHz or GHz with all its digits: "156.8 MHz".
 [[nodiscard]] QString frequencyText(double a_dFrequency);
-/// A number with fixed decimals, or in scientific form when it has more than
-/// nine digits before the point: a column keeps its width.
+/// A number with fixed decimals, or in scientific form from 1e9 on, so that a column
+/// keeps its width.
 [[nodiscard]] QString fixedNumber(double a_dValue, int a_iDecimals);
-/// "2000 ms", or "unlimited".
+/// A duration (ms): "2000 ms", or "unlimited" for EmissionSettings::s_iUnlimited.
 [[nodiscard]] QString durationText(qint64 a_iMilliseconds);
 [[nodiscard]] QString endBehaviourText(Simulation::EndBehaviourType a_eBehaviour);
 /// The same for programs: "stop", "inactive" or "restart".

@@ -8,17 +8,17 @@
 
 namespace SimulationTool {
 
-/// What a number on the command line must be.
+/// The allowed range of a number on the command line.
 struct NumberRange
 {
-    QString name;     ///< as it is called there, "--step"
-    const char* unit; ///< " of milliseconds", or ""
+    QString name;     ///< the option or argument, as in "--step"
+    const char* unit; ///< follows "a whole number": " of milliseconds", or ""
     std::uint32_t min = 0;
     std::uint32_t max = UINT32_MAX;
 };
 
-/// Reads a number that is written with digits only. Nothing, with a reason, for
-/// any other text and beyond the range.
+/// Reads a number that is written with digits only. For any other text, and outside
+/// the range, returns no value and sets the error text `a_sReason`.
 [[nodiscard]] std::optional<std::uint32_t> wholeNumber(const QString& a_sText, const NumberRange& a_range,
                                                        QString& a_sReason);
 
