@@ -8,14 +8,14 @@
 /// The state is kept per thread and starts as if seeded with 1.
 namespace Crt {
 
-/// The largest number that rand() gives.
+/// The largest number that rand() returns.
 constexpr int s_iRandMax = 0x7FFF;
 
 /// The next number of this thread's sequence, [0, 32767]. Linear congruential:
 /// state = state * 214013 + 2531011 (mod 2^32), result = bits 16 to 30.
 SIMULATIONDATA_EXPORT int rand();
 
-/// Restarts this thread's sequence at `a_uiSeed`.
+/// Seeds this thread's sequence with `a_uiSeed`.
 SIMULATIONDATA_EXPORT void srand(unsigned int a_uiSeed);
 
 } // namespace Crt

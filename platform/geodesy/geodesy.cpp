@@ -22,7 +22,7 @@ bool isOnGlobe(const Point& a_point)
     return std::isfinite(a_point.longitude) && std::fabs(a_point.latitude) <= s_dMaximumLatitude;
 }
 
-/// An azimuth of (-360, 360) as [0, 360).
+/// Maps an azimuth from (-360, 360) to [0, 360) degrees.
 double normalised(double a_dAzimuth)
 {
     const double dTurned = a_dAzimuth < 0.0 ? a_dAzimuth + s_dFullCircle : a_dAzimuth;
@@ -30,15 +30,17 @@ double normalised(double a_dAzimuth)
     return dTurned >= s_dFullCircle ? 0.0 : dTurned + 0.0;
 }
 
+/// The geodesic between two points. The default object stands for "none".
 struct Way
 {
     double metres = s_dNotANumber;
-    double azimuth = 0.0; ///< degrees at the start, [-180, 180]
+    double azimuth = 0.0; ///< at the start, degrees clockwise from north, [-180, 180]
 };
 
-// GeographicLib takes the latitude first and may throw. These two functions are
-// the only ones that call it, so the order is turned round here and nowhere else.
+// GeographicLib takes the latitude first and may throw. Only these two functions call
+// it: they swap the coordinates and return NaN after an exception.
 
+/// The inverse geodesic problem: length and start azimuth of the shortest line.
 Way wayBetween(const Point& a_from, const Point& a_to)
 {
     if (!isOnGlobe(a_from) || !isOnGlobe(a_to)) {
@@ -55,6 +57,8 @@ Way wayBetween(const Point& a_from, const Point& a_to)
     }
 }
 
+/// The direct geodesic problem: the end of a line of given start, azimuth (degrees)
+/// and length (metres). Azimuth and length may have any finite value.
 Point pointAfter(const Point& a_start, double a_dAzimuth, double a_dMetres)
 {
     Point end{s_dNotANumber, s_dNotANumber};
@@ -72,6 +76,8 @@ Point pointAfter(const Point& a_start, double a_dAzimuth, double a_dMetres)
 double azimuth(const Point& a_from, const Point& a_to)
 {
     const Way way = wayBetween(a_from, a_to);
+    // Coincident points have no azimuth. A length that is NaN fails the comparison,
+    // too.
     return way.metres > 0.0 ? normalised(way.azimuth) : 0.0;
 }
 

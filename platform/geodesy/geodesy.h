@@ -18,24 +18,24 @@ struct Point
     double latitude = 0.0;  ///< degrees, north positive
 };
 
-/// The azimuth at `a_from` of the shortest way to `a_to`, degrees clockwise
-/// from north, [0, 360). 0 for coincident points, and when a point lies outside
-/// the globe or is not a number.
+/// The azimuth at `a_from` of the geodesic to `a_to`, degrees clockwise from north,
+/// [0, 360). 0 for coincident points, and when a point lies outside the globe or is
+/// not a number.
 [[nodiscard]] SIMULATIONDATA_EXPORT double azimuth(const Point& a_from, const Point& a_to);
 
-/// The length of the shortest way between two points, kilometres. Not a number
-/// when a point lies outside the globe or is not a number.
+/// The length of the geodesic between two points, kilometres. Not a number when a
+/// point lies outside the globe or is not a number.
 [[nodiscard]] SIMULATIONDATA_EXPORT double distance(const Point& a_from, const Point& a_to);
 
-/// The point reached from `a_start` by going `a_dDistance` kilometres
-/// (negative: backwards) straight on at `a_dAzimuth`, degrees clockwise from
-/// north at the start. Longitude in [-180, 180]. Both coordinates are not a
-/// number when the start lies outside the globe or an argument is not finite.
+/// The end of the geodesic that leaves `a_start` at `a_dAzimuth` (degrees clockwise
+/// from north) and is `a_dDistance` kilometres long; a negative length runs
+/// backwards. Longitude in [-180, 180]. Both coordinates are not a number when the
+/// start lies outside the globe or an argument is not finite.
 [[nodiscard]] SIMULATIONDATA_EXPORT Point destination(const Point& a_start, double a_dAzimuth,
                                                       double a_dDistance);
 
-/// Degrees, minutes and seconds of arc as decimal degrees. The parts are
-/// magnitudes: the hemisphere is the caller's to apply.
+/// Degrees, minutes and seconds of arc as decimal degrees. The arguments are
+/// magnitudes; the caller applies the sign of the hemisphere.
 [[nodiscard]] SIMULATIONDATA_EXPORT double decimalDegrees(double a_dDegrees, double a_dMinutes,
                                                           double a_dSeconds);
 

@@ -21,7 +21,8 @@ constexpr double s_dMaximumLatitude = 90.0;
 constexpr double s_dHalfCircle = 180.0;
 constexpr double s_dFullCircle = 360.0;
 
-/// Latitude bands of 8 degrees from 80 degrees south; the last one has 12.
+/// Letters of the UTM latitude bands: 8 degrees each from 80 degrees south, the last
+/// one 12 degrees. The letters I and O are not used.
 constexpr QStringView s_sBands = u"CDEFGHJKLMNPQRSTUVWX";
 constexpr qsizetype s_iFirstNorthernBand = 10;
 constexpr double s_dBandOrigin = -80.0;
@@ -30,13 +31,14 @@ constexpr double s_dBandHeight = 8.0;
 constexpr int s_iMetreDigits = 7;
 constexpr double s_dLargestMetres = 9999999.0;
 
-constexpr qsizetype s_iMgrsDigits = 6; ///< an axis: 0.1 m, GeographicLib's precision 6
-/// Lengths of the parts of an MGRS text: zone and band, square, digits an axis.
+constexpr qsizetype s_iMgrsDigits = 6; ///< per axis: 0.1 m, GeographicLib's precision 6
+/// Lengths of the parts of an MGRS text: zone and band, square, digits per axis.
 constexpr qsizetype s_iMgrsZone = 3;
 constexpr qsizetype s_iMgrsSquare = 2;
 constexpr qsizetype s_iMgrsLength = s_iMgrsZone + s_iMgrsSquare + 2 * s_iMgrsDigits;
 
-/// Maidenhead cells: 18 fields of 10 squares of 24 subsquares on either axis.
+/// Maidenhead cells: 18 fields of 10 squares of 24 subsquares on each axis, which
+/// makes a cell 5 minutes of arc wide and 2.5 high.
 constexpr int s_iFields = 18;
 constexpr int s_iSquares = 10;
 constexpr int s_iSubsquares = 24;
@@ -46,6 +48,7 @@ constexpr double s_dCellsPerLatitude = s_iCells / s_dHalfCircle;
 constexpr qsizetype s_iMaidenheadLength = 6;
 constexpr double s_dCellCentre = 0.5;
 
+/// A UTM position, with the false easting and northing of its zone and hemisphere.
 struct GridPoint
 {
     int zone = UTMUPS::INVALID;
@@ -54,8 +57,10 @@ struct GridPoint
     double northing = 0.0; ///< metres
 };
 
-// GeographicLib takes the latitude first and throws; the callers catch.
+// GeographicLib takes the latitude first and may throw; GetString() and SetString()
+// catch the exceptions.
 
+/// The UTM position in the standard zone; no value outside latitudes [-80, 84).
 std::optional<GridPoint> gridPoint(const Coord& a_coord)
 {
     // Adding 0 removes the sign of -0, which would count as south of the equator.
@@ -76,6 +81,8 @@ Coord fromGridPoint(const GridPoint& a_point)
     return {dLongitude, dLatitude};
 }
 
+/// Whole metres in 7 digits, which cannot show the northing 10,000,000 of the equator
+/// in the southern hemisphere.
 QString metresText(double a_dMetres)
 {
     const double dMetres = std::clamp(std::round(a_dMetres), 0.0, s_dLargestMetres);
@@ -94,7 +101,7 @@ bool isLetters(QStringView a_sText)
                        [](QChar a_character) { return a_character >= u'A' && a_character <= u'Z'; });
 }
 
-/// The place of a character after `a_first`, none unless below `a_iCount`.
+/// The distance of a character from `a_first`; no value unless in [0, a_iCount).
 std::optional<int> indexOf(QChar a_character, char16_t a_first, int a_iCount)
 {
     const int iIndex = a_character.unicode() - a_first;
@@ -107,15 +114,15 @@ QString utmText(const Coord& a_coord)
     if (!point) {
         return {};
     }
-    // Whole degrees first: a latitude just south of a band's edge would be
-    // rounded on to it.
+    // Band number = floor((latitude + 80) / 8). Whole degrees are taken first: adding
+    // 80 to a latitude just south of a band's edge would round onto the edge.
     const double dBand = std::floor((std::floor(a_coord.second()) - s_dBandOrigin) / s_dBandHeight);
     const qsizetype iBand = std::clamp<qsizetype>(static_cast<qsizetype>(dBand), 0, s_sBands.size() - 1);
     return QString::number(point->zone).rightJustified(2, u'0') + s_sBands[iBand] + u' ' +
            metresText(point->easting) + u' ' + metresText(point->northing);
 }
 
-/// "32U 0691928 5335080", upper case.
+/// Reads "32U 0691928 5335080", upper case. The band only gives the hemisphere.
 std::optional<Coord> fromUtmText(QStringView a_sText)
 {
     constexpr qsizetype iEastingAt = 4;
@@ -155,7 +162,7 @@ QString mgrsText(const Coord& a_coord)
     return sText;
 }
 
-/// "32U-PU-919280-350802", upper case.
+/// Reads "32U-PU-919280-350802", upper case, as the centre of the cell.
 std::optional<Coord> fromMgrsText(const QString& a_sText)
 {
     const QStringList parts = a_sText.split(u'-');
@@ -180,10 +187,13 @@ QString maidenheadText(const Coord& a_coord)
     const auto cell = [](double a_dCells) {
         return static_cast<int>(std::clamp(a_dCells, 0.0, s_iCells - 1.0));
     };
-    // [-180, 180]; the date line belongs to the cells east of it.
+    // In [-180, 180]; longitude 180 belongs to the cells that begin at -180.
     const double dLongitude = std::remainder(a_coord.first(), s_dFullCircle);
     const double dEast = dLongitude >= s_dHalfCircle ? 0.0 : dLongitude + s_dHalfCircle;
     const int iEast = cell(dEast * s_dCellsPerLongitude);
+    // Cells count from longitude -180 and latitude -90. Field, square and subsquare
+    // are the digits of the cell number to the bases 18, 10 and 24, each for the
+    // longitude first.
     const int iNorth = cell((a_coord.second() + s_dMaximumLatitude) * s_dCellsPerLatitude);
     QString sText;
     for (const int iCell : {iEast, iNorth}) {
@@ -198,7 +208,8 @@ QString maidenheadText(const Coord& a_coord)
     return sText;
 }
 
-/// The cell along one axis: field, square and subsquare lie two characters apart.
+/// The cell number on one axis, no value for an invalid character: field, square and
+/// subsquare lie two characters apart.
 std::optional<int> maidenheadCell(QStringView a_sText)
 {
     const std::optional<int> field = indexOf(a_sText[0], u'A', s_iFields);
@@ -210,7 +221,7 @@ std::optional<int> maidenheadCell(QStringView a_sText)
     return (*field * s_iSquares + *square) * s_iSubsquares + *subsquare;
 }
 
-/// "JN58SD", upper case.
+/// Reads "JN58SD", upper case, as the centre of the cell.
 std::optional<Coord> fromMaidenheadText(QStringView a_sText)
 {
     if (a_sText.size() != s_iMaidenheadLength) {

@@ -7,16 +7,16 @@
 
 /// A geographic position that can be written and read in grid forms, WGS 84.
 ///
-/// A plain value; a default object is the position (0, 0). Nothing here throws.
-/// The texts, with their example for longitude 11.58, latitude 48.14:
-/// - UTM "32U 0691928 5335080": zone, latitude band, easting and northing,
-///   rounded to whole metres; northings just south of the equator stop at
-///   9999999. When read, the band letter says no more than the hemisphere.
-/// - MGRS "32U-PU-919280-350802": zone and band, 100 km square, easting and
-///   northing in units of 0.1 m, truncated.
-/// - Maidenhead "JN58SD": a cell of 5 by 2.5 minutes of arc.
-/// Texts are written in upper case and read in either case. An MGRS or
-/// Maidenhead text stands for the centre of its cell.
+/// A plain value; a default object is the position (0, 0). Nothing here throws. The
+/// texts, with their example for longitude 11.58, latitude 48.14:
+/// - UTM "32U 0691928 5335080": zone, latitude band, easting and northing, rounded to
+///   whole metres; northings just south of the equator are cut to 9999999. When read,
+///   the band letter only gives the hemisphere.
+/// - MGRS "32U-PU-919280-350802": zone and band, 100 km square, easting and northing
+///   in units of 0.1 m, truncated.
+/// - Maidenhead "JN58SD": a cell of 5 by 2.5 minutes of arc. Texts are written in
+///   upper case and read in either case. An MGRS or Maidenhead text reads as the
+///   centre of its cell.
 class SIMULATIONDATA_EXPORT Coord
 {
 public:
@@ -27,8 +27,8 @@ public:
 
     Coord() = default;
 
-    /// Longitude first, degrees, east and north positive. Stored as given; a
-    /// longitude is taken modulo 360 when a text is asked for.
+    /// Longitude first, degrees, east and north positive. Stored as given;
+    /// GetString() takes the longitude modulo 360.
     Coord(double a_dLongitude, double a_dLatitude);
 
     /// The stored pair: longitude and latitude, degrees.
@@ -40,8 +40,8 @@ public:
     /// latitudes [-80, 84).
     [[nodiscard]] QString GetString(int a_iFormat) const;
 
-    /// Takes the position from a text. False for a text that cannot be read and
-    /// for an unknown format: the position is then (0, 0).
+    /// Reads the position from a text. False for an invalid text and for an unknown
+    /// format; the position is then (0, 0).
     bool SetString(const QString& a_sText, int a_iFormat);
 
 private:

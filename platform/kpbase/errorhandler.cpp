@@ -14,7 +14,8 @@ ErrorHandler& ErrorHandler::Instance()
 
 namespace {
 
-/// A message as one line: what names and files hold must not break it.
+/// A message as one line: control characters, for example from file names, become
+/// blanks.
 QString oneLine(QString a_sMessage)
 {
     std::replace_if(

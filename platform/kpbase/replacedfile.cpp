@@ -12,8 +12,8 @@ namespace {
 
 constexpr qint64 s_iBufferBytes = qint64{64} * 1024;
 
-/// Where the disk lies in a network, only this reports that it is full. Not every
-/// file system can do it.
+/// False, with the error text, when the disk is full or fails: on a network disk only
+/// fsync() reports this. File systems that cannot sync are accepted.
 bool syncToDisk(const QFileDevice& a_file, QString* a_pReason)
 {
 #ifdef Q_OS_UNIX
@@ -43,7 +43,8 @@ bool writeAll(QIODevice& a_device, const char* a_pBytes, qint64 a_iBytes)
 bool writeThrough(QIODevice& a_device, const QByteArray& a_data)
 {
     auto* const pFile = qobject_cast<QFileDevice*>(&a_device);
-    // A flush that fails midway has no reason either; the next one has.
+    // A flush that writes only part of the bytes leaves no error text; the next flush
+    // does.
     return writeAll(a_device, a_data.constData(), a_data.size()) &&
            (pFile == nullptr || pFile->flush() || pFile->flush());
 }
@@ -70,7 +71,7 @@ bool ReplacedFile::open()
     if (target.exists() && !target.isFile()) {
         return fail(target.isDir() ? QStringLiteral("is a folder") : QStringLiteral("is not a regular file"));
     }
-    // The buffer of the device would hide the reason of a failed write.
+    // The buffer of the device would hide the error text of a failed write.
     return m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || fail(m_file.errorString());
 }
 

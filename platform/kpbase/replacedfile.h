@@ -10,41 +10,43 @@
 class QFileDevice;
 class QIODevice;
 
-// How files are written: every failure leaves the system's reason, such as "No
-// space left on device", in errorString(). A disk that becomes full takes a part
-// of a write without a reason; only the write that takes nothing has one, so the
-// rest is always written once more.
+// How files are written. Every failure leaves the system's error text, such as "No
+// space left on device", in errorString(). A disk that becomes full accepts part of a
+// write without an error and reports the error only when it accepts no byte. So the
+// rest of a partial write is always written again.
 
-/// Writes all of the bytes. False, with the reason in the device's errorString(),
-/// when the device does not take them.
+/// Writes all of the bytes. False, with the error text in the device's errorString(),
+/// when the device does not accept them.
 [[nodiscard]] SIMULATIONDATA_EXPORT bool writeAll(QIODevice& a_device, const char* a_pBytes, qint64 a_iBytes);
 
-/// The same, and has a file write at once what it buffers: when the bytes are few,
-/// a full disk is seen only then.
+/// Like writeAll(), and flushes the buffer of a file: a full disk may report an error
+/// for few bytes only then.
 [[nodiscard]] SIMULATIONDATA_EXPORT bool writeThrough(QIODevice& a_device, const QByteArray& a_data);
 
-/// Closes a file that was written unbuffered. False with the system's reason when the
-/// disk cannot take it: of some disks in a network a full one is seen only then. Does
-/// not wait until the disk holds the bytes: for files that can be made again.
+/// Closes a file that was written unbuffered. False, with the system's error text,
+/// when that fails: some network disks report that they are full only then. Does not
+/// wait until the disk holds the bytes: use it for files that can be made again.
 [[nodiscard]] bool closeWritten(QFileDevice& a_file, QString* a_pReason);
 
-/// A file that commit() replaces whole. When anything fails, or commit() is not
-/// called, the former file stays as it was. The new one is made beside it, so the
-/// folder must be writable. An object belongs to one thread.
+/// A file that commit() replaces as a whole. When any operation fails, or commit() is
+/// not called, the former file stays as it was. The new file is made in the same
+/// folder, which must be writable. An object belongs to one thread.
 class SIMULATIONDATA_EXPORT ReplacedFile
 {
 public:
     explicit ReplacedFile(const QString& a_sFile);
 
-    /// False when the place cannot be written. What is there already must be a
-    /// regular file: to replace a device or a pipe would take it from everybody.
+    /// Makes the new file. False when the folder is not writable, or when the name
+    /// belongs to anything but a regular file: replacing a device or a pipe would
+    /// remove it for every program.
     [[nodiscard]] bool open();
-    /// Small pieces are collected first. False once any bytes were not written.
+    /// Collects small pieces before it writes. False once any write has failed.
     [[nodiscard]] bool write(const char* a_pBytes, qint64 a_iBytes);
     [[nodiscard]] bool write(const QByteArray& a_data) { return write(a_data.constData(), a_data.size()); }
-    /// Waits until the disk holds the bytes. False after any failure.
+    /// Writes the rest, waits until the disk holds the bytes, and replaces the file.
+    /// False after any failure.
     [[nodiscard]] bool commit();
-    /// Why the first of the operations failed that did; empty when none has.
+    /// The error text of the first operation that failed; empty when none has failed.
     [[nodiscard]] QString errorString() const { return m_sReason; }
 
 private:

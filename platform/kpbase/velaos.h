@@ -11,7 +11,7 @@
 class SIMULATIONDATA_EXPORT VelaOS
 {
 public:
-    /// Gives the wall clock in microseconds since 1970-01-01 00:00 UTC.
+    /// Returns the wall clock in microseconds since 1970-01-01 00:00 UTC.
     using Clock = std::function<std::uint64_t()>;
 
     static VelaOS& Get();
@@ -23,9 +23,9 @@ public:
     /// when the machine's clock is set.
     [[nodiscard]] std::uint64_t timestamp() const;
 
-    /// Replaces the clock, for tests and for replay; an empty function brings
-    /// the machine's own clock back. The function must be callable from every
-    /// thread that asks for the time.
+    /// Replaces the clock, for tests and for replay; an empty function restores the
+    /// machine's clock. The function must be callable from every thread that reads
+    /// the time.
     void setClock(Clock a_clock);
 
 private:

@@ -22,17 +22,17 @@ constexpr const char* s_szSource = "platform/kpzip/archive";
 
 constexpr std::size_t s_uiBlockBytes = 65'536;
 
-/// Entries of one archive that are traced one by one; then they are counted.
+/// Refused entries of one archive that are traced one by one; more are only counted.
 constexpr std::uint64_t s_uiTracedEntries = 10;
 
 constexpr qsizetype s_iShownName = 100;
 
-/// Parts of a name; with deeper ones a small archive would make any number of
+/// Most parts of a name. With deeper names a small archive could make any number of
 /// folders.
 constexpr qsizetype s_iMaxDepth = 32;
 
-// The kinds of files in the upper half of an entry's attributes, as Unix has
-// them. 0 where the archive comes from elsewhere.
+// Unix file types in the upper half of an entry's attributes. 0 in archives from
+// other systems.
 constexpr std::uint32_t s_uiModeShift = 16;
 constexpr std::uint32_t s_uiKindMask = 0170000;
 constexpr std::uint32_t s_uiKindFile = 0100000;
@@ -51,7 +51,7 @@ void traceError(const QString& a_sMessage, int a_iLine = __builtin_LINE())
     }
 }
 
-/// A name from an archive as one line of a trace.
+/// A name from an archive as traces show it: shortened, on one line.
 QString shown(const QString& a_sName)
 {
     QString sShown = a_sName.left(s_iShownName);
@@ -63,8 +63,8 @@ QString shown(const QString& a_sName)
     return sShown;
 }
 
-/// Traces the entries that are not unpacked, and is not talked into endless
-/// traces by an archive of nothing else.
+/// Traces the entries that are not unpacked: the first ones one by one, then only
+/// their number. So no archive can fill the trace.
 class EntryTraces
 {
 public:
@@ -118,7 +118,7 @@ QString nameProblem(const QString& a_sName)
     if (parts.size() > s_iMaxDepth) {
         return QStringLiteral("%1 folders deep").arg(parts.size() - 1);
     }
-    // They would give one file a second name.
+    // Such a part would give one file a second name.
     return parts.contains(QString()) || parts.contains(QStringLiteral("."))
                ? QStringLiteral("empty part or \".\" in the name")
                : QString();
@@ -133,14 +133,14 @@ QString entryProblem(const zip_stat_t& a_stat, std::uint32_t a_uiKind)
     if (a_stat.encryption_method != ZIP_EM_NONE) {
         return QStringLiteral("encrypted, method %1").arg(a_stat.encryption_method);
     }
-    // Other methods have decoders whose memory is the archive's to choose.
+    // The decoders of other methods take as much memory as the archive requests.
     if (a_stat.comp_method != ZIP_CM_STORE && a_stat.comp_method != ZIP_CM_DEFLATE) {
         return QStringLiteral("packed by unknown method %1").arg(a_stat.comp_method);
     }
     return {};
 }
 
-/// What an entry's header says of it.
+/// The header of an entry, and whether the entry can be unpacked.
 struct EntryHeader
 {
     QString name; ///< without the slash at a folder's end
@@ -179,8 +179,8 @@ bool isLink(const QFileInfo& a_info)
     return a_info.isSymLink() || a_info.isJunction();
 }
 
-/// Makes the folders that a relative path needs below the target. Empty when
-/// they are there, else why not.
+/// Makes the folders that a relative path needs below the target. Returns the error
+/// text, empty on success.
 QString makeFolders(const QString& a_sTarget, const QString& a_sRelative)
 {
     for (qsizetype iSlash = a_sRelative.indexOf(QLatin1Char('/')); iSlash >= 0;
@@ -205,13 +205,13 @@ QString openProblem(int a_iCode)
     return sReason;
 }
 
-/// Copies an open entry to a file that is not yet under its name. Empty when it
-/// is whole, else why not. What is written is taken from `a_pBytesLeft`.
+/// Copies an open entry to a file that does not have its final name yet. Returns the
+/// error text, empty on success. Subtracts the copied bytes from `a_pBytesLeft`.
 QString copyEntry(zip_file_t* a_pEntry, ReplacedFile& a_file, std::uint64_t* a_pBytesLeft)
 {
     std::vector<char> block(s_uiBlockBytes);
     zip_int64_t iRead = 0;
-    // Only the read that finds the end checks the checksum.
+    // The checksum is checked by the read that reaches the end.
     while ((iRead = zip_fread(a_pEntry, block.data(), block.size())) > 0) {
         if (static_cast<std::uint64_t>(iRead) > *a_pBytesLeft) {
             *a_pBytesLeft = 0;
@@ -228,13 +228,13 @@ QString copyEntry(zip_file_t* a_pEntry, ReplacedFile& a_file, std::uint64_t* a_p
     return {};
 }
 
-/// Unpacks one entry under a temporary name and renames it. Empty when it
-/// stands there, else why not.
+/// Unpacks one entry under a temporary name and renames it. Returns the error text,
+/// empty on success.
 QString unpack(zip_t* a_pArchive, std::uint64_t a_uiIndex, const QString& a_sFile,
                std::uint64_t* a_pBytesLeft)
 {
     const QFileInfo target(a_sFile);
-    // A file that is to be replaced by name would be written through a link.
+    // Replacing a file by its name would follow a link and write to its target.
     if (isLink(target) || (target.exists() && !target.isFile())) {
         return QStringLiteral("\"%1\" is a link, folder or device").arg(a_sFile);
     }
@@ -277,7 +277,7 @@ bool Archive::open(Mode a_eMode)
     if (a_eMode != ModeRead) {
         return fail(QStringLiteral("mode %1 is unknown").arg(static_cast<int>(a_eMode)));
     }
-    // A device or a pipe could keep us waiting for ever.
+    // Opening a device or a pipe could wait without limit.
     if (!QFileInfo(m_sPath).isFile()) {
         return fail(QStringLiteral("no such file"));
     }

@@ -16,60 +16,61 @@ namespace KPZip {
 
 struct ZipDirectory;
 
-/// A zip file that is unpacked. Nothing in it is trusted: entries whose names
-/// lead out of the target folder, links, encrypted entries and those packed by
-/// an unknown method are refused and traced, the rest is unpacked.
+/// Unpacks a zip file, whose content is not trusted. Entries whose names lead out of
+/// the target folder, links, encrypted entries and entries of an unknown compression
+/// method are refused and traced; the rest is unpacked.
 ///
-/// Files come to their final name whole or not at all, and replace what stands
-/// there; a link that stands in the way is never followed. Every failure is
-/// traced and stays in errorString(). An object belongs to one thread.
+/// A file gets its final name only when it is complete, and replaces a file of that
+/// name. Links at the target are never followed. Every failure is traced and stays in
+/// errorString(). An object belongs to one thread.
 class SIMULATIONDATA_EXPORT Archive
 {
 public:
     /// The value is part of the interface.
     enum Mode : int { ModeRead = 1 };
 
-    /// Nothing is opened yet.
+    /// Does not open the file yet.
     explicit Archive(const QString& a_sPath);
     ~Archive();
     Archive(const Archive&) = delete;
     Archive& operator=(const Archive&) = delete;
 
-    /// Bounds for the next open(): the bytes that may be written while the
-    /// archive is open, whatever it declares, and the entries that it may have.
+    /// Sets the limits for the next open(): the bytes that may be written while the
+    /// archive is open, whatever sizes it declares, and the entries that it may have.
     /// By default 1 GiB and 100,000.
     void setBounds(std::uint64_t a_uiBytes, std::uint64_t a_uiEntries);
 
-    /// Opens a regular file; an archive that is open is closed first. False when
-    /// it is no archive, damaged, or has too many entries.
+    /// Opens a regular file; an archive that is open is closed first. False when the
+    /// file is not an archive, is damaged, or has too many entries.
     bool open(Mode a_eMode);
     [[nodiscard]] bool isOpen() const { return m_archive != nullptr; }
 
-    /// The files of the archive in its order, as relative paths with slashes.
-    /// Folders and refused entries are not among them. Empty when not open.
+    /// The files of the archive in its order, as relative paths with slashes. Without
+    /// folders and refused entries. Empty when not open.
     [[nodiscard]] QStringList files() const { return m_files; }
 
     /// How many entries were refused when the archive was opened.
     [[nodiscard]] std::uint64_t refusedCount() const { return m_uiRefused; }
 
-    /// The size in bytes that the archive declares for a file; nothing has
-    /// checked it. 0 for a name that is not among files().
+    /// The size in bytes that the archive declares for a file, unchecked. 0 for a
+    /// name that is not among files().
     [[nodiscard]] std::uint64_t declaredSize(const QString& a_sEntry) const;
 
-    /// Unpacks one of files() to a path, whose folder must exist. False leaves
-    /// what stood there.
+    /// Unpacks one of files() to a path, whose folder must exist. On failure returns
+    /// false and leaves an existing file as it was.
     bool extractToFile(const QString& a_sEntry, const QString& a_sFile);
 
-    /// Unpacks everything below a folder of the archive ("/TuK-Default"; "/" or
-    /// "" for all) into the target folder, which is made when it is missing.
-    /// True when every file was unpacked and there was at least one; a refused
-    /// name does not count. After a failure the other files are still unpacked;
-    /// when the bound of bytes is met, only empty ones are.
+    /// Unpacks everything below a folder of the archive ("/TuK-Default"; "/" or ""
+    /// for all) into the target folder, which is made when it is missing. True when
+    /// there was at least one file and every file was unpacked; entries that open()
+    /// refused do not count. After a failure the other files are still unpacked; once
+    /// the limit of bytes is exceeded, only empty files are.
     bool extractToFolder(const QString& a_sFolder, const QString& a_sTarget);
 
     void close();
 
-    /// Why the last operation failed; empty when none did since open().
+    /// The error text of the last failure; empty when no operation has failed since
+    /// open().
     [[nodiscard]] QString errorString() const { return m_sError; }
 
 private:

@@ -10,8 +10,9 @@ namespace KPZip {
 
 namespace {
 
-// Records of the zip format, by their signatures ("PK" and two digits), their
-// fixed sizes and the offsets of the fields that count here. Little-endian.
+// Records of the zip format (APPNOTE.TXT, 4.3.12 and 4.3.14 to 4.3.16): their
+// signatures ("PK" and two digits), their fixed sizes, and the offsets of the fields
+// that are read. Little-endian.
 constexpr char s_szEntry[] = "PK\x01\x02";
 constexpr qint64 s_iEntrySize = 46;
 constexpr qsizetype s_iNameLength = 28;
@@ -33,20 +34,20 @@ constexpr qsizetype s_iEnd64Fields = 32; ///< the same, 64 bits each
 constexpr qint64 s_iSignatureSize = 4;
 constexpr qint64 s_iLongestComment = 0xFFFF;
 
-/// Bytes of the directory for each entry that is allowed, and for one archive
-/// at least. Names and extra fields take some 100; the format allows 196,000.
+/// The directory may take so many bytes per allowed entry, and at least so many in
+/// all. An entry usually takes some 100 bytes; the format allows 196,000.
 constexpr std::uint64_t s_uiEntryBytes = 1024;
 constexpr std::uint64_t s_uiLeastDirectoryBytes = std::uint64_t{1} << 20U;
 
-/// What an end record says of the directory.
+/// The directory as an end record describes it.
 struct EndRecord
 {
     std::uint64_t entries = 0;
     std::uint64_t bytes = 0;
-    std::uint64_t offset = 0;
+    std::uint64_t offset = 0; ///< bytes from the start of the file
 };
 
-/// 0 beyond the record's end.
+/// A field of a record; 0 beyond the record's end.
 template<typename Number>
 Number numberAt(const QByteArray& a_record, qsizetype a_iOffset)
 {
@@ -55,6 +56,7 @@ Number numberAt(const QByteArray& a_record, qsizetype a_iOffset)
                : Number{0};
 }
 
+/// The bytes at an offset of the file; fewer, or none, beyond its end.
 QByteArray recordAt(QFile& a_file, std::uint64_t a_uiOffset, qint64 a_iSize)
 {
     const auto uiFile = static_cast<std::uint64_t>(std::max<qint64>(a_file.size(), 0));
@@ -67,8 +69,8 @@ bool isRecord(const QByteArray& a_record, const char* a_szSignature, qint64 a_iS
     return a_record.size() == a_iSize && a_record.startsWith(a_szSignature);
 }
 
-/// The fields of an end record, which follow each other; nothing when the bytes
-/// are no such record.
+/// Reads the fields of an end record, which follow each other. No value when the
+/// bytes are not such a record.
 template<typename Entries, typename Size>
 std::optional<EndRecord> endRecordOf(const QByteArray& a_record, const char* a_szSignature, qint64 a_iSize,
                                      qsizetype a_iFields)
@@ -81,7 +83,8 @@ std::optional<EndRecord> endRecordOf(const QByteArray& a_record, const char* a_s
                      numberAt<Size>(a_record, iBytes + qsizetype{sizeof(Size)})};
 }
 
-/// The record at an offset of the file's tail; the wide form where it has one.
+/// The end record at an offset of the file's tail; its 64-bit form when a locator
+/// precedes it.
 std::optional<EndRecord> endRecordAt(QFile& a_file, const QByteArray& a_tail, qsizetype a_iOffset)
 {
     const QByteArray locator = a_iOffset >= s_iLocator64Size
@@ -96,8 +99,8 @@ std::optional<EndRecord> endRecordAt(QFile& a_file, const QByteArray& a_tail, qs
                                                      s_iEndFields);
 }
 
-/// Whether there is a directory where the record says. Bytes that look like an
-/// end record stand in comments and in archives inside archives.
+/// Whether a directory begins where the record points. Comments and nested archives
+/// contain bytes that look like an end record.
 bool pointsAtDirectory(QFile& a_file, const EndRecord& a_end, std::uint64_t a_uiEndOffset)
 {
     if (a_end.offset > a_uiEndOffset || a_end.bytes > a_uiEndOffset - a_end.offset) {
@@ -108,8 +111,8 @@ bool pointsAtDirectory(QFile& a_file, const EndRecord& a_end, std::uint64_t a_ui
                : isRecord(recordAt(a_file, a_end.offset, s_iSignatureSize), s_szEntry, s_iSignatureSize);
 }
 
-/// The end record. The zip library would load the directory of every one it
-/// finds and then choose, so there must be no more than one.
+/// Finds the end record. The zip library loads the directory of every end record
+/// before it chooses one, so a file with two is refused.
 std::optional<EndRecord> findEndRecord(QFile& a_file, QString* a_pReason)
 {
     const qint64 iTail = std::min(a_file.size(), s_iLongestComment + s_iEndSize + s_iLocator64Size);
@@ -149,14 +152,15 @@ bool staysInBounds(const EndRecord& a_end, std::uint64_t a_uiMaxEntries, QString
     return true;
 }
 
-/// The name of the entry that the file stands at, and its bytes in the
-/// directory. Nothing when it is damaged or does not fit into the bytes left.
+/// One entry: its name and the bytes that it takes in the directory.
 struct DirectoryEntry
 {
     QByteArray name;
     std::uint64_t bytes = 0;
 };
 
+/// Reads the entry at the file's position. No value when it is damaged or larger than
+/// the bytes left.
 std::optional<DirectoryEntry> readEntry(QFile& a_file, std::uint64_t a_uiBytesLeft)
 {
     const QByteArray record = a_file.read(s_iEntrySize);

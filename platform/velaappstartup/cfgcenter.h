@@ -7,34 +7,34 @@
 
 class ICfg;
 
-/// What the start-up library knows of the machine and its settings. Static
-/// operations only; any thread may call.
+/// The identity of this machine and the settings of its programs. Static operations
+/// only; any thread may call.
 class SIMULATIONDATA_EXPORT CfgCenter
 {
 public:
     CfgCenter() = delete;
 
-    /// A text that identifies this machine: its unique id as the operating
-    /// system gives it, or the host name where there is none. Stable across
-    /// restarts, never empty.
+    /// A text that identifies this machine: the operating system's unique id, else
+    /// the host name, else "localhost". Stable across restarts, never empty.
     [[nodiscard]] static QString GetMachineId();
 
-    /// The settings of that name as they are now, from the file "<name>.ini" in
-    /// the folder that SetFolder() or else the environment variable
-    /// SIMULATION_CONFIG_DIR names, or else in sub-folder "simulation" of the
-    /// platform's places for settings, the user's first.
+    /// The settings of that name as they are now, from the file "<name>.ini". Its
+    /// folder is that of SetFolder(), else that of the environment variable
+    /// SIMULATION_CONFIG_DIR, else sub-folder "simulation" of the platform's folders
+    /// for settings, the user's first.
     ///
-    /// The file is UTF-8 in the INI form of QSettings, with what people type
-    /// besides: text with commas is one text, and a Windows path needs neither
-    /// quotes nor doubled backslashes. A missing file has no settings. Neither
-    /// has one that cannot be read or is larger than 1 MiB, after one trace.
+    /// The file is UTF-8 in the INI form of QSettings with two exceptions, for what
+    /// people type: a value with commas is one text, and a Windows path needs neither
+    /// quotes nor doubled backslashes. A missing file has no settings. A file that
+    /// cannot be read or is larger than 1 MiB is traced and has no settings either.
     ///
-    /// Never null. The object is the centre's and stays valid, with what it
-    /// says, until the process ends. `a_iView` and `a_sText` select among stores
-    /// of which there is only this one.
+    /// Never null. The object is owned by CfgCenter, stays valid until the process
+    /// ends, and its values never change. `a_iView` and `a_sText` are ignored: there
+    /// is only one store.
     [[nodiscard]] static ICfg* CreateCfg(const QString& a_sName, int a_iView, const QString& a_sText);
 
-    /// Looks for settings in this folder from now on; empty: in the usual place.
+    /// Sets the folder of the settings files for later calls of CreateCfg(); empty
+    /// restores the default places.
     static void SetFolder(const QString& a_sFolder);
 };
 

@@ -5,10 +5,10 @@
 
 #include <QString>
 
-/// A group of named settings, read only. What it says never changes: whoever
-/// wants later settings asks CfgCenter::CreateCfg() again.
+/// A group of named settings, read only. Its values never change: call
+/// CfgCenter::CreateCfg() again for newer ones.
 ///
-/// The implementation behind CfgCenter may be used from any thread.
+/// The objects of CfgCenter may be used from any thread.
 class SIMULATIONDATA_EXPORT ICfg
 {
 public:
@@ -17,20 +17,20 @@ public:
     ICfg(const ICfg&) = delete;
     ICfg& operator=(const ICfg&) = delete;
 
-    /// The group of that name inside this one. Never null: a group that is not
-    /// there is an empty one, whose every value is the default. Owned by the
-    /// configuration and valid as long as that is.
+    /// The group of that name inside this one. Never null: a missing group is an
+    /// empty one, in which every value is the default. Owned by the configuration and
+    /// valid as long as the configuration.
     [[nodiscard]] virtual ICfg* openGroup(const QString& a_sName) = 0;
 
-    /// Whether there is a group of that name, which holds at least one value.
+    /// Whether a group of that name holds at least one value.
     [[nodiscard]] virtual bool hasGroup(const QString& a_sName) const = 0;
 
-    /// The text under that name, or the default where there is none. An empty
-    /// text is a text.
+    /// The text under that name, or the default where there is none. An empty text is
+    /// a value.
     [[nodiscard]] virtual QString readString(const QString& a_sName, const QString& a_sDefault) const = 0;
 
-    /// The decimal number under that name, or the default where there is none.
-    /// What is no unsigned 32-bit number gives the default, too, after one trace.
+    /// The decimal number under that name, or the default where there is none. A text
+    /// that is not an unsigned 32-bit number is traced and gives the default, too.
     [[nodiscard]] virtual unsigned readUnsigned(const QString& a_sName, unsigned a_uiDefault) const = 0;
 
 protected:

@@ -12,13 +12,13 @@ namespace {
 
 constexpr const char* s_szSource = "platform/velaappstartup/cfgcenter";
 
-/// Stands before every value that QSettings is given, and keeps it a text: one
-/// that begins with '@' would be decoded into an object, which can take any
-/// amount of memory.
+/// Put before every value that QSettings reads, so that the value stays a text:
+/// QSettings would decode a value that begins with '@' into an object, which can take
+/// any amount of memory.
 constexpr char s_cMark = '=';
 
-/// Whether the value is a Windows path as people type it, whose backslashes
-/// stand for themselves: "C:\Data" or "\\server\data".
+/// Whether the value is a Windows path as people type it, with single backslashes as
+/// separators: "C:\Data" or "\\server\data".
 bool isTypedPath(QByteArrayView a_value)
 {
     constexpr qsizetype iDrive = 2; // "C:"
@@ -31,7 +31,7 @@ bool isTypedPath(QByteArrayView a_value)
            !a_value.sliced(iDrive).startsWith("\\\\");
 }
 
-/// Where the quote that closes a value lies; -1 when there is none.
+/// The index of the quote that closes a value; -1 when there is none.
 qsizetype closingQuote(QByteArrayView a_value, bool a_bTypedPath)
 {
     for (qsizetype i = 1; i < a_value.size(); ++i) {
@@ -45,7 +45,7 @@ qsizetype closingQuote(QByteArrayView a_value, bool a_bTypedPath)
     return -1;
 }
 
-/// The value without the quotes around it and the comment behind it.
+/// The value without its quotes and without the comment after it.
 QByteArrayView bareValue(QByteArrayView a_value)
 {
     if (a_value.startsWith('"')) {
@@ -59,7 +59,7 @@ QByteArrayView bareValue(QByteArrayView a_value)
     return (iComment < 0 ? a_value : a_value.first(iComment)).trimmed();
 }
 
-/// The value as one quoted text, which QSettings never takes for a list.
+/// The value as one quoted text, which QSettings never reads as a list.
 QByteArray quotedValue(QByteArrayView a_value)
 {
     const QByteArrayView bare = bareValue(a_value);
@@ -75,18 +75,19 @@ QByteArray quotedValue(QByteArrayView a_value)
         quoted += cByte;
         bEscaped = bBackslash && !bTypedPath && !bEscaped;
     }
-    // A lone backslash at the end would take the closing quote with it.
+    // A single backslash at the end would escape the closing quote.
     return quoted + (bEscaped ? "\\\"\n" : "\"\n");
 }
 
-/// The line as QSettings is to read it; empty for one that is no setting.
+/// The line in the form that QSettings reads as one section or value; empty when it
+/// is neither.
 QByteArray cleanLine(QByteArrayView a_line)
 {
     const qsizetype iEquals = a_line.indexOf('=');
     const bool bSection = a_line.startsWith('[');
     const QByteArrayView name = bSection ? a_line : a_line.first(iEquals < 0 ? 0 : iEquals).trimmed();
-    // A quote outside the values would swallow the lines that follow, a
-    // backslash at the end of a section's name the next one.
+    // QSettings would continue a quote outside the values over the lines that follow,
+    // and a backslash at the end of a section's name over the next line.
     if (name.isEmpty() || name.contains('"') || name.startsWith(';') || name.endsWith('\\')) {
         return {};
     }
@@ -111,8 +112,8 @@ QByteArray cleanText(QByteArray a_text)
     return clean;
 }
 
-/// What QSettings made of a value of ours; what it wrote itself with a leading
-/// '@' has two of them.
+/// The text of a value that QSettings has read, without the mark. QSettings itself
+/// writes a leading '@' twice; one is removed.
 QString plainText(const QString& a_sValue)
 {
     const QString sText = a_sValue.mid(1);
@@ -169,8 +170,8 @@ private:
 
 std::optional<SettingsValues> parseSettings(const QByteArray& a_text, QString* a_pReason)
 {
-    // QSettings reads files alone. One of a new name also keeps it from giving
-    // what it remembers of a file that has changed since.
+    // QSettings reads only files. A new file name also bypasses its cache, which may
+    // hold an older version of a changed file.
     QTemporaryFile file;
     const QByteArray clean = cleanText(a_text);
     if (!file.open() || !writeThrough(file, clean)) {
