@@ -23,15 +23,17 @@ constexpr std::uint32_t s_uiRecordsPerSecond = 10;
 constexpr std::uint32_t s_uiMsPerSecond = 1'000;
 
 constexpr std::uint32_t s_uiAudioRate = 32'000; // frames per second
-constexpr std::uint32_t s_uiFrames = 95'990;    // just under the package's duration
+constexpr std::uint32_t s_uiFrames = 95'990;    // just under the package's 96,000
 constexpr std::uint32_t s_uiFadeFrames = 640;   // 20 ms
 constexpr double s_dAmplitude = 16'000.0;       // half of full scale
 
-/// Spectra are kept in steps of this. The last digits of sines differ between
-/// mathematics libraries.
+/// Spectra are rounded to steps of 1 / this value, because the last digits of sines
+/// differ between mathematics libraries.
 constexpr double s_dStepsPerUnit = 4'096.0;
 
-/// 1 inside, 0 outside, a cosine in between; `a_dEdge` is the middle of the edge.
+/// A flat top with raised-cosine edges: 1 inside, 0 outside, and at |offset| =
+/// `a_dEdge`, the middle of the edge, 0.5. With t running from 0 to 1 across the
+/// width of the edge the value is (1 + cos(pi t)) / 2.
 double flatTop(double a_dOffset, double a_dEdge, double a_dEdgeWidth)
 {
     const double dOut = std::clamp((std::abs(a_dOffset) - a_dEdge) / a_dEdgeWidth + 0.5, 0.0, 1.0);
@@ -44,18 +46,19 @@ double bell(double a_dOffset, double a_dCentre, double a_dWidth)
     return std::exp(-0.5 * dDistance * dDistance);
 }
 
-/// Around 1. Two periods that do not mirror each other, so that no two
-/// neighbouring records are alike.
+/// A slow variation around 1. It sums two sines that are not symmetric to each
+/// other, so that no two neighbouring records are alike.
 double breath(double a_dPhase)
 {
     return 1.0 + 0.25 * std::sin(a_dPhase) + 0.1 * std::sin(3.0 * a_dPhase + 1.0);
 }
 
-// Shapes of spectra: power above the floor, in multiples of the floor.
-// `a_dOffset` runs from -1 to 1 over the bandwidth, `a_dPhase` once round the
-// circle over all records.
+// Shapes of spectra: power above the noise floor, in multiples of the floor.
+// `a_dOffset` runs from -1 to 1 over the bandwidth, `a_dPhase` from 0 to 2 pi over
+// all records.
 
-/// A carrier with two side bands, whose formants move.
+/// The spectrum of a voice, symmetric to the carrier: a flat top with two moving
+/// formants, at about 0.15 and, half as strong, at about 0.4 of half the bandwidth.
 double voiceShape(double a_dOffset, double a_dPhase)
 {
     const double dSide = std::abs(a_dOffset);
@@ -74,9 +77,11 @@ double rectShape(double a_dOffset, double a_dPhase)
     return 4.0 * breath(a_dPhase) * flatTop(a_dOffset, 0.8, 0.1);
 }
 
-// Sounds: values from -1 to 1 at `a_dTime` seconds.
+// Sounds: values from -1 to 1; `a_dTime` in seconds.
 
-/// Harmonics of a low voice that goes up and down, in syllables.
+/// Five harmonics of a low voice with three syllables per second. The pitch, the
+/// derivative of the phase, is 140 + 26.4 cos(2 pi 0.7 t) Hz. The strengths add up
+/// to 1, and the envelope of the syllables runs from 0.1 to 1.
 double voiceSound(double a_dTime, std::uint32_t& /*a_uiNoise*/)
 {
     constexpr std::array<double, 5> strengths{0.35, 0.25, 0.2, 0.12, 0.08};
@@ -88,23 +93,24 @@ double voiceSound(double a_dTime, std::uint32_t& /*a_uiNoise*/)
     return dSum * (0.55 - 0.45 * std::cos(s_dTurn * 3.0 * a_dTime));
 }
 
-/// A linear congruence (Numerical Recipes, 2nd ed., 7.1: "an even quicker
-/// generator"); its upper bits as a value from -1 to 1.
+/// Linear congruential generator (Numerical Recipes, 2nd ed., 7.1: "an even quicker
+/// generator"). Its upper 16 bits are scaled to [-1, 1].
 double nextNoise(std::uint32_t& a_uiNoise)
 {
-    // Wraps round on purpose.
+    // Wraps modulo 2^32 on purpose.
     a_uiNoise = a_uiNoise * 1'664'525U + 1'013'904'223U;
     return static_cast<double>(a_uiNoise >> 16U) / 32'767.5 - 1.0;
 }
 
-/// Two bursts of noise a second.
+/// Two bursts of noise per second, with a Gaussian envelope of 75 ms standard
+/// deviation.
 double noiseSound(double a_dTime, std::uint32_t& a_uiNoise)
 {
     const double dInBurst = 2.0 * a_dTime - std::floor(2.0 * a_dTime);
     return nextNoise(a_uiNoise) * bell(dInBurst, 0.5, 0.15);
 }
 
-/// Four beeps a second, their edges softened.
+/// Four beeps of 800 Hz per second, each 125 ms long with edges of 12.5 ms.
 double beepSound(double a_dTime, std::uint32_t& /*a_uiNoise*/)
 {
     const double dInBeep = 4.0 * a_dTime - std::floor(4.0 * a_dTime);
@@ -114,7 +120,7 @@ double beepSound(double a_dTime, std::uint32_t& /*a_uiNoise*/)
 struct Recipe
 {
     const char* name;
-    const char* id; ///< scenarios name packages by it; never changes
+    const char* id; ///< scenarios refer to it: must never change
     std::uint32_t points;
     double (*shape)(double a_dOffset, double a_dPhase);
     double (*sound)(double a_dTime, std::uint32_t& a_uiNoise);
@@ -142,7 +148,7 @@ SignalShape makeShape(const Recipe& a_recipe)
     return shape;
 }
 
-/// Quiet at both ends: what follows the last frame is the first.
+/// The samples of the sound, faded at both ends, because the recording repeats.
 std::vector<std::int16_t> makeSound(const Recipe& a_recipe)
 {
     std::vector<std::int16_t> samples;

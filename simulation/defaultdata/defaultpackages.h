@@ -7,7 +7,7 @@
 
 namespace DefaultData {
 
-/// A signal package as the bytes of its files.
+/// A signal package as the content of its files.
 struct Package
 {
     QString id;
@@ -17,8 +17,8 @@ struct Package
     QByteArray descriptor;  ///< "Signal.xml"
 };
 
-/// "Default", a voice; "Gauss 10kHz", bursts of noise; "Rect 10kHz", a keyed
-/// tone. All are computed, and the same on every machine.
+/// The packages "Default", a voice; "Gauss 10kHz", bursts of noise; "Rect 10kHz", a
+/// keyed tone. They are calculated, with the same result on every machine.
 [[nodiscard]] QList<Package> defaultPackages();
 
 } // namespace DefaultData

@@ -10,8 +10,8 @@ namespace {
 
 constexpr int s_iIndent = 4;
 
-// When the packages were first made. Fixed, so that every build gives the same
-// bytes; both say the same.
+// The same creation time in two forms. It is fixed, so that every build gives the
+// same bytes.
 constexpr std::uint32_t s_uiTimestamp = 1'704'067'200; // seconds since 1970
 const QString s_sCreated = QStringLiteral("2024-01-01T00:00:00Z");
 

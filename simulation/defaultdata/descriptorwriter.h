@@ -8,12 +8,12 @@
 
 namespace DefaultData {
 
-/// A data file of a package, as its descriptor describes it.
+/// A data file of a package, with the values for its descriptor.
 struct Content
 {
-    QByteArray bytes;           ///< the descriptor holds their CRC-32
+    QByteArray bytes;           ///< content; the descriptor contains its CRC-32
     QString file;               ///< name inside the package
-    QString format;             ///< for people
+    QString format;             ///< for display
     std::uint32_t duration = 0; ///< ms
 };
 
@@ -27,8 +27,8 @@ struct Descriptor
     Content audio;
 };
 
-/// The bytes of "Signal.xml". They hold more than the library reads: who else
-/// reads such descriptors checks the data files against them.
+/// The content of "Signal.xml". It has more elements than the library reads,
+/// because other programs check the data files against them.
 [[nodiscard]] QByteArray writeDescriptor(const Descriptor& a_descriptor);
 
 } // namespace DefaultData

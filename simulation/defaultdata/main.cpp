@@ -1,9 +1,10 @@
-// Makes the zip files of signal packages that the library carries:
+// Makes the default signal packages that the library contains as resources:
 //   makedefaultdata FOLDER
-// writes TuK-Default.zip, the library of default packages, Default.zip, the
-// files of the package "Default" alone, and the descriptor of every package,
-// "Descriptors/<id>.xml", into the folder and makes it when it is missing. Every
-// run gives the same bytes.
+// writes into the folder, which is created when it is missing:
+// - TuK-Default.zip: the library of all default packages,
+// - Default.zip: only the files of the package "Default",
+// - Descriptors/<id>.xml: the descriptor of each package.
+// Every run gives the same bytes.
 
 #include "defaultpackages.h"
 #include "zipwriter.h"
@@ -25,8 +26,8 @@ void appendFiles(QList<ZipEntry>& a_entries, const QString& a_sFolder, const Pac
     a_entries.append({a_sFolder + QStringLiteral("Signal.xml"), a_package.descriptor});
 }
 
-/// The folder of a library carries two empty files that say what it is: a
-/// library, and one that its users do not edit.
+/// The folder of a library contains two empty marker files: ".library", and
+/// ".lock", which means that users do not edit it.
 QList<ZipEntry> libraryEntries(const QList<Package>& a_packages)
 {
     const QString sTop = QStringLiteral("TuK-Default/");

@@ -11,17 +11,18 @@ namespace DefaultData {
 /// The spectra of a signal over time.
 struct SignalShape
 {
-    std::uint32_t bandwidth = 0;        ///< Hz, all points together
-    float basePower = 0.0F;             ///< what a value of 1 in a spectrum stands for
+    std::uint32_t bandwidth = 0;        ///< Hz, of the whole spectrum
+    float basePower = 0.0F;             ///< power of the value 1 in a spectrum
     std::uint32_t recordsPerSecond = 0; ///< spectra
-    std::uint32_t points = 0;           ///< of one spectrum
+    std::uint32_t points = 0;           ///< per spectrum
     std::vector<std::vector<float>> records;
 };
 
-/// The bytes of "Signal.ssf". The values of a spectrum are multiples of the
-/// base power, from the lowest to the highest frequency. Level A of a record is
-/// its highest value, the signal, and level B its lowest, the floor: a reader
-/// that asks for signal over floor need not look at the points.
+/// The content of "Signal.ssf", in the layout that SignalShapeFile reads. The
+/// values of a spectrum are multiples of the base power, from the lowest to the
+/// highest frequency. Level A of a record is its highest value, the signal, and
+/// level B its lowest, the noise floor, so a reader gets the signal-to-noise ratio
+/// without the points.
 [[nodiscard]] QByteArray writeSignalShape(const SignalShape& a_shape);
 
 } // namespace DefaultData

@@ -13,7 +13,8 @@ constexpr quint16 s_uiChannels = 1;
 constexpr quint16 s_uiBytesPerSample = 2;
 constexpr quint16 s_uiBitsPerSample = 16;
 
-/// Bytes between the size of the file's outermost chunk and the samples.
+/// Bytes between the size field of the RIFF chunk and the samples: form type (4),
+/// format chunk (8 + 16), header of the data chunk (8).
 constexpr quint32 s_uiHeaderBytes = 36;
 
 void writeId(QDataStream& a_stream, const char (&a_szId)[5])

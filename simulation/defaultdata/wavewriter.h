@@ -8,7 +8,7 @@
 
 namespace DefaultData {
 
-/// The bytes of "Signal.wav": 16-bit PCM, one channel, `a_uiRate` frames a
+/// The content of "Signal.wav": 16-bit PCM, one channel, `a_uiRate` frames per
 /// second.
 [[nodiscard]] QByteArray writeWave(const std::vector<std::int16_t>& a_samples, std::uint32_t a_uiRate);
 

@@ -10,8 +10,8 @@ namespace DefaultData {
 
 namespace {
 
-// The time of all entries, midnight on 1 January 1980, in the form that zip
-// files hold: a build must not leave its own in them. Zip files count from here.
+// The time of all entries in the form of zip files: midnight on 1 January 1980, the
+// earliest possible. The real time would make the bytes of each build different.
 constexpr zip_uint16_t s_uiTime = 0;
 constexpr zip_uint16_t s_uiDate = 0x0021; // month 1, day 1
 
@@ -27,8 +27,8 @@ struct ZipDiscarder
 };
 using Zip = std::unique_ptr<zip_t, ZipDiscarder>;
 
-/// The index of the new entry, negative when it was refused. The bytes must
-/// live until the archive is closed.
+/// The index of the new entry; negative on failure. The bytes must stay valid until
+/// the archive is closed.
 zip_int64_t add(zip_t* a_pZip, const ZipEntry& a_entry, bool a_bFolder)
 {
     const QByteArray name = a_entry.name.toUtf8();
@@ -80,7 +80,7 @@ bool writeZip(const QString& a_sFile, const QList<ZipEntry>& a_entries, QString*
         *a_pReason = QString::fromUtf8(zip_strerror(zip.get()));
         return false;
     }
-    // Closing has freed it.
+    // zip_close() has freed it.
     static_cast<void>(zip.release());
     return true;
 }

@@ -7,16 +7,16 @@
 
 namespace DefaultData {
 
-/// An entry of a zip file. A name that ends in a slash is a folder's.
+/// An entry of a zip file. A name that ends with a slash denotes a folder.
 struct ZipEntry
 {
     QString name;
     QByteArray bytes;
 };
 
-/// Replaces a zip file. The same entries in the same order give the same bytes,
-/// whatever the clock, the time zone and the user's file mask. False leaves the
-/// file as it was; the reason goes to `a_pReason`.
+/// Writes a zip file in place of an existing one. The same entries in the same
+/// order give the same bytes, regardless of clock, time zone and umask. False
+/// leaves the old file unchanged and sets `*a_pReason`.
 [[nodiscard]] bool writeZip(const QString& a_sFile, const QList<ZipEntry>& a_entries, QString* a_pReason);
 
 } // namespace DefaultData
