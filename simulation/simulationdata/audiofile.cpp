@@ -23,7 +23,7 @@ constexpr std::uint16_t s_uiBits16 = 16;
 std::int16_t widened(std::uint8_t a_uiSample)
 {
     constexpr int iSilence = 128;
-    constexpr int iSteps = 256; // of 16-bit samples in one of 8 bits
+    constexpr int iSteps = 256; // 16-bit steps per 8-bit step
     return static_cast<std::int16_t>((a_uiSample - iSilence) * iSteps);
 }
 
@@ -123,14 +123,16 @@ std::vector<std::int16_t> AudioFile::readSamples(std::uint64_t a_uiStart, std::u
         }
         samples.insert(samples.end(), rest.begin(), rest.end());
     }
-    // With fewer samples than the recording has there is nothing to repeat.
+    // Here the samples are at most one whole recording, which is repeated up to the
+    // count. Nothing is repeated when the count is smaller.
     const std::size_t uiPeriod = samples.size();
     samples.resize(static_cast<std::size_t>(a_uiCount));
     repeat(samples.data(), bytesOf(uiPeriod), bytesOf(samples.size()));
     return samples;
 }
 
-/// Why so many samples cannot be had, whatever the file's state; empty when they can.
+/// Why so many samples cannot be read; empty when they can. Does not check whether
+/// the file is open.
 QString AudioFile::refusal(std::uint64_t a_uiCount) const
 {
     if (a_uiCount > Limits::value(Limits::DataBytes) / sizeof(std::int16_t)) {
@@ -139,7 +141,8 @@ QString AudioFile::refusal(std::uint64_t a_uiCount) const
     return m_reader.length() == 0 ? QStringLiteral("there are none") : QString();
 }
 
-/// A range that the file holds.
+/// Reads a range that lies within the recording and widens 8-bit samples: (sample -
+/// 128) * 256.
 bool AudioFile::readOnce(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
                          std::vector<std::int16_t>& a_samples)
 {

@@ -19,8 +19,8 @@ constexpr const char* s_szSource = "simulation/simulationdata/pdwfile";
 constexpr std::size_t s_uiBufferBytes = std::size_t{PDWFile::s_uiRecordsPerBlock} * PDWFile::s_uiRecordBytes;
 constexpr std::size_t s_uiWordBytes = sizeof(std::uint32_t);
 
-/// Whether the stream may open it. A pipe could keep us waiting for ever, and a
-/// name with a zero in it would stand for another file.
+/// Whether the stream may open the file. Reading from a pipe could block without
+/// limit, and a name with a NUL in it would open a different file.
 bool isRegular(const QString& a_sPath, bool a_bForWriting)
 {
     const QFileInfo info(a_sPath);
@@ -56,7 +56,7 @@ PDWFile::~PDWFile()
         return;
     }
     write();
-    // A full disk may be seen only now, when the stream writes what it holds.
+    // A full disk may be detected only now, when the stream writes its buffer.
     const bool bGood = m_stream.good();
     m_stream.close();
     if (bGood && !m_stream.good()) {
@@ -84,8 +84,8 @@ int PDWFile::addPDW(const CPackedPDW* a_pRecord)
 
 void PDWFile::write()
 {
-    // Not even asked for by a stream that is open for reading: a write that
-    // fails would end the reading.
+    // A stream that is open for reading must not try to write: the failure would
+    // also stop the reading.
     if (m_bForWriting && m_stream.good() && m_stream.is_open()) {
         writeBlock();
         if (!m_stream.good()) {
@@ -99,7 +99,7 @@ void PDWFile::write()
 void PDWFile::writeBlock()
 {
     const std::size_t uiBytes = bufferedBytes();
-    // Words while it is written, bytes in between.
+    // Header and records, counted in words.
     m_header.size = static_cast<std::uint32_t>((s_uiHeaderBytes + uiBytes) / s_uiWordBytes);
     if (m_bWriteHeaders) {
         const std::array<std::uint32_t, s_uiHeaderBytes / s_uiWordBytes> words{

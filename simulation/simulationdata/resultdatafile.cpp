@@ -14,11 +14,12 @@ constexpr const char* s_szSource = "simulation/simulationdata/resultdatafile";
 
 constexpr DataFileKind s_kind{"result data file", "T&K-RDF", 0};
 
-// Where the field stands in the global header.
+// The global header: magic (7 bytes), version (32 bits), data type (8 bits).
 constexpr std::size_t s_uiTypeAt = 11;
 constexpr std::size_t s_uiHeaderBytes = 12;
 
-// What follows the global header in the type of constant rate.
+// For a constant rate there follow the item rate (32-bit float, per second), the
+// item count (64 bits), a further value (32 bits), and the items.
 constexpr std::size_t s_uiFurtherValueAt = 12;
 constexpr std::size_t s_uiRateHeaderBytes = 16;
 constexpr std::uint32_t s_uiItemBytes = 2;
@@ -30,7 +31,7 @@ public:
     virtual ~ISpecificReader() = default;
 
     /// Reads the type's own header, which follows the global one. False with a
-    /// reason: the reader is not to be used.
+    /// reason; the reader must not be used then.
     [[nodiscard]] virtual bool init(QString* a_pReason) = 0;
     [[nodiscard]] virtual std::uint32_t length() const = 0;
     [[nodiscard]] virtual QByteArray readResultData(std::uint32_t a_uiStart, std::uint32_t a_uiDuration) = 0;
@@ -39,7 +40,7 @@ public:
     [[nodiscard]] virtual std::int64_t missingBytes() const = 0;
 };
 
-/// The data type of constant rate.
+/// The reader for a constant item rate.
 class DT_CBR_Reader : public ISpecificReader
 {
 public:
@@ -74,7 +75,7 @@ public:
 
 private:
     ConstantRateStream m_stream;
-    std::uint32_t m_uiFurtherValue = 0; ///< its meaning is not known
+    std::uint32_t m_uiFurtherValue = 0; ///< read but not used; its meaning is unknown
 };
 
 } // namespace
@@ -139,7 +140,8 @@ QString ResultDataFile::errorString() const
 
 ResultDataFile::ResultDataType ResultDataFile::resultDataType() const
 {
-    // No other type opens, and a closed file has no type of its own.
+    // Files of any other type do not open, and without an open file the value is 0,
+    // the same type.
     return DT_CBR;
 }
 

@@ -19,7 +19,10 @@ constexpr const char* s_szSource = "simulation/simulationdata/signalshapefile";
 
 constexpr DataFileKind s_kind{"signal shape file", "T&K-SSF", 2};
 
-// Where the fields stand in the global header.
+// The global header, little-endian: magic (7 bytes), version (32 bits), then at
+// these offsets bandwidth (32 bits, Hz), base power (float), number of records (64
+// bits), records per second and points per spectrum (32 bits each). The records
+// follow.
 constexpr std::size_t s_uiBandwidthAt = 11;
 constexpr std::size_t s_uiBasePowerAt = 15;
 constexpr std::size_t s_uiRecordCountAt = 19;
@@ -27,14 +30,14 @@ constexpr std::size_t s_uiRecordsPerSecondAt = 27;
 constexpr std::size_t s_uiPointsPerSpectrumAt = 31;
 constexpr std::size_t s_uiHeaderBytes = 35;
 
-// Where the fields stand in the header of a record. Its first eight bytes are reserved.
+// A record: eight reserved bytes, two levels (floats), then the points (floats).
 constexpr std::size_t s_uiLevelAAt = 8;
 constexpr std::size_t s_uiLevelBAt = 12;
 constexpr std::uint32_t s_uiRecordHeaderBytes = 16;
 
 constexpr float s_fMillisecondsPerSecond = 1000.0F;
 
-/// A spectrum of this size (bytes) is read whatever the size of the file.
+/// A spectrum of this size (bytes) is allocated even when the file is smaller.
 constexpr std::uint64_t s_uiHarmlessBytes = std::uint64_t{1024} * 1024;
 
 std::uint32_t recordDuration(std::uint32_t a_uiRecordsPerSecond)
@@ -42,7 +45,8 @@ std::uint32_t recordDuration(std::uint32_t a_uiRecordsPerSecond)
     if (a_uiRecordsPerSecond == 0) {
         return 0;
     }
-    // In single precision throughout: 25 a second are 40 ms, not 39.
+    // In single precision throughout: 25 records per second give 40 ms. In double
+    // precision the rounded quotient 0.04F would give 39.
     const float fSeconds = 1.0F / static_cast<float>(a_uiRecordsPerSecond);
     return static_cast<std::uint32_t>(std::floor(fSeconds * s_fMillisecondsPerSecond));
 }
@@ -78,7 +82,8 @@ bool SignalShapeFile::open()
     return true;
 }
 
-/// Forgets what the file said, not what was set from outside.
+/// Resets all values from the file; the package duration, which is set from
+/// outside, stays.
 void SignalShapeFile::reset()
 {
     m_uiRecordCount = 0;
@@ -122,8 +127,8 @@ bool SignalShapeFile::readGlobalHeader()
     return true;
 }
 
-/// A header of 35 bytes can claim a spectrum of 16 GiB. Sets the error text
-/// when it does.
+/// Checks the size before memory is allocated: a header of 35 bytes can claim a
+/// spectrum of 16 GiB. False with the error text set.
 bool SignalShapeFile::checkSpectrumSize(std::uint64_t a_uiFileSize)
 {
     const std::uint64_t uiBytes = std::uint64_t{m_uiPointsPerSpectrum} * sizeof(float);
@@ -132,7 +137,7 @@ bool SignalShapeFile::checkSpectrumSize(std::uint64_t a_uiFileSize)
                        .arg(QString::number(m_uiPointsPerSpectrum), QString::number(a_uiFileSize));
         return false;
     }
-    // The size of a record is a number of 32 bits, whatever the limit allows.
+    // The size of a record has 32 bits, even when the limit is higher.
     constexpr std::uint64_t uiLargest = std::numeric_limits<std::uint32_t>::max() - s_uiRecordHeaderBytes;
     if (uiBytes > std::min(Limits::value(Limits::DataBytes), uiLargest)) {
         m_sError = QStringLiteral("spectra of %1 points: %2")
@@ -223,7 +228,9 @@ bool SignalShapeFile::hasRecords() const
 
 std::uint64_t SignalShapeFile::posInFile(std::uint32_t a_uiTime) const
 {
-    // Two factors below 2^32: 64 bits hold the sum, whatever the header says.
+    // The record is floor(time / record duration) modulo the number of records.
+    // Both factors of the product are below 2^32, so 64 bits hold the sum for any
+    // header.
     const std::uint64_t uiIndex = (a_uiTime / m_uiRecordDuration) % m_uiRecordCount;
     return m_uiRecordSize * uiIndex + s_uiHeaderBytes;
 }
@@ -240,7 +247,8 @@ void SignalShapeFile::readSpectrum(std::uint32_t a_uiTime)
     }
     const bool bTruncated = !readRecord(uiPos);
     m_uiCurrentPos = uiPos;
-    // A signal may play for hours: one line for a run of missing records is enough.
+    // A signal may play for hours: one trace for a run of missing records is
+    // enough.
     if (bTruncated && !m_bTruncated) {
         traceError(s_szSource, [&] {
             return QStringLiteral(
@@ -277,12 +285,13 @@ bool SignalShapeFile::readRecord(std::uint64_t a_uiPos)
         m_pRecords->reset();
         iRead = readAt(*m_pFile, iPos + s_uiRecordHeaderBytes, m_spectrum.data(), iBytes);
     }
-    // In place: no work where the processor is little-endian.
+    // Converts in place; does nothing on a little-endian processor.
     qFromLittleEndian<float>(m_spectrum.data(), iRead / qint64{sizeof(float)}, m_spectrum.data());
     return iRead == iBytes;
 }
 
-/// From the header of a record.
+/// Takes the two levels from the header of a record. Their order is not fixed: the
+/// larger one is the signal level. When one is NaN, level A is.
 void SignalShapeFile::takeLevels(const char* a_pRecord)
 {
     const auto fLevelA = numberAt<float>(a_pRecord, s_uiLevelAAt);

@@ -16,30 +16,31 @@ namespace Simulation {
 
 class RecordBuffer;
 
-/// Reads a signal shape file, "Signal.ssf": power spectra of a signal, taken at
-/// a fixed rate. The recorded sequence repeats over the duration of the signal
-/// package, which must be set before the first spectrum is read.
+/// Reads a signal shape file, "Signal.ssf": power spectra of a signal, taken at a
+/// fixed rate. Within the duration of the signal package, which must be set before
+/// the first spectrum is read, the recorded sequence repeats; after that duration
+/// the signal starts again.
 ///
-/// One object may be shared by threads: every operation locks. Only the vector
-/// behind spectrum() is not guarded: open() and readSpectrum() on another
-/// thread change it under a reader's eyes, as they change the levels between
-/// two calls. A new object is closed and all its values are 0.
+/// Any thread may call; every operation locks. Only the vector that spectrum()
+/// returns is not protected: open() and readSpectrum() on another thread change it
+/// while it is read, and may change the levels between two calls. A new object is
+/// closed and all its values are 0.
 ///
 /// The values of the header stay after close(); a failed open() sets them to 0.
 class SIMULATIONDATA_EXPORT SignalShapeFile
 {
 public:
-    /// Nothing is opened or read yet.
+    /// Does not open the file.
     explicit SignalShapeFile(const QString& a_sPath);
     ~SignalShapeFile();
     SignalShapeFile(const SignalShapeFile&) = delete;
     SignalShapeFile& operator=(const SignalShapeFile&) = delete;
 
-    /// Opens the file, anew if it is open, and reads its header. The spectrum
-    /// and its levels are 0 until one is read. False after one trace: the file
-    /// is closed and the spectrum empty. A file that has no record for any time
-    /// (a count or the rate is 0, or a record takes less than a millisecond)
-    /// opens with one trace.
+    /// Opens the file, again if it is open already, and reads its header. The
+    /// spectrum and its levels are 0 until one is read. False after one trace: the
+    /// file is closed and the spectrum empty. A file without a record for any time
+    /// (a count or the rate is 0, or a record lasts less than a millisecond) opens
+    /// with one trace.
     [[nodiscard]] bool open();
     void close();
     [[nodiscard]] bool isOpen() const;
@@ -47,39 +48,39 @@ public:
     /// Why the last open() failed, in English; empty after a success.
     [[nodiscard]] QString errorString() const;
 
-    /// 2 once the file was opened.
+    /// 2 after a successful open().
     [[nodiscard]] std::uint32_t version() const;
     /// (Hz)
     [[nodiscard]] std::uint32_t bandwidth() const;
-    /// As the file has it, not checked to be a number.
+    /// As stored in the file; may be any float, also infinite or not a number.
     [[nodiscard]] float basePower() const;
-    /// Records as the header counts them; the file may hold fewer.
+    /// Number of records according to the header; the file may hold fewer.
     [[nodiscard]] std::uint64_t recordCount() const;
     [[nodiscard]] std::uint32_t recordsPerSecond() const;
     [[nodiscard]] std::uint32_t pointsPerSpectrum() const;
 
-    /// Length of the recorded sequence (ms): whole milliseconds of a record
-    /// times the records. Wraps round at 32 bits.
+    /// Length of the recorded sequence (ms): the length of a record in whole
+    /// milliseconds times the number of records, modulo 2^32.
     [[nodiscard]] std::uint32_t duration() const;
 
-    /// How many bytes the file had fewer at open() than its header claims: 0
-    /// when it is whole, negative when it had more. Saturates.
+    /// How many bytes the file lacked at open() compared with its header: 0 when it
+    /// is complete, negative when it had more. Saturates.
     [[nodiscard]] std::int64_t missingBytes() const;
 
-    /// The period (ms) after which the signal starts again from the first
-    /// record. 0, which it is at first, lets readSpectrum() do nothing.
+    /// The period (ms) after which the signal starts again from the first record.
+    /// At 0, the initial value, readSpectrum() does nothing.
     void setPackageDuration(std::uint32_t a_uiDuration);
 
     /// Loads the spectrum for a time (ms since the start of the package). A time
-    /// within the loaded record costs no file access. Does nothing while the
-    /// file is closed or the package duration is 0, and when the file has no
-    /// record for any time.
-    /// Where the file ends too early, what it holds replaces the old values,
-    /// the others stay; the first of such reads in a row is traced.
+    /// within the loaded record needs no file access. Does nothing while the file
+    /// is closed or the package duration is 0, or when the file has no record for
+    /// any time. Where the file ends too early, the values that it holds are loaded
+    /// and the others stay unchanged; the first of several such reads in a row is
+    /// traced.
     void readSpectrum(std::uint32_t a_uiTime);
 
-    /// The loaded spectrum, pointsPerSpectrum() values. The reference is valid
-    /// as long as the object.
+    /// The loaded spectrum, pointsPerSpectrum() values. The reference is valid as
+    /// long as the object exists.
     [[nodiscard]] const std::vector<float>& spectrum() const { return m_spectrum; }
 
     /// The smaller of the record's two levels, despite the name, which is part
@@ -117,7 +118,7 @@ private:
     std::vector<float> m_spectrum;
     float m_fMaxLevel = 0.0F;
     float m_fSignalLevel = 0.0F;
-    std::uint64_t m_uiCurrentPos = 0; ///< 0: no record is loaded
+    std::uint64_t m_uiCurrentPos = 0; ///< offset of the loaded record; 0 = none
     std::uint32_t m_uiPackageDuration = 0;
     std::int64_t m_iMissingBytes = 0;
     bool m_bTruncated = false; ///< the last read was too short

@@ -14,25 +14,27 @@ constexpr const char* s_szSource = "simulation/simulationdata/symboldatafile";
 
 constexpr DataFileKind s_kind{"symbol data file", "T&K-SDF", 0};
 
-// Where the fields stand in the global header. Bytes 11 to 26 are not ours.
+// The global header: magic (7 bytes), version (32 bits), 16 bytes that we do not
+// use (11 to 26), symbol valency and layout (8 bits each).
 constexpr std::size_t s_uiValencyAt = 27;
 constexpr std::size_t s_uiLayoutAt = 28;
 constexpr std::size_t s_uiHeaderBytes = 29;
 
 constexpr std::uint8_t s_uiConstantRate = 0;
 
-// What follows the global header in the layout of constant rate.
+// For a constant rate there follow the symbol rate (32-bit float, per second), the
+// symbol count (64 bits), and the symbols.
 constexpr std::size_t s_uiRateHeaderBytes = 12;
 constexpr std::uint32_t s_uiSymbolBytes = 1;
 
-/// Reads the symbols in one layout.
+/// Reads the symbols of one layout.
 class ISpecificReader
 {
 public:
     virtual ~ISpecificReader() = default;
 
     /// Reads the layout's own header, which follows the global one. False with a
-    /// reason: the reader is not to be used.
+    /// reason; the reader must not be used then.
     [[nodiscard]] virtual bool init(QString* a_pReason) = 0;
     [[nodiscard]] virtual std::vector<std::uint8_t> readSymbols(std::uint32_t a_uiStart,
                                                                 std::uint32_t a_uiDuration) = 0;

@@ -38,8 +38,9 @@ float scaled(std::int16_t a_iSample)
     return static_cast<float>(a_iSample) / s_fScale16;
 }
 
-/// Turns the samples that fill the vector's last bytes into floats, from the
-/// first one on: what a float overwrites has been read by then.
+/// Converts the samples in the last bytes of the vector to floats, from the first
+/// to the last. A float is at least as large as a sample, so each float overwrites
+/// only samples that are already converted.
 template<typename Sample>
 void scaleInPlace(std::vector<float>& a_samples)
 {
@@ -53,7 +54,8 @@ void scaleInPlace(std::vector<float>& a_samples)
 
 } // namespace
 
-/// A range of frames that the file holds.
+/// A range of complete frames: its place in the file (bytes), and the number of
+/// values (frames times channels).
 struct WaveFileReader::Range
 {
     qint64 offset = 0;
@@ -157,7 +159,8 @@ bool WaveFileReader::readSamples(std::uint64_t a_uiStart, std::uint64_t a_uiCoun
     return true;
 }
 
-/// Leaves the samples as the file has them, in the vector's last bytes.
+/// Reads the samples unconverted into the last bytes of the vector. `a_bFits`: the
+/// format of the file suits the type.
 template<typename Value>
 bool WaveFileReader::readRange(std::uint64_t a_uiStart, std::uint64_t a_uiCount, bool a_bFits,
                                std::vector<Value>& a_samples)
@@ -187,7 +190,8 @@ bool WaveFileReader::readRange(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
     return false;
 }
 
-/// `a_uiValueBytes` is the size of one value of the result.
+/// Finds the bytes of a range; false with a reason when the file does not have
+/// them. `a_uiValueBytes` is the size of one value of the result.
 bool WaveFileReader::findRange(std::uint64_t a_uiStart, std::uint64_t a_uiCount, std::uint64_t a_uiValueBytes,
                                Range* a_pRange, QString* a_pReason) const
 {
@@ -199,7 +203,8 @@ bool WaveFileReader::findRange(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
         *a_pReason = QStringLiteral("it has %1 frames").arg(uiFrames);
         return false;
     }
-    // Frames of a file fit 32 bits, their channels 16 and a value's bytes 3.
+    // No overflow: 32 bits for the frames, 16 for the channels, 3 for the size of a
+    // value.
     const std::uint64_t uiValues = a_uiCount * m_format.channels;
     if (uiValues * a_uiValueBytes > Limits::value(Limits::DataBytes)) {
         *a_pReason = Limits::exceeded(Limits::DataBytes);

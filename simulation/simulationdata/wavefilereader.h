@@ -14,13 +14,13 @@ namespace Simulation {
 
 struct WaveContents;
 
-/// Reads RIFF/WAVE files: the format, ranges of samples, and the cue points
-/// with their labels. Files of PCM samples (format tag 1) and extensible files
-/// (tag 65534) of PCM or floating-point samples.
+/// Reads RIFF/WAVE files: the format, ranges of samples, and the cue points with
+/// their labels. Supported are PCM samples (format tag 1) and extensible files (tag
+/// 65534) of PCM or floating-point samples.
 ///
-/// A reader belongs to one thread at a time. Before the first successful open()
-/// and after close() it describes an empty file: no frames, a format of zeros,
-/// no cue points.
+/// A reader may be used by one thread at a time. Before the first successful open()
+/// and after close() it describes an empty file: no frames, a format of zeros, no
+/// cue points.
 class SIMULATIONDATA_EXPORT WaveFileReader
 {
 public:
@@ -35,20 +35,20 @@ public:
     struct CuePoint
     {
         std::uint32_t id = 0;
-        std::uint32_t position = 0; ///< sample offset of the entry: frames from the start of the data
+        std::uint32_t position = 0; ///< frames from the start of the data
         QString label;              ///< empty when the file has none for this id
     };
 
-    /// Nothing is read before open().
+    /// Does not open the file.
     explicit WaveFileReader(const QString& a_sPath);
     WaveFileReader(const WaveFileReader&) = delete;
     WaveFileReader& operator=(const WaveFileReader&) = delete;
     ~WaveFileReader();
 
-    /// Reads everything but the samples; an open file is closed first and read
-    /// afresh. False after one trace, with the reason in errorString(); the
-    /// reader is closed then. A data chunk that ends behind the file's end is
-    /// cut there, see missingBytes().
+    /// Reads everything except the samples; an open file is closed first. False
+    /// after one trace, with the error text in errorString(); the reader is closed
+    /// then. A data chunk that ends after the end of the file is cut there, see
+    /// missingBytes().
     [[nodiscard]] bool open();
     void close();
     [[nodiscard]] bool isOpen() const;
@@ -56,37 +56,37 @@ public:
     /// Why the last open() failed, in English; empty after success.
     [[nodiscard]] QString errorString() const;
 
-    /// Whole sample frames in the file.
+    /// Number of complete sample frames in the file.
     [[nodiscard]] std::uint32_t length() const;
     [[nodiscard]] const Format& format() const { return m_format; }
 
-    /// In ascending order of their ids, each id once.
+    /// In ascending order of their ids; each id occurs once.
     [[nodiscard]] const QList<CuePoint>& cuePoints() const { return m_cuePoints; }
 
-    /// How many bytes fewer the file holds than its data chunk claims; 0 when
-    /// it is whole.
+    /// How many bytes the file lacks compared with the size of its data chunk; 0
+    /// when it is complete.
     [[nodiscard]] std::int64_t missingBytes() const { return m_iMissingBytes; }
 
-    /// Reads `a_uiCount` frames from frame `a_uiStart` on: frames times channels
-    /// values, the channels of a frame side by side. Where the range runs past
-    /// the end, the start is taken modulo length() once; a range that runs past
-    /// it then still, an empty range, and one of more than Limits::DataBytes
-    /// fail.
+    /// Reads `a_uiCount` frames from frame `a_uiStart` on. The result has frames
+    /// times channels values, the channels of a frame next to each other. When the
+    /// range runs past the end, the start is first taken modulo length(). A range
+    /// that still runs past the end, an empty range, and a range that exceeds
+    /// Limits::DataBytes fail.
     ///
-    /// False after one trace, and then the vector is empty. A vector that is
-    /// used again is not allocated again.
+    /// False after one trace, and then the vector is empty. The memory of a vector
+    /// that is passed again is reused.
     ///
-    /// This form reads 16-bit PCM.
+    /// This overload reads 16-bit PCM.
     [[nodiscard]] bool readSamples(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
                                    std::vector<std::int16_t>& a_samples);
 
-    /// The same for 8-bit PCM, where 128 is silence.
+    /// The same for 8-bit PCM, in which 128 is silence.
     [[nodiscard]] bool readSamples(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
                                    std::vector<std::uint8_t>& a_samples);
 
-    /// The same for 32-bit floating-point samples, which are given as they are
-    /// (also infinite ones and those that are no number), and for 16-bit and
-    /// 8-bit PCM, scaled to [-1, 1).
+    /// The same for 32-bit floating-point samples, which are returned unchanged
+    /// (also infinite ones and NaN), and for 16-bit and 8-bit PCM, scaled to [-1,
+    /// 1): sample / 32768 and (sample - 128) / 128.
     [[nodiscard]] bool readSamples(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
                                    std::vector<float>& a_samples);
 
