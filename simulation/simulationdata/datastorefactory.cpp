@@ -31,7 +31,7 @@ constexpr QLatin1String s_sFiles("Files");
 constexpr QLatin1String s_sRadar("Radar");
 constexpr QLatin1String s_sIcons("Icons");
 
-/// The repository that a configuration names; nothing without a configuration.
+/// The repository that a configuration names; no value without a configuration.
 std::optional<QString> repository(ICfg* a_pCfg)
 {
     if (a_pCfg == nullptr || !a_pCfg->hasGroup(s_sFileSystem)) {
@@ -43,7 +43,8 @@ std::optional<QString> repository(ICfg* a_pCfg)
 QString storeDir(ICfg* a_pCfg, QLatin1String a_sName)
 {
     const QString sRepository = repository(a_pCfg).value_or(QString());
-    // An empty text names no folder; joined it would name one of the root.
+    // An empty text is not a folder; joined with the name it would be one in the
+    // root.
     return !sRepository.isEmpty() ? sRepository + u'\\' + a_sName : QString();
 }
 
@@ -52,12 +53,12 @@ bool makeFolder(const QString& a_sFolder, QString* a_pReason)
     if (QDir().mkpath(a_sFolder)) {
         return true;
     }
-    // mkpath() leaves the reason of the last folder that it tried.
+    // After mkpath() errno holds the reason for the last folder that it tried.
     *a_pReason = QStringLiteral("folder \"%1\" cannot be made: %2").arg(a_sFolder, qt_error_string());
     return false;
 }
 
-/// The folders of the stores. False with a reason.
+/// Creates the folders of the stores and makes them writable. False with a reason.
 bool prepareFolders(const QDir& a_repository, QString* a_pReason)
 {
     for (const QLatin1String sName : {s_sSignalPackages, s_sIcons, s_sFiles}) {
@@ -72,14 +73,14 @@ bool prepareFolders(const QDir& a_repository, QString* a_pReason)
     return makeFolder(packages.absoluteFilePath(s_sDefaultPackages), a_pReason);
 }
 
-/// Without the default data the repository serves all the same, so what fails
-/// here is traced where it fails. The first reason; empty when all was put there.
+/// Copies the default data into the repository, which is usable without it: an
+/// error is only traced. Returns the first one, empty on success.
 QString putDefaultData(const QDir& a_repository)
 {
     QString sProblem;
     const QDir packages(a_repository.absoluteFilePath(s_sSignalPackages));
     removeAbandonedFiles(packages.absolutePath());
-    // Under this name older programs unpacked; a crash may have left it behind.
+    // Older programs unpacked under this name; a crash may have left the file.
     const QString sFormer = packages.absoluteFilePath(QStringLiteral("~tmp.zip"));
     makeWritable(sFormer);
     QFile::remove(sFormer);
@@ -94,14 +95,15 @@ QString putDefaultData(const QDir& a_repository)
         return sProblem.isEmpty() ? sReason : sProblem;
     }
     removeAbandonedFiles(sFolder);
-    // The user may have changed the scenario that is there: it stays.
+    // An existing scenario stays, because the user may have changed it.
     static_cast<void>(copyFileWhole(QStringLiteral(":/DefaultData/Default.sce.exp"), sScenario, &sReason));
-    // A scenario that is there already is no problem.
+    // copyFileWhole() also gives a reason when the scenario exists, which is not an
+    // error.
     return sProblem.isEmpty() && !QFileInfo::exists(sScenario) ? sReason : sProblem;
 }
 
-/// Says that there is no repository: always in a trace, which has the reason,
-/// and to the user where there is one to answer.
+/// Reports that the repository cannot be used: in a trace, with the reason, and in
+/// a message box when the caller is on the thread of a running QApplication.
 bool failToInitialize(const QString& a_sReason)
 {
     const QString sText = QCoreApplication::translate(

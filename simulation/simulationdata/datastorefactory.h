@@ -11,18 +11,18 @@ namespace Simulation {
 
 class ISignalPackageStore;
 
-/// Knows the layout of the repository, the folder that holds all packages, files
-/// and icons, and prepares it. Static operations only: an object holds nothing
-/// and assigning it does nothing. Any thread may call.
+/// Defines the layout of the repository, the folder that holds all packages, files
+/// and icons, and prepares it. Static operations only: an object has no state. Any
+/// thread may call.
 ///
-/// The repository is the value "Repository" of the configuration's group
-/// "FileSystem", by default the system's temporary folder.
+/// The repository is the value "Repository" in the group "FileSystem" of the
+/// configuration, by default the system's temporary folder.
 class SIMULATIONDATA_EXPORT DataStoreFactory
 {
 public:
-    /// The stores in the repository: its path, a backslash on every platform,
-    /// and the name. Programs keep and compare these texts. Empty when the
-    /// configuration is null or has no group "FileSystem".
+    /// The folders of the stores: the repository's path, a backslash on every
+    /// platform, and the store's name. Applications store and compare these texts.
+    /// Empty when the configuration is null or has no group "FileSystem".
     [[nodiscard]] static QString sessionStoreDir(ICfg* a_pCfg);
     [[nodiscard]] static QString signalPackageStoreDir(ICfg* a_pCfg);
     [[nodiscard]] static QString fileStoreDir(ICfg* a_pCfg);
@@ -37,18 +37,19 @@ public:
     /// files. Empty for an empty folder.
     [[nodiscard]] static QString defaultScenario(const QString& a_sFileDir);
 
-    /// Makes the repository ready: empties the sessions, makes the folders that
-    /// are missing, unpacks the default packages over what is there, and puts
-    /// the default scenario in its place unless one is there. The repository
-    /// folder itself is never made.
+    /// Prepares the repository: removes the folder of sessions, creates missing
+    /// folders, unpacks the default packages over existing files, and copies the
+    /// default scenario unless it exists. The repository folder itself is never
+    /// created.
     ///
-    /// False when a folder is missing or cannot be made, after one trace and, on
-    /// the thread of a running QApplication, a message that waits for the user.
-    /// Default data that cannot be written are traced, and the result is true.
+    /// False when the repository does not exist or a folder cannot be created,
+    /// after one trace and, on the thread of a running QApplication, a message box
+    /// that waits for the user. Default data that cannot be written is traced, but
+    /// the result is true.
     [[nodiscard]] static bool initializeDataStore(ICfg* a_pCfg);
 
-    /// The same. What failed, default data included, and the system's reason are
-    /// put into the problem, which is empty when nothing failed.
+    /// The same. `*a_pProblem` is the error text with the system's reason, also for
+    /// default data; empty when nothing failed.
     [[nodiscard]] static bool initializeDataStore(ICfg* a_pCfg, QString* a_pProblem);
 
     /// Always null: there is no such store.

@@ -18,7 +18,7 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/folderoperations";
 
-/// Everything that a folder holds, folders first. Broken links count as system
+/// All entries of a folder, folders first. QDir counts broken links as system
 /// entries.
 QFileInfoList entriesOf(const QString& a_sFolder)
 {
@@ -39,8 +39,8 @@ bool fail(const char* a_szWhat, const QString& a_sPath, const QString& a_sReason
     return false;
 }
 
-/// Whether the folder holds a name that is no text of the system's encoding: we
-/// could neither see nor name it.
+/// Whether the folder contains a name that is not valid in the system's encoding:
+/// QDir would not list it.
 bool hasForeignNames(const QString& a_sFolder)
 {
     std::error_code error;
@@ -53,8 +53,8 @@ bool hasForeignNames(const QString& a_sFolder)
     return false;
 }
 
-/// Whether the path lies in the folder or is that folder, links followed; the
-/// last parts of both may be missing. True, too, when one cannot be followed.
+/// Whether the path lies in the folder or is that folder, after following links;
+/// the last parts of both may not exist. Also true when a path cannot be resolved.
 bool isInside(const QString& a_sPath, const QString& a_sFolder)
 {
     const auto canonical = [](const QString& a_sOne, std::error_code& a_error) {
@@ -68,7 +68,8 @@ bool isInside(const QString& a_sPath, const QString& a_sFolder)
     return pathError || folderError || difference.first == folder.end();
 }
 
-/// The copy points to what the original's text says, seen from its new place.
+/// The copy has the same target text; a relative target is relative to the new
+/// place.
 bool copyLink(const QFileInfo& a_link, const QString& a_sTo)
 {
     std::error_code error;
@@ -92,7 +93,7 @@ bool copyEntries(const QString& a_sFrom, const QString& a_sTo)
     if (!QDir(a_sFrom).exists()) {
         return true;
     }
-    // It would look empty.
+    // Without read permission the folder would look empty.
     if (!QDir(a_sFrom).isReadable()) {
         return fail("read folder", a_sFrom, QStringLiteral("not permitted"));
     }
@@ -117,7 +118,7 @@ bool copyEntries(const QString& a_sFrom, const QString& a_sTo)
 
 bool removeDir(const QString& a_sFolder)
 {
-    // A slash behind the name of a link would open it.
+    // With a slash after its name a link would be followed.
     const QString sFolder = QDir::cleanPath(resolvedStorePath(a_sFolder));
     if (sFolder.isEmpty()) {
         return true;

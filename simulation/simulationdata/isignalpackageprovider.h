@@ -15,12 +15,12 @@ class SignalPackage;
 class SignalShapeFile;
 class SymbolDataFile;
 
-/// How scenario documents reach signal packages and their data files. A
-/// document does not own its provider, which must outlive it and is called on
-/// the document's thread. While a document is being read its provider must not
-/// change that document.
+/// Gives scenario documents access to signal packages and their data files. A
+/// document does not own its provider, which must outlive it and is called on the
+/// document's thread. While a document is being read its provider must not change
+/// that document.
 ///
-/// The order of the operations is part of the interface: keep it.
+/// The order of the operations is part of the binary interface and must not change.
 class SIMULATIONDATA_EXPORT ISignalPackageProvider
 {
 public:
@@ -29,15 +29,15 @@ public:
     /// Whether the provider knows the id.
     virtual bool validSignalPackageId(const QString& a_sId) = 0;
 
-    /// The package of that id. An unknown id gives the default package, so the
-    /// result is null only where there is none.
+    /// The package of that id, or the default package for an unknown id; null only
+    /// when there is no default package either.
     virtual std::shared_ptr<SignalPackage> signalPackage(const QString& a_sId) = 0;
 
-    /// What stands for unknown packages; null when the provider has none.
+    /// The package that is used for unknown ids; null when the provider has none.
     virtual std::shared_ptr<SignalPackage> defaultSignalPackage() = 0;
 
-    /// Readers of the package's data files, null when there is no such file.
-    /// They belong to the provider: callers do not delete them.
+    /// Readers of the package's data files; null when the package has no such file.
+    /// The provider owns them: callers do not delete them.
     virtual SignalShapeFile* signalShapeFile(std::shared_ptr<SignalPackage> a_pPackage) = 0;
     virtual AudioFile* audioFile(std::shared_ptr<SignalPackage> a_pPackage) = 0;
     virtual SymbolDataFile* symbolDataFile(std::shared_ptr<SignalPackage> a_pPackage) = 0;

@@ -5,8 +5,8 @@
 
 namespace Simulation {
 
-/// A store of signal packages other than a folder. Packages are read through
-/// ISignalPackageProvider; no operation has been needed here yet.
+/// A store of signal packages that is not a folder. Packages are read through
+/// ISignalPackageProvider, so this interface has no operations.
 class SIMULATIONDATA_EXPORT ISignalPackageStore
 {
 public:

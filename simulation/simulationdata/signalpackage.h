@@ -11,20 +11,19 @@
 
 namespace Simulation {
 
-/// The record of one signal package: what its descriptor says, and what a store
-/// learns from the folder that holds it.
+/// The record of one signal package: the values of its descriptor, and those that a
+/// store takes from the package's folder.
 ///
-/// A plain value. A default object has an empty id, which callers take as the
-/// sign that there is no package; its modulation is CW, all else is empty, 0 or
-/// false.
+/// A plain value. The id of a default object is empty, which means that there is no
+/// package; its modulation is CW, all else is empty, 0 or false.
 class SIMULATIONDATA_EXPORT SignalPackage
 {
 public:
-    /// Identifies the package across stores; emissions name it.
+    /// Identifies the package in all stores; emissions refer to it.
     [[nodiscard]] QString id() const { return m_sId; }
     void setId(const QString& a_sId) { m_sId = a_sId; }
 
-    /// Ids of the packages that this one supersedes.
+    /// Ids of older packages that this one replaces.
     [[nodiscard]] const QStringList& updateIds() const { return m_updateIds; }
     void setUpdateIds(const QStringList& a_updateIds) { m_updateIds = a_updateIds; }
 
@@ -39,27 +38,28 @@ public:
     [[nodiscard]] QString author() const { return m_sAuthor; }
     void setAuthor(const QString& a_sAuthor) { m_sAuthor = a_sAuthor; }
 
-    /// When or as which version the package was made; larger is newer.
+    /// Creation time or version of the package; a larger value is newer.
     [[nodiscard]] std::uint32_t timestamp() const { return m_uiTimestamp; }
     void setTimestamp(std::uint32_t a_uiTimestamp) { m_uiTimestamp = a_uiTimestamp; }
 
-    /// In the unit of whoever made the package; descriptors do not name it.
+    /// In a unit that the author of the package chooses; descriptors do not name
+    /// it.
     [[nodiscard]] float signalBandwidth() const { return m_fSignalBandwidth; }
     void setSignalBandwidth(float a_fBandwidth) { m_fSignalBandwidth = a_fBandwidth; }
 
     [[nodiscard]] AnalogModulations analogModulation() const { return m_eAnalogModulation; }
     void setAnalogModulation(AnalogModulations a_eModulation) { m_eAnalogModulation = a_eModulation; }
 
-    /// The name of the digital modulation. It counts only beside the analog
-    /// modulation Digital, see hasDigitalModulation().
+    /// The name of the digital modulation. It has a meaning only when the analog
+    /// modulation is Digital, see hasDigitalModulation().
     [[nodiscard]] QString digitalModulation() const { return m_sDigitalModulation; }
     void setDigitalModulation(const QString& a_sModulation) { m_sDigitalModulation = a_sModulation; }
 
-    /// Duration of the signal, in the unit of whoever made the package.
+    /// Duration of the signal, in a unit that the author of the package chooses.
     [[nodiscard]] std::uint32_t duration() const { return m_uiDuration; }
     void setDuration(std::uint32_t a_uiDuration) { m_uiDuration = a_uiDuration; }
 
-    /// Whether the package's folder holds "Signal.wav", "Signal.sdf" and
+    /// Whether the package's folder contains "Signal.wav", "Signal.sdf" and
     /// "Signal.rdf"; not part of the descriptor.
     [[nodiscard]] bool hasAudioContent() const { return m_bHasAudioContent; }
     void setHasAudioContent(bool a_bContent) { m_bHasAudioContent = a_bContent; }
@@ -68,8 +68,8 @@ public:
     [[nodiscard]] bool hasResultDataContent() const { return m_bHasResultDataContent; }
     void setHasResultDataContent(bool a_bContent) { m_bHasResultDataContent = a_bContent; }
 
-    /// Whether the signal is digital and its modulation has a name. A name that
-    /// is left over beside another analog modulation counts as absent.
+    /// Whether the analog modulation is Digital and the digital modulation has a
+    /// name. Beside another analog modulation the name is ignored.
     [[nodiscard]] bool hasDigitalModulation() const;
 
     /// Path and name, joined by a slash.

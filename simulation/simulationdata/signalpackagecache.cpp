@@ -75,8 +75,9 @@ bool SignalPackageCache::prepareCacheForUse()
     return true;
 }
 
-/// Looks once what the folder holds of the built-in package's id: a package of the
-/// repository takes its place.
+/// Determines the default package: the package in the folder that has the built-in
+/// package's id, else the built-in package. The folder is read only until it has
+/// such a package.
 void SignalPackageCache::resolveDefault()
 {
     if (!m_builtIn) {
@@ -96,8 +97,8 @@ void SignalPackageCache::resolveDefault()
         m_symbolFiles.retire(sId);
         m_resultFiles.retire(sId);
     }
-    // A successor has another id: it is played where the id is named, not where an
-    // unknown one is.
+    // A package that supersedes the built-in one has another id. It is used for the
+    // built-in package's id, but not for unknown ids.
     m_defaultPackage = known->id() == sId ? known : m_builtIn;
 }
 
@@ -105,7 +106,8 @@ void SignalPackageCache::updateCache(const QString& a_sFolder, bool a_bAnew)
 {
     const QWriteLocker locker(&m_lock);
     const QString sFolder = resolvedStorePath(a_sFolder);
-    // A repository that is out of reach must not cost what is cached of it.
+    // When the repository cannot be reached, the packages already cached from it
+    // must stay.
     const bool bThere = !sFolder.isEmpty() && QFileInfo(sFolder).isDir();
     if (!bThere || !m_folder->exists()) {
         m_failures = {0,
@@ -165,7 +167,7 @@ std::shared_ptr<SignalPackage> SignalPackageCache::signalPackage(const QString& 
         }
     }
     const QWriteLocker locker(&m_lock);
-    // Another thread may have been faster.
+    // Another thread may have inserted it meanwhile.
     if (const auto known = m_packages.find(a_sId); known != m_packages.end()) {
         return known->second;
     }
@@ -218,7 +220,7 @@ Reader* SignalPackageCache::reader(Readers<Reader>& a_readers, const SignalPacka
         }
     }
     const QWriteLocker locker(&m_lock);
-    // Another thread may have been faster.
+    // Another thread may have inserted it meanwhile.
     if (const auto known = a_readers.current.find(sId); known != a_readers.current.end()) {
         return known->second.get();
     }
@@ -226,8 +228,8 @@ Reader* SignalPackageCache::reader(Readers<Reader>& a_readers, const SignalPacka
     return opened ? a_readers.current.emplace(sId, std::move(opened)).first->second.get() : nullptr;
 }
 
-/// The record may be an old one, or know nothing but its id: what the folder holds
-/// is what is played.
+/// `a_package` may be outdated or contain only an id, so the package in the folder
+/// determines the file and the duration.
 template<typename Reader>
 std::unique_ptr<Reader> SignalPackageCache::makeReader(const SignalPackage& a_package,
                                                        const char* a_szEnding) const
@@ -245,11 +247,11 @@ std::unique_ptr<Reader> SignalPackageCache::makeReader(const SignalPackage& a_pa
     auto opened = std::make_unique<Reader>(sFile);
     const SignalPackage& described = bBuiltIn ? *m_builtIn : isOfId(cached) ? *cached : a_package;
     opened->setPackageDuration(described.duration());
-    static_cast<void>(opened->open()); // it has told why if it could not
+    static_cast<void>(opened->open()); // traces a failure itself
     return opened;
 }
 
-/// Empties the maps; readers that were handed out live on.
+/// Empties the maps; readers that were returned stay valid.
 void SignalPackageCache::forget()
 {
     m_packages.clear();

@@ -33,8 +33,8 @@ constexpr QLatin1String s_sArchiveName("tmp.zip");
 constexpr QLatin1String s_sDescriptorRoot("SignalPackage");
 constexpr QLatin1String s_sBuiltInName("Signal");
 
-/// A package's data files: how they end in the cache folder, and where they lie
-/// in a package folder.
+/// The data files of a package: extension in the cache folder, and path in a
+/// package folder.
 struct DataFile
 {
     const char* ending;
@@ -48,7 +48,7 @@ constexpr std::array<DataFile, 4> s_dataFiles{{
     {PackageCacheFolder::s_szResults, &SignalPackageFolder::resultDataFilePath},
 }};
 
-/// The first of them, which the built-in package has.
+/// The built-in package has the first two of them.
 constexpr std::size_t s_uiBuiltInFiles = 2;
 
 void keepFirst(QString& a_sReason, const QString& a_sNext)
@@ -58,7 +58,7 @@ void keepFirst(QString& a_sReason, const QString& a_sNext)
     }
 }
 
-/// False with a reason when the file is still there.
+/// False with a reason when the file still exists.
 bool removeFile(const QString& a_sFile, QString* a_pReason)
 {
     QFile file(a_sFile);
@@ -69,8 +69,9 @@ bool removeFile(const QString& a_sFile, QString* a_pReason)
     return false;
 }
 
-/// Whether a cache made the descriptor: the folder may be one that everybody
-/// uses, such as that for temporary files.
+/// Whether a cache made the descriptor. The folder may be shared, such as that for
+/// temporary files, so a descriptor counts only when it is named after an id that
+/// it contains.
 bool isOurDescriptor(const QString& a_sFile)
 {
     QString sReason;
@@ -87,8 +88,8 @@ bool isOurDescriptor(const QString& a_sFile)
     return isName(package.id()) || std::any_of(updateIds.cbegin(), updateIds.cend(), isName);
 }
 
-/// Whether a descriptor is, byte for byte, the one that the program carries for
-/// the id, or the first part of it.
+/// Whether a descriptor is identical to the built-in one of that id, or to the
+/// beginning of it.
 bool isBuiltInDescriptor(const QString& a_sFile, const QString& a_sCleanId)
 {
     const QString sResource = QStringLiteral(":/DefaultData/Descriptors/%1.xml").arg(a_sCleanId);
@@ -129,7 +130,7 @@ std::shared_ptr<SignalPackage> PackageCacheFolder::prepare(CopyFailures* a_pFail
     auto package = std::make_shared<SignalPackage>(SignalPackageFolder::signalPackage(m_sPath));
     const bool bWhole =
         !package->id().isEmpty() && !builtInFile(s_szShape).isEmpty() && !builtInFile(s_szAudio).isEmpty();
-    // What others have prepared in a folder that cannot be written is good, too.
+    // A folder that is not writable but was prepared by another user is good, too.
     if (bWhole) {
         sReason.clear();
     } else {
@@ -140,8 +141,9 @@ std::shared_ptr<SignalPackage> PackageCacheFolder::prepare(CopyFailures* a_pFail
     return package->id().isEmpty() ? nullptr : package;
 }
 
-/// Replaces what an older program has put there. Older ones also copied the data
-/// to names that a package of the repository now may have.
+/// Replaces the files of an older program version. Old versions also copied the
+/// data to names that a package of the repository may now use: those copies are
+/// removed.
 void PackageCacheFolder::unpackBuiltInPackage(QString* a_pReason) const
 {
     if (!unpackResource(s_sDefaultArchive, m_sPath, QStringLiteral("/"), m_sPath, a_pReason)) {
@@ -176,7 +178,7 @@ void PackageCacheFolder::removePackages() const
             left.append(sDescriptor);
         }
     }
-    // Under this name older programs unpacked, and so may others.
+    // Older programs unpacked under this name, which other programs may use, too.
     const QString sFormer = folder.filePath(s_sArchiveName);
     if (isCopyOfResource(sFormer, s_sDefaultArchive)) {
         makeWritable(sFormer);
@@ -190,9 +192,9 @@ void PackageCacheFolder::removePackages() const
     }
 }
 
-/// The descriptor goes last and only when the data are gone: by it they are
-/// found again, after a crash as well. Data that nobody finds would later be
-/// taken for those of a changed package.
+/// The descriptor is removed last, and only when the data files are gone: through
+/// it they are found again, even after a crash. Otherwise they would remain and be
+/// taken for those of a changed package later.
 bool PackageCacheFolder::removeFiles(const QString& a_sCleanId) const
 {
     QString sReason;
@@ -210,7 +212,7 @@ bool PackageCacheFolder::removeData(const QString& a_sCleanId, QString* a_pReaso
 
 PackageCacheFolder::Update PackageCacheFolder::update(const QString& a_sRepository, bool a_bAnew) const
 {
-    // Without the lock the copying does no harm: every file is put there whole.
+    // Copying is safe even without the lock, because every file is put there whole.
     const FolderLock lock(m_sPath);
     Update result;
     CopyFailures& failures = result.failures;
@@ -226,7 +228,8 @@ PackageCacheFolder::Update PackageCacheFolder::update(const QString& a_sReposito
     for (PackageSource& source : sources) {
         source.cached = result.replaced ? isComplete(source.package) : source.cached;
     }
-    // The descriptors are first: by them removePackages() finds what is ours.
+    // Descriptors are copied first, because removePackages() finds our files by
+    // them.
     copyDescriptors(sources, reasons);
     QList<QFuture<QString>> tasks;
     for (std::size_t i = 0; i < reasons.size(); ++i) {
@@ -249,10 +252,10 @@ PackageCacheFolder::Update PackageCacheFolder::update(const QString& a_sReposito
     return result;
 }
 
-/// A built-in package is cached as long as the users have none of its id. The files
-/// of both must not be mixed, so a user's package takes its place at once and not
-/// only when the cache is cleared. One with the built-in descriptor is the same
-/// package. Whether anything was replaced.
+/// A built-in package is cached only while no user's package has its id. The files
+/// of both must not be mixed, so a user's package replaces it at once, not only
+/// when the cache is cleared. A package with the built-in descriptor is the same
+/// package and is not replaced. Returns whether anything was replaced.
 bool PackageCacheFolder::replaceBuiltIns(const QList<PackageSource>& a_sources, const FolderLock& a_lock,
                                          Reasons& a_reasons) const
 {
@@ -273,8 +276,8 @@ bool PackageCacheFolder::replaceBuiltIns(const QList<PackageSource>& a_sources, 
     return bReplaced;
 }
 
-/// The descriptor is last: a process that dies before leaves the built-in one, and
-/// the next process begins again.
+/// The descriptor is replaced last: a process that dies before leaves the built-in
+/// one, and the next process starts again.
 QString PackageCacheFolder::replaceBuiltIn(const SignalPackage& a_package, const QString& a_sCleanId) const
 {
     QString sReason;
@@ -285,15 +288,16 @@ QString PackageCacheFolder::replaceBuiltIn(const SignalPackage& a_package, const
     return sReason;
 }
 
-/// An id that a package supersedes is to resolve to that one, whether or not the
-/// older one is still there: so first come the update ids, those of the newest
-/// package before others, and then the packages' own.
+/// A superseded id shall resolve to the package that supersedes it, even when the
+/// older package still exists. An existing descriptor is never replaced, so the
+/// update ids are copied first, those of the newest package before others, and the
+/// packages' own ids last.
 void PackageCacheFolder::copyDescriptors(const QList<PackageSource>& a_sources, Reasons& a_reasons) const
 {
     std::vector<std::pair<const SignalPackage*, QString*>> missing;
     for (qsizetype i = 0; i < a_sources.size(); ++i) {
         const SignalPackage& package = a_sources[i].package;
-        // After a power cut a file may be there without its bytes.
+        // After a power failure a file may exist without its bytes.
         if (!a_sources[i].cached && QFileInfo(file(package.cleanId(), s_szDescriptor)).size() == 0) {
             missing.emplace_back(&package, &a_reasons[static_cast<std::size_t>(i)]);
         }
@@ -305,7 +309,8 @@ void PackageCacheFolder::copyDescriptors(const QList<PackageSource>& a_sources, 
         }
     }
     for (const auto& [pPackage, pReason] : missing) {
-        // With its own descriptor the package would never be looked at again.
+        // With its own descriptor the package would count as complete, and the copy
+        // that failed would never be repeated.
         if (pReason->isEmpty()) {
             *pReason = copyDescriptor(*pPackage, pPackage->cleanId());
         }
@@ -318,8 +323,8 @@ QString PackageCacheFolder::copyDescriptor(const SignalPackage& a_package, const
                        file(a_sCleanId, s_szDescriptor));
 }
 
-/// Without its descriptor, which could not be copied then, removePackages()
-/// would not find the data.
+/// Copies the data files, but only when the descriptor is there: without it
+/// removePackages() would not find them.
 QString PackageCacheFolder::copyData(const SignalPackage& a_package) const
 {
     QString sReason;
@@ -341,7 +346,8 @@ bool PackageCacheFolder::isComplete(const SignalPackage& a_package) const
            });
 }
 
-/// Whether there is something to copy to where there is none, or an empty file.
+/// Whether the source exists but the target does not, or the target is empty and
+/// the source is not.
 bool PackageCacheFolder::isMissing(const QString& a_sFrom, const QString& a_sTo)
 {
     const QFileInfo target(a_sTo);
@@ -352,7 +358,8 @@ bool PackageCacheFolder::isMissing(const QString& a_sFrom, const QString& a_sTo)
     return target.exists() ? source.size() > 0 : source.exists();
 }
 
-/// The reason when that fails; none when another process has been faster.
+/// Copies a missing file. Returns the reason of a failure; empty when another
+/// process has copied it meanwhile.
 QString PackageCacheFolder::copyMissing(const QString& a_sFrom, const QString& a_sTo)
 {
     QString sReason;

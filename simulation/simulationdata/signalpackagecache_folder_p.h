@@ -15,54 +15,55 @@ class FolderLock;
 class SignalPackage;
 struct PackageSource;
 
-/// The folder of a package cache: which files it holds under which names, and how
-/// they are put there and removed. It keeps nothing in memory. Several processes
-/// may use one folder; whoever changes it holds its lock.
+/// The folder of a package cache: defines which files it contains and their names,
+/// copies them and removes them. It keeps nothing in memory. Several processes may
+/// use one folder; an operation that changes it holds its lock.
 ///
 /// The built-in default package has files of its own, "Signal.*". Files that are
-/// named after its id belong to a package of the repository that has the same id.
+/// named after its id belong to a package of the repository with the same id.
 class PackageCacheFolder
 {
 public:
     using CopyFailures = SignalPackageCache::CopyFailures;
 
-    // How the files of a package end.
+    // File name extensions of a package's files.
     static constexpr const char* s_szDescriptor = "xml";
     static constexpr const char* s_szShape = "ssf";
     static constexpr const char* s_szAudio = "wav";
     static constexpr const char* s_szSymbols = "sdf";
     static constexpr const char* s_szResults = "rdf";
 
-    /// An empty path is no folder: nothing is found in it or put there.
+    /// An empty path is not a folder: it contains no files and nothing is copied
+    /// into it.
     explicit PackageCacheFolder(const QString& a_sPath);
 
     [[nodiscard]] const QString& path() const { return m_sPath; }
     [[nodiscard]] bool exists() const;
 
-    /// Whether a cache has used the folder: it was locked, or holds the copies that
-    /// older programs made.
+    /// Whether a cache has used the folder: it was locked before, or contains the
+    /// copies that older programs made.
     [[nodiscard]] bool wasPrepared() const;
 
-    /// Makes the folder, removes what processes that died left half done, and
-    /// unpacks the built-in package. That package, or null after a trace.
+    /// Creates the folder, removes partial files of processes that died, and
+    /// unpacks the built-in package. Returns that package, or null after a trace.
     [[nodiscard]] std::shared_ptr<SignalPackage> prepare(CopyFailures* a_pFailures) const;
 
     struct Update
     {
         CopyFailures failures;
-        bool replaced = false; ///< what was read of the folder before may not hold any more
+        bool replaced = false; ///< packages read before may be outdated
     };
 
-    /// Copies what the folder does not hold yet of the packages that lie below
-    /// another folder; first removes what it holds when that is to be made anew.
-    /// Files of a built-in package give way to a user's package that has its id or
-    /// supersedes it.
+    /// Copies the files that the folder does not have yet of the packages below a
+    /// repository; with `a_bAnew` first removes all packages. A user's package
+    /// replaces a built-in package whose id it has or supersedes.
     [[nodiscard]] Update update(const QString& a_sRepository, bool a_bAnew) const;
 
-    /// Removes the packages, but not the built-in one. Nothing without the lock.
+    /// Removes all packages except the built-in one. Does nothing without the lock.
     void clear() const;
 
-    /// What the folder holds of an id; null when that is nothing readable.
+    /// The package of that id; null when the folder has no readable descriptor for
+    /// it.
     [[nodiscard]] std::shared_ptr<SignalPackage> package(const QString& a_sId) const;
     /// Whether the folder holds a descriptor of that id.
     [[nodiscard]] bool holds(const QString& a_sId) const;
@@ -72,7 +73,8 @@ public:
     [[nodiscard]] QString builtInFile(const char* a_szEnding) const;
 
 private:
-    /// Why a package lacks a file, empty when it has all, for each of a list.
+    /// For each package of a list the reason why it lacks a file; empty when it has
+    /// all.
     using Reasons = std::vector<QString>;
 
     [[nodiscard]] QString file(const QString& a_sCleanId, const char* a_szEnding) const;

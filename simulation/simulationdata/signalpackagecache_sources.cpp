@@ -18,10 +18,10 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/signalpackagecache_sources";
 
-/// The default package's files stand in a cache folder under this name.
+/// The base name of the default package's files in a cache folder.
 constexpr QLatin1String s_sReservedName("Signal");
 
-/// Whether the program itself unpacked the package into the repository.
+/// Whether the program unpacked the package into the repository.
 bool isBuiltIn(const QString& a_sFolder)
 {
     return QFileInfo(a_sFolder).dir().dirName() == s_sDefaultPackages;
@@ -87,7 +87,7 @@ SupersededIds::SupersededIds(const QList<PackageSource>& a_sources)
 {
     m_timestamps.reserve(a_sources.size());
     for (const PackageSource& source : a_sources) {
-        // A built-in package is older than whatever supersedes it.
+        // A built-in package counts as older than any package that supersedes it.
         m_timestamps.insert(source.package.cleanId(), source.builtIn ? 0 : source.package.timestamp());
     }
 }

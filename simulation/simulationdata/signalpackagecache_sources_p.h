@@ -13,30 +13,31 @@
 
 namespace Simulation {
 
-/// A package in a folder, as a cache takes it.
+/// A package in a repository that can be copied into a cache.
 struct PackageSource
 {
     SignalPackage package; ///< with its path
-    bool cached = false;   ///< nothing of it is missing in the cache
+    bool cached = false;   ///< the cache has all its files
     bool builtIn = false;  ///< the program unpacked it into the repository
 };
 
-/// The packages that a cache takes from the folders below another one, the newest
-/// first and the built-in ones last: those of a user win. They are read in background tasks, which also ask
-/// whether they are cached. Left out are, silently, those without an id and, after a trace each, those whose
-/// files would take the place of a newer package's or of the default package's.
+/// The packages below a folder that a cache copies: the users' packages, newest
+/// first, then the built-in ones, so that a user's package takes precedence. They
+/// are read in background tasks, which also call `a_isCached`. Packages without an
+/// id are left out silently. After one trace each, so are packages whose files
+/// would replace those of an earlier package in the list or of the default package.
 [[nodiscard]] QList<PackageSource>
 readPackagesBelow(const QString& a_sFolder, const std::function<bool(const SignalPackage&)>& a_isCached);
 
-/// Tells what ids the packages of a repository supersede.
+/// Determines which ids the packages of a repository supersede.
 class SupersededIds
 {
 public:
     explicit SupersededIds(const QList<PackageSource>& a_sources);
 
-    /// The cleaned ids that are to resolve to a package. Not that of a package
-    /// which is newer; not more than Limits::UpdateIds, and not more than whose
-    /// copies of the descriptor stay within Limits::DocumentBytes.
+    /// The cleaned ids that shall resolve to a package. Ids of newer packages are
+    /// left out. At most Limits::UpdateIds, and at most as many as copies of the
+    /// descriptor fit into Limits::DocumentBytes.
     [[nodiscard]] QStringList of(const SignalPackage& a_package) const;
 
 private:

@@ -50,7 +50,7 @@ QStringList readUpdateIds(const XmlElement& a_root)
     return ids;
 }
 
-/// Each id once, where it stands first.
+/// Writes each id once, at its first position.
 void writeUpdateIds(XmlElement& a_root, const QStringList& a_ids)
 {
     QSet<QString> written;
@@ -127,7 +127,7 @@ SignalPackage SignalPackageFile::signalPackage(const QByteArray& a_descriptor)
 SignalPackage SignalPackageFile::signalPackage(const QString& a_sFile)
 {
     const QString sWhat = QStringLiteral("\"%1\"").arg(a_sFile);
-    // A device or a pipe could keep us waiting for ever.
+    // Reading from a device or a pipe could block without limit.
     if (!QFileInfo(a_sFile).isFile()) {
         traceUnreadable(sWhat, QStringLiteral("no such file"));
         return {};
@@ -145,7 +145,7 @@ bool SignalPackageFile::signalPackageFile(const SignalPackage& a_package, const 
 {
     const QByteArray descriptor = writeSignalPackageDescriptor(a_package);
     QString sReason;
-    // What cannot be read back must not take the place of what could.
+    // A descriptor that cannot be read back must not replace a readable one.
     if (XmlElement::parse(descriptor, &sReason).isNull()) {
         traceError(s_szSource,
                    [&] { return QStringLiteral("Cannot save \"%1\": %2").arg(a_sFile, sReason); });

@@ -24,7 +24,7 @@ bool isFile(const QString& a_sFile)
 /// The folder's name up to its first full stop.
 QString nameOf(const QString& a_sFolder)
 {
-    // Nothing would follow a slash at the end.
+    // With a slash at the end the base name would be empty.
     const QString sFolder = QDir::cleanPath(QDir(resolvedStorePath(a_sFolder)).absolutePath());
     return a_sFolder.isEmpty() ? QString() : QFileInfo(sFolder).baseName();
 }
@@ -42,7 +42,7 @@ QStringList SignalPackageFolder::list(const QString& a_sFolder)
     if (a_sFolder.isEmpty()) {
         return packages;
     }
-    // The sub-folders not looked at yet, the next one last.
+    // Sub-folders still to be visited; the last one is next.
     std::vector<QString> folders;
     const auto addSubFolders = [&folders](const QString& a_sParent) {
         const QFileInfoList entries =

@@ -26,7 +26,8 @@ constexpr std::uint16_t s_uiServerPort = 57401;
 constexpr std::uint16_t s_uiServicePort = 57400;
 constexpr std::uint16_t s_uiSupervisorPort = 57409;
 
-/// Where the parts of a coordinate stand in a text at fixed places.
+/// Positions of the parts of a coordinate in a text such as "N048-12-34.50
+/// E11-30-00.00".
 struct CoordinatePlaces
 {
     qsizetype hemisphere;
@@ -47,7 +48,7 @@ std::uint16_t readPort(const ICfg* a_pPorts, QLatin1String a_sName, std::uint16_
         return a_uiDefault;
     }
     const unsigned uiPort = a_pPorts->readUnsigned(a_sName, a_uiDefault);
-    // Nobody can be reached at port 0.
+    // Port 0 cannot be connected to.
     if (uiPort > 0 && uiPort <= std::numeric_limits<std::uint16_t>::max()) {
         return static_cast<std::uint16_t>(uiPort);
     }
@@ -84,7 +85,8 @@ double coordinateAt(const QString& a_sText, const CoordinatePlaces& a_places)
     return hemisphere == u"S" || hemisphere == u"W" ? -dMagnitude : dMagnitude;
 }
 
-/// A number with a decimal point, for one that has a decimal comma and no point.
+/// Replaces a decimal comma by a decimal point; a number that has a point is
+/// unchanged.
 QString withDecimalPoint(QString a_sNumber)
 {
     return a_sNumber.contains(u'.') ? a_sNumber : a_sNumber.replace(u',', u'.');
@@ -170,7 +172,7 @@ bool SimulationSystemConfiguration::coordsFromConfigurationString(const QString&
     }
     const auto letters = matchWhole(QStringLiteral("(\\w)([\\d\\.,]+) (\\w)([\\d\\.,]+)"), a_sText);
     if (letters.hasMatch()) {
-        // What fits has no degree signs, at whose places the position is read.
+        // Text of this form has no degree signs, but fromString() needs them.
         const QString sCompleted = letters.captured(1) + withDecimalPoint(letters.captured(2)) + u'\u00B0' +
                                    u' ' + letters.captured(3) + withDecimalPoint(letters.captured(4)) +
                                    u'\u00B0';

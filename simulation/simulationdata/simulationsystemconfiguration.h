@@ -11,13 +11,13 @@ class ICfg;
 
 namespace Simulation {
 
-/// The settings of an installation: where the repository and the cache lie and
-/// where the services listen. Copies share the settings, which are not owned and
-/// stay valid until the process ends. To be used by one thread at a time.
+/// The settings of an installation: the folders of repository and cache, and the
+/// ports of the services. Copies share the settings, which are not owned and stay
+/// valid until the process ends. May be used by one thread at a time.
 ///
 /// Before loadConfiguation() every value is the default, and there are no stores.
-/// The settings stand in "Simulation.ini", for which CfgCenter::CreateCfg() names
-/// the places:
+/// The settings are in "Simulation.ini"; CfgCenter::CreateCfg() lists the folders
+/// that are searched for it:
 ///
 ///     SimulationServer=127.0.0.1
 ///     SimulationCache=/var/cache/simulation
@@ -30,12 +30,12 @@ namespace Simulation {
 class SIMULATIONDATA_EXPORT SimulationSystemConfiguration
 {
 public:
-    /// Takes the settings as they are now. The spelling is part of the interface.
+    /// Reads the current settings. The spelling is part of the interface.
     void loadConfiguation();
 
     /// TCP ports, 1 to 65535. Any other value in the settings gives the default,
-    /// 57401, 57400 and 57409, after one trace. The supervisor's is set under
-    /// the name "SimulationEditor".
+    /// 57401, 57400 and 57409, after one trace. The name of the supervisor's port
+    /// in the settings is "SimulationEditor".
     [[nodiscard]] std::uint16_t simulationServerPort() const;
     [[nodiscard]] std::uint16_t simulationServicePort() const;
     [[nodiscard]] std::uint16_t simulationSupervisorPort() const;
@@ -46,7 +46,7 @@ public:
     /// By default the system's temporary folder.
     [[nodiscard]] QString simulationCacheDirectory() const;
 
-    /// What the operations of DataStoreFactory give for these settings.
+    /// The results of the same operations of DataStoreFactory for these settings.
     [[nodiscard]] QString signalPackageStoreDir() const;
     [[nodiscard]] QString fileStoreDir() const;
     [[nodiscard]] QString iconStoreDir() const;
@@ -55,15 +55,16 @@ public:
     [[nodiscard]] QString defaultScenario() const;
     [[nodiscard]] bool initializeDataStore() const;
 
-    /// Latitude and longitude (degrees, north and east positive) of a text, in
-    /// the first form that fits; always finite:
-    /// - "Coord 48.1 11.5", decimal degrees, latitude first. The values are set,
-    ///   but the result is false, on purpose: callers tell the form by it.
-    /// - a letter and a number, twice: completed by degree signs and read as
-    ///   Units::Position reads its decimal form, at fixed places. The decimal
-    ///   mark is a point or a comma, whatever the default locale.
-    /// - degrees, minutes and seconds at fixed places; the latitude has three
-    ///   places for degrees and the longitude two. What is no number there is 0.
+    /// Reads latitude and longitude (degrees, north and east positive) from a text, in
+    /// the first form that matches; the values are always finite:
+    /// - "Coord 48.1 11.5": decimal degrees, latitude first. The values are set, but
+    ///   the result is false, deliberately: callers recognise this form by it.
+    /// - "N48.1 E11.5": a letter and a number, twice. Degree signs are added, and the
+    ///   text is read like the decimal form of Units::Position, at fixed places. The
+    ///   decimal mark is a point or a comma, whatever the default locale.
+    /// - "N048-12-34.50 E11-30-00.00": degrees, minutes and seconds at fixed places,
+    ///   three for the degrees of latitude and two for those of longitude. Fractions
+    ///   of a second are dropped. A part that is not a number is 0.
     static bool coordsFromConfigurationString(const QString& a_sText, double& a_dLatitude,
                                               double& a_dLongitude);
 

@@ -11,17 +11,17 @@
 
 namespace Simulation {
 
-/// The provider where no repository is at hand. It knows no id, has no default
-/// package and no data files, but keeps one bare package per id it was asked
-/// for, so that the ids of a document survive loading and saving. To be used by
-/// one thread at a time.
+/// The provider for documents that are loaded without a repository. It knows no id
+/// and has no default package and no data files, but keeps one package per
+/// requested id, so that the ids of a document survive loading and saving. May be
+/// used by one thread at a time.
 class SIMULATIONDATA_EXPORT UnresolvedSignalPackageProvider : public ISignalPackageProvider
 {
 public:
     /// Always false.
     bool validSignalPackageId(const QString& a_sId) override;
 
-    /// A package that holds this id and nothing else, the same one each time.
+    /// A package that has this id and is otherwise empty, the same one each time.
     /// Null for an empty id.
     std::shared_ptr<SignalPackage> signalPackage(const QString& a_sId) override;
 

@@ -97,8 +97,7 @@ bool isContinuation(char a_cByte)
 /// missing.
 bool isCutOff(QByteArrayView a_bytes)
 {
-    constexpr unsigned char leads[] = {0xC2, 0xE0, 0xF0,
-                                       0xF5}; // first lead byte for 2, 3, 4 bytes; past them
+    constexpr unsigned char leads[] = {0xC2, 0xE0, 0xF0, 0xF5}; // for 2, 3, 4 bytes; limit
     if (a_bytes.isEmpty()) {
         return true;
     }
