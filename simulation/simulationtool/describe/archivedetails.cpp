@@ -18,8 +18,8 @@ namespace SimulationTool {
 
 namespace {
 
-/// Unpacks all files below a folder and lists them with what became of each.
-/// How many could not be unpacked.
+/// Unpacks all files into a folder and lists them, each with its verdict. Returns the
+/// number of files that could not be unpacked.
 qsizetype unpackFiles(Report& a_report, KPZip::Archive& a_archive, const QString& a_sFolder)
 {
     qsizetype iFailed = 0;

@@ -10,9 +10,9 @@ namespace SimulationTool {
 class InputFile;
 class Report;
 
-/// The files of a zip archive, and the signal packages among them. Everything is
-/// unpacked into a temporary folder, which checks it. The verdict that is
-/// returned is not written.
+/// Describes the files of a zip archive and the signal packages among them. Unpacks
+/// everything into a temporary folder, which checks it. The caller writes the
+/// returned verdict.
 [[nodiscard]] Verdict describeArchive(Report& a_report, const InputFile& a_file);
 
 } // namespace SimulationTool

@@ -16,13 +16,13 @@ namespace SimulationTool {
 class InputFile;
 class Report;
 
-/// What a scenario of the compact form holds: a table of its emitters, and the
-/// links that lead nowhere. Nothing, and nothing is written, when the file is of
-/// another form. The verdict that is returned is not written.
+/// Describes a scenario of the compact form: a table of its emitters, and its
+/// unresolved links. The caller writes the returned verdict. No value, and nothing
+/// written, when the file has another form.
 [[nodiscard]] std::optional<Verdict> describeCompact(Report& a_report, const InputFile& a_file);
 
-/// The links of a scenario that was read which lead to no emitter before theirs;
-/// of very many only the first.
+/// Lists the links that name no emitter before the linking one; of many only the
+/// first. The scenario must have been read.
 void describeUnresolvedLinks(Report& a_report, const Simulation::ScenarioDataBinary& a_scenario);
 
 } // namespace SimulationTool

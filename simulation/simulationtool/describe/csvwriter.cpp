@@ -39,7 +39,8 @@ bool CsvWriter::writeRow(const QStringList& a_fields)
     if (!m_bStandardOutput) {
         return m_file.write((sLine + sEnd).toUtf8());
     }
-    // A terminal would obey what an id may hold; a program gets it as it is.
+    // An id may contain characters that control a terminal. A program gets it
+    // unchanged.
     m_output.write((m_bTerminal ? terminalText(sLine) : sLine) + sEnd);
     return m_output.isOk();
 }
@@ -59,7 +60,7 @@ QString CsvWriter::field(const QString& a_sText)
 
 QString CsvWriter::number(double a_dValue)
 {
-    // Plain digits where they are few: not every reader knows exponents.
+    // Plain digits in [1e-5, 1e15), because not every reader accepts exponents.
     const double dMagnitude = std::fabs(a_dValue);
     const bool bPlain = dMagnitude == 0.0 || (dMagnitude >= s_dPlainFrom && dMagnitude < s_dPlainTo);
     return QString::number(a_dValue, bPlain ? 'f' : 'g', QLocale::FloatingPointShortest);

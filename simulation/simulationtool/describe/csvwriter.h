@@ -10,24 +10,23 @@ namespace SimulationTool {
 
 class Output;
 
-/// Writes a file of comma-separated values (RFC 4180, UTF-8, no byte order
-/// mark) row by row. The file is replaced whole or not at all.
+/// Writes comma-separated values (RFC 4180, UTF-8, no byte-order mark) row by row.
+/// The file is replaced whole or not at all.
 class CsvWriter
 {
 public:
-    /// "-" is standard output, which is never replaced: rows are written as they
-    /// arrive.
+    /// "-" is standard output, to which rows are written as they arrive.
     CsvWriter(const QString& a_sFile, Output& a_output);
 
     [[nodiscard]] bool isStandardOutput() const { return m_bStandardOutput; }
     [[nodiscard]] bool open() { return m_bStandardOutput || m_file.open(); }
-    /// False when the row, or an earlier one, could not be written.
+    /// False when this row or an earlier one could not be written.
     [[nodiscard]] bool writeRow(const QStringList& a_fields);
     [[nodiscard]] bool commit() { return m_file.commit(); }
     [[nodiscard]] QString errorString() const { return m_file.errorString(); }
 
-    /// A field as it stands in the file: in quotation marks when it holds a
-    /// comma, a quotation mark or a line break.
+    /// A field as written: in quotation marks when it contains a comma, a quotation
+    /// mark or a line break.
     [[nodiscard]] static QString field(const QString& a_sText);
     /// The shortest text that reads back as the same number, in every locale.
     [[nodiscard]] static QString number(double a_dValue);
@@ -35,7 +34,7 @@ public:
 private:
     Output& m_output;
     bool m_bStandardOutput;
-    bool m_bTerminal; ///< standard output is one
+    bool m_bTerminal; ///< standard output is written and is a terminal
     ReplacedFile m_file;
 };
 

@@ -33,8 +33,9 @@ void describeFile(Report& a_report, const QString& a_sKind, const InputFile& a_f
                    countValue(static_cast<quint64>(QFileInfo(a_file.path()).size()), "byte"));
 }
 
-/// The verdict on a file whose data are taken at a rate, of which the length in
-/// ms is 0 when rate or count are unusable. A wave file has frames instead.
+/// The verdict on a file whose records have a rate. Finds a file that opens but whose
+/// `a_pLength` is 0: its length (ms; frames for a wave file) when rate or count is
+/// unusable.
 template<typename Reader>
 Verdict timedVerdict(const Reader& a_reader, std::uint32_t (Reader::*a_pLength)() const)
 {
@@ -89,7 +90,7 @@ DataFileSummary shapeSummary(const QString& a_sFile)
     return summary;
 }
 
-/// An audio signal must be more than a wave file that can be read.
+/// An audio signal must meet more conditions than a readable wave file.
 DataFileSummary audioSummary(const QString& a_sFile)
 {
     Simulation::AudioFile audio(a_sFile);

@@ -16,29 +16,29 @@ namespace SimulationTool {
 class InputFile;
 class Report;
 
-/// A data file of a package: what its header says in one line, and the verdict
-/// on it. The data themselves are not read.
+/// A data file of a package: its header in one line, and the verdict on it. The data
+/// themselves are not read.
 struct DataFileSummary
 {
     QString text; ///< empty when the file is refused
     Verdict verdict;
 };
 
-/// The data files that a package may have.
+/// A kind of data file that a package may contain.
 struct PackageDataFile
 {
     const char* name; ///< in the package folder
-    const char* kind; ///< the ending, for lists
+    const char* kind; ///< the file name ending, as shown in lists
     QString (*path)(const QString& a_sPackageFolder);
     DataFileSummary (*summary)(const QString& a_sFile);
 };
 extern const std::array<PackageDataFile, 4> s_packageDataFiles;
 
-/// The verdict on a signal shape file whose reader was opened, or could not be.
+/// The verdict on a signal shape file, after its reader's open(), successful or not.
 [[nodiscard]] Verdict shapeVerdict(const Simulation::SignalShapeFile& a_reader);
 
-/// The fields of one file's header, under a heading of its own; the verdict
-/// that is returned is not written.
+/// Describe the header of one file, under a heading of its own. The caller writes the
+/// returned verdict.
 [[nodiscard]] Verdict describeShapeFile(Report& a_report, const InputFile& a_file);
 [[nodiscard]] Verdict describeSymbolFile(Report& a_report, const InputFile& a_file);
 [[nodiscard]] Verdict describeResultFile(Report& a_report, const InputFile& a_file);

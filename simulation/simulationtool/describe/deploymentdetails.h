@@ -14,11 +14,11 @@ namespace SimulationTool {
 class InputFile;
 class Report;
 
-/// A deployment document: header, stations and devices. The verdict that is
-/// returned is not written.
+/// Describes a deployment document: header, stations and devices. The caller writes
+/// the returned verdict.
 [[nodiscard]] Verdict describeDeployment(Report& a_report, const InputFile& a_file);
 
-/// What a deployment holds, in half a line: "1 station, 2 devices".
+/// The numbers of stations and devices: "1 station, 2 devices".
 [[nodiscard]] QString deploymentSummary(const Simulation::DeploymentDataXml& a_deployment);
 
 } // namespace SimulationTool

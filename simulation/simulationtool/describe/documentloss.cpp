@@ -11,11 +11,11 @@ namespace SimulationTool {
 namespace {
 
 constexpr qsizetype s_iShownParts = 3;
-constexpr qsizetype s_iShownCharacters = 40; ///< of the name of a part
-constexpr qsizetype s_iObjectDepth = 2;      ///< of the elements that are objects: root, object
+constexpr qsizetype s_iShownCharacters = 40; ///< of a part's name
+constexpr qsizetype s_iObjectDepth = 2;      ///< path length of an object's element: root, object
 
-/// The parts of a document: how often each is there, and in what order they
-/// appeared first.
+/// The parts of a document, counted, in the order of first appearance. A part is an
+/// element, attribute or note at one place.
 struct Parts
 {
     void add(const QString& a_sPlace, const QString& a_sText)
@@ -31,8 +31,8 @@ struct Parts
     QStringList texts;
 };
 
-/// Whether a reader turns the element, of formats before version 4, into
-/// something that has another name today.
+/// Whether the reader converts this element of formats before version 4 into one that
+/// has another name now.
 bool isConverted(const QStringList& a_path)
 {
     const QString& sName = a_path.constLast();
@@ -50,7 +50,8 @@ void addElement(Parts& a_parts, QXmlStreamReader& a_reader, QStringList& a_path)
     QString sStep = a_reader.qualifiedName().toString();
     const QString sName = sStep.left(s_iShownCharacters);
     if (a_path.size() + 1 == s_iObjectDepth) {
-        // What one object lacks another must not make up for.
+        // The id is part of the place, so that an object's missing part is not hidden
+        // by the same part of another object.
         sStep += u' ';
         sStep += a_reader.attributes().value(QLatin1String("ID"));
     }
@@ -70,7 +71,7 @@ void addElement(Parts& a_parts, QXmlStreamReader& a_reader, QStringList& a_path)
     }
 }
 
-/// The elements and attributes of a document, and its notes where they count.
+/// The elements and attributes of a document, and its notes with Notes::Count.
 Parts partsOf(const QByteArray& a_document, Notes a_eNotes)
 {
     Parts parts;

@@ -11,17 +11,17 @@ namespace SimulationTool {
 
 class Report;
 
-/// A table of what is lost or wrong, which may be nothing or very much: only the
-/// first rows are shown, the title counts all.
+/// A table of losses or findings. Their number has no limit: only the first 20 rows
+/// are kept and shown, and the title counts all.
 class LostTable
 {
 public:
-    /// Programs get the rows under the key, and their number under the key with
-    /// "_count" behind it.
+    /// In JSON the rows are under the key, and their number under the key followed by
+    /// "_count".
     LostTable(const char* a_szKey, const QString& a_sTitle, const QList<TextColumn>& a_columns);
 
     void add(const ReportRow& a_row);
-    /// People see nothing without rows.
+    /// A table without rows is not shown to people.
     void write(Report& a_report) const;
 
 private:

@@ -20,8 +20,8 @@ namespace SimulationTool {
 
 namespace {
 
-constexpr int s_iCoordinateDecimals = 6; ///< degrees: to 0.1 m
-constexpr qsizetype s_iMaxIdWidth = 36;  ///< a package id fits
+constexpr int s_iCoordinateDecimals = 6; ///< for degrees; resolves 0.1 m
+constexpr qsizetype s_iMaxIdWidth = 36;  ///< wide enough for a package id
 
 QString offsetText(float a_fOffset)
 {
@@ -37,7 +37,7 @@ ReportValue positionValue(const Simulation::TPos& a_position)
                         {QStringLiteral("latitude"), jsonNumber(a_position.latitude)}}};
 }
 
-/// The ids of emitters, for a list in one cell or line.
+/// The ids of emitters, as a list in one cell or line.
 template<typename Emitters>
 ReportValue idList(const Emitters& a_emitters)
 {
@@ -184,7 +184,7 @@ void describeTransmitter(Report& a_report, const Simulation::TransmitterSettings
         {QStringLiteral("height_over_ground"), jsonNumber(a_pSettings->getAntennaHeight())},
         {QStringLiteral("direction_degrees"), jsonNumber(a_pSettings->getAntennaDirection())},
         {QStringLiteral("type"), jsonText(a_pSettings->getAntennaType())}};
-    // Type last: it is the one text that can hold anything.
+    // The type comes last, because only it may contain any text.
     a_report.field(
         "antenna", QStringLiteral("Antenna"),
         {QStringLiteral("gain %1, height over ground %2, direction %3 degrees, type ")
@@ -194,7 +194,7 @@ void describeTransmitter(Report& a_report, const Simulation::TransmitterSettings
          antenna});
 }
 
-/// What an emitter and a network have in common, from name to activity.
+/// The fields that emitters and networks share, from name to activity.
 void describeIdentity(Report& a_report, const Simulation::ScenarioObject& a_object)
 {
     a_report.value("id", a_object.id());

@@ -23,7 +23,7 @@ void describeFields(Report& a_report, const Simulation::SignalPackage& a_package
                    {a_package.updateIds().join(u'\n'), QJsonArray::fromStringList(a_package.updateIds())});
     a_report.field("timestamp", QStringLiteral("Timestamp"), countValue(a_package.timestamp()));
     a_report.field("modulation", QStringLiteral("Modulation"), modulationText(a_package));
-    // The descriptor names no units.
+    // The descriptor defines no units.
     a_report.field("bandwidth", QStringLiteral("Bandwidth"), numberValue(a_package.signalBandwidth()));
     a_report.field("duration", QStringLiteral("Duration"), countValue(a_package.duration()));
 }

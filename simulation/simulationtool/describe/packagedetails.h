@@ -14,16 +14,16 @@ namespace SimulationTool {
 class InputFile;
 class Report;
 
-/// The modulation as people call it: the digital one by its name.
+/// The modulation for display: the digital one by its name.
 [[nodiscard]] QString modulationText(const Simulation::SignalPackage& a_package);
 
-/// A signal package that lies in a folder, below a heading that the caller
-/// wrote: its descriptor, then its data files. People know the folder by the
-/// title. The verdict that is returned is not written.
+/// Describes a signal package in a folder: its descriptor, then its data files. The
+/// caller has written a heading and writes the returned verdict. `a_sTitle` is shown
+/// as the folder.
 [[nodiscard]] Verdict describePackageFolder(Report& a_report, const QString& a_sFolder,
                                             const QString& a_sTitle);
 
-/// A descriptor that lies by itself.
+/// Describes a descriptor file outside a package folder.
 [[nodiscard]] Verdict describeDescriptor(Report& a_report, const InputFile& a_file);
 
 } // namespace SimulationTool

@@ -34,7 +34,7 @@ ListedPackage readPackage(const QString& a_sFolder, const QString& a_sRelative)
     return listed;
 }
 
-/// Of packages that would get the same files in a cache only one can be used.
+/// Of packages with the same clean id a cache can use only one.
 void findSameIds(QList<ListedPackage>& a_packages)
 {
     QHash<QString, QString> folders;

@@ -9,22 +9,22 @@
 
 namespace SimulationTool {
 
-/// What a list says of one package.
+/// One package of a list.
 struct ListedPackage
 {
     QString folder; ///< relative to the folder that was searched
     QString id;
-    QString cleanId; ///< what its files are called in a cache
+    QString cleanId; ///< base name of its files in a cache
     QString name;
     QString modulation;
     float bandwidth = 0.0F;
     std::uint32_t duration = 0;
-    QStringList files; ///< the kinds of data files that are there: "ssf"
+    QStringList files; ///< kinds of the existing data files
     QStringList problems;
 };
 
-/// The packages below a folder, ordered by name and then id. The header of every
-/// data file is read.
+/// The packages below a folder, ordered by name, then id. Reads the header of every
+/// data file.
 [[nodiscard]] QList<ListedPackage> listPackages(const QString& a_sFolder);
 
 } // namespace SimulationTool

@@ -49,7 +49,7 @@ bool PackageUse::validSignalPackageId(const QString& a_sId)
 
 std::shared_ptr<Simulation::SignalPackage> PackageUse::signalPackage(const QString& a_sId)
 {
-    // An emission that names no package means the default one.
+    // An emission without a package id means the default package.
     if (!a_sId.isEmpty() && !m_ids.contains(a_sId)) {
         m_ids.insert(a_sId);
         if (!m_provider.validSignalPackageId(a_sId)) {

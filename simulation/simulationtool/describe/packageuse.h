@@ -11,20 +11,20 @@
 
 namespace SimulationTool {
 
-/// Hands the packages of another provider on, and notes which ids a scenario asked
-/// for and which of them that provider does not know: after loading, the emissions
-/// themselves only name the packages that replaced those.
+/// Forwards to another provider, and records which ids a scenario requested and which
+/// of them are unknown to that provider. After loading, the emissions themselves name
+/// only the replacement packages. Used on the provider's thread.
 class PackageUse : public Simulation::ISignalPackageProvider
 {
 public:
     /// The provider is not owned and must live longer.
     explicit PackageUse(Simulation::ISignalPackageProvider& a_provider);
 
-    /// Begins with another scenario.
+    /// Forgets the recorded ids, before another scenario is loaded.
     void clear();
 
-    /// What a user must know of the packages: which were replaced, by number and
-    /// id. Empty when all are known.
+    /// A warning for the user with number and ids of the unknown packages, and
+    /// whether the default package replaces them. Empty when all are known.
     [[nodiscard]] QString warning();
 
     bool validSignalPackageId(const QString& a_sId) override;
@@ -40,7 +40,7 @@ public:
 
 private:
     Simulation::ISignalPackageProvider& m_provider;
-    QSet<QString> m_ids; ///< that were asked for
+    QSet<QString> m_ids; ///< requested ids
     QStringList m_unknown;
 };
 

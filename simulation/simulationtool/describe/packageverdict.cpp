@@ -11,7 +11,7 @@ namespace SimulationTool {
 
 namespace {
 
-/// Why a descriptor gave no id.
+/// The error text for a descriptor from which no id was read.
 QString descriptorFault(const QString& a_sFile)
 {
     QFile file(a_sFile);
@@ -27,7 +27,7 @@ QString descriptorFault(const QString& a_sFile)
                                                                             : QStringLiteral("names no id");
 }
 
-/// Adds a fault; the first of the gravest is the verdict on the whole.
+/// Adds a problem; the first of the most severe ones is the verdict on the package.
 void addProblem(PackageVerdict& a_verdict, const QString& a_sText, ExitCode a_eCode)
 {
     a_verdict.problems.append(a_sText);

@@ -12,7 +12,7 @@
 
 namespace SimulationTool {
 
-/// One data file that lies in a package folder.
+/// One data file of a package folder.
 struct PackageFileVerdict
 {
     const PackageDataFile* file = nullptr; ///< one of s_packageDataFiles
@@ -20,25 +20,25 @@ struct PackageFileVerdict
     DataFileSummary summary;
 };
 
-/// The verdict on a signal package: the one that every command gives.
+/// The verdict on a signal package, shared by all commands.
 struct PackageVerdict
 {
     Simulation::SignalPackage package;
     Verdict descriptor;
-    QList<PackageFileVerdict> files; ///< those that are there
+    QList<PackageFileVerdict> files; ///< the existing ones
     Verdict worst;                   ///< of the package as a whole
-    QStringList problems;            ///< every fault in a few words; empty when the package is in order
+    QStringList problems;            ///< every problem in a few words; empty when the package is in order
 };
 
-/// Reads the descriptor and the header of every data file of the package that
-/// lies in the folder.
+/// Reads the descriptor and the header of every data file of the package in a folder.
 [[nodiscard]] PackageVerdict packageVerdict(const QString& a_sFolder);
 
-/// The verdict on a descriptor file that gave this package.
+/// The verdict on a descriptor file from which this package was read.
 [[nodiscard]] Verdict descriptorVerdict(const Simulation::SignalPackage& a_package, const QString& a_sFile);
 
-/// Why the spectra of a package cannot be played although they can be read;
-/// empty when they can: spectra repeat over the duration of the descriptor.
+/// The reason why readable spectra of a package cannot be played; empty when they
+/// can. A package without a duration cannot, because spectra repeat over that
+/// duration.
 [[nodiscard]] QString durationProblem(const Simulation::SignalPackage& a_package);
 
 } // namespace SimulationTool

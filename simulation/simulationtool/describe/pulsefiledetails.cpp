@@ -14,7 +14,7 @@
 #include <array>
 #include <utility>
 
-/// The words are only counted.
+/// A block header or a pulse word as bytes; pulse words are only counted.
 struct CPackedPDW
 {
     std::array<char, PDWFile::s_uiRecordBytes> bytes{};
@@ -29,16 +29,16 @@ constexpr std::uint32_t s_uiWordBytes = 4;
 constexpr std::uint64_t s_uiShownFaults = 10;
 static_assert(PDWFile::s_uiHeaderBytes == PDWFile::s_uiRecordBytes, "headers are read as records");
 
-// The words of a block header.
+// Indices of the 32-bit words of a block header.
 constexpr std::size_t s_uiMagicWord = 0;
 constexpr std::size_t s_uiSizeWord = 1;
 constexpr std::size_t s_uiNumberWord = 2;
 constexpr std::size_t s_uiCountWord = 6;
-/// Those that are the same in every header, and their values.
+/// Words with the same value in every header: index, value.
 constexpr std::array<std::pair<std::size_t, std::uint32_t>, 4> s_constants{
     {{3, 512}, {4, 2}, {5, 0}, {7, 8}}};
 
-/// What a walk through the blocks found.
+/// The result of reading all blocks.
 struct Walk
 {
     void fault(std::uint64_t a_uiBlock, const QString& a_sWhat)
@@ -49,11 +49,11 @@ struct Walk
     }
 
     std::uint64_t blocks = 0;
-    std::uint64_t records = 0;      ///< whole ones
+    std::uint64_t records = 0;      ///< complete ones
     std::uint64_t missingBytes = 0; ///< of the last block
     std::uint64_t faultCount = 0;
-    QStringList faults;  ///< the first of them
-    bool isLost = false; ///< no header stood where one was due
+    QStringList faults;  ///< the first s_uiShownFaults
+    bool isLost = false; ///< a header was missing at a block's start
 };
 
 std::uint32_t wordOf(const CPackedPDW& a_header, std::size_t a_uiWord)
@@ -85,14 +85,15 @@ void checkHeader(const CPackedPDW& a_header, Walk& a_walk)
     }
 }
 
-/// Reads the blocks of a file of that size, which begins with a header.
+/// Reads all blocks of a file of that size (bytes). The file must begin with a
+/// header.
 Walk walkBlocks(PDWFile& a_file, std::uint64_t a_uiBytes)
 {
     Walk walk;
     CPackedPDW word;
     while (a_uiBytes > 0) {
         if (a_file.getPDW(&word) == 0) {
-            break; // it has shrunk
+            break; // the file became shorter
         }
         if (a_uiBytes < PDWFile::s_uiHeaderBytes) {
             walk.missingBytes = PDWFile::s_uiHeaderBytes - a_uiBytes;

@@ -10,9 +10,8 @@ namespace SimulationTool {
 class InputFile;
 class Report;
 
-/// What a file of pulse descriptor words holds. One with block headers, which
-/// is told by its first word, is walked through from block to block. The
-/// verdict that is returned is not written.
+/// Describes a file of pulse descriptor words. A file with block headers, recognised
+/// by its first word, is read block by block. The caller writes the returned verdict.
 [[nodiscard]] Verdict describePulseFile(Report& a_report, const InputFile& a_file);
 
 } // namespace SimulationTool

@@ -66,7 +66,7 @@ void describeNoise(Report& a_report, const Simulation::ScenarioNoiseSettings& a_
 void listEmitters(Report& a_report, const Emitters& a_emitters)
 {
     a_report.heading(QStringLiteral("Emitters: %1").arg(a_emitters.size()));
-    a_report.list("emitters"); // one by one below
+    a_report.list("emitters"); // filled by describeEmitter()
     QList<ReportRow> rows;
     for (const std::shared_ptr<Simulation::SzenarioEmitter>& emitter : a_emitters) {
         const auto network = emitter->network();

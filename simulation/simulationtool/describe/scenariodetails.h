@@ -10,10 +10,9 @@ namespace SimulationTool {
 class InputFile;
 class Report;
 
-/// What a scenario holds: header, noise, an overview of emitters and networks,
-/// then each object with all its settings. What is wrong with it goes to
-/// standard error. Nothing when it cannot be read. The verdict that is returned
-/// is not written.
+/// Describes a scenario: header, noise, an overview of emitters and networks, then
+/// each object with all its settings. Errors are reported on standard error. The
+/// caller writes the returned verdict. No value when the file cannot be read.
 [[nodiscard]] std::optional<Verdict> describeScenario(Report& a_report, const InputFile& a_file);
 
 } // namespace SimulationTool

@@ -32,7 +32,7 @@ QList<std::shared_ptr<Object>> ordered(const Objects& a_all)
             objects.append(std::move(wanted));
         }
     }
-    // Ids may occur twice, and a set has no order of its own.
+    // Ordered by id, then name, because ids may occur twice and a set has no order.
     std::sort(objects.begin(), objects.end(), [](const auto& a_first, const auto& a_second) {
         const int iOrder = a_first->id().compare(a_second->id());
         return iOrder != 0 ? iOrder < 0 : a_first->name() < a_second->name();
@@ -40,8 +40,8 @@ QList<std::shared_ptr<Object>> ordered(const Objects& a_all)
     return objects;
 }
 
-/// Whether a compact scenario may begin so: with a count that a reader accepts,
-/// and not as a document does.
+/// Whether a compact scenario may begin with these bytes: not like an XML document,
+/// and with a count within the limit.
 bool mayBeCompact(const QByteArray& a_head)
 {
     constexpr std::array<QByteArrayView, 3> byteOrderMarks{
@@ -85,7 +85,8 @@ std::optional<Verdict> loadCompact(Simulation::ScenarioDataBinary& a_scenario, c
     if (bWhole && uiLeft == 0) {
         return Verdict();
     }
-    // Without a record it is one only if nothing else was wrong than its end.
+    // A file without a complete record is a compact scenario only if it ends too
+    // early.
     if (a_scenario.scenarioEmitter().isEmpty() && (bWhole || !file.atEnd())) {
         return std::nullopt;
     }

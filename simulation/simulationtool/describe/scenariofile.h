@@ -20,31 +20,29 @@ namespace SimulationTool {
 
 class InputFile;
 
-/// Reads a scenario. What is wrong with it goes to standard error as one line
-/// that names the file and, where there is one, line and column: nothing when
-/// it cannot be read, Findings when the document broke off and what came before
-/// was kept.
+/// Reads a scenario. Reports an error as one line on standard error, with the file
+/// and, if known, line and column. No value when the file cannot be read; Findings
+/// when the document broke off and the objects before that place were kept.
 [[nodiscard]] std::optional<Verdict> loadScenario(Simulation::ScenarioDataXml& a_scenario,
                                                   const InputFile& a_file);
 
-/// The verdict on a document that was read, by the error that its reader names.
+/// The verdict on a document that was read, from its reader's error text.
 [[nodiscard]] Verdict documentVerdict(const QString& a_sError);
 
-/// Reads a scenario of the compact form, which has no mark of its own: nothing
-/// unless count and records fill the file, or the stream breaks off at the file's
-/// end or behind a whole record, or holds more than its records. Only regular
-/// files that do not begin like a document are looked at. The scenario must be
-/// empty.
+/// Reads a scenario of the compact form, which has no signature. A file is accepted
+/// when its count and records fill it, when at least one record is complete, or when
+/// it ends within the first record; otherwise returns no value. Only regular files
+/// that do not begin like an XML document are read. The scenario must be empty.
 [[nodiscard]] std::optional<Verdict> loadCompact(Simulation::ScenarioDataBinary& a_scenario,
                                                  const QString& a_sFile);
 
-/// The emitters of both kinds, in the order of their ids.
+/// The emitters of both kinds, ordered by id.
 [[nodiscard]] QList<std::shared_ptr<Simulation::SzenarioEmitter>>
 emittersOf(const Simulation::ScenarioDataXml& a_scenario);
 [[nodiscard]] QList<std::shared_ptr<Simulation::SzenarioEmitter>>
 emittersOf(const Simulation::ScenarioDataBinary& a_scenario);
 
-/// The networks, in the order of their ids.
+/// The networks, ordered by id.
 [[nodiscard]] QList<std::shared_ptr<Simulation::ScenarioNetwork>>
 networksOf(const Simulation::ScenarioDataXml& a_scenario);
 

@@ -16,11 +16,11 @@ namespace {
 constexpr std::uint64_t s_uiShownRecords = 10;
 constexpr std::uint64_t s_uiRecordHeaderBytes = 16;
 
-/// Above this the duration of all records, of at most a second each, may not
-/// fit 32 bits.
+/// Records last at most 1 s each, so the duration of more records may exceed 32 bits
+/// (ms).
 constexpr std::uint64_t s_uiMaxRecords = 4'000'000;
 
-/// The records that the file holds whole.
+/// The number of records that are complete in the file.
 std::uint64_t wholeRecords(const Simulation::SignalShapeFile& a_reader)
 {
     const std::int64_t iMissing = std::max<std::int64_t>(a_reader.missingBytes(), 0);
@@ -30,7 +30,7 @@ std::uint64_t wholeRecords(const Simulation::SignalShapeFile& a_reader)
     return a_reader.recordCount() - std::min(uiLost, a_reader.recordCount());
 }
 
-/// The range of the levels that were added; of those that are numbers.
+/// The range of the added levels; values that are not a number are ignored.
 struct Range
 {
     void add(float a_fLevel)

@@ -9,8 +9,8 @@ namespace SimulationTool {
 
 class Report;
 
-/// The levels of some records spread over an open file, and the range of the
-/// signal level over all of them. Every record that the file holds is read.
+/// Describes the levels of up to ten records, spread evenly over an open file, and
+/// the range of the signal level over all of them. Reads every complete record.
 void describeLevels(Report& a_report, Simulation::SignalShapeFile& a_reader);
 
 } // namespace SimulationTool

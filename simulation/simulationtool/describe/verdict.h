@@ -9,21 +9,21 @@
 
 namespace SimulationTool {
 
-/// What is to be said of a file in one line; by default that nothing is wrong.
+/// The verdict on a file in one line. The default is a file without findings.
 struct Verdict
 {
     ExitCode code = ExitCode::Ok;
     QString text = QStringLiteral("whole");
 };
 
-/// Of a file that cannot be used at all.
+/// The verdict on an unusable file.
 [[nodiscard]] Verdict refusedVerdict(const QString& a_sReason);
 
-/// Of a file that lacks so many bytes of what its header claims; negative when
-/// it holds more.
+/// The verdict on a file that lacks this many of the bytes that its header declares;
+/// negative when it contains more.
 [[nodiscard]] Verdict sizeVerdict(std::int64_t a_iMissingBytes);
 
-/// The graver of two.
+/// The more severe of two codes.
 [[nodiscard]] ExitCode worse(ExitCode a_eFirst, ExitCode a_eSecond);
 
 } // namespace SimulationTool
