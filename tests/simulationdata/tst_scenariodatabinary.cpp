@@ -134,7 +134,7 @@ protected:
 
 } // namespace
 
-class tst_ScenarioDataBinary : public QObject
+class TestScenarioDataBinary : public QObject
 {
     Q_OBJECT
 
@@ -159,13 +159,13 @@ private Q_SLOTS:
     void longChain();
 };
 
-void tst_ScenarioDataBinary::cleanup()
+void TestScenarioDataBinary::cleanup()
 {
     Limits::setValue(Limits::DocumentBytes, 0);
     Limits::setValue(Limits::ScenarioObjects, 0);
 }
 
-void tst_ScenarioDataBinary::streamBytes_data()
+void TestScenarioDataBinary::streamBytes_data()
 {
     QTest::addColumn<EmitterPtr>("emitter");
     QTest::addColumn<bool>("isDefault");
@@ -186,7 +186,7 @@ void tst_ScenarioDataBinary::streamBytes_data()
         << bare << false << "00000001 00000002 0069 ffffffff 00000000 01 00" + none + "ffffffff";
 }
 
-void tst_ScenarioDataBinary::streamBytes()
+void TestScenarioDataBinary::streamBytes()
 {
     QFETCH(EmitterPtr, emitter);
     QFETCH(bool, isDefault);
@@ -207,7 +207,7 @@ void tst_ScenarioDataBinary::streamBytes()
     QCOMPARE(read.toBinary().toHex(), bytes.toHex());
 }
 
-void tst_ScenarioDataBinary::writesInLinkOrder_data()
+void TestScenarioDataBinary::writesInLinkOrder_data()
 {
     QTest::addColumn<QString>("order");
     QTest::addColumn<QString>("lost");
@@ -226,7 +226,7 @@ void tst_ScenarioDataBinary::writesInLinkOrder_data()
     add("target elsewhere", "a>x b", "a>x");
 }
 
-void tst_ScenarioDataBinary::writesInLinkOrder()
+void TestScenarioDataBinary::writesInLinkOrder()
 {
     QFETCH(QString, order);
     QFETCH(QString, lost);
@@ -245,7 +245,7 @@ void tst_ScenarioDataBinary::writesInLinkOrder()
     QCOMPARE(unresolved.join(u' '), lost);
 }
 
-void tst_ScenarioDataBinary::writesEqualIdsInOrder()
+void TestScenarioDataBinary::writesEqualIdsInOrder()
 {
     const QByteArray bytes = number(3) + record("a", s_noLink, "1", '\1') + record("a", s_noLink, "1") +
                              record("a", s_noLink, "2");
@@ -256,7 +256,7 @@ void tst_ScenarioDataBinary::writesEqualIdsInOrder()
     }
 }
 
-void tst_ScenarioDataBinary::resolvesLinks_data()
+void TestScenarioDataBinary::resolvesLinks_data()
 {
     QTest::addColumn<QByteArray>("records");
     QTest::addColumn<QString>("links");
@@ -273,7 +273,7 @@ void tst_ScenarioDataBinary::resolvesLinks_data()
         << "a:1 a:2 a:3 b:n>a:2 held:h";
 }
 
-void tst_ScenarioDataBinary::resolvesLinks()
+void TestScenarioDataBinary::resolvesLinks()
 {
     QFETCH(QByteArray, records);
     QFETCH(QString, links);
@@ -286,7 +286,7 @@ void tst_ScenarioDataBinary::resolvesLinks()
     QCOMPARE(linksOf(scenario), links);
 }
 
-void tst_ScenarioDataBinary::takesOnlyItsRecords()
+void TestScenarioDataBinary::takesOnlyItsRecords()
 {
     PieceBuffer device;
     device.setData(number(2) + record("a", s_noLink, "n", '\1') + record("b", s_noLink, "n", '\1') +
@@ -303,7 +303,7 @@ void tst_ScenarioDataBinary::takesOnlyItsRecords()
     QVERIFY(!scenario.defaultEmitter());
 }
 
-void tst_ScenarioDataBinary::breaksOff_data()
+void TestScenarioDataBinary::breaksOff_data()
 {
     QTest::addColumn<QByteArray>("stream");
     QTest::addColumn<QString>("error");
@@ -326,7 +326,7 @@ void tst_ScenarioDataBinary::breaksOff_data()
         "record 4 of 5: objects of one scenario limit of 4 exceeded");
 }
 
-void tst_ScenarioDataBinary::breaksOff()
+void TestScenarioDataBinary::breaksOff()
 {
     QFETCH(QByteArray, stream);
     QFETCH(QString, error);
@@ -343,7 +343,7 @@ void tst_ScenarioDataBinary::breaksOff()
     QCOMPARE(scenario.scenarioEmitter().size(), bRecord ? error.section(u' ', 1, 1).toInt() - 1 : 0);
 }
 
-void tst_ScenarioDataBinary::everyTruncation()
+void TestScenarioDataBinary::everyTruncation()
 {
     const QByteArray first = number(2) + record("a", s_noLink);
     const QByteArray whole = first + record("b", "a");
@@ -358,7 +358,7 @@ void tst_ScenarioDataBinary::everyTruncation()
 }
 
 /// Whatever is read of damaged bytes can be written and read again.
-void tst_ScenarioDataBinary::damagedBytes()
+void TestScenarioDataBinary::damagedBytes()
 {
     const TraceCollector quiet(0);
     std::mt19937 random(20240229); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same bytes in every run
@@ -380,7 +380,7 @@ void tst_ScenarioDataBinary::damagedBytes()
     QVERIFY(iWhole > 0 && iWhole < 3000);
 }
 
-void tst_ScenarioDataBinary::asksForLittle()
+void TestScenarioDataBinary::asksForLittle()
 {
     const TraceCollector quiet(0);
     constexpr int iMebi = 1 << 20;
@@ -397,7 +397,7 @@ void tst_ScenarioDataBinary::asksForLittle()
     check(number(1) + number(16 * iMebi) + text("x"), 16 * iMebi + 10);
 }
 
-void tst_ScenarioDataBinary::uselessDevices()
+void TestScenarioDataBinary::uselessDevices()
 {
     ScenarioDataBinary scenario(nullptr);
     scenario.setScenarioEmitter({std::make_shared<SzenarioEmitter>(QStringLiteral("a"), QString())});
@@ -416,7 +416,7 @@ void tst_ScenarioDataBinary::uselessDevices()
     QCOMPARE(scenario.scenarioEmitter().size(), 1);
 }
 
-void tst_ScenarioDataBinary::writesOnlyWhatIsRead()
+void TestScenarioDataBinary::writesOnlyWhatIsRead()
 {
     ScenarioDataBinary scenario(nullptr);
     scenario.setScenarioEmitter({std::make_shared<SzenarioEmitter>(QStringLiteral("a"), QString()),
@@ -435,7 +435,7 @@ void tst_ScenarioDataBinary::writesOnlyWhatIsRead()
     }
 }
 
-void tst_ScenarioDataBinary::releasesItsObjects()
+void TestScenarioDataBinary::releasesItsObjects()
 {
     const auto named = [](const QString& a_sId) {
         auto emitter = std::make_shared<SzenarioEmitter>(a_sId, QString());
@@ -470,7 +470,7 @@ void tst_ScenarioDataBinary::releasesItsObjects()
     kept->emissionSettings()->clearAll();
 }
 
-void tst_ScenarioDataBinary::longChain()
+void TestScenarioDataBinary::longChain()
 {
     constexpr int iCount = 20'000; // deep enough for any stack
     QSet<EmitterPtr> emitters;
@@ -489,5 +489,5 @@ void tst_ScenarioDataBinary::longChain()
     QCOMPARE(read.unresolvedLinks().size(), 0);
 }
 
-QTEST_GUILESS_MAIN(tst_ScenarioDataBinary)
+QTEST_GUILESS_MAIN(TestScenarioDataBinary)
 #include "tst_scenariodatabinary.moc"

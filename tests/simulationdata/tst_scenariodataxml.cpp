@@ -97,6 +97,7 @@ addEmission(EmissionSettings* a_pSettings, std::uint32_t a_uiId, std::int64_t a_
 
 } // namespace
 
+/// What the elements of a scenario document mean, read and written.
 class TestScenarioDataXml : public QObject
 {
     Q_OBJECT

@@ -40,7 +40,7 @@ QByteArray repaired(QByteArray a_document)
 
 } // namespace
 
-class tst_Check : public QObject
+class TestCheck : public QObject
 {
     Q_OBJECT
 
@@ -82,14 +82,14 @@ private:
     QTemporaryDir m_dir;
 };
 
-void tst_Check::initTestCase()
+void TestCheck::initTestCase()
 {
     QCOMPARE(runTool({u"repository"_s, u"init"_s, path(u"r"_s)}).code, 0);
     QVERIFY(QDir().mkpath(path(u"empty"_s)));
     QVERIFY(document().contains(s_known) && repaired(document()).count(s_default) == 2);
 }
 
-void tst_Check::file_data()
+void TestCheck::file_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QStringList>("options");
@@ -184,7 +184,7 @@ void tst_Check::file_data()
                                   << u"a FILE is needed"_s;
 }
 
-void tst_Check::file()
+void TestCheck::file()
 {
     QFETCH(QByteArray, content);
     QFETCH(QStringList, options);
@@ -199,7 +199,7 @@ void tst_Check::file()
     QCOMPARE(contentOf(path(u"a.sce"_s)), content);
 }
 
-void tst_Check::deployment_data()
+void TestCheck::deployment_data()
 {
     QTest::addColumn<QByteArray>("content"); ///< of the root
     QTest::addColumn<QStringList>("findings");
@@ -244,7 +244,7 @@ void tst_Check::deployment_data()
         << QStringList{sRange.arg(u" (s)"_s, u"1, latitude 91"_s)};
 }
 
-void tst_Check::deployment()
+void TestCheck::deployment()
 {
     QFETCH(QByteArray, content);
     QFETCH(QStringList, findings);
@@ -270,7 +270,7 @@ void tst_Check::deployment()
 }
 
 /// What the list of packages shows as a problem a check of their users finds.
-void tst_Check::damagedPackage()
+void TestCheck::damagedPackage()
 {
     QVERIFY(write(u"a.sce"_s, repaired(document())));
     QCOMPARE(runTool({u"repository"_s, u"init"_s, path(u"bad"_s)}).code, 0);
@@ -292,7 +292,7 @@ void tst_Check::damagedPackage()
 
 /// The file is replaced, and every byte of the former one is still there; it is
 /// not replaced when that cannot be had.
-void tst_Check::forceKeepsFormerFile()
+void TestCheck::forceKeepsFormerFile()
 {
     const QByteArray former = "<Scenario><Emitter ID='a'/><!-- mine --><Future/></Scenario>";
     QVERIFY(write(u"f.sce"_s, former));
@@ -311,7 +311,7 @@ void tst_Check::forceKeepsFormerFile()
 }
 
 /// A file that standard input comes from is the file itself.
-void tst_Check::redirectedInput()
+void TestCheck::redirectedInput()
 {
     const QByteArray cut = "<Scenario><Emitter ID='a'/>";
     QVERIFY(write(u"i.sce"_s, cut));
@@ -324,7 +324,7 @@ void tst_Check::redirectedInput()
     QCOMPARE(contentOf(path(u"i.sce"_s)), cut);
 }
 
-void tst_Check::progress_data()
+void TestCheck::progress_data()
 {
     QTest::addColumn<bool>("terminal");
     QTest::addColumn<bool>("play");
@@ -334,7 +334,7 @@ void tst_Check::progress_data()
 }
 
 /// Work of more than a second is shown on a terminal, and erased at the end.
-void tst_Check::progress()
+void TestCheck::progress()
 {
     QFETCH(bool, terminal);
     QFETCH(bool, play);
@@ -371,7 +371,7 @@ void tst_Check::progress()
     QCOMPARE(process.readAllStandardOutput(), play ? "" : QByteArray("1 file checked: 0 findings\n"));
 }
 
-void tst_Check::repair_data()
+void TestCheck::repair_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QByteArray>("written");
@@ -422,7 +422,7 @@ void tst_Check::repair_data()
 }
 
 /// Nothing but what was found changes, to the last byte.
-void tst_Check::repair()
+void TestCheck::repair()
 {
     QFETCH(QByteArray, content);
     QFETCH(QByteArray, written);
@@ -442,7 +442,7 @@ void tst_Check::repair()
 }
 
 /// More findings than a pipe holds: the check waits for its reader.
-void tst_Check::cleansUp()
+void TestCheck::cleansUp()
 {
     QVERIFY(write(u"a.sce"_s, document()));
     QVERIFY(QDir().mkpath(path(u"tmp"_s)));
@@ -461,6 +461,6 @@ void tst_Check::cleansUp()
     QVERIFY(QDir(path(u"tmp"_s)).isEmpty());
 }
 
-QTEST_GUILESS_MAIN(tst_Check)
+QTEST_GUILESS_MAIN(TestCheck)
 
 #include "tst_check.moc"

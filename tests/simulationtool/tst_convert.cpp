@@ -42,7 +42,7 @@ QByteArray compact(const QByteArray& a_ids)
 
 } // namespace
 
-class tst_Convert : public QObject
+class TestConvert : public QObject
 {
     Q_OBJECT
 
@@ -74,12 +74,12 @@ private:
     std::unique_ptr<QTemporaryDir> m_dir;
 };
 
-void tst_Convert::init()
+void TestConvert::init()
 {
     m_dir = std::make_unique<QTemporaryDir>();
 }
 
-void tst_Convert::thereAndBack()
+void TestConvert::thereAndBack()
 {
     const ToolResult there = runTool({s_sConvert, s_sDefault, path(QStringLiteral("1"))});
     QCOMPARE(there.err, QString());
@@ -107,7 +107,7 @@ void tst_Convert::thereAndBack()
     QCOMPARE(read(QStringLiteral("3")), read(QStringLiteral("1")));
 }
 
-void tst_Convert::tellsLosses_data()
+void TestConvert::tellsLosses_data()
 {
     QTest::addColumn<QByteArray>("input");
     QTest::addColumn<QString>("message"); ///< part of the error; with it the exit code is 1
@@ -134,7 +134,7 @@ void tst_Convert::tellsLosses_data()
     add("document that broke off", document(R"(<Emitter ID="a"/>)").chopped(3), "Emitters 1", "line 1");
 }
 
-void tst_Convert::tellsLosses()
+void TestConvert::tellsLosses()
 {
     QFETCH(QByteArray, input);
     QFETCH(QString, message);
@@ -151,7 +151,7 @@ void tst_Convert::tellsLosses()
     QCOMPARE(runTool({s_sInspect, sOut}).code, 0);
 }
 
-void tst_Convert::inspectsCompact_data()
+void TestConvert::inspectsCompact_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<int>("code");
@@ -176,7 +176,7 @@ void tst_Convert::inspectsCompact_data()
     QTest::newRow("empty file") << QByteArray() << 2 << QString();
 }
 
-void tst_Convert::inspectsCompact()
+void TestConvert::inspectsCompact()
 {
     QFETCH(QByteArray, content);
     QFETCH(int, code);
@@ -198,7 +198,7 @@ void tst_Convert::inspectsCompact()
     QCOMPARE(lines.contains(QStringLiteral("b 1 yes no a - -")), content.size() >= compact("ab").size());
 }
 
-void tst_Convert::refuses_data()
+void TestConvert::refuses_data()
 {
     QTest::addColumn<QString>("files"); ///< separated by bars
     QTest::addColumn<QString>("message");
@@ -216,7 +216,7 @@ void tst_Convert::refuses_data()
     add("no folder", "in|no/out", "no/out: ");
 }
 
-void tst_Convert::refuses()
+void TestConvert::refuses()
 {
     QFETCH(QString, files);
     QFETCH(QString, message);
@@ -236,7 +236,7 @@ void tst_Convert::refuses()
     QVERIFY(!QFile::exists(path(QStringLiteral("new"))));
 }
 
-void tst_Convert::deathKeepsOut()
+void TestConvert::deathKeepsOut()
 {
     const QString sOut = write(QStringLiteral("out"), "old");
     QProcess process;
@@ -250,5 +250,5 @@ void tst_Convert::deathKeepsOut()
     QCOMPARE(read(QStringLiteral("out")), QByteArray("old"));
 }
 
-QTEST_GUILESS_MAIN(tst_Convert)
+QTEST_GUILESS_MAIN(TestConvert)
 #include "tst_convert.moc"

@@ -31,7 +31,7 @@ QJsonValue valueAt(const QJsonDocument& a_document, const QString& a_sPath)
 
 } // namespace
 
-class tst_JsonReport : public QObject
+class TestJsonReport : public QObject
 {
     Q_OBJECT
 
@@ -61,7 +61,7 @@ private:
     QTemporaryDir m_dir;
 };
 
-void tst_JsonReport::initTestCase()
+void TestJsonReport::initTestCase()
 {
     QCOMPARE(runTool({u"repository"_s, u"init"_s, path(u"r"_s)}).code, 0);
     QVERIFY(QDir().mkpath(path(u"b"_s)));
@@ -76,7 +76,7 @@ void tst_JsonReport::initTestCase()
                   "StartTime='-9223372036854775807'/></EmissionSettings></Emitter></Scenario>"));
 }
 
-void tst_JsonReport::value_data()
+void TestJsonReport::value_data()
 {
     QTest::addColumn<QString>("command");
     QTest::addColumn<QString>("place");
@@ -136,7 +136,7 @@ void tst_JsonReport::value_data()
 }
 
 /// Standard output is one document that holds the value, and nothing else.
-void tst_JsonReport::value()
+void TestJsonReport::value()
 {
     QFETCH(QString, command);
     QFETCH(QString, place);
@@ -149,7 +149,7 @@ void tst_JsonReport::value()
 }
 
 /// What steers a terminal arrives, but escaped.
-void tst_JsonReport::hostileText()
+void TestJsonReport::hostileText()
 {
     const QString sName = u"a\"\\ \t\x1b[31m \x7f \u009b \u202e \u2028 ö 𝄞"_s;
     QString sXml = sName;
@@ -164,7 +164,7 @@ void tst_JsonReport::hostileText()
     QVERIFY(result.out.contains(u"ö 𝄞"_s));
 }
 
-void tst_JsonReport::sameCodes_data()
+void TestJsonReport::sameCodes_data()
 {
     QTest::addColumn<QString>("command");
     QTest::addColumn<int>("code");
@@ -182,7 +182,7 @@ void tst_JsonReport::sameCodes_data()
 }
 
 /// The option changes neither exit code nor errors.
-void tst_JsonReport::sameCodes()
+void TestJsonReport::sameCodes()
 {
     QFETCH(QString, command);
     QFETCH(int, code);
@@ -195,6 +195,6 @@ void tst_JsonReport::sameCodes()
     QCOMPARE(!json.out.isEmpty(), reported);
 }
 
-QTEST_GUILESS_MAIN(tst_JsonReport)
+QTEST_GUILESS_MAIN(TestJsonReport)
 
 #include "tst_jsonreport.moc"

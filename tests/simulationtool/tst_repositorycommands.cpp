@@ -66,7 +66,7 @@ QByteArray pulseBlock(quint32 a_uiNumber, quint32 a_uiClaimed, qsizetype a_iHeld
 
 } // namespace
 
-class tst_RepositoryCommands : public QObject
+class TestRepositoryCommands : public QObject
 {
     Q_OBJECT
 
@@ -116,7 +116,7 @@ private:
     std::unique_ptr<QTemporaryDir> m_dir; ///< of one test; holds a repository "r"
 };
 
-void tst_RepositoryCommands::initTestCase()
+void TestRepositoryCommands::initTestCase()
 {
     init();
     m_shape = contentOf(package(QStringLiteral("Signal.ssf")));
@@ -125,7 +125,7 @@ void tst_RepositoryCommands::initTestCase()
     QVERIFY(!m_shape.isEmpty() && !m_audio.isEmpty() && m_descriptor.contains(s_sRectId.toLatin1()));
 }
 
-void tst_RepositoryCommands::init()
+void TestRepositoryCommands::init()
 {
     m_dir = std::make_unique<QTemporaryDir>();
     const ToolResult result =
@@ -136,7 +136,7 @@ void tst_RepositoryCommands::init()
     QVERIFY(result.out.contains(QStringLiteral("Packages      3 in ")));
 }
 
-void tst_RepositoryCommands::initWithoutRoom()
+void TestRepositoryCommands::initWithoutRoom()
 {
     const FileSizeLimit limit(1'000);
     const QString sFolder = path(QStringLiteral("full"));
@@ -149,7 +149,7 @@ void tst_RepositoryCommands::initWithoutRoom()
              qPrintable(result.err));
 }
 
-void tst_RepositoryCommands::initKeepsWhatIsTheUsers()
+void TestRepositoryCommands::initKeepsWhatIsTheUsers()
 {
     const QString sScenario = path(QStringLiteral("r/Files/Tessaro/Default.scexml"));
     QVERIFY(contentOf(sScenario).contains("<Scenario"));
@@ -165,7 +165,7 @@ void tst_RepositoryCommands::initKeepsWhatIsTheUsers()
     QVERIFY(!QFileInfo::exists(path(QStringLiteral("r/Sessions/1"))));
 }
 
-void tst_RepositoryCommands::initRefuses_data()
+void TestRepositoryCommands::initRefuses_data()
 {
     QTest::addColumn<QString>("folder");
     QTest::addColumn<QString>("reason");
@@ -181,7 +181,7 @@ void tst_RepositoryCommands::initRefuses_data()
         << "is no repository, and its folder Sessions would be emptied: choose another";
 }
 
-void tst_RepositoryCommands::initRefuses()
+void TestRepositoryCommands::initRefuses()
 {
     QFETCH(QString, folder);
     QFETCH(QString, reason);
@@ -192,7 +192,7 @@ void tst_RepositoryCommands::initRefuses()
     QCOMPARE(contentOf(path(QStringLiteral("other/Sessions/diary"))), QByteArray("dear"));
 }
 
-void tst_RepositoryCommands::listDefault()
+void TestRepositoryCommands::listDefault()
 {
     // Both the repository and the folder of its packages can be listed.
     for (const QString& sFolder : {QStringLiteral("r"), QStringLiteral("r/SignalPackages")}) {
@@ -209,7 +209,7 @@ void tst_RepositoryCommands::listDefault()
     }
 }
 
-void tst_RepositoryCommands::listProblems_data()
+void TestRepositoryCommands::listProblems_data()
 {
     QTest::addColumn<QString>("file"); // of the package
     QTest::addColumn<QByteArray>("content");
@@ -244,7 +244,7 @@ void tst_RepositoryCommands::listProblems_data()
     QTest::newRow("results") << "Signal.rdf" << resultFile(10.0F) << "3000 ssf wav rdf -";
 }
 
-void tst_RepositoryCommands::listProblems()
+void TestRepositoryCommands::listProblems()
 {
     QFETCH(QString, file);
     QFETCH(QByteArray, content);
@@ -260,7 +260,7 @@ void tst_RepositoryCommands::listProblems()
     QVERIFY(!result.out.contains(QChar(0x9B)) && !result.out.contains(QChar(0x202E)));
 }
 
-void tst_RepositoryCommands::inspectFile_data()
+void TestRepositoryCommands::inspectFile_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QByteArray>("content");
@@ -315,7 +315,7 @@ void tst_RepositoryCommands::inspectFile_data()
     add("x.zip", "PK", 2, "Zip archive", "refused: has no zip directory in its last 2 bytes");
 }
 
-void tst_RepositoryCommands::inspectFile()
+void TestRepositoryCommands::inspectFile()
 {
     QFETCH(QString, name);
     QFETCH(QByteArray, content);
@@ -332,7 +332,7 @@ void tst_RepositoryCommands::inspectFile()
     QCOMPARE(result.err, QString());
 }
 
-void tst_RepositoryCommands::inspectPackage()
+void TestRepositoryCommands::inspectPackage()
 {
     QVERIFY(write(package(QStringLiteral("Signal.ssf")), m_shape.chopped(1)));
     const ToolResult result = runTool({QStringLiteral("inspect"), package({})});
@@ -349,7 +349,7 @@ void tst_RepositoryCommands::inspectPackage()
     QVERIFY(other.err.contains(QStringLiteral("is a folder without a signal package")));
 }
 
-void tst_RepositoryCommands::inspectArchive_data()
+void TestRepositoryCommands::inspectArchive_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<int>("code");
@@ -368,7 +368,7 @@ void tst_RepositoryCommands::inspectArchive_data()
                                   << "refused: 1 file not unpacked, 0 unsafe (--trace names them)";
 }
 
-void tst_RepositoryCommands::inspectArchive()
+void TestRepositoryCommands::inspectArchive()
 {
     QFETCH(QByteArray, content);
     QFETCH(qsizetype, packages);
@@ -385,7 +385,7 @@ void tst_RepositoryCommands::inspectArchive()
              QStringList{QStringLiteral("packages")});
 }
 
-void tst_RepositoryCommands::playShowsLevels()
+void TestRepositoryCommands::playShowsLevels()
 {
     const QString sScenario = path(QStringLiteral("s.xml"));
     QVERIFY(write(sScenario, R"(<Scenario FileFormatVersion="4">
@@ -418,7 +418,7 @@ void tst_RepositoryCommands::playShowsLevels()
     QVERIFY(rows.value(2).section(u',', 9) != rows.value(3).section(u',', 9));
 }
 
-void tst_RepositoryCommands::playTellsWhatIsMissing_data()
+void TestRepositoryCommands::playTellsWhatIsMissing_data()
 {
     QTest::addColumn<QString>("file"); // of the package; empty: the package is away
     QTest::addColumn<QByteArray>("content");
@@ -432,7 +432,7 @@ void tst_RepositoryCommands::playTellsWhatIsMissing_data()
                               << "its signal shape file is refused: only 3 of the header's 35 bytes";
 }
 
-void tst_RepositoryCommands::playTellsWhatIsMissing()
+void TestRepositoryCommands::playTellsWhatIsMissing()
 {
     QFETCH(QString, file);
     QFETCH(QByteArray, content);
@@ -453,7 +453,7 @@ void tst_RepositoryCommands::playTellsWhatIsMissing()
     QVERIFY(!result.out.isEmpty());
 }
 
-void tst_RepositoryCommands::cacheThatCannotBeFilled_data()
+void TestRepositoryCommands::cacheThatCannotBeFilled_data()
 {
     QTest::addColumn<QString>("command");
     QTest::addColumn<int>("room"); // bytes
@@ -470,7 +470,7 @@ void tst_RepositoryCommands::cacheThatCannotBeFilled_data()
 }
 
 /// What is missing is named, and no repair takes the missing package from a scenario.
-void tst_RepositoryCommands::cacheThatCannotBeFilled()
+void TestRepositoryCommands::cacheThatCannotBeFilled()
 {
     QFETCH(QString, command);
     QFETCH(int, room);
@@ -494,7 +494,7 @@ void tst_RepositoryCommands::cacheThatCannotBeFilled()
 
 /// The repository goes while the tool waits for another user of the cache: no
 /// number of packages is known then.
-void tst_RepositoryCommands::lostRepository()
+void TestRepositoryCommands::lostRepository()
 {
     const QString sLock = path(QStringLiteral("cache/simulationdata.lock"));
     QVERIFY(write(sLock, {}));
@@ -523,7 +523,7 @@ void tst_RepositoryCommands::lostRepository()
     QCOMPARE(process.exitCode(), 1);
 }
 
-void tst_RepositoryCommands::playKeepsCache()
+void TestRepositoryCommands::playKeepsCache()
 {
     const QStringList arguments{
         QStringLiteral("play"),           QStringLiteral("--to"),    QStringLiteral("300"),
@@ -543,7 +543,7 @@ void tst_RepositoryCommands::playKeepsCache()
     QCOMPARE(second.out, first.out);
 }
 
-void tst_RepositoryCommands::playRefusesCache_data()
+void TestRepositoryCommands::playRefusesCache_data()
 {
     QTest::addColumn<QString>("cache");
     QTest::addColumn<QString>("reason");
@@ -558,7 +558,7 @@ void tst_RepositoryCommands::playRefusesCache_data()
                           << "is not a folder";
 }
 
-void tst_RepositoryCommands::playRefusesCache()
+void TestRepositoryCommands::playRefusesCache()
 {
     QFETCH(QString, cache);
     QFETCH(QString, reason);
@@ -572,7 +572,7 @@ void tst_RepositoryCommands::playRefusesCache()
     QCOMPARE(contentOf(path(QStringLiteral("mine/Signal.xml"))), mine);
 }
 
-void tst_RepositoryCommands::playCleansUp_data()
+void TestRepositoryCommands::playCleansUp_data()
 {
     QTest::addColumn<int>("signal");
 
@@ -583,7 +583,7 @@ void tst_RepositoryCommands::playCleansUp_data()
 
 /// A play that would last for days leaves its cache neither behind when it is
 /// ended nor when nobody reads on.
-void tst_RepositoryCommands::playCleansUp()
+void TestRepositoryCommands::playCleansUp()
 {
     QFETCH(int, signal);
     QDir(path({})).mkdir(QStringLiteral("tmp"));
@@ -612,6 +612,6 @@ void tst_RepositoryCommands::playCleansUp()
     QVERIFY(QDir(path(QStringLiteral("tmp"))).isEmpty());
 }
 
-QTEST_GUILESS_MAIN(tst_RepositoryCommands)
+QTEST_GUILESS_MAIN(TestRepositoryCommands)
 
 #include "tst_repositorycommands.moc"

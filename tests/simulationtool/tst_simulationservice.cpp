@@ -93,7 +93,7 @@ struct LoggedService
 
 } // namespace
 
-class tst_SimulationService : public QObject
+class TestSimulationService : public QObject
 {
     Q_OBJECT
 
@@ -115,7 +115,7 @@ private Q_SLOTS:
     void burstOfConnections();
 };
 
-void tst_SimulationService::outbox_data()
+void TestSimulationService::outbox_data()
 {
     QTest::addColumn<QString>("actions"); // "order", "key=report", or how many bytes are taken
     QTest::addColumn<QString>("taken");
@@ -135,7 +135,7 @@ void tst_SimulationService::outbox_data()
                              << " a ";
 }
 
-void tst_SimulationService::outbox()
+void TestSimulationService::outbox()
 {
     QFETCH(const QString, actions);
     QFETCH(const QString, taken);
@@ -160,7 +160,7 @@ void tst_SimulationService::outbox()
     QCOMPARE(*pTotal, 0);
 }
 
-void tst_SimulationService::outboxCounts()
+void TestSimulationService::outboxCounts()
 {
     const auto pTotal = std::make_shared<qint64>(0);
     {
@@ -181,7 +181,7 @@ void tst_SimulationService::outboxCounts()
 
 /// Another peer takes the control and gives it back again and again, while the
 /// controller is busy and does not read.
-void tst_SimulationService::controllerIsNotEvicted()
+void TestSimulationService::controllerIsNotEvicted()
 {
     LoggedService logged;
     Peer devices(logged.service);
@@ -203,7 +203,7 @@ void tst_SimulationService::controllerIsNotEvicted()
     QVERIFY(devices.receives("StartScenario"));
 }
 
-void tst_SimulationService::stalledPeer_data()
+void TestSimulationService::stalledPeer_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("reason"); // empty = it stays
@@ -215,7 +215,7 @@ void tst_SimulationService::stalledPeer_data()
         << s_ask.repeated(4000) << "dropped: it does not read what it is sent, for 1 second";
 }
 
-void tst_SimulationService::stalledPeer()
+void TestSimulationService::stalledPeer()
 {
     QFETCH(const QByteArray, bytes);
     QFETCH(const QString, reason);
@@ -238,7 +238,7 @@ void tst_SimulationService::stalledPeer()
 }
 
 /// Every byte is progress.
-void tst_SimulationService::slowButSteadyPeer()
+void TestSimulationService::slowButSteadyPeer()
 {
     LoggedService logged(1s);
     Peer slow(logged.service);
@@ -252,7 +252,7 @@ void tst_SimulationService::slowButSteadyPeer()
 }
 
 /// The one with the most is dropped, and the others are not.
-void tst_SimulationService::allPendingBytes()
+void TestSimulationService::allPendingBytes()
 {
     constexpr int iLimit = 1'000'000;
     Limits::setValue(Limits::AllPendingBytes, iLimit);
@@ -282,7 +282,7 @@ void tst_SimulationService::allPendingBytes()
 
 /// What the service keeps of devices waits for nobody, and their ids are bounded as
 /// they are sent.
-void tst_SimulationService::keptBytesBlameNobody()
+void TestSimulationService::keptBytesBlameNobody()
 {
     Limits::setValue(Limits::AllPendingBytes, 100'000);
     LoggedService logged;
@@ -301,7 +301,7 @@ void tst_SimulationService::keptBytesBlameNobody()
 }
 
 /// Whoever asks often makes the states be gathered once for many requests.
-void tst_SimulationService::statesOnceForManyRequests()
+void TestSimulationService::statesOnceForManyRequests()
 {
     constexpr int iDevices = 100;
     constexpr int iRequests = 2000;
@@ -325,7 +325,7 @@ void tst_SimulationService::statesOnceForManyRequests()
              qPrintable(QString::number(iStates)));
 }
 
-void tst_SimulationService::notDecodedWithoutControl()
+void TestSimulationService::notDecodedWithoutControl()
 {
     LoggedService logged;
     Peer stranger(logged.service);
@@ -343,7 +343,7 @@ void tst_SimulationService::notDecodedWithoutControl()
     QCOMPARE(logged.lines.filter(QStringLiteral("scenario ignored: it is empty")).size(), 1);
 }
 
-void tst_SimulationService::tooLargeCommand()
+void TestSimulationService::tooLargeCommand()
 {
     LoggedService logged;
     Peer peer(logged.service);
@@ -354,7 +354,7 @@ void tst_SimulationService::tooLargeCommand()
 }
 
 /// The service is busy meanwhile: its event loop does not run.
-void tst_SimulationService::burstOfConnections()
+void TestSimulationService::burstOfConnections()
 {
     constexpr int iPeers = 300;
     constexpr int iMuchShorter = 900; // ms; a connection that finds no room is tried again after 1 s
@@ -368,5 +368,5 @@ void tst_SimulationService::burstOfConnections()
     QVERIFY(peers.front()->isServed() && peers.back()->isServed());
 }
 
-QTEST_GUILESS_MAIN(tst_SimulationService)
+QTEST_GUILESS_MAIN(TestSimulationService)
 #include "tst_simulationservice.moc"

@@ -37,7 +37,7 @@ QStringList tableRows(const QString& a_sText)
 
 } // namespace
 
-class tst_SimulationTool : public QObject
+class TestSimulationTool : public QObject
 {
     Q_OBJECT
 
@@ -75,14 +75,14 @@ private:
     QTemporaryDir m_dir;
 };
 
-QString tst_SimulationTool::write(const QString& a_sName, const QByteArray& a_data)
+QString TestSimulationTool::write(const QString& a_sName, const QByteArray& a_data)
 {
     QFile file(m_dir.filePath(a_sName));
     return file.open(QIODevice::WriteOnly) && file.write(a_data) == a_data.size() ? file.fileName()
                                                                                   : QString();
 }
 
-void tst_SimulationTool::wrongFiles_data()
+void TestSimulationTool::wrongFiles_data()
 {
     QTest::addColumn<QByteArray>("content"); // null: nothing is written
     QTest::addColumn<int>("code");
@@ -102,7 +102,7 @@ void tst_SimulationTool::wrongFiles_data()
         << nested << 1 << "line 3, column 766: nesting depth limit of 256 exceeded";
 }
 
-void tst_SimulationTool::wrongFiles()
+void TestSimulationTool::wrongFiles()
 {
     QFETCH(QByteArray, content);
     QFETCH(int, code);
@@ -121,7 +121,7 @@ void tst_SimulationTool::wrongFiles()
     }
 }
 
-void tst_SimulationTool::wrongUsage_data()
+void TestSimulationTool::wrongUsage_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("message");
@@ -179,7 +179,7 @@ void tst_SimulationTool::wrongUsage_data()
         << "play: the window would end at 10000 ms, not after its begin at 10000 ms: give a later --to";
 }
 
-void tst_SimulationTool::wrongUsage()
+void TestSimulationTool::wrongUsage()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QString, message);
@@ -189,7 +189,7 @@ void tst_SimulationTool::wrongUsage()
     QCOMPARE(result.out, QString());
 }
 
-void tst_SimulationTool::help()
+void TestSimulationTool::help()
 {
     const QStringList calls{QStringLiteral("--help"), QStringLiteral("inspect --help"),
                             QStringLiteral("play --help --step"), QStringLiteral("--version")};
@@ -201,7 +201,7 @@ void tst_SimulationTool::help()
     }
 }
 
-void tst_SimulationTool::builtInScenarioIsAsWritten()
+void TestSimulationTool::builtInScenarioIsAsWritten()
 {
     QFile file(s_sBuiltIn);
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -213,7 +213,7 @@ void tst_SimulationTool::builtInScenarioIsAsWritten()
     QCOMPARE(document.toXml(), xml);
 }
 
-void tst_SimulationTool::playRow_data()
+void TestSimulationTool::playRow_data()
 {
     QTest::addColumn<int>("time");
     QTest::addColumn<QString>("emitter");
@@ -237,7 +237,7 @@ void tst_SimulationTool::playRow_data()
     add("movement has ended", 8274, "drone", "no 2480.000000 11.010500 54.451200");
 }
 
-void tst_SimulationTool::playRow()
+void TestSimulationTool::playRow()
 {
     QFETCH(int, time);
     QFETCH(QString, emitter);
@@ -252,7 +252,7 @@ void tst_SimulationTool::playRow()
     QCOMPARE(rows.constFirst().left(sBegin.size() + rest.size()), sBegin + rest);
 }
 
-void tst_SimulationTool::window_data()
+void TestSimulationTool::window_data()
 {
     QTest::addColumn<QByteArray>("duration");
     QTest::addColumn<QString>("options");
@@ -275,7 +275,7 @@ void tst_SimulationTool::window_data()
     add("end of time", "0", "--from 4294967293 --to 4294967295 --step 1", "4294967293 4294967294 2");
 }
 
-void tst_SimulationTool::window()
+void TestSimulationTool::window()
 {
     QFETCH(QByteArray, duration);
     QFETCH(QString, options);
@@ -292,7 +292,7 @@ void tst_SimulationTool::window()
           "times");
 }
 
-void tst_SimulationTool::csvFields()
+void TestSimulationTool::csvFields()
 {
     // Ids that need quoting, a frequency and a position with many digits, and a
     // movement due north that has come to its end.
@@ -323,7 +323,7 @@ void tst_SimulationTool::csvFields()
 
 /// Standard output gets the rows and nothing else, whatever is wrong; the
 /// scenario arrives through standard input.
-void tst_SimulationTool::csvOnStandardOutput()
+void TestSimulationTool::csvOnStandardOutput()
 {
     const ToolResult result = runTool({QStringLiteral("play"), QStringLiteral("-"), QStringLiteral("--to"),
                                        QStringLiteral("1"), QStringLiteral("--csv"), QStringLiteral("-")},
@@ -338,7 +338,7 @@ void tst_SimulationTool::csvOnStandardOutput()
     QCOMPARE(result.code, 1);
 }
 
-void tst_SimulationTool::chosenEmitters_data()
+void TestSimulationTool::chosenEmitters_data()
 {
     QTest::addColumn<QStringList>("names");
     QTest::addColumn<QStringList>("ids");
@@ -353,7 +353,7 @@ void tst_SimulationTool::chosenEmitters_data()
         << QStringList{QStringLiteral("a"), QStringLiteral("c")};
 }
 
-void tst_SimulationTool::chosenEmitters()
+void TestSimulationTool::chosenEmitters()
 {
     QFETCH(QStringList, names);
     QFETCH(QStringList, ids);
@@ -372,7 +372,7 @@ void tst_SimulationTool::chosenEmitters()
     QCOMPARE(result.code, 0);
 }
 
-void tst_SimulationTool::csvIsAllOrNothing_data()
+void TestSimulationTool::csvIsAllOrNothing_data()
 {
     QTest::addColumn<QString>("scenario");
     QTest::addColumn<QString>("csv");
@@ -387,7 +387,7 @@ void tst_SimulationTool::csvIsAllOrNothing_data()
                             << "/dev/full: is not a regular file";
 }
 
-void tst_SimulationTool::csvIsAllOrNothing()
+void TestSimulationTool::csvIsAllOrNothing()
 {
     QFETCH(QString, scenario);
     QFETCH(QString, csv);
@@ -401,7 +401,7 @@ void tst_SimulationTool::csvIsAllOrNothing()
     QCOMPARE(old.readAll(), QByteArray("old"));
 }
 
-void tst_SimulationTool::fullDisk_data()
+void TestSimulationTool::fullDisk_data()
 {
     QTest::addColumn<QStringList>("arguments"); // FILE is the file that is written
     QTest::addColumn<int>("room");              // bytes
@@ -424,7 +424,7 @@ void tst_SimulationTool::fullDisk_data()
 }
 
 /// The message has the system's reason, and a file that was there stays.
-void tst_SimulationTool::fullDisk()
+void TestSimulationTool::fullDisk()
 {
     QFETCH(QStringList, arguments);
     QFETCH(int, room);
@@ -452,7 +452,7 @@ void tst_SimulationTool::fullDisk()
     QCOMPARE(old.readAll(), QByteArray("old"));
 }
 
-void tst_SimulationTool::inspectBuiltIn_data()
+void TestSimulationTool::inspectBuiltIn_data()
 {
     QTest::addColumn<QString>("line"); // with single blanks
 
@@ -471,7 +471,7 @@ void tst_SimulationTool::inspectBuiltIn_data()
     add("3 Round 2 4, 5");
 }
 
-void tst_SimulationTool::inspectBuiltIn()
+void TestSimulationTool::inspectBuiltIn()
 {
     QFETCH(QString, line);
     static const ToolResult s_result = runTool({QStringLiteral("inspect"), s_sBuiltIn});
@@ -482,7 +482,7 @@ void tst_SimulationTool::inspectBuiltIn()
                         [&](const QString& a_sLine) { return a_sLine.simplified() == line; }));
 }
 
-void tst_SimulationTool::inspectTamesHostileTexts()
+void TestSimulationTool::inspectTamesHostileTexts()
 {
     const QByteArray longName(100'000, 'x');
     const QString sFile = write(
@@ -506,7 +506,7 @@ void tst_SimulationTool::inspectTamesHostileTexts()
     QVERIFY(result.out.contains(QString::fromLatin1(longName)));
 }
 
-void tst_SimulationTool::olderFile()
+void TestSimulationTool::olderFile()
 {
     const QString sFile = write(QStringLiteral("older.xml"), "<Scenario FileFormatVersion=\"3\"/>");
     const ToolResult result = runTool({QStringLiteral("inspect"), sFile});
@@ -514,7 +514,7 @@ void tst_SimulationTool::olderFile()
 }
 
 /// A slip of the pen must not cost the scenario.
-void tst_SimulationTool::csvOverScenario()
+void TestSimulationTool::csvOverScenario()
 {
     const QString sFile = write(QStringLiteral("kept.xml"), "<Scenario><Emitter ID='e'/></Scenario>");
     const QString sLink = sFile + QStringLiteral(".link");
@@ -527,7 +527,7 @@ void tst_SimulationTool::csvOverScenario()
     QCOMPARE(runTool({QStringLiteral("inspect"), sFile}).code, 0);
 }
 
-void tst_SimulationTool::outputFails()
+void TestSimulationTool::outputFails()
 {
     for (const QString& command : {QStringLiteral("play"), QStringLiteral("--help")}) {
         QProcess process;
@@ -565,7 +565,7 @@ void tst_SimulationTool::outputFails()
     QCOMPARE(demo.readAllStandardError(), QByteArray());
 }
 
-void tst_SimulationTool::traceOnDemand()
+void TestSimulationTool::traceOnDemand()
 {
     const QString sFile = write(QStringLiteral("trace.xml"), "<Other/>");
     QCOMPARE(lines(runTool({QStringLiteral("inspect"), sFile}).err).size(), 1);
@@ -579,7 +579,7 @@ void tst_SimulationTool::traceOnDemand()
 }
 
 /// Quantities look the same where the user's locale has a decimal comma.
-void tst_SimulationTool::decimalComma()
+void TestSimulationTool::decimalComma()
 {
     const QString sFile = QStringLiteral(TEST_DATA_DIR "/scenarios/Rich.sce");
     const QByteArray before = qgetenv("LC_ALL");
@@ -594,6 +594,6 @@ void tst_SimulationTool::decimalComma()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_SimulationTool)
+QTEST_GUILESS_MAIN(TestSimulationTool)
 
 #include "tst_simulationtool.moc"

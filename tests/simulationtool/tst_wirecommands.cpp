@@ -133,7 +133,7 @@ std::unique_ptr<Tool> startDevice(const QString& a_sId, const QString& a_sServer
 
 } // namespace
 
-class tst_WireCommands : public QObject
+class TestWireCommands : public QObject
 {
     Q_OBJECT
 
@@ -173,7 +173,7 @@ private:
     QTemporaryDir m_folder;
 };
 
-void tst_WireCommands::initTestCase()
+void TestWireCommands::initTestCase()
 {
     ErrorHandler::Instance().setTraceMask(0);
     // The machine's own settings are not the test's.
@@ -183,7 +183,7 @@ void tst_WireCommands::initTestCase()
     QCOMPARE(runTool({QStringLiteral("repository"), QStringLiteral("init"), s_sRepository}).code, 0);
 }
 
-void tst_WireCommands::road()
+void TestWireCommands::road()
 {
     Service service;
     const auto first = startDevice(QStringLiteral("rx-1"), service.address());
@@ -226,7 +226,7 @@ void tst_WireCommands::road()
     QCOMPARE(service.codeAfter(SIGTERM), 0);
 }
 
-void tst_WireCommands::serviceIsRestarted()
+void TestWireCommands::serviceIsRestarted()
 {
     auto service = std::make_unique<Service>();
     const QString sAddress = service->address();
@@ -251,7 +251,7 @@ void tst_WireCommands::serviceIsRestarted()
 }
 
 /// One line when it begins to wait and one when the service is there.
-void tst_WireCommands::deviceWaits()
+void TestWireCommands::deviceWaits()
 {
     constexpr int iMostLines = 10;
     QString sPort;
@@ -271,7 +271,7 @@ void tst_WireCommands::deviceWaits()
 
 /// The device serves without them, the editor learns why, and the exit code is not
 /// that of a whole device.
-void tst_WireCommands::deviceLacksPackages()
+void TestWireCommands::deviceLacksPackages()
 {
     const QString sRepository = m_folder.filePath(QStringLiteral("too-large"));
     QCOMPARE(runTool({QStringLiteral("repository"), QStringLiteral("init"), sRepository}).code, 0);
@@ -291,7 +291,7 @@ void tst_WireCommands::deviceLacksPackages()
     QCOMPARE(device->codeAfter(SIGTERM), 1);
 }
 
-void tst_WireCommands::lateDevice()
+void TestWireCommands::lateDevice()
 {
     const Service service;
     Peer editor(service.port());
@@ -326,7 +326,7 @@ void tst_WireCommands::lateDevice()
     QCOMPARE(toldLate(QStringLiteral("d")), QStringLiteral("accept deployment test accept"));
 }
 
-void tst_WireCommands::newestControls()
+void TestWireCommands::newestControls()
 {
     Service service;
     Peer device(service.port());
@@ -385,7 +385,7 @@ void tst_WireCommands::newestControls()
     QTRY_COMPARE_WITH_TIMEOUT(device.received, QStringLiteral("stop "), s_iToolTimeout);
 }
 
-void tst_WireCommands::newestRegisters()
+void TestWireCommands::newestRegisters()
 {
     const Service service;
     Peer former(service.port());
@@ -404,7 +404,7 @@ void tst_WireCommands::newestRegisters()
     QCOMPARE(former.take(), QStringLiteral("rx=0")); // and no order
 }
 
-void tst_WireCommands::badPeer_data()
+void TestWireCommands::badPeer_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<bool>("closes");
@@ -432,7 +432,7 @@ void tst_WireCommands::badPeer_data()
         << false << "dropped: it registers a device with a record of";
 }
 
-void tst_WireCommands::badPeer()
+void TestWireCommands::badPeer()
 {
     QFETCH(const QByteArray, bytes);
     QFETCH(const bool, closes);
@@ -467,7 +467,7 @@ void tst_WireCommands::badPeer()
              told.startsWith(QStringLiteral("dropped")) ? 1 : 0);
 }
 
-void tst_WireCommands::wrongConfirmation()
+void TestWireCommands::wrongConfirmation()
 {
     QTcpServer server;
     QVERIFY(server.listen(QHostAddress::LocalHost));
@@ -504,7 +504,7 @@ void tst_WireCommands::wrongConfirmation()
             device->says(QStringLiteral("rx: connected"), 2));
 }
 
-void tst_WireCommands::serviceThatRepeatsOrders()
+void TestWireCommands::serviceThatRepeatsOrders()
 {
     QTcpServer server;
     QVERIFY(server.listen(QHostAddress::LocalHost));
@@ -525,7 +525,7 @@ void tst_WireCommands::serviceThatRepeatsOrders()
     QVERIFY(device->text().count(u'\n') < 110);
 }
 
-void tst_WireCommands::lostLogReader()
+void TestWireCommands::lostLogReader()
 {
     QProcess service;
     service.start(QStringLiteral(SIMULATIONTOOL_PATH),
@@ -540,7 +540,7 @@ void tst_WireCommands::lostLogReader()
     QVERIFY(service.waitForFinished(s_iToolTimeout));
 }
 
-void tst_WireCommands::logLinesHaveTimes()
+void TestWireCommands::logLinesHaveTimes()
 {
     const QByteArray zone = qgetenv("TZ");
     const auto restore = qScopeGuard([&] { qputenv("TZ", zone); });
@@ -561,7 +561,7 @@ void tst_WireCommands::logLinesHaveTimes()
     }
 }
 
-void tst_WireCommands::oddStart_data()
+void TestWireCommands::oddStart_data()
 {
     QTest::addColumn<quint64>("ahead"); // us
     QTest::addColumn<uint>("time");
@@ -573,7 +573,7 @@ void tst_WireCommands::oddStart_data()
     QTest::newRow("never") << (quint64{1} << 62) << 0U << "rx: not started: the start is ";
 }
 
-void tst_WireCommands::oddStart()
+void TestWireCommands::oddStart()
 {
     QFETCH(const quint64, ahead);
     QFETCH(const uint, time);
@@ -590,7 +590,7 @@ void tst_WireCommands::oddStart()
     QCOMPARE(device->text().contains(QStringLiteral("plays from")), told.contains(QStringLiteral("plays")));
 }
 
-void tst_WireCommands::loadTellsOfDevices_data()
+void TestWireCommands::loadTellsOfDevices_data()
 {
     QTest::addColumn<ScenarioDataState>("state");
     QTest::addColumn<QString>("told");
@@ -598,7 +598,7 @@ void tst_WireCommands::loadTellsOfDevices_data()
     QTest::newRow("never ends") << ScenarioDataState::Loading << "rx rx loading -";
 }
 
-void tst_WireCommands::loadTellsOfDevices()
+void TestWireCommands::loadTellsOfDevices()
 {
     QFETCH(const ScenarioDataState, state);
     QFETCH(const QString, told);
@@ -619,7 +619,7 @@ void tst_WireCommands::loadTellsOfDevices()
     QVERIFY2(simplifiedLines(control.text()).contains(told), qPrintable(control.text()));
 }
 
-void tst_WireCommands::refused_data()
+void TestWireCommands::refused_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("told");
@@ -662,7 +662,7 @@ void tst_WireCommands::refused_data()
     row("demo", "demo fast", "demo: there are no arguments");
 }
 
-void tst_WireCommands::refused()
+void TestWireCommands::refused()
 {
     QFETCH(QStringList, arguments);
     QFETCH(const QString, told);
@@ -680,7 +680,7 @@ void tst_WireCommands::refused()
     QVERIFY2(result.err.contains(told) && result.err.count(u'\n') == 1, qPrintable(result.err));
 }
 
-void tst_WireCommands::nobodyAnswers()
+void TestWireCommands::nobodyAnswers()
 {
     QTcpServer silent;
     QVERIFY(silent.listen(QHostAddress::LocalHost));
@@ -707,7 +707,7 @@ void tst_WireCommands::nobodyAnswers()
 
 /// With ever fewer files that may be open, the signal shapes, which are opened last,
 /// are the first to fail.
-void tst_WireCommands::demoTellsWhatIsBroken()
+void TestWireCommands::demoTellsWhatIsBroken()
 {
     for (rlim_t uiFiles = 40; uiFiles > 10; --uiFiles) {
         QProcess process;
@@ -730,7 +730,7 @@ void tst_WireCommands::demoTellsWhatIsBroken()
     QFAIL("the demo needs fewer files than expected");
 }
 
-void tst_WireCommands::demoWithoutRoom()
+void TestWireCommands::demoWithoutRoom()
 {
     const FileSizeLimit limit(1'000);
     const ToolResult result = runTool({QStringLiteral("demo")});
@@ -741,7 +741,7 @@ void tst_WireCommands::demoWithoutRoom()
         qPrintable(result.err));
 }
 
-void tst_WireCommands::orders_data()
+void TestWireCommands::orders_data()
 {
     QTest::addColumn<QStringList>("device"); // options; none without "-"
     QTest::addColumn<QStringList>("order");
@@ -770,7 +770,7 @@ void tst_WireCommands::orders_data()
 }
 
 /// What goes wrong at a device reaches the terminal of whoever gave the order.
-void tst_WireCommands::orders()
+void TestWireCommands::orders()
 {
     QFETCH(const QStringList, device);
     QFETCH(const QStringList, order);
@@ -796,7 +796,7 @@ void tst_WireCommands::orders()
     QCOMPARE(report.value(QStringLiteral("devices")).toArray().size(), running != nullptr ? 1 : 0);
 }
 
-void tst_WireCommands::confirmations_data()
+void TestWireCommands::confirmations_data()
 {
     QTest::addColumn<QString>("message");
     QTest::addColumn<QString>("line");
@@ -815,7 +815,7 @@ void tst_WireCommands::confirmations_data()
 }
 
 /// Only a device's own words confirm that it started.
-void tst_WireCommands::confirmations()
+void TestWireCommands::confirmations()
 {
     QFETCH(const QString, message);
     QFETCH(const QString, line);
@@ -837,7 +837,7 @@ void tst_WireCommands::confirmations()
     QCOMPARE(lines.constLast(), last);
 }
 
-void tst_WireCommands::deployments()
+void TestWireCommands::deployments()
 {
     const QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("deployment")));
@@ -895,7 +895,7 @@ void tst_WireCommands::deployments()
 }
 
 /// Who only looks on sees what there is, and takes the control from nobody.
-void tst_WireCommands::onlookers()
+void TestWireCommands::onlookers()
 {
     Service service;
     Peer editor(service.port());
@@ -958,7 +958,7 @@ void tst_WireCommands::onlookers()
     QCOMPARE(service.text().count(QStringLiteral("controls")), 1);
 }
 
-void tst_WireCommands::demo()
+void TestWireCommands::demo()
 {
     const ToolResult result = runTool({QStringLiteral("demo")});
     QCOMPARE(result.err, QString());
@@ -973,5 +973,5 @@ void tst_WireCommands::demo()
              qPrintable(result.out));
 }
 
-QTEST_GUILESS_MAIN(tst_WireCommands)
+QTEST_GUILESS_MAIN(TestWireCommands)
 #include "tst_wirecommands.moc"

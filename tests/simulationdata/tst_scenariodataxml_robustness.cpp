@@ -91,7 +91,8 @@ QByteArray repeated(const QByteArray& a_text, int a_iCount)
 
 } // namespace
 
-class TestScenarioDocument : public QObject
+/// Refused, broken and hostile documents, files, and the lifetime of the objects.
+class TestScenarioDataXmlRobustness : public QObject
 {
     Q_OBJECT
 
@@ -131,12 +132,12 @@ private Q_SLOTS:
     void foreignEntity();
 };
 
-void TestScenarioDocument::initTestCase()
+void TestScenarioDataXmlRobustness::initTestCase()
 {
     QLoggingCategory::setFilterRules(QStringLiteral("simulation.trace=false"));
 }
 
-void TestScenarioDocument::refused_data()
+void TestScenarioDataXmlRobustness::refused_data()
 {
     QTest::addColumn<QByteArray>("xml");
     QTest::addColumn<QString>("error");
@@ -166,7 +167,7 @@ void TestScenarioDocument::refused_data()
 }
 
 /// What was held stays, down to the byte.
-void TestScenarioDocument::refused()
+void TestScenarioDataXmlRobustness::refused()
 {
     QFETCH(QByteArray, xml);
     QFETCH(QString, error);
@@ -184,7 +185,7 @@ void TestScenarioDocument::refused()
     QCOMPARE(document.errorString(), QString());
 }
 
-void TestScenarioDocument::secondLoad()
+void TestScenarioDataXmlRobustness::secondLoad()
 {
     ScenarioDataXml document(nullptr);
     ScenarioNoiseSettings noise;
@@ -206,7 +207,7 @@ void TestScenarioDocument::secondLoad()
     QVERIFY(document.getDescription().isEmpty() && document.getPersistantId().isEmpty());
 }
 
-void TestScenarioDocument::brokenOff_data()
+void TestScenarioDataXmlRobustness::brokenOff_data()
 {
     QTest::addColumn<QByteArray>("rest");
     QTest::addColumn<QString>("error");
@@ -237,7 +238,7 @@ void TestScenarioDocument::brokenOff_data()
         "line 2, column 1: attributes of one element limit of 4096 exceeded");
 }
 
-void TestScenarioDocument::brokenOff()
+void TestScenarioDataXmlRobustness::brokenOff()
 {
     QFETCH(QByteArray, rest);
     QFETCH(QString, error);
@@ -255,7 +256,7 @@ void TestScenarioDocument::brokenOff()
     QVERIFY(document.fromXml(document.toXml()) && document.errorString().isEmpty());
 }
 
-void TestScenarioDocument::cutAtEveryByte()
+void TestScenarioDataXmlRobustness::cutAtEveryByte()
 {
     QFile file(QStringLiteral(TEST_DATA_DIR "/scenarios/Rich.sce"));
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -273,7 +274,7 @@ void TestScenarioDocument::cutAtEveryByte()
 }
 
 /// One byte wrong anywhere: any answer, but no crash, no hang and no leak.
-void TestScenarioDocument::changedAtEveryByte()
+void TestScenarioDataXmlRobustness::changedAtEveryByte()
 {
     UnresolvedSignalPackageProvider provider;
     ScenarioDataXml document(&provider);
@@ -292,7 +293,7 @@ void TestScenarioDocument::changedAtEveryByte()
     }
 }
 
-void TestScenarioDocument::encodings_data()
+void TestScenarioDataXmlRobustness::encodings_data()
 {
     QTest::addColumn<QByteArray>("xml");
     const auto text = [](const char* a_szDeclaration) {
@@ -309,7 +310,7 @@ void TestScenarioDocument::encodings_data()
     QTest::newRow("Latin-1") << text("<?xml version='1.0' encoding='ISO-8859-1'?>").toLatin1();
 }
 
-void TestScenarioDocument::encodings()
+void TestScenarioDataXmlRobustness::encodings()
 {
     QFETCH(QByteArray, xml);
     ScenarioDataXml document(nullptr);
@@ -319,7 +320,7 @@ void TestScenarioDocument::encodings()
     QVERIFY(document.toXml().startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>"));
 }
 
-void TestScenarioDocument::hostile_data()
+void TestScenarioDataXmlRobustness::hostile_data()
 {
     QTest::addColumn<QByteArray>("xml");
     QTest::addColumn<int>("objects");
@@ -358,7 +359,7 @@ void TestScenarioDocument::hostile_data()
 }
 
 /// Every question is asked of what such documents make.
-void TestScenarioDocument::hostile()
+void TestScenarioDataXmlRobustness::hostile()
 {
     QFETCH(QByteArray, xml);
     Limits::setValue(Limits::AnswerActivities, 100);
@@ -383,7 +384,7 @@ void TestScenarioDocument::hostile()
 }
 
 /// 100,000 of everything, forward, would take hours if a step cost O(n).
-void TestScenarioDocument::manyReferences()
+void TestScenarioDataXmlRobustness::manyReferences()
 {
     constexpr int iCount = 100'000;
     QByteArray members;
@@ -408,7 +409,7 @@ void TestScenarioDocument::manyReferences()
              QString::number(iCount - 1));
 }
 
-void TestScenarioDocument::devices()
+void TestScenarioDataXmlRobustness::devices()
 {
     ScenarioDataXml document(nullptr);
     QVERIFY(!document.fromXml(static_cast<QIODevice*>(nullptr)));
@@ -428,7 +429,7 @@ void TestScenarioDocument::devices()
     QCOMPARE(target.data(), document.toXml());
 }
 
-void TestScenarioDocument::files()
+void TestScenarioDataXmlRobustness::files()
 {
     QTemporaryDir folder;
     const QString sFile = folder.filePath(QStringLiteral("scenario.sce"));
@@ -452,7 +453,7 @@ void TestScenarioDocument::files()
 }
 
 /// Nothing that others may be using is replaced, nor waited for.
-void TestScenarioDocument::neverOverAPipe()
+void TestScenarioDataXmlRobustness::neverOverAPipe()
 {
     QTemporaryDir folder;
     const QString sPipe = folder.filePath(QStringLiteral("pipe"));
@@ -462,7 +463,7 @@ void TestScenarioDocument::neverOverAPipe()
     QVERIFY(QFileInfo::exists(sPipe) && !QFileInfo(sPipe).isFile());
 }
 
-void TestScenarioDocument::neverAHalfFile_data()
+void TestScenarioDataXmlRobustness::neverAHalfFile_data()
 {
     QTest::addColumn<int>("size"); // of the description, characters
     QTest::addColumn<int>("room"); // bytes
@@ -472,7 +473,7 @@ void TestScenarioDocument::neverAHalfFile_data()
 }
 
 /// A write that fails midway leaves the old file as it was and no other beside.
-void TestScenarioDocument::neverAHalfFile()
+void TestScenarioDataXmlRobustness::neverAHalfFile()
 {
     QFETCH(int, size);
     QFETCH(int, room);
@@ -507,7 +508,7 @@ void TestScenarioDocument::neverAHalfFile()
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden).size(), 2);
 }
 
-void TestScenarioDocument::loadAndDrop()
+void TestScenarioDataXmlRobustness::loadAndDrop()
 {
     UnresolvedSignalPackageProvider provider;
     ScenarioDataXml reused(&provider);
@@ -526,7 +527,7 @@ void TestScenarioDocument::loadAndDrop()
     }
 }
 
-void TestScenarioDocument::keptEmitter()
+void TestScenarioDataXmlRobustness::keptEmitter()
 {
     auto document = std::make_unique<ScenarioDataXml>(nullptr);
     QVERIFY(document->fromXml(s_circles));
@@ -543,7 +544,7 @@ void TestScenarioDocument::keptEmitter()
     QCOMPARE(watch.alive(), 0);
 }
 
-void TestScenarioDocument::keptSet()
+void TestScenarioDataXmlRobustness::keptSet()
 {
     auto document = std::make_unique<ScenarioDataXml>(nullptr);
     QVERIFY(document->fromXml(s_circles));
@@ -570,7 +571,7 @@ void TestScenarioDocument::keptSet()
     QCOMPARE(watch.alive(), 0);
 }
 
-void TestScenarioDocument::keptSchedule()
+void TestScenarioDataXmlRobustness::keptSchedule()
 {
     auto document = std::make_unique<ScenarioDataXml>(nullptr);
     QVERIFY(document->fromXml(s_circles));
@@ -593,7 +594,7 @@ void TestScenarioDocument::keptSchedule()
     QCOMPARE(watch.alive(), 2);
 }
 
-void TestScenarioDocument::sharedObjects()
+void TestScenarioDataXmlRobustness::sharedObjects()
 {
     auto first = std::make_unique<ScenarioDataXml>(nullptr);
     ScenarioDataXml second(nullptr);
@@ -608,7 +609,7 @@ void TestScenarioDocument::sharedObjects()
     QCOMPARE(watch.alive(), 0);
 }
 
-void TestScenarioDocument::replacedObjects()
+void TestScenarioDataXmlRobustness::replacedObjects()
 {
     ScenarioDataXml document(nullptr);
     QVERIFY(document.fromXml(s_circles));
@@ -622,7 +623,7 @@ void TestScenarioDocument::replacedObjects()
 }
 
 /// Objects that no set of a document holds are taken apart as well.
-void TestScenarioDocument::outsideDocuments()
+void TestScenarioDataXmlRobustness::outsideDocuments()
 {
     QSet<ObjectPtr> objects = ScenarioDataXml::objectsForXml(QString::fromUtf8(s_circles), nullptr);
     ScenarioDataXml document(nullptr);
@@ -640,7 +641,7 @@ void TestScenarioDocument::outsideDocuments()
 }
 
 /// Objects of one id and one name are written in one order all the same.
-void TestScenarioDocument::equalNames()
+void TestScenarioDataXmlRobustness::equalNames()
 {
     QByteArray xml = "<Scenario Uid='u'>";
     for (const char* szColor : {"#000003", "#000001", "#000004", "#000002"}) {
@@ -656,7 +657,7 @@ void TestScenarioDocument::equalNames()
     }
 }
 
-void TestScenarioDocument::tooManyObjects()
+void TestScenarioDataXmlRobustness::tooManyObjects()
 {
     Limits::setValue(Limits::ScenarioObjects, 3);
     ScenarioDataXml document(nullptr);
@@ -676,7 +677,7 @@ void TestScenarioDocument::tooManyObjects()
 
 /// Followers carry the path that they follow: a small document may save as a
 /// large one, which must not take the place of the small one.
-void TestScenarioDocument::tooLargeToSave()
+void TestScenarioDataXmlRobustness::tooLargeToSave()
 {
     QByteArray xml = "<Scenario><Emitter ID='path'><Position><Movement>" +
                      repeated("<Position Major='true'/>", 200) + "</Movement></Position></Emitter>";
@@ -709,7 +710,7 @@ void TestScenarioDocument::tooLargeToSave()
     QCOMPARE(document.errorString(), QStringLiteral("there is no device"));
 }
 
-void TestScenarioDocument::sharedIds_data()
+void TestScenarioDataXmlRobustness::sharedIds_data()
 {
     QTest::addColumn<QString>("objects"); // a kind and an id each
     QTest::addColumn<QString>("expected");
@@ -731,7 +732,7 @@ void TestScenarioDocument::sharedIds_data()
 
 /// Objects that share an id are written, and one of them is read: whoever saves
 /// them learns it.
-void TestScenarioDocument::sharedIds()
+void TestScenarioDataXmlRobustness::sharedIds()
 {
     QFETCH(QString, objects);
     QFETCH(QString, expected);
@@ -772,7 +773,7 @@ void TestScenarioDocument::sharedIds()
 
 /// Nothing refers to a network by its id: neither another network nor an emitter
 /// of that id gets into its way.
-void TestScenarioDocument::networksOfOneId()
+void TestScenarioDataXmlRobustness::networksOfOneId()
 {
     const QByteArray xml = "<Scenario Uid='u'><Emitter ID='a' Name='E'/><Emitter ID='b'/>"
                            "<Network ID='a' Name='1'><Emitter>b</Emitter></Network>"
@@ -796,7 +797,7 @@ void TestScenarioDocument::networksOfOneId()
 
 /// What comes again replaces what was there: adding it every time would cost
 /// the square of the repetitions.
-void TestScenarioDocument::scheduleAgain()
+void TestScenarioDataXmlRobustness::scheduleAgain()
 {
     ScenarioDataXml document(nullptr);
     QVERIFY(document.fromXml(
@@ -815,7 +816,7 @@ void TestScenarioDocument::scheduleAgain()
 
 /// An entity that a document type elsewhere may define has no text here, but
 /// costs nothing of what follows.
-void TestScenarioDocument::foreignEntity()
+void TestScenarioDataXmlRobustness::foreignEntity()
 {
     ScenarioDataXml document(nullptr);
     QVERIFY(document.fromXml("<!DOCTYPE Scenario SYSTEM 'x.dtd'><Scenario><Emitter ID='a'><Description>x&e;y"
@@ -825,6 +826,6 @@ void TestScenarioDocument::foreignEntity()
     QCOMPARE(document.scenarioObjects().size(), 2);
 }
 
-QTEST_GUILESS_MAIN(TestScenarioDocument)
+QTEST_GUILESS_MAIN(TestScenarioDataXmlRobustness)
 
-#include "tst_scenariodocument.moc"
+#include "tst_scenariodataxml_robustness.moc"
