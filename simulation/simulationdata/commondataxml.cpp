@@ -1,5 +1,6 @@
 #include "commondataxml.h"
 
+#include "commondataxml_names_p.h"
 #include "commondataxml_p.h"
 #include "simulationdata/io/trace_p.h"
 #include "simulationdata/positionsettingsfixed.h"
@@ -17,19 +18,6 @@ namespace Simulation {
 namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/commondataxml";
-
-const QString s_sFixed = QStringLiteral("Fixed");
-const QString s_sMovement = QStringLiteral("Movement");
-const QString s_sEndBehavior = QStringLiteral("EndBehavior"); // the spelling is part of the format
-const QString s_sLon = QStringLiteral("Lon");
-const QString s_sLat = QStringLiteral("Lat");
-const QString s_sPosition = QStringLiteral("Position");
-const QString s_sDwellTime = QStringLiteral("DWellTime"); // the spelling is part of the format
-const QString s_sTransitionTime = QStringLiteral("TransitionTime");
-const QString s_sMajor = QStringLiteral("Major");
-const QString s_sSpeed = QStringLiteral("Speed");
-const QString s_sName = QStringLiteral("Name");
-const QString s_sMovementsXml = QStringLiteral("MovementsXml");
 
 /// Where a movement begins before its points are read; the second default
 /// point lies this many degrees away.

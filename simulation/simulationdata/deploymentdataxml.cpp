@@ -1,5 +1,6 @@
 #include "deploymentdataxml.h"
 
+#include "commondataxml_names_p.h"
 #include "commondataxml_p.h"
 #include "deploymentgraph_p.h"
 #include "simulationdata/deploymentdevice.h"
@@ -18,14 +19,6 @@
 namespace Simulation {
 
 namespace {
-
-const QString s_sFileFormatVersion = QStringLiteral("FileFormatVersion");
-const QString s_sName = QStringLiteral("Name");
-const QString s_sAuthor = QStringLiteral("Author");
-const QString s_sPersistantId = QStringLiteral("PersistantId"); // the spelling is part of the format
-const QString s_sDescription = QStringLiteral("Description");
-const QString s_sDevice = QStringLiteral("Device");
-const QString s_sStation = QStringLiteral("Station");
 
 const DocumentKind s_kind("simulation/simulationdata/deploymentdataxml", QStringLiteral("Deployment"),
                           QStringLiteral("SimulationDeployment"));

@@ -1,5 +1,6 @@
 #include "deploymentdataxml.h"
 
+#include "commondataxml_names_p.h"
 #include "commondataxml_p.h"
 #include "simulationdata/commondataxml.h"
 #include "simulationdata/deploymentdevice.h"
@@ -16,17 +17,6 @@
 namespace Simulation {
 
 namespace {
-
-const QString s_sDevice = QStringLiteral("Device");
-const QString s_sStation = QStringLiteral("Station");
-const QString s_sId = QStringLiteral("ID");
-const QString s_sName = QStringLiteral("Name");
-const QString s_sIconId = QStringLiteral("IconId");
-const QString s_sReceiverSettings = QStringLiteral("ReceiverSettings");
-const QString s_sPosition = QStringLiteral("Position");
-// Of documents before version 1.
-const QString s_sLongitude = QStringLiteral("Longitude");
-const QString s_sLatitude = QStringLiteral("Latitude");
 
 /// The texts of a device, behind its icon.
 const std::array<XmlField<DeploymentDevice>, 3> s_deviceTexts{{

@@ -1,5 +1,6 @@
 #include "scenariodataxml.h"
 
+#include "commondataxml_names_p.h"
 #include "commondataxml_p.h"
 #include "scenariodataxml_p.h"
 #include "scenariodataxml_references_p.h"
@@ -26,16 +27,6 @@ namespace Simulation {
 namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/scenariodataxml";
-
-const QString s_sScenarioObjects = QStringLiteral("ScenarioObjects");
-const QString s_sFileFormatVersion = QStringLiteral("FileFormatVersion");
-const QString s_sName = QStringLiteral("Name");
-const QString s_sAuthor = QStringLiteral("Author");
-const QString s_sUid = QStringLiteral("Uid");
-const QString s_sDuration = QStringLiteral("Duration");
-const QString s_sDescription = QStringLiteral("Description");
-const QString s_sStar = QStringLiteral("Star");
-const QString s_sHierarchical = QStringLiteral("Hierarchical");
 
 const DocumentKind s_kind(s_szSource, QStringLiteral("Scenario"), QStringLiteral("Scenario"));
 

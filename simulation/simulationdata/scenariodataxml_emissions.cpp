@@ -1,5 +1,6 @@
 #include "scenariodataxml_p.h"
 
+#include "commondataxml_names_p.h"
 #include "scenariodataxml_groups_p.h"
 #include "scenariodataxml_references_p.h"
 #include "simulationdata/commondataxml.h"
@@ -14,23 +15,6 @@
 namespace Simulation {
 
 namespace {
-
-const QString s_sEmissionSettings = QStringLiteral("EmissionSettings");
-const QString s_sBroadcast = QStringLiteral("Broadcast");
-const QString s_sDuration = QStringLiteral("Duration");
-const QString s_sEmission = QStringLiteral("Emission");
-const QString s_sId = QStringLiteral("ID");
-const QString s_sStartTime = QStringLiteral("StartTime");
-const QString s_sEmitter = QStringLiteral("Emitter");
-const QString s_sSignalPackage = QStringLiteral("SignalPackage");
-const QString s_sGroups = QStringLiteral("Groups");
-// Of documents before version 4; both misspellings occur in them.
-const QString s_sContionus = QStringLiteral("Contionus");
-const QString s_sContious = QStringLiteral("Contious");
-const QString s_sManual = QStringLiteral("Manual");
-const QString s_sActivity = QStringLiteral("Activity");
-const QString s_sInactiveDuration = QStringLiteral("InactiveDuration");
-const QString s_sActiveDuration = QStringLiteral("ActiveDuration");
 
 using EmissionPtr = boost::shared_ptr<EmissionSettings::Emission>;
 

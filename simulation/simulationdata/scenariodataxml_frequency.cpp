@@ -1,5 +1,6 @@
 #include "scenariodataxml_p.h"
 
+#include "commondataxml_names_p.h"
 #include "simulationdata/commondataxml.h"
 #include "simulationdata/frequencysettings_chirp.h"
 #include "simulationdata/frequencysettings_fasthopper.h"
@@ -13,14 +14,6 @@
 namespace Simulation {
 
 namespace {
-
-const QString s_sFrequency = QStringLiteral("Frequency");
-const QString s_sFixed = QStringLiteral("Fixed");
-const QString s_sChirp = QStringLiteral("Chirp");
-const QString s_sFastHopper = QStringLiteral("FastHopper");
-const QString s_sSlowHopper = QStringLiteral("SlowHopper");
-const QString s_sEndBehavior = QStringLiteral("EndBehavior"); // the spelling is part of the format
-const QString s_sDuration = QStringLiteral("Duration");
 
 using Fixed = FrequencySettingsFixed;
 using Chirp = FrequencySettings_Chirp;

@@ -1,5 +1,6 @@
 #include "scenariodataxml_groups_p.h"
 
+#include "commondataxml_names_p.h"
 #include "simulationdata/io/trace_p.h"
 #include "simulationdata/xml/xmltext_p.h"
 #include "simulationdata/xml/xmlwalk_p.h"
@@ -14,13 +15,6 @@ namespace Simulation {
 namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/scenariodataxml_groups";
-
-const QString s_sGroups = QStringLiteral("Groups");
-const QString s_sGroup = QStringLiteral("Group");
-const QString s_sId = QStringLiteral("ID");
-const QString s_sName = QStringLiteral("Name");
-const QString s_sEmissionId = QStringLiteral("EmissionId");
-const QString s_sGroupId = QStringLiteral("GroupId");
 
 } // namespace
 

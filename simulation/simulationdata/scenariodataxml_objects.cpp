@@ -1,5 +1,6 @@
 #include "scenariodataxml.h"
 
+#include "commondataxml_names_p.h"
 #include "scenariodataxml_p.h"
 #include "scenariodataxml_references_p.h"
 #include "simulationdata/commondataxml.h"
@@ -19,29 +20,6 @@
 namespace Simulation {
 
 namespace {
-
-const QString s_sEmitter = QStringLiteral("Emitter");
-const QString s_sElintEmitter = QStringLiteral("ElintEmitter");
-const QString s_sNetwork = QStringLiteral("Network");
-const QString s_sId = QStringLiteral("ID");
-const QString s_sName = QStringLiteral("Name");
-const QString s_sActive = QStringLiteral("Active");
-const QString s_sDefault = QStringLiteral("Default");
-const QString s_sLinkTarget = QStringLiteral("LinkTarget");
-const QString s_sDescription = QStringLiteral("Description");
-const QString s_sClass = QStringLiteral("Class");
-const QString s_sTransmitter = QStringLiteral("Transmitter");
-const QString s_sFrequency = QStringLiteral("Frequency");
-const QString s_sEmissionSettings = QStringLiteral("EmissionSettings");
-const QString s_sPosition = QStringLiteral("Position");
-const QString s_sEdwFile = QStringLiteral("EDWFile");
-const QString s_sColor = QStringLiteral("Color");
-const QString s_sNetworkType = QStringLiteral("NetworkType");
-const QString s_sHead = QStringLiteral("Head");
-// Of documents before version 4.
-const QString s_sSignalPackage = QStringLiteral("SignalPackage");
-const QString s_sTiming = QStringLiteral("Timing");
-const QString s_sActivity = QStringLiteral("Activity");
 
 /// What one emitter or network element needs while its children are read.
 struct ElementReading

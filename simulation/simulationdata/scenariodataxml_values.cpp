@@ -1,5 +1,6 @@
 #include "scenariodataxml_p.h"
 
+#include "commondataxml_names_p.h"
 #include "simulationdata/io/numbers_p.h"
 #include "simulationdata/scenarionoisesettings.h"
 #include "simulationdata/transmittersettings.h"
@@ -8,12 +9,6 @@
 namespace Simulation {
 
 namespace {
-
-const QString s_sTransmitter = QStringLiteral("Transmitter");
-const QString s_sPower = QStringLiteral("Power");
-const QString s_sAntenna = QStringLiteral("Antenna");
-const QString s_sType = QStringLiteral("Type");
-const QString s_sNoiseSettings = QStringLiteral("NoiseSettings");
 
 float readFloat(QStringView a_sText)
 {
