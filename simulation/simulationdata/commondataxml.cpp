@@ -19,8 +19,8 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/commondataxml";
 
-/// Where a movement begins before its points are read; the second default
-/// point lies this many degrees away.
+/// The distance (degrees) between the two points that a movement has before its points
+/// are read.
 constexpr double s_dDefaultOffset = 0.01;
 
 void traceBreakOff(const XmlDocumentReader& a_document)

@@ -20,18 +20,18 @@ class IPositionSettings;
 /// The XML fragments that scenario and deployment documents share: positions,
 /// movements and truth values. Static operations only.
 ///
-/// A reading operation is called with the reader on the start of the element
-/// that encloses the fragment and leaves it on that element's end; children
-/// that it does not know are skipped. Missing or unreadable numbers are 0.
+/// A reading operation begins with the reader on the start of the element that
+/// encloses the fragment and ends with the reader on that element's end. Unknown
+/// children are skipped. Missing or unreadable numbers are 0.
 class SIMULATIONDATA_EXPORT CommonDataXml
 {
 public:
     CommonDataXml() = delete;
 
-    /// The last "Fixed" or "Movement" among the children as new settings, owned
-    /// by the caller; null when there is none.
+    /// Returns the last "Fixed" or "Movement" among the children as new settings that
+    /// the caller owns; null if there is none.
     [[nodiscard]] static IPositionSettings* readPositionSettings(QXmlStreamReader& a_reader);
-    /// Writes "Fixed" or "Movement"; nothing for null.
+    /// Writes "Fixed" or "Movement". Null writes nothing.
     static void writePositionSettings(IPositionSettings* a_pSettings, QXmlStreamWriter& a_writer);
 
     /// "Lon" and "Lat" in any order, degrees; a missing one is 0.
@@ -39,18 +39,18 @@ public:
     /// "Lon", then "Lat", with 14 significant digits.
     static void writeCoordinate(const TPos& a_position, QXmlStreamWriter& a_writer);
 
-    /// The "Position" children. Speed and name are read of major points only.
+    /// Reads the "Position" children. Speed and name are read for major points only.
     [[nodiscard]] static QVector<MovementPoint> readMovements(QXmlStreamReader& a_reader);
     static void writeMovements(const QVector<MovementPoint>& a_movements, QXmlStreamWriter& a_writer);
 
-    /// The points as a document of their own, root "MovementsXml", and back. A
-    /// text that is no such document gives the points up to its fault.
+    /// The points as a separate document, root "MovementsXml", and back. From a text
+    /// that is not such a document, the points before the error are returned.
     [[nodiscard]] static QString xmlForMovements(const QVector<MovementPoint>& a_movements);
     [[nodiscard]] static QVector<MovementPoint> movementsForXml(const QString& a_sXml);
 
-    /// "STOP", "RESTART" or "INACTIVE"; any other value gives "RESTART".
+    /// "STOP", "RESTART" or "INACTIVE"; "RESTART" for any other value.
     [[nodiscard]] static QString endBehaviorToString(EndBehaviourType a_eBehaviour);
-    /// The value of such a text, case-sensitive; any other text gives Stop.
+    /// The value for such a text, case-sensitive; Stop for any other text.
     [[nodiscard]] static EndBehaviourType stringToEndBehavior(QStringView a_sText);
 
     /// Whether the text contains "true" in any letter case.

@@ -34,7 +34,7 @@ QString SharedIds::text(const char* a_szNoun) const
     if (ids.isEmpty()) {
         return {};
     }
-    ids.sort(); // the order of a hash changes from run to run
+    ids.sort(); // a hash has another order in every run
     QStringList parts;
     for (const QString& sId : ids.first(qMin(ids.size(), s_iNamedIds))) {
         parts.append(QStringLiteral("%1 %2 have the id \"%3\"")

@@ -10,28 +10,27 @@ class QXmlStreamReader;
 
 namespace Simulation {
 
-/// Two child elements in any order, degrees; a missing or unreadable one is 0.
-/// Called and left as the operations of CommonDataXml, which share it with
-/// documents that call the elements otherwise.
+/// Reads a coordinate (degrees) from two child elements of the given names, in any order;
+/// a missing or unreadable one is 0. The reader is positioned as for the operations of
+/// CommonDataXml.
 [[nodiscard]] TPos readCoordinate(QXmlStreamReader& a_reader, const QString& a_sLongitude,
                                   const QString& a_sLatitude);
 
-/// A new identity for a document: its name, the time in whole seconds since
-/// 1970-01-01 UTC and the machine's id, joined by "-". The name is cleaned, so
-/// that the document is read back with the id that its writer keeps.
+/// A new persistent id for a document: its name, the time in whole seconds since
+/// 1970-01-01 UTC and the machine's id, joined by "-". Characters that XML forbids are
+/// removed from the name, so that the id is read back as it was written.
 [[nodiscard]] QString createPersistentId(const QString& a_sName);
 
-/// Counts objects by their ids, to report the ids that several of them have. A
-/// document names its objects by their ids, so its reader gets one object for
-/// each id.
+/// Counts objects by their ids, to report ids that several objects share. A document
+/// identifies objects by their ids, so its reader gets only one object for each id.
 class SharedIds
 {
 public:
     void add(const QString& a_sId) { ++m_counts[a_sId]; }
 
-    /// Which ids are shared, by how many, and what to do about it: at most three
-    /// ids are named, shortened where they are long. Empty when none is shared.
-    /// `a_szNoun` names the objects ("emitters").
+    /// An error text that names up to three shared ids, shortened if they are long, how
+    /// many objects share each, and what to do. Empty if no id is shared. `a_szNoun`
+    /// names the objects ("emitters").
     [[nodiscard]] QString text(const char* a_szNoun) const;
 
 private:

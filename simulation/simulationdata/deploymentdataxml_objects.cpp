@@ -18,11 +18,11 @@ namespace Simulation {
 
 namespace {
 
-/// The texts of a device, behind its icon.
+/// The texts of a device that follow its icon.
 const std::array<XmlField<DeploymentDevice>, 3> s_deviceTexts{{
     {QStringLiteral("Machine"), [](const DeploymentDevice& a_device) { return a_device.machine(); },
      [](DeploymentDevice& a_device, QStringView a_sText) { a_device.setMachine(a_sText.toString()); }},
-    // Told to others, but only the device itself knows it: not read back.
+    // Written for other programs. Only the device itself sets it, so it is not read.
     {QStringLiteral("ConfiguredStationID"),
      [](const DeploymentDevice& a_device) { return a_device.configuredStationId(); },
      [](DeploymentDevice& /*a_device*/, QStringView /*a_sText*/) {}},
@@ -43,14 +43,14 @@ const std::array<XmlField<ReceiverSettings>, 2> s_receiverNumbers{{
 
 void writePosition(QXmlStreamWriter& a_writer, IPositionSettings* a_pSettings)
 {
-    // Empty without settings: an object that is read without the element stands
-    // at (0, 0).
+    // Empty without settings: an object whose element is empty or missing is read at
+    // (0, 0).
     a_writer.writeStartElement(s_sPosition);
     CommonDataXml::writePositionSettings(a_pSettings, a_writer);
     a_writer.writeEndElement();
 }
 
-/// What devices and stations begin with.
+/// Writes the children that devices and stations have in common.
 void writeObjectStart(QXmlStreamWriter& a_writer, const QString& a_sElement, const DeploymentObject& a_object)
 {
     a_writer.writeStartElement(a_sElement);
@@ -61,8 +61,8 @@ void writeObjectStart(QXmlStreamWriter& a_writer, const QString& a_sElement, con
 
 } // namespace
 
-/// The object of an id, created when there is none yet; null, and the document
-/// breaks off, when the deployment is full.
+/// The object of an id, created if there is none. If the deployment is full, returns null
+/// and raises an error in the reader, which ends the reading.
 template<typename Object>
 std::shared_ptr<Object> DeploymentDataXml::objectForId(QXmlStreamReader& a_reader,
                                                        QMap<QString, std::shared_ptr<Object>>& a_objects,
@@ -95,7 +95,7 @@ bool DeploymentDataXml::readObjectChild(QXmlStreamReader& a_reader, QStringView 
         }
     } else {
         std::unique_ptr<IPositionSettings> settings(CommonDataXml::readPositionSettings(a_reader));
-        // Half a position is another position.
+        // After an error the position may be incomplete, and therefore wrong.
         if (!a_reader.hasError()) {
             a_object.setPositionSettings(settings.release());
         }
@@ -141,8 +141,8 @@ bool DeploymentDataXml::readDeviceChild(QXmlStreamReader& a_reader, QStringView 
     return true;
 }
 
-/// The station may have its own element later, which fills the same object. A
-/// device that names several ends at the last.
+/// The station may have its own element later in the document, which fills the same
+/// object. A device that names several stations gets the last one.
 void DeploymentDataXml::readDeviceStation(QXmlStreamReader& a_reader,
                                           const std::shared_ptr<DeploymentDevice>& a_device)
 {
@@ -198,8 +198,8 @@ void DeploymentDataXml::readStation(QXmlStreamReader& a_reader)
         return;
     }
     ++m_stationElements[sId];
-    // A station's name is its id, which an element without a name keeps. The
-    // document finds it by the "ID" all the same.
+    // A station's name is its id: the attribute "Name" changes the id, but the document
+    // still holds the station under the attribute "ID".
     if (const auto sName = attributes.value(s_sName); !sName.isEmpty()) {
         station->setName(sName.toString());
     }

@@ -8,10 +8,10 @@ namespace Simulation {
 
 class DeploymentStation;
 
-/// A receiver of a deployment. It stands at a station, whose position then is
-/// its own, or by itself. Membership is kept on both sides by whoever makes it:
-/// the device's station and the station's devices are set apart, and both hold
-/// the other. A new device stands by itself at (0, 0).
+/// A receiver of a deployment. Either it belongs to a station and has the station's
+/// position, or it has a position of its own. The caller sets both sides of the
+/// membership: the station of the device, and the device among the station's devices.
+/// The two hold each other. A new device has no station and is at (0, 0).
 class SIMULATIONDATA_EXPORT DeploymentDevice : public DeploymentObject
 {
 public:
@@ -34,7 +34,7 @@ public:
     void copy(std::shared_ptr<DeploymentObject> a_source) override;
     [[nodiscard]] std::shared_ptr<DeploymentObject> clone() override;
 
-    /// Null when the device stands by itself.
+    /// Null if the device belongs to no station.
     [[nodiscard]] std::shared_ptr<DeploymentStation> station() const { return m_station; }
     void setStation(std::shared_ptr<DeploymentStation> a_station);
     [[nodiscard]] bool hasStation() const { return m_station != nullptr; }
@@ -46,8 +46,8 @@ public:
     void setDeviceType(const QString& a_sType) { m_sDeviceType = a_sType; }
     [[nodiscard]] State state() const { return m_eState; }
     void setState(State a_eState) { m_eState = a_eState; }
-    /// The station's id in the device's own configuration, whatever station()
-    /// says.
+    /// The station's id in the device's own configuration. It may differ from the id
+    /// of station().
     [[nodiscard]] QString configuredStationId() const { return m_sConfiguredStationId; }
     void setConfiguredStationId(const QString& a_sId) { m_sConfiguredStationId = a_sId; }
     [[nodiscard]] const ReceiverSettings& receiverSettings() const { return m_receiverSettings; }

@@ -12,13 +12,13 @@ namespace Simulation {
 
 class IPositionSettings;
 
-/// What a deployment is made of: receiving stations and the devices at them or
-/// on their own. Carries identity, name, icon and position.
+/// A receiving station, or a device at a station or on its own. Has an id, a name, an
+/// icon and a position.
 ///
-/// Objects live in std::shared_ptr and are used from one thread. A station and
-/// its devices hold each other; a deployment document takes that circle apart
-/// when it is the last to hold them. Objects that live outside any document, or
-/// are kept longer than theirs, end with DeploymentDataXml::releaseObjects().
+/// Objects live in std::shared_ptr and are used from one thread. A station and its
+/// devices hold each other. The last deployment document that holds them breaks this
+/// circle; objects outside a document are freed by
+/// DeploymentDataXml::releaseObjects().
 /// The order of the virtual operations is part of the interface.
 class SIMULATIONDATA_EXPORT DeploymentObject : public std::enable_shared_from_this<DeploymentObject>
 {
@@ -33,45 +33,45 @@ public:
     [[nodiscard]] virtual QString name() const { return m_sName; }
     virtual void setName(const QString& a_sName) { m_sName = a_sName; }
 
-    /// Where the object is, owned by it or by what it stands at; null when it
-    /// was set so.
+    /// The settings that give the position: the object's own, or its station's. Null
+    /// if null was set.
     [[nodiscard]] virtual IPositionSettings* positionSettings() const { return m_pPositionSettings.get(); }
 
-    /// Takes over id, name, icon and a clone of the source's own position, and
-    /// from a source of the same class all the rest; stations and devices that
-    /// the source refers to are shared with it, they do not learn of the copy.
-    /// Null and the object itself change nothing.
+    /// Copies id, name, icon and a clone of the source's own position settings, and all
+    /// other fields from a source of the same class. Stations and devices that the
+    /// source refers to are shared; they do not refer to the copy. A source that is
+    /// null or the object itself changes nothing.
     virtual void copy(std::shared_ptr<DeploymentObject> a_source);
 
-    /// A new object of the same class, with all that copy() takes over.
+    /// A new object of the same class, with everything that copy() copies.
     [[nodiscard]] virtual std::shared_ptr<DeploymentObject> clone() = 0;
 
     [[nodiscard]] QString id() const { return m_sId; }
-    /// Documents that hold the object find it by the id that it had when they
-    /// got it: set it before.
+    /// Set the id before the object is put into a document: the document finds the
+    /// object by the id that it had then.
     void setId(const QString& a_sId) { m_sId = a_sId; }
 
-    /// Which icon the applications show.
+    /// The icon that applications show.
     [[nodiscard]] QString iconId() const { return m_sIconId; }
     void setIconId(const QString& a_sIconId) { m_sIconId = a_sIconId; }
 
-    /// Answers of positionSettings(), at a scenario time (ms) where one is
-    /// given. Without settings the position is (0, 0), the heading 0 degrees
-    /// and the speed 0 km/h.
+    /// Values from positionSettings(), at a scenario time (ms) where one is given.
+    /// Without settings the position is (0, 0), the heading 0 degrees and the speed
+    /// 0 km/h.
     [[nodiscard]] TPos position();
     [[nodiscard]] TPos positionAt(unsigned int a_uiTime);
     [[nodiscard]] double headingAt(unsigned int a_uiTime) const;
     [[nodiscard]] double speedAt(unsigned int a_uiTime) const;
 
-    /// Moves the object's own position, whole path included, never that of what
-    /// it stands at. Without one the object gets a fixed site.
+    /// Moves the object's own position, with its whole path; never the station's.
+    /// Without position settings the object gets a fixed position.
     void setPosition(TPos a_position);
-    /// Takes ownership of the object's own position and deletes the former one,
-    /// unless they are the same. Null leaves none.
+    /// Takes ownership of the object's own position settings and deletes the former
+    /// ones, unless they are the same. Null removes them.
     void setPositionSettings(IPositionSettings* a_pSettings);
 
 protected:
-    /// On a fixed site at (0, 0), without name and icon.
+    /// At the fixed position (0, 0), without name and icon.
     DeploymentObject();
     explicit DeploymentObject(const QString& a_sId);
 

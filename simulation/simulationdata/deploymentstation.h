@@ -9,9 +9,9 @@ namespace Simulation {
 
 class DeploymentDevice;
 
-/// A receiving station of a deployment: a site or a moving platform, and the
-/// devices at it. A station has no name apart from its id, on purpose. A new
-/// station is at (0, 0), without devices.
+/// A receiving station of a deployment: a fixed site or a moving platform, and its
+/// devices. The name of a station is its id: both are one field. A new station is at
+/// (0, 0), without devices.
 class SIMULATIONDATA_EXPORT DeploymentStation : public DeploymentObject
 {
 public:
@@ -30,8 +30,8 @@ public:
     [[nodiscard]] std::shared_ptr<DeploymentObject> clone() override;
 
     [[nodiscard]] QSet<std::shared_ptr<DeploymentDevice>> devices() const { return m_devices; }
-    /// Whether the set changed; null is never a member. The device's station is
-    /// set by the caller.
+    /// Return whether the set changed; null is never added. The caller sets the
+    /// device's station.
     bool addDevice(std::shared_ptr<DeploymentDevice> a_device);
     bool removeDevice(std::shared_ptr<DeploymentDevice> a_device);
 

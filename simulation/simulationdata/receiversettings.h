@@ -3,9 +3,10 @@
 
 namespace Simulation {
 
-/// How a device receives. Nothing here computes with it, so the units are those
-/// on which the programs that fill and use it agree, and every value is taken. A
-/// document keeps 6 significant digits, and 0 for what is not finite.
+/// The receiver of a device. The library only stores these values: their units are
+/// those on which the writing and the reading programs agree, and every value is
+/// accepted. A document keeps 6 significant digits, and 0 for a value that is not
+/// finite.
 struct ReceiverSettings
 {
     double antennaHeight = 7.0; ///< of the antenna above its site

@@ -100,7 +100,8 @@ void writeEmissionSettings(QXmlStreamWriter& a_writer, const EmissionSettings& a
 
 namespace {
 
-/// Emissions one after another, each after a pause; the period is the sum.
+/// Adds emissions one after another, each after a pause. The period becomes the sum of all
+/// pauses and emissions.
 QList<EmissionPtr> readManual(QXmlStreamReader& a_reader, EmissionSettings& a_settings,
                               const std::shared_ptr<SzenarioEmitter>& a_emitter,
                               const std::shared_ptr<SignalPackage>& a_package,
@@ -108,7 +109,7 @@ QList<EmissionPtr> readManual(QXmlStreamReader& a_reader, EmissionSettings& a_se
 {
     QList<EmissionPtr> emissions;
     EmissionGroupsReader groups;
-    std::int64_t iTime = 0; // at most 2^33 for every element of a document
+    std::int64_t iTime = 0; // each element adds at most 2^33
     forEachChild(a_reader, [&](QStringView a_sName) {
         if (a_sName == s_sGroups) {
             groups.readGroups(a_reader);
@@ -140,7 +141,7 @@ QList<EmissionPtr> readManual(QXmlStreamReader& a_reader, EmissionSettings& a_se
     return emissions;
 }
 
-/// The forms of an older timing; gives the emissions that it made.
+/// Reads the forms of an older timing and returns the emissions made from them.
 QList<EmissionPtr> readOlderTiming(QXmlStreamReader& a_reader, EmissionSettings& a_settings,
                                    const std::shared_ptr<SzenarioEmitter>& a_emitter,
                                    const std::shared_ptr<SignalPackage>& a_package,

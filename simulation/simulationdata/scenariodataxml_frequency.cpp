@@ -22,7 +22,7 @@ using SlowHopper = FrequencySettings_SlowHopper;
 
 float readOffset(QStringView a_sText)
 {
-    // Beyond the range of a float lies nothing that an offset could mean.
+    // An offset beyond the range of a float has no meaning.
     const double dOffset = readDouble(a_sText);
     return std::isfinite(static_cast<float>(dOffset)) ? static_cast<float>(dOffset) : 0.0F;
 }
@@ -46,7 +46,7 @@ const XmlField<Chirp> s_chirpFields[] = {
      [](Chirp& a_record, QStringView a_sText) { a_record.setTimeslotOffset(readOffset(a_sText)); }},
 };
 
-// The spelling of the names with "Hopp" is part of the format.
+// The spelling "Hopp" is part of the format.
 const XmlField<FastHopper> s_fastHopperFields[] = {
     {QStringLiteral("MinimumFrequency"),
      [](const FastHopper& a_record) { return numberText(a_record.getMinimumFrequency()); },
@@ -114,7 +114,7 @@ std::unique_ptr<IFrequencySettings> readSlowHopper(QXmlStreamReader& a_reader)
         }
         return true;
     });
-    if (!steps.isEmpty()) { // else the step of a new hopper stays
+    if (!steps.isEmpty()) { // without steps, the step of a new hopper is kept
         settings->setFrequencySteps(steps);
     }
     return settings;

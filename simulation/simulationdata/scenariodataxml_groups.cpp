@@ -50,7 +50,7 @@ void EmissionGroupsReader::readGroup(QXmlStreamReader& a_reader)
 
 namespace {
 
-/// A group that was added twice is still one group.
+/// Each group once, even if it was added twice.
 QList<boost::shared_ptr<EmissionSettings::Group>>
 withoutDoubles(QList<boost::shared_ptr<EmissionSettings::Group>> a_groups)
 {
@@ -138,8 +138,8 @@ void EmissionGroupsReader::addMemberGroups()
     for (std::size_t i = m_groups.size(); i-- > 0;) {
         indices.insert(m_groups[i].group->id, i);
     }
-    // A depth-first walk over the references as the document gives them: one
-    // that leads back to a group on the way there would close a circle.
+    // Walks the references depth first, in the order of the document. A reference
+    // back to a group on the current path would close a circle.
     enum class State { Unseen, OnTheWay, Done };
     struct Step
     {

@@ -15,8 +15,8 @@ namespace Simulation {
 
 using EmissionNumbers = QHash<const EmissionSettings::Emission*, std::uint32_t>;
 
-/// The groups of one "Groups" element, whose members may stand later in the
-/// document than the references to them.
+/// Reads the groups of one "Groups" element. A group may name members that follow
+/// later in the document.
 class EmissionGroupsReader
 {
 public:
@@ -24,10 +24,10 @@ public:
     void readGroups(QXmlStreamReader& a_reader);
 
     /// Finds the members by their numbers among the emissions of the settings
-    /// and the groups read, and adds the groups to the settings. A reference
-    /// that would make a group hold itself, through whatever others, is refused
-    /// with a trace; unknown numbers are passed over; of equal numbers the
-    /// first counts.
+    /// and the groups read, and adds the groups to the settings. A reference by
+    /// which a group would contain itself, directly or through other groups, is
+    /// dropped with a trace. Unknown numbers are skipped. Of equal numbers the
+    /// first is used.
     void addTo(EmissionSettings& a_settings);
 
 private:
@@ -45,13 +45,13 @@ private:
     std::vector<RawGroup> m_groups;
 };
 
-/// Numbers that are unique and not 0: the record's own where it is, the next
-/// free one otherwise.
+/// Assigns numbers that are unique and not 0: the record's own number if it is
+/// free, otherwise the next free one.
 template<typename Record>
 [[nodiscard]] std::vector<std::uint32_t> uniqueNumbers(const QList<boost::shared_ptr<Record>>& a_records);
 
-/// Writes element "Groups". Members that are not among the settings' emissions
-/// and groups are left out.
+/// Writes element "Groups", without members that are not among the emissions and
+/// groups of the settings.
 void writeGroups(QXmlStreamWriter& a_writer, const EmissionSettings& a_settings,
                  const EmissionNumbers& a_emissionNumbers);
 

@@ -21,7 +21,7 @@ namespace Simulation {
 
 namespace {
 
-/// What one emitter or network element needs while its children are read.
+/// The state of reading one emitter or network element.
 struct ElementReading
 {
     QXmlStreamReader& reader;
@@ -40,7 +40,7 @@ bool readObjectChild(ElementReading& a_reading, QStringView a_sName, ScenarioObj
             a_object.setFrequencySettings(settings.release());
         }
     } else if (a_sName == s_sEmissionSettings) {
-        // A member's element holds the emitter's own schedule, not the network's.
+        // The element inside a member is the emitter's own schedule, not the network's.
         readEmissionSettings(a_reading.reader, *a_object.ScenarioObject::emissionSettings(),
                              a_reading.references);
     } else if (a_sName == s_sSignalPackage && a_reading.references.hasProvider()) {
@@ -136,7 +136,7 @@ void ScenarioDataXml::readScenarioEmitter(QXmlStreamReader& a_reader, EmitterTyp
     if (attributes.hasAttribute(s_sName)) {
         emitter->setName(attributes.value(s_sName).toString());
     }
-    // The mark counts, whatever its value.
+    // The attribute marks the emitter, whatever its value.
     if (attributes.hasAttribute(s_sDefault)) {
         m_defaultEmitters.append(emitter);
     }

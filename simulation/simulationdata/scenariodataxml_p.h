@@ -17,34 +17,34 @@ class SignalPackage;
 class SzenarioEmitter;
 class TransmitterSettings;
 
-/// The last known form among the children of the element on which the reader
-/// stands, as new settings owned by the caller; null when there is none.
+/// Reads the children of the current element. Returns the last known form among them
+/// as new settings that the caller owns; null if there is none.
 [[nodiscard]] IFrequencySettings* readFrequencySettings(QXmlStreamReader& a_reader);
 
-/// Writes element "Frequency" with the form of the settings' kind; nothing for
-/// null.
+/// Writes element "Frequency" with the form for the kind of the settings. Null writes
+/// nothing.
 void writeFrequencySettings(QXmlStreamWriter& a_writer, const IFrequencySettings* a_pSettings);
 
-/// Read the children of the element on which the reader stands, up to its end;
-/// what is missing stays as it is. The writers write the element itself.
+/// The readers read the children of the current element, up to its end; fields without
+/// an element stay unchanged. The writers write the element itself.
 void readTransmitterSettings(QXmlStreamReader& a_reader, TransmitterSettings& a_settings);
 void writeTransmitterSettings(QXmlStreamWriter& a_writer, const TransmitterSettings& a_settings);
 
 void readNoiseSettings(QXmlStreamReader& a_reader, ScenarioNoiseSettings& a_settings);
 void writeNoiseSettings(QXmlStreamWriter& a_writer, const ScenarioNoiseSettings& a_settings);
 
-/// Reads the element on which the reader stands, up to its end. The first such
-/// element of an object adds to its settings, a later one replaces them.
-/// Emitters that emissions name are set when the references are resolved.
+/// Reads the current element up to its end. The first such element of an object adds to
+/// its settings, a later one replaces them. The emitters of emissions are set when the
+/// references are resolved.
 void readEmissionSettings(QXmlStreamReader& a_reader, EmissionSettings& a_settings,
                           ScenarioReferences& a_references);
 
-/// Writes element "EmissionSettings". Emissions and groups are numbered so that
-/// every number is unique and not 0; those in the settings stay as they are.
+/// Writes element "EmissionSettings". Emissions and groups get unique numbers other
+/// than 0 in the document; the settings themselves do not change.
 void writeEmissionSettings(QXmlStreamWriter& a_writer, const EmissionSettings& a_settings);
 
-/// Read the timing of documents before version 4: of an emitter, and of a
-/// network, whose emissions get its head emitter once the members are known.
+/// Read the timing of documents before version 4, of an emitter and of a network. The
+/// emissions of a network get its head emitter once its members are known.
 void readTimingSettings2(QXmlStreamReader& a_reader, const std::shared_ptr<SzenarioEmitter>& a_emitter,
                          const std::shared_ptr<SignalPackage>& a_package, ScenarioReferences& a_references);
 void readActivitySettings2(QXmlStreamReader& a_reader, const std::shared_ptr<ScenarioNetwork>& a_network,

@@ -63,8 +63,8 @@ void ScenarioReferences::setEmitter(const Emission& a_emission, const QString& a
     if (a_sEmitterId.isEmpty()) {
         return;
     }
-    // An emitter that is there already has been defined by its element: only
-    // those that are not need to wait.
+    // An emitter that exists has been defined by its own element. Only references
+    // to emitters that do not exist yet must wait.
     const auto found = m_emitters.constFind(a_sEmitterId);
     if (found != m_emitters.constEnd()) {
         a_emission->emitter = *found;
@@ -98,7 +98,7 @@ bool ScenarioReferences::resolve()
         if (!target) {
             continue;
         }
-        // An id that is used twice may name two targets: the last one counts.
+        // Two elements of one id may name two targets: the last one is kept.
         if (const auto former = link.emitter->linkTargetEmitter()) {
             former->removeLinkedEmitter(link.emitter);
         }
@@ -109,7 +109,7 @@ bool ScenarioReferences::resolve()
         resolveMembers(membership);
     }
     for (const EmissionEmitter& reference : m_emissionEmitters) {
-        // A schedule that was replaced names nobody any more.
+        // The emissions of a replaced schedule are gone.
         if (reference.emission.use_count() > 1) {
             reference.emission->emitter = emitterForId(reference.emitterId, EmitterType::Emitter);
         }
@@ -122,9 +122,8 @@ bool ScenarioReferences::resolve()
 
 void ScenarioReferences::resolveMembers(const Membership& a_membership)
 {
-    // Every head goes to the front when it is read, so the last one ends up
-    // first. Putting them there one by one would cost the square of their
-    // number.
+    // Each head moves to the front when it is read, so the last head ends up first.
+    // All are moved at once: moving them one by one would cost O(n^2).
     QSet<QString> heads;
     const auto join = [&](const Member& a_member) {
         const auto emitter = emitterForId(a_member.emitterId, EmitterType::Emitter);

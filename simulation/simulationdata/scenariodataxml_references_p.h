@@ -19,38 +19,38 @@ class ScenarioNetwork;
 class SignalPackage;
 class SzenarioEmitter;
 
-/// The element kinds that describe an emitter.
+/// The kinds of elements that describe an emitter.
 enum class EmitterType {
     Emitter = 0,
     ElintEmitter = 1,
 };
 
-/// The references among the objects of a document while it is read. An element
-/// may name an emitter whose own element comes later, so references wait until
-/// all elements are read; then an id that no element defined gets a plain
-/// emitter. Every step costs O(1).
+/// Collects the references among the objects of a document while it is read. An
+/// element may name an emitter whose own element follows later, so references are
+/// resolved after all elements are read. An id that no element defines then gets a
+/// plain emitter. Every step costs O(1).
 class ScenarioReferences
 {
 public:
     using Emission = boost::shared_ptr<EmissionSettings::Emission>;
 
-    /// New objects are entered in `a_objects`. The provider may be null.
+    /// Adds new objects to `a_objects`. The provider may be null.
     ScenarioReferences(QSet<std::shared_ptr<ScenarioObject>>& a_objects, ISignalPackageProvider* a_pProvider);
 
-    /// The emitter of an id, created as the kind when there is none yet; null
-    /// when the scenario is full.
+    /// The emitter of an id. Creates one of the given kind if there is none; null if
+    /// the scenario is full.
     std::shared_ptr<SzenarioEmitter> emitterForId(const QString& a_sId, EmitterType a_eType);
 
-    /// Whether there is an emitter of that id: while elements are read, whether
-    /// one of them has defined it.
+    /// Whether an emitter of that id exists. While elements are read: whether an
+    /// element read so far has defined it.
     [[nodiscard]] bool hasEmitter(const QString& a_sId) const { return m_emitters.contains(a_sId); }
 
-    /// Whether packages can be resolved at all.
+    /// Whether there is a provider to resolve packages.
     [[nodiscard]] bool hasProvider() const { return m_pProvider != nullptr; }
-    /// The package that the provider gives for an id; null without a provider.
+    /// The package that the provider returns for an id; null without a provider.
     [[nodiscard]] std::shared_ptr<SignalPackage> packageForId(const QString& a_sId) const;
 
-    /// Notes what waits. Empty ids refer to nothing.
+    /// Record a reference until resolve(). An empty id is no reference.
     void link(const std::shared_ptr<SzenarioEmitter>& a_emitter, const QString& a_sTargetId);
     void setEmitter(const Emission& a_emission, const QString& a_sEmitterId);
     void addMember(const std::shared_ptr<ScenarioNetwork>& a_network, const QString& a_sEmitterId,
@@ -61,15 +61,15 @@ public:
     /// (Limits::ScenarioObjects).
     [[nodiscard]] bool isFull() const;
 
-    /// The element kinds that describe a schedule.
+    /// The kinds of elements that describe a schedule.
     enum class ScheduleForm { EmissionSettings, Manual };
 
-    /// Whether this is the first element of its kind for the schedule: it adds
-    /// to it, a later one replaces what is there.
+    /// Whether this is the first element of its kind for the schedule. The first
+    /// one adds to the schedule, a later one replaces its content.
     bool isFirst(ScheduleForm a_eForm, const EmissionSettings& a_settings);
 
-    /// Makes all references that wait. False when emitters that are only named
-    /// found no room in the scenario: what refers to them stays without.
+    /// Resolves all recorded references. False if the scenario is too full for the
+    /// emitters that are only named: references to those stay empty.
     bool resolve();
 
 private:
