@@ -14,8 +14,10 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/frequencysettings_chirp";
 
-/// The length of a piece in ms; 0 when the sweep or the resolution gives none:
-/// no sweep, no resolution, a negative one, or not a number.
+/// The length (ms) of a piece in which the frequency moves by about the resolution
+/// (Hz): ceil(resolution / slope) with slope = span / duration (Hz per ms). 0 when
+/// there are no such pieces: without sweep or resolution, or when one of the numbers
+/// is negative or NaN.
 std::uint32_t pieceLength(double a_dSpan, std::uint32_t a_uiDuration, double a_dResolution)
 {
     if (a_uiDuration == 0) {
@@ -29,7 +31,7 @@ std::uint32_t pieceLength(double a_dSpan, std::uint32_t a_uiDuration, double a_d
     if (!(dPiece >= 1.0)) {
         return 0;
     }
-    // A longer piece covers every window as well.
+    // A piece of 2^32 - 1 ms already covers every window.
     return toUInt32(std::min(dPiece, static_cast<double>(UINT32_MAX)));
 }
 
@@ -71,8 +73,10 @@ double FrequencySettings_Chirp::getFrequencyAt(unsigned int a_uiTime) const
     if (m_uiDuration == 0) {
         return m_dStartFrequency;
     }
-    // Single precision, and times before the shift wrap round: replays of a
-    // stored scenario depend on both.
+    // The sweep is a sawtooth over the time t (ms): phase = ((t - duration * offset)
+    // mod duration) / duration, frequency = start + phase * (stop - start). Shift and
+    // phase are in single precision, and times before the shift wrap round modulo
+    // 2^32: replays of a stored scenario depend on both.
     const float fShift = static_cast<float>(m_uiDuration) * m_fTimeslotOffset;
     const std::uint32_t uiShifted = toUInt32(static_cast<float>(a_uiTime) - fShift);
     const float fPhase = static_cast<float>(uiShifted % m_uiDuration) / static_cast<float>(m_uiDuration);
@@ -98,6 +102,8 @@ QList<HRActivity> FrequencySettings_Chirp::calculateHRActivities(unsigned int a_
     if (uiPiece == 0) {
         return {{a_uiStart, a_uiLength, getFrequencyAt(a_uiStart)}};
     }
+    // Pieces count from the window's start. A piece over the end of a sweep keeps the
+    // frequency at its beginning.
     ActivityAnswer answer(s_szSource);
     const std::uint64_t uiEnd = windowEnd(a_uiStart, a_uiLength);
     for (std::uint64_t uiTime = a_uiStart; uiTime < uiEnd; uiTime += uiPiece) {

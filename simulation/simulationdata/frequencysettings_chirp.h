@@ -5,12 +5,11 @@
 
 namespace Simulation {
 
-/// A linear sweep from the start to the stop frequency that begins again after
-/// its duration, for ever.
+/// A linear sweep from the start to the stop frequency that restarts after its
+/// duration, without end.
 ///
-/// The stop may lie below the start: a downward sweep. A new object sweeps from
-/// 24 to 26 MHz in one second, at an offset drawn from the thread's random
-/// sequence.
+/// The stop may lie below the start: a downward sweep. A new object sweeps from 24 to
+/// 26 MHz in one second, at an offset drawn from the thread's random sequence.
 class SIMULATIONDATA_EXPORT FrequencySettings_Chirp : public IFrequencySettings
 {
 public:
@@ -29,7 +28,7 @@ public:
     [[nodiscard]] double getStopFrequency() const { return m_dStopFrequency; }
     void setStopFrequency(double a_dFrequency) { m_dStopFrequency = a_dFrequency; }
 
-    /// ms of one sweep; with 0 the frequency stays at the start.
+    /// Length of one sweep (ms); with 0 the frequency stays at the start.
     [[nodiscard]] unsigned int getDuration() const { return m_uiDuration; }
     void setDuration(unsigned int a_uiDuration) { m_uiDuration = a_uiDuration; }
 
@@ -43,16 +42,16 @@ public:
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;
 
     /// Pieces of equal length during which the frequency moves by about
-    /// `a_dResolution` Hz, each with the frequency at its beginning. The last
-    /// one keeps its full length and may run past the window. A sweep or a
-    /// resolution that gives no piece yields one activity, the window.
+    /// `a_dResolution` Hz, each with the frequency at its beginning. The last one
+    /// keeps its full length and may run past the window. Without a sweep or a
+    /// positive resolution there is one activity, the window.
     [[nodiscard]] QList<HRActivity> calculateHRActivities(unsigned int a_uiStart, unsigned int a_uiLength,
                                                           double a_dResolution) const override;
     [[nodiscard]] unsigned int activeUntil() const override;
     [[nodiscard]] bool equal(const IFrequencySettings* a_pOther) const override;
 
-    /// Draws one random number as every new object does; the copy constructor
-    /// draws none.
+    /// Draws one random number, as every new object does; the copy constructor draws
+    /// none.
     [[nodiscard]] IFrequencySettings* clone() const override;
 
 private:

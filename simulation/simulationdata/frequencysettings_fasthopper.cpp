@@ -21,10 +21,10 @@ constexpr const char* s_szSource = "simulation/simulationdata/frequencysettings_
 constexpr float s_fMillisecondsPerSecond = 1000.0F;
 constexpr std::uint64_t s_uiShuffleRounds = 8;
 
-/// The channels in all lists that there are.
+/// The number of channels in all channel lists of the process.
 std::atomic<std::uint64_t> s_uiAllChannels{0};
 
-/// A list that counts among them as long as it lives.
+/// A channel list that counts in s_uiAllChannels until it is destroyed.
 std::shared_ptr<std::vector<double>> countedList(std::size_t a_uiChannels)
 {
     auto list = std::make_unique<std::vector<double>>(a_uiChannels);
@@ -108,8 +108,10 @@ double FrequencySettings_FastHopper::getFrequencyAt(unsigned int a_uiTime) const
     if (m_uiHoppRate == 0) {
         return m_pFrequencyList->front();
     }
-    // Single precision, and times before the shift wrap round: replays of a
-    // stored scenario depend on both.
+    // One hop takes 1000 / rate ms. The hop at the time t (ms) has the index floor((t
+    // - hop * offset) / hop), and the channel list repeats after its end. Hop and
+    // shift are in single precision, and times before the shift wrap round modulo
+    // 2^32: replays of a stored scenario depend on both.
     const float fHop = s_fMillisecondsPerSecond / static_cast<float>(m_uiHoppRate);
     const float fShift = fHop * m_fTimeslotOffset;
     const std::uint32_t uiShifted = toUInt32(static_cast<float>(a_uiTime) - fShift);
@@ -138,7 +140,9 @@ QList<HRActivity> FrequencySettings_FastHopper::calculateHRActivities(unsigned i
         return getFrequencyAt(
             toUInt32(static_cast<double>(a_uiFrom) + static_cast<double>(a_uiDuration) * 0.5));
     };
-    // [1, 1000] ms; the offset in single precision, all that follows in integers
+    // A hop takes ceil(1000 / rate) whole ms, [1, 1000]. The offset is a share of it
+    // in single precision, truncated to whole ms; all later arithmetic is in
+    // integers.
     const float fHop = std::ceil(s_fMillisecondsPerSecond / static_cast<float>(m_uiHoppRate));
     const std::uint64_t uiHop = toUInt32(fHop);
     const std::uint64_t uiOffset = toUInt32(m_fTimeslotOffset * fHop);
@@ -147,8 +151,9 @@ QList<HRActivity> FrequencySettings_FastHopper::calculateHRActivities(unsigned i
 
     ActivityAnswer answer(s_szSource);
     bool bRoom = answer.append({uiStart, uiOffset, frequencyInMiddle(uiStart, uiOffset)});
-    // A window that ends inside the offset's gap has no stretch after the
-    // lead-in: hops begin past its end, and later ones even more so.
+    // Hops begin at floor((start + offset) / hop) * hop + offset. That may be after
+    // the end of the lead-in, which leaves a gap, or before it, where both overlap.
+    // In a window that ends before the first hop the lead-in is the only activity.
     std::uint64_t uiHopStart = (uiStart + uiOffset) / uiHop * uiHop + uiOffset;
     while (bRoom && uiHopStart < uiEnd) {
         const std::uint64_t uiFrom = std::max(uiHopStart, uiStart);
@@ -190,8 +195,8 @@ IFrequencySettings* FrequencySettings_FastHopper::clone() const
     return pClone.release();
 }
 
-/// Whether there is a channel list, or one may be built: a document may ask for
-/// gigabytes, in one hopper or in thousands of them.
+/// Whether there is a channel list, or one may be built within the limits: a document
+/// may request gigabytes, in one hopper or in thousands of them.
 bool FrequencySettings_FastHopper::hasChannels() const
 {
     if (isListBuilt() || m_uiHoppCount == 0) {
@@ -224,7 +229,10 @@ bool FrequencySettings_FastHopper::isListBuilt() const
     return m_pFrequencyList && m_pFrequencyList->size() == m_uiHoppCount;
 }
 
-/// Builds the list unless it fits the hop count already.
+/// Builds the channel list unless it has the hop count already. Channel k of n is
+/// minimum + k * (maximum - minimum) / n. The generator is seeded with the hop set;
+/// then each of 8 * n swaps i exchanges the entries i mod n and (rand() + i) mod n.
+/// Stored scenarios depend on this exact order.
 void FrequencySettings_FastHopper::setupFrequencyList() const
 {
     if (isListBuilt()) {

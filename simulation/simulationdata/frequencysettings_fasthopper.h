@@ -9,15 +9,14 @@
 
 namespace Simulation {
 
-/// Jumps over evenly spaced channels in a pseudo-random order that its seed
-/// decides, for ever.
+/// Hops without end over evenly spaced channels, in a pseudo-random order that the
+/// seed determines.
 ///
-/// The channels lie in [minimum, maximum); the maximum is never one. A new
-/// object has 1000 channels from 24 to 26 MHz, 100 hops per second, seed 0, and
-/// an offset drawn from the thread's random sequence. The channel list is built
-/// by the first query that needs it, which restarts that sequence at the seed;
-/// later random offsets follow from it, deliberately. The spelling "Hopp" is
-/// part of the interface.
+/// The channels lie in [minimum, maximum); the maximum itself is not a channel. A new
+/// object has 1000 channels from 24 to 26 MHz, 100 hops per second, seed 0, and an
+/// offset drawn from the thread's random sequence. The channel list is built by the
+/// first query that needs it. That seeds the thread's sequence, on which later random
+/// offsets then depend, deliberately. The spelling "Hopp" is part of the interface.
 class SIMULATIONDATA_EXPORT FrequencySettings_FastHopper : public IFrequencySettings
 {
 public:
@@ -32,9 +31,9 @@ public:
     void setMinimumFrequency(double a_dFrequency);
     void setMaximumFrequency(double a_dFrequency);
 
-    /// Number of channels. With 0, above Limits::HopChannels, and as long as the
-    /// lists of other hoppers leave no room (Limits::AllHopChannels), the hopper
-    /// stays at its minimum frequency.
+    /// Number of channels. The hopper stays at its minimum frequency with 0 channels,
+    /// above Limits::HopChannels, and while the lists of other hoppers use up
+    /// Limits::AllHopChannels.
     [[nodiscard]] unsigned int getHoppCount() const { return m_uiHoppCount; }
     void setHoppCount(unsigned int a_uiCount);
 
@@ -57,16 +56,17 @@ public:
     [[nodiscard]] bool isTimeDependend() const override;
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;
 
-    /// A lead-in as long as the offset, then one activity per hop; hops take
-    /// whole milliseconds here. `a_dResolution` is not used. A hopper that
-    /// cannot hop yields one activity, the window.
+    /// A lead-in as long as the offset, then one activity per hop; hops take whole
+    /// milliseconds here. The lead-in keeps its full length and may run past the
+    /// window. The first hop may leave a gap after it or overlap it. `a_dResolution`
+    /// is not used. A hopper that cannot hop has one activity, the window.
     [[nodiscard]] QList<HRActivity> calculateHRActivities(unsigned int a_uiStart, unsigned int a_uiLength,
                                                           double a_dResolution) const override;
     [[nodiscard]] unsigned int activeUntil() const override;
     [[nodiscard]] bool equal(const IFrequencySettings* a_pOther) const override;
 
-    /// Draws one random number as every new object does and leaves the channel
-    /// list to be built again; the copy constructor draws none and copies it.
+    /// Draws one random number, as every new object does, and builds a new channel
+    /// list when it needs one; the copy constructor draws none and shares the list.
     [[nodiscard]] IFrequencySettings* clone() const override;
 
 private:
@@ -84,7 +84,7 @@ private:
     float m_fTimeslotOffset;                   ///< fraction of a hop
     /// Hz, in hop order; null = not built. Copies share it.
     mutable std::shared_ptr<const std::vector<double>> m_pFrequencyList;
-    mutable bool m_bLimitTraced = false; ///< one trace for one hop count, not one for each query
+    mutable bool m_bLimitTraced = false; ///< one trace per hop count, not one per query
 };
 
 } // namespace Simulation

@@ -16,8 +16,8 @@ constexpr const char* s_szSource = "simulation/simulationdata/frequencysettings_
 constexpr double s_dNoFrequency = -1.0;
 constexpr FrequencyStep s_firstStep{25'000'000.0, 1000};
 
-/// The index of the step that is running at a time before the table's end.
-/// Steps without duration never run.
+/// The index of the step that runs at a time (ms) before the table's end: the first
+/// whose end is later. Steps without duration never run.
 std::size_t stepAt(const std::vector<std::uint64_t>& a_stepTimes, std::uint64_t a_uiTime)
 {
     const auto itEnds = a_stepTimes.cbegin() + 1;
@@ -86,8 +86,8 @@ unsigned int FrequencySettings_SlowHopper::getTime(int a_iRow) const
 
 void FrequencySettings_SlowHopper::setTime(int a_iRow, unsigned int a_uiTime)
 {
-    // Before the reset, which drops the times. A table that has grown past 2^32
-    // is edited in wrapping arithmetic.
+    // Read before the reset, which drops the times. Times and durations wrap modulo
+    // 2^32 in a table that is longer.
     const std::uint32_t uiBefore = getTime(a_iRow - (a_iRow > 0 ? 1 : 0));
     const std::uint32_t uiCurrent = getTime(a_iRow);
     resetLength();
@@ -154,6 +154,7 @@ double FrequencySettings_SlowHopper::getFrequencyAt(unsigned int a_uiTime) const
         return m_frequencySteps[static_cast<qsizetype>(stepAt(times, a_uiTime))].frequency;
     }
     if (m_eEndBehavior == EndBehaviourType::Restart && uiCycle != 0) {
+        // The time within the cycle.
         return getFrequencyAt(static_cast<std::uint32_t>(a_uiTime % uiCycle));
     }
     return lastFrequency();
@@ -185,10 +186,11 @@ QList<HRActivity> FrequencySettings_SlowHopper::calculateHRActivities(unsigned i
     if (uiLength == 0 || uiCycle == 0) {
         return {{a_uiStart, a_uiLength, lastFrequency()}};
     }
-    // The walk's times count from uiBase. Editing may have left a length that is
-    // longer or shorter than one true cycle, so whole cycles are skipped as well
-    // as steps. At the exact end of the length the table begins again, whatever
-    // follows the last step.
+    // The walk counts its times from uiBase, the last multiple of the length up to
+    // the window. Inserted and removed steps may have left a length that differs from
+    // the true cycle, so the walk skips whole cycles first and then steps. A window
+    // that starts exactly at the end of the length starts the table again, whatever
+    // the end behaviour.
     const std::uint64_t uiOffset = a_uiStart % uiLength;
     const std::uint64_t uiBase = a_uiStart - uiOffset;
     const std::uint64_t uiEnd = windowEnd(a_uiStart, a_uiLength) - uiBase;
@@ -202,8 +204,8 @@ QList<HRActivity> FrequencySettings_SlowHopper::calculateHRActivities(unsigned i
         const bool bLast = uiStepEnd == uiLength && m_eEndBehavior != EndBehaviourType::Restart;
         const std::uint64_t uiFrom = std::max(uiTime, uiOffset);
         const std::uint64_t uiTo = bLast ? uiEnd : std::min(uiStepEnd, uiEnd);
-        // The last step lasts until the window's end: in a window without length
-        // nothing of it is left.
+        // The last step lasts until the window's end, so a window without length has
+        // no part of it.
         if (bLast && uiTo <= uiOffset) {
             break;
         }
@@ -237,8 +239,8 @@ IFrequencySettings* FrequencySettings_SlowHopper::clone() const
     return pClone.release();
 }
 
-/// The length of the table in ms, at most 0xFFFFFFFF. Kept from the first query
-/// until resetLength(), also over inserted and removed steps.
+/// The length of the table in ms, at most 0xFFFFFFFF. Computed by the first query and
+/// kept until resetLength(), also when steps are inserted or removed.
 unsigned int FrequencySettings_SlowHopper::calculateLength() const
 {
     if (m_uiLength == 0) {
@@ -263,8 +265,8 @@ double FrequencySettings_SlowHopper::lastFrequency() const
     return getFrequency(rows() - 1);
 }
 
-/// When each step begins and, as the last entry, when the table ends: one entry
-/// more than there are steps.
+/// The time (ms) at which each step begins and, as the last entry, at which the table
+/// ends: the running sum of the durations, one entry more than there are steps.
 const std::vector<std::uint64_t>& FrequencySettings_SlowHopper::stepTimes() const
 {
     if (m_stepTimes.empty()) {

@@ -15,13 +15,12 @@ struct FrequencyStep
     unsigned int duration = 0; ///< ms
 };
 
-/// Walks a table of steps that the user edits, each with a frequency and a
+/// Hops through a table of steps that the user edits, each with a frequency and a
 /// dwell time.
 ///
-/// After the last step it stays there, begins again, or ends the emitter's
-/// activity. A new object has one step, 25 MHz for one second, and begins
-/// again. A table without steps is possible through setFrequencySteps() only;
-/// its frequency is -1.
+/// After the last step it stays there, restarts, or ends the emitter's activity. A
+/// new object has one step, 25 MHz for one second, and restarts. Only
+/// setFrequencySteps() can leave the table without steps; its frequency is then -1.
 class SIMULATIONDATA_EXPORT FrequencySettings_SlowHopper : public IFrequencySettings
 {
 public:
@@ -57,14 +56,14 @@ public:
     /// after the beginning of the step before.
     void setTime(int a_iRow, unsigned int a_uiTime);
 
-    // Removing and inserting steps leaves the total length as it was last asked
-    // for: activeUntil() and activities go by it until a value is set.
+    // Removing and inserting steps keeps the total length that was last computed:
+    // activeUntil() and activities use it until a value is set.
 
     /// Removes a step. The first one stays: ignored for row 0 and out of range.
     void removeStep(int a_iRow);
 
-    /// Doubles a step; a row below 0 appends a copy of the last one. Ignored
-    /// beyond the table.
+    /// Inserts a copy of a step after it; a row below 0 appends a copy of the last
+    /// step. Ignored for rows beyond the table.
     void insertStep(int a_iRow);
 
     [[nodiscard]] FrequencySettingsType getType() override;
@@ -83,9 +82,9 @@ public:
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;
 
     /// One activity per step in the window, steps without duration included.
-    /// `a_dResolution` is not used. A table without duration yields one
-    /// activity, the window. A window without length inside the last step yields
-    /// none, unless the table begins again. O(log n) and the length of the answer.
+    /// `a_dResolution` is not used. A table without duration has one activity, the
+    /// window. A window without length inside the last step has none, unless the
+    /// table restarts. O(log n + length of the answer).
     [[nodiscard]] QList<HRActivity> calculateHRActivities(unsigned int a_uiStart, unsigned int a_uiLength,
                                                           double a_dResolution) const override;
     [[nodiscard]] unsigned int activeUntil() const override;

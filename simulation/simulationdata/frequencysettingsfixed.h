@@ -5,7 +5,7 @@
 
 namespace Simulation {
 
-/// A carrier that never moves and never ends. A new object sits at 25 MHz.
+/// A constant frequency, active without end. A new object has 25 MHz.
 class SIMULATIONDATA_EXPORT FrequencySettingsFixed : public IFrequencySettings
 {
 public:

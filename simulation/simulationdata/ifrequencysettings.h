@@ -11,11 +11,10 @@ namespace Simulation {
 
 /// The frequency behaviour of an emitter: a fixed carrier, a sweep or a hopper.
 ///
-/// Frequencies are in Hz. Times are scenario times in ms since scenario start,
-/// 32 bits. An object belongs to one emitter, which owns it; it takes no lock,
-/// and since queries may fill caches, one object serves one thread at a time.
-/// The order of the operations, and which of them are const, is part of the
-/// interface.
+/// Frequencies are in Hz. Times are scenario times in ms since scenario start, 32
+/// bits. An object is owned by its emitter or network. Queries may fill caches
+/// without a lock, so one object serves one thread at a time. The order of the
+/// operations, and which of them are const, is part of the interface.
 class SIMULATIONDATA_EXPORT IFrequencySettings
 {
 public:
@@ -42,20 +41,19 @@ public:
     /// time (ms).
     [[nodiscard]] virtual bool isActiveAt(unsigned int a_uiTime) const = 0;
 
-    /// The stretches of constant frequency in the window
-    /// [a_uiStart, a_uiStart + a_uiLength) (ms), in ascending order. The classes
-    /// say where they leave gaps or run past its end. `a_dResolution` (Hz) is
-    /// how far a sweep may move within one stretch. Walks end at 2^32 ms and at
+    /// The stretches of constant frequency in the window [a_uiStart, a_uiStart +
+    /// a_uiLength) (ms), in ascending order. The classes document where they leave
+    /// gaps or run past its end. `a_dResolution` (Hz) is how far a sweep may move
+    /// within one stretch. The answer ends at 2^32 ms and at
     /// Limits::AnswerActivities.
     [[nodiscard]] virtual QList<HRActivity>
     calculateHRActivities(unsigned int a_uiStart, unsigned int a_uiLength, double a_dResolution) const = 0;
 
-    /// The last active scenario time (ms); 0xFFFFFFFF = for ever.
+    /// The last active scenario time (ms); 0xFFFFFFFF = without end.
     [[nodiscard]] virtual unsigned int activeUntil() const = 0;
 
-    /// Whether `a_pOther` is of the same class with the same settings;
-    /// frequencies count as equal when they round to the same float. False for
-    /// null.
+    /// Whether `a_pOther` is of the same class with the same settings; frequencies
+    /// are rounded to float and compared with compareFrequency(). False for null.
     [[nodiscard]] virtual bool equal(const IFrequencySettings* a_pOther) const = 0;
 
     /// A copy that the caller owns.

@@ -23,8 +23,8 @@ namespace Simulation {
 }
 
 /// Collects the activities of one answer, up to Limits::AnswerActivities.
-/// `a_szSource` names the asking source in the trace, `a_iLine` the line there;
-/// the text must outlive this.
+/// `a_szSource` and `a_iLine` are the source file and line that traces name; the text
+/// must outlive this object.
 class ActivityAnswer
 {
 public:
@@ -33,9 +33,9 @@ public:
         , m_iLine(a_iLine)
     {}
 
-    /// Counts an activity and takes it, unless it has no length and
-    /// `a_bKeepEmpty` is false. False when the limit is reached already: it is
-    /// dropped, one trace names the limit, and the caller stops its walk.
+    /// Counts an activity and appends it, unless it has no length and `a_bKeepEmpty`
+    /// is false. False when the limit is exceeded: the activity is dropped, one trace
+    /// names the limit, and the caller must stop.
     [[nodiscard]] bool append(const HRActivity& a_activity, bool a_bKeepEmpty = true)
     {
         if (m_uiCalculated >= m_uiLimit) {

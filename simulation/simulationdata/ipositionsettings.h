@@ -7,14 +7,13 @@
 
 namespace Simulation {
 
-/// The position behaviour of an emitter, a station or a device: a site or a
-/// movement.
+/// The position behaviour of an emitter, a station or a device: a site or a movement.
 ///
-/// Positions are degrees on WGS 84, longitude first. Times are scenario times
-/// in ms since scenario start, 32 bits. An object belongs to one of these, which
-/// owns it; it takes no lock, and since queries may fill caches, one object
-/// serves one thread at a time. The order of the operations, and which of them
-/// are const, is part of the interface.
+/// Positions are degrees on WGS 84, longitude first. Times are scenario times in ms
+/// since scenario start, 32 bits. An object is owned by the emitter, station or
+/// device that it positions. Queries may fill caches without a lock, so one object
+/// serves one thread at a time. The order of the operations, and which of them are
+/// const, is part of the interface.
 class SIMULATIONDATA_EXPORT IPositionSettings
 {
 public:
@@ -22,7 +21,7 @@ public:
 
     [[nodiscard]] virtual PositionSettingsType getType() = 0;
 
-    /// The start position. Setting it moves all of the path along.
+    /// The start position. Setting it moves the whole path.
     [[nodiscard]] virtual TPos getPosition() = 0;
     virtual void setPosition(const TPos& a_position) = 0;
 
@@ -41,7 +40,7 @@ public:
     /// Whether the movement lets the emitter send at a scenario time (ms).
     [[nodiscard]] virtual bool isActiveAt(unsigned int a_uiTime) const = 0;
 
-    /// The last active scenario time (ms); 0xFFFFFFFF = for ever.
+    /// The last active scenario time (ms); 0xFFFFFFFF = without end.
     [[nodiscard]] virtual unsigned int activeUntil() const = 0;
 
     /// Whether `a_pOther` is of the same class at the same position or with the

@@ -5,7 +5,7 @@
 
 namespace Simulation {
 
-/// A site that never moves and never ends.
+/// A site: a constant position, active without end. Heading and speed are 0.
 class SIMULATIONDATA_EXPORT PositionSettingsFixed : public IPositionSettings
 {
 public:
