@@ -5,9 +5,9 @@
 
 namespace Simulation {
 
-/// An emitter whose pulses come from a file of emitter description words. The
-/// file is its schedule: it is active whenever flag, frequency and position
-/// are. A default object names no file.
+/// An emitter whose pulses come from a file of emitter description words. The file
+/// replaces the schedule: the emitter is active whenever its flag, frequency and
+/// position are. A default object names no file.
 class SIMULATIONDATA_EXPORT ElintScenarioEmitter : public SzenarioEmitter
 {
 public:
@@ -16,7 +16,7 @@ public:
 
     [[nodiscard]] ScenarioObjectType type() const override;
 
-    /// Also takes the file name over, which copy() leaves alone.
+    /// Also copies the file name, which copy() does not.
     [[nodiscard]] std::shared_ptr<ScenarioObject> clone() override;
 
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;

@@ -28,8 +28,8 @@ bool startsBefore(const EmissionPtr& a_emission, std::int64_t a_iStart)
     return a_emission->start < a_iStart;
 }
 
-/// Whether an emission that started before the time lasts until then. Starts
-/// come from documents: the difference is taken where it cannot overflow.
+/// Whether an emission that started before `a_iTime` lasts until then. Documents may
+/// hold any start, so the difference is unsigned, where it cannot overflow.
 bool lastsUntil(const EmissionSettings::Emission& a_emission, std::int64_t a_iTime)
 {
     if (a_emission.duration < 0) {
@@ -40,7 +40,8 @@ bool lastsUntil(const EmissionSettings::Emission& a_emission, std::int64_t a_iTi
     return uiElapsed <= static_cast<std::uint64_t>(a_emission.duration);
 }
 
-/// Both are taken as copies: they may be an emission's own.
+/// Takes both pointers by value: they may be members of an emission that is changed
+/// here.
 template<typename Pointer>
 void replaceIn(const QList<EmissionPtr>& a_emissions, Pointer EmissionSettings::Emission::*a_pMember,
                const Pointer a_old, const Pointer a_replacement)
@@ -52,7 +53,7 @@ void replaceIn(const QList<EmissionPtr>& a_emissions, Pointer EmissionSettings::
     }
 }
 
-/// Those of an emitter.
+/// The emissions of an emitter.
 QSet<const EmissionSettings::Emission*> emissionsOf(const QList<EmissionPtr>& a_emissions,
                                                     const std::shared_ptr<SzenarioEmitter>& a_emitter)
 {
@@ -231,16 +232,16 @@ void EmissionSettings::removeGroup(const GroupPtr& a_group)
 {
     const GroupPtr removed = a_group;
     for (const GroupPtr& group : std::as_const(m_groups)) {
-        group->groups.removeAll(removed); // its own list too, or it would hold itself for ever
+        group->groups.removeAll(removed); // also from its own list: a group that holds itself is never freed
     }
     m_groups.removeAll(removed);
 }
 
 void EmissionSettings::clearEmptyGroups()
 {
-    // A group is only looked at again when a member went, and members are only
-    // counted until the end: chains and crowds of groups that empty each other
-    // cost no more than their number.
+    // A group is checked again only when it loses a member, and members are only
+    // counted until the end. So the time is linear in the number of groups and
+    // memberships, also in chains of groups that empty each other.
     QHash<const Group*, QList<const Group*>> holders;
     QHash<const Group*, qsizetype> membersLeft;
     QSet<const Group*> empty;
@@ -334,6 +335,8 @@ void EmissionSettings::makeContinousActive(const std::shared_ptr<SzenarioEmitter
 
 EmissionPtr EmissionSettings::emissionAt(unsigned int a_uiTime) const
 {
+    // The last emission with start < time, both within the period. An emission is
+    // therefore active on (start, start + duration].
     const std::int64_t iTime = std::int64_t{a_uiTime} % m_iDuration;
     const qsizetype iNext = lowerBound(iTime);
     if (iNext == 0) {
@@ -363,8 +366,8 @@ std::shared_ptr<SignalPackage> EmissionSettings::signalPackageAt(unsigned int a_
 long long EmissionSettings::timeActiveAt(unsigned int a_uiTime) const
 {
     const EmissionPtr emission = emissionAt(a_uiTime);
-    // An emission that is on started at most its own duration ago, so the
-    // difference fits.
+    // An active emission started at most its own duration ago, so the difference
+    // fits.
     return emission ? std::int64_t{a_uiTime} % m_iDuration - emission->start : -1;
 }
 
@@ -383,6 +386,8 @@ QList<HRActivity> EmissionSettings::calculateHRActivities(const SzenarioEmitter*
     if (m_bBroadcast) {
         return {HRActivity{a_uiStart, a_uiLength, 0.0}};
     }
+    // The walk begins in the period that contains the window's start, at the last
+    // emission that started before it: that one may still last.
     const std::int64_t iBase = a_uiStart - std::int64_t{a_uiStart} % m_iDuration;
     const qsizetype iNext = lowerBound(a_uiStart - iBase);
     return walkSchedule(m_emissions, a_pEmitter, std::max<qsizetype>(iNext - 1, 0), m_iDuration, iBase,

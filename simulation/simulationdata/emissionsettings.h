@@ -16,23 +16,23 @@ namespace Simulation {
 class SignalPackage;
 class SzenarioEmitter;
 
-/// The transmission schedule of an emitter or of a network of emitters: which
-/// emitter sends which signal package from when and for how long, and named
-/// groups that bundle emissions and other groups. The schedule repeats with a
-/// period; in broadcast mode it is ignored and the transmitter is always on.
+/// The transmission schedule of an emitter or of a network of emitters: which emitter
+/// sends which signal package, when and for how long, and named groups that bundle
+/// emissions and other groups. The schedule repeats with a period; in broadcast mode
+/// it is ignored and the transmitter is always on.
 ///
-/// A value class: copies share the emissions and groups themselves, so what is
-/// replaced or removed inside them is so for all copies, until partGroups(). Used from one thread. A
-/// default object has no emission, an unlimited period and no broadcast. Times are milliseconds since
-/// scenario start.
+/// A value class: copies share the emissions and groups themselves, so a change
+/// inside them shows in all copies, until partGroups(). Used from one thread. A
+/// default object has no emission, an unlimited period and no broadcast. Times are
+/// milliseconds since scenario start.
 class SIMULATIONDATA_EXPORT EmissionSettings
 {
 public:
-    /// A period that never ends, and so never repeats.
+    /// A period without end: the schedule does not repeat.
     static constexpr std::int64_t s_iUnlimited = 0x7FFFFFFFFFFFFFFF;
 
-    /// One entry of the schedule, active on (start, start + duration]: not yet
-    /// at the instant of its start, still at the instant of its end.
+    /// One entry of the schedule, active on (start, start + duration]: not at its
+    /// start, still at its end.
     struct SIMULATIONDATA_EXPORT Emission
     {
         Emission() = default;
@@ -43,8 +43,8 @@ public:
         std::uint32_t id = 0;                         ///< number by which groups name it in documents
         std::int64_t start = 0;                       ///< ms since the beginning of the period
         std::int64_t duration = 0;                    ///< ms; below 0 it is never active
-        std::shared_ptr<SzenarioEmitter> emitter;     ///< who sends; may be null
-        std::shared_ptr<SignalPackage> signalPackage; ///< what is sent; may be null
+        std::shared_ptr<SzenarioEmitter> emitter;     ///< the sender; may be null
+        std::shared_ptr<SignalPackage> signalPackage; ///< the signal; may be null
     };
 
     /// A named bundle of emissions and other groups.
@@ -88,8 +88,8 @@ public:
     /// when it is not there.
     void updateEmission(const boost::shared_ptr<Emission>& a_emission);
 
-    /// Removes an emission from the schedule and from every group; groups that
-    /// are empty then go too.
+    /// Removes an emission from the schedule and from every group, then the groups
+    /// that are empty.
     void removeEmission(const boost::shared_ptr<Emission>& a_emission);
 
     /// Removes all emissions of an emitter in the same way.
@@ -106,13 +106,13 @@ public:
     void addGroup(const boost::shared_ptr<Group>& a_group);
     /// Removes a group from the list and from every group that holds it.
     void removeGroup(const boost::shared_ptr<Group>& a_group);
-    /// Removes groups without members until none is left: a group that loses
-    /// its last member this way goes too.
+    /// Removes groups without members until none is left, also those that lose their
+    /// last member this way.
     void clearEmptyGroups();
-    /// Replaces groups that this schedule shares with copies of it by groups of
-    /// its own, with the same members: what is removed from them after that stays
-    /// in the others. The emissions stay shared. Without such copies nothing
-    /// changes, and the groups stay the same objects.
+    /// Replaces groups that this schedule shares with copies of it by groups of its
+    /// own, with the same members: members removed from them later stay in the groups
+    /// of the copies. The emissions stay shared. Without such copies nothing changes,
+    /// and the groups stay the same objects.
     void partGroups();
     /// Drops all emissions and groups.
     void clearAll();
@@ -126,15 +126,15 @@ public:
     void setDuration(long long a_iDuration);
 
     /// Replaces the schedule by one emission that covers the period. Without a
-    /// package the first emission's is taken over. The spelling is part of the
+    /// package it takes that of the first emission. The spelling is part of the
     /// interface.
     void makeContinousActive(const std::shared_ptr<SzenarioEmitter>& a_emitter,
                              const std::shared_ptr<SignalPackage>& a_package);
 
-    /// The emission at a time (ms), or null: of those that started before it
-    /// the latest, if it lasts until then. O(log n).
+    /// The emission at a time (ms), or null: the latest of those that started before
+    /// that time, if it still lasts. O(log n).
     [[nodiscard]] boost::shared_ptr<Emission> emissionAt(unsigned int a_uiTime) const;
-    /// Whether there is an emission at a time (ms); broadcast is not asked.
+    /// Whether there is an emission at a time (ms); broadcast mode does not count.
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const;
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> activeEmitterAt(unsigned int a_uiTime) const;
     [[nodiscard]] std::shared_ptr<SignalPackage> signalPackageAt(unsigned int a_uiTime) const;
@@ -143,10 +143,11 @@ public:
     /// 0xFFFFFFFF: a schedule never ends.
     [[nodiscard]] unsigned int activeUntil() const;
 
-    /// The on-times inside the window [start, start + length) in ms, of one
-    /// emitter or, when that is null, of all. The frequency is left 0. The
-    /// first may begin, and even end, before the window; none ends after it.
-    /// The answer stops at Limits::AnswerActivities.
+    /// The on-times inside the window [start, start + length) in ms, of one emitter
+    /// or, when that is null, of all. The frequency is 0. The first may begin, and
+    /// even end, before the window; none ends after it. In broadcast mode the answer
+    /// is the window itself, or empty when the schedule is empty. The answer stops at
+    /// Limits::AnswerActivities.
     [[nodiscard]] QList<HRActivity> calculateHRActivities(const SzenarioEmitter* a_pEmitter,
                                                           unsigned int a_uiStart,
                                                           unsigned int a_uiLength) const;

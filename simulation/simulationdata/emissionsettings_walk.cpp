@@ -15,10 +15,10 @@ constexpr const char* s_szSource = "simulation/simulationdata/emissionsettings_w
 
 using EmissionPtr = boost::shared_ptr<EmissionSettings::Emission>;
 
-/// The emissions that a walk visits, in the schedule's order. Those of one
-/// emitter are picked out beforehand when the period repeats within the window:
-/// one among thousands may repeat millions of times. Otherwise the walk passes
-/// over the others.
+/// The emissions that a walk visits, in the schedule's order. When the period repeats
+/// within the window, the emissions of one emitter are selected once: otherwise each
+/// of perhaps millions of periods would visit those of all emitters. When it does
+/// not, the walk skips the others.
 class Selection
 {
 public:
@@ -59,12 +59,13 @@ private:
     qsizetype m_iFirst;
 };
 
-/// The part of an emission from time 0 to the window's end. A negative
-/// duration counts as none.
+/// The part of an emission that lies in [0, a_iEnd) ms: start + base is its scenario
+/// time. A negative duration counts as 0.
 HRActivity clipped(const EmissionSettings::Emission& a_emission, std::int64_t a_iBase, std::int64_t a_iEnd)
 {
-    // The caller has made sure that start + base lies before the end, but a
-    // document may put it far below zero.
+    // The caller ensures start + base < end, but a document may put the start so far
+    // below zero that neither the sum nor its negation fits 64 bits: unsigned
+    // arithmetic counts the ms before 0.
     const bool bBeforeZero = a_emission.start < -a_iBase;
     const std::int64_t iFrom = bBeforeZero ? 0 : a_emission.start + a_iBase;
     std::int64_t iDuration = std::max<std::int64_t>(a_emission.duration, 0);
@@ -88,13 +89,15 @@ QList<HRActivity> walkSchedule(const QList<EmissionPtr>& a_emissions, const Szen
                                std::int64_t a_iEnd)
 {
     ActivityAnswer answer(s_szSource);
+    // The period lies in the window at least twice.
     const bool bRepeats = a_iPeriod < (a_iEnd - a_iBase) / 2;
     const Selection selection(a_emissions, a_pEmitter, a_iFirst, bRepeats);
     if (selection.size() == 0) {
         return {};
     }
-    // The last emission of the whole schedule decides whether a walk goes on
-    // into the next period.
+    // The walk goes on into the next period only when the last emission of the whole
+    // schedule and the next period start before the window's end. All comparisons
+    // have the form start >= end - base: the sum start + base could overflow.
     const std::int64_t iLastStart = a_emissions.constLast()->start;
     std::int64_t iBase = a_iBase;
     qsizetype i = selection.first();

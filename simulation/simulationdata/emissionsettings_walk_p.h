@@ -5,9 +5,10 @@
 
 namespace Simulation {
 
-/// Walks a schedule that repeats every `a_iPeriod` ms from the emission
-/// `a_iFirst` of the period that begins at `a_iBase`, up to the window's end
-/// (all ms, at most 2^32), and gives the on-times of one emitter or of all.
+/// Returns the on-times of one emitter, or of all when it is null, up to the window's
+/// end (ms, at most 2^32). The schedule is sorted by start and repeats every
+/// `a_iPeriod` ms. The walk begins with the emission of index `a_iFirst` in the
+/// period that starts at `a_iBase` (ms).
 [[nodiscard]] QList<HRActivity>
 walkSchedule(const QList<boost::shared_ptr<EmissionSettings::Emission>>& a_emissions,
              const SzenarioEmitter* a_pEmitter, qsizetype a_iFirst, std::int64_t a_iPeriod,

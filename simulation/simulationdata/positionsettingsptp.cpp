@@ -31,7 +31,8 @@ std::uint32_t clampToUInt32(std::uint64_t a_uiValue)
     return static_cast<std::uint32_t>(std::min<std::uint64_t>(a_uiValue, UINT32_MAX));
 }
 
-/// ms for a leg at a speed (km/h); no time at all without a speed.
+/// The time (ms) of a leg at a speed (km/h): floor(distance / speed * 3,600,000). 0
+/// for a speed of 0 or below.
 std::uint32_t travelTime(const TPos& a_from, const TPos& a_to, double a_dSpeed)
 {
     if (a_dSpeed <= 0.0) {
@@ -41,9 +42,10 @@ std::uint32_t travelTime(const TPos& a_from, const TPos& a_to, double a_dSpeed)
     return toUInt32(std::floor(dHours * s_dSecondsPerHour * s_dMillisecondsPerSecond));
 }
 
-/// How far along a leg a new point lies, as a share of the leg's length in
-/// degrees. Without a usable distance (degrees) it is the whole leg; coincident
-/// points give no direction, so the new point stays with them.
+/// The share of a leg (a_from to a_to) at which a new point lies: the given distance
+/// over the length of the leg, both in degrees of the longitude-latitude plane. 1 for
+/// a distance of 0 or one that is not finite. 0 for coincident points: they have no
+/// direction, so the new point lies on them.
 double shareOfLeg(const TPos& a_from, const TPos& a_to, double a_dDistance)
 {
     const double dLength = std::hypot(a_to.longitude - a_from.longitude, a_to.latitude - a_from.latitude);
@@ -54,6 +56,8 @@ double shareOfLeg(const TPos& a_from, const TPos& a_to, double a_dDistance)
     return dDistance == 0.0 ? 1.0 : dDistance / dLength;
 }
 
+/// Linear interpolation in degrees; a share outside [0, 1] extrapolates. Longitudes
+/// are not taken modulo 360, so a leg over the date line runs the long way round.
 TPos pointOnLine(const TPos& a_from, const TPos& a_to, double a_dShare)
 {
     return {a_from.longitude + (a_to.longitude - a_from.longitude) * a_dShare,
@@ -114,7 +118,7 @@ void PositionSettingsPtp::setPoint(int a_iRow, const MovementPoint& a_point)
         return;
     }
     computeLegs();
-    m_movements[a_iRow] = a_point; // may be one of ours, which is valid by now
+    m_movements[a_iRow] = a_point; // may be an element of the list: its fields are up to date now
     updatePoint();
 }
 
@@ -141,6 +145,9 @@ void PositionSettingsPtp::setArivalTime(int a_iRow, unsigned int a_uiTime)
     if (a_uiTime < uiDeparture) {
         return;
     }
+    // speed = distance / time. The distance counts from the way point before, the
+    // time from the departure of the point before. Single precision, as
+    // getMovementSpeed() gives it.
     double dDistance = 0.0;
     for (int iRow = a_iRow; iRow > 0; --iRow) {
         dDistance += distance(movements[iRow].position, movements[iRow - 1].position);
@@ -189,6 +196,7 @@ float PositionSettingsPtp::getMovementSpeed(int a_iRow) const
     if (from.transitionTime == 0) {
         return s_fNoSpeed;
     }
+    // speed (km/h) = distance (km) / time (h), with the time in single precision
     const float fHours = static_cast<float>(from.transitionTime) / s_fMillisecondsPerHour;
     const double dDistance = distance(from.position, points()[a_iRow].position);
     return static_cast<float>(dDistance / static_cast<double>(fHours));
@@ -244,12 +252,14 @@ void PositionSettingsPtp::insertRowAfter(int a_iRow, double a_dDistance, const Q
         point.position = end;
         point.major = true;
     } else if (a_iRow < iCount - 1) {
+        // Between two points: on the line, at most 70 % of the way.
         iIndex = a_iRow + 1;
         const TPos from = m_movements[a_iRow].position;
         const TPos to = m_movements[iIndex].position;
         const double dShare = std::min(shareOfLeg(from, to, a_dDistance), s_dLargestShare);
         point.position = pointOnLine(from, to, dShare);
     } else {
+        // After the last point: the last leg goes on in its direction.
         const TPos from = m_movements[iCount - 2].position;
         const double dShare = shareOfLeg(from, end, a_dDistance);
         point.position = pointOnLine(from, end, 1.0 + dShare);
@@ -299,6 +309,10 @@ void PositionSettingsPtp::insertArcAfter(int a_iRow, int a_iCount, int a_iAngle,
     }
     const QVector<MovementPoint>& movements = points();
     const TPos start = movements[a_iRow].position;
+    // The centre lies at a right angle to the heading (dBase), on the right for a
+    // positive angle. Seen from the centre, the row's point has the bearing dBase -
+    // 180, and each further point adds angle / (count - 1). The points lie on
+    // geodesics from the centre.
     const double dRadius = a_dRadius / s_dMetresPerKilometre;
     double dBase = a_iAngle > 0 ? s_dRightAngle : -s_dRightAngle;
     if (a_iRow > 0) {
@@ -354,7 +368,7 @@ TPos PositionSettingsPtp::getPosition()
 
 void PositionSettingsPtp::setPosition(const TPos& a_position)
 {
-    computeLegs(); // distances change with the latitude, the times are to stay
+    computeLegs(); // distances change with the latitude, but the times stay
     const TPos first = m_movements.constFirst().position;
     const double dDeltaLongitude = a_position.longitude - first.longitude;
     const double dDeltaLatitude = a_position.latitude - first.latitude;
@@ -376,6 +390,7 @@ TPos PositionSettingsPtp::getPositionAt(unsigned int a_uiTime)
     if (a_uiTime < uiLegStart) {
         return from.position;
     }
+    // The share of the leg's time that has passed.
     const double dShare = static_cast<double>(a_uiTime - uiLegStart) / from.transitionTime;
     return pointOnLine(from.position, movements[*stretch + 1].position, dShare);
 }
@@ -429,14 +444,14 @@ bool PositionSettingsPtp::equal(const IPositionSettings* a_pOther)
 
 IPositionSettings* PositionSettingsPtp::clone()
 {
-    computeLegs(); // once for both
+    computeLegs(); // so that the copy need not compute them again
     auto pClone = std::make_unique<PositionSettingsPtp>(*this);
     pClone->m_bHandedOut = false;
     return pClone.release();
 }
 
-/// Has the derived fields computed again: by the next query, or at once when
-/// somebody may be looking at the points.
+/// Marks the derived fields as outdated: they are computed by the next query, or at
+/// once when a caller may hold a reference to the points.
 void PositionSettingsPtp::updatePoint()
 {
     m_bLegsStale = true;
@@ -445,9 +460,12 @@ void PositionSettingsPtp::updatePoint()
     }
 }
 
-/// Computes the derived fields of the points unless they are valid. Every
-/// change but a full replacement comes here first: what an intermediate point
-/// inherits must not depend on when it was last looked at.
+/// Computes the derived fields of the points unless they are up to date. Every change
+/// except a full replacement calls this first: what an intermediate point inherits
+/// must not depend on when it was last read.
+///
+/// Runs from the last point to the first, because an intermediate point takes the
+/// speed of the next one, which may itself be intermediate.
 void PositionSettingsPtp::computeLegs() const
 {
     if (!m_bLegsStale) {
@@ -467,16 +485,17 @@ void PositionSettingsPtp::computeLegs() const
     }
 }
 
-/// The points with their derived fields. Reading through here also keeps the
-/// mutable member from being copied for nothing.
+/// The points with their derived fields. Reading through this function also avoids
+/// copies of the mutable list, which a non-const access would make.
 const QVector<MovementPoint>& PositionSettingsPtp::points() const
 {
     computeLegs();
     return m_movements;
 }
 
-/// When each point is reached (ms) and, as the last entry, when the movement
-/// ends: one entry more than there are points.
+/// The time (ms) at which each point is reached and, as the last entry, at which the
+/// movement ends: the running sum of dwell and transition times, one entry more than
+/// there are points.
 const std::vector<std::uint64_t>& PositionSettingsPtp::arrivals() const
 {
     computeLegs();
@@ -493,8 +512,8 @@ const std::vector<std::uint64_t>& PositionSettingsPtp::arrivals() const
     return m_arrivals;
 }
 
-/// The point at which the emitter stands or which it left last; none once it
-/// has arrived at the last point, whose dwell time is no part of the cycle.
+/// The row of the point where the emitter dwells or which it left last. No value once
+/// it has reached the last point, whose dwell time is not part of the cycle.
 std::optional<qsizetype> PositionSettingsPtp::stretchAt(unsigned int a_uiTime) const
 {
     const std::vector<std::uint64_t>& times = arrivals();
@@ -504,8 +523,8 @@ std::optional<qsizetype> PositionSettingsPtp::stretchAt(unsigned int a_uiTime) c
     return it != itLast ? std::optional<qsizetype>(it - itEnds) : std::nullopt;
 }
 
-/// For a time after the last arrival: the same time in the first cycle, when
-/// the movement begins again at all.
+/// For a time (ms) after the last arrival: the same time in the first cycle, that is,
+/// modulo the last arrival. No value unless the movement restarts.
 std::optional<unsigned int> PositionSettingsPtp::timeInNextCycle(unsigned int a_uiTime) const
 {
     const std::uint64_t uiCycle = *(arrivals().cend() - 2);

@@ -76,12 +76,12 @@ bool ScenarioNetwork::addEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitt
 
 bool ScenarioNetwork::removeEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter)
 {
-    const std::shared_ptr<SzenarioEmitter> emitter = a_emitter; // may be the list's own
+    const std::shared_ptr<SzenarioEmitter> emitter = a_emitter; // may be an element of the list
     if (!m_emitterSet.remove(emitter)) {
         return false;
     }
     m_emitterList.removeOne(emitter);
-    // The groups of a clone are those of its source, which keeps its members.
+    // A clone shares the groups of its source, whose groups must keep their members.
     if (emissionSettings()->removalChangesGroups(emitter)) {
         emissionSettings()->partGroups();
     }
@@ -91,7 +91,7 @@ bool ScenarioNetwork::removeEmitter(const std::shared_ptr<SzenarioEmitter>& a_em
 
 void ScenarioNetwork::setHeadEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter)
 {
-    const std::shared_ptr<SzenarioEmitter> emitter = a_emitter; // may be the list's own
+    const std::shared_ptr<SzenarioEmitter> emitter = a_emitter; // may be an element of the list
     if (!emitter) {
         return;
     }

@@ -12,24 +12,25 @@ namespace Simulation {
 
 class SzenarioEmitter;
 
-/// A network of emitters that share one frequency behaviour and take turns by
-/// one schedule. Holds its members strongly, once as a set and once as a list
-/// in order, whose first emitter is the head.
+/// A network of emitters that share one frequency behaviour and take turns by one
+/// schedule. Holds its members strongly, as a set and as a list in order. The first
+/// emitter of the list is the head.
 ///
-/// A member learns of its network only through its own setScenarioNetwork(),
-/// which is the caller's. A default object is black, hierarchical and empty.
+/// The network does not set the reference of a member to its network: the caller
+/// does, with SzenarioEmitter::setScenarioNetwork(). A default object is black,
+/// hierarchical and empty.
 class SIMULATIONDATA_EXPORT ScenarioNetwork : public ScenarioObject
 {
 public:
     explicit ScenarioNetwork(const QString& a_sId);
-    /// With the source's name, all that the base class takes, colour, type and
-    /// the same members.
+    /// Copies the source: its name, all that the base class copies, its colour and
+    /// type, and the same members. A null source adds nothing.
     ScenarioNetwork(const QString& a_sId, const std::shared_ptr<ScenarioNetwork>& a_source);
     ~ScenarioNetwork() override;
 
     [[nodiscard]] ScenarioObjectType type() const override;
 
-    /// Also takes colour, type and the same members when the source is a network.
+    /// Also copies colour, type and the same members when the source is a network.
     void copy(std::shared_ptr<ScenarioObject> a_source) override;
     [[nodiscard]] std::shared_ptr<ScenarioObject> clone() override;
 
@@ -49,19 +50,20 @@ public:
     /// The member at a place, or null.
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> emitterForIndex(int a_iIndex) const;
 
-    /// Appends a member; false for null and for one that is a member already.
+    /// Appends a member; false for null and for an emitter that is a member already.
     bool addEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter);
-    /// Removes a member and the emissions that name it; false when it is none.
-    /// Networks that are copies of each other keep theirs: the groups of this one
-    /// become its own.
+    /// Removes a member and the emissions that name it; false when it is not a
+    /// member. When copies of this network share its groups, it gets groups of its
+    /// own first, so that the copies keep theirs.
     bool removeEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter);
 
-    /// Puts an emitter first; one that is no member becomes one. Null is ignored.
+    /// Makes an emitter the first member, also one that was not a member. Null is
+    /// ignored.
     void setHeadEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter);
     /// The first member, or null.
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> headEmitter() const;
 
-    /// Whom the schedule lets speak at a time (ms), or null.
+    /// The emitter of the schedule's emission at a time (ms), or null.
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> emitterActiveAt(unsigned int a_uiTime) const;
 
 private:

@@ -9,6 +9,7 @@ namespace {
 
 constexpr double s_dRelativeTolerance = 1e-12;
 
+/// |a - b| <= 1e-12 * min(|a|, |b|); false for NaN.
 bool nearlyEqual(double a_dFirst, double a_dSecond)
 {
     return std::fabs(a_dFirst - a_dSecond) <=

@@ -5,12 +5,12 @@
 
 namespace Simulation {
 
-/// The background noise of a whole scenario. A plain value; the numbers are
-/// carried through to the simulation service, which gives them their units.
+/// The background noise of a whole scenario. A plain value; the numbers are stored
+/// and sent as they are, and the simulation service defines their units.
 class SIMULATIONDATA_EXPORT ScenarioNoiseSettings
 {
 public:
-    /// Puts the values of a new object back.
+    /// Restores the default values.
     void setDefaults() { *this = ScenarioNoiseSettings(); }
 
     [[nodiscard]] double noiseDensity() const { return m_dNoiseDensity; }

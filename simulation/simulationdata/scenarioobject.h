@@ -12,14 +12,14 @@ namespace Simulation {
 class EmissionSettings;
 class IFrequencySettings;
 
-/// What a scenario is made of: emitters, ELINT emitters and networks of
-/// emitters. Carries identity, texts, frequency behaviour, transmission
-/// schedule and three flags.
+/// The base class of what a scenario contains: emitters, ELINT emitters and networks
+/// of emitters. Holds id, texts, frequency behaviour, transmission schedule and three
+/// flags.
 ///
-/// Objects live in std::shared_ptr and are used from one thread. They refer to
-/// each other in circles (an emitter that its own schedule names is one); a
-/// scenario document takes those apart when it is the last to hold them. Objects
-/// that live outside any document end with ScenarioDataXml::releaseObjects().
+/// Objects live in std::shared_ptr and are used from one thread. They refer to each
+/// other in circles (an emitter that its own schedule names is one); a scenario
+/// document takes those apart when it is the last to hold them. Objects that live
+/// outside any document end with ScenarioDataXml::releaseObjects().
 class SIMULATIONDATA_EXPORT ScenarioObject : public std::enable_shared_from_this<ScenarioObject>
 {
 public:
@@ -44,35 +44,34 @@ public:
     [[nodiscard]] virtual ScenarioObjectType type() const = 0;
 
     [[nodiscard]] virtual QString id() const { return m_sId; }
-    /// Documents that hold the object find it by its id: set it before.
+    /// Documents find their objects by id: set it before the object is added to one.
     virtual void setId(const QString& a_sId) { m_sId = a_sId; }
     [[nodiscard]] virtual QString name() const { return m_sName; }
     virtual void setName(const QString& a_sName) { m_sName = a_sName; }
     [[nodiscard]] virtual QString description() const { return m_sDescription; }
     virtual void setDescription(const QString& a_sDescription) { m_sDescription = a_sDescription; }
 
-    /// The object's own frequency behaviour, owned by it; null only when it was
-    /// set so.
+    /// The object's own frequency behaviour, owned by it; null only after it was set
+    /// to null.
     [[nodiscard]] virtual IFrequencySettings* frequencySettings() const { return m_pFrequencySettings.get(); }
-    /// Takes ownership and deletes the former settings, unless they are the
-    /// same. Null leaves the object without any: it is never active then.
+    /// Takes ownership and deletes the former settings, unless they are the same.
+    /// With null the object is never active.
     virtual void setFrequencySettings(IFrequencySettings* a_pSettings);
 
-    /// The schedule that holds for this object, never null. It stays owned by
-    /// the object it belongs to.
+    /// The schedule in force for this object, never null. Owned by this object or by
+    /// its network.
     [[nodiscard]] virtual EmissionSettings* emissionSettings() const { return m_pEmissionSettings.get(); }
 
     [[nodiscard]] virtual bool isActive() const { return m_bActive; }
 
-    /// Takes over id, name, description, active flag, a value copy of the
-    /// source's own schedule and a clone of its frequency behaviour. The
-    /// emissions themselves are shared with the source and keep naming the
-    /// emitter that they named. The display flags stay as they are. A null
-    /// source changes nothing.
+    /// Copies id, name, description, active flag, the source's own schedule by value,
+    /// and a clone of its frequency behaviour. The emissions themselves are shared
+    /// with the source and keep their emitters. The display flags stay as they are. A
+    /// null source changes nothing.
     virtual void copy(std::shared_ptr<ScenarioObject> a_source);
 
-    /// A new object of the same class, with all that copy() takes over. The object
-    /// itself need not live in a std::shared_ptr.
+    /// A new object of the same class, with all that copy() copies. The object itself
+    /// need not live in a std::shared_ptr.
     [[nodiscard]] virtual std::shared_ptr<ScenarioObject> clone() = 0;
 
     void setActive(bool a_bActive) { m_bActive = a_bActive; }

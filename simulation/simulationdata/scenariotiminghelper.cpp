@@ -10,7 +10,7 @@ namespace {
 
 constexpr unsigned long long s_uiMicrosecondsPerMillisecond = 1000;
 
-/// The low 32 bits: the time wraps round every 49.7 days, intended.
+/// The low 32 bits: the time wraps round every 49.7 days, on purpose.
 unsigned int wrapped(unsigned long long a_uiMilliseconds)
 {
     return static_cast<std::uint32_t>(a_uiMilliseconds);
@@ -35,8 +35,8 @@ void ScenarioTimingHelper::startScenarioTime(unsigned long long a_uiTimestamp, u
     m_bPaused = false;
     m_bStopped = false;
     m_uiScenarioStartTime = 0;
-    // 64 bits, for an offset of 72 minutes has more than 2^32 microseconds. A
-    // timestamp smaller than the offset wraps round, and back in scenarioTime().
+    // In 64 bits: an offset of 72 minutes exceeds 2^32 microseconds. A timestamp
+    // smaller than the offset wraps round here, and back in scenarioTime().
     m_uiStartTimestamp = a_uiTimestamp - a_uiOffset * s_uiMicrosecondsPerMillisecond;
 }
 

@@ -5,23 +5,23 @@
 
 namespace Simulation {
 
-/// Turns the wall clock into the running time of a scenario, in milliseconds
-/// since its start: stopped at first, then running, paused or stopped again.
+/// Converts the wall clock to the running time of a scenario, in milliseconds since
+/// its start: stopped at first, then running, paused or stopped again.
 ///
 /// A plain value that is used by one thread at a time. The clock is that of
 /// VelaOS::Get(), microseconds since 1970, because timestamps cross machines.
-/// Differences of timestamps are taken modulo 2^64 us and times modulo 2^32 ms
-/// (49.7 days), so a start that lies in the future gives times without meaning.
+/// Differences of timestamps are taken modulo 2^64 us and times modulo 2^32 ms (49.7
+/// days), so a start that lies in the future gives times without meaning.
 ///
-/// There is no resuming: after a pause start again with the time that was
-/// shown, startScenarioTime(currentTimeStamp(), scenarioTime()).
+/// To resume after a pause, start again with the time at which it paused:
+/// startScenarioTime(currentTimeStamp(), scenarioTime()).
 class SIMULATIONDATA_EXPORT ScenarioTimingHelper
 {
 public:
     /// Paused and stopped at time 0.
     ScenarioTimingHelper() = default;
 
-    /// Now (us).
+    /// The wall clock (us since 1970).
     [[nodiscard]] static unsigned long long currentTimeStamp();
 
     /// The time since `a_uiStartTimestamp` (us) less `a_uiOffset` (ms), in ms.
@@ -30,13 +30,14 @@ public:
     [[nodiscard]] static unsigned int calculateCurrentScenarioTime(unsigned long long a_uiStartTimestamp,
                                                                    unsigned int a_uiOffset);
 
-    /// Runs: at `a_uiTimestamp` (us) the scenario time is `a_uiOffset` (ms).
+    /// Starts the time: at `a_uiTimestamp` (us) the scenario time is `a_uiOffset`
+    /// (ms).
     void startScenarioTime(unsigned long long a_uiTimestamp, unsigned int a_uiOffset);
 
-    /// Shows `a_uiTime` (ms) from now on.
+    /// Holds the time at `a_uiTime` (ms).
     void pauseScenarioTime(unsigned int a_uiTime);
 
-    /// Shows 0 from now on.
+    /// Holds the time at 0.
     void stopScenarioTime();
 
     /// The scenario time (ms).
@@ -48,7 +49,7 @@ public:
     /// When the scenario time was 0 (us); 0 before the first start.
     [[nodiscard]] unsigned long long startTimestamp() const { return m_uiStartTimestamp; }
 
-    /// Whether the time stands; stopped is paused, too.
+    /// Whether the time is held, either paused or stopped.
     [[nodiscard]] bool isPaused() const { return m_bPaused; }
     [[nodiscard]] bool isStopped() const { return m_bStopped; }
 

@@ -19,8 +19,8 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/szenarioemitter";
 
-/// Counts the changes of all links and positions: what a chain led to holds
-/// until the next one.
+/// Counts the changes of all links and positions. The stored result of a chain is
+/// valid until the next change.
 std::atomic<std::uint64_t> s_uiLinkEpoch{1};
 
 void linksChanged()
@@ -102,13 +102,15 @@ void SzenarioEmitter::takeFrom(const SzenarioEmitter& a_source)
                                  ? std::make_unique<TransmitterSettings>(*a_source.m_pTransmitterSettings)
                                  : nullptr;
     m_pPositionSettings.reset(a_source.m_pPositionSettings ? a_source.m_pPositionSettings->clone() : nullptr);
-    // What refers to this emitter in the source must not become its own.
+    // The source may be linked to this emitter, which must not become linked to
+    // itself.
     const bool bSelf = a_source.m_linkTarget.lock().get() == this;
     m_linkTarget = bSelf ? std::weak_ptr<SzenarioEmitter>() : a_source.m_linkTarget;
     m_linkedEmitters = a_source.m_linkedEmitters;
     m_linkedEmitters.removeIf([this](const auto& a_linked) { return a_linked.get() == this; });
     linksChanged();
-    // A copy of the emitter that this one is linked to must not hold itself.
+    // The linked emitters of the source may contain this emitter, which must not hold
+    // itself.
     m_linkedEmitters.remove(std::static_pointer_cast<SzenarioEmitter>(weak_from_this().lock()));
 }
 
@@ -207,18 +209,18 @@ IPositionSettings* SzenarioEmitter::positionSettings() const
     return m_chain.isCircle ? m_pPositionSettings.get() : m_chain.end;
 }
 
-/// Follows the link targets to the end of the chain, to a part that has been
-/// followed since the last change, or round a circle, and notes the result for
-/// all on the way: without that, asking every emitter of a chain would cost the
-/// square of its length.
+/// Follows the link targets to the end of the chain, to an emitter whose result is up
+/// to date, or round a circle, and stores the result in every emitter on the way.
+/// Otherwise the queries for all emitters of a chain would take quadratic time.
 void SzenarioEmitter::followChain() const
 {
     const std::uint64_t uiEpoch = s_uiLinkEpoch.load(std::memory_order_relaxed);
     if (m_chain.epoch == uiEpoch) {
         return;
     }
-    // Brent's cycle detection (1980): the marker waits at powers of two, and a
-    // chain that runs in a circle meets it again.
+    // Brent's cycle detection (R. P. Brent, "An improved Monte Carlo factorization
+    // algorithm", BIT 20, 1980): the marker moves to the current emitter after 1, 2,
+    // 4, ... further steps, and a chain that runs in a circle reaches it again.
     Chain chain{uiEpoch, nullptr, false};
     const SzenarioEmitter* pMarker = this;
     std::uint64_t uiSteps = 0;

@@ -17,22 +17,21 @@ class ScenarioNetwork;
 class SignalPackage;
 class TransmitterSettings;
 
-/// One emitter of a scenario: a scenario object with a class, a transmitter and
-/// a position. It may belong to one network, whose frequency behaviour and
-/// schedule then hold for it, and it may be linked to another emitter, whose
-/// position it then follows.
+/// One emitter of a scenario: a scenario object with a class, a transmitter and a
+/// position. It may belong to one network, whose frequency behaviour and schedule
+/// then apply to it, and it may be linked to another emitter, whose position it then
+/// follows.
 ///
-/// Membership and links are kept on both sides by whoever makes them: the
-/// emitter's network and the network's members are set apart, and so are the
-/// link target and the target's linked emitters. Network and link target are
-/// held weakly, linked emitters strongly. The class name's spelling is part of
-/// the interface.
+/// The caller sets both sides of a membership or link: the emitter's network and the
+/// network's members, the link target and the target's linked emitters. Network and
+/// link target are held weakly, linked emitters strongly. The class name's spelling
+/// is part of the interface.
 class SIMULATIONDATA_EXPORT SzenarioEmitter : public ScenarioObject
 {
 public:
     /// At (0, 0), not moving, with default transmitter settings and no relation.
     SzenarioEmitter(const QString& a_sId, const QString& a_sName);
-    /// With all that the base class takes from a source, and its class,
+    /// Copies all that the base class copies from a source, and its class,
     /// transmitter, position, link target and linked emitters.
     SzenarioEmitter(const QString& a_sId, const QString& a_sName,
                     const std::shared_ptr<SzenarioEmitter>& a_source);
@@ -40,18 +39,18 @@ public:
 
     [[nodiscard]] ScenarioObjectType type() const override;
 
-    /// The network's schedule while the emitter belongs to one, its own
-    /// otherwise. The own one is always ScenarioObject::emissionSettings().
+    /// The network's schedule while the emitter belongs to one, otherwise its own.
+    /// ScenarioObject::emissionSettings() always returns its own.
     [[nodiscard]] EmissionSettings* emissionSettings() const override;
 
-    /// Also takes class, transmitter, position, link target and linked emitters
-    /// when the source is an emitter; an ELINT emitter's file stays its own.
+    /// Also copies class, transmitter, position, link target and linked emitters when
+    /// the source is an emitter. The file of an ELINT emitter is not copied.
     void copy(std::shared_ptr<ScenarioObject> a_source) override;
     [[nodiscard]] std::shared_ptr<ScenarioObject> clone() override;
 
-    /// Whether the emitter sends at a time (ms): its flag and its network's,
-    /// frequency and position active, and broadcast or an emission that, in a
-    /// network, names this emitter.
+    /// Whether the emitter sends at a time (ms): its flag and its network's are set,
+    /// its frequency and position are active, and there is broadcast mode or an
+    /// emission, which in a network must name this emitter.
     [[nodiscard]] virtual bool isActiveAt(unsigned int a_uiTime) const;
 
     /// The emitters that take their position from this one.
@@ -74,50 +73,52 @@ public:
     [[nodiscard]] QString getClass() const { return m_sClass; }
     void setClass(const QString& a_sClass) { m_sClass = a_sClass; }
 
-    /// Owned by the emitter; null only when it was set so. The spelling is part
+    /// Owned by the emitter; null only after it was set to null. The spelling is part
     /// of the interface.
     [[nodiscard]] TransmitterSettings* getTranmitterSettings() const { return m_pTransmitterSettings.get(); }
     /// Takes ownership and deletes the former settings, unless they are the same.
     void setTransmitterSettings(TransmitterSettings* a_pSettings);
 
-    /// The network's frequency behaviour while the emitter belongs to one, its
-    /// own otherwise.
+    /// The frequency behaviour of the network while the emitter belongs to one,
+    /// otherwise its own.
     [[nodiscard]] IFrequencySettings* getFrequencySettings() const;
 
-    /// The position of the last emitter in the chain of link targets; the own
-    /// one without a link, and when the chain runs in a circle. The chain is
-    /// followed once, however many emitters of it ask, until a link or a
-    /// position is set anywhere.
+    /// The position of the last emitter in the chain of link targets; its own
+    /// position without a link, and when the chain is a circle. The result is kept
+    /// for all emitters of the chain until any link or position is set.
     [[nodiscard]] IPositionSettings* positionSettings() const;
     [[nodiscard]] IPositionSettings* getPositionSettings() const { return positionSettings(); }
-    /// The emitter's own position, whoever it follows; null only when it was set so.
+    /// The emitter's own position, whatever it is linked to; null only after it was
+    /// set to null.
     [[nodiscard]] IPositionSettings* ownPositionSettings() const { return m_pPositionSettings.get(); }
-    /// Takes ownership of the emitter's own position and deletes the former
-    /// one, unless they are the same. Null leaves none: it is never active then.
+    /// Takes ownership of the emitter's own position and deletes the former one,
+    /// unless they are the same. With null the emitter is never active unless it is
+    /// linked.
     void setPositionSettings(IPositionSettings* a_pSettings);
 
     [[nodiscard]] std::shared_ptr<ScenarioNetwork> network() const { return m_network.lock(); }
-    /// Held weakly: without its network the emitter is on its own again.
+    /// Held weakly: once the network is destroyed, the emitter uses its own settings
+    /// again.
     void setScenarioNetwork(const std::shared_ptr<ScenarioNetwork>& a_network) { m_network = a_network; }
     [[nodiscard]] bool hasNetwork() const { return !m_network.expired(); }
 
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> linkTargetEmitter() const { return m_linkTarget.lock(); }
-    /// Held weakly: without its target the emitter is where its own position
-    /// says.
+    /// Held weakly: once the target is destroyed, the emitter uses its own position
+    /// again.
     void setLinkTargetEmitter(const std::shared_ptr<SzenarioEmitter>& a_target);
     [[nodiscard]] bool isLinked() const { return !m_linkTarget.expired(); }
 
-    /// Answers at a time (ms since scenario start); they follow network and
-    /// link. Without settings the frequency is 0 Hz, the position (0, 0) and
-    /// the heading 0 degrees.
+    /// Queries at a time (ms since scenario start), which follow network and link.
+    /// Without settings the frequency is 0 Hz, the position (0, 0) and the heading 0
+    /// degrees.
     [[nodiscard]] double getFrequencyAt(unsigned int a_uiTime) const;
     [[nodiscard]] TPos getPositionAt(unsigned int a_uiTime) const;
     [[nodiscard]] double headingAt(unsigned int a_uiTime) const;
     /// How long the emitter has been sending (ms), or -1; in a network only
     /// while the emission names this emitter.
     [[nodiscard]] long long timeActiveAt(unsigned int a_uiTime) const;
-    /// What the emitter sends, or null; in a network only while the emission
-    /// names this emitter.
+    /// The signal package that the emitter sends, or null; in a network only while
+    /// the emission names this emitter.
     [[nodiscard]] std::shared_ptr<SignalPackage> signalPackageAt(unsigned int a_uiTime) const;
 
     /// The on-times of the schedule inside [start, end) ms, each filled with
@@ -131,16 +132,16 @@ protected:
     /// Whether flag, frequency and position let the emitter be active.
     [[nodiscard]] bool isReadyAt(unsigned int a_uiTime) const;
 
-    /// All that copy() takes over from another emitter.
+    /// Copies all that copy() copies from another emitter.
     void copyFrom(const SzenarioEmitter& a_source);
 
 private:
     friend class ScenarioGraph;
 
-    /// What the chain of link targets led to.
+    /// The result of following the chain of link targets.
     struct Chain
     {
-        std::uint64_t epoch = 0; ///< of all links, when it was followed; 0 = never
+        std::uint64_t epoch = 0; ///< count of link changes when it was followed; 0 = never
         IPositionSettings* end = nullptr;
         bool isCircle = false;
     };

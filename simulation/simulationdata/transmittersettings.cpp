@@ -12,7 +12,8 @@ constexpr float s_fFullTurn = 360.0F; // degrees
 
 void TransmitterSettings::setAntennaDirection(float a_fDirection)
 {
-    // The lower end is deliberately left open: a negative direction stays one.
+    // direction - floor(direction / 360) * 360. Negative directions are deliberately
+    // kept.
     m_fAntennaDirection = a_fDirection >= s_fFullTurn
                               ? a_fDirection - std::floor(a_fDirection / s_fFullTurn) * s_fFullTurn
                               : a_fDirection;

@@ -7,8 +7,8 @@
 
 namespace Simulation {
 
-/// The transmitter and antenna of one emitter. A plain value; the numbers are
-/// carried through to the simulation service, which gives them their units.
+/// The transmitter and antenna of one emitter. A plain value; the numbers are stored
+/// and sent as they are, and the simulation service defines their units.
 class SIMULATIONDATA_EXPORT TransmitterSettings
 {
 public:
