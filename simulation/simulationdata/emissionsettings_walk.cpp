@@ -63,9 +63,9 @@ private:
 /// time. A negative duration counts as 0.
 HRActivity clipped(const EmissionSettings::Emission& a_emission, std::int64_t a_iBase, std::int64_t a_iEnd)
 {
-    // The caller ensures start + base < end, but a document may put the start so far
-    // below zero that neither the sum nor its negation fits 64 bits: unsigned
-    // arithmetic counts the ms before 0.
+    // The caller ensures start + base < end, but a document may put the start as low
+    // as -2^63, whose negation does not fit: the ms before 0 are counted in unsigned
+    // arithmetic.
     const bool bBeforeZero = a_emission.start < -a_iBase;
     const std::int64_t iFrom = bBeforeZero ? 0 : a_emission.start + a_iBase;
     std::int64_t iDuration = std::max<std::int64_t>(a_emission.duration, 0);

@@ -146,8 +146,8 @@ void PositionSettingsPtp::setArivalTime(int a_iRow, unsigned int a_uiTime)
         return;
     }
     // speed = distance / time. The distance counts from the way point before, the
-    // time from the departure of the point before. Single precision, as
-    // getMovementSpeed() gives it.
+    // time from the departure of the point before. Time and speed are rounded to
+    // single precision, as in getMovementSpeed().
     double dDistance = 0.0;
     for (int iRow = a_iRow; iRow > 0; --iRow) {
         dDistance += distance(movements[iRow].position, movements[iRow - 1].position);
@@ -310,9 +310,9 @@ void PositionSettingsPtp::insertArcAfter(int a_iRow, int a_iCount, int a_iAngle,
     const QVector<MovementPoint>& movements = points();
     const TPos start = movements[a_iRow].position;
     // The centre lies at a right angle to the heading (dBase), on the right for a
-    // positive angle. Seen from the centre, the row's point has the bearing dBase -
-    // 180, and each further point adds angle / (count - 1). The points lie on
-    // geodesics from the centre.
+    // positive angle. Seen from the centre, the row's point lies in the opposite
+    // direction (dBase - 180), and each further point adds angle / (count - 1)
+    // degrees. The points lie on geodesics from the centre.
     const double dRadius = a_dRadius / s_dMetresPerKilometre;
     double dBase = a_iAngle > 0 ? s_dRightAngle : -s_dRightAngle;
     if (a_iRow > 0) {
