@@ -5,8 +5,8 @@
 
 namespace Simulation {
 
-/// An emitter whose pulses come from a file of emitter description words. The file
-/// replaces the schedule: the emitter is active whenever its flag, frequency and
+/// An emitter whose pulses are described by a file of emitter description words. The
+/// file replaces the schedule: the emitter is active whenever its flag, frequency and
 /// position are. A default object names no file.
 class SIMULATIONDATA_EXPORT ElintScenarioEmitter : public SzenarioEmitter
 {

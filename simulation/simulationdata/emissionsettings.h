@@ -65,8 +65,7 @@ public:
     EmissionSettings(const EmissionSettings& a_other);
     EmissionSettings& operator=(const EmissionSettings& a_other);
 
-    /// Groups that hold each other in a circle are taken apart when nothing
-    /// else holds them.
+    /// Frees groups that hold each other in a circle when no other object holds them.
     ~EmissionSettings();
 
     /// A new record with the defaults above. It is not added.

@@ -9,22 +9,22 @@ namespace Simulation {
 
 /// How an object is positioned. The values are stored and sent.
 enum class PositionSettingsType : int {
-    Fixed = 0,    ///< stands still
+    Fixed = 0,    ///< does not move
     Movement = 1, ///< moves from way point to way point
 };
 
 /// How the frequency of an object behaves. The values are stored and sent.
 enum class FrequencySettingsType : int {
     Fixed = 0,
-    SlowHopper = 1, ///< walks a table of steps
+    SlowHopper = 1, ///< hops through a table of steps
     Chirp = 2,      ///< sweeps linearly
-    FastHopper = 3, ///< jumps over a pseudo-random channel order
+    FastHopper = 3, ///< hops over channels in a pseudo-random order
 };
 
 /// What a step table or a movement does after its end.
 enum class EndBehaviourType : int {
     Stop = 0,     ///< stays at the last step or way point
-    Restart = 1,  ///< begins again
+    Restart = 1,  ///< starts again
     Inactive = 2, ///< the object is no longer active
 };
 

@@ -15,7 +15,7 @@ struct MovementPoint
 {
     TPos position;                   ///< degrees, longitude first
     unsigned int transitionTime = 0; ///< ms to the next point; derived, 0 at the last point
-    unsigned int dwellTime = 0;      ///< ms that the emitter stands here before it leaves
+    unsigned int dwellTime = 0;      ///< ms that the emitter stays here before it leaves
     bool major = false;              ///< whether the user placed this point
     QString name;                    ///< null at unnamed intermediate points
     double speed = 50.0;             ///< km/h with which this point is reached; <= 0 = at once

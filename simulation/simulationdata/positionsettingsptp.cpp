@@ -259,7 +259,7 @@ void PositionSettingsPtp::insertRowAfter(int a_iRow, double a_dDistance, const Q
         const double dShare = std::min(shareOfLeg(from, to, a_dDistance), s_dLargestShare);
         point.position = pointOnLine(from, to, dShare);
     } else {
-        // After the last point: the last leg goes on in its direction.
+        // After the last point: extends the last leg.
         const TPos from = m_movements[iCount - 2].position;
         const double dShare = shareOfLeg(from, end, a_dDistance);
         point.position = pointOnLine(from, end, 1.0 + dShare);

@@ -11,7 +11,7 @@ namespace Simulation {
 /// A plain value that is used by one thread at a time. The clock is that of
 /// VelaOS::Get(), microseconds since 1970, because timestamps cross machines.
 /// Differences of timestamps are taken modulo 2^64 us and times modulo 2^32 ms (49.7
-/// days), so a start that lies in the future gives times without meaning.
+/// days), so the times are meaningless while the start lies in the future.
 ///
 /// To resume after a pause, start again with the time at which it paused:
 /// startScenarioTime(currentTimeStamp(), scenarioTime()).

@@ -28,7 +28,7 @@ void linksChanged()
     s_uiLinkEpoch.fetch_add(1, std::memory_order_relaxed);
 }
 
-/// The part of an activity that lies in [from, to) ms; empty when there is none.
+/// The part of an activity that lies in [from, to) ms; of length 0 when none does.
 HRActivity clipped(const HRActivity& a_activity, std::uint64_t a_uiFrom, std::uint64_t a_uiTo)
 {
     HRActivity result = a_activity;
