@@ -73,7 +73,7 @@ QByteArray patched(QByteArray a_bytes, qsizetype a_iOffset, const QByteArray& a_
     return a_bytes.replace(a_iOffset, a_patch.size(), a_patch);
 }
 
-/// All that is no folder below a folder, as sorted relative paths.
+/// The relative paths of everything below a folder except folders, sorted.
 QStringList filesBelow(const QString& a_sFolder)
 {
     QStringList files;
@@ -209,7 +209,7 @@ void TestArchive::refusedEntries()
     QVERIFY(archive.open(KPZip::Archive::ModeRead));
     QCOMPARE(archive.files(), QStringList{QStringLiteral("good")});
     QCOMPARE(archive.refusedCount(), static_cast<std::uint64_t>(entries.size() - 1));
-    // Ten are named, and then all are counted.
+    // Ten are traced by name, then only their number.
     QCOMPARE(s_traced.size(), 11);
     QVERIFY(archive.extractToFolder(QString(), target()));
     QCOMPARE(filesBelow(m_pFolder->path()),
@@ -266,7 +266,7 @@ void TestArchive::everyTruncation()
     }
 }
 
-/// Whatever byte is damaged: what is unpacked is whole.
+/// Whatever byte is damaged, every unpacked file is complete.
 void TestArchive::everyByteDamaged()
 {
     const QList<TestEntry> entries{m_entries[0], m_entries[2]};
@@ -298,7 +298,7 @@ void TestArchive::boundedBytes()
     QVERIFY(archive.open(KPZip::Archive::ModeRead));
     QVERIFY(!archive.extractToFolder(QString(), target()));
     QCOMPARE(filesBelow(target()), (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
-    // What was written counts until the archive is closed.
+    // The bytes written count until the archive is closed.
     QVERIFY(!archive.extractToFile(QStringLiteral("1"), path("again")));
     QVERIFY(!QFile::exists(path("again")));
     QVERIFY(archive.open(KPZip::Archive::ModeRead));
@@ -347,8 +347,8 @@ void TestArchive::refusedArchive()
     QCOMPARE(s_traced.size(), 1);
 }
 
-/// What stands where a file or folder is to be is neither followed nor waited
-/// for, and does not keep the others from being unpacked.
+/// Whatever has the name of a target file or folder is neither followed nor waited
+/// for, and does not keep the other files from being unpacked.
 void TestArchive::inTheWay()
 {
     const QString sOutside = m_pFolder->filePath(QStringLiteral("outside"));

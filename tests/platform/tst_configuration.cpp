@@ -91,7 +91,7 @@ void TestConfiguration::texts_data()
     QTest::newRow("doubled server path") << QByteArray("Key=\\\\\\\\server\\\\new") << u8("\\\\server\\new");
     QTest::newRow("last backslash") << QByteArray("Key=a\\") << u8("a\\");
     QTest::newRow("two at signs, as QSettings writes one") << QByteArray("Key=@@home") << u8("@home");
-    // Would take 64 GiB if it were decoded.
+    // Would take 64 GiB if QSettings decoded it.
     const char* const szList = "@Variant(\\0\\0\\0\\t\\xff\\xff\\xff\\xfe)";
     const QString sList = u8("@Variant(") + QString(3, QChar(0)) + u8("\t\xC3\xBF\xC3\xBF\xC3\xBF\xC3\xBE)");
     QTest::newRow("huge object") << QByteArray("Key=") + szList << sList;
@@ -102,7 +102,7 @@ void TestConfiguration::texts()
 {
     QFETCH(QByteArray, line);
     QFETCH(QString, expected);
-    // A byte order mark before the line and another setting behind it.
+    // A byte-order mark before the line and another setting after it.
     save("\xEF\xBB\xBF" + line + "\nNext=2\n");
     const ICfg* pCfg = create();
     QCOMPARE(pCfg->readString(u8("Key"), u8("default")), expected);
@@ -145,7 +145,7 @@ void TestConfiguration::groups()
 
 void TestConfiguration::hostileLines()
 {
-    // None of the odd lines may take the settings around it along.
+    // No odd line may change or drop the settings around it.
     save("A=1\n[\"x\n\"=\n\"q\"=3\nno setting\n[Ports\\\nB=2\n[\nC=3\n[Ports]\n\"\nServer=4\n");
     const ICfg* pPorts = create()->openGroup(u8("Ports"));
     QCOMPARE(create()->readUnsigned(u8("A"), 0), 1U);
@@ -188,7 +188,8 @@ void TestConfiguration::changedFile()
     save("[Ports]\nServer=1\n");
     ICfg* pFirst = create();
     ICfg* pFirstPorts = pFirst->openGroup(u8("Ports"));
-    // At once and of the same size: neither is told by the clock.
+    // Changed at once and of the same size: neither the time nor the size of the file
+    // shows the change.
     save("[Ports]\nServer=2\n");
     ICfg* pSecond = create();
     QCOMPARE(pSecond->openGroup(u8("Ports"))->readUnsigned(u8("Server"), 0), 2U);

@@ -13,7 +13,7 @@ constexpr int s_iUtm = Coord::s_iFormatUtm;
 constexpr int s_iMgrs = Coord::s_iFormatMgrs;
 constexpr int s_iLocator = Coord::s_iFormatMaidenhead;
 
-// Half a cell of a form, and rounding, in degrees.
+// Tolerances in degrees: half a cell of each form, and rounding.
 constexpr double s_dMetre = 1.5e-5;
 constexpr double s_dDecimetre = 1.5e-6;
 constexpr double s_dLocator = 1.0 / 24.0 + 1e-9;
@@ -95,7 +95,7 @@ void TestCoord::readsBack()
     }
 }
 
-/// Next to the edge of a band both grid forms name the same one.
+/// Next to the edge of a band both grid forms name the same band.
 void TestCoord::bandEdges()
 {
     for (int iEdge = -72; iEdge <= 72; iEdge += 8) {
@@ -120,7 +120,7 @@ void TestCoord::reads_data()
 
     QTest::newRow("fn31pr") << s_iLocator << true << -74.0 + 15.5 / 12.0 << 41.0 + 17.5 / 24.0;
     QTest::newRow("32n-nf-000000-000000") << s_iMgrs << true << 9.0 << 0.0;
-    QTest::newRow("32x 0500000 0000000") << s_iUtm << true << 9.0 << 0.0; // the band says no more than north
+    QTest::newRow("32x 0500000 0000000") << s_iUtm << true << 9.0 << 0.0; // only the hemisphere counts
     for (const int iFormat : {s_iUtm, s_iMgrs, s_iLocator, 0}) {
         for (const QString& sText :
              {QString(), QString(1000, u'9'), QStringLiteral("\u0663\u0662U-\u00DF")}) {
@@ -140,7 +140,7 @@ void TestCoord::reads_data()
     }
 }
 
-/// The row's name is the text. What cannot be read leaves (0, 0) behind.
+/// The name of the row is the text. An invalid text leaves (0, 0).
 void TestCoord::reads()
 {
     QFETCH(int, format);

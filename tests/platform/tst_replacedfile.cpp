@@ -41,7 +41,8 @@ void TestReplacedFile::fullDisk_data()
     QTest::newRow("no room at all") << 0 << 10 << 1;
 }
 
-/// The system's reason is given, the former file stays, and no other is left.
+/// Reports the system's error text, leaves the former file as it was, and leaves no
+/// other file.
 void TestReplacedFile::fullDisk()
 {
     QFETCH(int, room);
@@ -98,7 +99,7 @@ void TestReplacedFile::refusals()
     QVERIFY(!file.write("x") && !file.commit());
 }
 
-/// Small pieces wait for others, large ones do not overtake them.
+/// Small pieces are collected, and large ones keep their place in the order.
 void TestReplacedFile::piecesInOrder()
 {
     const QTemporaryDir folder;

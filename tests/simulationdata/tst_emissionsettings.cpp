@@ -67,7 +67,7 @@ EmissionSettings twoEmissions(long long a_iPeriod = 0)
     return settings;
 }
 
-/// The walk as one would do it by hand, over every emission of every period.
+/// The walk as done by hand: over every emission of every period.
 QList<HRActivity> naiveActivities(const EmissionSettings& a_settings, const SzenarioEmitter* a_pEmitter,
                                   std::int64_t a_iFrom, std::int64_t a_iLength)
 {
@@ -260,10 +260,10 @@ void TestEmissionSettings::removingGroups()
     settings.removeGroup(self);
     QCOMPARE(settings.groups(), QList{mixed});
     QVERIFY(mixed->groups.isEmpty());
-    QVERIFY(self->groups.isEmpty()); // or it would hold itself for ever
+    QVERIFY(self->groups.isEmpty()); // a group that holds itself is never freed
 }
 
-/// Groups that hold each other are freed with their last settings and not before.
+/// Groups that hold each other are freed with their last settings, not before.
 void TestEmissionSettings::circles()
 {
     const GroupPtr outside = group({emission(0, 1)});
@@ -306,7 +306,7 @@ void TestEmissionSettings::longChains()
     }
     settings.addGroup(next);
     next.reset();
-    settings.clearEmptyGroups(); // the innermost leaves the list only
+    settings.clearEmptyGroups(); // the innermost is removed from the list only
     QCOMPARE(settings.groups().size(), 1);
     settings.clearAll();
 
@@ -353,8 +353,8 @@ void TestEmissionSettings::activities()
         return settings.calculateHRActivities(nullptr, a_uiStart, a_uiLength);
     };
     QCOMPARE(in(0, 1000), (List{{100, 50, 0}, {200, 10, 0}}));
-    QCOMPARE(in(120, 10), (List{{100, 30, 0}})); // never cut in front
-    QCOMPARE(in(180, 10), (List{{100, 50, 0}})); // one that is over is taken too
+    QCOMPARE(in(120, 10), (List{{100, 30, 0}})); // the start is not clipped to the window
+    QCOMPARE(in(180, 10), (List{{100, 50, 0}})); // an emission that has ended is included
     QCOMPARE(in(200, 5), (List{{100, 50, 0}, {200, 5, 0}}));
     settings.setDuration(300);
     QCOMPARE(in(310, 400), (List{{400, 50, 0}, {500, 10, 0}, {700, 10, 0}}));
@@ -379,7 +379,8 @@ void TestEmissionSettings::activitiesAgainstNaiveWalk()
         settings.setDuration(uiPeriod);
         QList<EmissionPtr> emissions;
         for (unsigned int i = 0; i <= below(8); ++i) {
-            // Some start after the period's end, as a shortened period leaves them.
+            // Some start after the end of the period, as after setting a shorter
+            // period.
             emissions.append(emission(below(uiPeriod == 0 || below(9) == 0 ? 900 : uiPeriod), below(60),
                                       emitters[below(3)]));
         }
@@ -437,7 +438,7 @@ void TestEmissionSettings::answerLimit()
     Limits::setValue(Limits::AnswerActivities, iLimit);
     QCOMPARE(settings.calculateHRActivities(nullptr, 0, s_uiForEver).size(), iLimit);
     settings.addEmissions(QList<EmissionPtr>(100'000, emission(0, 1)));
-    // Neither may periods without an answer cost what periods with one do.
+    // Periods without an activity must be passed as fast as periods with one.
     QCOMPARE(settings.calculateHRActivities(rare.get(), 0, s_uiForEver).size(), iLimit);
     QVERIFY(settings.calculateHRActivities(emitter("silent").get(), 0, s_uiForEver).isEmpty());
     Limits::setValue(Limits::AnswerActivities, 0);

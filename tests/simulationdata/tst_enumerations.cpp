@@ -10,7 +10,7 @@
 
 using namespace Simulation;
 
-// Positions are handed on as either type.
+// Positions are passed as either type.
 static_assert(sizeof(TPos) == sizeof(Units::Position_t));
 static_assert(offsetof(TPos, latitude) == offsetof(Units::Position_t, latitude));
 
@@ -27,7 +27,7 @@ private Q_SLOTS:
     void geodesics();
 };
 
-/// Every value and one beyond either end; the stored numbers count.
+/// Every value and one beyond either end; the stored numbers are part of the check.
 void TestEnumerations::texts()
 {
     QString sTexts;
@@ -70,7 +70,7 @@ void TestEnumerations::frequencies()
     QVERIFY(!compareFrequency(s_fNan, s_fNan));
 }
 
-/// Longitude and latitude must not change places on the way to the library.
+/// Longitude and latitude must not be swapped on the way to the geodesy library.
 void TestEnumerations::geodesics()
 {
     constexpr double dTolerance = 1e-6;              // degrees or kilometres

@@ -78,12 +78,13 @@ SlowHopper slowHopper(const QList<FrequencyStep>& a_steps,
     return hopper;
 }
 
-/// A slow hopper that walks its table step by step: slow, but plain to see.
+/// A slow hopper that visits each step of its table in turn: slow, but easy to
+/// verify.
 struct WalkedTable
 {
     QList<FrequencyStep> steps;
     EndBehaviourType end = EndBehaviourType::Restart;
-    std::uint64_t length = 0; ///< as last asked for, 0 after a reset
+    std::uint64_t length = 0; ///< as last computed, 0 after a reset
 
     [[nodiscard]] std::uint64_t sum() const
     {
@@ -243,7 +244,7 @@ void TestFrequencySettings::chirpFrequency_data()
     QTest::addColumn<double>("expected");
     QTest::newRow("downward") << chirpOf(1000, 0, 1000) << 250U << 750.0;
     QTest::newRow("shifted") << chirpOf(0, 1000, 1000, 0.25F) << 750U << 500.0;
-    // 2^32 - 250 ms leaves 46 ms of a sweep.
+    // The shifted time is 2^32 - 250 ms, 46 ms within a sweep.
     QTest::newRow("before the shift") << chirpOf(0, 1000, 1000, 0.25F) << 0U << double(46.0F / 1000.0F) * 1e3;
     // The time is a multiple of 256 in single precision, 2^32 here.
     QTest::newRow("latest time") << chirpOf(0, 1000, 1000) << s_uiMax << 0.0;
@@ -311,7 +312,7 @@ void TestFrequencySettings::activities()
     QFETCH(unsigned int, start);
     QFETCH(unsigned int, length);
     QFETCH(double, resolution);
-    Limits::setValue(Limits::AnswerActivities, 100); // no row comes near
+    Limits::setValue(Limits::AnswerActivities, 100); // far above every row
     const std::unique_ptr<IFrequencySettings> settings(make());
     QTEST(text(settings->calculateHRActivities(start, length, resolution)), "expected");
 }
@@ -350,7 +351,7 @@ void TestFrequencySettings::channelOrder()
     const QList<double> seed0{0, 5, 1, 4, 7, 3, 2, 6};
     FastHopper hopper = numberedHopper(8, 1000);
     QCOMPARE(order(hopper, 1), seed0);
-    QCOMPARE(order(hopper, 9), seed0); // each channel again, a round later
+    QCOMPARE(order(hopper, 9), seed0); // the same channels again in the next round
     hopper.setHoppRate(100);
     QCOMPARE(order(hopper, 10), seed0);
     hopper.setCenterFrequency(hopper.getCenterFrequency() + 100.0);
@@ -376,13 +377,13 @@ void TestFrequencySettings::tooManyChannels()
     hopper.setHoppCount(s_uiMax);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("4294967295.*hop channels.*8")));
     QCOMPARE(hopper.getFrequencyAt(1), 0.0);
-    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); // traced once, not with each query
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); // traced once, not by each query
     const FastHopper copy(hopper);
     QCOMPARE(copy.getFrequencyAt(1), 0.0);
     QCOMPARE(text(hopper.calculateHRActivities(3, 40, 1.0)), QStringLiteral("3+40@0"));
 }
 
-/// Thousands of hoppers together may not take what one may not.
+/// Thousands of hoppers together may not exceed what a single one may not.
 void TestFrequencySettings::tooManyChannelsTogether()
 {
     Limits::setValue(Limits::AllHopChannels, 20);
@@ -450,7 +451,7 @@ void TestFrequencySettings::slowHopperKeepsLengthOverInsertAndRemove()
     hopper.setDuration(-1, 0); // resets the length although nothing changes
     QCOMPARE(hopper.activeUntil(), 200U);
     hopper.insertStep(-1);
-    hopper.setCenterFrequency(1.0); // every setter does
+    hopper.setCenterFrequency(1.0); // every setter resets it
     QCOMPARE(hopper.activeUntil(), 300U);
     hopper.removeStep(3);
     hopper.setFrequencySteps(hopper.getFrequencySteps());
@@ -458,7 +459,7 @@ void TestFrequencySettings::slowHopperKeepsLengthOverInsertAndRemove()
     hopper.removeStep(2);
     hopper.removeStep(1);
     QCOMPARE(hopper.activeUntil(), 200U);
-    // The length is not 0, but a whole cycle advances by nothing.
+    // The length is not 0, but a whole cycle has no duration.
     QCOMPARE(text(hopper.calculateHRActivities(10, 20, 1.0)), QStringLiteral("10+20@1"));
     hopper.setEndBehavior(EndBehaviourType::Inactive);
     QVERIFY(!hopper.isActiveAt(1));
@@ -499,7 +500,7 @@ void TestFrequencySettings::slowHopperMatchesWalk()
                      walked.end != EndBehaviourType::Inactive || uiStart <= uiSum);
             QCOMPARE(text(hopper.calculateHRActivities(uiStart, uiLength, 1.0)),
                      text(walked.activities(uiStart, uiLength)));
-            // These keep the length that was just asked for, so it goes stale.
+            // These keep the length that was just computed, so it no longer fits.
             if (below(random, 2) == 0) {
                 const auto iRow =
                     static_cast<int>(below(random, static_cast<unsigned int>(walked.steps.size())));

@@ -80,7 +80,7 @@ struct Whereabouts
     double speed = 0.0;
 };
 
-/// Walks the time line point by point: slow, but plain to see.
+/// Walks the time line point by point: slow, but easy to verify.
 Whereabouts walked(const Ptp& a_settings, std::uint64_t a_uiTime)
 {
     const Path& path = a_settings.getMovments();
@@ -222,7 +222,7 @@ void TestPositionSettings::whenItIsComputedMakesNoDifference()
     std::mt19937 random(815);
     for (int i = 0; i < 2000; ++i) {
         Ptp watched = movement(randomPath(random));
-        Ptp unwatched(watched); // nobody asks it before the end
+        Ptp unwatched(watched); // not queried before the end
         for (int iEdit = 0; iEdit < 8; ++iEdit) {
             const unsigned int uiSeed = below(random, s_uiMax);
             randomEdit(watched, uiSeed);
@@ -321,7 +321,7 @@ void TestPositionSettings::edits()
     edit(settings);
     QTEST(text(settings, false), "expected");
 
-    // Whatever the edit, the times fit the points: nothing is left over from before.
+    // After any edit the times fit the points: no derived value is outdated.
     const Path& path = settings.getMovments();
     for (qsizetype i = 0; i + 1 < path.size(); ++i) {
         const double dLegs = std::fabs(path[i + 1].position.longitude - path[i].position.longitude);
@@ -338,7 +338,7 @@ void TestPositionSettings::ownPointsAsArguments()
     settings.setPoint(0, settings.getPoint(1));
     QCOMPARE(settings.getPoint(0).name, QStringLiteral("B"));
     settings.setMovements(settings.getMovments());
-    for (int i = 0; i < 20; ++i) { // grows the storage while an argument lies in it
+    for (int i = 0; i < 20; ++i) { // grows the list while an argument refers to its element
         settings.insertRowAfter(0, 0.1,
                                 settings.getPoint(-1).name.isNull() ? settings.getPoint(1).name : QString());
         settings.insertRowsAfter(1, settings.getMovments().mid(0, 2));
@@ -366,7 +366,7 @@ void TestPositionSettings::ignoredRows()
     }
     settings.setMovementSpeed(0, 99.0F);
     settings.setArivalTime(0, 99999);
-    settings.setArivalTime(2, settings.getDepartureTime(1) - 1); // no speed reaches it
+    settings.setArivalTime(2, settings.getDepartureTime(1) - 1); // no speed is high enough
     settings.insertArcAfter(1, 0, 90, 100.0);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("2147483647 points")));
     settings.insertArcAfter(1, std::numeric_limits<int>::max(), 90, 100.0);
@@ -406,7 +406,7 @@ void TestPositionSettings::arrivalAndDeparture()
     settings.setArivalTime(3, settings.getDepartureTime(2) + 3'600'000);
     QVERIFY(std::fabs(settings.getPoint(3).speed - 2.0 * s_dEquatorDegree) < 0.001);
 
-    settings.setMovementSpeed(3, -1.0F); // both legs at once
+    settings.setMovementSpeed(3, -1.0F); // both legs without time
     QCOMPARE(settings.getMovementSpeed(3), -1.0F);
     QCOMPARE(settings.getArivalTime(3), settings.getDepartureTime(1));
 }
@@ -419,7 +419,8 @@ void TestPositionSettings::arc()
         double east, north; ///< metres from the beginning to the end of the arc
     };
     const double dPart = 1000.0 * std::sin(3.14159265358979323846 / 4.0);
-    // The path runs north to row 1; the first point has no direction and starts to the north too.
+    // The path runs north to row 1; the first point has no direction and counts as
+    // heading north.
     for (const Arc& arc : {Arc{1, 9, 90, 1000.0, 1000.0}, Arc{1, 7, -180, -2000.0, 0.0},
                            Arc{0, 2, 90, 1000.0, 1000.0}, Arc{1, 500, 3600 + 45, 1000.0 - dPart, dPart},
                            Arc{2, 3, 90, 1000.0, 1000.0}, Arc{1, 1, 90, 0, 0}}) {
@@ -427,12 +428,13 @@ void TestPositionSettings::arc()
         const TPos start = settings.getPoint(arc.row).position;
         settings.insertArcAfter(arc.row, arc.count, arc.angle, 1000.0);
         QCOMPARE(settings.getMovments().size(), 3 + arc.count);
-        // The arc begins where the path is, but for the meridians' convergence over the radius.
+        // The arc starts in the direction of the path, except for the convergence of
+        // the meridians over the radius.
         QVERIFY(distance(settings.getPoint(arc.row + 1).position, start) < 1e-5);
         const TPos last = settings.getPoint(arc.row + arc.count).position;
         QVERIFY(std::fabs((last.longitude - start.longitude) * s_dEquatorDegree * 1000.0 - arc.east) < 0.1);
         QVERIFY(std::fabs((last.latitude - start.latitude) * 110'574.0 - arc.north) < 0.1);
-        for (int i = arc.row + 1; i < arc.row + arc.count; ++i) { // all steps alike
+        for (int i = arc.row + 1; i < arc.row + arc.count; ++i) { // all steps are equal
             const double dStep = distance(settings.getPoint(i).position, settings.getPoint(i + 1).position);
             const double dTurn = std::fabs(arc.angle) / (arc.count - 1) * 3.14159265358979323846 / 180.0;
             QVERIFY(std::fabs(dStep - 2.0 * std::fabs(std::sin(dTurn / 2.0))) < 1e-6);

@@ -73,7 +73,7 @@ QString bursts(const SzenarioEmitter& a_emitter, unsigned int a_uiStart, unsigne
     return texts.join(u' ');
 }
 
-/// All that copies take over from an emitter, as text.
+/// Everything that a copy takes from an emitter, as text.
 QString description(const SzenarioEmitter& a_emitter)
 {
     const EmissionSettings* pSchedule = a_emitter.ScenarioObject::emissionSettings();
@@ -170,12 +170,13 @@ void TestScenarioObjects::copies()
     const auto elint = std::make_shared<ElintScenarioEmitter>(QStringLiteral("x"), QString());
     elint->SetEDWFile(QStringLiteral("edw"));
     elint->copy(source);
-    // The constructor takes its own id and name and leaves the flag alone, but not the visibility.
+    // The constructor keeps its own id and name and does not copy the active flag,
+    // but it copies the visibility.
     const SzenarioEmitter constructed(QStringLiteral("c"), QStringLiteral("C"), source);
     QVERIFY(constructed.isVisibleOnMap() && constructed.isVisibleOnTimeline());
     QVERIFY(!clone->isVisibleOnMap() && !clone->isVisibleOnTimeline());
 
-    // What was copied is a copy.
+    // The copied settings are independent of the source.
     source->frequencySettings()->setCenterFrequency(1.0);
     source->getTranmitterSettings()->setPower(1234.0F);
     source->positionSettings()->setPosition(TPos{77.0, 77.0});
@@ -196,7 +197,7 @@ void TestScenarioObjects::copyBesides()
     const auto clone = std::static_pointer_cast<SzenarioEmitter>(source->clone());
     const SzenarioEmitter constructed(QStringLiteral("c"), QString(), source);
     QVERIFY(clone->linkTargetEmitter() == target && constructed.linkTargetEmitter() == target);
-    // From another kind only what all objects have.
+    // From an object of another class it copies only what all objects have.
     source->setClass(QStringLiteral("kept"));
     const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
     source->copy(network);
@@ -204,14 +205,14 @@ void TestScenarioObjects::copyBesides()
     network->addEmitter(target);
     network->copy(target);
     QVERIFY(network->id() == u"target" && network->containsEmitter(target));
-    // A follower that copies what it follows must not end up holding itself.
+    // A follower that copies its link target must not hold itself.
     source->copy(target);
     QVERIFY(source->linkedEmitter().isEmpty());
     source->copy(source);
     QCOMPARE(source->id(), QStringLiteral("target"));
 }
 
-/// Objects that no std::shared_ptr holds can be cloned all the same.
+/// Objects outside any std::shared_ptr can be cloned.
 void TestScenarioObjects::clonesOfLocalObjects()
 {
     const EmitterPtr target = emitter(QStringLiteral("target"));
@@ -270,7 +271,7 @@ void TestScenarioObjects::clonedGroups()
         inner->name = QStringLiteral("inner");
         inner->emissions = pSchedule->emissions();
         outer->groups = {inner, outer};                          // a circle
-        outer->emissions = {pSchedule->emissions().constLast()}; // of the one that goes
+        outer->emissions = {pSchedule->emissions().constLast()}; // of the member to be removed
         pSchedule->addGroup(inner);
         pSchedule->addGroup(outer);
         for (const EmitterPtr& member : {silent, loose}) {
@@ -282,7 +283,7 @@ void TestScenarioObjects::clonedGroups()
         QCOMPARE(clone->emissionSettings()->groups(), pSchedule->groups());
         const auto& loser = bFromClone ? clone : source;
         const auto& keeper = bFromClone ? source : clone;
-        // Groups that lose nothing stay those that an editor holds.
+        // Groups that lose no member stay the objects that an editor holds.
         QVERIFY(loser->removeEmitter(silent) && loser->removeEmitter(loose));
         QCOMPARE(loser->emissionSettings()->emissions().size(), 2);
         QCOMPARE(loser->emissionSettings()->groups(), (QList{inner, outer}));
@@ -296,8 +297,8 @@ void TestScenarioObjects::clonedGroups()
         // Once parted, the groups stay the same objects.
         QVERIFY(loser->removeEmitter(stays) && keeper->removeEmitter(stays));
         QVERIFY(left[0]->emissions.isEmpty() && inner->emissions.size() == 1);
-        // A schedule that ends takes a circle apart unless somebody else holds it, as
-        // this function does.
+        // A destroyed schedule frees a circle of groups unless another object holds
+        // it, as this function does.
         outer->groups.clear();
     }
 }
@@ -310,7 +311,7 @@ void TestScenarioObjects::membership()
     const EmitterPtr c = emitter(QStringLiteral("c"));
     QVERIFY(network->addEmitter(a) && network->addEmitter(b));
     QVERIFY(!network->addEmitter(a));
-    QVERIFY(!a->hasNetwork()); // its own side is the caller's
+    QVERIFY(!a->hasNetwork()); // the caller sets the side of the member
     network->setHeadEmitter(b);
     QCOMPARE(network->emitterList(), (QList{b, a}));
     network->setHeadEmitter(c);
@@ -362,7 +363,7 @@ void TestScenarioObjects::followsLinks()
     EmitterPtr target = emitter(QStringLiteral("gone"));
     last->setLinkTargetEmitter(target);
     QVERIFY(last->isLinked());
-    target.reset(); // is not kept alive by its followers
+    target.reset(); // its followers do not keep it alive
     QVERIFY(!last->isLinked());
 }
 
@@ -399,13 +400,13 @@ void TestScenarioObjects::affected()
     link(a, c); // a circle
     QCOMPARE(a->affectedLinkedEmitter(), (QSet{b, c, d}));
     QCOMPARE(c->affectedLinkedEmitter(), (QSet{a, b, d}));
-    c->removeLinkedEmitter(a); // linked emitters are held: the owner parts them
+    c->removeLinkedEmitter(a); // linked emitters are held strongly: the owner unlinks them
 }
 
-/// Neither queries nor destruction may recurse along a chain.
+/// Neither queries nor destruction may recurse along a chain of links.
 void TestScenarioObjects::longChain()
 {
-    constexpr int iLength = 200'000; // 100 times what the stack would hold
+    constexpr int iLength = 200'000; // 100 times the depth that the stack allows
     EmitterPtr leader = emitter(QStringLiteral("leader"));
     leader->positionSettings()->setPosition(TPos{3.0, 4.0});
     std::weak_ptr<SzenarioEmitter> last;
@@ -442,7 +443,7 @@ void TestScenarioObjects::active_data()
     row("emission of nobody", true, false, [](SzenarioEmitter& a_emitter) {
         a_emitter.emissionSettings()->emissions().constFirst()->emitter.reset();
     });
-    // The network's frequency counts for its members.
+    // The network's frequency applies to its members.
     row("frequency over", false, true, [](SzenarioEmitter& a_emitter) {
         auto* pHopper = static_cast<FrequencySettings_SlowHopper*>(endingFrequency());
         pHopper->setFrequencySteps({{25e6, 400}});

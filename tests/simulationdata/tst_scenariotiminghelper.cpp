@@ -60,7 +60,8 @@ void TestScenarioTimingHelper::arithmetic()
     setNow(s_uiStart + 2000);
     QCOMPARE(timing.scenarioTime(), 1U);
 
-    // Over the edge of a millisecond, which only one of the two cuts at.
+    // Across the end of a millisecond: only one of the two functions cuts both
+    // timestamps there.
     timing.startScenarioTime(s_uiStart, 0);
     setNow(s_uiStart + 100);
     QCOMPARE(timing.scenarioTime(), 0U);

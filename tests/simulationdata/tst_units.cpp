@@ -201,8 +201,8 @@ void TestUnits::positionRead()
                                                     QString::number(read.latitude))));
 }
 
-/// In any format a text reads as something finite, and a number shows as
-/// something in the three forms that can show it.
+/// Any text reads as a finite position in any format, and any number has a text in
+/// the three forms that can show it.
 void TestUnits::positionOddInput()
 {
     const QStringList texts{QString(), QStringLiteral("W"), QString(1'000'000, u'9'),
@@ -244,7 +244,7 @@ void TestUnits::positionValid_data()
     QTest::newRow("unknown is decimal") << "E008.500000° N48.250000°" << s_iUnknownFormat << true;
 }
 
-/// As it stands, and with a comma where the text has a point.
+/// The text unchanged, and with a comma in place of the point.
 void TestUnits::positionValid()
 {
     QFETCH(QString, text);
