@@ -53,6 +53,7 @@ double FrequencySettings_Chirp::getCenterFrequency() const
 
 void FrequencySettings_Chirp::setCenterFrequency(double a_dFrequency)
 {
+    // Both ends move by the same amount.
     const double dShift = getCenterFrequency() - a_dFrequency;
     m_dStartFrequency -= dShift;
     m_dStopFrequency -= dShift;

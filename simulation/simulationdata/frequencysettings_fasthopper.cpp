@@ -136,6 +136,8 @@ QList<HRActivity> FrequencySettings_FastHopper::calculateHRActivities(unsigned i
     if (!hasChannels() || m_uiHoppRate == 0) {
         return {{a_uiStart, a_uiLength, getFrequencyAt(a_uiStart)}};
     }
+    // Hops take whole ms here but not in getFrequencyAt(), so an activity has the
+    // frequency at its middle.
     const auto frequencyInMiddle = [this](std::uint64_t a_uiFrom, std::uint64_t a_uiDuration) {
         return getFrequencyAt(
             toUInt32(static_cast<double>(a_uiFrom) + static_cast<double>(a_uiDuration) * 0.5));

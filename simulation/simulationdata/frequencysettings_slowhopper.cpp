@@ -92,6 +92,7 @@ void FrequencySettings_SlowHopper::setTime(int a_iRow, unsigned int a_uiTime)
     const std::uint32_t uiCurrent = getTime(a_iRow);
     resetLength();
     if (a_iRow >= 1 && hasRow(a_iRow) && a_uiTime > uiBefore) {
+        // The step before takes up the difference.
         m_frequencySteps[a_iRow - 1].duration += a_uiTime - uiCurrent;
     }
 }
@@ -154,7 +155,6 @@ double FrequencySettings_SlowHopper::getFrequencyAt(unsigned int a_uiTime) const
         return m_frequencySteps[static_cast<qsizetype>(stepAt(times, a_uiTime))].frequency;
     }
     if (m_eEndBehavior == EndBehaviourType::Restart && uiCycle != 0) {
-        // The time within the cycle.
         return getFrequencyAt(static_cast<std::uint32_t>(a_uiTime % uiCycle));
     }
     return lastFrequency();
@@ -167,6 +167,7 @@ bool FrequencySettings_SlowHopper::isTimeDependend() const
 
 bool FrequencySettings_SlowHopper::isActiveAt(unsigned int a_uiTime) const
 {
+    // The end of the table itself is still active.
     return m_eEndBehavior != EndBehaviourType::Inactive || a_uiTime <= stepTimes().back();
 }
 
@@ -174,6 +175,8 @@ QList<HRActivity> FrequencySettings_SlowHopper::calculateHRActivities(unsigned i
                                                                       unsigned int a_uiLength,
                                                                       double /*a_dResolution*/) const
 {
+    // After the end the last frequency lasts (Stop), or there is no activity
+    // (Inactive).
     const std::uint32_t uiLength = calculateLength();
     if (a_uiStart > uiLength && m_eEndBehavior == EndBehaviourType::Stop) {
         return {{a_uiStart, a_uiLength, lastFrequency()}};
@@ -201,6 +204,8 @@ QList<HRActivity> FrequencySettings_SlowHopper::calculateHRActivities(unsigned i
     while (uiTime < uiEnd) {
         const FrequencyStep& step = m_frequencySteps[static_cast<qsizetype>(uiStep)];
         const std::uint64_t uiStepEnd = uiTime + step.duration;
+        // The step that ends exactly at the length is the last one, unless the table
+        // restarts.
         const bool bLast = uiStepEnd == uiLength && m_eEndBehavior != EndBehaviourType::Restart;
         const std::uint64_t uiFrom = std::max(uiTime, uiOffset);
         const std::uint64_t uiTo = bLast ? uiEnd : std::min(uiStepEnd, uiEnd);

@@ -225,6 +225,7 @@ void PositionSettingsPtp::removeRow(int a_iRow)
     computeLegs();
     const MovementPoint& removed = m_movements[a_iRow];
     MovementPoint& before = m_movements[a_iRow - 1];
+    // The intermediate point before takes the place of the way point.
     if (removed.major && !before.major) {
         before.major = true;
         before.speed = removed.speed;
@@ -279,6 +280,8 @@ void PositionSettingsPtp::insertRowsAfter(int a_iRow, QVector<MovementPoint> a_p
     }
     computeLegs();
     if (a_iRow == m_movements.size() - 1) {
+        // The end of the path keeps its properties when it moves to the last new
+        // point.
         MovementPoint& oldEnd = m_movements.last();
         MovementPoint& newEnd = a_points.last();
         newEnd.major = true;
@@ -342,6 +345,7 @@ void PositionSettingsPtp::area(double& a_dWidth, double& a_dHeight) const
         high.longitude = std::max(high.longitude, point.position.longitude);
         high.latitude = std::max(high.latitude, point.position.latitude);
     }
+    // Geodesics along the southern and the western edge of the box.
     a_dWidth = distance(low, {high.longitude, low.latitude});
     a_dHeight = distance(low, {low.longitude, high.latitude});
 }
@@ -406,6 +410,7 @@ double PositionSettingsPtp::headingAt(unsigned int a_uiTime) const
         if (movements.size() < 2) {
             return 0.0;
         }
+        // After the end: the heading of the last leg.
         stretch = movements.size() - 2;
     }
     return azimuth(movements[*stretch].position, movements[*stretch + 1].position);
@@ -414,6 +419,7 @@ double PositionSettingsPtp::headingAt(unsigned int a_uiTime) const
 double PositionSettingsPtp::speedAt(unsigned int a_uiTime) const
 {
     if (const auto stretch = stretchAt(a_uiTime)) {
+        // The leg that led to this point, not the one that follows it.
         return static_cast<double>(getMovementSpeed(static_cast<int>(*stretch)));
     }
     const auto time = timeInNextCycle(a_uiTime);
@@ -517,6 +523,8 @@ const std::vector<std::uint64_t>& PositionSettingsPtp::arrivals() const
 std::optional<qsizetype> PositionSettingsPtp::stretchAt(unsigned int a_uiTime) const
 {
     const std::vector<std::uint64_t>& times = arrivals();
+    // The stretch of a row (its dwell time and the leg after it) ends with the
+    // arrival at the next row.
     const auto itEnds = times.cbegin() + 1;
     const auto itLast = times.cend() - 1;
     const auto it = std::upper_bound(itEnds, itLast, std::uint64_t{a_uiTime});

@@ -287,6 +287,7 @@ QList<HRActivity> SzenarioEmitter::calculateBursts(unsigned int a_uiStart, unsig
     if (pFrequency == nullptr || a_uiEnd <= a_uiStart) {
         return {};
     }
+    // Cuts each on-time to the window and each frequency activity to its on-time.
     ActivityAnswer bursts(s_szSource);
     const QList<HRActivity> onTimes = emissionSettings()->calculateHRActivities(
         hasNetwork() ? this : nullptr, a_uiStart, a_uiEnd - a_uiStart);

@@ -121,15 +121,15 @@ public:
     /// the emission names this emitter.
     [[nodiscard]] std::shared_ptr<SignalPackage> signalPackageAt(unsigned int a_uiTime) const;
 
-    /// The on-times of the schedule inside [start, end) ms, each filled with
-    /// the frequency activities of resolution `a_dFactor` (Hz, for a chirp);
-    /// nothing lies outside the window or outside its on-time. The answer stops
-    /// at Limits::AnswerActivities.
+    /// The on-times of the schedule inside [start, end) ms, each filled with the
+    /// frequency activities of resolution `a_dFactor` (Hz, for a chirp); no activity
+    /// lies outside the window or its on-time. The answer stops at
+    /// Limits::AnswerActivities.
     [[nodiscard]] QList<HRActivity> calculateBursts(unsigned int a_uiStart, unsigned int a_uiEnd,
                                                     double a_dFactor) const;
 
 protected:
-    /// Whether flag, frequency and position let the emitter be active.
+    /// Whether flag, frequency and position are active at a time (ms).
     [[nodiscard]] bool isReadyAt(unsigned int a_uiTime) const;
 
     /// Copies all that copy() copies from another emitter.
