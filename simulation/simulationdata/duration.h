@@ -7,15 +7,14 @@
 
 namespace Units {
 
-/// Durations (ms) as text. Static operations only: an object holds nothing and
-/// assigning it does nothing. Any thread may call.
+/// Durations (ms) as text. Static operations only: an object has no state. Any thread
+/// may call.
 class SIMULATIONDATA_EXPORT Duration
 {
 public:
     /// A duration (ms) as "hh:mm:ss" and the letter s, for example "01:02:03s".
-    /// Milliseconds are dropped and a day begins again at 00:00:00. From 2^31
-    /// the count is negative and runs back from midnight: 0xFFFFFFFF gives
-    /// "23:59:59s".
+    /// Milliseconds are dropped, and a full day starts again at 00:00:00. From 2^31
+    /// the count is negative, that is, before midnight: 0xFFFFFFFF gives "23:59:59s".
     [[nodiscard]] static QString toString(unsigned int a_uiMilliseconds);
 };
 

@@ -45,8 +45,8 @@ enum class NetworkType : int {
     Star = 1,
 };
 
-/// Whether two frequencies (Hz) are equal within 0.001: difference and tolerance
-/// are taken in single precision.
+/// Whether two frequencies (Hz) differ by less than 0.001. The difference is rounded
+/// to single precision first.
 [[nodiscard]] SIMULATIONDATA_EXPORT bool compareFrequency(float a_fFirst, float a_fSecond);
 
 /// Display texts; an unknown value gives an empty text.

@@ -37,6 +37,7 @@ constexpr std::array<Band, 4> s_bands{{
     {std::numeric_limits<double>::infinity(), u'g', QLatin1String("G"), s_dGiga, 6},
 }};
 
+/// The band of a frequency (Hz), which decides the unit that shows it.
 const Band& bandOf(double a_dValue)
 {
     for (const Band& band : s_bands) {
@@ -47,6 +48,8 @@ const Band& bandOf(double a_dValue)
     return s_bands.back(); // infinite or not a number
 }
 
+/// Hz of the unit that a letter names, in either case. Without a letter, Hz of the
+/// unit that shows the reference (Hz), or 1 for the reference 0.
 double multiplierOf(QStringView a_sUnit, double a_dReference)
 {
     if (a_sUnit.isEmpty()) {
@@ -60,7 +63,7 @@ double multiplierOf(QStringView a_sUnit, double a_dReference)
     return 1.0;
 }
 
-/// Compiled on first use, which may come before s_sRegex is initialised.
+/// Compiled on first use, which may be before s_sRegex is initialised.
 const QRegularExpression& expression()
 {
     static const QRegularExpression s_expression(QRegularExpression::anchoredPattern(s_sPattern),

@@ -9,24 +9,24 @@ namespace Units {
 
 /// Frequencies (Hz) to and from the text that users read and type.
 ///
-/// Static operations only: an object holds nothing and assigning it does
-/// nothing. Any thread may call; nothing throws.
+/// Static operations only: an object has no state. Any thread may call; nothing
+/// throws.
 class SIMULATIONDATA_EXPORT Frequency
 {
 public:
-    /// The pattern of a frequency that a user types: a number and, optionally,
-    /// a unit letter; what follows is ignored. Use it once main() runs.
+    /// The pattern of a frequency that a user types: a number and, optionally, a unit
+    /// letter; the text after it is ignored. Valid once main() runs.
     static const QString s_sRegex;
 
     /// Whether two frequencies (Hz) differ by less than 1e-6 Hz.
     [[nodiscard]] static bool equal(double a_dFirst, double a_dSecond);
 
     /// A frequency (Hz) with a unit that suits it, for example "433.920000 MHz":
-    /// below 1000 in Hz, below 1e7 in kHz, below 1e9 in MHz, else (also not a
-    /// number) in GHz. One MHz up to 10 MHz stay in kHz on purpose, and the unit
-    /// is chosen before rounding. With `a_bFixedDecimals` as many decimals as
-    /// suit the unit (0, 3, 6, 6), otherwise always six. The decimal point is
-    /// "." in every locale. `a_pbOk` may be null, else it becomes true.
+    /// below 1000 in Hz, below 1e7 in kHz, below 1e9 in MHz, else (also not a number)
+    /// in GHz. 1 MHz to 10 MHz stay in kHz on purpose, and the unit is chosen before
+    /// rounding. With `a_bFixedDecimals` the unit decides the number of decimals (0,
+    /// 3, 6, 6), otherwise there are always six. The decimal point is "." in every
+    /// locale. Sets `*a_pbOk` to true unless the pointer is null.
     [[nodiscard]] static QString toString(double a_dValue, bool a_bFixedDecimals, bool* a_pbOk = nullptr);
 
     /// Whether the whole text matches s_sRegex.

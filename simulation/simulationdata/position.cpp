@@ -20,7 +20,8 @@ constexpr double s_dTolerance = 1e-8; // degrees
 constexpr char s_szContext[] = "Units::Position";
 constexpr QChar s_degree = u'\u00B0';
 
-/// What a line edit needs to know of a format; '@' stands for the decimal point.
+/// Input mask, pattern and name of a format; '@' is a placeholder for the decimal
+/// point.
 struct FormatTexts
 {
     QStringView mask;
@@ -62,7 +63,7 @@ const FormatTexts& textsOf(Position::Format a_eFormat)
     return s_formats[static_cast<std::size_t>(knownFormat(a_eFormat))];
 }
 
-/// The code of Coord for a format; 0, which Coord does not know, for the others.
+/// Coord's code of a format; for the other formats 0, which Coord does not know.
 int coordFormat(Position::Format a_eFormat)
 {
     switch (a_eFormat) {
@@ -115,8 +116,8 @@ QChar latitudeLetter(double a_dLatitude)
     return a_dLatitude >= 0.0 ? u'N' : u'S';
 }
 
-/// A whole number without an integer cast, which would be undefined for what
-/// does not fit.
+/// A whole number as text, without a cast to an integer, which is undefined for
+/// values that do not fit.
 QString wholeText(double a_dValue, int a_iWidth)
 {
     return QString::number(a_dValue, 'f', 0).rightJustified(a_iWidth, u'0');
@@ -141,7 +142,7 @@ QString decimalText(const Position_t& a_position, const QLocale& a_locale)
            localText(std::fabs(a_position.latitude), iDecimals, iLatitudeWidth, a_locale) + s_degree;
 }
 
-/// The whole part plus 1 when the rest is above a half; exactly a half stays.
+/// Rounds to whole seconds; exactly a half is rounded down.
 double roundedSeconds(double a_dSeconds)
 {
     constexpr double dHalf = 0.5;
@@ -149,6 +150,9 @@ double roundedSeconds(double a_dSeconds)
     return a_dSeconds - dWhole > dHalf ? dWhole + 1.0 : dWhole;
 }
 
+/// A magnitude (degrees) as degrees, minutes = trunc(fraction * 60), and seconds =
+/// the fraction of the minutes * 60. Seconds that round to 60 are not carried into
+/// the minutes.
 QString geoAxisText(double a_dMagnitude, int a_iDegreeWidth, Position::Format a_eFormat,
                     const QLocale& a_locale)
 {
@@ -175,13 +179,14 @@ QString geoText(const Position_t& a_position, Position::Format a_eFormat, const 
            geoAxisText(std::fabs(a_position.latitude), iLatitudeDegrees, a_eFormat, a_locale);
 }
 
-/// Where the pieces of one axis stand in a text; the letter stands before.
+/// Index and length of a number in the text of a position.
 struct Piece
 {
     qsizetype at;
     qsizetype length;
 };
 
+/// The numbers of one axis. The letter of the hemisphere precedes the degrees.
 struct GeoPieces
 {
     Piece degrees;

@@ -25,12 +25,12 @@ struct Position_t
 
 /// Positions to and from the text that users read and type.
 ///
-/// Static operations only: an object holds nothing and assigning it does
-/// nothing. Any thread may call; nothing throws.
+/// Static operations only: an object has no state. Any thread may call; nothing
+/// throws.
 class SIMULATIONDATA_EXPORT Position
 {
 public:
-    /// The text forms, in the order in which users are offered them.
+    /// The text forms, in the order in which users see them.
     enum Format : int {
         Decimal = 0,    ///< E008.123456° N48.123456°, the locale's decimal point
         GeoLong = 1,    ///< E008°30'15.25" N48°07'30.00", the locale's decimal point
@@ -47,18 +47,18 @@ public:
     /// Whether the whole text matches regex() of this format and locale.
     [[nodiscard]] static bool validString(const QString& a_sText, Format a_eFormat, const QLocale& a_locale);
 
-    /// A position as text, empty for an unknown format. In the Geo forms nothing
-    /// is carried from seconds to minutes: "60" and "60.00" appear, on purpose.
-    /// What is not finite shows as "nan" or "inf" in the first three forms; for
-    /// the others see Coord.
+    /// A position as text, empty for an unknown format. In the Geo forms nothing is
+    /// carried from seconds to minutes: "60" and "60.00" appear, on purpose. A
+    /// coordinate that is not finite shows as "nan" or "inf" in the first three
+    /// forms; for the others see Coord.
     [[nodiscard]] static QString toString(const Position_t& a_position, Format a_eFormat,
                                           const QLocale& a_locale);
     [[nodiscard]] static QString toString(double a_dLongitude, double a_dLatitude, Format a_eFormat,
                                           const QLocale& a_locale);
 
-    /// The position of a text, always finite; (0, 0) for an unknown format. Ask
-    /// validString() first: the first three forms are read at fixed places, and
-    /// what is no number there counts as 0. GeoLong reads seconds with a decimal
+    /// The position of a text, always finite; (0, 0) for an unknown format. Check
+    /// validString() first: the first three forms are read at fixed places, where
+    /// text that is not a number counts as 0. GeoLong reads seconds with a decimal
     /// "." only, so those written with a decimal comma read as 0, on purpose.
     [[nodiscard]] static Position_t fromString(const QString& a_sText, Format a_eFormat,
                                                const QLocale& a_locale);
@@ -66,10 +66,10 @@ public:
     /// The input mask of a line edit; that of Decimal for an unknown format.
     [[nodiscard]] static QString formatMask(Format a_eFormat, const QLocale& a_locale);
 
-    /// The regular expression of a valid text; that of Decimal for an unknown
-    /// format. The decimal point stands in it as "\x" and four hexadecimal
-    /// digits, which QRegularExpression does not read as one character: match
-    /// with validString().
+    /// The regular expression of a valid text; that of Decimal for an unknown format.
+    /// The decimal point is written as "\x" and four hexadecimal digits, which
+    /// QRegularExpression does not read as one character: use validString() to match
+    /// a text.
     [[nodiscard]] static QString regex(Format a_eFormat, const QLocale& a_locale);
 
     /// Every format, in order.

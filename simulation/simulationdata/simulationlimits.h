@@ -9,12 +9,12 @@
 
 namespace Simulation {
 
-/// The bounds on what one input may cost. Every reader and every query whose
-/// cost a file or a peer could drive asks here; beyond a bound it gives its
-/// ordinary failure and traces one line that names the limit.
+/// The limits on what one input may cost. Every reader and every query whose cost
+/// depends on a file or a peer checks them: when a limit is exceeded, it fails in its
+/// ordinary way and traces one line that names the limit.
 ///
-/// The values hold for the whole process and may be read and set from any
-/// thread; set them before the first document is read.
+/// The values hold for the whole process and may be read and set from any thread; set
+/// them before the first document is read.
 class SIMULATIONDATA_EXPORT Limits
 {
 public:
@@ -41,30 +41,29 @@ public:
         PendingBytes,       ///< bytes that wait for one peer
         DeploymentObjects,  ///< stations and devices of one deployment document
         ListedDevices,      ///< devices of a table of devices
-        AllPendingBytes,    ///< bytes that wait for all peers of a service, and unfinished commands of theirs
+        AllPendingBytes,    ///< bytes that wait for all peers of a service, and their unfinished commands
         LimitCount          ///< number of limits, not a limit
     };
 
     Limits() = delete;
 
-    /// The bound in force.
+    /// The value in force; 0 for an unknown limit.
     [[nodiscard]] static std::uint64_t value(Limit a_eLimit);
 
-    /// Replaces a bound. 0 brings the default back. A bound that allows more than
-    /// the machine has memory for protects nothing.
+    /// Sets the value of a limit; 0 restores the default. A value beyond the memory
+    /// of the machine protects nothing.
     static void setValue(Limit a_eLimit, std::uint64_t a_uiValue);
 
     [[nodiscard]] static std::uint64_t defaultValue(Limit a_eLimit);
 
-    /// The name by which traces and error texts call the limit, for example
-    /// "nesting depth".
+    /// The name of the limit in traces and error texts, for example "nesting depth".
     [[nodiscard]] static const char* name(Limit a_eLimit);
 
-    /// What error texts and traces say beyond the bound in force, for example
-    /// "nesting depth limit of 256 exceeded".
+    /// The error text of an exceeded limit, for example "nesting depth limit of 256
+    /// exceeded".
     [[nodiscard]] static QString exceeded(Limit a_eLimit);
 
-    /// Why the bound stands where it stands: one sentence in English.
+    /// The reason for the default value: one sentence in English.
     [[nodiscard]] static const char* reason(Limit a_eLimit);
 };
 

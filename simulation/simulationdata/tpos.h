@@ -22,9 +22,10 @@ struct TPos
 /// when a latitude lies outside [-90, 90].
 [[nodiscard]] SIMULATIONDATA_EXPORT double distance(const TPos& a_from, const TPos& a_to);
 
-/// The position reached from `a_start` in the direction `a_dAzimuth` (degrees
-/// clockwise from north) after `a_dDistance` (kilometres), its longitude in
-/// [-180, 180]. Not a number when the start is none on the globe.
+/// The end of the geodesic that leaves `a_start` at `a_dAzimuth` (degrees clockwise
+/// from north) and is `a_dDistance` kilometres long. Longitude in [-180, 180]. Both
+/// coordinates are not a number when the latitude of the start lies outside [-90, 90]
+/// or an argument is not finite.
 [[nodiscard]] SIMULATIONDATA_EXPORT TPos position(const TPos& a_start, double a_dAzimuth, double a_dDistance);
 
 } // namespace Simulation

@@ -15,9 +15,10 @@ namespace {
 
 constexpr qsizetype s_iLengthBytes = 4;
 constexpr qsizetype s_iZlibHeaderBytes = 2;
-constexpr qsizetype s_iFirstBytes = 65'536; ///< what a claim is believed without evidence
+constexpr qsizetype s_iFirstBytes = 65'536; ///< the largest first buffer, whatever length is claimed
 
-/// The two bytes that open a zlib stream: method, window and their check.
+/// Whether the two bytes that open a zlib stream are valid (RFC 1950, 2.2): the low 4
+/// bits of the first are the method, and the big-endian pair is a multiple of 31.
 bool isZlibHeader(QByteArrayView a_bytes)
 {
     constexpr unsigned int uiMethodMask = 0x0F;
@@ -29,14 +30,14 @@ bool isZlibHeader(QByteArrayView a_bytes)
            ((uiMethod << uiByteShift) | uiFlags) % uiCheckDivisor == 0;
 }
 
-/// zlib counts in 32 bits.
+/// A count for zlib, which counts in 32 bits.
 unsigned int clampedCount(qsizetype a_iBytes)
 {
     return static_cast<unsigned int>(std::min<qsizetype>(a_iBytes, std::numeric_limits<unsigned int>::max()));
 }
 
-/// The next size of a full output: twice as much, but no more than is claimed
-/// and allowed.
+/// The next size of a full output buffer: double the size, but no more than the
+/// claimed length as long as the content keeps to it, and never more than `a_iMost`.
 qsizetype nextSize(qsizetype a_iSize, qsizetype a_iClaimed, qsizetype a_iMost)
 {
     const qsizetype iDoubled = std::max(2 * a_iSize, s_iFirstBytes);
@@ -49,7 +50,7 @@ std::optional<QByteArray> refused(const QString& a_sReason, QString* a_pReason)
     return std::nullopt;
 }
 
-/// Inflates one stream into memory that grows with what comes out.
+/// Inflates one stream into a buffer that grows with the content.
 class Inflater
 {
 public:
@@ -78,7 +79,7 @@ Inflater::Inflater(QByteArrayView a_stream, qsizetype a_iClaimed)
 {
     constexpr std::uint64_t uiMost = std::numeric_limits<qsizetype>::max() / 4;
     m_iLimit = static_cast<qsizetype>(std::min(Limits::value(Limits::InflatedBytes), uiMost));
-    // zlib only reads, but its interface is older than const.
+    // zlib only reads its input, although next_in is not const.
     m_stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(a_stream.data()));
 }
 
@@ -102,7 +103,8 @@ std::optional<QByteArray> Inflater::run(QString* a_pReason)
 int Inflater::inflateMore()
 {
     if (m_iDone == m_content.size()) {
-        // One byte beyond the limit tells a content that just fits from a larger one.
+        // One byte beyond the limit distinguishes content that just fits from larger
+        // content.
         m_content.resize(nextSize(m_iDone, m_iClaimed, m_iLimit + 1));
     }
     m_stream.avail_in = clampedCount(m_pEnd - reinterpret_cast<const char*>(m_stream.next_in));
@@ -115,7 +117,7 @@ int Inflater::inflateMore()
 
 QString Inflater::reasonFor(int a_iResult) const
 {
-    // There is always room to write, so zlib gets stuck on missing input only.
+    // There is always room for output, so Z_BUF_ERROR means that input is missing.
     const QString sWhat = a_iResult == Z_BUF_ERROR   ? QStringLiteral("ends early")
                           : a_iResult == Z_MEM_ERROR ? QStringLiteral("needs more memory than there is")
                                                      : QStringLiteral("is damaged");

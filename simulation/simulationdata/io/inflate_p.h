@@ -9,15 +9,15 @@
 
 namespace Simulation {
 
-/// Uncompresses what qCompress made: the length of the content as 4 bytes, most
+/// Uncompresses data of qCompress(): the length of the content as 4 bytes, most
 /// significant first, and a zlib stream. The length is only a hint: whatever it
-/// claims, memory grows with the content that is really there, and no further
-/// than Limits::InflatedBytes. Bytes behind the end of the stream are passed
-/// over.
+/// claims, memory grows with the actual content, up to Limits::InflatedBytes. Bytes
+/// after the end of the stream are ignored.
 ///
-/// Nothing when the bytes are no such form, are cut short or damaged, or hold
-/// more than the limit; `*a_pReason` then says why. Nothing is traced: whether
-/// that is an error is the caller's to say. May be called from any thread.
+/// No value when the bytes do not have this form, are truncated or damaged, or hold
+/// more than the limit; `*a_pReason` is then the error text, otherwise it is empty.
+/// Nothing is traced: the caller decides whether this is an error. May be called from
+/// any thread.
 [[nodiscard]] std::optional<QByteArray> inflateBounded(QByteArrayView a_data, QString* a_pReason);
 
 } // namespace Simulation

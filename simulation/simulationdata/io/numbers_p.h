@@ -6,10 +6,10 @@
 
 namespace Simulation {
 
-/// Turns a real number into an unsigned 32-bit count, for every input: the
-/// number is truncated to a signed 64-bit integer whose low 32 bits are taken,
-/// so small negative numbers wrap round as the times of a sweep must. What does
-/// not fit 64 bits, and what is not a number, gives 0.
+/// Converts a real number to an unsigned 32-bit count, for every input. The number is
+/// truncated to a signed 64-bit integer, whose low 32 bits are the result: small
+/// negative numbers wrap round, which the times of sweeps and hops depend on. A
+/// number beyond 64 bits, and NaN, give 0.
 [[nodiscard]] inline std::uint32_t toUInt32(double a_dValue)
 {
     constexpr double dTwoTo63 = 9223372036854775808.0;

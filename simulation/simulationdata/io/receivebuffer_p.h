@@ -6,12 +6,14 @@
 
 namespace Simulation {
 
-/// Bytes that have come and wait to be taken from the front. Time is linear in
-/// the bytes, whatever pieces they come and go in: what is taken leaves a gap,
-/// which closes when it has grown larger than the rest.
+/// A queue of received bytes, which are appended at the end and taken from the front.
+/// The time is linear in the number of bytes, whatever the sizes of the pieces:
+/// taking bytes leaves a gap at the front, which is closed once it is larger than the
+/// rest. Used by one thread at a time; a default object is empty.
 class ReceiveBuffer
 {
 public:
+    /// The bytes that have not been taken. Valid until the next change.
     [[nodiscard]] QByteArrayView bytes() const { return QByteArrayView(m_bytes).sliced(m_iTaken); }
     [[nodiscard]] qsizetype size() const { return m_bytes.size() - m_iTaken; }
 
@@ -24,6 +26,7 @@ public:
         m_bytes.append(a_bytes);
     }
 
+    /// Drops bytes from the front, at most size().
     void skip(qsizetype a_iBytes)
     {
         m_iTaken += a_iBytes;
@@ -32,6 +35,7 @@ public:
         }
     }
 
+    /// Returns and drops bytes from the front, at most size().
     QByteArray take(qsizetype a_iBytes)
     {
         QByteArray taken = m_bytes.mid(m_iTaken, a_iBytes);
@@ -41,7 +45,7 @@ public:
 
     QByteArray takeAll() { return take(size()); }
 
-    /// Gives the memory back, too.
+    /// Also frees the memory.
     void clear()
     {
         m_bytes = QByteArray();

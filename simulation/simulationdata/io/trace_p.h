@@ -7,9 +7,8 @@
 
 namespace Simulation {
 
-/// Traces what `a_message` returns, a QString, when the mask asks for the
-/// category. The function is called only then, so a trace that nobody wants
-/// formats nothing.
+/// Traces the QString that `a_message` returns when the trace mask has the category.
+/// Otherwise the function is not called, so a masked trace formats nothing.
 template<typename Message>
 void trace(ErrorHandler::TraceCategory a_eCategory, const char* a_szSource, const Message& a_message,
            int a_iLine = __builtin_LINE())
@@ -19,7 +18,7 @@ void trace(ErrorHandler::TraceCategory a_eCategory, const char* a_szSource, cons
     }
 }
 
-/// Traces a refusal or a failure.
+/// Traces refused input or a failed operation.
 template<typename Message>
 void traceError(const char* a_szSource, const Message& a_message, int a_iLine = __builtin_LINE())
 {
