@@ -109,7 +109,7 @@ QString nameProblem(const QString& a_sName)
         return QStringLiteral("absolute name");
     }
     if (a_sName.size() > 1 && a_sName.at(1) == QLatin1Char(':') && a_sName.at(0).isLetter()) {
-        return QStringLiteral("name of a drive");
+        return QStringLiteral("name begins with a drive letter");
     }
     const QStringList parts = a_sName.split(QLatin1Char('/'));
     if (parts.contains(QStringLiteral(".."))) {
@@ -135,7 +135,7 @@ QString entryProblem(const zip_stat_t& a_stat, std::uint32_t a_uiKind)
     }
     // The decoders of other methods take as much memory as the archive requests.
     if (a_stat.comp_method != ZIP_CM_STORE && a_stat.comp_method != ZIP_CM_DEFLATE) {
-        return QStringLiteral("packed by unknown method %1").arg(a_stat.comp_method);
+        return QStringLiteral("unknown compression method %1").arg(a_stat.comp_method);
     }
     return {};
 }
@@ -294,8 +294,9 @@ bool Archive::open(Mode a_eMode)
     const zip_int64_t iEntries = zip_get_num_entries(m_archive.get(), 0);
     if (iEntries < 0 || static_cast<std::uint64_t>(iEntries) != directory->entryCount) {
         close();
-        return fail(
-            QStringLiteral("%1 entries in a directory of %2").arg(iEntries).arg(directory->entryCount));
+        return fail(QStringLiteral("the zip library finds %1 entries, the directory has %2")
+                        .arg(iEntries)
+                        .arg(directory->entryCount));
     }
     listEntries(*directory);
     return true;
@@ -310,7 +311,7 @@ void Archive::listEntries(const ZipDirectory& a_directory)
         if (std::binary_search(withNul.begin(), withNul.end(), i)) {
             header.problem = QStringLiteral("NUL in the name");
         } else if (header.problem.isEmpty() && !header.folder && m_entries.contains(header.name)) {
-            header.problem = QStringLiteral("the archive has two of that name");
+            header.problem = QStringLiteral("the archive has two files of that name");
         }
         if (!header.problem.isEmpty()) {
             traces.refuse(header.name, header.problem);

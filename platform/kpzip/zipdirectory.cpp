@@ -140,7 +140,7 @@ bool staysInBounds(const EndRecord& a_end, std::uint64_t a_uiMaxEntries, QString
 {
     if (a_end.entries > a_uiMaxEntries) {
         *a_pReason =
-            QStringLiteral("claims %1 entries, %2 are allowed").arg(a_end.entries).arg(a_uiMaxEntries);
+            QStringLiteral("declares %1 entries, the limit is %2").arg(a_end.entries).arg(a_uiMaxEntries);
         return false;
     }
     // The first comparison keeps the product from overflowing.

@@ -40,7 +40,7 @@ void traceUnread(const QString& a_sFile, const QString& a_sReason)
 {
     if (ErrorHandler::Instance().traces(ErrorHandler::TraceError)) {
         _Q_Trace(
-            QStringLiteral("Cannot read settings \"%1\": %2; the defaults are taken").arg(a_sFile, a_sReason),
+            QStringLiteral("Cannot read settings \"%1\": %2; the defaults are used").arg(a_sFile, a_sReason),
             s_szSource, __LINE__);
     }
 }
@@ -71,7 +71,7 @@ QByteArray readText(const QString& a_sFile)
     }
     // Opening a pipe or a device could wait without limit.
     if (!info.isFile()) {
-        traceUnread(a_sFile, QStringLiteral("is no regular file"));
+        traceUnread(a_sFile, QStringLiteral("is not a regular file"));
         return {};
     }
     QFile file(a_sFile);

@@ -152,7 +152,7 @@ public:
         bool bNumber = false;
         const unsigned uiValue = it.value().toUInt(&bNumber);
         if (!bNumber && ErrorHandler::Instance().traces(ErrorHandler::TraceError)) {
-            _Q_Trace(QStringLiteral("Setting \"%1\" is \"%2\" and no unsigned 32-bit number; %3 is taken")
+            _Q_Trace(QStringLiteral("Setting \"%1\" is \"%2\", not an unsigned 32-bit number; %3 is used")
                          .arg(it.key(), it.value(), QString::number(a_uiDefault)),
                      s_szSource, __LINE__);
         }

@@ -35,7 +35,7 @@ PDWFile::PDWFile(const QString& a_sPath, bool a_bForWriting, bool a_bWriteHeader
     , m_sPath(a_sPath)
     , m_buffer(s_uiBufferBytes)
 {
-    QString sReason = QStringLiteral("is no regular file");
+    QString sReason = QStringLiteral("is not a regular file");
     if (isRegular(a_sPath, a_bForWriting)) {
         m_stream.open(QFile::encodeName(a_sPath).constData(),
                       std::ios::binary | (a_bForWriting ? std::ios::out : std::ios::in));

@@ -583,7 +583,7 @@ void TestXmlSeparator::inflating()
         {claiming(0, QByteArray(64 * s_iMebi, 0)), beyond},
         {claiming(0xFFFFFFFF, content), content},
         {{}, "0 bytes are too few for a compressed content"},
-        {"<?xml version=\"1.0\"?><a/>", "the content is no zlib stream"},
+        {"<?xml version=\"1.0\"?><a/>", "the content is not a zlib stream"},
         {qCompress(content).chopped(4), "the zlib stream ends early, after 220000 bytes of content"},
         {qCompress(content).chopped(1) + '!', "the zlib stream is damaged, after 220000 bytes of content"}};
     for (const auto& [bytes, expected] : cases) {

@@ -24,7 +24,7 @@ bool openDataFile(QFile& a_file, QString* a_pReason, QIODevice::OpenMode a_eMode
         return false;
     }
     if (!info.isFile()) {
-        *a_pReason = QStringLiteral("is no regular file");
+        *a_pReason = QStringLiteral("is not a regular file");
         return false;
     }
     if (!a_file.open(a_eMode)) {

@@ -119,7 +119,7 @@ QString Inflater::reasonFor(int a_iResult) const
 {
     // There is always room for output, so Z_BUF_ERROR means that input is missing.
     const QString sWhat = a_iResult == Z_BUF_ERROR   ? QStringLiteral("ends early")
-                          : a_iResult == Z_MEM_ERROR ? QStringLiteral("needs more memory than there is")
+                          : a_iResult == Z_MEM_ERROR ? QStringLiteral("needs more memory than is available")
                                                      : QStringLiteral("is damaged");
     return QStringLiteral("the zlib stream %1, after %2 bytes of content")
         .arg(sWhat, QString::number(m_iDone));
@@ -140,7 +140,7 @@ std::optional<QByteArray> inflateBounded(QByteArrayView a_data, QString* a_pReas
         return QByteArray(""); // how qCompress writes an empty content
     }
     if (stream.size() < s_iZlibHeaderBytes || !isZlibHeader(stream)) {
-        return refused(QStringLiteral("the content is no zlib stream"), a_pReason);
+        return refused(QStringLiteral("the content is not a zlib stream"), a_pReason);
     }
     return Inflater(stream, static_cast<qsizetype>(uiClaimed)).run(a_pReason);
 }

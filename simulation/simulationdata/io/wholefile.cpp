@@ -86,7 +86,7 @@ bool copyContents(const QString& a_sFrom, const QString& a_sTo, QString* a_pReas
 {
     const QFileInfo info(a_sFrom);
     if (!info.isFile()) {
-        *a_pReason = QStringLiteral("is no regular file");
+        *a_pReason = QStringLiteral("is not a regular file");
         return false;
     }
     QFile from(a_sFrom);
