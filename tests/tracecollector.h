@@ -6,8 +6,8 @@
 #include <QMessageLogContext>
 #include <QStringList>
 
-/// Keeps what is traced in the given categories while it lives, without the
-/// line numbers: "message (source name)". One at a time.
+/// Collects the lines that are traced in the given categories during its lifetime,
+/// without the line numbers: "message (source name)". Only one may exist at a time.
 class TraceCollector
 {
 public:

@@ -9,8 +9,8 @@
 
 static_assert(INT_MAX > 0, "the compiler's own limits.h is found");
 
-/// Loads the default scenario that the library carries: fails when headers,
-/// library or resources are not where an installation puts them.
+/// Loads the default scenario from the library's resources. Building or running it
+/// fails when headers, library or resources are not installed where they belong.
 int main()
 {
     Simulation::UnresolvedSignalPackageProvider provider;

@@ -7,7 +7,7 @@
 #include <QString>
 #include <QTest>
 
-/// The fields as little-endian numbers, a float in four bytes.
+/// The fields as little-endian numbers; a float or double takes four bytes.
 template<typename... Fields>
 QByteArray littleEndian(const Fields&... a_fields)
 {
@@ -19,7 +19,7 @@ QByteArray littleEndian(const Fields&... a_fields)
     return bytes;
 }
 
-/// Replaces a file's contents in place: whoever has it open sees the new ones.
+/// Overwrites a file in place: a reader that has it open sees the new contents.
 inline void writeFile(const QString& a_sPath, const QByteArray& a_bytes)
 {
     QFile file(a_sPath);
@@ -27,20 +27,21 @@ inline void writeFile(const QString& a_sPath, const QByteArray& a_bytes)
     QCOMPARE(file.write(a_bytes), a_bytes.size());
 }
 
-/// Fails the running test at every trace that is not expected.
+/// Makes the running test fail at every trace that expectTrace() has not announced.
 inline void failOnTraces()
 {
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
 }
 
-/// Expects one trace more.
+/// Expects one trace more, which matches the regular expression.
 inline void expectTrace(const QString& a_sPattern)
 {
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(a_sPattern));
 }
 
-/// A file of a class, open and good, that is opened again with other contents
-/// is refused and holds nothing any more. The reason tells why.
+/// Opens a valid file, then opens the same object again after the contents have
+/// become invalid: open() fails, the object is closed, and the error text contains
+/// the reason.
 template<typename File>
 void refuse(const QString& a_sPath, const QByteArray& a_good, const QByteArray& a_bad,
             const QString& a_sReason)

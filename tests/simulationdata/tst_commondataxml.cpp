@@ -13,7 +13,7 @@ using namespace Simulation;
 
 namespace {
 
-/// What an operation writes into an element "a", unformatted.
+/// The unformatted XML of an element "a" with the content that an operation writes.
 template<typename Write>
 QString written(const Write& a_write)
 {
@@ -63,7 +63,7 @@ private Q_SLOTS:
     void endBehavioursAndTruth();
 };
 
-/// Documents are the same wherever they are read and written.
+/// Every test runs in two locales: documents do not depend on the locale.
 void TestCommonDataXml::initTestCase_data()
 {
     QTest::addColumn<QLocale>("locale");
@@ -171,7 +171,8 @@ void TestCommonDataXml::positionSettings()
     QCOMPARE(sOut, rewritten.isEmpty() ? QStringLiteral("<a/>") : QStringLiteral("<a>%1</a>").arg(rewritten));
 }
 
-/// Speed and name belong to way points only; forbidden characters stay out.
+/// Speed and name are written for major points only, without characters that XML
+/// forbids.
 void TestCommonDataXml::writtenMovement()
 {
     MovementPoint first;
@@ -248,7 +249,7 @@ void TestCommonDataXml::movementText()
     QVERIFY(CommonDataXml::movementsForXml(CommonDataXml::xmlForMovements({})).isEmpty());
 }
 
-/// A text is decoded already: what its declaration says of bytes is past.
+/// A QString is decoded already: the encoding in its XML declaration is ignored.
 void TestCommonDataXml::encodedText()
 {
     for (const char* szEncoding : {"ISO-8859-1", "UTF-16", "UTF-8", "Klingon"}) {

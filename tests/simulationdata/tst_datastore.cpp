@@ -39,7 +39,8 @@ QByteArray contents(const QString& a_sFile)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
 }
 
-/// Everything below a folder, links with what they point to.
+/// All entries below a folder: links with the name of their target, files with
+/// their size (bytes).
 QStringList tree(const QString& a_sFolder)
 {
     QStringList entries;
@@ -97,7 +98,8 @@ private:
 void TestDataStore::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
-    // Relative paths are those of this folder, and an empty one would be it.
+    // Relative paths are resolved in this folder; an empty path would mean the folder
+    // itself.
     QVERIFY(QDir::setCurrent(m_folder->path()));
     m_settings = std::make_unique<QTemporaryDir>();
     CfgCenter::SetFolder(m_settings->path());
@@ -110,7 +112,7 @@ void TestDataStore::cleanup()
     QVERIFY(QDir::setCurrent(QDir::rootPath()));
 }
 
-/// Makes a file with its folders; a name that ends in a slash is a folder.
+/// Creates a file and its folders, or only a folder for a name that ends in a slash.
 bool TestDataStore::make(const char* a_szName, const QByteArray& a_contents) const
 {
     const QString sPath = path(a_szName);
@@ -270,7 +272,7 @@ void TestDataStore::storePaths()
     QCOMPARE(DataStoreFactory::defaultSignalPackage(u8("/srv\\SignalPackages")),
              u8("/srv/SignalPackages/TuK-Default/Default"));
     QVERIFY(DataStoreFactory::createSignalPackageStore(pCfg, true) == nullptr);
-    // A folder that is really called so is opened.
+    // An existing folder with a backslash in its name is opened under this name.
     QVERIFY(make("a\\b/"));
     QCOMPARE(resolvedStorePath(path("a\\b")), path("a\\b"));
     QCOMPARE(resolvedStorePath(path("a\\c")), path("a/c"));
@@ -345,7 +347,7 @@ void TestDataStore::cannotInitialize()
     QVERIFY(make(file.toUtf8().constData()));
     QString sTitle;
     QString sText;
-    QTimer timer; // asks until the box is there
+    QTimer timer; // polls until the message box is open
     timer.callOnTimeout([&] {
         if (auto* pBox = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
             sTitle = pBox->windowTitle();

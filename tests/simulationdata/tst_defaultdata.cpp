@@ -71,8 +71,8 @@ void TestDefaultData::initTestCase()
     QVERIFY(archive.extractToFolder(QString(), m_folder.path()));
 }
 
-/// In two time zones, under different file masks, and later than the library was
-/// built.
+/// The generator writes the archives of the library byte for byte: in two time
+/// zones, with different file masks, and later than the library was built.
 void TestDefaultData::sameBytesEverywhere()
 {
     for (const auto& [szZone, uiMask] : {std::pair{"America/St_Johns", 022U}, {"Pacific/Apia", 077U}}) {
@@ -172,7 +172,7 @@ void TestDefaultData::spectra()
     const QByteArray bytes = packageFile(package, "Signal.ssf");
     const qsizetype iRecord = 16 + 4 * qsizetype{points};
     QCOMPARE(bytes.size(), s_iShapeHeader + s_iRecords * iRecord);
-    // version 2, 10000 Hz, base power 1.418e-12, 100 records, 10 a second
+    // version 2, bandwidth 10000 Hz, base power 1.418e-12, 100 records, 10 records/s
     const QByteArray header("T&K-SSF\2\0\0\0\x10\x27\0\0\xD6\x90\xC7\x2B\x64\0\0\0\0\0\0\0\x0A\0\0\0",
                             s_iShapeHeader - 4);
     QCOMPARE(bytes.left(s_iShapeHeader - 4).toHex(), header.toHex());
@@ -189,7 +189,8 @@ void TestDefaultData::spectra()
         QCOMPARE(fSignal, *values.rbegin());
         QCOMPARE(fFloor, *values.begin());
         QVERIFY(fFloor >= 1.0F && fSignal > 3.0F * fFloor);
-        // It breathes, and does not jump, also from the last record to the first.
+        // The level changes from record to record, but by less than 10 %, also from the
+        // last record to the first.
         QVERIFY(fSignal != fBefore && std::abs(fSignal / fBefore - 1.0F) < 0.1F);
         fBefore = fSignal;
     }
@@ -200,7 +201,7 @@ void TestDefaultData::audio()
     QFETCH(QString, package);
     const QByteArray bytes = packageFile(package, "Signal.wav");
     QCOMPARE(bytes.size(), qsizetype{192'024});
-    // PCM, 1 channel, 32000 frames and 64000 bytes a second, 2 bytes, 16 bits
+    // PCM, 1 channel, 32000 frames/s, 64000 bytes/s, 2 bytes/frame, 16 bits/sample
     const QByteArray header("RIFF\x10\xEE\x02\x00WAVEfmt \x10\0\0\0\1\0\1\0\x00\x7D\0\0\x00\xFA\0\0\2\0\x10\0"
                             "data\xEC\xED\x02\x00",
                             s_iWaveHeader);
@@ -215,7 +216,7 @@ void TestDefaultData::audio()
     }
     const double dMean = std::sqrt(dPower / 95'990.0);
     QVERIFY2(iPeak < 32'000 && dMean > 1'000.0, qPrintable(QStringLiteral("%1, %2").arg(iPeak).arg(dMean)));
-    // It begins again without a click.
+    // The last and the first sample are close, so the signal repeats without a click.
     QVERIFY(std::abs(numberAt<qint16>(bytes, bytes.size() - 2) - numberAt<qint16>(bytes, s_iWaveHeader)) <
             50);
 }

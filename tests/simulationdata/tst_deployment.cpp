@@ -17,7 +17,7 @@ bool isAt(const TPos& a_position, double a_dLongitude, double a_dLatitude)
     return a_position.longitude == a_dLongitude && a_position.latitude == a_dLatitude;
 }
 
-/// A device with every value set, at no station.
+/// A device with every value set, without a station.
 DevicePtr fullDevice()
 {
     auto device = std::make_shared<DeploymentDevice>(QStringLiteral("d"));
@@ -32,7 +32,7 @@ DevicePtr fullDevice()
     return device;
 }
 
-/// All values of a device, as they are saved, and its state.
+/// All values of a device: those that a document saves, and the state.
 QByteArray valuesOf(const DevicePtr& a_device)
 {
     DeploymentDataXml document;
@@ -76,7 +76,7 @@ void TestDeployment::membership()
     QVERIFY(!station.addDevice(nullptr) && !station.removeDevice(device));
     QVERIFY(station.addDevice(device) && !station.addDevice(device));
     QCOMPARE(station.devices(), QSet<DevicePtr>{device});
-    QVERIFY(!device->hasStation()); // set apart
+    QVERIFY(!device->hasStation()); // the device's station is set separately
     QVERIFY(station.removeDevice(device) && station.devices().isEmpty());
 }
 
@@ -101,9 +101,9 @@ void TestDeployment::positionOfStation()
     QVERIFY2(half.longitude == 9.0 && qAbs(half.latitude - 50.5) < 1e-6,
              qPrintable(QString::number(half.latitude)));
     QCOMPARE(device->headingAt(uiHalf), 0.0);
-    QCOMPARE(device->speedAt(uiHalf), -1.0); // nothing leads to the first point
+    QCOMPARE(device->speedAt(uiHalf), -1.0); // the last point reached is the first; no leg leads to it
 
-    // Its own path moves as a whole, and not the station's.
+    // setPosition() moves the device's own path as a whole, not the station.
     device->setPosition({1.0, 2.0});
     QVERIFY(isAt(device->position(), 9.0, 50.0));
     device->setStation(nullptr);
@@ -145,7 +145,7 @@ void TestDeployment::copies()
         QVERIFY(other && other->station() == station && station->devices() == QSet<DevicePtr>{device});
         other->setStation(nullptr);
         QCOMPARE(valuesOf(other), values);
-        other->setPosition({0.0, 0.0}); // of its own
+        other->setPosition({0.0, 0.0}); // the copy has position settings of its own
     }
     device->setStation(nullptr);
     QCOMPARE(valuesOf(device), values);
@@ -156,7 +156,7 @@ void TestDeployment::copies()
     station->removeDevice(device);
     QCOMPARE(other->devices().size(), 1);
 
-    // Of another kind what both have.
+    // From an object of the other class, copy() takes the fields that both classes have.
     other->copy(device);
     QCOMPARE(other->id() + other->name() + other->iconId(), QStringLiteral("ddicon"));
     QVERIFY(isAt(other->position(), 8.0, 48.0) && other->devices().size() == 1);
@@ -164,7 +164,8 @@ void TestDeployment::copies()
     QCOMPARE(device->id() + device->name() + device->machine(), QStringLiteral("ssmachine"));
 }
 
-/// A circle that never was in a document, and a clone that it does not know.
+/// Releases a station and a device that hold each other and never were in a
+/// document, while a clone of the station also holds the device.
 void TestDeployment::released()
 {
     StationPtr station = std::make_shared<DeploymentStation>(QStringLiteral("s"));
@@ -176,7 +177,7 @@ void TestDeployment::released()
     DeploymentDataXml::releaseObjects({device, station, nullptr});
     station.reset();
     device.reset();
-    QVERIFY(!watch.expired()); // the clone has the device, which has the station
+    QVERIFY(!watch.expired()); // the clone holds the device, which holds the station
     QCOMPARE((*clone->devices().constBegin())->station()->devices().size(), 1);
     DeploymentDataXml::releaseObject(std::move(clone));
     QVERIFY(watch.expired());

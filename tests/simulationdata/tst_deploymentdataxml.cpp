@@ -24,15 +24,15 @@ using StationPtr = std::shared_ptr<DeploymentStation>;
 
 namespace {
 
-/// Everything that a document holds: a device at a moving station, one by
-/// itself and one without a position.
+/// The reference document, with every element: a device at a moving station, a
+/// device with its own position, and a device without a position.
 QByteArray fullXml()
 {
     QFile file(QStringLiteral(TEST_DATA_DIR "/deployments/Full.xml"));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("the reference document is missing");
 }
 
-/// Two devices at one station, which hold each other.
+/// Two devices at one station; each device and the station hold each other.
 const QByteArray s_circles = "<SimulationDeployment FileFormatVersion='1' PersistantId='p'>"
                              "<Device ID='a'><Station>s</Station></Device>"
                              "<Device ID='b'><Station>s</Station></Device></SimulationDeployment>";
@@ -45,7 +45,7 @@ QString positionText(DeploymentObject& a_object)
                : QStringLiteral("nowhere");
 }
 
-/// The devices and stations with their keys where these differ from the ids.
+/// The devices and then the stations as text, each as "key=name values".
 QString summary(const DeploymentDataXml& a_document)
 {
     QStringList texts;
@@ -71,7 +71,7 @@ QString summary(const DeploymentDataXml& a_document)
     return texts.join(QStringLiteral("; "));
 }
 
-/// Watches which objects of a document are alive.
+/// Counts the objects of a document that are still alive.
 class Watch
 {
 public:
@@ -104,7 +104,7 @@ class TestDeploymentDataXml : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { ErrorHandler::Instance().setTraceMask(0); } // thousands of lines
+    void initTestCase() { ErrorHandler::Instance().setTraceMask(0); } // thousands of lines otherwise
     void fullDocument();
     void writtenDocument();
     void decimalComma();
@@ -131,7 +131,7 @@ void TestDeploymentDataXml::fullDocument()
     QCOMPARE(document.name() + document.author() + document.persistantId() + document.description(),
              QStringLiteral("Field & testM\u00FCllerp-1two\r\nlines"));
     QCOMPARE(document.fileFormatVersion(), 1U);
-    // What a device itself knows of its station is not read back.
+    // The configured station of a device is written but not read.
     QCOMPARE(summary(document),
              QStringLiteral("alone=Alone dishpc-2 12.3457/-3.5 DF 8.12346,-48.5; lost=  7/0  nowhere; "
                             "mobile=On board pc-1 7/0 Receiver @ship; ship=ship boat [mobile] 9.5,50"));
@@ -144,12 +144,12 @@ void TestDeploymentDataXml::fullDocument()
 
     document.devices()[QStringLiteral("mobile")]->setConfiguredStationId(QStringLiteral("boat"));
     QCOMPARE(document.toXml(), fullXml());
-    QCOMPARE(document.toXml(), fullXml()); // writing changes nothing
+    QCOMPARE(document.toXml(), fullXml()); // writing does not change the document
 }
 
 void TestDeploymentDataXml::writtenDocument()
 {
-    DeploymentDataXml document; // ends last, so that it is the last to hold them
+    DeploymentDataXml document; // declared first, so that it is destroyed last and releases the objects
     const auto ship = std::make_shared<DeploymentStation>(QStringLiteral("ship"));
     ship->setIconId(QStringLiteral("boat"));
     auto path = std::make_unique<PositionSettingsPtp>(TPos{9.5, 50.0}, 0.0);
@@ -201,7 +201,7 @@ void TestDeploymentDataXml::persistentId()
     QCOMPARE(document.persistantId(),
              QStringLiteral("Field %2 test-1700000000-") + CfgCenter::GetMachineId());
     QVERIFY(xml.contains("PersistantId=\"" + document.persistantId().toUtf8() + '"'));
-    QCOMPARE(document.toXml(), xml); // kept from now on
+    QCOMPARE(document.toXml(), xml); // the id is built only once
 }
 
 void TestDeploymentDataXml::readings_data()
@@ -246,7 +246,7 @@ void TestDeploymentDataXml::readings_data()
         "<Device ID='a'><ReceiverSettings><AntennaHeight>high</AntennaHeight><AntennaGain>1e999</AntennaGain>"
         "</ReceiverSettings></Device>",
         "a=  0/0  0,0");
-    // What a value was meant to be nobody knows.
+    // A value that is cut off is not used.
     row("cut text", "<Device ID='a'><Machine>m</Machine><Machine>x", "a= m 7/0  0,0");
     row("cut number", "<Device ID='a'><ReceiverSettings><AntennaHeight>1", szBare);
     row("cut position", "<Device ID='a'><Position><Unknown>", szBare);
@@ -279,14 +279,15 @@ void TestDeploymentDataXml::olderDocuments()
         QVERIFY(document.fileFormatVersion() == 0 && document.description() == u"D");
         QCOMPARE(summary(document), QStringLiteral("a=  7/0  8.5,48; b=  7/0  0,0; s=s  [] 0,0"));
         QVERIFY(document.toXml().contains("FileFormatVersion=\"1\""));
-        // The version is that of the document, not of the object that reads it.
+        // The version of the document that was read before has no effect.
         QVERIFY(document.fromXml(fullXml()));
         QVERIFY(document.fromXml(QByteArray("<SimulationDeployment><Device ID='a'><Position><Longitude>2")));
         QCOMPARE(summary(document), QStringLiteral("a=  7/0  0,0"));
     }
 }
 
-/// What was held stays, down to the byte, and one line tells why.
+/// A refused document leaves the former content unchanged and traces one line with
+/// the reason.
 void TestDeploymentDataXml::refused()
 {
     DeploymentDataXml document;
@@ -325,7 +326,7 @@ void TestDeploymentDataXml::files()
     QVERIFY(buffer.data() == fullXml() && buffer.reset());
     QVERIFY(again.fromXml(&buffer) && again.errorString().isEmpty());
 
-    // More than can be read back takes nobody's place.
+    // A document that is too large to be read back does not replace a file.
     Limits::setValue(Limits::DocumentBytes, 1000);
     const TraceCollector traces;
     QVERIFY(document.toXml().isEmpty() && !document.toXmlFile(sFile));
@@ -379,7 +380,7 @@ void TestDeploymentDataXml::tooMany()
     Limits::setValue(Limits::DeploymentObjects, 0);
 }
 
-/// Whichever copy goes first: the objects live until the last one goes.
+/// The objects live until the last copy of the document is destroyed, in any order.
 void TestDeploymentDataXml::copiesShareObjects()
 {
     auto first = std::make_unique<DeploymentDataXml>(circles());
@@ -390,12 +391,12 @@ void TestDeploymentDataXml::copiesShareObjects()
     const Watch watch(third);
     QCOMPARE(watch.alive(), 3);
     QCOMPARE(third.toXml(), first->toXml());
-    second->setDevices({}); // the maps are its own
+    second->setDevices({}); // each copy has its own maps
     QCOMPARE(first->devices().size(), 2);
     first.reset();
     QCOMPARE(watch.alive(), 3);
     third = DeploymentDataXml();
-    QCOMPARE(watch.alive(), 3); // of the second, through its station
+    QCOMPARE(watch.alive(), 3); // the second holds the devices through its station
     QCOMPARE(second->stations().first()->devices().size(), 2);
     second.reset();
     QCOMPARE(watch.alive(), 0);
@@ -403,7 +404,7 @@ void TestDeploymentDataXml::copiesShareObjects()
 
 void TestDeploymentDataXml::callersKeepObjects()
 {
-    // A device, with all that it holds.
+    // A caller keeps a device, and with it all objects that the device holds.
     auto document = std::make_unique<DeploymentDataXml>(circles());
     const Watch watch(*document);
     DevicePtr device = document->devices().first();
@@ -413,7 +414,8 @@ void TestDeploymentDataXml::callersKeepObjects()
     DeploymentDataXml::releaseObject(std::move(device));
     QCOMPARE(watch.alive(), 0);
 
-    // A map, and the set of a station; the next document releases them.
+    // A caller keeps the map of stations and the device set of a station. The next
+    // document that gets the devices releases them.
     document = std::make_unique<DeploymentDataXml>(circles());
     const Watch again(*document);
     auto stations = document->stations();
@@ -438,18 +440,18 @@ void TestDeploymentDataXml::replacedObjects()
     const Watch watch(document);
     DevicePtr device = document.devices().first();
     document.setDevices({device});
-    QCOMPARE(watch.alive(), 3); // the station holds both
+    QCOMPARE(watch.alive(), 3); // the station holds both devices
     device->setId(QStringLiteral("z"));
     document.setStations({});
     QVERIFY(document.devices().contains(QStringLiteral("a")) && watch.alive() == 3);
-    // The station is named by the device alone and comes back bare.
+    // Only the device names the station, which is read back without values.
     QVERIFY(document.fromXml(document.toXml()));
     QCOMPARE(summary(document), QStringLiteral("z=  7/0  @s; s=s  [z] 0,0"));
     DeploymentDataXml::releaseObject(std::move(device));
     QCOMPARE(watch.alive(), 0);
 }
 
-/// Whether objects share an id from the start or only later, the writer reports it.
+/// The writer reports ids that objects share, from the start or only later.
 void TestDeploymentDataXml::sharedIds()
 {
     const auto device = [](const char* a_szId) {
@@ -485,7 +487,7 @@ void TestDeploymentDataXml::sharedIds()
     QVERIFY(!document.toXmlFile(folder.path()) && document.errorString() == u"is a folder");
 }
 
-/// Elements that share an id are read as one object, which the document remembers
+/// Elements that share an id are read as one object. The document keeps such ids
 /// until other objects are set. A device and a station may share an id.
 void TestDeploymentDataXml::mergedIds()
 {

@@ -103,7 +103,7 @@ void TestPDWFile::blocks()
     QVERIFY(TraceCollector::lines().isEmpty());
 }
 
-/// A writer that never got a record leaves one header; each one asked for counts.
+/// Without records, each write() and the closing of the file write one header.
 void TestPDWFile::emptyBlocks()
 {
     for (const bool bHeaders : {true, false}) {
@@ -146,8 +146,8 @@ void TestPDWFile::readsRecords()
     }
 }
 
-/// Reading from a writer and writing to a reader do nothing, also to what they
-/// can do.
+/// Reading from a writer and writing to a reader have no effect; the writer still
+/// writes and the reader still reads.
 void TestPDWFile::otherDirection()
 {
     CPackedPDW pulse;
@@ -168,7 +168,7 @@ void TestPDWFile::otherDirection()
     QVERIFY(TraceCollector::lines().isEmpty());
 }
 
-/// More records than the buffer holds come and go.
+/// A file that cannot be opened discards its records when the buffer is full.
 void TestPDWFile::refused()
 {
     PDWFile(path(), true, true).write();
@@ -190,7 +190,7 @@ void TestPDWFile::refused()
     QCOMPARE(content(), before);
 }
 
-/// A file whose first page is not there.
+/// A file that can be opened but not read at its beginning.
 void TestPDWFile::unreadable()
 {
     PDWFile file(QStringLiteral("/proc/self/mem"), false, false);
@@ -202,8 +202,8 @@ void TestPDWFile::unreadable()
     QCOMPARE(TraceCollector::lines().size(), 1);
 }
 
-/// Room for a block and a bit; and less than a header, which is seen when the
-/// file is closed.
+/// There is space for one block and a part of the next, or for less than a header.
+/// The last two cases fail only when the file is closed.
 void TestPDWFile::fullDisk()
 {
     for (const auto& [iRoom, iRecords] : {std::pair{40000, 5000}, std::pair{40000, 1900}, std::pair{16, 1}}) {

@@ -47,15 +47,16 @@
 
 using namespace Simulation;
 
-// Copies of scenario objects and documents are made by operations of their own.
+// Scenario objects and documents are copied by their own operations only.
 static_assert(!std::is_copy_constructible_v<SzenarioEmitter> && !std::is_copy_assignable_v<SzenarioEmitter>);
 static_assert(!std::is_copy_constructible_v<ScenarioNetwork> &&
               !std::is_copy_constructible_v<ScenarioDataXml>);
 static_assert(std::is_base_of_v<SzenarioEmitter, ElintScenarioEmitter>);
 
-/// Uses every operation of the values, settings and documents once: one that is
-/// renamed or not exported breaks the build. What they do is tested elsewhere.
-/// Stores, cache, data files and protocol are used whole by their own tests.
+/// Calls every operation of the values, settings and documents once: an operation
+/// that is renamed or not exported breaks the build. Other tests check the
+/// behaviour. The tests of stores, cache, data files and protocol call all
+/// operations of those classes.
 class TestPublicInterface : public QObject
 {
     Q_OBJECT

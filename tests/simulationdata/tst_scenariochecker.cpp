@@ -25,7 +25,7 @@ using ObjectSet = QSet<std::shared_ptr<ScenarioObject>>;
 
 namespace {
 
-/// Knows the ids that it is told, and counts how often it is asked.
+/// A provider that knows the given ids and counts the queries for each id.
 class Packages : public UnresolvedSignalPackageProvider
 {
 public:
@@ -50,8 +50,8 @@ private:
 
 using EmissionPtr = boost::shared_ptr<EmissionSettings::Emission>;
 
-/// Adds emissions at 1000 ms, 2000 ms and so on, of packages with these ids;
-/// "-" is none.
+/// Adds one emission for each package id, at 1000 ms, 2000 ms and so on; "-" means
+/// no package.
 QList<EmissionPtr> addEmissions(ScenarioObject& a_object, const QStringList& a_ids)
 {
     QList<EmissionPtr> emissions;
@@ -149,14 +149,14 @@ void TestScenarioChecker::packages()
     for (const int iTimes : provider.asked()) {
         QCOMPARE(iTimes, 1);
     }
-    // What was repaired is in order; what was not is found again.
+    // The next check lists only findings that were not repaired.
     checker.check(scenario);
     QCOMPARE(checker.findings().size(), after == ids ? texts.size() : 0);
 }
 
-/// A member, emitters that follow each other in a circle, an emission that two
-/// networks of the same id and name share, and nothing in order: every run says
-/// the same, whatever the order of the set.
+/// Objects that break every rule: network members, emitters that are linked in a
+/// circle, and an emission that two networks of the same id and name share. Every
+/// run lists the same findings, whatever the order of the set.
 void TestScenarioChecker::objects()
 {
     const QStringList expected{u"a A invalid-signal-package: 1 emission"_s,
@@ -235,8 +235,8 @@ void TestScenarioChecker::effort_data()
     QTest::newRow("emitters in a circle") << 1 << 2'000;
 }
 
-/// Ten times the work takes about ten times as long, not a hundred times; what
-/// other programs do meanwhile does not count.
+/// Ten times as many objects take about 10 times the processor time; a quadratic
+/// check would take 100 times. Processor time does not depend on other programs.
 void TestScenarioChecker::effort()
 {
     QFETCH(int, emissions);

@@ -29,7 +29,7 @@ QByteArray number(quint32 a_uiValue)
     return bytes;
 }
 
-/// A text of ASCII characters.
+/// An ASCII text as the stream holds it: its size (bytes) and UTF-16, big-endian.
 QByteArray text(const QByteArray& a_text)
 {
     QByteArray bytes = number(static_cast<quint32>(2 * a_text.size()));
@@ -46,8 +46,8 @@ QByteArray record(const QByteArray& a_id, const QByteArray& a_link, const QByteA
     return text(a_id) + text(a_name) + text("d") + '\1' + a_cDefault + text(a_link) + text("c");
 }
 
-/// Emitters of a text "a>b b c>x": a is linked to b, c to one that is not in the
-/// list. All else is as record() has it.
+/// The emitters of a text such as "a>b b c>x": a is linked to b, c to an emitter that
+/// is not in the list. The other fields are those of record().
 QSet<EmitterPtr> emittersOf(const QString& a_sText)
 {
     static const auto s_outside = std::make_shared<SzenarioEmitter>(QStringLiteral("x"), QString());
@@ -66,7 +66,7 @@ QSet<EmitterPtr> emittersOf(const QString& a_sText)
     return {emitters.cbegin(), emitters.cend()};
 }
 
-/// The stream of such emitters, in this order.
+/// The stream of such a text, with the records in the order of the text.
 QByteArray streamOf(const QString& a_sText)
 {
     const QStringList words = a_sText.split(u' ');
@@ -77,7 +77,8 @@ QByteArray streamOf(const QString& a_sText)
     return bytes;
 }
 
-/// "a>b b" of what was read, in the order of ids and names.
+/// The emitters as "id:name>target id:target name", sorted. "one-sided" marks a link
+/// whose target does not list the emitter.
 QString linksOf(const ScenarioDataBinary& a_scenario)
 {
     QStringList words;
@@ -93,7 +94,8 @@ QString linksOf(const ScenarioDataBinary& a_scenario)
     return words.join(u' ');
 }
 
-/// Gives zero bytes for ever and notes the largest piece that is asked of it.
+/// Returns the head and then zeros without end; records the largest size that one
+/// read requests.
 class EndlessDevice : public QIODevice
 {
 public:
@@ -122,7 +124,7 @@ private:
     QByteArray m_head;
 };
 
-/// Gives less than it is asked for, as connections do.
+/// Returns at most 3 bytes for each read, as connections may.
 class PieceBuffer : public QBuffer
 {
 protected:
@@ -231,7 +233,7 @@ void TestScenarioDataBinary::writesInLinkOrder()
     QFETCH(QString, order);
     QFETCH(QString, lost);
 
-    for (int iRun = 0; iRun < 8; ++iRun) { // other objects, another order of the set
+    for (int iRun = 0; iRun < 8; ++iRun) { // new objects, so another order of the set
         ScenarioDataBinary scenario(nullptr);
         scenario.setScenarioEmitter(emittersOf(order));
         QCOMPARE(scenario.toBinary().toHex(), streamOf(order).toHex());
@@ -357,7 +359,7 @@ void TestScenarioDataBinary::everyTruncation()
     }
 }
 
-/// Whatever is read of damaged bytes can be written and read again.
+/// Emitters that were read from damaged bytes can be written and read again.
 void TestScenarioDataBinary::damagedBytes()
 {
     const TraceCollector quiet(0);
@@ -393,7 +395,7 @@ void TestScenarioDataBinary::asksForLittle()
     };
     check(number(1) + number(0x7FFFFFFE), iMebi);
     check(number(0x7FFFFFFF), iMebi / 16); // endless small records
-    // What it claims is allowed, but not asked for at once.
+    // The claimed size is within the limit, but must not be requested at once.
     check(number(1) + number(16 * iMebi) + text("x"), 16 * iMebi + 10);
 }
 
@@ -440,7 +442,7 @@ void TestScenarioDataBinary::releasesItsObjects()
     const auto named = [](const QString& a_sId) {
         auto emitter = std::make_shared<SzenarioEmitter>(a_sId, QString());
         const auto emission = EmissionSettings::createEmission();
-        emission->emitter = emitter; // a circle
+        emission->emitter = emitter; // the emitter holds itself
         emitter->emissionSettings()->addEmission(emission);
         return emitter;
     };
@@ -472,10 +474,10 @@ void TestScenarioDataBinary::releasesItsObjects()
 
 void TestScenarioDataBinary::longChain()
 {
-    constexpr int iCount = 20'000; // deep enough for any stack
+    constexpr int iCount = 20'000; // one recursion for each link would overflow the stack
     QSet<EmitterPtr> emitters;
     EmitterPtr target;
-    for (int i = iCount; i > 0; --i) { // the smallest id at the far end
+    for (int i = iCount; i > 0; --i) { // the smallest id follows all other emitters
         const auto emitter = std::make_shared<SzenarioEmitter>(QString::number(iCount + i), QString());
         emitter->setLinkTargetEmitter(target);
         emitters.insert(emitter);

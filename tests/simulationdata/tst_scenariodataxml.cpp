@@ -30,7 +30,7 @@ QByteArray scenario(const QByteArray& a_children, const QByteArray& a_attributes
     return "<Scenario " + a_attributes + ">" + a_children + "</Scenario>";
 }
 
-/// The object of an id and class; null when there is none, or more than one.
+/// The object with this id and class; null for none or more than one.
 template<typename Object>
 std::shared_ptr<Object> find(const ObjectSet& a_objects, const char* a_szId)
 {
@@ -50,7 +50,8 @@ std::shared_ptr<Object> find(const ScenarioDataXml& a_document, const char* a_sz
     return find<Object>(a_document.scenarioObjects(), a_szId);
 }
 
-/// The schedule as text: "start+duration emitter package; ..." and the groups.
+/// The schedule as text: "id:start+duration emitter package; ...", then the groups
+/// as "g<id><name>(members); ...".
 QString schedule(const EmissionSettings& a_settings)
 {
     QStringList texts;
@@ -97,7 +98,7 @@ addEmission(EmissionSettings* a_pSettings, std::uint32_t a_uiId, std::int64_t a_
 
 } // namespace
 
-/// What the elements of a scenario document mean, read and written.
+/// Reading and writing of every element of a scenario document.
 class TestScenarioDataXml : public QObject
 {
     Q_OBJECT
@@ -185,14 +186,14 @@ void TestScenarioDataXml::writtenDocument()
     UnresolvedSignalPackageProvider provider;
     ScenarioDataXml document(&provider);
     QVERIFY(document.fromXml(golden()));
-    // Six digits are kept, of positions fourteen.
+    // Numbers are written with 6 digits, positions with 14.
     const auto chirp = find(document, "c");
     dynamic_cast<FrequencySettings_Chirp*>(chirp->frequencySettings())->setStartFrequency(433925100.0);
     chirp->positionSettings()->setPosition({8.123456789012345, -48.5});
     document.setScenarioObjects(document.scenarioObjects() + ObjectSet{nullptr});
     QCOMPARE(document.toXml(), golden());
-    QCOMPARE(document.toXml(), golden()); // writing changes nothing
-    ScenarioDataXml without(nullptr);     // unlike a provider's, its packages do not survive
+    QCOMPARE(document.toXml(), golden()); // writing does not change the document
+    ScenarioDataXml without(nullptr);     // references to packages need a provider
     QVERIFY(without.fromXml(golden()));
     QCOMPARE(without.toXml().count("SignalPackage=\"\""), 3);
 }
@@ -215,7 +216,7 @@ void TestScenarioDataXml::persistentId()
     const QByteArray xml = document.toXml();
     QCOMPARE(document.getPersistantId(), sExpected);
     VelaOS::Get().setClock({});
-    QCOMPARE(document.toXml(), xml); // kept from now on
+    QCOMPARE(document.toXml(), xml); // the id is built only once
     QVERIFY(
         xml.contains("Uid=\"" + sExpected.toUtf8() + "\" Duration=\"0\">\n    <Description></Description>"));
 }
@@ -350,7 +351,7 @@ void TestScenarioDataXml::olderNetwork()
 void TestScenarioDataXml::references_data()
 {
     QTest::addColumn<QByteArray>("children");
-    QTest::addColumn<QString>("objects"); // "kind id name", ordered
+    QTest::addColumn<QString>("objects"); // type, id and name, then ">target" or "[members]"; sorted
     const auto row = [](const char* a_szName, const char* a_szChildren, const char* a_szObjects) {
         QTest::newRow(a_szName) << QByteArray(a_szChildren) << QString::fromLatin1(a_szObjects);
     };
@@ -499,7 +500,7 @@ void TestScenarioDataXml::numbersAreUnique()
     group->emissions.append(EmissionSettings::createEmission()); // not in the schedule
     group->emissions.removeFirst();
     pSettings->addGroup(group);
-    pSettings->addGroup(group); // is still one group
+    pSettings->addGroup(group); // has no effect
     pSettings->addGroup(EmissionSettings::createGroup());
     const QString sBefore = schedule(*pSettings);
     ScenarioDataXml document(nullptr);
@@ -556,7 +557,8 @@ void TestScenarioDataXml::texts_data()
     kept("line separators", QStringLiteral("\u0085\u2028\u00A0"));
 }
 
-/// Every text of the model, attribute or element, survives or is cleaned.
+/// Every text of the model, attribute or element, is read back as it was, without
+/// the characters that XML forbids.
 void TestScenarioDataXml::texts()
 {
     QFETCH(QString, text);
@@ -590,7 +592,7 @@ void TestScenarioDataXml::texts()
     ScenarioDataXml again(&provider);
     QVERIFY(again.fromXml(document.toXml()));
     QCOMPARE(again.errorString(), QString());
-    QCOMPARE(again.scenarioObjects().size(), 2); // ids agree wherever they stand
+    QCOMPARE(again.scenarioObjects().size(), 2); // an id is cleaned in the same way at every place
     QCOMPARE(again.toXml(), document.toXml());
     QStringList texts{again.getName(), again.getDescription()};
     for (const auto& object : again.scenarioObjects()) {
@@ -599,7 +601,7 @@ void TestScenarioDataXml::texts()
             texts << elint->getClass() << elint->getEDWFile()
                   << elint->getTranmitterSettings()->getAntennaType()
                   << dynamic_cast<PositionSettingsPtp*>(elint->positionSettings())->getPoint(1).name
-                  << elint->emissionSettings()->groups().constFirst()->name // the network's
+                  << elint->emissionSettings()->groups().constFirst()->name // the schedule is the network's
                   << elint->signalPackageAt(1)->id();
         }
     }
@@ -616,7 +618,7 @@ void TestScenarioDataXml::objectTexts()
     copy.setScenarioObjects(ScenarioDataXml::objectsForXml(sText, &provider));
     QCOMPARE(copy.scenarioObjects().size(), 4);
     QCOMPARE(ScenarioDataXml::xmlForObjects(copy.scenarioObjects(), &provider), sText);
-    // One object alone brings those that it names.
+    // Reading one object creates the emitters to which it refers.
     copy.setScenarioObjects(ScenarioDataXml::objectsForXml(
         ScenarioDataXml::xmlForObjects({find<ElintScenarioEmitter>(document, "a")}, &provider), &provider));
     QVERIFY(copy.scenarioObjects().size() == 2 && find(copy, "a")->linkTargetEmitter() == find(copy, "f"));

@@ -29,8 +29,8 @@ using ObjectPtr = std::shared_ptr<ScenarioObject>;
 
 namespace {
 
-/// Every kind of circle there is: an emitter and its own schedule, links, a
-/// network whose schedule names its members.
+/// Every kind of reference circle: an emitter in its own schedule, emitters that are
+/// linked to each other, and a network whose schedule names its members.
 const QByteArray s_circles =
     "<?xml version='1.0'?>"
     "<Scenario Name='Circles' FileFormatVersion='4'><Description>D</Description>"
@@ -60,7 +60,7 @@ EmitterPtr findEmitter(const ScenarioDataXml& a_document, const char* a_szId)
     return std::dynamic_pointer_cast<SzenarioEmitter>(find(a_document, a_szId));
 }
 
-/// Watches which objects of a document are alive.
+/// Counts the objects of a document that are still alive.
 class Watch
 {
 public:
@@ -166,7 +166,7 @@ void TestScenarioDataXmlRobustness::refused_data()
         << QStringLiteral("line 1, column 1: entity declarations limit of 0");
 }
 
-/// What was held stays, down to the byte.
+/// A refused document leaves the former content unchanged, byte for byte.
 void TestScenarioDataXmlRobustness::refused()
 {
     QFETCH(QByteArray, xml);
@@ -223,7 +223,7 @@ void TestScenarioDataXmlRobustness::brokenOff_data()
     row("attribute twice", "\n<Emitter ID='x' ID='y'/></Scenario>", "line 2,");
     row("bytes that are not UTF-8", "\n<x>\xFF</x></Scenario>", "line 2, column 4: the bytes");
     row("such bytes behind the root", "</Scenario>\n\xFF", "line 2, column 1: the bytes");
-    // What a value was meant to be nobody knows.
+    // A value that is cut off is not used.
     row("cut class", "\n<Emitter ID='e'><Class>D", "line 2,");
     row("cut frequency", "\n<Emitter ID='e'><Frequency><Fixed>1", "line 2,");
     row("cut position", "\n<Emitter ID='e'><Position><Movement><Position><Lat>1", "line 2,");
@@ -249,7 +249,7 @@ void TestScenarioDataXmlRobustness::brokenOff()
     QVERIFY2(document.errorString().startsWith(error), qPrintable(document.errorString()));
     QCOMPARE(document.getName(), QStringLiteral("N"));
     QCOMPARE(findEmitter(document, "e")->getClass(), QStringLiteral("C"));
-    QVERIFY(findEmitter(document, "e")->isLinked()); // references are made none the less
+    QVERIFY(findEmitter(document, "e")->isLinked()); // references are resolved nevertheless
     QCOMPARE(findEmitter(document, "e")->getFrequencyAt(0), 25e6);
     QCOMPARE(findEmitter(document, "e")->getPositionAt(0).latitude, 0.0);
     QCOMPARE(document.getDescription(), QStringLiteral("D"));
@@ -273,7 +273,8 @@ void TestScenarioDataXmlRobustness::cutAtEveryByte()
     }
 }
 
-/// One byte wrong anywhere: any answer, but no crash, no hang and no leak.
+/// With one wrong byte anywhere, reading succeeds or fails, but does not crash, hang
+/// or leak.
 void TestScenarioDataXmlRobustness::changedAtEveryByte()
 {
     UnresolvedSignalPackageProvider provider;
@@ -358,7 +359,7 @@ void TestScenarioDataXmlRobustness::hostile_data()
         2);
 }
 
-/// Every question is asked of what such documents make.
+/// All queries for a time return valid results for objects of such documents.
 void TestScenarioDataXmlRobustness::hostile()
 {
     QFETCH(QByteArray, xml);
@@ -375,7 +376,7 @@ void TestScenarioDataXmlRobustness::hostile()
         QVERIFY(qIsFinite(emitter->getFrequencyAt(uiTime)));
         QVERIFY(qIsFinite(emitter->headingAt(uiTime)));
         QVERIFY(emitter->timeActiveAt(uiTime) >= -1);
-        QCOMPARE(emitter->isActiveAt(uiTime), false); // none has "Active"
+        QCOMPARE(emitter->isActiveAt(uiTime), false); // no element has the attribute "Active"
         QVERIFY(emitter->calculateBursts(uiTime, 0xFFFFFFFF, 1.0).size() <= 100);
     }
     QVERIFY(document.fromXml(document.toXml()));
@@ -383,7 +384,8 @@ void TestScenarioDataXmlRobustness::hostile()
     Limits::setValue(Limits::AnswerActivities, 0);
 }
 
-/// 100,000 of everything, forward, would take hours if a step cost O(n).
+/// 100,000 members, emissions and links that refer to later elements would take
+/// hours if one step cost O(n).
 void TestScenarioDataXmlRobustness::manyReferences()
 {
     constexpr int iCount = 100'000;
@@ -422,7 +424,7 @@ void TestScenarioDataXmlRobustness::devices()
     buffer.seek(7);
     QVERIFY(document.fromXml(&buffer));
     QCOMPARE(document.getName(), QStringLiteral("Circles"));
-    document.toXml(&buffer); // not writable: a trace
+    document.toXml(&buffer); // not writable: traces an error
     QBuffer target;
     QVERIFY(target.open(QIODevice::WriteOnly));
     document.toXml(&target);
@@ -452,7 +454,8 @@ void TestScenarioDataXmlRobustness::files()
     Limits::setValue(Limits::DocumentBytes, 0);
 }
 
-/// Nothing that others may be using is replaced, nor waited for.
+/// Saving neither replaces a pipe, which other programs may use, nor waits for its
+/// reader.
 void TestScenarioDataXmlRobustness::neverOverAPipe()
 {
     QTemporaryDir folder;
@@ -466,13 +469,13 @@ void TestScenarioDataXmlRobustness::neverOverAPipe()
 void TestScenarioDataXmlRobustness::neverAHalfFile_data()
 {
     QTest::addColumn<int>("size"); // of the description, characters
-    QTest::addColumn<int>("room"); // bytes
+    QTest::addColumn<int>("room"); // largest file size, bytes
 
     QTest::newRow("large document") << (1 << 20) << (1 << 16);
     QTest::newRow("document that fits into a buffer") << 3'000 << 1'000;
 }
 
-/// A write that fails midway leaves the old file as it was and no other beside.
+/// A write that fails midway leaves the old file unchanged and no temporary file.
 void TestScenarioDataXmlRobustness::neverAHalfFile()
 {
     QFETCH(int, size);
@@ -534,7 +537,7 @@ void TestScenarioDataXmlRobustness::keptEmitter()
     const Watch watch(*document);
     EmitterPtr kept = findEmitter(*document, "a");
     document.reset();
-    QCOMPARE(watch.alive(), 2); // the network knows the emitter, not the other way round
+    QCOMPARE(watch.alive(), 2); // the network holds its emitters, but they do not hold the network
     QVERIFY(!kept->hasNetwork());
     QCOMPARE(kept->emissionSettings()->groups().size(), 2);
     QCOMPARE(kept->emissionSettings()->activeEmitterAt(5), kept);
@@ -563,7 +566,7 @@ void TestScenarioDataXmlRobustness::keptSet()
     QCOMPARE(other.toXml(), before);
     kept.clear();
     other.setScenarioObjects({});
-    QCOMPARE(watch.alive(), 2); // a copy of the member list holds too
+    QCOMPARE(watch.alive(), 2); // the copy of the member list holds its emitters
     other.setScenarioObjects({members.constFirst()});
     members.clear();
     QCOMPARE(watch.alive(), 2);
@@ -588,7 +591,7 @@ void TestScenarioDataXmlRobustness::keptSchedule()
     own.clearAll();
     QCOMPARE(a->emissionSettings()->emissions().size(), 2);
     ScenarioDataXml last(nullptr);
-    last.setScenarioObjects({a, b}); // takes them apart at its end
+    last.setScenarioObjects({a, b}); // its destructor releases them
     a.reset();
     b.reset();
     QCOMPARE(watch.alive(), 2);
@@ -617,12 +620,12 @@ void TestScenarioDataXmlRobustness::replacedObjects()
     document.setScenarioObjects(document.scenarioObjects());
     QVERIFY(watch.alive() == 3 && document.getDefaultEmitter());
     document.setScenarioObjects({find(document, "n")});
-    QCOMPARE(watch.alive(), 3); // its members are its own to hold
+    QCOMPARE(watch.alive(), 3); // the network holds its members
     QVERIFY(!document.getDefaultEmitter());
     QVERIFY(document.toXml().contains("<Emitter>b</Emitter>"));
 }
 
-/// Objects that no set of a document holds are taken apart as well.
+/// releaseObjects() also releases objects that no document holds any more.
 void TestScenarioDataXmlRobustness::outsideDocuments()
 {
     QSet<ObjectPtr> objects = ScenarioDataXml::objectsForXml(QString::fromUtf8(s_circles), nullptr);
@@ -633,14 +636,14 @@ void TestScenarioDataXmlRobustness::outsideDocuments()
     document.setScenarioObjects({});
     document.setDefaultEmitter(a);
     ScenarioDataXml::releaseObjects(std::move(objects));
-    QCOMPARE(watch.alive(), 2); // the default emitter and what it is linked to
+    QCOMPARE(watch.alive(), 2); // the default emitter and its link target
     document.setDefaultEmitter(nullptr);
     QCOMPARE(watch.alive(), 2);
     ScenarioDataXml::releaseObject(std::move(a));
     QCOMPARE(watch.alive(), 0);
 }
 
-/// Objects of one id and one name are written in one order all the same.
+/// Objects with equal ids and names are always written in the same order.
 void TestScenarioDataXmlRobustness::equalNames()
 {
     QByteArray xml = "<Scenario Uid='u'>";
@@ -668,15 +671,16 @@ void TestScenarioDataXmlRobustness::tooManyObjects()
     QVERIFY(sError.endsWith(QStringLiteral("objects of one scenario limit of 3 exceeded")));
     QCOMPARE(document.scenarioObjects().size(), 3);
     QCOMPARE(findEmitter(document, "a")->name(), QStringLiteral("A"));
-    QVERIFY(!findEmitter(document, "a")->isLinked()); // there is no room for its target
+    QVERIFY(!findEmitter(document, "a")->isLinked()); // its target would exceed the limit
     Limits::setValue(Limits::ScenarioObjects, 1);
     QVERIFY(document.fromXml("<Scenario><Emitter ID='a' LinkTarget='x'/></Scenario>"));
     QCOMPARE(document.errorString(), QStringLiteral("objects of one scenario limit of 1 exceeded"));
     Limits::setValue(Limits::ScenarioObjects, 0);
 }
 
-/// Followers carry the path that they follow: a small document may save as a
-/// large one, which must not take the place of the small one.
+/// A linked emitter is written with the path that it follows, so a small document
+/// can be saved as a large one. A document above the limit must not replace the
+/// small file.
 void TestScenarioDataXmlRobustness::tooLargeToSave()
 {
     QByteArray xml = "<Scenario><Emitter ID='path'><Position><Movement>" +
@@ -712,9 +716,9 @@ void TestScenarioDataXmlRobustness::tooLargeToSave()
 
 void TestScenarioDataXmlRobustness::sharedIds_data()
 {
-    QTest::addColumn<QString>("objects"); // a kind and an id each
+    QTest::addColumn<QString>("objects"); // each a letter for the class, and an id
     QTest::addColumn<QString>("expected");
-    QTest::addColumn<int>("readBack"); // objects
+    QTest::addColumn<int>("readBack"); // number of objects
 
     const QString sEnd =
         QStringLiteral(": a reader gets one object for each id; give every object its own id");
@@ -730,8 +734,8 @@ void TestScenarioDataXmlRobustness::sharedIds_data()
                           << 5;
 }
 
-/// Objects that share an id are written, and one of them is read: whoever saves
-/// them learns it.
+/// Emitters that share an id are all written, but read as one emitter: saving reports
+/// them.
 void TestScenarioDataXmlRobustness::sharedIds()
 {
     QFETCH(QString, objects);
@@ -762,17 +766,17 @@ void TestScenarioDataXmlRobustness::sharedIds()
                                   QStringLiteral(" (simulation/simulationdata/scenariodataxml)"));
         }
     }
-    initTestCase(); // silent again
+    initTestCase(); // disables traces again
     QCOMPARE(TraceCollector::lines(), expectedTraces);
     QVERIFY(document.fromXml(document.toXml()) && document.errorString().isEmpty());
     QTEST(static_cast<int>(document.scenarioObjects().size()), "readBack");
     QCOMPARE(document.mergedIds().isEmpty(), expected.isEmpty());
     document.setScenarioObjects({std::make_shared<SzenarioEmitter>(QStringLiteral("a"), QString())});
-    QVERIFY(document.mergedIds().isEmpty()); // what was merged is not there any more
+    QVERIFY(document.mergedIds().isEmpty()); // merged ids are those of the former objects
 }
 
-/// Nothing refers to a network by its id: neither another network nor an emitter
-/// of that id gets into its way.
+/// No element refers to a network by its id, so a network may share its id with
+/// another network or an emitter.
 void TestScenarioDataXmlRobustness::networksOfOneId()
 {
     const QByteArray xml = "<Scenario Uid='u'><Emitter ID='a' Name='E'/><Emitter ID='b'/>"
@@ -795,8 +799,8 @@ void TestScenarioDataXmlRobustness::networksOfOneId()
                                    QStringLiteral("b")}));
 }
 
-/// What comes again replaces what was there: adding it every time would cost
-/// the square of the repetitions.
+/// A repeated schedule element replaces the former one: adding up all of them would
+/// take quadratic time.
 void TestScenarioDataXmlRobustness::scheduleAgain()
 {
     ScenarioDataXml document(nullptr);
@@ -814,8 +818,8 @@ void TestScenarioDataXmlRobustness::scheduleAgain()
     QCOMPARE(findEmitter(document, "m")->emissionSettings()->emissions().size(), 1);
 }
 
-/// An entity that a document type elsewhere may define has no text here, but
-/// costs nothing of what follows.
+/// An entity that an external document type may define is read as an empty text. The
+/// rest of the document is read.
 void TestScenarioDataXmlRobustness::foreignEntity()
 {
     ScenarioDataXml document(nullptr);
