@@ -81,7 +81,7 @@ bool isDefault(const SignalPackage& a_package)
 
 QStringList s_traces;
 
-/// Collects what is traced while it lives.
+/// Collects all messages that are logged during its lifetime.
 class TraceCollector
 {
 public:
@@ -155,7 +155,8 @@ void TestSignalPackage::writesDescriptor()
     QCOMPARE(SignalPackageFile::writeSignalPackageDescriptor(read), s_descriptor);
 }
 
-/// As other programs write them: more blocks than ours, the same names in them.
+/// Descriptors of other programs have additional blocks with elements of the same
+/// names.
 void TestSignalPackage::readsForeignDescriptor()
 {
     const SignalPackage package = SignalPackageFile::signalPackage(

@@ -40,8 +40,8 @@ namespace {
 
 const QString s_sDefaultId = QStringLiteral("c0d40372-37c8-4ad4-9fb1-97bfc477769c");
 constexpr const char* s_szLock = "simulationdata.lock";
-constexpr qsizetype s_iPreparedFiles = 4;           ///< those of the built-in package, and the lock
-constexpr std::uint32_t s_uiNewest = 2'000'000'000; ///< a timestamp after those of built-in packages
+constexpr qsizetype s_iPreparedFiles = 4;           ///< those of the built-in package and the lock
+constexpr std::uint32_t s_uiNewest = 2'000'000'000; ///< later than the built-in packages
 
 QString u8(const char* a_szText)
 {
@@ -60,7 +60,7 @@ void write(const QString& a_sFile, const QByteArray& a_data)
     QVERIFY2(file.open(QIODevice::WriteOnly) && file.write(a_data) == a_data.size(), qPrintable(a_sFile));
 }
 
-/// A repository and a cache folder beside it.
+/// A temporary folder with a repository and a cache folder.
 class Folders
 {
 public:
@@ -74,7 +74,7 @@ public:
         return names;
     }
 
-    /// Makes a package whose shape file holds the text; durations are ms.
+    /// Creates a package whose shape file holds the given bytes; the duration is in ms.
     void addPackage(const char* a_szFolder, const QString& a_sId, const QStringList& a_updateIds = {},
                     const QByteArray& a_shape = "shape", std::uint32_t a_uiTimestamp = 0,
                     std::uint32_t a_uiDuration = 3000) const
@@ -90,7 +90,7 @@ public:
         write(SignalPackageFolder::signalShapeFilePath(sFolder), a_shape);
     }
 
-    /// Unpacks the packages that the program carries, as it does into a repository.
+    /// Unpacks the built-in packages into the repository, as applications do.
     void addBuiltIns() const
     {
         QVERIFY(QDir().mkpath(repository()));
@@ -102,10 +102,11 @@ private:
     QTemporaryDir m_dir;
 };
 
-/// Runs this program as another process that fills the cache folder, with files
-/// of at most so many bytes (0 = any): beyond that it is killed in the middle of
-/// a write, or else, when it is to survive, the write fails as on a full disk. It
-/// prints what it could not copy.
+/// Starts this program as another process that fills the cache folder, with files of
+/// at most a_iMaxBytes (0 = without limit). A larger file kills the process in the
+/// middle of a write; if the process shall survive, the write fails as on a full
+/// disk. It prints the number of packages that it could not copy and the first
+/// reason.
 std::unique_ptr<QProcess> startFilling(const Folders& a_folders, qint64 a_iMaxBytes, bool a_bSurvive)
 {
     auto process = std::make_unique<QProcess>();
@@ -211,7 +212,7 @@ void TestSignalPackageCache::defaultPackage()
     QCOMPARE(cache.audioFile(package)->length(), 2999U);
     QVERIFY(cache.symbolDataFile(package) == nullptr);
 
-    // As an older program left it.
+    // Files as an older program left them.
     write(folders.cache() + u'/' + s_sDefaultId + u8(".ssf"), "copy");
     const QByteArray shape = contents(folders.cached("Signal.ssf"));
     write(folders.cached("Signal.ssf"), "older");
@@ -255,7 +256,8 @@ void TestSignalPackageCache::findsPackages()
     QCOMPARE(folders.cachedNames().size(), s_iPreparedFiles + qsizetype{2} * 2);
 }
 
-// Which of the two is found first must not matter, so there are many of them.
+// There are many pairs, because the result must not depend on which package of a
+// pair is found first.
 void TestSignalPackageCache::supersededIds()
 {
     constexpr int s_iPairs = 40;
@@ -280,8 +282,8 @@ void TestSignalPackageCache::supersededIds()
     }
 }
 
-// A package cannot take the id of one that is newer, nor the names of the
-// default package's files.
+// A package can take neither the id of a newer package nor the names of the files of
+// the default package.
 void TestSignalPackageCache::usurpers()
 {
     const Folders folders;
@@ -299,7 +301,7 @@ void TestSignalPackageCache::usurpers()
     QVERIFY(cache.prepareCacheForUse() && !cache.defaultSignalPackage()->hasSymbolDataContent());
 }
 
-// As a power cut leaves them.
+// A power failure may leave empty files, which the next update replaces.
 void TestSignalPackageCache::emptyFiles()
 {
     const Folders folders;
@@ -378,7 +380,7 @@ void TestSignalPackageCache::readers()
     QCOMPARE(pAudio->packageDuration(), 3000U);
     QCOMPARE(cache.audioFile(cache.signalPackage(u8("p"))), pAudio);
     QVERIFY(cache.resultDataFile(package) == nullptr);
-    // "shape" is no shape file.
+    // "shape" is not a valid shape file.
     SignalShapeFile* pShape = cache.signalShapeFile(package);
     QVERIFY(pShape != nullptr && !pShape->isOpen());
     QCOMPARE(cache.signalShapeFile(package), pShape);
@@ -393,8 +395,8 @@ void TestSignalPackageCache::packageDurations_data()
     QTest::newRow("record from before the package changed") << false << true;
 }
 
-/// Whichever record asks first, the reader repeats its file over the duration of
-/// the package that is in the folder.
+/// The reader uses the duration of the package in the cache folder, whichever package
+/// object requests it first.
 void TestSignalPackageCache::packageDurations()
 {
     QFETCH(bool, bare);
@@ -424,7 +426,8 @@ void TestSignalPackageCache::packageDurations()
     QCOMPARE(cache.signalShapeFile(cache.signalPackage(u8("p"))), pShape);
 }
 
-/// What a scenario names that was loaded without packages is played after a check.
+/// A scenario that was loaded without packages can be played after a check: every
+/// emission gets a package that can be read.
 void TestSignalPackageCache::checkedScenario()
 {
     const Folders folders;
@@ -445,7 +448,7 @@ void TestSignalPackageCache::checkedScenario()
     scenario.setScenarioObjects({emitter});
     ScenarioChecker checker(&cache);
     checker.check(scenario);
-    QCOMPARE(checker.findings().size(), qsizetype{2}); // what cannot be read is as good as unknown
+    QCOMPARE(checker.findings().size(), qsizetype{2}); // an unreadable package counts as unknown
     QStringList ids;
     for (const auto& emission : emitter->emissionSettings()->emissions()) {
         ids.append(emission->signalPackage->id());
@@ -460,7 +463,7 @@ void TestSignalPackageCache::checkedScenario()
     QVERIFY(checker.findings().isEmpty());
 }
 
-/// What a package holds is known although its descriptor has nothing but the id.
+/// The data files of a package are found although its descriptor holds only the id.
 void TestSignalPackageCache::checkedPlainPackage()
 {
     const Folders folders;
@@ -481,11 +484,11 @@ void TestSignalPackageCache::checkedPlainPackage()
 
 void TestSignalPackageCache::builtInGivesWay_data()
 {
-    QTest::addColumn<QString>("id");  // that is asked for
-    QTest::addColumn<QString>("own"); // of the package of the repository
+    QTest::addColumn<QString>("id");  // requested from the cache
+    QTest::addColumn<QString>("own"); // of the user's package
     QTest::addColumn<quint32>("timestamp");
 
-    QTest::addColumn<bool>("later"); // than the built-in packages were cached
+    QTest::addColumn<bool>("later"); // whether the user adds it after the first update
 
     const QString sGauss = u8("9a567123-d88f-4177-9b57-b02c1ec104f7");
     for (const bool bLater : {false, true}) {
@@ -501,8 +504,8 @@ void TestSignalPackageCache::builtInGivesWay_data()
     }
 }
 
-/// A package of the user wins over the one that the program carries, and over the
-/// same one as the program unpacks it into the repository; also for later runs.
+/// A user's package takes precedence over a built-in package, and over the copy of it
+/// that the program unpacks into the repository; also in later runs.
 void TestSignalPackageCache::builtInGivesWay()
 {
     QFETCH(QString, id);
@@ -519,7 +522,7 @@ void TestSignalPackageCache::builtInGivesWay()
         QCOMPARE(cache.signalPackage(id)->id(), id);
     }
     folders.addPackage("z/mine", own, {id}, "mine", timestamp, 10'000);
-    // As a program left it that played the default package before.
+    // The reader of the built-in package is open, as after playing.
     QVERIFY(cache.signalShapeFile(cache.signalPackage(id))->isOpen());
     for (int iRun = 0; iRun < 2; ++iRun) {
         cache.updateCache(folders.repository(), false);
@@ -530,9 +533,9 @@ void TestSignalPackageCache::builtInGivesWay()
             QCOMPARE(package->id(), own);
             QCOMPARE(package->duration(), 10'000U);
             QCOMPARE(contents(folders.cached(qPrintable(own + u8(".ssf")))), QByteArray("mine"));
-            QVERIFY(!package->hasAudioContent());                 // the built-in one has
-            QVERIFY(!pCache->signalShapeFile(package)->isOpen()); // "mine" is no shape
-            // An unknown id is played as the default one, by whichever package has that.
+            QVERIFY(!package->hasAudioContent());                 // the built-in package has
+            QVERIFY(!pCache->signalShapeFile(package)->isOpen()); // "mine" is not a valid shape file
+            // An unknown id gives the default package: the user's if it has the default id.
             const auto fallback = pCache->signalPackage(u8("unknown"));
             QCOMPARE(fallback, pCache->defaultSignalPackage());
             QCOMPARE(fallback->id(), s_sDefaultId);
@@ -547,7 +550,8 @@ void TestSignalPackageCache::builtInGivesWay()
     QCOMPARE(folders.cachedNames().size(), s_iPreparedFiles);
 }
 
-/// The files of two packages are never mixed, and the next update tries again.
+/// If the files of the built-in package cannot be removed, the files of the two
+/// packages are not mixed, and the next update tries again.
 void TestSignalPackageCache::builtInThatCannotGiveWay()
 {
     const Folders folders;
@@ -557,7 +561,7 @@ void TestSignalPackageCache::builtInThatCannotGiveWay()
     cache.updateCache(folders.repository(), false);
     folders.addPackage("mine", s_sDefaultId, {}, "mine", 1, 10'000);
     write(folders.repository() + u8("/mine/Signal.sdf"), "mine");
-    // Nobody can remove a folder as a file.
+    // A folder cannot be removed as a file.
     const QString sFile = folders.cache() + u'/' + s_sDefaultId;
     QVERIFY(QDir().mkdir(sFile + u8(".rdf")));
     cache.updateCache(folders.repository(), false);
@@ -574,7 +578,7 @@ void TestSignalPackageCache::builtInThatCannotGiveWay()
 
 void TestSignalPackageCache::healsAfterKill_data()
 {
-    QTest::addColumn<QStringList>("kept"); // of a whole cache folder; "+name" is added, and empty
+    QTest::addColumn<QStringList>("kept"); // files of a full cache folder; "+name" adds an empty file
 
     const QString sLock = u8(s_szLock);
     QTest::newRow("lock file made") << QStringList{u8("+simulationdata.lock")};
@@ -594,8 +598,8 @@ void TestSignalPackageCache::healsAfterKill_data()
         << QStringList{sLock, u8("former.xml"), u8("p.xml"), u8("p.ssf")};
 }
 
-/// Whatever a process leaves that was killed while it filled the folder, the next
-/// one makes it whole without waiting.
+/// A process that is killed while it fills the folder leaves some of the files. The
+/// next process adds the missing ones without waiting.
 void TestSignalPackageCache::healsAfterKill()
 {
     QFETCH(QStringList, kept);
@@ -683,8 +687,8 @@ void TestSignalPackageCache::clearsOnlyItsOwn()
     QVERIFY(cache.signalShapeFile(cache.defaultSignalPackage())->isOpen());
 }
 
-// Data that stay behind must be found again when they can be removed, or they
-// would be taken for those of the changed package.
+// Data that could not be removed must be replaced later, or they would be used for
+// the changed package.
 void TestSignalPackageCache::cannotClear()
 {
     const Folders folders;
@@ -692,7 +696,7 @@ void TestSignalPackageCache::cannotClear()
     SignalPackageCache cache(folders.cache(), {});
     QVERIFY(cache.prepareCacheForUse());
     cache.updateCache(folders.repository(), false);
-    // Nobody can remove a folder as a file.
+    // A folder cannot be removed as a file.
     QVERIFY(QDir().mkdir(folders.cached("p.wav")));
     cache.clearCache();
     QVERIFY(cache.validSignalPackageId(u8("p")));
@@ -719,7 +723,7 @@ void TestSignalPackageCache::readersOutliveClearing()
     QVERIFY(cache.signalShapeFile(package)->isOpen());
 }
 
-// Lookups of all kinds beside an update: everybody is given the same objects.
+// Lookups in several threads during an update return the same objects.
 void TestSignalPackageCache::manyThreads()
 {
     const Folders folders;
@@ -785,7 +789,7 @@ void TestSignalPackageCache::interruptedCopy()
     QCOMPARE(left.size(), 1);
     QVERIFY(!QFile::exists(folders.cached("p.ssf")));
 
-    // One that a living process works on, and one that only looks alike.
+    // A temporary file of a running process, and a file with a similar name.
     const QString sRunning = QFileInfo(temporaryName(folders.cached("p.ssf"))).fileName();
     QStringList foreign{sRunning, u8("simulationdata.notes.tmp")};
     for (const QString& sName : foreign) {
@@ -808,14 +812,14 @@ void TestSignalPackageCache::fullDisk()
     const auto process = startFilling(folders, 300'000, true);
     QVERIFY(process->waitForFinished());
     QCOMPARE(process->exitStatus(), QProcess::NormalExit);
-    // A package counts once, whatever it lacks.
+    // A package counts once, however many of its files are missing.
     QCOMPARE(QString::fromUtf8(process->readAllStandardOutput())
                  .replace(folders.cache(), u8("C"))
                  .section(u' ', 0, 1),
              u8("2 Cannot"));
     QVERIFY(!QFile::exists(folders.cached("large.ssf")));
     QCOMPARE(contents(folders.cached("small.ssf")), QByteArray("shape"));
-    // Without the descriptor its data would stay for ever.
+    // Data without a descriptor would never be removed, so they are not copied.
     QVERIFY(!QFile::exists(folders.cached("wordy.ssf")));
     QVERIFY(folders.cachedNames().filter(u8(".tmp")).isEmpty());
 }

@@ -53,8 +53,9 @@ struct Header
     }
 };
 
-/// The first value of a record, and the one level, is its number, from 1 on; the
-/// other level is its negative. Level A is the larger in every other record.
+/// A record with a number, counted from 1: its first value and one level are the
+/// number, the other level is the negative number. The first level is the positive
+/// one in records with an even number.
 QByteArray record(quint64 a_uiNumber, quint32 a_uiPoints)
 {
     const auto fNumber = static_cast<float>(a_uiNumber);
@@ -216,7 +217,7 @@ void TestSignalShapeFile::truncated()
         file.readSpectrum(0);
         file.readSpectrum(100);
         QCOMPARE(file.spectrum().size(), 2U);
-        // Of the second record, its levels are there or the first record's stay.
+        // The levels of the second record, or those of the first if these are cut off.
         const float fRecord = i >= 35 + 24 + 16 ? 2.0F : i >= 35 + 16 ? 1.0F : 0.0F;
         QCOMPARE(file.signalLevelInSpectrum(), fRecord);
     }
@@ -230,7 +231,7 @@ void TestSignalShapeFile::hugeClaims()
     QVERIFY(file.open());
     QCOMPARE(file.missingBytes(), std::numeric_limits<std::int64_t>::max());
     file.setPackageDuration(s_uiMax);
-    // (2^32 - 2) * (16 + 2^20) + 35
+    // Offset: (2^32 - 2) records * (16 + 2^20) bytes + 35 bytes of the header.
     expectTrace(QStringLiteral("ends before its record of 1048592 bytes at 4503668344750083"));
     file.readSpectrum(s_uiMax - 1);
 }
@@ -249,7 +250,7 @@ void TestSignalShapeFile::limitOfData()
 
 void TestSignalShapeFile::changesAndOpensAgain()
 {
-    const Header fields{.uiRecords = 3, .uiPoints = 8192}; // a record is more than a device buffers
+    const Header fields{.uiRecords = 3, .uiPoints = 8192}; // a record is larger than the buffer of a QFile
     writeFile(m_sPath, fileOf(fields));
     SignalShapeFile file(m_sPath);
     QVERIFY(file.open());
@@ -257,7 +258,7 @@ void TestSignalShapeFile::changesAndOpensAgain()
     const float* pValues = file.spectrum().data();
     file.readSpectrum(0);
     writeFile(m_sPath, fields.bytes() + record(7, 8192) + record(8, 8192));
-    file.readSpectrum(99); // is loaded
+    file.readSpectrum(99); // this record is loaded already
     QCOMPARE(file.spectrum().front(), 1.0F);
     file.readSpectrum(100);
     QCOMPARE(file.spectrum().front(), 8.0F);
@@ -265,7 +266,7 @@ void TestSignalShapeFile::changesAndOpensAgain()
     QVERIFY(QFile::resize(m_sPath, 51));
     expectTrace(QStringLiteral("of 51 bytes ends before its record of 32784 bytes at 65603"));
     file.readSpectrum(200);
-    file.readSpectrum(0); // the same trouble is not traced again
+    file.readSpectrum(0); // the same error is not traced again
     QCOMPARE(file.spectrum().front(), 8.0F);
     QCOMPARE(file.spectrum().data(), pValues);
 
@@ -276,7 +277,7 @@ void TestSignalShapeFile::changesAndOpensAgain()
     QCOMPARE(file.spectrum().front(), 8.0F);
     QVERIFY(file.open());
     QCOMPARE(file.signalLevelInSpectrum(), 0.0F);
-    file.readSpectrum(0); // it stood there when the file was closed
+    file.readSpectrum(0); // must read it again, although it was the last record before close()
     QCOMPARE(file.signalLevelInSpectrum(), 1.0F);
 }
 

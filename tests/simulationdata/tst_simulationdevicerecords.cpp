@@ -65,7 +65,7 @@ void TestSimulationDeviceRecords::configurationDocument()
     QVERIFY(device.toXml().contains("<PositionLatitude>0</PositionLatitude>"));
 }
 
-/// The field at fault keeps its value and all others are taken.
+/// A missing or invalid field keeps its value; all other fields are read.
 void TestSimulationDeviceRecords::incompleteConfiguration()
 {
     QList<QByteArray> documents;
@@ -83,7 +83,8 @@ void TestSimulationDeviceRecords::incompleteConfiguration()
         QCOMPARE(device.toXml(), s_document);
         SimulationDeviceConfiguration fresh;
         QVERIFY(!fresh.fromXml(document));
-        // One line differs at most: the station name is empty anyway.
+        // At most one line differs: a missing station name makes no difference, because
+        // it is empty.
         int iDifferent = 0;
         for (const QByteArray& line : fresh.toXml().split('\n')) {
             iDifferent += lines.contains(line) ? 0 : 1;
@@ -97,7 +98,7 @@ void TestSimulationDeviceRecords::base()
     const QByteArray base("<Other version='2'><Name>old</Name><Id/></Other>");
     const QByteArray merged = configuration().toXml(base);
     QVERIFY(merged.startsWith("<Other version=\"2\">\n    <Name>old</Name>\n    <Id/>\n    <StationId>s1<"));
-    QCOMPARE(merged.count("Name>"), 2); // its own, and the empty one of the station
+    QCOMPARE(merged.count("Name>"), 2); // start and end tag of one name; <StationName/> does not match
     SimulationDeviceConfiguration read;
     QVERIFY(read.fromXml(merged));
     QCOMPARE(read.name(), QStringLiteral("old"));
@@ -117,7 +118,7 @@ void TestSimulationDeviceRecords::states()
     };
     SimulationDeviceState state;
     QCOMPARE(state.toXml(), document("0"));
-    for (const char* const szText : {"3", "77", "-1"}) { // what others may add later survives
+    for (const char* const szText : {"3", "77", "-1"}) { // values that newer peers may send are kept
         QVERIFY(state.fromXml(document(szText)));
         QCOMPARE(state.toXml(), document(szText));
     }
@@ -142,7 +143,8 @@ void TestSimulationDeviceRecords::messages_data()
     QTest::newRow("cut in a character") << sShorter + sWide << sShorter;
 }
 
-/// Behind the state, cut, and gone with the next record that has none.
+/// The message is written after the state, is cut at its maximum length, and is reset
+/// by the next record without a message.
 void TestSimulationDeviceRecords::messages()
 {
     QFETCH(const QString, text);
@@ -154,7 +156,7 @@ void TestSimulationDeviceRecords::messages()
     const QByteArray xml = state.toXml();
     QVERIFY(xml.startsWith(bare.left(bare.indexOf("</Simulation")) + "    <Message>"));
 
-    // A peer may send more than it should.
+    // A peer may send a message that is too long.
     const QByteArray sent = QByteArray(bare).replace(
         "</Simulation", "<Message>" + text.toHtmlEscaped().toUtf8() + "</Message></Simulation");
     SimulationDeviceState read;

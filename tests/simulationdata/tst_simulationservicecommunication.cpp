@@ -18,7 +18,7 @@ using namespace Simulation;
 namespace {
 
 constexpr int s_iCommands = 17;
-constexpr int s_iQuietTime = 20; // ms in which what must not come would have come
+constexpr int s_iQuietTime = 20; // ms, in which an unwanted event would arrive
 constexpr const char* s_szSource = " (simulation/simulationdata/simulationservicecommunication)";
 
 using Send = std::function<void(SimulationServiceCommunication&)>;
@@ -38,7 +38,7 @@ SimulationDeviceState loadedState()
     return state;
 }
 
-/// The record of device() as it stands inside another document.
+/// The document of device(), escaped as text of another document.
 QByteArray escapedDevice(const char* a_szId)
 {
     return QByteArray("&lt;Simulation::SimulationDeviceConfiguration&gt;\n    &lt;Id&gt;")
@@ -87,7 +87,7 @@ QString textOf(const QVariant& a_argument)
     return a_argument.toString() + a_argument.value<SimulationDeviceConfiguration>().id();
 }
 
-/// All signals of a communication, as "name(argument,argument)".
+/// Records all signals of a communication, as "name(argument,argument)".
 class Log
 {
 public:
@@ -101,7 +101,7 @@ public:
         }
     }
 
-    /// In the order of the signals' declaration.
+    /// In the order in which the signals are declared, not emitted.
     [[nodiscard]] QStringList entries() const
     {
         QStringList entries;
@@ -122,8 +122,8 @@ private:
     std::vector<std::unique_ptr<QSignalSpy>> m_spies;
 };
 
-/// Two connected sockets. The communication is on the near one; what the far
-/// one sends and gets is bytes.
+/// Two connected sockets: the near one has a communication, the far one sends and
+/// receives bytes.
 struct Wire
 {
     Wire()
@@ -296,7 +296,7 @@ void TestSimulationServiceCommunication::commands_data()
         &Peer::sendCommandRequestSimulationDevices);
 }
 
-/// Byte by byte out, and the same bytes in again.
+/// A command is sent as exactly these bytes, and the same bytes emit its signal.
 void TestSimulationServiceCommunication::commands()
 {
     QFETCH(Send, send);
@@ -319,7 +319,7 @@ void TestSimulationServiceCommunication::commands()
 void TestSimulationServiceCommunication::refused_data()
 {
     QTest::addColumn<QByteArray>("document");
-    QTest::addColumn<QString>("trace"); // of the progress category unless it is about no command
+    QTest::addColumn<QString>("trace"); // progress for a command, an error for another root
 
     const auto incomplete = [](const QByteArray& a_command, const char* a_szTag) {
         QTest::newRow(a_command.constData())
@@ -347,7 +347,7 @@ void TestSimulationServiceCommunication::refused_data()
                                   << QStringLiteral("Invalid xml: Commands");
 }
 
-/// Nothing is signalled, one trace tells, and the next command is served.
+/// No signal is emitted, one line is traced, and the next command is received.
 void TestSimulationServiceCommunication::refused()
 {
     QFETCH(QByteArray, document);
@@ -407,7 +407,7 @@ void TestSimulationServiceCommunication::filteredCommands_data()
 {
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("signal"); // when the filter lets it pass
+    QTest::addColumn<QString>("signal"); // when the filter accepts the command
     const QByteArray blanks(100'000, ' ');
     QTest::newRow("small payload") << scenarioCommand("damaged") << "LoadScenario"
                                    << "loadScenario()";
@@ -466,7 +466,7 @@ void TestSimulationServiceCommunication::unfinishedBytes()
     QCOMPARE(wire.communication->unfinishedBytes(), 0);
 }
 
-/// Characters that XML forbids would end the reading at the peer for good.
+/// Characters that XML forbids are removed: the peer could not read any further.
 void TestSimulationServiceCommunication::cleanedTexts()
 {
     const TraceCollector traces;
@@ -482,8 +482,8 @@ void TestSimulationServiceCommunication::cleanedTexts()
                                              QStringLiteral("acceptSimulationDevice(ab,ab)")}));
 }
 
-/// The same socket again: what the old connection left is forgotten, be it half
-/// a document or an error.
+/// When the same socket connects again, half a document and an error of the old
+/// connection are discarded.
 void TestSimulationServiceCommunication::reconnection()
 {
     Wire wire;
@@ -520,12 +520,12 @@ void TestSimulationServiceCommunication::replacedSocket()
 
     wire.sendBytes("<Command><Load");
     QTest::qWait(s_iQuietTime);
-    wire.communication->setSocket(wire.near.get()); // begins afresh, though still listened to
+    wire.communication->setSocket(wire.near.get()); // discards half a document, although it still received
     wire.sendBytes(bare("StopScenario"));
     QTRY_COMPARE(log.entries().size(), 3);
     wire.communication->setSocket(other.near.get());
 
-    // Read already, but not delivered yet.
+    // The second command has arrived, but the slot of the first ends the reception.
     connect(wire.communication.get(), &SimulationServiceCommunication::unloadScenario, this,
             [&wire] { wire.communication->setSocket(nullptr); });
     other.sendBytes(bare("UnloadScenario") + bare("StopScenario"));
@@ -562,7 +562,8 @@ void TestSimulationServiceCommunication::socketDiesFirst()
     QVERIFY(!wire.communication->hasLostCommands());
 }
 
-/// The socket notices that its peer has left although nobody reads what it sent.
+/// The socket detects that its peer has disconnected although nobody reads the bytes
+/// that the peer sent.
 void TestSimulationServiceCommunication::lossWithUnreadBytes()
 {
     constexpr qsizetype iBytes = qsizetype{4} * 1024 * 1024;
@@ -580,7 +581,7 @@ void TestSimulationServiceCommunication::lossWithUnreadBytes()
         wire.far->disconnectFromHost();
         QTRY_COMPARE(lost.count(), 1);
         QVERIFY2(!bFaulty || iMostWaiting <= 65'536, QByteArray::number(iMostWaiting).constData());
-        QCOMPARE(TraceCollector::lines().filter(QLatin1String(s_szSource)).size(), 1); // the error
+        QCOMPARE(TraceCollector::lines().filter(QLatin1String(s_szSource)).size(), 1); // of the first run
     }
 }
 
@@ -601,7 +602,8 @@ void TestSimulationServiceCommunication::tooLarge()
     wire.reconnect();
     QVERIFY(!wire.communication->hasLostCommands());
 
-    // The loss belongs to the new connection, whoever hears of that first.
+    // A command that is lost in a slot of connected() counts for the new connection,
+    // also when this slot is called before that of the communication.
     wire.communication->setSocket(nullptr);
     connect(wire.near.get(), &QTcpSocket::connected, wire.communication.get(),
             [&wire] { wire.communication->sendLoadScenario(QByteArray(200, 'x')); });

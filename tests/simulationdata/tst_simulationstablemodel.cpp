@@ -42,7 +42,7 @@ QStringList names(const SimulationsTableModel& a_model)
     return all;
 }
 
-/// The colour of a row; also checks that its columns agree.
+/// The colour of a row; "mixed" when its columns differ.
 QVariant colorOf(const SimulationsTableModel& a_model, int a_iRow = 0)
 {
     QVariant first = a_model.index(a_iRow, 0).data(Qt::ForegroundRole);
@@ -54,7 +54,7 @@ QVariant colorOf(const SimulationsTableModel& a_model, int a_iRow = 0)
     return first;
 }
 
-/// Turns the texts of the library's classes round, and no others.
+/// Puts the texts of the library's classes into angle brackets, and no other texts.
 class TurningTranslator : public QTranslator
 {
 public:
@@ -129,7 +129,7 @@ void TestSimulationsTableModel::texts()
     device.setPositionLatitude(48.5);
     model.registerSimulation(device);
 
-    QLocale::setDefault(QLocale(QLocale::German)); // makes no difference
+    QLocale::setDefault(QLocale(QLocale::German)); // the texts do not depend on the locale
     QStringList row;
     for (int iColumn = 0; iColumn < model.columnCount(); ++iColumn) {
         row.append(model.index(0, iColumn).data().toString());
@@ -161,10 +161,11 @@ void TestSimulationsTableModel::nothingToShow()
     QVERIFY(!model.data(QModelIndex()).isValid());
     QCOMPARE(model.rowCount(kept), 0);
     model.unregisterSimulation(QStringLiteral("a"));
-    QVERIFY(!model.data(kept).isValid()); // beyond the rows now
+    QVERIFY(!model.data(kept).isValid()); // its row does not exist any more
 }
 
-/// Of every state a peer may send, from -1 on.
+/// The colour for each state from -1 to 4, which a peer may send; not every state has
+/// one.
 void TestSimulationsTableModel::colors()
 {
     const QVariantList expected{
@@ -189,10 +190,10 @@ void TestSimulationsTableModel::operations()
     const QString sB = QStringLiteral("b");
 
     model.updateSimulationState(sA, stateOf(2));
-    QCOMPARE(model.rowCount(), 0); // kept without a row
+    QCOMPARE(model.rowCount(), 0); // the state is kept without a row
     model.registerSimulation(deviceOf(sA, QStringLiteral("first")));
     model.registerSimulation(deviceOf(sB, QStringLiteral("second")));
-    QCOMPARE(colorOf(model), QVariant(QColor(Qt::black))); // and taken back
+    QCOMPARE(colorOf(model), QVariant(QColor(Qt::black))); // registering resets the state
     model.setAllSimulationsLoading();
     QCOMPARE(colorOf(model, 1), QVariant(QColor(Qt::darkYellow)));
 
@@ -230,7 +231,7 @@ void TestSimulationsTableModel::limit()
     }
     QVERIFY(expectRefusal(4, 2));
 
-    // What is known already still changes, and what leaves makes room.
+    // Known devices still change, and a removed device makes room for another.
     model.registerSimulation(deviceOf(QStringLiteral("b")));
     model.updateSimulationState(QStringLiteral("a"), stateOf(2));
     model.updateSimulationState(QStringLiteral("x"), stateOf(2));
@@ -257,7 +258,7 @@ void TestSimulationsTableModel::manyDevices()
     QCOMPARE(model.rowCount(), 0);
 }
 
-/// What users read is translated, each text under the name of its class.
+/// All texts for users are translated, each in the context of its class.
 void TestSimulationsTableModel::translation()
 {
     const auto texts = [] {

@@ -58,7 +58,7 @@ void TestSimulationSystemConfiguration::load(const QByteArray& a_text)
 
 void TestSimulationSystemConfiguration::defaults()
 {
-    // First without settings, then with none in them.
+    // First without a settings file, then with an empty one.
     for (int i = 0; i < 2; ++i) {
         QCOMPARE(m_configuration.simulationServerAddress(), u8("127.0.0.1"));
         QCOMPARE(m_configuration.simulationCacheDirectory(), QDir::tempPath());
@@ -78,7 +78,7 @@ void TestSimulationSystemConfiguration::values()
          "[Ports]\nSimulationServer=1\nSimulationService=2\nSimulationEditor=65535\n"
          "[SimulationRepository]\nFileSystem\\Repository=/repository\n");
     const SimulationSystemConfiguration copy = m_configuration;
-    load(""); // a copy keeps what it was made of
+    load(""); // a copy does not change with the original
     QCOMPARE(copy.simulationServerAddress(), u8("10.0.0.1"));
     QCOMPARE(copy.simulationCacheDirectory(), u8("/cache"));
     QCOMPARE(copy.simulationServerPort(), quint16{1});
@@ -114,7 +114,7 @@ void TestSimulationSystemConfiguration::coordinates_data()
     QTest::newRow("decimal") << u8("Coord 48.1 11.5") << 48.1 << 11.5 << false;
     QTest::newRow("decimal, signs and a tabulator") << u8("Coord\t-48.1 -11.5") << -48.1 << -11.5 << false;
     QTest::newRow("decimal, no numbers") << u8("Coord nan x") << 0.0 << 0.0 << false;
-    // Longitude first, and wide enough for the fixed places.
+    // With letters the longitude is first, and each number has a fixed place.
     QTest::newRow("letters") << u8("E011.500000 N48.100000") << 48.1 << 11.5 << true;
     QTest::newRow("letters, comma") << u8("W011,500000 S48,100000") << -48.1 << -11.5 << true;
     QTest::newRow("letters, narrow") << u8("N48.1 E11.5") << 0.0 << 0.0 << true;

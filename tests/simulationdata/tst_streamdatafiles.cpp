@@ -10,7 +10,7 @@
 
 using namespace Simulation;
 
-/// The files that hold a stream of equal-sized items at a constant rate.
+/// Files that hold a stream of items of equal size at a constant rate.
 class TestStreamDataFiles : public QObject
 {
     Q_OBJECT
@@ -51,7 +51,8 @@ QByteArray resultHeader(float a_fRate, quint64 a_uiCount, quint8 a_uiType = 0, q
     return "T&K-RDF" + littleEndian(a_uiVersion, a_uiType, a_fRate, a_uiCount, quint32{77});
 }
 
-/// Symbols from a place on, of a stream of so many that repeats. A symbol tells its place.
+/// Symbols from an index on, of a stream of a_uiStream symbols that repeats. The value
+/// of a symbol is its index modulo 251.
 std::vector<std::uint8_t> symbolsFrom(quint32 a_uiFirst, quint32 a_uiCount, quint32 a_uiStream)
 {
     std::vector<std::uint8_t> answer;
@@ -68,7 +69,7 @@ QByteArray symbolFile(float a_fRate, quint32 a_uiCount)
            QByteArray(reinterpret_cast<const char*>(all.data()), a_uiCount);
 }
 
-/// The same of results.
+/// The same for results; the value of a result is its index.
 QByteArray resultsFrom(quint32 a_uiFirst, quint32 a_uiCount, quint32 a_uiStream)
 {
     QByteArray answer;
@@ -88,7 +89,7 @@ QByteArray resultFile(float a_fRate, quint32 a_uiCount)
 void TestStreamDataFiles::symbols_data()
 {
     QTest::addColumn<float>("rate");
-    QTest::addColumn<std::vector<quint32>>("span"); // count, start, duration; first, read
+    QTest::addColumn<std::vector<quint32>>("span"); // items, start, duration (ms); first index, count
 
     const auto add = [](const char* a_szRow, float a_fRate, const std::vector<quint32>& a_span) {
         QTest::newRow(a_szRow) << a_fRate << a_span;
@@ -157,7 +158,7 @@ void TestStreamDataFiles::lengths()
 
 void TestStreamDataFiles::lengthAboveTwoTo24()
 {
-    // In single precision the stream is a millisecond longer than it is.
+    // The length is rounded to single precision, here up by 1 ms.
     constexpr quint32 uiCount = (1U << 24U) + 3U;
     writeFile(m_sPath, symbolHeader(1000.0F, uiCount) + "ab");
     QVERIFY(QFile::resize(m_sPath, 41 + uiCount));
@@ -245,7 +246,7 @@ void TestStreamDataFiles::hugeClaims()
 
 void TestStreamDataFiles::shrinks()
 {
-    constexpr quint32 uiCount = 60'000; // more than a device buffers
+    constexpr quint32 uiCount = 60'000; // more than the buffer of a QFile
     writeFile(m_sPath, symbolFile(1000.0F, uiCount));
     SymbolDataFile symbols(m_sPath);
     QVERIFY(symbols.open());

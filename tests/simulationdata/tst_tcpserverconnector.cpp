@@ -23,7 +23,7 @@ QString traced(const char* a_szText, quint16 a_uiPort, const char* a_szEnd = "")
              QLatin1String(s_szSource));
 }
 
-/// A port that nobody listens on.
+/// A port without a server.
 quint16 freePort()
 {
     QTcpServer server;
@@ -44,8 +44,8 @@ struct Road
 
 using Pauses = QList<int>;
 
-/// Notes how long the connector waits (ms) each time that its socket has emitted
-/// the signal, and lets it wait no longer.
+/// Records the pause of the connector (ms; -1 = none) each time its socket emits the
+/// signal, and then ends the pause.
 template<typename Signal>
 void notePauses(TcpServerConnector& a_connector, Signal a_signal, Pauses& a_pauses)
 {
@@ -94,7 +94,7 @@ void TestTcpServerConnector::address()
     const auto tried = [](const char* a_szAddress) {
         TraceCollector::lines().clear();
         TcpServerConnector connector(QString::fromLatin1(a_szAddress));
-        connector.connectToServer(); // never at once
+        connector.connectToServer(); // must not start inside the call
         const bool bAtOnce = connector.socket()->state() != QAbstractSocket::UnconnectedState;
         return bAtOnce ? QString() : TraceCollector::lines().join(u' ').section(u' ', 4, 4);
     };
@@ -105,7 +105,8 @@ void TestTcpServerConnector::address()
     QCOMPARE(tried("%2:1"), QStringLiteral("%2:1"));
 }
 
-/// Both a server that hangs up and our own hanging up end in a new connection.
+/// The connector connects again after the server disconnects, and after
+/// disconnectFromServer().
 void TestTcpServerConnector::cycle()
 {
     Road road;
@@ -117,7 +118,7 @@ void TestTcpServerConnector::cycle()
     road.connector->connectToServer();
     QTRY_COMPARE(connected.count(), 1);
     QVERIFY(road.connector->isConnected());
-    Q_EMIT road.connector->socket()->errorOccurred(QAbstractSocket::NetworkError); // no failed attempt
+    Q_EMIT road.connector->socket()->errorOccurred(QAbstractSocket::NetworkError); // not a failed attempt
     QVERIFY(!road.connector->findChild<QTimer*>()->isActive());
 
     QTRY_VERIFY(road.server.hasPendingConnections());
@@ -133,7 +134,7 @@ void TestTcpServerConnector::cycle()
                             traced("Disconneted from", uiPort)};
     QCOMPARE(TraceCollector::lines(), round + round + round.first(2));
 
-    road.connector.reset(); // silently
+    road.connector.reset(); // without signal or trace
     QCOMPARE(disconnected.count(), 2);
     QCOMPARE(TraceCollector::lines().size(), 8);
 }
@@ -155,9 +156,9 @@ void TestTcpServerConnector::startsAreOne()
     QCOMPARE(TraceCollector::lines(), QStringList());
 }
 
-/// The first attempt comes from the very port that it seeks and meets itself,
-/// the others are refused, and all go on until there is a server. The first
-/// failure for each reason is traced.
+/// In the first attempt the socket is bound to the port to which it connects, so it
+/// connects with itself. The other attempts are refused, until there is a server. Only
+/// the first failure for each reason is traced.
 void TestTcpServerConnector::failedAttempts()
 {
     const quint16 uiPort = freePort();
@@ -176,7 +177,7 @@ void TestTcpServerConnector::failedAttempts()
     };
     const QStringList refused = failed("; Connection refused");
     QCOMPARE(TraceCollector::lines(), failed("; the socket met itself") + refused);
-    connector.connectToServer(); // whoever asks again is answered again
+    connector.connectToServer(); // a new request traces the failure again
     QTRY_COMPARE(TraceCollector::lines().mid(2), refused + refused);
 
     QTcpServer server;
@@ -193,7 +194,7 @@ void TestTcpServerConnector::pauses()
     notePauses(connector, &QTcpSocket::errorOccurred, pauses);
     connect(connector.socket(), &QTcpSocket::errorOccurred, this, [&] {
         if (pauses.size() == series.size()) {
-            connector.connectToServer(); // begins anew
+            connector.connectToServer(); // starts the series again
         }
     });
     connector.connectToServer();
@@ -208,12 +209,12 @@ void TestTcpServerConnector::hangingUp_data()
     QTest::newRow("the application asks in every slot") << true;
 }
 
-/// A server that hangs up at once is as bad as none, unless the connection
-/// lasted.
+/// The pauses also grow while the server disconnects at once. A connection that lasted
+/// resets them.
 void TestTcpServerConnector::hangingUp()
 {
     QFETCH(const bool, asks);
-    constexpr int iKept = 2100; // ms
+    constexpr int iKept = 2100; // duration of the lasting connection, ms
     constexpr qsizetype iShort = 5;
     Road road;
     Pauses pauses;
@@ -236,7 +237,7 @@ void TestTcpServerConnector::hangingUp()
     QCOMPARE(pauses.first(iShort + 4), (Pauses{0, 0, 50, 100, 200, 0, 0, 0, 50}));
 }
 
-/// Whoever aborts the socket while it connects gets the next attempt, too.
+/// When the socket is aborted while it connects, the connector tries again.
 void TestTcpServerConnector::abortedAttempt()
 {
     Road road;

@@ -108,7 +108,7 @@ QByteArray label(std::uint32_t a_uiId, const QByteArray& a_text)
     return chunk("labl", little({a_uiId}) + a_text);
 }
 
-/// A file with every kind of chunk, unknown ones and odd sizes.
+/// A file with every kind of chunk, also unknown chunks and odd sizes.
 QByteArray allChunks()
 {
     return wave(chunk("junk", "odd") + s_mono16 +
@@ -179,7 +179,7 @@ void TestWaveFile::forms_data()
                                     << QList<float>{};
 }
 
-/// Each vector held something else before; a refused form leaves it empty.
+/// Reads into a vector that is not empty; a form that is refused empties it.
 template<typename Value, typename Expected>
 static void compareForm(WaveFileReader& a_reader, const QList<Expected>& a_expected)
 {
@@ -209,7 +209,7 @@ void TestWaveFile::ranges_data()
     constexpr quint64 uiHuge = std::numeric_limits<quint64>::max();
     QTest::addColumn<quint64>("start");
     QTest::addColumn<quint64>("count");
-    QTest::addColumn<int>("first"); // -1: refused
+    QTest::addColumn<int>("first"); // expected first sample; -1 = refused
     QTest::newRow("all") << quint64{0} << quint64{10} << 0;
     QTest::newRow("start folded") << quint64{25} << quint64{5} << 5;
     QTest::newRow("start at the end") << quint64{10} << quint64{10} << 0;
@@ -290,7 +290,8 @@ void TestWaveFile::noFiles()
     QCOMPARE(TraceCollector::lines().size(), paths.size());
 }
 
-/// The file just fits, entries of lists being chunks too; one less is too few.
+/// The file reaches each limit exactly and exceeds a limit that is one less. Entries
+/// of lists count as chunks.
 void TestWaveFile::limits()
 {
     WaveFileReader reader(save(allChunks()));
@@ -310,7 +311,7 @@ void TestWaveFile::limits()
     QVERIFY(reader.readSamples(0, 9, samples) && !reader.readSamples(0, 10, samples));
 }
 
-/// What opens gives all frames that it says it has, and nothing is made up.
+/// A truncated file that can be opened gives all frames of its length() and no more.
 void TestWaveFile::cutAtEveryByte()
 {
     const QByteArray whole = wave(s_mono16 + chunk("data", ramp(10)));
@@ -388,7 +389,7 @@ void TestWaveFile::audioWraps_data()
     QTest::addColumn<QByteArray>("chunks");
     QTest::addColumn<quint64>("start");
     QTest::addColumn<quint64>("count");
-    QTest::addColumn<QList<int>>("samples"); // empty: one trace
+    QTest::addColumn<QList<int>>("samples"); // empty = refused with one trace
     const QByteArray five = s_mono16 + chunk("data", ramp(5)) + chunk("tail", "abcd");
     const auto row = [](const char* a_szName, const QByteArray& a_chunks, quint64 a_uiStart,
                         quint64 a_uiCount, const QList<int>& a_samples) {

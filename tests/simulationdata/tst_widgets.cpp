@@ -35,8 +35,8 @@ void sendTimerEvent(QObject& a_object, int a_iTimer)
     QCoreApplication::sendEvent(&a_object, &event);
 }
 
-/// Has time pass for a dialog: at most so many ticks, given as its timer gives
-/// them. Returns how many it took, fewer when the timer has stopped.
+/// Simulates time for a dialog: sends at most a_iMost of its timer events. Returns the
+/// number of events sent, which is smaller when the timer has stopped.
 int tick(QObject& a_dialog, int a_iMost)
 {
     int iTicks = 0;
@@ -46,8 +46,8 @@ int tick(QObject& a_dialog, int a_iMost)
     return iTicks;
 }
 
-/// A dialog in memory of the test, overwritten when a receiver deletes it:
-/// whoever touches it afterwards crashes.
+/// A dialog in memory of the test. The memory is overwritten when a slot destroys the
+/// dialog, so that a later access crashes.
 class MortalDialog
 {
 public:
@@ -100,7 +100,7 @@ void TestWidgets::led()
     led.deactivateLed();
     led.activeateLed();
     QVERIFY(led.isLedActive());
-    // By name, as forms and scripts call it.
+    // Called by its name, as forms and scripts do.
     QVERIFY(QMetaObject::invokeMethod(&led, "setLedActive", Q_ARG(bool, false)));
     QVERIFY(!led.isLedActive());
 
@@ -116,7 +116,7 @@ void TestWidgets::lamp()
 {
     LedWidget led;
     auto* const pLamp = led.findChild<QLabel*>(QStringLiteral("activeLed"));
-    led.show(); // or else the lamp has no place
+    led.show(); // a hidden lamp has no layout
     QCOMPARE(pLamp->pixmap(Qt::ReturnByValue).deviceIndependentSize(), QSizeF(10, 10));
     QCOMPARE(QImage(QStringLiteral(":/Icons/Led-10x10@2x.png")).size(), QSize(20, 20));
     const auto center = [&] { return pLamp->grab().toImage().pixelColor(pLamp->rect().center()); };
@@ -145,13 +145,13 @@ void TestWidgets::waitForm()
     QCOMPARE(timersOf(dialog).constFirst().interval, 100);
 
     const auto* const pBar = dialog.findChild<QProgressBar*>(QStringLiteral("progressBar"));
-    sendTimerEvent(dialog, timersOf(dialog).constFirst().timerId + 1); // of somebody else
+    sendTimerEvent(dialog, timersOf(dialog).constFirst().timerId + 1); // a timer of another object
     QCOMPARE(pBar->value(), 0);
     tick(dialog, 10);
     QCOMPARE(pBar->value(), 10);
     tick(dialog, 1);
     QCOMPARE(pBar->value(), 0);
-    // The button is the application's.
+    // The application connects the button; the dialog itself does not.
     dialog.open(s_sTitle, s_sMessage, true, 0);
     dialog.findChild<QPushButton*>(QStringLiteral("cancelButton"))->click();
     QVERIFY(dialog.isVisible());
@@ -160,7 +160,7 @@ void TestWidgets::waitForm()
 void TestWidgets::timeouts_data()
 {
     QTest::addColumn<unsigned int>("seconds");
-    QTest::addColumn<int>("ticks"); ///< of 100 at most
+    QTest::addColumn<int>("ticks"); ///< until the time-out; 100 = no time-out
     QTest::newRow("none") << 0U << 100;
     QTest::newRow("one second") << 1U << 11;
     QTest::newRow("2^32 ms and 704 more") << 4'294'968U << 100;
@@ -174,7 +174,7 @@ void TestWidgets::timeouts()
     WaitDisplayWidget dialog;
     QSignalSpy timeout(&dialog, &WaitDisplayWidget::timeout);
     QSignalSpy result(&dialog, &QDialog::finished);
-    for (int iTime = 0; iTime < 2; ++iTime) { // a second waiting begins at 0
+    for (int iTime = 0; iTime < 2; ++iTime) { // opening again restarts the time
         dialog.open(s_sTitle, s_sMessage, true, seconds);
         QCOMPARE(tick(dialog, 100), ticks);
         QCOMPARE(timeout.count(), ticks < 100 ? iTime + 1 : 0);
@@ -218,7 +218,7 @@ void TestWidgets::endings_data()
 {
     QTest::addColumn<Act>("act");
     QTest::addColumn<bool>("cancelable");
-    QTest::addColumn<QString>("signals"); ///< none = the dialog stays open
+    QTest::addColumn<QString>("signals"); ///< empty = the dialog stays open
     const auto escape = [](WaitDisplayWidget& a_dialog) {
         QKeyEvent event(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
         QCoreApplication::sendEvent(&a_dialog, &event);
@@ -236,8 +236,8 @@ void TestWidgets::endings_data()
                               << QStringLiteral("timeout ");
 }
 
-/// An end is told once, stops the time, and whoever is told last may delete the
-/// dialog.
+/// Each way to end emits its signals once and stops the timer. A slot of the last
+/// signal may delete the dialog.
 void TestWidgets::endings()
 {
     QFETCH(Act, act);

@@ -247,7 +247,7 @@ void TestXmlElement::encodings()
     const XmlElement root = XmlElement::parse(text, &sError);
     QCOMPARE(sError, QString());
     QCOMPARE(root.childText(), u8("\xC3\xA4\xF0\x9D\x84\x9E"));
-    // A stream reader that gets these bytes must not decode them again.
+    // A stream reader must not decode these bytes again, so they declare no encoding.
     const QByteArray utf8 = toUtf8Xml(text, &sError);
     QCOMPARE(sError, QString());
     QVERIFY(!utf8.contains("encoding"));
@@ -260,7 +260,7 @@ void TestXmlElement::sharesUtf8()
     QString sError;
     const QByteArray utf8 = toUtf8Xml(text, &sError);
     QCOMPARE(static_cast<const void*>(utf8.constData()), static_cast<const void*>(text.constData()));
-    // Cut inside a character, as where a disk filled up.
+    // Cut inside a character, as on a full disk.
     QCOMPARE(toUtf8Xml("<A>\xC3", &sError), QByteArray("<A>\xC3"));
     QCOMPARE(toUtf8Xml("<A>\xF0\x9D\x84", &sError), QByteArray("<A>\xF0\x9D\x84"));
     QCOMPARE(sError, QString());
@@ -382,7 +382,7 @@ void TestXmlElement::copiesAndLifetime()
     QCOMPARE(other.toByteArray(), QByteArray("<O>\n    <A b=\"2\">\n        <B>x</B>\n    </A>\n</O>\n"));
 }
 
-/// Whoever raises the limit gets the depth: nothing recurses.
+/// Deep documents can be read and written with a raised limit: no function recurses.
 void TestXmlElement::deepDocument()
 {
     constexpr int iDepth = 2000;
@@ -391,7 +391,7 @@ void TestXmlElement::deepDocument()
     const QByteArray text = QByteArray("<A>x").repeated(iDepth) + QByteArray("</A>").repeated(iDepth) + "\n";
     QCOMPARE(XmlElement::parse(text).toByteArray(), text);
 
-    // The text in the root keeps the indentation away.
+    // The text in the root prevents indentation, whose size would be quadratic.
     XmlElement root = XmlElement::parse("<R>x</R>");
     XmlElement element = root;
     for (int i = 0; i < iBuiltDepth; ++i) {

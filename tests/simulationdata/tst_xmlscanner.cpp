@@ -25,7 +25,7 @@ constexpr int s_iDepth = 3;
 constexpr int s_iAttributes = 2;
 constexpr int s_iDoctype = 40;
 
-/// What the scanner found, as a text that a failure can print.
+/// The result of the scanner as text, for comparison and failure messages.
 QString finding(const XmlScanner& a_scanner)
 {
     if (!a_scanner.hasOffence()) {
@@ -120,7 +120,7 @@ void TestXmlScanner::offences_data()
         13);
 }
 
-/// The same finding whatever the pieces are.
+/// The result does not depend on the pieces in which the text is fed.
 void TestXmlScanner::offences()
 {
     QFETCH(QByteArray, text);

@@ -47,7 +47,8 @@ namespace {
 
 constexpr qsizetype s_iMebi = 1'048'576;
 
-/// What arrives and how much is taken is the test's to say.
+/// A device for which the test determines the incoming bytes and the number of bytes
+/// that a write accepts.
 class ScriptedDevice : public QIODevice
 {
 public:
@@ -66,7 +67,7 @@ public:
     QByteArray m_incoming;
     QByteArray m_written;
     qint64 m_iPending = 0;
-    qint64 m_iAccepted = s_iMebi; ///< bytes that one write takes
+    qint64 m_iAccepted = s_iMebi; ///< bytes that one write accepts
 
 protected:
     qint64 readData(char* a_pData, qint64 a_iMost) override
@@ -109,8 +110,8 @@ struct Peer
     QStringList errors;
 };
 
-/// The documents that a stream gives when it arrives in pieces that end there,
-/// and then the errors.
+/// The documents and then the errors of a stream that arrives in pieces. The pieces end
+/// at the given offsets.
 QByteArrayList outcome(const QByteArray& a_stream, const QList<qsizetype>& a_ends,
                        XmlSeparator::FramingMode a_eMode = XmlSeparator::PlainXml)
 {
@@ -142,7 +143,7 @@ QByteArray frame(const QByteArray& a_payload, XmlSeparator::FramingMode a_eMode)
     return length + a_payload;
 }
 
-/// The compressed form with a length that its writer claims.
+/// A compressed content whose header claims the given length.
 QByteArray claiming(qsizetype a_iLength, const QByteArray& a_content)
 {
     return bigEndian(a_iLength) + qCompress(a_content).sliced(4);
@@ -173,7 +174,7 @@ void TestXmlSeparator::metaObject()
 
 void TestXmlSeparator::documents_data()
 {
-    QTest::addColumn<QByteArrayList>("parts"); // documents at odd places, what is between them at even ones
+    QTest::addColumn<QByteArrayList>("parts"); // documents at odd indexes, other bytes at even ones
     const auto row = [](const char* a_szRow, const QByteArrayList& a_parts) {
         QTest::newRow(a_szRow) << a_parts;
     };
@@ -221,7 +222,7 @@ void TestXmlSeparator::cuts_data()
     constexpr int iMostTokens = 14;
     const QByteArray zero(1, '\0');
     QTest::addColumn<QByteArray>("stream");
-    QTest::addColumn<int>("results"); // documents and errors; -1: whatever there are
+    QTest::addColumn<int>("results"); // number of documents and errors; -1 = any
     const auto row = [](const char* a_szRow, const QByteArray& a_stream, int a_iResults) {
         QTest::newRow(a_szRow) << a_stream << a_iResults;
     };
@@ -284,7 +285,7 @@ void TestXmlSeparator::cuts_data()
     }
 }
 
-/// The pieces that a stream arrives in never change what it gives.
+/// The result does not depend on the pieces in which a stream arrives.
 void TestXmlSeparator::cuts()
 {
     Limits::setValue(Limits::ElementAttributes, 2);
@@ -306,8 +307,8 @@ void TestXmlSeparator::cuts()
     }
 }
 
-/// What is four times as long takes four times the work, one byte at a time;
-/// it would be sixteen times if every byte were to look at all before it.
+/// A document that is four times as long and arrives byte by byte takes four times the
+/// work. It would take 16 times if every byte caused a scan of all bytes before it.
 void TestXmlSeparator::longStretches()
 {
     constexpr qsizetype iShort = 32'768;
@@ -330,7 +331,7 @@ void TestXmlSeparator::longStretches()
 void TestXmlSeparator::errors_data()
 {
     QTest::addColumn<QByteArray>("stream");
-    QTest::addColumn<QString>("error"); // empty: what a stream reader says
+    QTest::addColumn<QString>("error"); // empty = the error text of QXmlStreamReader
     const auto row = [](const char* a_szRow, const QByteArray& a_stream, const QString& a_sError = {}) {
         QTest::newRow(a_szRow) << a_stream << a_sError;
     };
@@ -374,7 +375,7 @@ void TestXmlSeparator::errors()
     QFETCH(QByteArray, stream);
     QFETCH(QString, error);
     if (error.isEmpty()) {
-        QXmlStreamReader reader(QByteArray(stream).replace('\0', '\x01')); // which it refuses anywhere
+        QXmlStreamReader reader(QByteArray(stream).replace('\0', '\x01')); // U+0001 is an error anywhere
         while (!reader.atEnd()) {
             reader.readNext();
         }
@@ -417,7 +418,7 @@ void TestXmlSeparator::pausing()
     peer.arrive("</a><b/>");
     QCOMPARE(peer.device.m_incoming, QByteArray("</a><b/>"));
     peer.separator.resume();
-    QCOMPARE(peer.documents, QByteArrayList()); // never from inside the call
+    QCOMPARE(peer.documents, QByteArrayList()); // not emitted inside the call
     QCoreApplication::processEvents();
     QCOMPARE(peer.documents, QByteArrayList({"<a></a>", "<b/>"}));
     peer.separator.resume();
@@ -430,7 +431,7 @@ void TestXmlSeparator::pausing()
     QCOMPARE(peer.documents.size(), 3);
     peer.separator.pause();
     peer.arrive("<e/>");
-    peer.separator.reset(); // half a document is forgotten, and a silent device asked
+    peer.separator.reset(); // discards half a document and reads the waiting bytes
     QTRY_COMPARE(peer.documents.last(), QByteArray("<e/>"));
 
     ScriptedDevice device;
@@ -438,11 +439,11 @@ void TestXmlSeparator::pausing()
     XmlSeparator late(&device, nullptr);
     QByteArrayList documents;
     connect(&late, &XmlSeparator::xmlReceived, this, [&](const QByteArray& a_xml) { documents += a_xml; });
-    QTRY_COMPARE(documents, QByteArrayList({"<a/>"})); // came before, and nothing after it
+    QTRY_COMPARE(documents, QByteArrayList({"<a/>"})); // arrived before the separator existed
 
     QTcpSocket socket;
     const XmlSeparator onSocket(&socket, nullptr);
-    QCOMPARE(socket.readBufferSize(), qint64{65'536}); // a peer is not to fill it while paused
+    QCOMPARE(socket.readBufferSize(), qint64{65'536}); // bounds what a peer can send while paused
 }
 
 void TestXmlSeparator::lifetimes()
@@ -508,7 +509,8 @@ void TestXmlSeparator::compression()
     QVERIFY(peer.separator.sendXml(document));
     QCOMPARE(peer.device.m_written, frame(qCompress(document, 9), eMode));
 
-    // What does not inflate counts as not compressed, and is the last that is tried.
+    // A payload that cannot be inflated counts as not compressed, and so do all payloads
+    // after it.
     for (const QByteArray& payload : {qCompress(document).chopped(1), qCompress(document), QByteArray()}) {
         peer.arrive(frame(payload, eMode));
         QCOMPARE(peer.documents.last(), payload);
@@ -546,7 +548,7 @@ void TestXmlSeparator::pausedBetweenFrames()
     QTest::qWait(10);
     QCOMPARE(peer.documents, QByteArrayList({"<a/>"}));
     peer.separator.resume();
-    peer.device.arrive(frame("<e/>", eMode)); // is left there while whole frames wait
+    peer.device.arrive(frame("<e/>", eMode)); // stays in the device while complete frames wait
     QTRY_COMPARE(peer.documents, QByteArrayList({"<a/>", "<b/>", "<c/>", "<d/>", "<e/>"}));
 }
 
@@ -575,7 +577,7 @@ void TestXmlSeparator::inflating()
     const QByteArray most(s_iMebi, 'm');
     const QByteArray beyond = "inflated bytes limit of 1048576 exceeded";
     const std::pair<QByteArray, QByteArray> cases[] = {
-        // and the content, or why there is none
+        // the bytes, and the expected content or error text
         {qCompress(QByteArray()), {}},
         {qCompress(most), most},
         {qCompress(most + "m"), beyond},
