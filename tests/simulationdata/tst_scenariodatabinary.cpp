@@ -474,10 +474,10 @@ void TestScenarioDataBinary::releasesItsObjects()
 
 void TestScenarioDataBinary::longChain()
 {
-    constexpr int iCount = 20'000; // one recursion for each link would overflow the stack
+    constexpr int iCount = 20'000; // a recursion over the links would overflow the stack
     QSet<EmitterPtr> emitters;
     EmitterPtr target;
-    for (int i = iCount; i > 0; --i) { // the smallest id follows all other emitters
+    for (int i = iCount; i > 0; --i) { // the smallest id is linked through all others
         const auto emitter = std::make_shared<SzenarioEmitter>(QString::number(iCount + i), QString());
         emitter->setLinkTargetEmitter(target);
         emitters.insert(emitter);

@@ -520,7 +520,7 @@ void TestSimulationServiceCommunication::replacedSocket()
 
     wire.sendBytes("<Command><Load");
     QTest::qWait(s_iQuietTime);
-    wire.communication->setSocket(wire.near.get()); // discards half a document, although it still received
+    wire.communication->setSocket(wire.near.get()); // resets this socket, which was still read
     wire.sendBytes(bare("StopScenario"));
     QTRY_COMPARE(log.entries().size(), 3);
     wire.communication->setSocket(other.near.get());
