@@ -26,7 +26,7 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/scenariochecker";
 
-/// Tells of a class that is not known.
+/// The finding for an unknown class; the caller sets the object.
 ScenarioFinding classFinding(const QString& a_sClass)
 {
     return {{},
@@ -36,11 +36,11 @@ ScenarioFinding classFinding(const QString& a_sClass)
             false};
 }
 
-/// Reports ids that several emitters have, each of them once.
+/// The rule about ids that several emitters share. Each id is listed once.
 class IdRule
 {
 public:
-    /// `a_mergedIds` are those of ScenarioDataXml.
+    /// `a_mergedIds`: see ScenarioDataXml::mergedIds().
     explicit IdRule(const QMap<QString, qsizetype>& a_mergedIds)
         : m_mergedIds(a_mergedIds)
     {}
@@ -77,7 +77,8 @@ void IdRule::check(const QString& a_sId, QList<ScenarioFinding>& a_findings)
     }
 }
 
-/// Gives an object the settings that it lacks. A finding for each.
+/// The rule about missing settings: sets those of a new object, with a finding for
+/// each.
 class SettingsRule
 {
 public:
@@ -86,7 +87,7 @@ public:
 private:
     static ScenarioFinding finding(const char* a_szKind);
 
-    SzenarioEmitter m_fresh{{}, {}}; ///< has what every new object has
+    SzenarioEmitter m_fresh{{}, {}}; ///< source of the settings of a new object
 };
 
 ScenarioFinding SettingsRule::finding(const char* a_szKind)
@@ -117,10 +118,10 @@ void SettingsRule::check(ScenarioObject& a_object, SzenarioEmitter* a_pEmitter,
     }
 }
 
-/// An object with what its findings are ordered by.
+/// An object and the key by which its findings are sorted.
 struct Subject
 {
-    std::tuple<bool, QString, QString> key; ///< whether it is no emitter, id, name
+    std::tuple<bool, QString, QString> key; ///< is not an emitter, id, name
     ScenarioObject* object = nullptr;
     SzenarioEmitter* emitter = nullptr; ///< the same, when it is one
 };
@@ -138,15 +139,15 @@ std::vector<Subject> subjectsOf(const QSet<std::shared_ptr<ScenarioObject>>& a_o
     return subjects;
 }
 
-/// The rules with what they have to remember during one run.
+/// The rules and their state during one run.
 class Run
 {
 public:
     Run(ISignalPackageProvider* a_pProvider, const QSet<QString>& a_knownClasses, IdRule a_ids);
 
-    /// What is found at objects that agree in kind, id and name. Nothing else
-    /// could tell a reader which of them is meant, and a set has no order, so
-    /// they are treated as one.
+    /// The findings at objects of the same kind, id and name. They are treated as
+    /// one: a finding could not show which of them it concerns, and they come from
+    /// a set, which has no order.
     [[nodiscard]] QList<ScenarioFinding> check(std::span<const Subject> a_alike);
 
 private:
@@ -171,7 +172,8 @@ QList<ScenarioFinding> Run::checkPackages(std::span<const Subject> a_alike)
 {
     PackageRule::Tallies tallies;
     for (const Subject& subject : a_alike) {
-        // A member's own schedule: the network's is checked with the network.
+        // ScenarioObject's function gives a member's own schedule, not that of its
+        // network, which is checked with the network.
         m_packages->check(*subject.object->ScenarioObject::emissionSettings(), tallies);
     }
     QList<ScenarioFinding> findings;
@@ -194,7 +196,7 @@ QList<ScenarioFinding> Run::check(std::span<const Subject> a_alike)
         }
         m_settings.check(*subject.object, subject.emitter, others);
     }
-    // The texts of one rule begin alike and differ in what they are about.
+    // The texts of one rule begin alike and then name the value concerned.
     std::sort(others.begin(), others.end(),
               [](const ScenarioFinding& a_first, const ScenarioFinding& a_second) {
                   return std::tie(a_first.ruleId, a_first.text) < std::tie(a_second.ruleId, a_second.text);

@@ -10,8 +10,8 @@ namespace Simulation {
 
 namespace {
 
-/// Whether the record holds nothing but an id, as one of a document that was
-/// loaded without packages.
+/// Whether the record contains only an id, as in a document that was loaded without
+/// packages.
 bool isBare(const SignalPackage& a_package)
 {
     return a_package.duration() == 0 && a_package.timestamp() == 0 && a_package.name().isEmpty() &&
@@ -21,8 +21,9 @@ bool isBare(const SignalPackage& a_package)
 
 } // namespace
 
-/// The provider's own record of the id; null where the provider has none of it. A
-/// provider that cannot read a package which it knows gives its default package.
+/// The provider's own record of the id; null when it has none. When the provider
+/// returns its default package for an id that this does not supersede, it could not
+/// read the package, which counts as none.
 std::shared_ptr<SignalPackage> PackageRule::ownRecord(const QString& a_sId)
 {
     const auto answer = m_answers.constFind(a_sId);
@@ -40,8 +41,8 @@ std::shared_ptr<SignalPackage> PackageRule::ownRecord(const QString& a_sId)
     return *m_answers.insert(a_sId, own);
 }
 
-/// The default package is one to fall back on whether or not its id is known:
-/// an emission that has got it is not found again by the next run.
+/// The default package is always usable, even when the provider does not know its
+/// id: an emission that received it must not be found again by the next run.
 bool PackageRule::isUsable(const SignalPackage& a_package)
 {
     if (ownRecord(a_package.id())) {
@@ -51,8 +52,8 @@ bool PackageRule::isUsable(const SignalPackage& a_package)
     return m_default && m_default->id() == a_package.id();
 }
 
-/// Duration and content are only in the provider's record, unless that is bare
-/// itself.
+/// Replaces the package by the provider's record, because only that has duration
+/// and content, unless that record contains only an id.
 void PackageRule::takeOwnRecord(std::shared_ptr<SignalPackage>& a_package)
 {
     const std::shared_ptr<SignalPackage> own = ownRecord(a_package->id());

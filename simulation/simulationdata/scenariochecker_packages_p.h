@@ -18,10 +18,10 @@ namespace Simulation {
 class ISignalPackageProvider;
 class SignalPackage;
 
-/// Gives emissions that have no package, or one that the provider does not
-/// know, the provider's default package, and all others the provider's own record
-/// of their package. Remembers what the provider answered: one object serves one
-/// run over a scenario.
+/// The rule about packages. Emissions without a package, or with one that the
+/// provider does not know, get the provider's default package; all others get the
+/// provider's own record of their package. The provider's results are cached, so
+/// one object is used for one run over a scenario.
 class PackageRule
 {
 public:
@@ -31,18 +31,19 @@ public:
         qsizetype count = 0;
         std::int64_t first = std::numeric_limits<std::int64_t>::max(); ///< earliest start, ms
     };
-    /// By package id; no package and one without an id are the same in a document.
+    /// By package id; a missing package and one without an id are both listed under
+    /// the empty id, as documents do not distinguish them.
     using Tallies = std::map<QString, Tally>;
 
     explicit PackageRule(ISignalPackageProvider& a_provider)
         : m_provider(a_provider)
     {}
 
-    /// Repairs what it can and adds what it found to the tallies. An emission
-    /// that was found before is not counted again.
+    /// Repairs the emissions of a schedule and adds the findings to the tallies. An
+    /// emission that was found before is not counted again.
     void check(const EmissionSettings& a_schedule, Tallies& a_tallies);
 
-    /// What is to be said of one tally; the object is left empty.
+    /// The finding for one tally; the caller sets the object.
     [[nodiscard]] ScenarioFinding finding(const QString& a_sId, const Tally& a_tally) const;
 
 private:
@@ -52,10 +53,10 @@ private:
     void askForDefault();
 
     ISignalPackageProvider& m_provider;
-    QHash<QString, std::shared_ptr<SignalPackage>> m_answers; ///< own records of the provider, by id
+    QHash<QString, std::shared_ptr<SignalPackage>> m_answers; ///< the provider's records, by id
     bool m_bAskedForDefault = false;
     std::shared_ptr<SignalPackage> m_default;
-    QSet<const EmissionSettings::Emission*> m_unrepaired; ///< counted already
+    QSet<const EmissionSettings::Emission*> m_unrepaired; ///< already counted
 };
 
 } // namespace Simulation
