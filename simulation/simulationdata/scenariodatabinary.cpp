@@ -46,8 +46,9 @@ bool mayHold(qsizetype a_iObjects)
     return static_cast<std::uint64_t>(a_iObjects) <= Limits::value(Limits::ScenarioObjects);
 }
 
-/// Drops what nobody else holds. The former owner must be empty already: its
-/// references would count as somebody's.
+/// Releases the objects and breaks the circles of those that nobody else holds. The
+/// caller's own containers must be empty already, because their references would
+/// count as another holder's.
 template<typename Objects>
 void releaseAll(Objects a_objects, std::shared_ptr<SzenarioEmitter> a_defaultEmitter = nullptr)
 {
@@ -100,7 +101,7 @@ void ScenarioDataBinary::setDefaultEmitter(const std::shared_ptr<SzenarioEmitter
     }
 }
 
-/// Whether a reader takes the scenario; tells why not.
+/// Whether a reader accepts the scenario; false with a reason.
 bool ScenarioDataBinary::fitsReader(QString* a_pReason) const
 {
     constexpr qsizetype iLargestCount = std::numeric_limits<qint32>::max();

@@ -21,35 +21,35 @@ class ISignalPackageProvider;
 class ScenarioNetwork;
 class SzenarioEmitter;
 
-/// The compact form of a scenario: a count and one record per emitter, with its
-/// id, name, description, active flag, default mark, link target and class.
-/// Frequency, position, transmitter and emissions of the emitters, the networks
-/// and the header below are not part of it; an ELINT emitter comes back as a
-/// plain one.
+/// The compact form of a scenario: the number of emitters and one record for each,
+/// with id, name, description, active flag, default mark, link target and class.
+/// The format does not contain the emitters' frequency, position, transmitter and
+/// emissions, the networks, or the header fields below. An ELINT emitter is read
+/// back as a plain one.
 ///
-/// The object holds its emitters and networks strongly and, when they are
-/// replaced or it is destroyed, takes apart those that nothing else holds. Used
-/// from one thread. A new object is empty.
+/// The object owns its emitters and networks jointly with other holders. When they
+/// are replaced or it is destroyed, it breaks the reference circles of those that
+/// nobody else holds. Used from one thread. A new object is empty.
 class SIMULATIONDATA_EXPORT ScenarioDataBinary
 {
 public:
-    /// An emitter that was read without the link that its record names.
+    /// An emitter whose link target was not found when it was read.
     struct UnresolvedLink
     {
         QString emitterId;
         QString targetId;
     };
 
-    /// The provider is only kept for whoever asks: no record names a package.
-    /// It is not owned and may be null.
+    /// The provider is only stored for callers of signalPackageProvider(), because
+    /// records contain no packages. It is not owned and may be null.
     explicit ScenarioDataBinary(ISignalPackageProvider* a_pProvider);
     ~ScenarioDataBinary();
 
     [[nodiscard]] ISignalPackageProvider* signalPackageProvider() const { return m_pProvider; }
 
     [[nodiscard]] QSet<std::shared_ptr<SzenarioEmitter>> scenarioEmitter() const { return m_emitters; }
-    /// Replaces the emitters; null is left out. A default emitter that is not
-    /// among the new ones is forgotten.
+    /// Replaces the emitters; null is left out. The default emitter is reset unless
+    /// it is among the new ones.
     void setScenarioEmitter(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters);
     [[nodiscard]] QSet<std::shared_ptr<ScenarioNetwork>> scenarioNetworks() const { return m_networks; }
     /// Replaces the networks; null is left out.
@@ -61,7 +61,7 @@ public:
     void setAuthor(const QString& a_sAuthor) { m_sAuthor = a_sAuthor; }
     [[nodiscard]] QString description() const { return m_sDescription; }
     void setDescription(const QString& a_sDescription) { m_sDescription = a_sDescription; }
-    /// How long the scenario lasts (ms); 0 when it says nothing.
+    /// The duration of the scenario (ms); 0 when it is not set.
     [[nodiscard]] unsigned int duration() const { return m_uiDuration; }
     void setDuration(unsigned int a_uiDuration) { m_uiDuration = a_uiDuration; }
     /// The spelling is part of the interface.
@@ -69,41 +69,41 @@ public:
     void setPersistantId(const QString& a_sId) { m_sPersistantId = a_sId; }
     /// The emitter that applications offer first, or null.
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> defaultEmitter() const { return m_defaultEmitter; }
-    /// One that is not among the emitters is kept, but not written.
+    /// A default emitter that is not among the emitters is stored, but not written.
     void setDefaultEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter);
 
-    /// Writes the emitters: those that others are linked to before these,
-    /// otherwise in the order of their ids, so equal scenarios give equal bytes
-    /// and a reader, which resolves links among what it has read, finds them.
-    /// Where links run in a circle the emitter of the smallest id on it comes
-    /// first; its own link is written, but leads a reader nowhere.
+    /// Writes the emitters. A link target comes before the emitters that are linked
+    /// to it, because a reader resolves links only to emitters it has read.
+    /// Otherwise the order is that of the ids, so equal scenarios give equal bytes.
+    /// In a circle of links the emitter with the smallest id comes first; its own
+    /// link is written, but a reader cannot resolve it.
     ///
-    /// False, after one trace, when there is no device open for writing or it
-    /// takes not all; also when a reader would refuse the scenario
-    /// (Limits::DocumentBytes, Limits::ScenarioObjects), and nothing is written
-    /// then.
+    /// False, after one trace, when there is no device open for writing or it does
+    /// not accept all bytes. Also false when a reader would refuse the scenario
+    /// (Limits::DocumentBytes, Limits::ScenarioObjects); nothing is written then.
     bool toBinary(QIODevice* a_pDevice) const;
-    /// Empty when a reader would refuse it. A scenario without emitters takes
-    /// four bytes.
+    /// Empty, after one trace, when a reader would refuse it. A scenario without
+    /// emitters takes four bytes.
     [[nodiscard]] QByteArray toBinary() const;
 
-    /// Reads a stream from where the device stands and leaves what follows it
-    /// there. A device that has nothing to give at the moment has ended: nothing
-    /// is waited for. The emitters are added to those that are held; the first
-    /// that is marked as default becomes the default emitter, without one it
-    /// stays. A link is made to the emitter that has the id and was read last, or
-    /// else to one that was there before; the emitter's own id makes none.
+    /// Reads a stream from the device's current position and does not read past its
+    /// end. The function does not wait: when the device has no bytes available, the
+    /// stream counts as ended. The emitters are added to the present ones. The
+    /// first that is marked as default becomes the default emitter; without one the
+    /// present default emitter stays. A link is resolved to the emitter of that id
+    /// that was read last, else to one that was present before; never to the
+    /// emitter itself.
     ///
-    /// True when all was read that the count promises. Otherwise false, after
-    /// one trace, with errorString(): the records that came whole are kept.
-    /// Whatever a stream claims, memory follows what it holds.
+    /// True when all records of the count were read. Otherwise false after one
+    /// trace, with errorString(); complete records are kept. Memory grows with the
+    /// bytes read, not with the sizes that the stream claims.
     bool fromBinary(QIODevice* a_pDevice);
     bool fromBinary(const QByteArray& a_data);
 
-    /// Where and why the last reading broke off, "record 3 of 10, name: the
-    /// stream ends"; empty when all was well.
+    /// Where and why the last reading broke off, "record 3 of 10, name: the stream
+    /// ends"; empty on success.
     [[nodiscard]] QString errorString() const { return m_sErrorString; }
-    /// The links of the last reading that led to no emitter read before.
+    /// The links of the last reading whose target was not found.
     [[nodiscard]] QList<UnresolvedLink> unresolvedLinks() const { return m_unresolvedLinks; }
 
 private:
@@ -113,12 +113,12 @@ private:
     [[nodiscard]] bool fitsReader(QString* a_pReason) const;
     void writeEmitter(QDataStream& a_stream, std::shared_ptr<SzenarioEmitter> a_emitter) const;
     bool readEmitters(QDataStream& a_stream);
-    /// The emitter of the next record, which is entered; null, with
-    /// errorString(), when the record is not whole.
+    /// Reads the next record and adds its emitter; null, with errorString(), when
+    /// the record is not complete.
     std::shared_ptr<SzenarioEmitter> readEmitter(QDataStream& a_stream);
     void link(const std::shared_ptr<SzenarioEmitter>& a_emitter, const QString& a_sTargetId);
-    /// While reading: the emitter of the set that has the id, the last one read
-    /// when there are several, or null.
+    /// While reading: the emitter of that id, the last one read when there are
+    /// several; null when there is none.
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> emitterForId(const QString& a_sId) const;
 
     ISignalPackageProvider* m_pProvider;
@@ -131,9 +131,9 @@ private:
     unsigned int m_uiDuration = 0; ///< ms
     std::shared_ptr<SzenarioEmitter> m_defaultEmitter;
 
-    // Of one reading
+    // State of one reading
     QHash<QString, std::shared_ptr<SzenarioEmitter>> m_emittersById;
-    std::int64_t m_iStreamBytes = 0; ///< taken from the device
+    std::int64_t m_iStreamBytes = 0; ///< read from the device
     bool m_bDefaultRead = false;
     QString m_sErrorString;
     QList<UnresolvedLink> m_unresolvedLinks;

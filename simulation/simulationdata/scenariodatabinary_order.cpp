@@ -16,7 +16,7 @@ namespace Simulation {
 
 namespace {
 
-/// The place of an emitter in the order without links.
+/// The position of an emitter in the order by id, without regard to links.
 using Rank = std::size_t;
 constexpr Rank s_uiNone = std::numeric_limits<Rank>::max();
 
@@ -42,7 +42,7 @@ Emitters inIdOrder(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters, con
                             emitter.get() != a_pFirst, targetIdOf(*emitter), emitter->isActive()},
                            emitter});
     }
-    // Moving pointers about is cheaper than moving texts.
+    // Sorts pointers, because moving the texts would be slower.
     std::vector<Entry*> order(entries.size());
     std::transform(entries.begin(), entries.end(), order.begin(), [](Entry& a_entry) { return &a_entry; });
     std::sort(order.begin(), order.end(),
@@ -54,7 +54,8 @@ Emitters inIdOrder(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters, con
     return emitters;
 }
 
-/// Per emitter the one that it waits for.
+/// For each emitter the rank of its link target, s_uiNone when it has none in the
+/// set.
 std::vector<Rank> targetsOf(const Emitters& a_emitters)
 {
     QHash<const SzenarioEmitter*, Rank> ranks;
@@ -70,12 +71,14 @@ std::vector<Rank> targetsOf(const Emitters& a_emitters)
     return targets;
 }
 
-/// Lets the smallest emitter of every circle wait for nobody. Everybody waits
-/// for one at most, so a walk along the targets ends, comes to where another
-/// has been, or runs into itself: then it stands on a circle.
+/// Removes the link of the smallest emitter in every circle. Each emitter has at
+/// most one target, so a walk along the targets ends at an emitter without target,
+/// at one that an earlier walk has visited, or at one of its own: only the last is
+/// on a new circle. O(n), because every emitter is visited by one walk and at most
+/// once more along its circle.
 void breakCircles(std::vector<Rank>& a_targets)
 {
-    std::vector<Rank> walks(a_targets.size(), s_uiNone); ///< where the walk began that came by
+    std::vector<Rank> walks(a_targets.size(), s_uiNone); ///< start of the walk that visited the emitter
     for (Rank start = 0; start < a_targets.size(); ++start) {
         Rank rank = start;
         while (rank != s_uiNone && walks[rank] == s_uiNone) {
@@ -102,8 +105,8 @@ inLinkOrder(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters, const Szen
     std::vector<Rank> targets = targetsOf(emitters);
     breakCircles(targets);
 
-    // Topological sorting (Kahn 1962). Who waits for an emitter stands in a list
-    // that runs through two arrays.
+    // Topological sorting (Kahn 1962). The emitters that wait for a target form a
+    // linked list in two arrays.
     std::vector<Rank> firstWaiters(emitters.size(), s_uiNone);
     std::vector<Rank> nextWaiters(emitters.size(), s_uiNone);
     std::priority_queue<Rank, std::vector<Rank>, std::greater<>> ready;

@@ -14,8 +14,7 @@ namespace Simulation {
 
 class SzenarioEmitter;
 
-/// What a compact scenario holds of one emitter. Null and empty texts are told
-/// apart.
+/// The values of one emitter in a compact scenario. Null and empty texts differ.
 struct CompactRecord
 {
     QString id;
@@ -27,29 +26,28 @@ struct CompactRecord
     QString emitterClass;
 };
 
-/// Sets a stream to the encoding of the form, which other programs read and
-/// write too.
+/// Sets up a stream for the encoding of the format, which other programs use, too.
 void prepareCompactStream(QDataStream& a_stream);
 
-/// Takes the count of records, or a record, from a stream. `a_iBytes` counts
-/// what the stream has given so far, against Limits::DocumentBytes. What is wrong
-/// is told by the result, which is empty when nothing is; the stream is of no
-/// use then. Memory follows what the stream holds, not what it claims.
+/// Read the number of records, or one record, from a stream. `a_iBytes` counts the
+/// bytes read so far, against Limits::DocumentBytes. The result is the error text,
+/// empty on success; after an error the stream must not be used any more. Memory
+/// grows with the bytes read, not with the sizes that the stream claims.
 [[nodiscard]] QString readCompactCount(QDataStream& a_stream, std::int32_t& a_iCount, std::int64_t& a_iBytes);
 [[nodiscard]] QString readCompactRecord(QDataStream& a_stream, CompactRecord& a_record,
                                         std::int64_t& a_iBytes);
 void writeCompactRecord(QDataStream& a_stream, const CompactRecord& a_record);
 
-/// The bytes that a record takes; nothing when a text is longer than its length
-/// can tell.
+/// The size of a record (bytes); no value when a text is too long for its length
+/// field.
 [[nodiscard]] std::optional<std::int64_t> compactBytes(const CompactRecord& a_record);
 
-/// The emitters in an order in which every link target comes before those that
-/// are linked to it and, among those that may come next, always the one of the
-/// smallest id; equal ids by name, class and description, of twins `a_pFirst`
-/// first and then by link target and active flag. Where links run in a
-/// circle its smallest emitter does not wait for its target. Targets outside
-/// the set are waited for by nobody. O(n log n), null is not allowed.
+/// Sorts the emitters so that every link target comes before the emitters that are
+/// linked to it. Among the emitters that may come next, the one with the smallest
+/// id is taken; equal ids are sorted by name, class and description, then
+/// `a_pFirst` comes first, then by link target and active flag. In a circle of
+/// links the smallest emitter does not wait for its target. Targets outside the set
+/// are ignored. O(n log n). Null is not allowed in the set.
 [[nodiscard]] std::vector<std::shared_ptr<SzenarioEmitter>>
 inLinkOrder(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters, const SzenarioEmitter* a_pFirst);
 

@@ -17,19 +17,21 @@ const QString s_sStreamEnds = QStringLiteral("the stream ends");
 constexpr std::int64_t s_iLengthBytes = 4;
 constexpr std::int64_t s_iFlagBytes = 1;
 constexpr std::int64_t s_iUnitBytes = sizeof(QChar);
-constexpr std::uint32_t s_uiNullText = 0xFFFFFFFF;      ///< in place of a length
+constexpr std::uint32_t s_uiNullText = 0xFFFFFFFF;      ///< as length: the text is null
 constexpr std::int64_t s_iLargestText = 0xFFFFFFFE;     ///< bytes
-constexpr qsizetype s_iPieceUnits = qsizetype{1} << 16; ///< of a text, read at once
+constexpr qsizetype s_iPieceUnits = qsizetype{1} << 16; ///< UTF-16 units of a text that are read at once
 
 /// A text or a flag of a record.
 struct Field
 {
-    const char* name; ///< in error texts
+    const char* name; ///< for error texts
     QString CompactRecord::*text;
     bool CompactRecord::*flag;
 };
 
-/// The records in both directions.
+/// The fields of a record in the order of the stream, for reading and writing. A
+/// text is its length in bytes (32 bits) and its UTF-16 units, big-endian; a flag
+/// is one byte.
 constexpr std::array<Field, 7> s_fields{{
     {"id", &CompactRecord::id, nullptr},
     {"name", &CompactRecord::name, nullptr},
@@ -40,12 +42,11 @@ constexpr std::array<Field, 7> s_fields{{
     {"class", &CompactRecord::emitterClass, nullptr},
 }};
 
-/// Takes fields from a stream. What is wrong is told by a text, which is empty
-/// when nothing is.
+/// Reads fields from a stream. The result is the error text, empty on success.
 class FieldReader
 {
 public:
-    /// `a_iBytes` counts what the stream has given, against Limits::DocumentBytes.
+    /// `a_iBytes` counts the bytes read, against Limits::DocumentBytes.
     FieldReader(QDataStream& a_stream, std::int64_t& a_iBytes)
         : m_stream(a_stream)
         , m_iBytes(a_iBytes)
@@ -89,7 +90,7 @@ public:
     }
 
 private:
-    /// A device may give less than it is asked for and still have more.
+    /// A device may return fewer bytes than requested although more follow.
     bool fill(char* a_pBytes, qsizetype a_iBytes)
     {
         while (a_iBytes > 0) {
@@ -111,7 +112,8 @@ private:
         return sReason;
     }
 
-    /// In pieces: memory follows what is there, not what is claimed.
+    /// Reads in pieces, so that memory grows with the bytes read, not with the
+    /// claimed length.
     QString readUnits(QString& a_sText, qsizetype a_iUnits)
     {
         while (a_sText.size() < a_iUnits) {
