@@ -12,8 +12,9 @@ namespace Ui {
 class LedWidget;
 }
 
-/// A status lamp with a text beside it. The lamp is a picture that the style
-/// greys while it is off. A new one is lit and says "Text".
+/// A status lamp with a text beside it. The lamp is a picture that the widget style
+/// greys out while it is off. A new lamp is on and has the text "Text". Used on the
+/// GUI thread.
 class SIMULATIONDATA_EXPORT LedWidget : public QWidget
 {
     Q_OBJECT
@@ -22,12 +23,12 @@ public:
     explicit LedWidget(QWidget* a_pParent = nullptr);
     ~LedWidget() override;
 
-    /// False also when the whole widget is disabled.
+    /// Also false when the whole widget is disabled.
     [[nodiscard]] bool isLedActive() const;
     [[nodiscard]] QString text() const;
 
 public Q_SLOTS:
-    /// Also gives the widget the size that the text needs.
+    /// Also resizes the widget to fit the text.
     void setText(const QString& a_sText);
     void setLedActive(bool a_bActive);
 

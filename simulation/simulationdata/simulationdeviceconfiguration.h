@@ -8,9 +8,9 @@
 
 namespace Simulation {
 
-/// What a simulation device is and where it stands: sent when it registers, in
-/// the list of registered devices, and the base of its confirmation. A plain
-/// value; a default object has empty texts and stands at 0, 0.
+/// The identity and position of a simulation device: sent when it registers, in the
+/// list of registered devices, and as the base of its confirmation. A plain value;
+/// a default object has empty texts and the position 0, 0.
 class SIMULATIONDATA_EXPORT SimulationDeviceConfiguration
 {
 public:
@@ -35,7 +35,7 @@ public:
     [[nodiscard]] QString machine() const { return m_sMachine; }
     void setMachine(const QString& a_sMachine) { m_sMachine = a_sMachine; }
 
-    /// The identity of that computer.
+    /// The id of that computer.
     [[nodiscard]] QString machineId() const { return m_sMachineId; }
     void setMachineId(const QString& a_sMachineId) { m_sMachineId = a_sMachineId; }
 
@@ -47,16 +47,17 @@ public:
     [[nodiscard]] double positionLatitude() const { return m_dPositionLatitude; }
     void setPositionLatitude(double a_dLatitude) { m_dPositionLatitude = a_dLatitude; }
 
-    /// The record as XML, one child of the root per field. A null base gives a
-    /// new document; otherwise the fields are added to the root of the document
-    /// in the base. A child that is there already stays as it is and the field
-    /// is not written, deliberately. Coordinates have 6 significant digits.
-    /// Empty when the base cannot be read, after one trace.
+    /// The record as XML, one child of the root per field. A null base gives a new
+    /// document; otherwise the fields are added to the root of the base document. A
+    /// field whose child exists already is not written; this is deliberate.
+    /// Coordinates have 6 significant digits. Empty, after one trace, when the base
+    /// cannot be read.
     [[nodiscard]] QByteArray toXml(const QByteArray& a_base = QByteArray()) const;
 
-    /// Takes the fields from the children of the root, whatever its name. A
-    /// field whose child is missing or is no number keeps its value. True when
-    /// all were there; nothing changes when the document cannot be read.
+    /// Reads the fields from the children of the root, whose name is not checked. A
+    /// field whose child is missing or is not a finite number keeps its value. True
+    /// when all fields were valid; nothing changes when the document cannot be
+    /// read.
     [[nodiscard]] bool fromXml(const QByteArray& a_xml);
 
 private:

@@ -9,8 +9,8 @@
 
 namespace Simulation {
 
-/// The root of the record in the bytes; null after one trace when they cannot
-/// be read.
+/// The root of the record in the bytes; null after one trace when they cannot be
+/// read.
 [[nodiscard]] inline XmlElement readRecord(const QByteArray& a_xml, const char* a_szSource)
 {
     QString sError;
@@ -24,8 +24,8 @@ namespace Simulation {
     return root;
 }
 
-/// The root that the fields of a record go into: a new one when the base is a
-/// null array, that of the base otherwise.
+/// The root to which the fields of a record are added: a new one when the base is a
+/// null array, else that of the base.
 [[nodiscard]] inline XmlElement recordRoot(const QByteArray& a_base, const QString& a_sTag,
                                            const char* a_szSource)
 {

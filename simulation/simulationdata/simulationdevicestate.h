@@ -10,7 +10,8 @@
 
 namespace Simulation {
 
-/// How far a device is with its scenario. The numbers are part of the protocol.
+/// The progress of a device in loading a scenario. The numbers are part of the
+/// protocol.
 enum class ScenarioDataState : std::int32_t {
     None = 0,    ///< no scenario
     Loading = 1, ///< a scenario is being loaded
@@ -18,39 +19,38 @@ enum class ScenarioDataState : std::int32_t {
     Failed = 3,  ///< the scenario could not be loaded
 };
 
-/// What a simulation device reports about itself. A plain value; a default
-/// object says that there is no scenario.
+/// The state that a simulation device reports. A plain value; a default object
+/// means that there is no scenario.
 class SIMULATIONDATA_EXPORT SimulationDeviceState
 {
 public:
-    /// A peer may have sent a number that is none of the four: take it for None.
+    /// A peer may send a number that is none of the four; treat it as None.
     [[nodiscard]] ScenarioDataState scenarioDataState() const { return m_eScenarioDataState; }
     void setScenarioDataState(ScenarioDataState a_eState) { m_eScenarioDataState = a_eState; }
 
-    /// The most that a message holds: longer ones are cut.
+    /// The maximum length of a message; longer ones are cut.
     static constexpr qsizetype s_iMaxMessage = 1000; // UTF-16 units
 
-    /// What the device adds about itself in words: why a scenario failed, what it
-    /// plays. Empty when it adds nothing. The words are the device's own; one that
-    /// came from a peer may hold any character, so do not write it to a terminal
-    /// as it is.
+    /// A text that the device adds to its state, for example why a scenario failed
+    /// or what it plays; may be empty. A text from a peer may contain any character
+    /// and must be cleaned before it is written to a terminal.
     [[nodiscard]] QString message() const { return m_sMessage; }
     void setMessage(const QString& a_sMessage);
 
     /// The record as XML, by the rules of SimulationDeviceConfiguration::toXml().
-    /// An empty message is left out; readers that do not know the element
-    /// "Message" pass over it.
+    /// An empty message is left out; readers that do not know the element "Message"
+    /// skip it.
     [[nodiscard]] QByteArray toXml(const QByteArray& a_base = QByteArray()) const;
 
-    /// Takes the state and the message from the children of the root, whatever the
-    /// root's name. A record without a message clears the former one, which
-    /// belonged to another report. False, and nothing changes, when the state is
-    /// missing or no number of 32 bits.
+    /// Reads the state and the message from the children of the root, whose name is
+    /// not checked. A record without a message clears the present one, which
+    /// belonged to an earlier report. False, and nothing changes, when the state is
+    /// missing or is not a number of 32 bits.
     [[nodiscard]] bool fromXml(const QByteArray& a_xml);
 
 private:
     ScenarioDataState m_eScenarioDataState = ScenarioDataState::None;
-    QString m_sMessage; ///< at most s_iMaxMessage
+    QString m_sMessage; ///< at most s_iMaxMessage units
 };
 
 } // namespace Simulation

@@ -53,7 +53,7 @@ QVariant stateColor(ScenarioDataState a_eState)
     case ScenarioDataState::Failed:
         return QColor(Qt::darkRed);
     }
-    return {}; // what a peer has sent is not limited to the four
+    return {}; // a peer may send other values
 }
 
 bool isFull(qsizetype a_iDevices)
@@ -78,7 +78,7 @@ int SimulationsTableModel::columnCount(const QModelIndex& /*a_parent*/) const
 
 QVariant SimulationsTableModel::data(const QModelIndex& a_index, int a_iRole) const
 {
-    // An index that was kept over a reset may lie beyond the rows.
+    // An index from before a reset may be past the last row.
     if (!a_index.isValid() || a_index.row() >= m_ids.size() || a_index.column() >= s_iColumns) {
         return {};
     }
@@ -144,7 +144,7 @@ void SimulationsTableModel::unregisterSimulation(const QString& a_sId)
 
 void SimulationsTableModel::updateSimulationState(const QString& a_sId, const SimulationDeviceState& a_state)
 {
-    // Every row has a state, so the rest belong to devices without a row.
+    // Every row has a state, so the other states belong to devices without a row.
     if (!m_states.contains(a_sId) && isFull(m_states.size() - m_ids.size())) {
         traceError(s_szSource, [] {
             return QStringLiteral("state of an unknown device not kept: ") +

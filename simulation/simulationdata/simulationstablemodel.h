@@ -12,12 +12,12 @@
 
 namespace Simulation {
 
-/// The simulation devices that are registered with the service, one row each in
-/// the order of their registration. The colour of a row's text tells the state of
-/// the device's scenario data. An application feeds it from the signals of
-/// SimulationServiceCommunication.
+/// A table model of the simulation devices that are registered with the service,
+/// one row each in the order of registration. The colour of a row's text shows the
+/// state of the device's scenario data. An application updates the model on the
+/// signals of SimulationServiceCommunication.
 ///
-/// Every change resets the whole model. Lives on the thread of its views; a new
+/// Every change resets the whole model. Used on the thread of its views; a new
 /// model has no rows.
 class SIMULATIONDATA_EXPORT SimulationsTableModel : public QAbstractTableModel
 {
@@ -27,16 +27,16 @@ public:
     SimulationsTableModel();
     ~SimulationsTableModel() override;
 
-    /// The number of devices; 0 below one of them.
+    /// The number of devices; 0 for a parent that is a device.
     [[nodiscard]] int rowCount(const QModelIndex& a_parent = QModelIndex()) const override;
 
-    /// 5, with devices or without.
+    /// Always 5.
     [[nodiscard]] int columnCount(const QModelIndex& a_parent = QModelIndex()) const override;
 
-    /// The texts of a device, and for Qt::ForegroundRole a QColor: black without
-    /// a scenario, dark yellow while it loads, dark green when it is loaded, dark
-    /// red when it failed. Nothing for a state that is none of these, for other
-    /// roles and without a device.
+    /// The texts of a device, and for Qt::ForegroundRole a QColor: black without a
+    /// scenario, dark yellow while it loads, dark green when it is loaded, dark red
+    /// when it failed. An invalid QVariant for an unknown state, for other roles
+    /// and for an invalid index.
     [[nodiscard]] QVariant data(const QModelIndex& a_index, int a_iRole = Qt::DisplayRole) const override;
 
     /// The translated names of the columns.
@@ -46,29 +46,30 @@ public:
     /// Selectable and enabled, not editable.
     [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& a_index) const override;
 
-    /// False: nothing can be edited.
+    /// Always false: the model is read-only.
     bool setData(const QModelIndex& a_index, const QVariant& a_value, int a_iRole = Qt::EditRole) override;
 
-    /// Adds a row without a scenario. A device whose id is listed keeps its place
-    /// and has its values replaced and its state taken back. Refused with a trace
-    /// beyond Limits::ListedDevices.
+    /// Adds a row in the state without a scenario. A device whose id is listed
+    /// already keeps its row; its values are replaced and its state is reset.
+    /// Refused with a trace when Limits::ListedDevices is exceeded.
     void registerSimulation(const SimulationDeviceConfiguration& a_device);
 
-    /// Removes the row, and a state that was kept without one.
+    /// Removes the row and the stored state, also a state without a row.
     void unregisterSimulation(const QString& a_sId);
 
-    /// Keeps the state also of a device that has no row, up to
-    /// Limits::ListedDevices of them; beyond that it is refused with a trace.
-    /// Such a state does not outlive the registration of its device.
+    /// Stores the state, also of a device without a row, for at most
+    /// Limits::ListedDevices such devices; more are refused with a trace. The
+    /// registration of the device resets such a state.
     void updateSimulationState(const QString& a_sId, const SimulationDeviceState& a_state);
 
-    /// Shows every listed device as loading, until it reports otherwise.
+    /// Sets the state of every listed device to loading, until the device reports
+    /// another.
     void setAllSimulationsLoading();
 
 private:
     QStringList m_ids; ///< the rows
     QMap<QString, SimulationDeviceConfiguration> m_configurations;
-    QMap<QString, ScenarioDataState> m_states; ///< of every row, and of devices without one
+    QMap<QString, ScenarioDataState> m_states; ///< of all rows, and of devices without a row
 };
 
 } // namespace Simulation

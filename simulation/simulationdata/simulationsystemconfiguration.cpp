@@ -26,8 +26,8 @@ constexpr std::uint16_t s_uiServerPort = 57401;
 constexpr std::uint16_t s_uiServicePort = 57400;
 constexpr std::uint16_t s_uiSupervisorPort = 57409;
 
-/// Positions of the parts of a coordinate in a text such as "N048-12-34.50
-/// E11-30-00.00".
+/// Positions of the parts of a coordinate in a text such as "N048 30 36.00 E11 15
+/// 18.00".
 struct CoordinatePlaces
 {
     qsizetype hemisphere;

@@ -59,12 +59,14 @@ public:
     /// the first form that matches; the values are always finite:
     /// - "Coord 48.1 11.5": decimal degrees, latitude first. The values are set, but
     ///   the result is false, deliberately: callers recognise this form by it.
-    /// - "N48.1 E11.5": a letter and a number, twice. Degree signs are added, and the
-    ///   text is read like the decimal form of Units::Position, at fixed places. The
-    ///   decimal mark is a point or a comma, whatever the default locale.
-    /// - "N048-12-34.50 E11-30-00.00": degrees, minutes and seconds at fixed places,
-    ///   three for the degrees of latitude and two for those of longitude. Fractions
-    ///   of a second are dropped. A part that is not a number is 0.
+    /// - "E011.500000 N48.100000": a letter and a number, twice, longitude first.
+    ///   Degree signs are added, and the text is read like the decimal form of
+    ///   Units::Position, at fixed places. The decimal mark is a point or a comma,
+    ///   whatever the default locale.
+    /// - "N048 30 36.00 E11 15 18.00": degrees, minutes and seconds at fixed
+    ///   places, latitude first, with three places for its degrees and two for those
+    ///   of the longitude. Fractions of a second are dropped. A part that is not a
+    ///   number is 0.
     static bool coordsFromConfigurationString(const QString& a_sText, double& a_dLatitude,
                                               double& a_dLongitude);
 

@@ -19,12 +19,14 @@ using namespace std::chrono_literals;
 
 constexpr const char* s_szSource = "simulation/simulationdata/tcpserverconnector";
 
-constexpr int s_iAtOnce = 3; ///< attempts of a series
+constexpr int s_iAtOnce = 3; ///< attempts of a series without a pause
 constexpr std::chrono::milliseconds s_firstPause = 50ms;
 constexpr std::chrono::milliseconds s_longestPause = 2s;
-constexpr std::chrono::milliseconds s_kept = s_longestPause; ///< what a connection lasts at least
+constexpr std::chrono::milliseconds s_kept =
+    s_longestPause; ///< a connection that lasted this long ends the series
 
-/// What the next attempt of a series waits for.
+/// The pause before the next attempt of a series: 0 before the first three
+/// attempts, then 50 ms * 2^(failures - 3), at most 2 s.
 std::chrono::milliseconds pauseAfter(int a_iFailures)
 {
     std::chrono::milliseconds pause = a_iFailures < s_iAtOnce ? 0ms : s_firstPause;
@@ -34,16 +36,17 @@ std::chrono::milliseconds pauseAfter(int a_iFailures)
     return std::min(pause, s_longestPause);
 }
 
-/// Attempts on a local port come from changing local ports, and one of them may
-/// be the very port: then the two ends of one socket shake hands. That would
-/// also keep the server from listening there.
+/// Whether the socket is connected with itself. Attempts on a local port use
+/// changing local ports, and one of these may be the target port itself: then TCP
+/// connects the socket with itself. That would also keep the server from listening
+/// on the port.
 bool isOwnPeer(const QTcpSocket& a_socket)
 {
     return a_socket.localPort() == a_socket.peerPort() && a_socket.localAddress() == a_socket.peerAddress();
 }
 
-/// Ends the connection with a reset: an orderly end would leave the port in use
-/// for another minute.
+/// Ends the connection with a reset: an orderly close would keep the port in use
+/// for another minute (TIME_WAIT).
 void abortAtOnce(QTcpSocket& a_socket)
 {
     constexpr linger noWaiting{1, 0};
@@ -69,7 +72,7 @@ TcpServerConnector::TcpServerConnector(const QString& a_sHost, unsigned short a_
     connect(m_pSocket, &QTcpSocket::connected, this, &TcpServerConnector::slotConnected);
     connect(m_pSocket, &QTcpSocket::errorOccurred, this, &TcpServerConnector::slotError);
     connect(m_pSocket, &QTcpSocket::disconnected, this, &TcpServerConnector::slotDisconnected);
-    // The only signal of an attempt that the socket's user aborts.
+    // This is the only signal when the socket's user aborts an attempt.
     connect(m_pSocket, &QTcpSocket::stateChanged, this, [this](QAbstractSocket::SocketState a_eState) {
         if (a_eState == QAbstractSocket::UnconnectedState) {
             startAgain();
@@ -79,11 +82,11 @@ TcpServerConnector::TcpServerConnector(const QString& a_sHost, unsigned short a_
 
 TcpServerConnector::~TcpServerConnector()
 {
-    // What the socket still has to say must not reach half an object.
+    // Signals of the socket must not reach a partly destroyed object.
     m_pSocket->disconnect(this);
     m_pSocket->disconnectFromHost();
     if (m_bEmitting) {
-        // The socket is in the middle of a signal and goes on when it returns.
+        // The socket is emitting a signal and is still used after the slot returns.
         m_pSocket->setParent(nullptr);
         m_pSocket->deleteLater();
     }
@@ -97,8 +100,8 @@ bool TcpServerConnector::isConnected() const
 void TcpServerConnector::connectToServer()
 {
     trace(ErrorHandler::TraceProgress, s_szSource, [this] { return tryText(); });
-    // A slot that asks for every attempt must not spare the connector its pauses.
-    // There, the connection is up or the next attempt is due already.
+    // A slot that calls this on every signal must not bypass the pauses. During a
+    // signal the socket is connected or the next attempt is already scheduled.
     if (!m_bEmitting) {
         m_iFailures = 0;
         m_sReason.clear();
@@ -140,7 +143,7 @@ void TcpServerConnector::slotError()
 void TcpServerConnector::slotDisconnected()
 {
     if (!std::exchange(m_bAnnounced, false)) {
-        return; // it was a connection with itself
+        return; // was connected with itself
     }
     // The spelling is part of the interface: logs are searched for it.
     trace(ErrorHandler::TraceProgress, s_szSource, [this] {
@@ -153,8 +156,9 @@ void TcpServerConnector::slotDisconnected()
 
 void TcpServerConnector::slotStartConnection()
 {
-    // A socket that is connecting or closing would answer with an error at once
-    // and so call for the next start; its own end calls for one anyway.
+    // A socket that is connecting or closing would report an error at once, which
+    // would schedule another start. When it becomes unconnected, the next start is
+    // scheduled anyway.
     const QAbstractSocket::SocketState eState = m_pSocket->state();
     if (eState == QAbstractSocket::UnconnectedState || eState == QAbstractSocket::BoundState) {
         m_pSocket->connectToHost(m_sHost, m_uiPort, QIODevice::ReadWrite);
@@ -166,8 +170,8 @@ QString TcpServerConnector::tryText() const
     return QStringLiteral("Try to connect to: %1:%2").arg(m_sHost, QString::number(m_uiPort));
 }
 
-/// The same reason again is no news: attempts fail for as long as there is no
-/// server.
+/// Traces a failure unless its reason is that of the failure before, because
+/// attempts fail as long as there is no server.
 void TcpServerConnector::traceFailure(const QString& a_sReason)
 {
     if (m_sReason == a_sReason) {
@@ -181,7 +185,8 @@ void TcpServerConnector::traceFailure(const QString& a_sReason)
     traceError(s_szSource, [this] { return tryText(); });
 }
 
-/// After a failed attempt or a loss, which several signals report.
+/// Schedules the next attempt after a failed one or a lost connection. Several
+/// signals report the same failure; only the first has an effect.
 void TcpServerConnector::startAgain()
 {
     if (m_start.isActive()) {
@@ -192,7 +197,7 @@ void TcpServerConnector::startAgain()
     m_start.start(pauseAfter(m_iFailures));
 }
 
-/// False when a receiver has deleted this object.
+/// Emits a signal; false when a receiver has deleted this object.
 bool TcpServerConnector::emitGuarded(void (TcpServerConnector::*a_pSignal)())
 {
     const QPointer<TcpServerConnector> guard(this);

@@ -12,40 +12,40 @@ class QTcpSocket;
 
 namespace Simulation {
 
-/// Keeps a client's TCP connection to the simulation service: every failed
-/// attempt and every loss is followed by a new attempt, without end. Whoever
-/// wants it to stop deletes the connector.
+/// Keeps a client's TCP connection to the simulation service open: every failed
+/// attempt and every loss of the connection is followed by a new attempt, without
+/// limit. Deleting the connector stops it.
 ///
-/// The first three attempts of a series follow each other at once. The fourth
-/// waits 50 ms, and each further one twice as long as the one before, at most
-/// 2 s. A connection that lasted 2 s ends the series, so the attempts after its
-/// loss begin at once. A shorter connection counts as a failed attempt: a port
-/// that accepts and closes must not keep a processor busy. connectToServer()
-/// begins a series, too, except in a slot on the connector's own signals: there
-/// the series continues.
+/// The first three attempts of a series follow each other immediately. The fourth
+/// waits 50 ms, and each further one twice as long as the one before, at most 2 s.
+/// A connection that lasted 2 s ends the series, so after its loss the next
+/// attempts start immediately. A shorter connection counts as a failed attempt, so
+/// that a port that accepts and closes does not keep a processor busy.
+/// connectToServer() also starts a series, except in a slot on the connector's own
+/// signals: there the series continues.
 ///
-/// The first failure of a series is traced, and so is one for another reason
-/// than the failure before it. Further failures for the same reason are not.
+/// The first failure of a series is traced, and so is a failure for a different
+/// reason than the one before. Further failures for the same reason are not traced.
 ///
-/// Lives on the thread of the event loop that owns it. It may be deleted in a
-/// slot on its own signals. A new connector waits for connectToServer().
+/// Used on the thread of its event loop. It may be deleted in a slot on its own
+/// signals. A new connector does nothing until connectToServer().
 class SIMULATIONDATA_EXPORT TcpServerConnector : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Host and port divided by a colon, as in "localhost:4000"; what follows a
-    /// second colon is not looked at. Port 0 when there is none or it is no
-    /// number of 16 bits.
+    /// Host and port separated by a colon, as in "localhost:4000"; text after a
+    /// second colon is ignored. The port is 0 when it is missing or not a number of
+    /// 16 bits.
     explicit TcpServerConnector(const QString& a_sServer);
     TcpServerConnector(const QString& a_sHost, unsigned short a_uiPort);
 
-    /// Closes the connection; what was not sent yet is lost.
+    /// Closes the connection; unsent bytes are lost.
     ~TcpServerConnector() override;
 
     [[nodiscard]] bool isConnected() const;
 
-    /// The socket, the same one through all connections; the connector owns it.
+    /// The socket, the same one for all connections; owned by the connector.
     [[nodiscard]] QTcpSocket* socket() { return m_pSocket; }
 
 Q_SIGNALS:
@@ -55,14 +55,15 @@ Q_SIGNALS:
     void disconnectedFromServer();
 
 public Q_SLOTS:
-    /// Starts an attempt from the event loop, without waiting for the next one of
-    /// the series, unless the socket is connected or about to be. In a slot on the
-    /// connector's own signals it changes nothing: the series continues by itself.
-    /// A connection of the socket with itself, which attempts on a local port that
-    /// nobody listens on can end in, is a failed attempt.
+    /// Starts an attempt from the event loop, without the pause of the series,
+    /// unless the socket is connected or connecting. In a slot on the connector's
+    /// own signals it has no effect, because the series continues by itself.
+    ///
+    /// Attempts on a local port on which no process listens can connect the socket
+    /// with itself; this counts as a failed attempt.
     void connectToServer();
 
-    /// Closes the connection, after which a new attempt follows.
+    /// Closes the connection; a new attempt follows.
     void disconnectFromServer();
 
 private Q_SLOTS:
@@ -80,12 +81,12 @@ private:
     QString m_sHost;
     unsigned short m_uiPort = 0;
     QTcpSocket* m_pSocket = nullptr; ///< child
-    QTimer m_start;                  ///< runs until the next attempt
+    QTimer m_start;                  ///< pause before the next attempt
     QElapsedTimer m_connection;      ///< since connectedToServer()
-    int m_iFailures = 0;             ///< of the series
-    QString m_sReason;               ///< of the failure that was traced last; null at the begin of a series
+    int m_iFailures = 0;             ///< failed attempts of the series
+    QString m_sReason;               ///< of the failure traced last; null at the start of a series
     bool m_bAnnounced = false;       ///< connectedToServer() was the last signal
-    bool m_bEmitting = false;        ///< a signal of this object, inside one of the socket
+    bool m_bEmitting = false;        ///< while this object emits a signal
 };
 
 } // namespace Simulation

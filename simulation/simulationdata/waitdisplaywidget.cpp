@@ -12,9 +12,10 @@ namespace Simulation {
 namespace {
 
 constexpr std::int32_t s_iNoTimer = -1;
-constexpr std::int32_t s_iTick = 100;                                            ///< ms
-constexpr std::uint32_t s_uiSecond = 1000;                                       ///< ms
-constexpr std::uint32_t s_uiForEver = std::numeric_limits<std::uint32_t>::max(); ///< no tick gets beyond it
+constexpr std::int32_t s_iTick = 100;      ///< ms
+constexpr std::uint32_t s_uiSecond = 1000; ///< ms
+constexpr std::uint32_t s_uiForEver =
+    std::numeric_limits<std::uint32_t>::max(); ///< elapsed time saturates here
 
 std::uint32_t milliseconds(unsigned int a_uiSeconds)
 {
@@ -28,15 +29,16 @@ WaitDisplayWidget::WaitDisplayWidget(QWidget* a_pParent)
     , m_form(std::make_unique<Ui::WaitDisplayWidget>())
 {
     m_form->setupUi(this);
-    // The form's "modal" has set it for the whole application; without this it
-    // would come back when the dialog is shown again after a pause.
+    // The property "modal" of the form makes the dialog application-modal. Without
+    // this call it would be so again when it is shown after a pause.
     setWindowModality(Qt::WindowModal);
     Qt::WindowFlags flags = windowFlags();
     flags &= ~(Qt::WindowCloseButtonHint | Qt::WindowContextHelpButtonHint);
     flags |= Qt::CustomizeWindowHint | Qt::WindowSystemMenuHint;
     setWindowFlags(flags);
-    // QDialog goes on after rejected(), whose receivers therefore must not delete
-    // the dialog. finished() is its last act and comes with the same call.
+    // QDialog uses the object after rejected(), so a receiver of that signal must
+    // not delete the dialog. After finished(), which follows in the same call, it
+    // does not.
     connect(this, &QDialog::finished, this, [this](int a_iResult) {
         if (a_iResult == Rejected) {
             Q_EMIT canceled();
@@ -108,7 +110,7 @@ void WaitDisplayWidget::timerEvent(QTimerEvent* a_pEvent)
     if (m_uiTimeout != 0 && m_uiElapsed > m_uiTimeout) {
         stopCounting();
         hide();
-        Q_EMIT timeout(); // the last act: a receiver may delete the dialog
+        Q_EMIT timeout(); // last statement: a receiver may delete the dialog
     }
 }
 

@@ -15,16 +15,17 @@ namespace Ui {
 class WaitDisplayWidget;
 }
 
-/// A small modal dialog for waiting: a message, a bar that runs for ever, if
-/// wanted a button to cancel, and a time-out. It runs on a timer of its own while
-/// it is open.
+/// A small modal dialog for waiting: a message, a progress bar without an end,
+/// optionally a cancel button, and a time-out. A timer of its own runs while it is
+/// open.
 ///
-/// Nothing is connected to the button: the application connects the clicked() of
+/// The cancel button is not connected: the application connects the clicked() of
 /// the child "cancelButton" to reject() if a click shall cancel.
 ///
 /// The receivers of canceled(), timeout() and QDialog's finished(int) may delete
-/// the dialog; QDialog is not done yet when it tells accepted() and rejected(). A
-/// new dialog is hidden and counts nothing.
+/// the dialog. Those of accepted() and rejected() must not, because QDialog uses
+/// the object after emitting them. Used on the GUI thread. A new dialog is hidden
+/// and its timer is stopped.
 class SIMULATIONDATA_EXPORT WaitDisplayWidget : public QDialog
 {
     Q_OBJECT
@@ -33,17 +34,18 @@ public:
     explicit WaitDisplayWidget(QWidget* a_pParent = nullptr);
     ~WaitDisplayWidget() override;
 
-    /// Opens window-modally. The time-out is in seconds, 0 = none; one of more
-    /// than 4,294,967 s, which milliseconds of 32 bits do not hold, never comes.
-    /// A dialog that is open already changes its texts and whether it can be
-    /// cancelled; its waiting goes on, with the time-out that it had.
+    /// Opens the dialog window-modally. The time-out is in seconds; 0 = none. A
+    /// time-out of more than 4,294,967 s, whose milliseconds exceed 32 bits, never
+    /// expires. When the dialog is open already, its texts and the cancel button
+    /// are updated, and it continues with its former time-out.
     void open(const QString& a_sTitle, const QString& a_sMessage, bool a_bCancelable,
               unsigned int a_uiTimeout);
 
-    /// Ends the waiting well: the dialog is accepted.
+    /// Ends the waiting successfully: the dialog is accepted.
     void close();
 
-    /// Hides the dialog; the time that has passed is kept for doContinue().
+    /// Hides the dialog and stops the timer; doContinue() continues with the
+    /// elapsed time.
     void pause();
     void doContinue();
 
@@ -51,33 +53,33 @@ Q_SIGNALS:
     /// The dialog was rejected.
     void canceled();
 
-    /// The time-out has run out. The dialog is hidden, neither accepted nor
+    /// The time-out has expired. The dialog is hidden, neither accepted nor
     /// rejected.
     void timeout();
 
-    /// For applications; the library does not emit it.
+    /// Reserved for applications; the library does not emit it.
     void finished();
 
 public Q_SLOTS:
     /// Ignored while the dialog shows no cancel box.
     void reject() override;
 
-    /// However the dialog is ended, it stops counting: a waiting that was
-    /// cancelled must not run out later.
+    /// Ends the dialog with any result and stops its timer, so that a cancelled
+    /// dialog does not time out later.
     void done(int a_iResult) override;
 
 protected:
     void timerEvent(QTimerEvent* a_pEvent) override;
 
 private:
-    /// QDialog's, which knows no message. Not for callers of this class.
+    /// QDialog's overload without a message. Not for callers of this class.
     void open() override;
 
     void startCounting();
     void stopCounting();
 
     std::unique_ptr<Ui::WaitDisplayWidget> m_form;
-    std::int32_t m_iTimer = -1;    ///< -1 = none runs
+    std::int32_t m_iTimer = -1;    ///< id; -1 = not running
     std::uint32_t m_uiElapsed = 0; ///< ms
     std::uint32_t m_uiTimeout = 0; ///< ms; 0 = none
 };
