@@ -22,8 +22,7 @@ constexpr const char* s_szSource = "simulation/simulationdata/tcpserverconnector
 constexpr int s_iAtOnce = 3; ///< attempts of a series without a pause
 constexpr std::chrono::milliseconds s_firstPause = 50ms;
 constexpr std::chrono::milliseconds s_longestPause = 2s;
-constexpr std::chrono::milliseconds s_kept =
-    s_longestPause; ///< a connection that lasted this long ends the series
+constexpr std::chrono::milliseconds s_kept = s_longestPause; ///< a longer connection ends a series
 
 /// The pause before the next attempt of a series: 0 before the first three
 /// attempts, then 50 ms * 2^(failures - 3), at most 2 s.

@@ -12,10 +12,9 @@ namespace Simulation {
 namespace {
 
 constexpr std::int32_t s_iNoTimer = -1;
-constexpr std::int32_t s_iTick = 100;      ///< ms
-constexpr std::uint32_t s_uiSecond = 1000; ///< ms
-constexpr std::uint32_t s_uiForEver =
-    std::numeric_limits<std::uint32_t>::max(); ///< elapsed time saturates here
+constexpr std::int32_t s_iTick = 100;                                            ///< ms
+constexpr std::uint32_t s_uiSecond = 1000;                                       ///< ms
+constexpr std::uint32_t s_uiForEver = std::numeric_limits<std::uint32_t>::max(); ///< no limit; saturates here
 
 std::uint32_t milliseconds(unsigned int a_uiSeconds)
 {

@@ -18,8 +18,9 @@ namespace {
 constexpr const char* s_szSource = "simulation/simulationdata/xmlseparator";
 
 constexpr qsizetype s_iLengthBytes = 4;
-/// What a socket may read ahead, and what is split before others have their
-/// turn: as documents on their way the shortest take 55 times as much memory.
+/// The read buffer of a socket, and so the bytes that are split before other events
+/// are handled. Queued documents may take much more memory: the shortest 55 times
+/// their size.
 constexpr qint64 s_iSocketBytes = 65'536;
 
 qint64 limit(Limits::Limit a_eLimit)
@@ -117,7 +118,8 @@ void XmlSeparator::connectDevice()
     }
 }
 
-/// For what waits in the device already: that it told of before.
+/// Reads bytes that the device holds already, for which it emits no readyRead() any
+/// more.
 void XmlSeparator::scheduleRead()
 {
     m_readTimer.start(0, this);
@@ -129,8 +131,8 @@ void XmlSeparator::readNewData()
         reportError();
         return;
     }
-    // Frames are taken one at a time. Reading on before each of them would let
-    // a peer that sends short ones pile up the rest.
+    // Frames are taken one at a time. Reading more bytes before each frame would
+    // let a peer that sends short frames fill the memory with the rest.
     if (!isFramed() || m_buffer.size() < s_iLengthBytes || m_buffer.size() < frameBytes()) {
         takeUp();
     }
@@ -151,8 +153,9 @@ void XmlSeparator::takeUp()
     }
 }
 
-/// Empties the full buffer of a socket that is not read because of an error: the
-/// socket takes no more from the system until then, the connection's end neither.
+/// Empties the full buffer of a socket that is not read because of an error. Until
+/// then the socket reads nothing from the system, not even the end of the
+/// connection.
 void XmlSeparator::discardUnread()
 {
     const auto* const pSocket = qobject_cast<QAbstractSocket*>(m_pDevice.data());
@@ -195,7 +198,7 @@ bool XmlSeparator::isFramed() const
     return m_eMode == LengthPrefixedBigEndian || m_eMode == LengthPrefixedLittleEndian;
 }
 
-/// Of the frame at the front of the buffer, its length included.
+/// The size of the first frame in the buffer, including its length field.
 qint64 XmlSeparator::frameBytes() const
 {
     const char* const pLength = m_buffer.bytes().data();
@@ -219,7 +222,7 @@ void XmlSeparator::takeFrame()
     }
     m_buffer.skip(s_iLengthBytes);
     QByteArray payload = m_buffer.take(iFrame - s_iLengthBytes);
-    scheduleRead(); // for the next frame, in the buffer or still in the device
+    scheduleRead(); // the next frame may be in the buffer or in the device
     if (!m_bUncompressIncoming || uncompress(&payload)) {
         Q_EMIT queued_xmlReceived(payload);
     }
@@ -235,8 +238,8 @@ void XmlSeparator::timerEvent(QTimerEvent* a_pEvent)
     readNewData();
 }
 
-/// False after an error. A payload that is not compressed stays as it is, and
-/// so does everything after it in both directions.
+/// False after an error. A payload that is not compressed is returned unchanged;
+/// from then on compression is off in both directions.
 bool XmlSeparator::uncompress(QByteArray* a_pPayload)
 {
     QString sReason;
@@ -301,11 +304,11 @@ bool XmlSeparator::sendXml(const QByteArray& Xml) // NOLINT(readability-identifi
 
 // Errors
 
-/// Always false. Receivers may have deleted the object when it returns; they
-/// also trace the error.
+/// Reports the error; always false. Receivers may have deleted the object when the
+/// function returns, and they trace the error.
 bool XmlSeparator::fail(QString a_sError)
 {
-    m_buffer.clear(); // none of it can be read any more
+    m_buffer.clear(); // it cannot be read any more
     m_sError = std::move(a_sError);
     reportError();
     return false;
@@ -313,7 +316,7 @@ bool XmlSeparator::fail(QString a_sError)
 
 void XmlSeparator::reportError()
 {
-    if (m_bReporting) { // a receiver resumes: it hears no more before there is more to read
+    if (m_bReporting) { // a receiver called resume(): it gets no second report of this error
         return;
     }
     pause();

@@ -11,23 +11,23 @@
 #include <QPointer>
 #include <QString>
 
-/// Turns the bytes of a device, in practice a socket, into whole XML documents,
-/// and writes documents to it.
+/// Splits the bytes of a device, usually a socket, into whole XML documents, and
+/// writes documents to it.
 ///
-/// The device is not owned and may die first. Everything happens on the thread
-/// of the device; documents are delivered from its event loop, so a receiver may
-/// call any method or delete the object later. Time is linear in the bytes,
-/// whatever pieces they come in.
+/// The device is not owned and may be deleted first. The object is used on the
+/// thread of the device. Documents are delivered from its event loop, so a receiver
+/// may call any method or delete the object with deleteLater(). Time is linear in
+/// the bytes, whatever the pieces in which they are received.
 ///
-/// The peer is not trusted. What it sends is held within Limits: a document, a
-/// frame and its content, and what waits to be written. A socket that buffers
-/// without bound is given a read buffer of 64 KiB for as long as the separator
-/// uses it, so that a peer that sends on during a pause has to wait.
+/// The peer is not trusted. Limits bound what it can make us hold: a document, a
+/// frame and its content, and bytes that wait to be written. A socket with an
+/// unlimited read buffer gets one of 64 KiB while the separator uses it, so that a
+/// peer that keeps sending during a pause is blocked.
 ///
-/// A socket whose read buffer is full does not notice that its peer has closed
-/// the connection. After an error, when nobody reads, a full buffer is therefore
-/// emptied and its bytes are lost. During a pause the bytes are kept, and the end
-/// of the connection is noticed when they are read.
+/// A socket whose read buffer is full does not notice that its peer has closed the
+/// connection. After an error, when the separator no longer reads, a full buffer is
+/// therefore emptied and its bytes are lost. During a pause the bytes are kept, and
+/// the end of the connection is noticed when they are read.
 class XmlSeparator : public QObject
 {
     Q_OBJECT
@@ -35,73 +35,73 @@ class XmlSeparator : public QObject
 public:
     /// How the stream is framed.
     enum FramingMode : int {
-        AutoDetect = 0,                ///< decided once, by the first four bytes
-        PlainXml = 1,                  ///< documents back to back
-        LengthPrefixedBigEndian = 2,   ///< each behind its length, 4 bytes, most significant first
+        AutoDetect = 0,                ///< determined once from the first four bytes
+        PlainXml = 1,                  ///< documents one after the other
+        LengthPrefixedBigEndian = 2,   ///< each after its length, 4 bytes, most significant first
         LengthPrefixedLittleEndian = 3 ///< as before, least significant first
     };
 
-    /// Of plain XML. What waits in the device already is read, too, from the
-    /// event loop.
+    /// The first overload uses plain XML. Bytes that the device already holds are
+    /// also read, from the event loop.
     XmlSeparator(QIODevice* a_pDevice, QObject* a_pParent);
     XmlSeparator(QIODevice* a_pDevice, FramingMode a_eMode, QObject* a_pParent);
     ~XmlSeparator() override;
 
-    /// Leaves the device to others for good: reads and writes nothing any more
-    /// and lifts the bound of the read buffer. Documents that were found already
+    /// Releases the device for good: the separator no longer reads or writes it,
+    /// and the limit of the read buffer is removed. Documents that were read before
     /// are still delivered.
     void detach();
 
-    /// Null when it has died, and after detach().
+    /// Null when it was deleted, and after detach().
     [[nodiscard]] QIODevice* device() const { return m_pDevice.data(); }
 
-    /// Whether documents leave compressed, in frames only. By default they do
-    /// not. A first incoming frame that is not compressed switches it off.
+    /// Whether documents are sent compressed, in frames only; off by default. An
+    /// incoming frame that is not compressed switches compression off.
     void setCompressOutgoing(bool a_bOn) { m_bCompressOutgoing = a_bOn; }
 
-    /// From 0, none, to 9, best; -1, the default, is zlib's own choice.
+    /// From 0 (none) to 9 (best); -1, the default, lets zlib choose.
     void setCompressionLevel(int a_iLevel) { m_iCompressionLevel = a_iLevel; }
     [[nodiscard]] int compressionLevel() const { return m_iCompressionLevel; }
 
-    /// What is held of a document or frame whose end has not come (bytes).
+    /// Bytes held of an incomplete document or frame.
     [[nodiscard]] qint64 unfinishedBytes() const { return m_splitter.bytes() + m_buffer.size(); }
 
-    // The meta-object carries these names, misspelt or not.
-    // NOLINTBEGIN(readability-identifier-naming)
+    // The names are part of the meta-object and keep their spelling.
 Q_SIGNALS:
-    /// One whole document, without the blanks before it. Delivered from the
-    /// event loop.
+    /// A complete document, without the blanks before it. Emitted from the event
+    /// loop.
     void xmlReceived(const QByteArray& Xml);
 
-    /// The stream cannot be read on: the reader's own words, or the limit that
-    /// the peer went beyond. Reading is paused and, until reset(), meets the
-    /// same error again whenever it is resumed. Up to 64 KiB that come meanwhile
-    /// stay in the device for reset(); a socket that is sent more loses them.
+    /// The stream cannot be read any further; the argument is the reader's error
+    /// text or the exceeded limit. Reading is paused. Until reset(), resuming it
+    /// reports the same error again. Up to 64 KiB that are received meanwhile stay
+    /// in the device for reset(); a socket that receives more loses them.
     void errorOccured(const QString& sErrorString);
 
-    /// Internal: a document on its way to xmlReceived().
+    /// Internal: queues a document for xmlReceived().
     void queued_xmlReceived(const QByteArray& Xml);
 
 public Q_SLOTS:
-    /// Writes one document. False when the framing is not decided yet, when the
-    /// device cannot be written to or takes a part only, and, with nothing
+    /// Writes one document. False when the framing is not known yet, or when the
+    /// device cannot be written to or accepts only a part. Also false, with nothing
     /// written, when more than Limits::PendingBytes would then wait.
     bool sendXml(const QByteArray& Xml);
 
-    /// resume() or pause().
+    /// Call resume() or pause().
     void setEnabled(bool bEnabled);
     void setDisabled(bool bDisabled);
     // NOLINTEND(readability-identifier-naming)
 
-    /// Reads no more: what comes stays in the device. Documents that were read
-    /// already are still delivered.
+    /// Stops reading: received bytes stay in the device. Documents that were read
+    /// before are still delivered.
     void pause();
 
-    /// Reads on, at once with what has come meanwhile.
+    /// Continues reading, beginning at once with the bytes that were received
+    /// meanwhile.
     void resume();
 
-    /// Forgets what was read, an error, too, and reads on with what comes next.
-    /// The framing and the compression stay.
+    /// Drops the bytes read and the error, and continues with the bytes received
+    /// next. The framing and the compression stay.
     void reset();
 
 protected:
@@ -131,13 +131,13 @@ private:
     Simulation::XmlDocumentSplitter m_splitter;
     QPointer<QIODevice> m_pDevice;
     bool m_bBounded = false;            ///< the socket's read buffer is bounded by this object
-    Simulation::ReceiveBuffer m_buffer; ///< what is not split yet
+    Simulation::ReceiveBuffer m_buffer; ///< bytes not split yet
     int m_iCompressionLevel = -1;
     bool m_bCompressOutgoing = false;
     bool m_bUncompressIncoming = true;
-    QBasicTimer m_readTimer;   ///< a read that waits for the event loop
-    bool m_bReporting = false; ///< receivers are hearing of the error
-    QString m_sError;          ///< empty while there is none
+    QBasicTimer m_readTimer;   ///< schedules a read from the event loop
+    bool m_bReporting = false; ///< while errorOccured() is emitted
+    QString m_sError;          ///< empty without an error
 };
 
 #endif

@@ -12,15 +12,15 @@ namespace Simulation {
 
 namespace {
 
-/// What the reader is given at once. It decodes all of it first, which is
-/// fastest as long as the result stays in the processor's cache.
+/// The size of a piece for the reader (bytes). The reader first decodes the whole
+/// piece, which is fastest while the result fits the processor's cache.
 constexpr std::int64_t s_iPieceBytes = 16'384;
 
-/// Before it has so many, the reader says nothing.
+/// The reader returns no token before it has this number of bytes.
 constexpr qsizetype s_iReaderBytes = 4;
 
-/// Whether no text of one-byte units begins like this: marks of wide encodings
-/// and the zeros of their first character.
+/// Whether the text is in an encoding with wider characters: it begins with the
+/// mark of one, or has the zero bytes of its first character.
 bool isWide(QByteArrayView a_start)
 {
     constexpr QByteArrayView marks("\xFE\xFF");
@@ -28,12 +28,13 @@ bool isWide(QByteArrayView a_start)
            (a_start.size() > 1 && a_start[1] == 0);
 }
 
-/// How many bytes at the end mean nothing without the next: the beginning of a
-/// character of UTF-8, or brackets that may belong to "]]>", which the reader
-/// only notices as a whole.
+/// How many bytes at the end cannot be interpreted without the next: the start of a
+/// UTF-8 character, or brackets that may belong to "]]>", which the reader
+/// recognises only as a whole.
 qsizetype unfinishedBytes(QByteArrayView a_bytes)
 {
-    constexpr unsigned char leads[] = {0x80, 0xC0, 0xE0, 0xF0}; // from here on longer than the index
+    // Lead bytes from leads[i] on belong to characters that are longer than i bytes.
+    constexpr unsigned char leads[] = {0x80, 0xC0, 0xE0, 0xF0};
     if (a_bytes.endsWith(']')) {
         return a_bytes.endsWith("]]") ? 2 : 1;
     }
@@ -49,7 +50,7 @@ qsizetype unfinishedBytes(QByteArrayView a_bytes)
     return 0;
 }
 
-/// The first bytes that are UTF-8.
+/// The bytes before the first one that is not valid UTF-8.
 QByteArrayView utf8Part(QByteArrayView a_bytes)
 {
     if (a_bytes.isValidUtf8()) {
@@ -62,8 +63,8 @@ QByteArrayView utf8Part(QByteArrayView a_bytes)
     return a_bytes.first(i);
 }
 
-/// Whether the bytes are well formed wherever an element may have text, apart
-/// from the inside of a reference.
+/// Whether the bytes are well formed at any place where an element may have text,
+/// except inside a reference.
 bool isPlainText(QByteArrayView a_bytes)
 {
     constexpr unsigned char ucFirstPrintable = 0x20;
@@ -96,7 +97,7 @@ std::optional<QByteArray> XmlDocumentSplitter::takeDocument()
     return std::nullopt;
 }
 
-/// False when there is nothing to scan.
+/// False when there are no bytes to scan, or after an error.
 bool XmlDocumentSplitter::scan()
 {
     if (m_document.isEmpty()) {
@@ -114,7 +115,8 @@ bool XmlDocumentSplitter::scan()
     }
     const auto iAllowed = static_cast<qsizetype>(std::min(uiLimit - uiScanned, uiMost));
     const QByteArrayView piece = rest.first(std::min(rest.size(), iAllowed));
-    // The reader would hold a long text as a whole, in twice the memory.
+    // Plain text bypasses the reader, which would keep a long text as a whole, in
+    // twice the memory.
     const bool bSkip = m_scanner.isInContent() && m_scanner.bytes() == m_document.size() &&
                        m_document.size() >= s_iReaderBytes && !m_bInReference && isPlainText(piece);
     m_scanner.feedDocument(piece);
@@ -139,14 +141,14 @@ bool XmlDocumentSplitter::parse(qsizetype a_iBytes)
     m_document.append(piece);
     const qsizetype iReference = piece.lastIndexOf('&');
     const qsizetype iReferenceEnd = piece.lastIndexOf(';');
-    if (iReference != iReferenceEnd) { // in text, at least
+    if (iReference != iReferenceEnd) { // correct in text; other places do not matter
         m_bInReference = iReference > iReferenceEnd;
     }
     if (isWide(m_document)) {
         return fail(QStringLiteral("The document is neither UTF-8 nor any other text of single bytes."));
     }
-    // The reader decodes all that it is given before it looks at any of it, and
-    // waits for ever behind bytes that it cannot decode.
+    // The reader decodes a whole piece before it reads any of it, and after bytes
+    // that it cannot decode it waits for more without limit.
     const qsizetype iDecodable = m_bLatin1 ? piece.size() : utf8Part(piece).size();
     QString sFault = readerFault(piece.left(iDecodable));
     if (sFault.isEmpty() && m_bLatin1 && iDecodable < piece.size()) {
@@ -160,10 +162,11 @@ bool XmlDocumentSplitter::parse(qsizetype a_iBytes)
 
 QString XmlDocumentSplitter::readerFault(QByteArray a_piece)
 {
-    // The reader may take a zero for the end of what has arrived. It refuses all
-    // other forbidden characters wherever they are.
+    // The reader may take a zero byte for the end of the received bytes. Its
+    // replacement is another forbidden character, which the reader refuses
+    // everywhere.
     m_reader->addData(a_piece.replace('\0', '\x01'));
-    do { // an earlier want of more bytes still stands as an error here
+    do { // a previous lack of bytes is still set as an error
         m_reader->readNext();
         if (m_reader->isStartDocument() && !adoptEncoding(m_reader->documentEncoding())) {
             return QStringLiteral("Encoding %1 is unsupported in a stream of documents.")
@@ -174,7 +177,8 @@ QString XmlDocumentSplitter::readerFault(QByteArray a_piece)
     return m_reader->hasError() && !bWaits ? m_reader->errorString() : QString();
 }
 
-/// Whether the bytes of tags mean tags in that encoding, and no others do.
+/// Stores the declared encoding. Whether the scanner can read it: the bytes of
+/// ASCII mean the same characters in it, and no other bytes do.
 bool XmlDocumentSplitter::adoptEncoding(QStringView a_sDeclared)
 {
     const QByteArray name = a_sDeclared.toLatin1();
@@ -187,7 +191,7 @@ bool XmlDocumentSplitter::adoptEncoding(QStringView a_sDeclared)
 
 void XmlDocumentSplitter::startDocument()
 {
-    // A cleared reader would remember the encoding, and keep room for the text.
+    // A cleared reader would remember the encoding and keep the memory of the text.
     if (m_reader == nullptr || m_bDeclared || m_scanner.bytes() > s_iPieceBytes) {
         m_reader = std::make_unique<QXmlStreamReader>();
     } else {
@@ -197,12 +201,13 @@ void XmlDocumentSplitter::startDocument()
     m_bDeclared = false;
     m_bLatin1 = false;
     m_bInReference = false;
-    // Our names carry no prefixes, and looking one up costs time in proportion
-    // to the declarations that a peer chooses to make.
+    // Our names have no prefixes. Resolving a prefix takes time in proportion to
+    // the number of namespace declarations, which the peer chooses.
     m_reader->setNamespaceProcessing(false);
 }
 
-/// Always false. What was read is dropped: a peer should not make us keep it.
+/// Sets the error; always false. The bytes read are dropped, so that a peer cannot
+/// make us keep them.
 bool XmlDocumentSplitter::fail(QString a_sFault)
 {
     clear();

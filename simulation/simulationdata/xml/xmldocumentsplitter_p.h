@@ -16,17 +16,17 @@
 
 namespace Simulation {
 
-/// Splits a stream of XML documents that follow each other with nothing but
-/// blanks between them. A document ends with the tag that closes its outermost
-/// element; a scanner that runs ahead finds that tag, so a stream reader can be
-/// given many tags at once and none of the next document. The reader judges
-/// whether a document is well formed.
+/// Splits a stream of XML documents that follow each other with only blanks between
+/// them. A document ends with the tag that closes its outermost element. A scanner
+/// finds that tag first, so that a stream reader can be given many tags at once but
+/// none of the next document. The reader checks whether a document is well formed.
 ///
-/// The documents and the fault do not depend on the pieces that the bytes come
-/// in, and the time is linear in the bytes. Documents are UTF-8, with or without
-/// a mark, or declare Latin-1 or US-ASCII. One that goes beyond a limit
-/// (DocumentBytes, NestingDepth, ElementAttributes, RecordElements and those of
-/// document types) is a fault.
+/// The documents and the error do not depend on the pieces in which the bytes are
+/// received, and the time is linear in the bytes. Documents are UTF-8, with or
+/// without a byte-order mark, or declare Latin-1 or US-ASCII. A document that
+/// exceeds a limit (DocumentBytes, NestingDepth, ElementAttributes, RecordElements
+/// and those of document types) is an error. One object may be used by one thread
+/// at a time.
 class XmlDocumentSplitter
 {
 public:
@@ -34,18 +34,18 @@ public:
 
     void append(const QByteArray& a_bytes) { m_buffer.append(a_bytes); }
 
-    /// The next document, without the blanks before it. Nothing when its end has
-    /// not come yet, or at a fault.
+    /// The next document, without the blanks before it. No value when it is not
+    /// complete yet, or after an error.
     [[nodiscard]] std::optional<QByteArray> takeDocument();
 
-    /// What is held of the document at hand (bytes).
+    /// Bytes held of the current, incomplete document.
     [[nodiscard]] qsizetype bytes() const { return m_document.size() + m_buffer.size(); }
 
-    /// Why no document can be read any more: the stream reader's words, or the
-    /// limit. Empty while there is no fault.
+    /// The error text after which no document can be read any more: that of the
+    /// stream reader, or the exceeded limit. Empty without an error.
     [[nodiscard]] const QString& fault() const { return m_sFault; }
 
-    /// Forgets everything.
+    /// Drops all bytes and the error.
     void clear() { *this = XmlDocumentSplitter(); }
 
 private:
@@ -59,11 +59,11 @@ private:
 
     XmlScanner m_scanner{Limits::RecordElements};
     std::unique_ptr<QXmlStreamReader> m_reader;
-    ReceiveBuffer m_buffer;      ///< what the reader was not given yet
-    QByteArray m_document;       ///< what it was given of the document at hand
-    bool m_bDeclared = false;    ///< the document at hand names its encoding
-    bool m_bLatin1 = false;      ///< it is this one
-    bool m_bInReference = false; ///< the reader may wait for the end of one
+    ReceiveBuffer m_buffer;      ///< bytes not yet passed to the reader
+    QByteArray m_document;       ///< bytes of the current document that were
+    bool m_bDeclared = false;    ///< the current document declares its encoding
+    bool m_bLatin1 = false;      ///< it declares Latin-1
+    bool m_bInReference = false; ///< the reader may be inside an unfinished reference
     QString m_sFault;
 };
 

@@ -97,7 +97,8 @@ bool isContinuation(char a_cByte)
 /// missing.
 bool isCutOff(QByteArrayView a_bytes)
 {
-    constexpr unsigned char leads[] = {0xC2, 0xE0, 0xF0, 0xF5}; // for 2, 3, 4 bytes; limit
+    // The first lead bytes of characters of 2, 3 and 4 bytes, and the end of the last range.
+    constexpr unsigned char leads[] = {0xC2, 0xE0, 0xF0, 0xF5};
     if (a_bytes.isEmpty()) {
         return true;
     }

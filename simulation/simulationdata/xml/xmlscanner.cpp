@@ -29,8 +29,8 @@ const char* find(const char* a_pFrom, const char* a_pEnd, char a_cByte)
         std::memchr(a_pFrom, a_cByte, static_cast<std::size_t>(a_pEnd - a_pFrom)));
 }
 
-/// The number of marks right before `a_pAt`, at most two. `a_iBefore` of them
-/// stood right before `a_pFrom`.
+/// The number of marks just before `a_pAt`, at most two. `a_iBefore` is the number
+/// of marks just before `a_pFrom`, in the previous piece.
 int marksBefore(const char* a_pFrom, const char* a_pAt, char a_cMark, int a_iBefore)
 {
     int iMarks = 0;
@@ -78,7 +78,7 @@ bool XmlDeclarationEnd::consumeMarkup(char a_cByte)
     } else if ((m_uiRecent & s_uiTwoBytes) == packed("<?")) {
         m_eInside = Inside::Instruction;
         m_uiRecent = 0;
-    } else if (m_uiRecent == packed("<!EN")) { // no other declaration begins so
+    } else if (m_uiRecent == packed("<!EN")) { // only an entity declaration begins like this
         ++m_uiEntities;
     } else if (a_cByte == '[') {
         ++m_uiBrackets;
@@ -123,7 +123,8 @@ qint64 XmlScanner::parsableBytes() const
     if (m_bOffence) {
         return m_iExceeding;
     }
-    // A section outside the elements is a fault, which a parser sees at once.
+    // A CDATA section outside the elements is an error, which a parser finds at
+    // once.
     const bool bHeld = m_eState == State::Open || m_eState == State::Markup || m_eState == State::Comment ||
                        m_eState == State::Instruction || (m_eState == State::CData && m_uiDepth > 0);
     return bHeld ? m_iOpen : m_iChunk;
@@ -158,7 +159,7 @@ const char* XmlScanner::scan(const char* a_pFrom, const char* a_pEnd)
 
 const char* XmlScanner::scanText(const char* a_pFrom, const char* a_pEnd)
 {
-    // Most tags follow each other or a few blanks.
+    // Most tags follow another tag or a few blanks.
     const char* const pOpen = *a_pFrom == '<' ? a_pFrom : find(a_pFrom, a_pEnd, '<');
     if (pOpen == nullptr) {
         return a_pEnd;
@@ -310,7 +311,7 @@ void XmlScanner::closeTag()
     m_eState = State::Text;
 }
 
-/// The whole construct is beyond the limit.
+/// The limit is exceeded at the start of the construct.
 void XmlScanner::offend(Limits::Limit a_eLimit)
 {
     const XmlPosition position = openPosition();
@@ -319,8 +320,8 @@ void XmlScanner::offend(Limits::Limit a_eLimit)
     m_offence = {m_iOpen, position.line, position.column, a_eLimit, Limits::exceeded(a_eLimit)};
 }
 
-/// The construct is within the limit up to that byte. A parser is given all
-/// bytes before it, as it was when they came one by one.
+/// The limit is exceeded at this byte of the construct. A parser gets all bytes
+/// before it, whatever the pieces in which they were fed.
 void XmlScanner::offendAt(const char* a_pByte, Limits::Limit a_eLimit)
 {
     offend(a_eLimit);

@@ -12,8 +12,8 @@
 namespace Simulation {
 
 /// Finds the end of a declaration such as "<!DOCTYPE ... [ ... ]>", whose first
-/// bytes up to and including "<!" are already consumed: quotes, comments,
-/// instructions and brackets inside it hide a '>'.
+/// bytes up to and including "<!" are already consumed. A '>' inside quotes,
+/// comments, processing instructions or brackets does not end it.
 class XmlDeclarationEnd
 {
 public:
@@ -25,7 +25,7 @@ public:
     /// True when the byte is the closing '>'.
     bool consume(char a_cByte);
 
-    /// How many entities the declaration has defined so far.
+    /// Number of entities that the declaration has defined so far.
     [[nodiscard]] std::uint64_t entities() const { return m_uiEntities; }
 
 private:
@@ -35,83 +35,86 @@ private:
 
     Inside m_eInside = Inside::Markup;
     char m_cQuote = 0;
-    std::uint32_t m_uiRecent = 0; ///< the last four bytes, the latest lowest
+    std::uint32_t m_uiRecent = 0; ///< the last four bytes, the latest in the lowest bits
     std::uint64_t m_uiBrackets = 0;
     std::uint64_t m_uiEntities = 0;
 };
 
-/// Finds where an XML text goes beyond a limit (nesting depth, attributes of
-/// one element, bytes and entities of a document type) before a parser sees that
-/// tag, and where a document ends in a stream of them. The bytes of several
-/// document types are added up: a lenient parser takes them inside elements, too,
-/// and keeps the rules of all.
+/// Finds where an XML text exceeds a limit (nesting depth, attributes of one
+/// element, bytes and entities of a document type) before a parser reads that tag,
+/// and where a document ends in a stream of documents. The bytes of several
+/// document types are added up, because a lenient parser also accepts document
+/// types inside elements and keeps the rules of all.
 ///
-/// The text is fed in pieces of any size, as UTF-8 or any encoding that keeps
-/// ASCII. Time is linear in the bytes and memory is constant whatever they
-/// hold. Whether the text is well formed is never judged: what a parser refuses
-/// it refuses at the first fault, and up to there both read the same tags.
-/// Limits are read at each feed. One object is used by one thread at a time.
+/// The text is fed in pieces of any size, as UTF-8 or any encoding that contains
+/// ASCII. Time is linear in the bytes and memory is constant. The scanner does not
+/// check whether the text is well formed: a parser stops at the first error, and up
+/// to there scanner and parser find the same tags. Limits are read at each feed.
+/// One object may be used by one thread at a time.
 class XmlScanner
 {
 public:
-    /// The first thing beyond a limit.
+    /// The first place where a limit is exceeded.
     struct Offence
     {
-        qint64 offset = 0; ///< of its '<', in bytes since the start
-        qint64 line = 1;   ///< of its '<', from 1
-        qint64 column = 1; ///< of its '<', from 1, in characters
+        qint64 offset = 0; ///< of the construct's '<', in bytes from the start
+        qint64 line = 1;   ///< of that '<', from 1
+        qint64 column = 1; ///< of that '<', from 1, in characters
         Limits::Limit limit = Limits::NestingDepth;
         QString reason; ///< for example "nesting depth limit of 256 exceeded"
     };
 
-    /// Elements beyond the limit are an offence, too; by default they are not
-    /// counted.
+    /// `a_eElements` limits the number of elements; by default they are not
+    /// limited.
     explicit XmlScanner(Limits::Limit a_eElements = Limits::LimitCount)
         : m_eElements(a_eElements)
     {}
 
-    /// Scans on. After an offence further bytes are passed over.
+    /// Scans the next bytes. After a limit is exceeded, further bytes are ignored.
     void feed(QByteArrayView a_bytes) { scanChunk(a_bytes, false); }
 
-    /// As feed(), but takes no byte behind the end of the document, and does not
-    /// spend time on lines and columns: those of an offence mean nothing.
+    /// The same as feed(), but stops at the end of the document and does not
+    /// calculate lines and columns: offence() has none.
     void feedDocument(QByteArrayView a_bytes) { scanChunk(a_bytes, true); }
 
-    /// Whether the last tag closed the outermost element, or one that was not
-    /// open.
+    /// Whether the last tag closed the outermost element, or an element that was
+    /// not open.
     [[nodiscard]] bool isDocumentComplete() const { return m_bComplete; }
 
-    /// Whether the next byte is text of an element, as long as it opens no tag.
+    /// Whether the next byte belongs to the text of an element, unless it opens a
+    /// tag.
     [[nodiscard]] bool isInContent() const { return m_eState == State::Text && m_uiDepth > 0; }
 
-    /// The bytes taken so far, up to the piece with an offence.
+    /// The number of bytes scanned so far; after an exceeded limit, those of the
+    /// pieces before.
     [[nodiscard]] qint64 bytes() const { return m_iChunk; }
 
-    /// The first of these that a parser can be given: not the byte that exceeds a
-    /// limit, nor a comment, section or instruction that has not ended. A stream
-    /// reader would scan such a stretch again with every further byte.
+    /// The number of those bytes that can be passed to a parser. Excluded are the
+    /// byte that exceeds a limit and an unfinished comment, CDATA section or
+    /// processing instruction, which a stream reader would scan again with every
+    /// further byte.
     [[nodiscard]] qint64 parsableBytes() const;
 
     [[nodiscard]] bool hasOffence() const { return m_bOffence; }
 
-    /// The offence; a default object while there is none.
+    /// The place of the exceeded limit; a default object when there is none.
     [[nodiscard]] const Offence& offence() const { return m_offence; }
 
-    /// Starts afresh, for another text.
+    /// Prepares for another text.
     void reset() { *this = XmlScanner(m_eElements); }
 
 private:
     enum class State : std::uint8_t {
         Text,
-        Open,        ///< behind '<'
-        StartTag,    ///< in a start tag, outside its values
-        Value,       ///< in a quoted value of a start tag
-        EndTag,      ///< behind "</"
-        Instruction, ///< behind "<?"
-        Markup,      ///< behind "<!"
-        Comment,     ///< behind "<!--"
-        CData,       ///< behind "<![CDATA["
-        Declaration, ///< behind "<!" and anything else
+        Open,        ///< after '<'
+        StartTag,    ///< in a start tag, outside its attribute values
+        Value,       ///< in a quoted attribute value
+        EndTag,      ///< after "</"
+        Instruction, ///< after "<?"
+        Markup,      ///< after "<!"
+        Comment,     ///< after "<!--"
+        CData,       ///< after "<![CDATA["
+        Declaration, ///< after "<!" and any other byte
     };
 
     void scanChunk(QByteArrayView a_bytes, bool a_bOneDocument);
@@ -133,18 +136,18 @@ private:
 
     Limits::Limit m_eElements;
     State m_eState = State::Text;
-    char m_cQuote = 0; ///< what ends the value
+    char m_cQuote = 0; ///< the quote that ends the value
     char m_cLast = 0;  ///< the last byte of a start tag so far
     bool m_bOffence = false;
     bool m_bComplete = false;           ///< the last tag left no element open
-    int m_iRun = 0;                     ///< end marks right before the next byte, at most 2
-    int m_iMatched = 0;                 ///< bytes of m_szExpected found
+    int m_iRun = 0;                     ///< end marks just before the next byte, at most 2
+    int m_iMatched = 0;                 ///< bytes of m_szExpected that were found
     const char* m_szExpected = nullptr; ///< rest of "<!--" or "<![CDATA["
     XmlDeclarationEnd m_declarationEnd;
     std::uint64_t m_uiDepth = 0;
     std::uint64_t m_uiElements = 0;
     std::uint64_t m_uiAttributes = 0;
-    std::uint64_t m_uiDoctypeBytes = 0; ///< of the finished declarations
+    std::uint64_t m_uiDoctypeBytes = 0; ///< of the declarations that have ended
     std::uint64_t m_uiMaxDepth = 0;
     std::uint64_t m_uiMaxElements = 0;
     std::uint64_t m_uiMaxAttributes = 0;

@@ -19,7 +19,7 @@ constexpr QByteArrayView s_sectionOpen("<![CDATA[");
 constexpr QByteArrayView s_sectionEnd("]]>");
 constexpr QByteArrayView s_instructionOpen("<?");
 constexpr QByteArrayView s_instructionEnd("?>");
-constexpr qsizetype s_iNamesCompared = 8; ///< up to here comparing beats hashing
+constexpr qsizetype s_iNamesCompared = 8; ///< up to this number comparing is faster than hashing
 constexpr qsizetype s_iShownBytes = 40;   ///< of a name in an error text
 constexpr char s_cFirstPrintable = 0x20;
 
@@ -33,7 +33,7 @@ QString shown(QByteArrayView a_name)
     return QString::fromUtf8(a_name.first(std::min(a_name.size(), s_iShownBytes)));
 }
 
-/// The code of "#10" or "#xA", 0 when it is none.
+/// The code of a reference such as "#10" or "#xA"; 0 when it is not a number.
 char32_t referencedCharacter(QByteArrayView a_reference)
 {
     constexpr int iHexadecimal = 16;
@@ -60,7 +60,8 @@ char32_t referencedCharacter(QByteArrayView a_reference)
     return cCode;
 }
 
-/// "1.0" or another first version, all of which read alike here.
+/// Whether the version is "1.0" or another "1.x", all of which are read in the same
+/// way.
 bool isFirstVersion(QByteArrayView a_version)
 {
     constexpr QByteArrayView first("1.");
@@ -93,7 +94,7 @@ bool XmlValidator::validate()
     return misc(false);
 }
 
-/// All bytes are UTF-8 and no character is forbidden.
+/// Checks that all bytes are UTF-8 and no character is forbidden.
 bool XmlValidator::characters()
 {
     const bool bUtf8 = m_bytes.isValidUtf8();
@@ -131,7 +132,7 @@ bool XmlValidator::declaration()
     if (!attributes() || !skip(s_instructionEnd)) {
         return fail(m_iPos, QStringLiteral("malformed XML declaration"));
     }
-    // A fixed order, each but the first may be absent.
+    // The order is fixed; all except the version are optional.
     auto it = m_names.cbegin();
     for (const QByteArrayView part :
          {QByteArrayView("version"), QByteArrayView("encoding"), QByteArrayView("standalone")}) {
@@ -145,8 +146,8 @@ bool XmlValidator::declaration()
            fail(0, QStringLiteral("malformed XML declaration"));
 }
 
-/// White space, comments and instructions around the root; the document type
-/// before it.
+/// Reads white space, comments and processing instructions before or after the root
+/// element, and the document type before it.
 bool XmlValidator::misc(bool a_bInProlog)
 {
     bool bDoctypeAllowed = a_bInProlog;
@@ -263,7 +264,7 @@ bool XmlValidator::endTag()
     return true;
 }
 
-/// Up to the end of the tag, whatever ends it.
+/// Reads attributes up to '>', '/' or '?', which the caller checks.
 bool XmlValidator::attributes()
 {
     m_names.clear();
@@ -341,7 +342,7 @@ bool XmlValidator::name(QByteArrayView* a_pName)
     return !a_pName->isEmpty() || fail(m_iPos, QStringLiteral("a name is missing or malformed"));
 }
 
-/// Up to the next '<' or the end.
+/// Reads text up to the next '<' or the end.
 bool XmlValidator::text()
 {
     qsizetype iEnd = m_bytes.indexOf('<', m_iPos);
@@ -390,7 +391,7 @@ bool XmlValidator::instruction()
     return skipBehind(s_instructionEnd, "processing instruction");
 }
 
-/// All that stand before `a_iEnd`.
+/// Checks all references before `a_iEnd`.
 bool XmlValidator::references(qsizetype a_iEnd)
 {
     while (m_iPos < a_iEnd) {
@@ -436,7 +437,7 @@ bool XmlValidator::skip(QByteArrayView a_text)
     return bAt;
 }
 
-/// Whether there were any.
+/// Whether there were blanks.
 bool XmlValidator::skipBlanks()
 {
     const qsizetype iStart = m_iPos;
@@ -456,7 +457,7 @@ bool XmlValidator::skipBehind(QByteArrayView a_end, const char* a_szWhat)
     return true;
 }
 
-/// Keeps the first reason. Always false.
+/// Sets the error unless there is one already. Always false.
 bool XmlValidator::fail(qsizetype a_iOffset, const QString& a_sReason)
 {
     if (m_sReason.isEmpty()) {

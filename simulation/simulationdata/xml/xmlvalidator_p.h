@@ -9,27 +9,27 @@
 
 namespace Simulation {
 
-/// Judges whether UTF-8 bytes without a mark are a well-formed XML document,
-/// since the parser behind XmlElement takes much that is not. Linear in the
-/// bytes, never recursive, memory grows with the depth only. More elements than
-/// Limits::RecordElements are a fault, too.
+/// Checks whether UTF-8 bytes without a byte-order mark are a well-formed XML
+/// document, because the parser that XmlElement uses accepts many that are not.
+/// Linear in the bytes, not recursive; memory grows only with the depth. Exceeding
+/// Limits::RecordElements is an error, too. One object checks one document.
 ///
-/// A document type is passed over: entities that it defines stay unknown and
-/// are refused where they are used.
+/// A document type is skipped: entities that it defines are unknown, and a
+/// reference to one is an error.
 class XmlValidator
 {
 public:
     /// The bytes must outlive the object.
     explicit XmlValidator(QByteArrayView a_bytes);
 
-    /// False with a reason and its place at the first fault.
+    /// False at the first error, with reason() and errorOffset().
     [[nodiscard]] bool validate();
 
-    /// Where the fault lies, in bytes.
+    /// The place of the error (bytes from the start).
     [[nodiscard]] qsizetype errorOffset() const { return m_iError; }
     [[nodiscard]] const QString& reason() const { return m_sReason; }
 
-    /// The bytes of the root element of a document found well formed.
+    /// The bytes of the root element of a valid document.
     [[nodiscard]] QByteArrayView root() const { return m_root; }
 
 private:
@@ -64,8 +64,8 @@ private:
     QByteArrayView m_bytes;
     qsizetype m_iPos = 0;
     std::vector<QByteArrayView> m_open;  ///< names of the open elements
-    std::vector<QByteArrayView> m_names; ///< attributes of the tag at hand
-    QByteArrayView m_firstValue;         ///< of its first attribute
+    std::vector<QByteArrayView> m_names; ///< attributes of the current tag
+    QByteArrayView m_firstValue;         ///< of the first attribute
     QByteArrayView m_root;
     std::uint64_t m_uiElements = 0;
     qsizetype m_iError = 0;
