@@ -13,7 +13,7 @@ struct SignalShape
 {
     std::uint32_t bandwidth = 0;        ///< Hz, of the whole spectrum
     float basePower = 0.0F;             ///< power of the value 1 in a spectrum
-    std::uint32_t recordsPerSecond = 0; ///< spectra
+    std::uint32_t recordsPerSecond = 0; ///< spectra per second
     std::uint32_t points = 0;           ///< per spectrum
     std::vector<std::vector<float>> records;
 };

@@ -21,7 +21,7 @@ namespace Simulation {
 class SIMULATIONDATA_EXPORT AudioFile
 {
 public:
-    /// Nothing is read before open().
+    /// Does not open the file.
     explicit AudioFile(const QString& a_sPath);
     AudioFile(const AudioFile&) = delete;
     AudioFile& operator=(const AudioFile&) = delete;

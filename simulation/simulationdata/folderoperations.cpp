@@ -128,7 +128,7 @@ bool removeDir(const QString& a_sFolder)
     const std::filesystem::file_status status = std::filesystem::symlink_status(folder, error);
     const bool bHere = std::filesystem::is_directory(status) || std::filesystem::is_symlink(status);
     if (bHere) {
-        // Links are removed as links, whatever they point to.
+        // Links are removed themselves, whatever they point to.
         std::filesystem::remove_all(folder, error);
     } else if (std::filesystem::exists(status) || status.type() == std::filesystem::file_type::not_found) {
         error.clear();

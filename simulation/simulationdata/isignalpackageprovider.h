@@ -29,8 +29,8 @@ public:
     /// Whether the provider knows the id.
     virtual bool validSignalPackageId(const QString& a_sId) = 0;
 
-    /// The package of that id, or the default package for an unknown id; null only
-    /// when there is no default package either.
+    /// The package of that id, or the default package when the id is unknown. Null
+    /// only when there is no default package either.
     virtual std::shared_ptr<SignalPackage> signalPackage(const QString& a_sId) = 0;
 
     /// The package that is used for unknown ids; null when the provider has none.

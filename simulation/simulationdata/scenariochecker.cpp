@@ -145,9 +145,9 @@ class Run
 public:
     Run(ISignalPackageProvider* a_pProvider, const QSet<QString>& a_knownClasses, IdRule a_ids);
 
-    /// The findings at objects of the same kind, id and name. They are treated as
-    /// one: a finding could not show which of them it concerns, and they come from
-    /// a set, which has no order.
+    /// The findings at objects of the same kind, id and name. These objects are
+    /// treated as one, because a finding could not show which of them it concerns
+    /// and the set that they come from has no order.
     [[nodiscard]] QList<ScenarioFinding> check(std::span<const Subject> a_alike);
 
 private:

@@ -73,9 +73,9 @@ std::vector<Rank> targetsOf(const Emitters& a_emitters)
 
 /// Removes the link of the smallest emitter in every circle. Each emitter has at
 /// most one target, so a walk along the targets ends at an emitter without target,
-/// at one that an earlier walk has visited, or at one of its own: only the last is
-/// on a new circle. O(n), because every emitter is visited by one walk and at most
-/// once more along its circle.
+/// at one that an earlier walk visited, or at one that it visited itself. The last
+/// case is a circle that was not found before. O(n): every emitter is visited by
+/// one walk, and at most once more along its circle.
 void breakCircles(std::vector<Rank>& a_targets)
 {
     std::vector<Rank> walks(a_targets.size(), s_uiNone); ///< start of the walk that visited the emitter

@@ -67,7 +67,7 @@ public:
     void setAllSimulationsLoading();
 
 private:
-    QStringList m_ids; ///< the rows
+    QStringList m_ids; ///< one per row, in order
     QMap<QString, SimulationDeviceConfiguration> m_configurations;
     QMap<QString, ScenarioDataState> m_states; ///< of all rows, and of devices without a row
 };

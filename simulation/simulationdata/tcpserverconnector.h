@@ -82,7 +82,7 @@ private:
     unsigned short m_uiPort = 0;
     QTcpSocket* m_pSocket = nullptr; ///< child
     QTimer m_start;                  ///< pause before the next attempt
-    QElapsedTimer m_connection;      ///< since connectedToServer()
+    QElapsedTimer m_connection;      ///< time since connectedToServer()
     int m_iFailures = 0;             ///< failed attempts of the series
     QString m_sReason;               ///< of the failure traced last; null at the start of a series
     bool m_bAnnounced = false;       ///< connectedToServer() was the last signal

@@ -172,8 +172,8 @@ QByteArray decodedAsDeclared(const QByteArray& a_bytes, QString* a_pError)
         return checkedAscii(a_bytes, a_pError);
     }
     // The declaration was read byte by byte, so a declared encoding with wider
-    // characters must be wrong. The name of the system's locale encoding does not
-    // identify an encoding either.
+    // characters must be wrong. The system's locale encoding is not a fixed
+    // encoding, either.
     if (eEncoding != QStringConverter::Latin1) {
         return cutAt(
             a_bytes, 0,

@@ -32,7 +32,7 @@ private:
     [[nodiscard]] Layout layout() const { return m_layouts.empty() ? Layout::Block : m_layouts.back(); }
 
     QByteArray m_text;
-    std::vector<Layout> m_layouts; ///< of the open elements
+    std::vector<Layout> m_layouts; ///< one per open element
 };
 
 } // namespace Simulation
