@@ -45,7 +45,7 @@ QString SharedIds::text(const char* a_szNoun) const
         parts.append(QStringLiteral("%1 more ids are shared").arg(ids.size() - s_iNamedIds));
     }
     return parts.join(QStringLiteral(", ")) +
-           QStringLiteral(": a reader gets one object for each id; give every object its own id");
+           QStringLiteral(": only one object of each id is read back; give every object its own id");
 }
 
 } // namespace Simulation

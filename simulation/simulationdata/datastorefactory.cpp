@@ -54,7 +54,7 @@ bool makeFolder(const QString& a_sFolder, QString* a_pReason)
         return true;
     }
     // After mkpath() errno holds the reason for the last folder that it tried.
-    *a_pReason = QStringLiteral("folder \"%1\" cannot be made: %2").arg(a_sFolder, qt_error_string());
+    *a_pReason = QStringLiteral("cannot create the folder \"%1\": %2").arg(a_sFolder, qt_error_string());
     return false;
 }
 

@@ -80,7 +80,7 @@ bool copyLink(const QFileInfo& a_link, const QString& a_sTo)
 bool copyFile(const QFileInfo& a_file, const QString& a_sTo)
 {
     if (const QFileInfo target(a_sTo); target.exists() || isLink(target)) {
-        return fail("copy to", a_sTo, QStringLiteral("is there already"));
+        return fail("copy to", a_sTo, QStringLiteral("already exists"));
     }
     return copyFileWhole(a_file.filePath(), a_sTo);
 }
@@ -98,7 +98,8 @@ bool copyEntries(const QString& a_sFrom, const QString& a_sTo)
         return fail("read folder", a_sFrom, QStringLiteral("not permitted"));
     }
     if (hasForeignNames(a_sFrom)) {
-        return fail("copy", a_sFrom, QStringLiteral("a name in it is not of the system's encoding"));
+        return fail("copy", a_sFrom,
+                    QStringLiteral("it contains a name that is not valid in the system's encoding"));
     }
     const QFileInfoList entries = entriesOf(a_sFrom);
     return std::all_of(entries.begin(), entries.end(), [&a_sTo](const QFileInfo& a_entry) {

@@ -95,7 +95,7 @@ ScenarioFinding SettingsRule::finding(const char* a_szKind)
     return {{},
             {},
             ScenarioChecker::s_sMissingSettings,
-            QStringLiteral("The %1 settings are missing: those of a new object take their place.")
+            QStringLiteral("The %1 settings were missing: those of a new object were set.")
                 .arg(QLatin1String(a_szKind)),
             true};
 }

@@ -140,7 +140,7 @@ QByteArray ScenarioDataBinary::toBinary() const
 bool ScenarioDataBinary::toBinary(QIODevice* a_pDevice) const
 {
     if (a_pDevice == nullptr || !a_pDevice->isWritable()) {
-        return failToWrite(QStringLiteral("there is no device open for writing"));
+        return failToWrite(QStringLiteral("no device is open for writing"));
     }
     const QByteArray data = toBinary();
     if (data.isEmpty()) {
@@ -208,7 +208,7 @@ bool ScenarioDataBinary::fromBinary(QIODevice* a_pDevice)
     m_bDefaultRead = false;
     bool bRead = false;
     if (a_pDevice == nullptr || !a_pDevice->isReadable()) {
-        m_sErrorString = QStringLiteral("there is no device open for reading");
+        m_sErrorString = QStringLiteral("no device is open for reading");
     } else {
         for (const std::shared_ptr<SzenarioEmitter>& emitter : std::as_const(m_emitters)) {
             m_emittersById.insert(emitter->id(), emitter);

@@ -78,7 +78,7 @@ public:
     /// In a circle of links the emitter with the smallest id comes first; its own
     /// link is written, but a reader cannot resolve it.
     ///
-    /// False, after one trace, when there is no device open for writing or it does
+    /// False, after one trace, when no device is open for writing or it does
     /// not accept all bytes. Also false when a reader would refuse the scenario
     /// (Limits::DocumentBytes, Limits::ScenarioObjects); nothing is written then.
     bool toBinary(QIODevice* a_pDevice) const;

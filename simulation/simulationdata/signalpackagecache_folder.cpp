@@ -246,7 +246,7 @@ PackageCacheFolder::Update PackageCacheFolder::update(const QString& a_sReposito
     trace(ErrorHandler::TraceProgress, s_szSource, [&] {
         const auto isCached = [](const PackageSource& a_source) { return a_source.cached; };
         const qsizetype iCached = std::count_if(sources.cbegin(), sources.cend(), isCached);
-        return QStringLiteral("The cache was updated by %1 of the %2 packages below \"%3\"")
+        return QStringLiteral("%1 of the %2 packages below \"%3\" were copied into the cache")
             .arg(QString::number(sources.size() - iCached), QString::number(sources.size()), a_sRepository);
     });
     return result;

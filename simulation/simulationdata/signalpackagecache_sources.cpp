@@ -37,8 +37,7 @@ SignalPackage readPackage(const QString& a_sFolder)
 void passOver(const SignalPackage& a_package, const QString& a_sOwner)
 {
     traceError(s_szSource, [&] {
-        return QStringLiteral(
-                   "\"%1\" is passed over: with the id \"%2\" its files would be named as those of %3")
+        return QStringLiteral("\"%1\" is skipped: its id \"%2\" gives the file names of %3")
             .arg(a_package.path(), a_package.id(), a_sOwner);
     });
 }

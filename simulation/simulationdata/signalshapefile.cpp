@@ -74,7 +74,7 @@ bool SignalShapeFile::open()
     m_sError.clear();
     if (!hasRecords()) {
         traceError(s_szSource, [&] {
-            return QStringLiteral("\"%1\" has no record for any time: %2 of %3 points, %4 a second")
+            return QStringLiteral("\"%1\" has no usable record: %2 records of %3 points, %4 per second")
                 .arg(m_pFile->fileName(), QString::number(m_uiRecordCount),
                      QString::number(m_uiPointsPerSpectrum), QString::number(m_uiRecordsPerSecond));
         });

@@ -147,7 +147,7 @@ void SimulationsTableModel::updateSimulationState(const QString& a_sId, const Si
     // Every row has a state, so the other states belong to devices without a row.
     if (!m_states.contains(a_sId) && isFull(m_states.size() - m_ids.size())) {
         traceError(s_szSource, [] {
-            return QStringLiteral("state of an unknown device not kept: ") +
+            return QStringLiteral("state of an unregistered device not stored: ") +
                    Limits::exceeded(Limits::ListedDevices);
         });
         return;

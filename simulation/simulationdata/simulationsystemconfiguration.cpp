@@ -53,7 +53,7 @@ std::uint16_t readPort(const ICfg* a_pPorts, QLatin1String a_sName, std::uint16_
         return static_cast<std::uint16_t>(uiPort);
     }
     traceError(s_szSource, [&] {
-        return QStringLiteral("Port \"%1\" is %2 and not from 1 to 65535; %3 is taken")
+        return QStringLiteral("Port \"%1\" is %2, outside 1 to 65535; %3 is used")
             .arg(a_sName, QString::number(uiPort), QString::number(a_uiDefault));
     });
     return a_uiDefault;

@@ -116,7 +116,7 @@ void TcpServerConnector::disconnectFromServer()
 void TcpServerConnector::slotConnected()
 {
     if (isOwnPeer(*m_pSocket)) {
-        traceFailure(QStringLiteral("the socket met itself"));
+        traceFailure(QStringLiteral("the socket connected to itself"));
         abortAtOnce(*m_pSocket);
         return;
     }

@@ -180,7 +180,7 @@ bool WaveFileReader::readRange(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
         if (iRead == range.bytes) {
             return true;
         }
-        sReason = QStringLiteral("%1 of %2 bytes are there").arg(iRead).arg(range.bytes);
+        sReason = QStringLiteral("the file has only %1 of %2 bytes").arg(iRead).arg(range.bytes);
     }
     a_samples.clear();
     traceError(s_szSource, [&] {

@@ -282,7 +282,7 @@ bool XmlSeparator::sendXml(const QByteArray& Xml) // NOLINT(readability-identifi
         return false;
     };
     if (m_eMode == AutoDetect) {
-        return refused(QStringLiteral("the peer has not shown its framing yet"));
+        return refused(QStringLiteral("the peer's framing is not known yet"));
     }
     if (m_pDevice == nullptr || !m_pDevice->isWritable()) {
         return refused(QStringLiteral("the device is closed"));
@@ -293,7 +293,7 @@ bool XmlSeparator::sendXml(const QByteArray& Xml) // NOLINT(readability-identifi
     }
     const qint64 iPending = m_pDevice->bytesToWrite();
     if (iPending + bytes.size() > limit(Limits::PendingBytes)) {
-        return refused(QStringLiteral("%1, %2 bytes wait already")
+        return refused(QStringLiteral("%1; %2 bytes are already waiting")
                            .arg(Limits::exceeded(Limits::PendingBytes), QString::number(iPending)));
     }
     const qint64 iWritten = m_pDevice->write(bytes);

@@ -44,7 +44,7 @@ const QMap<QString, Expectation> s_expectations{
     {QStringLiteral("build/author"), {Way::Foreground, 0, "^harbour.sce.exp: saved$"}},
     {QStringLiteral("build/play"),
      {Way::Foreground, 0,
-      "boat-7: 1 emission, at 2000 ms, names no signal package: (.|\n)*"
+      "boat-7: 1 emission, at 2000 ms, has no signal package: (.|\n)*"
       "Pilot boat sends on 156.8 MHz, level [1-9]"}},
     {QStringLiteral("simulationtool service"), {Way::Background, 0, "Listening on port"}},
     {QStringLiteral("build/receiver"), {Way::Background, 0, "registered rx-7(.|\n)*received Harbour"}},

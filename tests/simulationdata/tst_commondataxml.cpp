@@ -96,7 +96,7 @@ void TestCommonDataXml::coordinates_data()
     row("empty", "<a/>", 0.0, 0.0);
     row("decimal comma is no number", "<a><Lon>8,5</Lon><Lat>1.000,5</Lat></a>", 0.0, 0.0);
     row("not finite", "<a><Lon>nan</Lon><Lat>inf</Lat></a>", 0.0, 0.0);
-    row("beyond all range", "<a><Lon>1e999</Lon><Lat>-1e999</Lat></a>", 0.0, 0.0);
+    row("out of range", "<a><Lon>1e999</Lon><Lat>-1e999</Lat></a>", 0.0, 0.0);
     row("unknown children", "<a><X><Lon>1</Lon></X><Lon>2<Y>3</Y></Lon><Z/><Lat>4</Lat></a>", 2.0, 4.0);
     row("broken off", "<a><Lon>8.5</Lon>", 8.5, 0.0);
 }

@@ -213,7 +213,7 @@ void TestDataStore::packageFolder_data()
 
     QTest::newRow("blank") << u8("Gauss 10kHz") << u8("Gauss 10kHz");
     QTest::newRow("full stop") << u8("a.b.c") << u8("a");
-    QTest::newRow("slashes behind") << u8("a.b//") << u8("a");
+    QTest::newRow("slashes at the end") << u8("a.b//") << u8("a");
     QTest::newRow("backslash") << u8("store\\a.b") << u8("a");
 }
 

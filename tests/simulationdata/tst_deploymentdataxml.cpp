@@ -458,7 +458,7 @@ void TestDeploymentDataXml::sharedIds()
         return std::make_shared<DeploymentDevice>(QString::fromLatin1(a_szId));
     };
     const QString sEnd =
-        QStringLiteral(": a reader gets one object for each id; give every object its own id");
+        QStringLiteral(": only one object of each id is read back; give every object its own id");
     const auto a = std::make_shared<DeploymentStation>(QStringLiteral("a"));
     const auto b = std::make_shared<DeploymentStation>(QStringLiteral("b"));
     const DevicePtr twin = device("a");

@@ -104,14 +104,14 @@ void TestScenarioChecker::packages_data()
 
     QTest::newRow("repaired")
         << QStringList{u"y"_s, u"b"_s, u"x%1"_s, u"y"_s, u"-"_s} << u"a"_s
-        << QStringList{u"1 emission, at 5000 ms, names no signal package: it gets the default package \"a\"."_s,
+        << QStringList{u"1 emission, at 5000 ms, has no signal package: it gets the default package \"a\"."_s,
                        u"1 emission, at 3000 ms, uses the signal package \"x%1\", which the provider does "
                        "not know: it gets the default package \"a\"."_s,
                        u"2 emissions, the first at 1000 ms, use the signal package \"y\", which the provider "
                        "does not know: they get the default package \"a\"."_s}
         << QStringList{u"a"_s, u"b"_s, u"a"_s, u"a"_s, u"a"_s};
     QTest::newRow("no default package") << QStringList{u"-"_s, u"b"_s} << QString()
-                                        << QStringList{u"1 emission, at 1000 ms, names no signal package: it "
+                                        << QStringList{u"1 emission, at 1000 ms, has no signal package: it "
                                                        u"stays as it is, for the provider "
                                                        "has no default package."_s}
                                         << QStringList{u"-"_s, u"b"_s};

@@ -220,9 +220,9 @@ void TestScenarioDataBinary::writesInLinkOrder_data()
     add("by id", "a b c");
     add("target first", "b c a>c d");
     add("chain", "d c>d b>c a>b");
-    add("who waits comes as soon as it may", "c a>c b>c z");
+    add("written directly after its target", "c a>c b>c z");
     add("circle", "a>c b>a c>b d", "a>c");
-    add("smaller ones wait for a circle", "c>d a>c d>c b>d e", "c>d");
+    add("smaller ids after a circle", "c>d a>c d>c b>d e", "c>d");
     add("two circles", "a>d b>c c>b d>a", "a>d b>c");
     add("itself", "b>b a>b", "b>b");
     add("target elsewhere", "a>x b", "a>x");
@@ -267,8 +267,8 @@ void TestScenarioDataBinary::resolvesLinks_data()
     QTest::newRow("one after") << record("a", "b") + record("b", s_noLink) << "a:n b:n held:h";
     QTest::newRow("itself") << record("a", "a") << "a:n held:h";
     QTest::newRow("held before") << record("a", "held") << "a:n>held:h held:h";
-    QTest::newRow("read hides held") << record("held", s_noLink) + record("a", "held")
-                                     << "a:n>held:n held:h held:n";
+    QTest::newRow("read emitter before held one")
+        << record("held", s_noLink) + record("a", "held") << "a:n>held:n held:h held:n";
     QTest::newRow("its own id, held by another") << record("held", "held") << "held:h held:n";
     QTest::newRow("the newest of an id")
         << record("a", s_noLink, "1") + record("a", s_noLink, "2") + record("b", "a") + record("a", "", "3")
@@ -322,7 +322,7 @@ void TestScenarioDataBinary::breaksOff_data()
         "record 2 of 2, name: document bytes limit of 4096 exceeded");
     add("text that ends", number(2) + first + text("b") + text("n").chopped(1),
         "record 2 of 2, name: the stream ends");
-    add("flag that is none", number(2) + first + text("b") + text("n") + text("d") + '\2',
+    add("invalid flag", number(2) + first + text("b") + text("n") + text("d") + '\2',
         "record 2 of 2, active flag: 2 is neither 0 nor 1");
     add("too many", number(5) + first + first + first + first + first,
         "record 4 of 5: objects of one scenario limit of 4 exceeded");

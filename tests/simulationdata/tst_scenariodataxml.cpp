@@ -356,14 +356,14 @@ void TestScenarioDataXml::references_data()
         QTest::newRow(a_szName) << QByteArray(a_szChildren) << QString::fromLatin1(a_szObjects);
     };
     row("link forward", "<Emitter ID='a' LinkTarget='b'/><Emitter ID='b' Name='B'/>", "1a>b, 1bB");
-    row("link to nobody", "<Emitter ID='a' LinkTarget='b'/>", "1a>b, 1b");
+    row("link to an unknown id", "<Emitter ID='a' LinkTarget='b'/>", "1a>b, 1b");
     row("link to an ELINT emitter that comes later",
         "<Emitter ID='a' LinkTarget='b'/><ElintEmitter ID='b' Name='B'/>", "1a>b, 2bB");
     row("ELINT emitter in a network first",
         "<Network ID='n'><Emitter>b</Emitter></Network><ElintEmitter "
         "ID='b'><EDWFile>f</EDWFile></ElintEmitter>",
         "0n[b], 2b");
-    row("emission names nobody",
+    row("emission with an unknown emitter",
         "<Emitter ID='a'><EmissionSettings><Emission Emitter='z'/><Emission "
         "Emitter=''/><Emission/></EmissionSettings>"
         "</Emitter>",

@@ -144,7 +144,7 @@ void TestScenarioDataXmlRobustness::refused_data()
     QTest::newRow("other root")
         << QByteArray("<?xml version='1.0'?>\n  <Deployment/>")
         << QStringLiteral("line 2, column 15: the root element is \"Deployment\", not \"Scenario\"");
-    QTest::newRow("root in other letters") << QByteArray("<scenario/>") << QStringLiteral("line 1,");
+    QTest::newRow("root in lower case") << QByteArray("<scenario/>") << QStringLiteral("line 1,");
     QTest::newRow("root with a prefix")
         << QByteArray("<s:Scenario xmlns:s='s'/>") << QStringLiteral("line 1,");
     QTest::newRow("empty") << QByteArray() << QStringLiteral("line 1,");
@@ -217,12 +217,12 @@ void TestScenarioDataXmlRobustness::brokenOff_data()
     row("cut", "\n<Emitter ID='late", "line 2,");
     row("wrong end", "\n</Emitter></Scenario>", "line 2,");
     row("second root", "</Scenario>\n<Scenario/>", "line 2,");
-    row("text behind the root", "</Scenario>\nx", "line 2,");
+    row("text after the root", "</Scenario>\nx", "line 2,");
     row("unknown entity", "\n&nothing;</Scenario>", "line 2,");
     row("character that XML forbids", "\n\x01</Scenario>", "line 2,");
     row("attribute twice", "\n<Emitter ID='x' ID='y'/></Scenario>", "line 2,");
     row("bytes that are not UTF-8", "\n<x>\xFF</x></Scenario>", "line 2, column 4: the bytes");
-    row("such bytes behind the root", "</Scenario>\n\xFF", "line 2, column 1: the bytes");
+    row("such bytes after the root", "</Scenario>\n\xFF", "line 2, column 1: the bytes");
     // A value that is cut off is not used.
     row("cut class", "\n<Emitter ID='e'><Class>D", "line 2,");
     row("cut frequency", "\n<Emitter ID='e'><Frequency><Fixed>1", "line 2,");
@@ -305,9 +305,9 @@ void TestScenarioDataXmlRobustness::encodings_data()
     QTest::newRow("UTF-8") << text("").toUtf8();
     QTest::newRow("UTF-8 with a mark")
         << "\xEF\xBB\xBF" + text("<?xml version='1.0' encoding='utf-8'?>").toUtf8();
-    QTest::newRow("UTF-16, little end first")
+    QTest::newRow("UTF-16, little-endian")
         << QByteArray(utf16le.encode(text("<?xml version='1.0' encoding='UTF-16'?>")));
-    QTest::newRow("UTF-16, big end first") << QByteArray(utf16be.encode(text("")));
+    QTest::newRow("UTF-16, big-endian") << QByteArray(utf16be.encode(text("")));
     QTest::newRow("Latin-1") << text("<?xml version='1.0' encoding='ISO-8859-1'?>").toLatin1();
 }
 
@@ -711,7 +711,7 @@ void TestScenarioDataXmlRobustness::tooLargeToSave()
     QVERIFY(!document.toXmlFile(folder.path()));
     QCOMPARE(document.errorString(), QStringLiteral("is a folder"));
     document.toXml(nullptr);
-    QCOMPARE(document.errorString(), QStringLiteral("there is no device"));
+    QCOMPARE(document.errorString(), QStringLiteral("no device was given"));
 }
 
 void TestScenarioDataXmlRobustness::sharedIds_data()
@@ -721,7 +721,7 @@ void TestScenarioDataXmlRobustness::sharedIds_data()
     QTest::addColumn<int>("readBack"); // number of objects
 
     const QString sEnd =
-        QStringLiteral(": a reader gets one object for each id; give every object its own id");
+        QStringLiteral(": only one object of each id is read back; give every object its own id");
     QTest::newRow("none") << "ea eb" << QString() << 2;
     QTest::newRow("two emitters") << "ea ea" << QStringLiteral("2 emitters have the id \"a\"") + sEnd << 1;
     QTest::newRow("emitters of both kinds")

@@ -584,7 +584,7 @@ void TestSignalPackageCache::healsAfterKill_data()
     QTest::newRow("lock file made") << QStringList{u8("+simulationdata.lock")};
     QTest::newRow("archive copied") << QStringList{
         sLock, u8("+simulationdata.MACHINE.999999999.0123456789abcdef.0.tmp")};
-    QTest::newRow("archive copied, under the id that this process has got")
+    QTest::newRow("archive copied, by the process id of this process")
         << QStringList{sLock, u8("+simulationdata.MACHINE.OWN.0123456789abcdef.0.tmp")};
     QTest::newRow("one file unpacked") << QStringList{sLock, u8("Signal.wav")};
     QTest::newRow("descriptor unpacked") << QStringList{sLock, u8("Signal.xml")};
@@ -830,7 +830,7 @@ void TestSignalPackageCache::copyReasons_data()
     QTest::addColumn<QString>("reason");
 
     QTest::newRow("name taken") << "taken"
-                                << "a file of that name is there already";
+                                << "a file of this name already exists";
     QTest::newRow("no such folder") << "none/new"
                                     << "No such file or directory";
 }

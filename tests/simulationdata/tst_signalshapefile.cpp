@@ -101,7 +101,7 @@ void TestSignalShapeFile::recordDurations()
     for (const quint32 uiRate : rates) {
         writeFile(m_sPath, Header{.uiRecords = 1, .uiRecordsPerSecond = uiRate, .uiPoints = 0}.bytes());
         SignalShapeFile file(m_sPath);
-        expectTrace(QStringLiteral("no record for any time: 1 of 0 points, %1 a second").arg(uiRate));
+        expectTrace(QStringLiteral("no usable record: 1 records of 0 points, %1 per second").arg(uiRate));
         QVERIFY(file.open());
         durations.push_back(file.duration());
     }
@@ -158,7 +158,7 @@ void TestSignalShapeFile::nothingToRead()
     writeFile(m_sPath, fields.bytes() + record(1, 2));
     SignalShapeFile file(m_sPath);
     if (packageDuration != 0) {
-        expectTrace(QStringLiteral("has no record for any time"));
+        expectTrace(QStringLiteral("has no usable record"));
     }
     QVERIFY(file.open());
     file.setPackageDuration(packageDuration);
@@ -182,7 +182,7 @@ void TestSignalShapeFile::refused_data()
     }
     for (int i = 0; i < 35; ++i) {
         QTest::addRow("%d bytes", i) << Header().bytes().first(i)
-                                     << QStringLiteral("only %1 of the header's 35 bytes").arg(i);
+                                     << QStringLiteral("the header has only %1 of 35 bytes").arg(i);
     }
 }
 

@@ -148,7 +148,7 @@ void TestStreamDataFiles::lengths()
     writeFile(m_sPath, symbolFile(rate, 10));
     SymbolDataFile file(m_sPath);
     if (length == 0) {
-        expectTrace(QStringLiteral("holds 10 of 10 items, .* a second"));
+        expectTrace(QStringLiteral("holds 10 of 10 items, at .* items per second"));
     }
     QVERIFY(file.open());
     file.setSymbolRate(7);
@@ -251,14 +251,14 @@ void TestStreamDataFiles::shrinks()
     SymbolDataFile symbols(m_sPath);
     QVERIFY(symbols.open());
     QVERIFY(QFile::resize(m_sPath, 41 + 41'001));
-    expectTrace(QStringLiteral("has shrunk: 1001 instead of 60000 bytes read from item 40000 on"));
+    expectTrace(QStringLiteral("has shrunk: only 1001 of 60000 bytes could be read from item 40000 on"));
     QCOMPARE(symbols.readSymbols(40'000, 70'000), symbolsFrom(40'000, 1001, uiCount));
 
     writeFile(m_sPath, resultFile(1000.0F, uiCount));
     ResultDataFile results(m_sPath);
     QVERIFY(results.open());
     QVERIFY(QFile::resize(m_sPath, 28 + 41'001));
-    expectTrace(QStringLiteral("has shrunk: 1001 instead of 120000 bytes read from item 20000 on"));
+    expectTrace(QStringLiteral("has shrunk: only 1001 of 120000 bytes could be read from item 20000 on"));
     QCOMPARE(results.readResultData(20'000, 70'000), resultsFrom(20'000, 500, uiCount));
 }
 

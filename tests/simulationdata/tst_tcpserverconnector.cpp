@@ -176,7 +176,7 @@ void TestTcpServerConnector::failedAttempts()
                            traced("Try to connect to", uiPort)};
     };
     const QStringList refused = failed("; Connection refused");
-    QCOMPARE(TraceCollector::lines(), failed("; the socket met itself") + refused);
+    QCOMPARE(TraceCollector::lines(), failed("; the socket connected to itself") + refused);
     connector.connectToServer(); // a new request traces the failure again
     QTRY_COMPARE(TraceCollector::lines().mid(2), refused + refused);
 
@@ -206,7 +206,7 @@ void TestTcpServerConnector::hangingUp_data()
 {
     QTest::addColumn<bool>("asks");
     QTest::newRow("the application waits") << false;
-    QTest::newRow("the application asks in every slot") << true;
+    QTest::newRow("the application connects in every slot") << true;
 }
 
 /// The pauses also grow while the server disconnects at once. A connection that lasted

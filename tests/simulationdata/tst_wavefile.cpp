@@ -213,10 +213,10 @@ void TestWaveFile::ranges_data()
     QTest::newRow("all") << quint64{0} << quint64{10} << 0;
     QTest::newRow("start folded") << quint64{25} << quint64{5} << 5;
     QTest::newRow("start at the end") << quint64{10} << quint64{10} << 0;
-    QTest::newRow("start far behind") << uiHuge << quint64{1} << 5;
+    QTest::newRow("start far after the end") << uiHuge << quint64{1} << 5;
     QTest::newRow("none") << quint64{0} << quint64{0} << -1;
-    QTest::newRow("into the chunk behind") << quint64{8} << quint64{3} << -1;
-    QTest::newRow("folded, into the chunk behind") << quint64{25} << quint64{6} << -1;
+    QTest::newRow("into the next chunk") << quint64{8} << quint64{3} << -1;
+    QTest::newRow("folded, into the next chunk") << quint64{25} << quint64{6} << -1;
     QTest::newRow("sum beyond 64 bits") << quint64{9} << uiHuge << -1;
 }
 
@@ -260,7 +260,7 @@ void TestWaveFile::refused_data()
     formatRow("half floats", extensible(format(1, 8000, 2, 16, 65534), 3), "16 bits floating point");
     row("more cues than bytes", wave(s_mono16 + data + chunk("cue ", little({0xFFFFFFFFU}) + cue(1, 1))),
         "4294967295 cue points do not fit a cue chunk of 28 bytes");
-    row("label behind its list",
+    row("label beyond its list",
         wave(s_mono16 + data + chunk("LIST", "adtllabl" + little({9U}) + "12345678")),
         "label of 9 bytes with 8 left");
     row("cut in labels", wave(s_mono16 + data + chunk("LIST", "adtl" + label(1, "1234"))).chopped(1),

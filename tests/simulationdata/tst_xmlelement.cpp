@@ -100,7 +100,7 @@ void TestXmlElement::refused_data()
     row("only a comment", "<!-- -->\n", "line 2, column 1: no root element");
     row("second root", "<A/>\n<B/>", "line 2, column 1: a second root element");
     row("text before the root", "x<A/>", "line 1, column 1: text or markup outside the root element");
-    row("text behind the root", "<A/>x", "line 1, column 5: text or markup outside the root element");
+    row("text after the root", "<A/>x", "line 1, column 5: text or markup outside the root element");
     row("section behind the root", "<A/><![CDATA[]]>",
         "line 1, column 5: text or markup outside the root element");
     row("reference behind the root", "<A/>&#32;",
@@ -109,8 +109,8 @@ void TestXmlElement::refused_data()
         "line 1, column 5: text or markup outside the root element");
     row("two document types", "<!DOCTYPE A><!DOCTYPE A><A/>",
         "line 1, column 13: text or markup outside the root element");
-    row("attribute twice", "<A b='' c='' b=''/>", "line 1, column 14: attribute \"b\" twice");
-    row("attribute twice among many", nine + "\n a3=''/>", "line 2, column 2: attribute \"a3\" twice");
+    row("attribute twice", "<A b='' c='' b=''/>", "line 1, column 14: attribute \"b\" occurs twice");
+    row("attribute twice among many", nine + "\n a3=''/>", "line 2, column 2: attribute \"a3\" occurs twice");
     row("mismatched tags", "<A><B></A></B>", "line 1, column 7: end tag \"A\" where \"B\" is open");
     row("open at the end", "<A><B/>", "line 1, column 8: element \"A\" does not end");
     row("end tag with attributes", "<A></A b=''>", "line 1, column 8: malformed end tag \"A\"");
@@ -123,13 +123,13 @@ void TestXmlElement::refused_data()
     row("reference without end", "<A>&amp</A>", "line 1, column 4: malformed reference");
     row("empty reference", "<A>&#;</A>", "line 1, column 4: malformed reference");
     row("forbidden reference", "<A>&#0;</A>",
-        "line 1, column 4: reference to no or a forbidden character \"#0\"");
+        "line 1, column 4: reference to an invalid or forbidden character \"#0\"");
     row("surrogate reference", "<A>&#xD800;</A>",
-        "line 1, column 4: reference to no or a forbidden character \"#xD800\"");
+        "line 1, column 4: reference to an invalid or forbidden character \"#xD800\"");
     row("reference that wraps round", "<A>&#4294967361;</A>",
-        "line 1, column 4: reference to no or a forbidden character \"#4294967361\"");
+        "line 1, column 4: reference to an invalid or forbidden character \"#4294967361\"");
     row("digits of another base", "<A>&#1F;</A>",
-        "line 1, column 4: reference to no or a forbidden character \"#1F\"");
+        "line 1, column 4: reference to an invalid or forbidden character \"#1F\"");
     row("control", "<A>\n\x01</A>", "line 2, column 1: forbidden character, code 1");
     row("zero", QByteArray("<A>\0</A>", 8), "line 1, column 4: forbidden character, code 0");
     row("non-character", "<A>\xC3\xA4\xEF\xBF\xBF</A>", "line 1, column 5: forbidden character, code 65535");

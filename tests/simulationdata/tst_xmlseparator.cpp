@@ -226,9 +226,9 @@ void TestXmlSeparator::cuts_data()
     const auto row = [](const char* a_szRow, const QByteArray& a_stream, int a_iResults) {
         QTest::newRow(a_szRow) << a_stream << a_iResults;
     };
-    row("zero in a text behind brackets", "<l>]]]]m]]]<l>]]]" + zero + "0]]]</l></l><b/><c/>", 1);
-    row("zero behind a document", "<b/><l>x]]" + zero + "</l><c/>", 2);
-    row("zeros behind brackets", "<l>mm]]]" + zero + zero + "m]]]" + zero + "</l>", 1);
+    row("zero in a text after brackets", "<l>]]]]m]]]<l>]]]" + zero + "0]]]</l></l><b/><c/>", 1);
+    row("zero after a document", "<b/><l>x]]" + zero + "</l><c/>", 2);
+    row("zeros after brackets", "<l>mm]]]" + zero + zero + "m]]]" + zero + "</l>", 1);
     row("zero instead of a document", "<b/>" + zero + "<c/>", 2);
     row("zero in a tag", "<b/><l a='" + zero + "'/>", 2);
     row("end of a section in a text", "<b/><l>x]]]></l>", 2);
@@ -344,10 +344,10 @@ void TestXmlSeparator::errors_data()
     row("unknown encoding", "<?xml version='1.0' encoding='none'?><a/>");
     row("fault before the limits", "<a b='1'c='2'>" + QByteArray("<b>").repeated(8));
 
-    const QString sWide = QStringLiteral("The document is neither UTF-8 nor any other text of single bytes.");
+    const QString sWide = QStringLiteral("The document is not in UTF-8 or a single-byte encoding.");
     const QString sUndecoded = QStringLiteral("Encountered incorrectly encoded content.");
     row("UTF-16 with a mark", QByteArray("\xFF\xFE<\0a\0", 6), sWide);
-    row("UTF-16 the other way round", QByteArray("\0<\0a", 4), sWide);
+    row("UTF-16, big-endian", QByteArray("\0<\0a", 4), sWide);
     row("UTF-16 without a mark", QByteArray("<\0a\0", 4), sWide);
     row("tags in another encoding", "<?xml version='1.0' encoding='UTF-7'?><a>+ADw-/a+AD4-</a>",
         QStringLiteral("Encoding UTF-7 is unsupported in a stream of documents."));
@@ -584,7 +584,7 @@ void TestXmlSeparator::inflating()
         {claiming(0, content) + "more", content},
         {claiming(0, QByteArray(64 * s_iMebi, 0)), beyond},
         {claiming(0xFFFFFFFF, content), content},
-        {{}, "0 bytes are too few for a compressed content"},
+        {{}, "0 bytes are too short for compressed content"},
         {"<?xml version=\"1.0\"?><a/>", "the content is not a zlib stream"},
         {qCompress(content).chopped(4), "the zlib stream ends early, after 220000 bytes of content"},
         {qCompress(content).chopped(1) + '!', "the zlib stream is damaged, after 220000 bytes of content"}};

@@ -100,13 +100,13 @@ void TestCheck::file_data()
     const QStringList clean{u"1 file checked: 0 findings"_s};
     const QStringList repository{u"--repository"_s, u"r"_s};
     const QString sUnnamed =
-        u"a.sce: c (Net): 1 emission, at -9223372036854775808 ms, names no signal package: "
+        u"a.sce: c (Net): 1 emission, at -9223372036854775808 ms, has no signal package: "
         "it gets the default package \""_s +
         QString::fromLatin1(s_default) + u"\". [invalid-signal-package]"_s;
     const QByteArray bare = "<Scenario Uid='u'><Emitter ID='e\x7f' Name='x&#10;y'><Class>Boat</Class>"
                             "<Frequency/></Emitter>";
-    const QString sSettings = u"a.sce: e\\u{7f} (x\\ny): The frequency settings are missing: those of a new "
-                              "object take their place. [missing-settings]"_s;
+    const QString sSettings = u"a.sce: e\\u{7f} (x\\ny): The frequency settings were missing: those of a new "
+                              "object were set. [missing-settings]"_s;
 
     QTest::newRow("clean") << repaired(document()) << repository << 0 << clean << QString();
     QTest::newRow("packages without a repository") << document() << QStringList() << 0 << clean << QString();

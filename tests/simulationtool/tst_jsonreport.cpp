@@ -106,7 +106,7 @@ void TestJsonReport::value_data()
     add(sPackage, u"problems/#"_s, 0);
     add(sPackage + u"/Signal.ssf"_s, u"bandwidth_hz"_s, 10000);
     add(sPackage + u"/Signal.wav"_s, u"usable_in_packages"_s, true);
-    add(u"inspect @b"_s, u"problems/0"_s, u"Signal.ssf refused: only 3 of the header's 35 bytes"_s);
+    add(u"inspect @b"_s, u"problems/0"_s, u"Signal.ssf refused: the header has only 3 of 35 bytes"_s);
     add(u"repository list @r"_s, u"packages/0/duration"_s, 3000);
     add(u"repository list @b/.."_s, u"faulty_count"_s, 1);
     add(u"repository init @new"_s, u"package_count"_s, 3);

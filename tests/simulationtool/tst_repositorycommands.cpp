@@ -236,7 +236,8 @@ void TestRepositoryCommands::listProblems_data()
                                              "<DigitalModulation>PSK8</DigitalModulation>")
                              << "Rect 10kHz PSK8 10000 3000 ssf wav -";
     QTest::newRow("shape without a header")
-        << "Signal.ssf" << m_shape.left(34) << "ssf wav Signal.ssf refused: only 34 of the header's 35 bytes";
+        << "Signal.ssf" << m_shape.left(34)
+        << "ssf wav Signal.ssf refused: the header has only 34 of 35 bytes";
     QTest::newRow("audio cut short") << "Signal.wav" << m_audio.chopped(12)
                                      << "ssf wav Signal.wav truncated by 12 bytes";
     QTest::newRow("symbols, too many")
@@ -284,7 +285,7 @@ void TestRepositoryCommands::inspectFile_data()
         "whole, but by its rate and count nothing can be read");
     add("x.ssf", patched(m_shape, 31, maximum.left(4)), 2, "Signal shape file",
         "refused: spectra of 4294967295 points in a file of 104035 bytes");
-    add("x.ssf", "", 2, "Size 0 bytes", "refused: only 0 of the header's 35 bytes");
+    add("x.ssf", "", 2, "Size 0 bytes", "refused: the header has only 0 of 35 bytes");
     add("symbols", symbolFile(), 0, "Valency 4", "whole");
     add("x.SDF", symbolFile().left(30), 2, "Symbol data file",
         "refused: only 30 of the 41 bytes before the first item");
@@ -429,7 +430,7 @@ void TestRepositoryCommands::playTellsWhatIsMissing_data()
     QTest::newRow("half a shape") << "Signal.ssf" << m_shape.left(50'000)
                                   << "its signal shape file is truncated by 54035 bytes";
     QTest::newRow("no shape") << "Signal.ssf" << QByteArray("T&K")
-                              << "its signal shape file is refused: only 3 of the header's 35 bytes";
+                              << "its signal shape file is refused: the header has only 3 of 35 bytes";
 }
 
 void TestRepositoryCommands::playTellsWhatIsMissing()

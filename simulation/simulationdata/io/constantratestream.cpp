@@ -69,7 +69,7 @@ void ConstantRateStream::takeClaims(float a_fRate, std::uint64_t a_uiCount)
     m_iMissingBytes = Simulation::missingBytes(m_iFirstByte, a_uiCount, m_uiItemBytes, iFileSize);
     if (m_uiCount < a_uiCount || length() == 0) {
         traceError(s_szSource, [&] {
-            return QStringLiteral("\"%1\" holds %2 of %3 items, %4 a second")
+            return QStringLiteral("\"%1\" holds %2 of %3 items, at %4 items per second")
                 .arg(m_file.fileName(), QString::number(m_uiCount), QString::number(a_uiCount),
                      QString::number(static_cast<double>(a_fRate)));
         });
@@ -125,7 +125,7 @@ qint64 ConstantRateStream::read(const Span& a_span, char* a_pTarget)
     }
     if (iRead != iPeriod) {
         traceError(s_szSource, [&] {
-            return QStringLiteral("\"%1\" has shrunk: %2 instead of %3 bytes read from item %4 on")
+            return QStringLiteral("\"%1\" has shrunk: only %2 of %3 bytes could be read from item %4 on")
                 .arg(m_file.fileName(), QString::number(iRead), QString::number(iPeriod),
                      QString::number(a_span.uiFirst));
         });

@@ -43,7 +43,7 @@ bool openDataFileOfKind(QFile& a_file, const DataFileKind& a_kind, std::span<cha
     const auto iHeaderBytes = static_cast<qint64>(a_header.size());
     const qint64 iRead = readAt(a_file, 0, a_header.data(), iHeaderBytes);
     if (iRead != iHeaderBytes) {
-        *a_pReason = QStringLiteral("only %1 of the header's %2 bytes").arg(iRead).arg(iHeaderBytes);
+        *a_pReason = QStringLiteral("the header has only %1 of %2 bytes").arg(iRead).arg(iHeaderBytes);
         return false;
     }
     if (std::memcmp(a_header.data(), a_kind.szMagic, s_uiMagicBytes) != 0) {

@@ -131,7 +131,7 @@ std::optional<QByteArray> inflateBounded(QByteArrayView a_data, QString* a_pReas
 {
     a_pReason->clear();
     if (a_data.size() < s_iLengthBytes) {
-        return refused(QStringLiteral("%1 bytes are too few for a compressed content").arg(a_data.size()),
+        return refused(QStringLiteral("%1 bytes are too short for compressed content").arg(a_data.size()),
                        a_pReason);
     }
     const auto uiClaimed = qFromBigEndian<quint32>(a_data.data());

@@ -32,7 +32,7 @@ bool moveFile(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
 {
     const QString sFolder = QFileInfo(a_sTo).path();
     if (!QDir().mkpath(sFolder)) {
-        *a_pReason = QStringLiteral("folder \"%1\" cannot be made").arg(sFolder);
+        *a_pReason = QStringLiteral("cannot create the folder \"%1\"").arg(sFolder);
         return false;
     }
     return replaceByRename(a_sFrom, a_sTo, a_pReason);
@@ -54,7 +54,7 @@ bool moveFiles(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
     }
     if (iLeft > 0) {
         traceError(s_szSource, [&] {
-            return QStringLiteral("%1 files cannot be put below \"%2\", the last because %3")
+            return QStringLiteral("%1 files cannot be moved to \"%2\"; last error: %3")
                 .arg(QString::number(iLeft), a_sTo, *a_pReason);
         });
     }

@@ -191,7 +191,7 @@ bool copyFileWhole(const QString& a_sFrom, const QString& a_sTo, QString* a_pRea
     if (!sReason.isEmpty()) {
         failToCopy(text(sReason), a_pReason);
     } else if (a_pReason != nullptr) {
-        *a_pReason = text(QStringLiteral("a file of that name is there already"));
+        *a_pReason = text(QStringLiteral("a file of this name already exists"));
     }
     return false;
 }

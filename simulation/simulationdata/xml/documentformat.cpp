@@ -44,7 +44,7 @@ std::optional<QByteArray> DocumentKind::load(const QString& a_sFile, QString* a_
 
 std::optional<QByteArray> DocumentKind::load(QIODevice* a_pDevice, QString* a_pError) const
 {
-    QString sReason = QStringLiteral("there is no device to read from");
+    QString sReason = QStringLiteral("no device to read from was given");
     std::optional<QByteArray> xml;
     if (a_pDevice != nullptr) {
         xml = readDocument(a_pDevice, &sReason);
@@ -108,7 +108,7 @@ void DocumentKind::write(QIODevice* a_pDevice, const QByteArray& a_xml, QString*
 {
     const bool bWritten = a_pDevice != nullptr && writeThrough(*a_pDevice, a_xml);
     if (!bWritten) {
-        *a_pError = a_pDevice != nullptr ? a_pDevice->errorString() : QStringLiteral("there is no device");
+        *a_pError = a_pDevice != nullptr ? a_pDevice->errorString() : QStringLiteral("no device was given");
         traceUnwritten(*a_pError);
     }
 }

@@ -145,7 +145,7 @@ bool XmlDocumentSplitter::parse(qsizetype a_iBytes)
         m_bInReference = iReference > iReferenceEnd;
     }
     if (isWide(m_document)) {
-        return fail(QStringLiteral("The document is neither UTF-8 nor any other text of single bytes."));
+        return fail(QStringLiteral("The document is not in UTF-8 or a single-byte encoding."));
     }
     // The reader decodes a whole piece before it reads any of it, and after bytes
     // that it cannot decode it waits for more without limit.

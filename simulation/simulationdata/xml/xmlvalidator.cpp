@@ -329,7 +329,7 @@ bool XmlValidator::uniqueNames()
         }
         if (bKnown) {
             return fail(it->data() - m_bytes.data(),
-                        QStringLiteral("attribute \"%1\" twice").arg(shown(*it)));
+                        QStringLiteral("attribute \"%1\" occurs twice").arg(shown(*it)));
         }
     }
     return true;
@@ -422,7 +422,8 @@ bool XmlValidator::reference()
                fail(iStart, QStringLiteral("unknown entity \"%1\"").arg(shown(inside)));
     }
     return isXmlCharacter(referencedCharacter(inside)) ||
-           fail(iStart, QStringLiteral("reference to no or a forbidden character \"%1\"").arg(shown(inside)));
+           fail(iStart,
+                QStringLiteral("reference to an invalid or forbidden character \"%1\"").arg(shown(inside)));
 }
 
 bool XmlValidator::isAt(QByteArrayView a_text) const
