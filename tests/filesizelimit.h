@@ -5,6 +5,18 @@
 
 #include <sys/resource.h>
 
+/// The first write that makes a file of this process grow beyond so many bytes
+/// kills the process, without a core file. For a process that ends with the test:
+/// it may be called between fork and exec.
+inline void dieBeyondFileSize(rlim_t a_uiBytes)
+{
+    const rlimit limit{a_uiBytes, a_uiBytes};
+    const rlimit noCore{0, 0};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    setrlimit(RLIMIT_CORE, &noCore);
+    std::signal(SIGXFSZ, SIG_DFL); // NOLINT(cert-err33-c)
+}
+
 /// While it lives no file of this process, and of those that it starts, grows
 /// beyond so many bytes: further writes fail as on a full disk, with the reason
 /// "File too large".

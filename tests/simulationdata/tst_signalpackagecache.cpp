@@ -24,14 +24,13 @@
 
 #include <algorithm>
 #include <array>
-#include <csignal>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <set>
 #include <thread>
 #include <vector>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace Simulation;
@@ -125,10 +124,12 @@ int fill(const QStringList& a_arguments)
         return 2;
     }
     const auto uiMaxBytes = static_cast<rlim_t>(a_arguments.at(4).toULongLong());
-    const FileSizeLimit limit(uiMaxBytes != 0 ? uiMaxBytes : RLIM_INFINITY);
-    const rlimit noCore{0, 0};
-    setrlimit(RLIMIT_CORE, &noCore);
-    std::signal(SIGXFSZ, a_arguments.at(5) == u"1" ? SIG_IGN : SIG_DFL);
+    std::optional<FileSizeLimit> limit;
+    if (uiMaxBytes != 0 && a_arguments.at(5) == u"1") {
+        limit.emplace(uiMaxBytes);
+    } else if (uiMaxBytes != 0) {
+        dieBeyondFileSize(uiMaxBytes);
+    }
     cache.updateCache(a_arguments.at(3), false);
     const SignalPackageCache::CopyFailures failures = cache.copyFailures();
     std::printf("%d %s", static_cast<int>(failures.packages), qPrintable(failures.firstReason));

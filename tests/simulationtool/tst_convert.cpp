@@ -1,3 +1,4 @@
+#include "filesizelimit.h"
 #include "simulationdata/scenariodatabinary.h"
 #include "simulationdata/szenarioemitter.h"
 #include "simulationtool/toolrun.h"
@@ -5,8 +6,6 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
-
-#include <sys/resource.h>
 
 using namespace Simulation;
 
@@ -240,10 +239,7 @@ void TestConvert::deathKeepsOut()
 {
     const QString sOut = write(QStringLiteral("out"), "old");
     QProcess process;
-    process.setChildProcessModifier([] {
-        const rlimit limit{100, 100}; // bytes; writing beyond kills
-        static_cast<void>(::setrlimit(RLIMIT_FSIZE, &limit));
-    });
+    process.setChildProcessModifier([] { dieBeyondFileSize(100); });
     process.start(QStringLiteral(SIMULATIONTOOL_PATH), {s_sConvert, s_sDefault, sOut});
     QVERIFY(process.waitForFinished(s_iToolTimeout));
     QCOMPARE(process.exitStatus(), QProcess::CrashExit);
