@@ -3,8 +3,6 @@
 #include "console/loglimit.h"
 #include "console/valuetexts.h"
 
-#include <utility>
-
 namespace SimulationTool {
 
 namespace {
@@ -14,7 +12,7 @@ constexpr qsizetype s_iNamedIds = 3;
 } // namespace
 
 PackageUse::PackageUse(Simulation::ISignalPackageProvider& a_provider)
-    : m_provider(a_provider)
+    : ForwardingPackages(&a_provider)
 {}
 
 void PackageUse::clear()
@@ -33,7 +31,7 @@ QString PackageUse::warning()
         named.append(LogLimit::part(sId));
     }
     const qsizetype iMore = m_unknown.size() - named.size();
-    const QString sFate = m_provider.defaultSignalPackage() != nullptr
+    const QString sFate = defaultSignalPackage() != nullptr
                               ? QStringLiteral("replaced by the default package")
                               : QStringLiteral("unknown and without a signal");
     return QStringLiteral("%1 of %2 %3: %4%5")
@@ -42,47 +40,16 @@ QString PackageUse::warning()
              iMore > 0 ? QStringLiteral(" and %1 more").arg(iMore) : QString());
 }
 
-bool PackageUse::validSignalPackageId(const QString& a_sId)
-{
-    return m_provider.validSignalPackageId(a_sId);
-}
-
 std::shared_ptr<Simulation::SignalPackage> PackageUse::signalPackage(const QString& a_sId)
 {
     // An emission without a package id means the default package.
     if (!a_sId.isEmpty() && !m_ids.contains(a_sId)) {
         m_ids.insert(a_sId);
-        if (!m_provider.validSignalPackageId(a_sId)) {
+        if (!validSignalPackageId(a_sId)) {
             m_unknown.append(a_sId);
         }
     }
-    return m_provider.signalPackage(a_sId);
-}
-
-std::shared_ptr<Simulation::SignalPackage> PackageUse::defaultSignalPackage()
-{
-    return m_provider.defaultSignalPackage();
-}
-
-Simulation::SignalShapeFile*
-PackageUse::signalShapeFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
-{
-    return m_provider.signalShapeFile(std::move(a_pPackage));
-}
-
-Simulation::AudioFile* PackageUse::audioFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
-{
-    return m_provider.audioFile(std::move(a_pPackage));
-}
-
-Simulation::SymbolDataFile* PackageUse::symbolDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
-{
-    return m_provider.symbolDataFile(std::move(a_pPackage));
-}
-
-Simulation::ResultDataFile* PackageUse::resultDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
-{
-    return m_provider.resultDataFile(std::move(a_pPackage));
+    return ForwardingPackages::signalPackage(a_sId);
 }
 
 } // namespace SimulationTool

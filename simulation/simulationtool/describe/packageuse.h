@@ -1,20 +1,18 @@
 #ifndef SIMULATIONTOOL_PACKAGEUSE_H
 #define SIMULATIONTOOL_PACKAGEUSE_H
 
-#include "simulationdata/isignalpackageprovider.h"
+#include "forwardingpackages.h"
 
 #include <QSet>
 #include <QString>
 #include <QStringList>
-
-#include <memory>
 
 namespace SimulationTool {
 
 /// Forwards to another provider, and records which ids a scenario requested and which
 /// of them are unknown to that provider. After loading, the emissions themselves name
 /// only the replacement packages. Used on the provider's thread.
-class PackageUse : public Simulation::ISignalPackageProvider
+class PackageUse : public ForwardingPackages
 {
 public:
     /// The provider is not owned and must live longer.
@@ -27,19 +25,9 @@ public:
     /// whether the default package replaces them. Empty when all are known.
     [[nodiscard]] QString warning();
 
-    bool validSignalPackageId(const QString& a_sId) override;
     std::shared_ptr<Simulation::SignalPackage> signalPackage(const QString& a_sId) override;
-    std::shared_ptr<Simulation::SignalPackage> defaultSignalPackage() override;
-    Simulation::SignalShapeFile*
-    signalShapeFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage) override;
-    Simulation::AudioFile* audioFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage) override;
-    Simulation::SymbolDataFile*
-    symbolDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage) override;
-    Simulation::ResultDataFile*
-    resultDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage) override;
 
 private:
-    Simulation::ISignalPackageProvider& m_provider;
     QSet<QString> m_ids; ///< requested ids
     QStringList m_unknown;
 };

@@ -76,6 +76,7 @@ bool RepositoryPackages::open(const QString& a_sRepository, const QString& a_sCa
     }
     if (sProblem.isEmpty()) {
         m_cache = std::make_unique<Simulation::SignalPackageCache>(sCache, packageStoreOf(a_sRepository));
+        setProvider(m_cache.get());
         if (fillCache()) {
             return true;
         }
@@ -181,47 +182,14 @@ ExitCode RepositoryPackages::finish()
     return m_uiTold == 0 ? ExitCode::Ok : ExitCode::Findings;
 }
 
-bool RepositoryPackages::validSignalPackageId(const QString& a_sId)
-{
-    return m_cache->validSignalPackageId(a_sId);
-}
-
 std::shared_ptr<Simulation::SignalPackage> RepositoryPackages::signalPackage(const QString& a_sId)
 {
     // An emission that names no package means the default one.
-    if (!a_sId.isEmpty() && !m_unknownIds.contains(a_sId) && !m_cache->validSignalPackageId(a_sId)) {
+    if (!a_sId.isEmpty() && !m_unknownIds.contains(a_sId) && !validSignalPackageId(a_sId)) {
         m_unknownIds.insert(a_sId);
         tell(QStringLiteral("package %1 is not in the repository: the default package is used").arg(a_sId));
     }
-    return m_cache->signalPackage(a_sId);
-}
-
-std::shared_ptr<Simulation::SignalPackage> RepositoryPackages::defaultSignalPackage()
-{
-    return m_cache->defaultSignalPackage();
-}
-
-Simulation::SignalShapeFile*
-RepositoryPackages::signalShapeFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
-{
-    return m_cache->signalShapeFile(std::move(a_pPackage));
-}
-
-Simulation::AudioFile* RepositoryPackages::audioFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
-{
-    return m_cache->audioFile(std::move(a_pPackage));
-}
-
-Simulation::SymbolDataFile*
-RepositoryPackages::symbolDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
-{
-    return m_cache->symbolDataFile(std::move(a_pPackage));
-}
-
-Simulation::ResultDataFile*
-RepositoryPackages::resultDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage)
-{
-    return m_cache->resultDataFile(std::move(a_pPackage));
+    return ForwardingPackages::signalPackage(a_sId);
 }
 
 } // namespace SimulationTool

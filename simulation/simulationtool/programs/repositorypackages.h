@@ -2,8 +2,7 @@
 #define SIMULATIONTOOL_REPOSITORYPACKAGES_H
 
 #include "console/exitcode.h"
-
-#include "simulationdata/isignalpackageprovider.h"
+#include "describe/forwardingpackages.h"
 
 #include <QHash>
 #include <QSet>
@@ -29,7 +28,7 @@ namespace SimulationTool {
 /// known may be asked quietly.
 ///
 /// Must be opened before it is asked.
-class RepositoryPackages : public Simulation::ISignalPackageProvider
+class RepositoryPackages : public ForwardingPackages
 {
 public:
     RepositoryPackages();
@@ -65,16 +64,7 @@ public:
     /// too much.
     [[nodiscard]] ExitCode finish();
 
-    bool validSignalPackageId(const QString& a_sId) override;
     std::shared_ptr<Simulation::SignalPackage> signalPackage(const QString& a_sId) override;
-    std::shared_ptr<Simulation::SignalPackage> defaultSignalPackage() override;
-    Simulation::SignalShapeFile*
-    signalShapeFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage) override;
-    Simulation::AudioFile* audioFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage) override;
-    Simulation::SymbolDataFile*
-    symbolDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage) override;
-    Simulation::ResultDataFile*
-    resultDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage) override;
 
 private:
     [[nodiscard]] bool fillCache();
