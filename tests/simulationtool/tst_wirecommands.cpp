@@ -154,6 +154,7 @@ private Q_SLOTS:
     void logLinesHaveTimes();
     void oddStart_data();
     void oddStart();
+    void pauseOfNothing();
     void loadTellsOfDevices_data();
     void loadTellsOfDevices();
     void refused_data();
@@ -588,6 +589,37 @@ void TestWireCommands::oddStart()
                                            time);
     QVERIFY2(device->says(told), qPrintable(device->text()));
     QCOMPARE(device->text().contains(QStringLiteral("plays from")), told.contains(QStringLiteral("plays")));
+}
+
+/// A pause concerns a device that plays or is paused; any other goes on to report
+/// what became of its last order.
+void TestWireCommands::pauseOfNothing()
+{
+    const Service service;
+    const auto device = startDevice(QStringLiteral("rx"), service.address());
+    QVERIFY(device->says(QStringLiteral("accepted")));
+    const auto control = [&](const char* a_szOrder) {
+        return runControl(service.address(), QString::fromLatin1(a_szOrder).split(u' '));
+    };
+    const QString sNothing = QStringLiteral("rx: not paused: no scenario plays\n");
+    QCOMPARE(control("start").code, 1);
+    QCOMPARE(control("pause").code, 0);
+    QVERIFY2(device->says(sNothing), qPrintable(device->text()));
+    QVERIFY(control("status").out.contains(QStringLiteral("not started: no scenario is loaded")));
+
+    QCOMPARE(control("load :/DefaultData/Default.sce.exp").code, 0);
+    QCOMPARE(control("start 59900").code, 0); // ms; plays for a tenth of a second
+    QVERIFY(device->says(QStringLiteral("the scenario is over")));
+    QCOMPARE(control("pause 59950").code, 0);
+    QVERIFY(device->says(sNothing, 2));
+
+    QCOMPARE(control("start").code, 0);
+    for (const char* const szOrder : {"pause 500", "pause 700"}) {
+        QCOMPARE(control(szOrder).code, 0);
+    }
+    QVERIFY(device->says(QStringLiteral("rx: paused at 500 ms: ")));
+    QVERIFY(device->says(QStringLiteral("rx: paused at 700 ms\n")));
+    QCOMPARE(device->text().count(QStringLiteral("not paused")), 2);
 }
 
 void TestWireCommands::loadTellsOfDevices_data()

@@ -209,14 +209,11 @@ void SimulationDevice::connectRunOrders()
             });
     connect(&m_communication, &Communication::pauseScenario, this, [this](uint a_uiTime) {
         if (obeys()) {
-            m_timing.pauseScenarioTime(a_uiTime);
-            endPlay(QStringLiteral("paused at %1 ms").arg(a_uiTime));
-            reportState();
+            pause(a_uiTime);
         }
     });
     connect(&m_communication, &Communication::stopScenario, this, [this] {
         if (obeys()) {
-            m_timing.stopScenarioTime();
             endPlay(QStringLiteral("stopped"));
             reportState();
         }
@@ -408,10 +405,24 @@ void SimulationDevice::playStep()
     }
 }
 
-/// Logs the reason, which is the event of the next report.
+/// The time is stopped unless something plays or is paused. Otherwise the last event,
+/// such as why a start was not obeyed, remains the one that is reported.
+void SimulationDevice::pause(std::uint32_t a_uiTime)
+{
+    if (m_timing.isStopped()) {
+        m_log.tell(QStringLiteral("not paused: no scenario plays"));
+        return;
+    }
+    endPlay(QStringLiteral("paused at %1 ms").arg(a_uiTime));
+    m_timing.pauseScenarioTime(a_uiTime);
+    reportState();
+}
+
+/// Logs the reason, which is the event of the next report. Stops the scenario time.
 void SimulationDevice::endPlay(const QString& a_sReason)
 {
     m_timer.stop();
+    m_timing.stopScenarioTime();
     m_report.event = a_sReason;
     const bool bPlayed = std::exchange(m_bPlaying, false);
     const std::uint32_t uiDue = m_lastStep ? *m_lastStep + 1 : 0;

@@ -115,6 +115,7 @@ private:
     [[nodiscard]] QString startProblem(quint64 a_uiAhead, std::uint32_t a_uiTime) const;
     void play(quint64 a_uiTimestamp, std::uint32_t a_uiTime);
     void playStep();
+    void pause(std::uint32_t a_uiTime);
     void endPlay(const QString& a_sReason);
     void wakeIn(std::uint64_t a_uiMilliseconds);
 
