@@ -1,13 +1,20 @@
+#include "programs/encodedcommand.h"
 #include "programs/outbox.h"
 #include "programs/simulationservice.h"
 #include "tracecollector.h"
 
 #include "simulationdata/simulationdeviceconfiguration.h"
 #include "simulationdata/simulationlimits.h"
+#include "simulationdata/simulationservicecommunication.h"
 
+#include <QDeadlineTimer>
+#include <QEventLoop>
 #include <QHostAddress>
+#include <QRandomGenerator>
+#include <QSet>
 #include <QTcpSocket>
 #include <QTest>
+#include <QTimer>
 
 #include <memory>
 #include <vector>
@@ -28,11 +35,27 @@ const QByteArray s_ask("<Command><RequestSimulationDevices/></Command>");
 const QByteArray s_start("<Command><StartScenario><Timestamp>1</Timestamp><ScenarioTime>2</ScenarioTime></"
                          "StartScenario></Command>");
 
-QByteArray registration(const QByteArray& a_id)
+QByteArray registration(const QByteArray& a_id, const QString& a_sName = {})
 {
+    Simulation::SimulationDeviceConfiguration configuration;
+    configuration.setName(a_sName);
     return "<Command><RegisterSimulation Id=\"" + a_id + "\"><SimulationDevice>" +
-           Simulation::SimulationDeviceConfiguration().toXml().replace('<', "&lt;") +
-           "</SimulationDevice></RegisterSimulation></Command>";
+           configuration.toXml().replace('<', "&lt;") + "</SimulationDevice></RegisterSimulation></Command>";
+}
+
+/// Runs the event loop until the condition holds, without a pause between its turns:
+/// the service reads a little of a peer in each.
+template<typename Condition>
+bool waitFor(const Condition& a_condition)
+{
+    QDeadlineTimer deadline(s_iTimeout);
+    QEventLoop loop;
+    QTimer wakeUp; // so that the end is noticed
+    wakeUp.start(10);
+    while (!a_condition() && !deadline.hasExpired()) {
+        loop.processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return a_condition();
 }
 
 /// A connection to the service that sends and receives plain bytes.
@@ -47,12 +70,10 @@ struct Peer
     /// Whether the text arrives. What has arrived up to its end is forgotten.
     bool receives(const QByteArray& a_text)
     {
-        const bool bReceived = QTest::qWaitFor(
-            [&] {
-                received += socket.readAll();
-                return received.contains(a_text);
-            },
-            s_iTimeout);
+        const bool bReceived = waitFor([&] {
+            received += socket.readAll();
+            return received.contains(a_text);
+        });
         received = received.mid(received.indexOf(a_text) + a_text.size());
         return bReceived;
     }
@@ -61,7 +82,7 @@ struct Peer
     bool isServed()
     {
         socket.write(s_ask);
-        return receives("ResponseSimulationDevices");
+        return receives("ResponseSimulationDevices") && receives("</Command>");
     }
 
     [[nodiscard]] QString name() const { return QStringLiteral("127.0.0.1:%1: ").arg(socket.localPort()); }
@@ -69,6 +90,70 @@ struct Peer
     QTcpSocket socket;
     QByteArray received;
     bool bConnected = false;
+};
+
+// Commands of the outbox tests are short texts. The first letter tells what they are:
+// L(oad), U(nload), S(tart), P(ause), D(eployment), R(emoved registration); others,
+// such as X for a stop, are of no kind.
+
+OutgoingKind kindOf(QChar a_cFirst)
+{
+    switch (a_cFirst.toLatin1()) {
+    case 'L':
+        return OutgoingKind::ScenarioLoad;
+    case 'U':
+        return OutgoingKind::ScenarioUnload;
+    case 'S':
+    case 'P':
+        return OutgoingKind::ScenarioRun;
+    case 'D':
+        return OutgoingKind::DeploymentLoad;
+    case 'R':
+        return OutgoingKind::Unregistration;
+    default:
+        return OutgoingKind::Other;
+    }
+}
+
+/// Does what a device does with such commands.
+struct ModelDevice
+{
+    void receive(const QString& a_sCommand)
+    {
+        const char cFirst = a_sCommand.front().toLatin1();
+        if (cFirst == 'C' || cFirst == 'R') {
+            bAccepted = cFirst == 'C';
+        } else if (bAccepted && cFirst == 'J') {
+            others.append(a_sCommand);
+        } else if (bAccepted) {
+            sEvent = a_sCommand;
+            if (cFirst == 'D') {
+                sDeployment = a_sCommand;
+            } else if (cFirst == 'L' || cFirst == 'U') {
+                sScenario = cFirst == 'L' ? a_sCommand : QString();
+                sRun.clear();
+            } else {
+                sRun = cFirst == 'S' && sScenario.isEmpty() ? QString() : a_sCommand;
+            }
+            if (cFirst == 'S' || cFirst == 'P') {
+                met.insert(a_sCommand + sScenario);
+            }
+        }
+    }
+
+    [[nodiscard]] QString state() const
+    {
+        const QString sAccepted = bAccepted ? QStringLiteral("accepted") : QStringLiteral("not accepted");
+        return QStringList({sAccepted, sScenario, sRun, sDeployment, sEvent}).join(u' ') + others.join(u' ');
+    }
+
+    QSet<QString> met; ///< starts and pauses with the scenario that they met
+    bool bAccepted = false;
+    QString sScenario;
+    QString sRun;
+    QString sDeployment;
+    QString sEvent;
+    QStringList others;
 };
 
 /// A service whose lines are kept.
@@ -103,13 +188,16 @@ private Q_SLOTS:
     void outbox_data();
     void outbox();
     void outboxCounts();
+    void supersededCommands();
     void controllerIsNotEvicted();
     void stalledPeer_data();
     void stalledPeer();
     void slowButSteadyPeer();
     void allPendingBytes();
+    void slowDeviceIsSentNewestScenario();
     void keptBytesBlameNobody();
     void statesOnceForManyRequests();
+    void listOnceForManyChanges();
     void notDecodedWithoutControl();
     void tooLargeCommand();
     void burstOfConnections();
@@ -131,6 +219,24 @@ void TestSimulationService::outbox_data()
                                                       << "12 3789";
     QTest::newRow("in pieces") << "abcde fg 2 2 2 2"
                                << "ab cd ef g";
+    QTest::newRow("newest scenario") << "L1 a L22 L3 b 99"
+                                     << "aL3b";
+    QTest::newRow("starts of a scenario, not a stop") << "S0 L1 S1 P1 X1 L2 S2 99"
+                                                      << "S0X1L2S2";
+    QTest::newRow("unload") << "L1 S1 U1 S2 L2 99"
+                            << "U1S2L2";
+    QTest::newRow("a scenario that has begun to leave") << "L1 1 S1 L2 S2 L3 99"
+                                                        << "L 1S1L3";
+    QTest::newRow("a scenario that has left") << "L1 2 S1 L2 99"
+                                              << "L1 S1L2";
+    QTest::newRow("a deployment that has begun to leave") << "D1 1 D2 L1 S1 D3 99"
+                                                          << "D 1L1S1D3";
+    QTest::newRow("deployments and scenarios") << "D1 L1 D2 L2 S2 D3 99"
+                                               << "L2S2D3";
+    QTest::newRow("before an unregistration") << "k=1 L1 S1 D1 R1 k=2 L2 D2 k=3 L3 99"
+                                              << "1L1S1D1R13D2L3";
+    QTest::newRow("a report that leaves before an unregistration") << "k=1 R1 k=2 1 k=3 99"
+                                                                   << "1 R13";
     QTest::newRow("nothing") << "9 a 9 9"
                              << " a ";
 }
@@ -144,7 +250,7 @@ void TestSimulationService::outbox()
     QStringList all;
     for (const QString& sAction : actions.split(u' ')) {
         const auto command = [&](const QString& a_sText) {
-            return std::make_shared<OutgoingCommand>(a_sText.toLatin1(), pTotal);
+            return std::make_shared<OutgoingCommand>(a_sText.toLatin1(), pTotal, kindOf(a_sText.front()));
         };
         if (const int iBytes = sAction.toInt(); iBytes > 0) {
             all.append(QString::fromLatin1(outbox.take(iBytes)));
@@ -177,6 +283,50 @@ void TestSimulationService::outboxCounts()
         outboxes[1]->clear();
     }
     QCOMPARE(*pTotal, 0);
+}
+
+/// A device that reads slowly ends in the state in which all commands leave it, and no
+/// order meets another scenario than it would have met.
+void TestSimulationService::supersededCommands()
+{
+    constexpr quint32 uiSequences = 3000;
+    constexpr int iCommands = 40;
+    const QString sKinds = QStringLiteral("LLLLUSSPXDDJCR");
+    for (quint32 uiSeed = 1; uiSeed <= uiSequences; ++uiSeed) {
+        QRandomGenerator random(uiSeed);
+        const auto pTotal = std::make_shared<qint64>(0);
+        Outbox outbox(pTotal);
+        QStringList all;
+        QByteArray taken;
+        for (int i = 0; i < iCommands; ++i) {
+            const QChar cKind = i == 0 ? u'C' : sKinds[random.bounded(int(sKinds.size()))];
+            all.append(cKind + QString::number(i));
+            const auto pCommand =
+                std::make_shared<OutgoingCommand>(all.constLast().toLatin1() + ' ', pTotal, kindOf(cKind));
+            if (cKind == u'C') {
+                outbox.report(QStringLiteral("confirmation"), pCommand);
+            } else {
+                outbox.append(pCommand);
+            }
+            if (random.bounded(6) == 0) {
+                taken += outbox.take(random.bounded(20));
+            }
+        }
+        taken += outbox.take(1000);
+        ModelDevice quick;
+        ModelDevice slow;
+        for (const QString& sCommand : std::as_const(all)) {
+            quick.receive(sCommand);
+        }
+        const QStringList arrived = QString::fromLatin1(taken).split(u' ', Qt::SkipEmptyParts);
+        for (const QString& sCommand : arrived) {
+            slow.receive(sCommand);
+        }
+        const QString sWhat = all.join(u' ') + QStringLiteral(" -> ") + arrived.join(u' ');
+        QVERIFY2(slow.state() == quick.state(), qPrintable(sWhat));
+        QVERIFY2(quick.met.contains(slow.met), qPrintable(sWhat));
+        QCOMPARE(*pTotal, 0);
+    }
 }
 
 /// Another peer takes the control and gives it back again and again, while the
@@ -280,6 +430,40 @@ void TestSimulationService::allPendingBytes()
     QCOMPARE(logged.lines.filter(QStringLiteral("dropped")).size(), 1);
 }
 
+/// However many scenarios and deployments a controller sends, a device that reads
+/// slowly makes the service hold the newest only, and is sent it.
+void TestSimulationService::slowDeviceIsSentNewestScenario()
+{
+    constexpr int iLoads = 20;
+    constexpr qsizetype iBytes = 500'000; // of one; some wait in the system, not in the service
+    Limits::setValue(Limits::AllPendingBytes, 6 * iBytes);
+    LoggedService logged;
+    Peer device(logged.service);
+    Peer controller(logged.service);
+    device.socket.write(registration("slow"));
+    QVERIFY(device.isServed());
+    device.socket.setReadBufferSize(1);
+    controller.socket.write(s_acquire);
+    QRandomGenerator random(1);
+    QByteArray document(iBytes, '\0');
+    for (int i = 0; i < iLoads; ++i) {
+        random.generate(document.begin(), document.end());
+        controller.socket.write(encodedCommand([&](auto& a_to) { a_to.sendLoadScenario(document); }));
+        controller.socket.write(encodedCommand([&](auto& a_to) { a_to.sendLoadDeployment(document); }));
+        QVERIFY(controller.isServed());
+    }
+    QCOMPARE(logged.lines.filter(QStringLiteral("dropped")), QStringList());
+    controller.socket.write(s_start);
+    device.socket.setReadBufferSize(0);
+    QVERIFY(waitFor([&] {
+        device.received += device.socket.readAll();
+        return device.received.contains("StartScenario");
+    }));
+    const QByteArray newest = qCompress(document).toBase64();
+    QVERIFY(device.received.count("<ScenarioData>") < iLoads);
+    QCOMPARE(device.received.count(newest), 2); // as a scenario and as a deployment
+}
+
 /// What the service keeps of devices waits for nobody, and their ids are bounded as
 /// they are sent.
 void TestSimulationService::keptBytesBlameNobody()
@@ -323,6 +507,20 @@ void TestSimulationService::statesOnceForManyRequests()
     const qsizetype iStates = peer.received.count("<SimulationDeveiceStateUpdate");
     QVERIFY2(iStates >= iDevices && iStates < iDevices * iRequests / 10,
              qPrintable(QString::number(iStates)));
+}
+
+/// Each request is answered, and all of one turn with the same list.
+void TestSimulationService::listOnceForManyChanges()
+{
+    LoggedService logged;
+    Peer peer(logged.service);
+    peer.socket.write(registration("a"));
+    QVERIFY(peer.isServed());
+    peer.socket.write(s_ask + registration("a", QStringLiteral("first")) + s_ask +
+                      registration("a", QStringLiteral("second")) + s_ask); // in one turn
+    QTRY_COMPARE_WITH_TIMEOUT((peer.received += peer.socket.readAll()).count("</ResponseSimulationDevices>"),
+                              3, s_iTimeout);
+    QCOMPARE(peer.received.count("second"), 3);
 }
 
 void TestSimulationService::notDecodedWithoutControl()

@@ -340,8 +340,8 @@ void TestWireCommands::newestControls()
     const auto ordered = [&](Peer& a_peer) {
         device.take();
         a_peer.communication.sendLoadDeployment("d");
+        a_peer.communication.sendUnloadScenario(); // after the scenario it would supersede it
         a_peer.communication.sendLoadScenario("s");
-        a_peer.communication.sendUnloadScenario();
         a_peer.communication.sendStartScenario(1, 2);
         a_peer.communication.sendPauseScenario(3);
         a_peer.communication.sendStopScenario();
@@ -350,7 +350,7 @@ void TestWireCommands::newestControls()
         a_peer.communication.sendRemoveJxDevice(QStringLiteral("j"));
         return a_peer.synchronize() && device.synchronize() ? device.take() : QStringLiteral("no answer");
     };
-    const QString sAll = QStringLiteral("deployment scenario unload start pause stop test add remove");
+    const QString sAll = QStringLiteral("deployment unload scenario start pause stop test add remove");
     QCOMPARE(ordered(first), QString());
     QCOMPARE(first.take(), QStringLiteral("rx=2")); // who looks on learns it with the list
     first.communication.sendCommandAcquireServer();
@@ -924,6 +924,13 @@ void TestWireCommands::deployments()
              qPrintable(listed.join(u'\n')));
     QCOMPARE(service.text().count(QStringLiteral(" registered")), 4);
     QVERIFY(!service.text().contains(QStringLiteral("dropped")));
+    // The places of a former deployment do not outlive it.
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("<SimulationDeployment FileFormatVersion='1' Name='Sea'/>");
+    file.close();
+    QCOMPARE(runControl(service.address(), deploy).code, 1);
+    const QString sDevices = runControl(service.address(), {QStringLiteral("devices")}).out;
+    QVERIFY2(simplifiedLines(sDevices).filter(QStringLiteral(" hut ")).size() == 4, qPrintable(sDevices));
 }
 
 /// Who only looks on sees what there is, and takes the control from nobody.

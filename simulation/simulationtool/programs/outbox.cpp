@@ -14,9 +14,10 @@ constexpr qint64 s_iEntryBytes = 128;
 
 } // namespace
 
-OutgoingCommand::OutgoingCommand(QByteArray a_bytes, std::shared_ptr<qint64> a_pTotal)
+OutgoingCommand::OutgoingCommand(QByteArray a_bytes, std::shared_ptr<qint64> a_pTotal, OutgoingKind a_eKind)
     : m_bytes(std::move(a_bytes))
     , m_pTotal(std::move(a_pTotal))
+    , m_eKind(a_eKind)
 {}
 
 void OutgoingCommand::beginWaiting() const
@@ -42,11 +43,57 @@ void Outbox::append(const OutgoingCommandPtr& a_pCommand)
     if (a_pCommand == nullptr) {
         return;
     }
-    if (!m_entries.empty() && m_entries.back().command == a_pCommand && m_entries.back().key.isEmpty()) {
+    supersede(a_pCommand->kind());
+    if (a_pCommand->kind() == OutgoingKind::Other && !m_entries.empty() &&
+        m_entries.back().command == a_pCommand && m_entries.back().key.isEmpty()) {
         ++m_entries.back().times;
         return;
     }
-    add(a_pCommand, QString());
+    const auto entry = add(a_pCommand, QString());
+    if (a_pCommand->kind() == OutgoingKind::ScenarioLoad) {
+        m_scenario = entry;
+    } else if (a_pCommand->kind() == OutgoingKind::DeploymentLoad) {
+        m_deployment = entry;
+    }
+}
+
+/// Removes what waits in vain once a command of that kind has been appended.
+void Outbox::supersede(OutgoingKind a_eKind)
+{
+    switch (a_eKind) {
+    case OutgoingKind::Other:
+    case OutgoingKind::ScenarioRun:
+        break;
+    case OutgoingKind::ScenarioLoad:
+    case OutgoingKind::ScenarioUnload:
+        removeScenario();
+        break;
+    case OutgoingKind::DeploymentLoad:
+        if (m_deployment != m_entries.end()) {
+            remove(std::exchange(m_deployment, m_entries.end()));
+        }
+        break;
+    case OutgoingKind::Unregistration:
+        m_reports.clear();
+        m_scenario = m_entries.end();
+        m_deployment = m_entries.end();
+        break;
+    }
+}
+
+/// Removes the scenario that waits, and the orders that are meant for it. No other
+/// scenario waits after it, so an entry is looked at once however often scenarios
+/// are appended.
+void Outbox::removeScenario()
+{
+    auto it = std::exchange(m_scenario, m_entries.end());
+    while (it != m_entries.end()) {
+        const auto each = it++;
+        const OutgoingKind eKind = each->command->kind();
+        if (eKind == OutgoingKind::ScenarioLoad || eKind == OutgoingKind::ScenarioRun) {
+            remove(each);
+        }
+    }
 }
 
 void Outbox::report(const QString& a_sKey, const OutgoingCommandPtr& a_pCommand)
@@ -55,23 +102,30 @@ void Outbox::report(const QString& a_sKey, const OutgoingCommandPtr& a_pCommand)
         return;
     }
     if (const auto it = m_reports.constFind(a_sKey); it != m_reports.constEnd()) {
-        OutgoingCommandPtr& pFormer = m_entries[*it - m_uiFirst].command;
+        OutgoingCommandPtr& pFormer = (*it)->command;
         m_iBytes += a_pCommand->bytes().size() - pFormer->bytes().size();
         a_pCommand->beginWaiting();
         pFormer->endWaiting();
         pFormer = a_pCommand;
         return;
     }
-    m_reports.insert(a_sKey, m_uiFirst + m_entries.size());
-    add(a_pCommand, a_sKey);
+    m_reports.insert(a_sKey, add(a_pCommand, a_sKey));
 }
 
-void Outbox::add(const OutgoingCommandPtr& a_pCommand, const QString& a_sKey)
+Outbox::Entries::iterator Outbox::add(const OutgoingCommandPtr& a_pCommand, const QString& a_sKey)
 {
-    m_entries.push_back({a_pCommand, a_sKey});
     a_pCommand->beginWaiting();
     m_iBytes += a_pCommand->bytes().size() + s_iEntryBytes;
     *m_pTotal += s_iEntryBytes;
+    return m_entries.insert(m_entries.end(), {a_pCommand, a_sKey});
+}
+
+void Outbox::remove(Entries::iterator a_entry)
+{
+    m_iBytes -= a_entry->command->bytes().size() + s_iEntryBytes;
+    *m_pTotal -= s_iEntryBytes;
+    a_entry->command->endWaiting();
+    m_entries.erase(a_entry);
 }
 
 QByteArray Outbox::take(qsizetype a_iMost)
@@ -80,29 +134,34 @@ QByteArray Outbox::take(qsizetype a_iMost)
     while (taken.size() < a_iMost && !m_entries.empty()) {
         Entry& first = m_entries.front();
         if (m_iTaken == 0) {
-            m_reports.remove(first.key); // what has begun to leave is not replaced
+            keepFirst();
         }
         const QByteArrayView rest = QByteArrayView(first.command->bytes()).sliced(m_iTaken);
         const qsizetype iPiece = std::min(rest.size(), a_iMost - taken.size());
         taken.append(rest.first(iPiece));
         m_iTaken += iPiece;
         if (iPiece == rest.size()) {
-            removeFirst();
+            m_iTaken = 0;
+            if (--first.times == 0) {
+                remove(m_entries.begin());
+            }
         }
     }
     return taken;
 }
 
-/// Removes one of the times that the first command waits.
-void Outbox::removeFirst()
+/// What begins to leave is not superseded any more.
+void Outbox::keepFirst()
 {
-    m_iTaken = 0;
-    if (--m_entries.front().times == 0) {
-        m_iBytes -= m_entries.front().command->bytes().size() + s_iEntryBytes;
-        *m_pTotal -= s_iEntryBytes;
-        m_entries.front().command->endWaiting();
-        m_entries.pop_front();
-        ++m_uiFirst;
+    const auto first = m_entries.begin();
+    // After an unregistration another report of the same key may wait.
+    if (const auto it = m_reports.constFind(first->key); it != m_reports.constEnd() && *it == first) {
+        m_reports.erase(it);
+    }
+    for (Entries::iterator* const pEach : {&m_scenario, &m_deployment}) {
+        if (*pEach == first) {
+            *pEach = m_entries.end();
+        }
     }
 }
 
@@ -112,9 +171,10 @@ void Outbox::clear()
         entry.command->endWaiting();
     }
     *m_pTotal -= s_iEntryBytes * static_cast<qint64>(m_entries.size());
-    m_uiFirst += m_entries.size();
     m_entries.clear();
     m_reports.clear();
+    m_scenario = m_entries.end();
+    m_deployment = m_entries.end();
     m_iTaken = 0;
     m_iBytes = 0;
 }

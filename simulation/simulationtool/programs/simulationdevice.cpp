@@ -42,7 +42,8 @@ QString unusable(const char* a_szWhat, const QByteArray& a_content, const QStrin
 
 SimulationDevice::SimulationDevice(const Simulation::SimulationDeviceConfiguration& a_configuration,
                                    Simulation::ISignalPackageProvider& a_provider, std::uint32_t a_uiStep)
-    : m_configuration(a_configuration)
+    : m_undeployed(a_configuration)
+    , m_configuration(a_configuration)
     , m_packages(a_provider)
     , m_uiStep(a_uiStep)
     , m_communication(nullptr)
@@ -226,20 +227,24 @@ void SimulationDevice::connectRunOrders()
 }
 
 /// Keeps what came, and registers anew where it gives the device another place.
+/// Former deployments do not count: a device that connects late, or is slow, is sent
+/// the newest one only.
 void SimulationDevice::deploy(const QByteArray& a_deployment)
 {
     m_deployment = a_deployment;
     Simulation::DeploymentDataXml deployment;
     static_cast<void>(deployment.fromXml(a_deployment));
+    Simulation::SimulationDeviceConfiguration placed = m_undeployed;
+    QString sEvent;
     if (const QString sError = deployment.errorString(); !sError.isEmpty()) {
-        reportEvent(DeviceReport::notDeployed(unusable("deployment", a_deployment, sError)));
-        return;
+        sEvent = DeviceReport::notDeployed(unusable("deployment", a_deployment, sError));
+    } else {
+        m_log.tell(QStringLiteral("deployment \"%1\": %2")
+                       .arg(LogLimit::part(deployment.name()), deploymentSummary(deployment)));
+        sEvent = placeDevice(placed, deployment);
     }
-    m_log.tell(QStringLiteral("deployment \"%1\": %2")
-                   .arg(LogLimit::part(deployment.name()), deploymentSummary(deployment)));
-    const QByteArray before = m_configuration.toXml();
-    const QString sEvent = placeDevice(m_configuration, deployment);
-    if (m_configuration.toXml() != before) {
+    if (placed.toXml() != m_configuration.toXml()) {
+        m_configuration = placed;
         registerDevice(); // before the report, whose reader asks for the new place
     }
     reportEvent(sEvent);

@@ -36,8 +36,9 @@ namespace SimulationTool {
 /// programs share (VelaOS).
 ///
 /// What became of an order it reports in words with its state (see DeviceReport).
-/// A deployment that has a place for it moves it there, and it registers anew with
-/// that place.
+/// The newest deployment decides its place: the one that it has for the device, or
+/// else the device's own, also when the deployment cannot be read. It registers anew
+/// when it has moved.
 ///
 /// Only a service that confirms the registration rightly is obeyed. A connection
 /// that is lost is taken up again, and a scenario that runs goes on meanwhile.
@@ -119,6 +120,7 @@ private:
     void endPlay(const QString& a_sReason);
     void wakeIn(std::uint64_t a_uiMilliseconds);
 
+    const Simulation::SimulationDeviceConfiguration m_undeployed; ///< with its own place
     Simulation::SimulationDeviceConfiguration m_configuration;
     PackageUse m_packages; ///< outlives the scenario
     QString m_sPackageRemark;

@@ -44,10 +44,11 @@ class ServicePeer;
 ///
 /// No peer is trusted. One that sends what cannot be read, does not read itself,
 /// leaves a command unfinished or registers too much is dropped, and nobody else
-/// notices. Of the states of a device that wait for a peer only the newest is
-/// held. What the peers together make the service hold, of unfinished commands
-/// and of those that wait for them to read, has a bound
-/// (Limits::AllPendingBytes), beyond which the peer with the most is dropped.
+/// notices. Of the states of a device, and of the scenarios and deployments, that
+/// wait for a peer only the newest is held (see Outbox). What the peers together make
+/// the service hold, of unfinished commands and of those that wait for them to read,
+/// has a bound (Limits::AllPendingBytes), beyond which the peer with the most is
+/// dropped.
 class SimulationService : public QObject
 {
     Q_OBJECT
@@ -102,8 +103,6 @@ private:
     void addPeer(QTcpSocket* a_pSocket);
     void pauseIfFull();
     void connectDevice(ServicePeer* a_pPeer);
-    void connectController(ServicePeer* a_pPeer);
-    void connectOrders(ServicePeer* a_pPeer);
     void dropLost();
     void drop(ServicePeer* a_pPeer, const QString& a_sReason);
     [[nodiscard]] bool accepts(ServicePeer& a_peer, const QString& a_sCommand, qsizetype a_iBytes) const;
@@ -125,6 +124,8 @@ private:
     static void sendState(ServicePeer* a_pPeer, const QString& a_sId, const Device& a_device);
 
     // What controllers say
+    void connectController(ServicePeer* a_pPeer);
+    void connectOrders(ServicePeer* a_pPeer);
     [[nodiscard]] ServicePeer* controller() const;
     void acquire(ServicePeer* a_pPeer);
     void release(ServicePeer* a_pPeer);
@@ -133,9 +134,10 @@ private:
     void sendAnswer(ServicePeer* a_pPeer, const Answer& a_answer);
     [[nodiscard]] const OutgoingCommandPtr& deviceList();
     [[nodiscard]] OutgoingCommandPtr passOn(ServicePeer* a_pPeer, const QString& a_sOrder,
-                                            const CommandSender& a_send);
+                                            OutgoingKind a_eKind, const CommandSender& a_send);
     void loadScenario(ServicePeer* a_pPeer, const QByteArray& a_scenario);
-    [[nodiscard]] OutgoingCommandPtr encoded(const CommandSender& a_send) const;
+    [[nodiscard]] OutgoingCommandPtr encoded(const CommandSender& a_send,
+                                             OutgoingKind a_eKind = OutgoingKind::Other) const;
 
     QTcpServer m_server;
     QTimer m_acceptAgain;                  ///< after the server could not
