@@ -2,7 +2,7 @@
 
 #include "commondataxml_names_p.h"
 #include "commondataxml_p.h"
-#include "deploymentgraph_p.h"
+#include "objectreleaser_p.h"
 #include "simulationdata/deploymentdevice.h"
 #include "simulationdata/deploymentstation.h"
 #include "simulationdata/io/documentfile_p.h"
@@ -22,19 +22,6 @@ namespace {
 
 const DocumentKind s_kind("simulation/simulationdata/deploymentdataxml", QStringLiteral("Deployment"),
                           QStringLiteral("SimulationDeployment"));
-
-using ObjectSet = QSet<std::shared_ptr<DeploymentObject>>;
-
-/// Drops a map. While another copy of it holds the objects, they need no look.
-template<typename Map>
-void moveInto(ObjectSet& a_objects, Map a_map)
-{
-    if (a_map.isDetached()) {
-        for (const auto& object : std::as_const(a_map)) {
-            a_objects.insert(object);
-        }
-    }
-}
 
 /// What SharedIds reports of objects.
 template<typename Objects>
@@ -104,10 +91,7 @@ void DeploymentDataXml::clear()
     m_sSharedStations.clear();
     m_deviceElements.clear();
     m_stationElements.clear();
-    ObjectSet objects;
-    moveInto(objects, std::exchange(m_devices, {}));
-    moveInto(objects, std::exchange(m_stations, {}));
-    DeploymentGraph::release(std::move(objects));
+    ObjectReleaser::release(m_devices, m_stations);
 }
 
 bool DeploymentDataXml::fromXmlFile(const QString& a_sFile)
@@ -187,30 +171,24 @@ void DeploymentDataXml::setDevices(const QSet<std::shared_ptr<DeploymentDevice>>
 {
     m_deviceElements.clear();
     m_sSharedDevices = sharedIdsOf(a_devices, "devices");
-    ObjectSet dropped;
-    moveInto(dropped, std::exchange(m_devices, mapOf(a_devices)));
-    DeploymentGraph::release(std::move(dropped));
+    ObjectReleaser::replace(m_devices, mapOf(a_devices));
 }
 
 void DeploymentDataXml::setStations(const QSet<std::shared_ptr<DeploymentStation>>& a_stations)
 {
     m_stationElements.clear();
     m_sSharedStations = sharedIdsOf(a_stations, "stations");
-    ObjectSet dropped;
-    moveInto(dropped, std::exchange(m_stations, mapOf(a_stations)));
-    DeploymentGraph::release(std::move(dropped));
+    ObjectReleaser::replace(m_stations, mapOf(a_stations));
 }
 
-void DeploymentDataXml::releaseObjects(ObjectSet&& a_objects)
+void DeploymentDataXml::releaseObjects(QSet<std::shared_ptr<DeploymentObject>>&& a_objects)
 {
-    DeploymentGraph::release(std::move(a_objects));
+    ObjectReleaser::release(a_objects);
 }
 
 void DeploymentDataXml::releaseObject(std::shared_ptr<DeploymentObject> a_object)
 {
-    ObjectSet objects;
-    objects.insert(std::move(a_object));
-    DeploymentGraph::release(std::move(objects));
+    ObjectReleaser::release(a_object);
 }
 
 void DeploymentDataXml::readHeader(const QXmlStreamAttributes& a_attributes)

@@ -1,5 +1,6 @@
 #include "deploymentdevice.h"
 
+#include "objectreleaser_p.h"
 #include "simulationdata/deploymentstation.h"
 #include "simulationdata/ipositionsettings.h"
 
@@ -38,6 +39,11 @@ std::shared_ptr<DeploymentObject> DeploymentDevice::clone()
     auto clone = std::make_shared<DeploymentDevice>(id());
     clone->takeFrom(*this);
     return clone;
+}
+
+void DeploymentDevice::visitMembers(ObjectReleaser& a_releaser)
+{
+    a_releaser.visit(m_station);
 }
 
 void DeploymentDevice::takeFrom(const DeploymentDevice& a_source)

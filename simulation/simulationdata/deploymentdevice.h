@@ -54,8 +54,7 @@ public:
     [[nodiscard]] ReceiverSettings& receiverSettings() { return m_receiverSettings; }
 
 private:
-    friend class DeploymentGraph;
-
+    void visitMembers(ObjectReleaser& a_releaser) override;
     void takeFrom(const DeploymentDevice& a_source);
 
     std::shared_ptr<DeploymentStation> m_station;

@@ -11,6 +11,7 @@
 namespace Simulation {
 
 class IPositionSettings;
+class ObjectReleaser;
 
 /// A receiving station, or a device at a station or on its own. Has an id, a name, an
 /// icon and a position.
@@ -81,6 +82,11 @@ protected:
     void takeFrom(const DeploymentObject& a_source);
 
 private:
+    friend class ObjectReleaser;
+
+    /// Shows the members that hold other objects.
+    virtual void visitMembers(ObjectReleaser& /*a_releaser*/) {}
+
     DeploymentObject(const DeploymentObject& a_other) = delete;
     DeploymentObject& operator=(const DeploymentObject& a_other) = delete;
 

@@ -1,5 +1,6 @@
 #include "deploymentstation.h"
 
+#include "objectreleaser_p.h"
 #include "simulationdata/deploymentdevice.h"
 
 #include <utility>
@@ -44,6 +45,11 @@ std::shared_ptr<DeploymentObject> DeploymentStation::clone()
     auto clone = std::make_shared<DeploymentStation>(id());
     clone->takeFrom(*this);
     return clone;
+}
+
+void DeploymentStation::visitMembers(ObjectReleaser& a_releaser)
+{
+    a_releaser.visit(m_devices);
 }
 
 void DeploymentStation::takeFrom(const DeploymentStation& a_source)

@@ -36,8 +36,7 @@ public:
     bool removeDevice(std::shared_ptr<DeploymentDevice> a_device);
 
 private:
-    friend class DeploymentGraph;
-
+    void visitMembers(ObjectReleaser& a_releaser) override;
     void takeFrom(const DeploymentStation& a_source);
 
     QSet<std::shared_ptr<DeploymentDevice>> m_devices;

@@ -2,8 +2,7 @@
 
 #include "emissionsettings_walk_p.h"
 #include "ifrequencysettings_p.h"
-#include "referencegraph_p.h"
-#include "releasequeue_p.h"
+#include "objectreleaser_p.h"
 #include "simulationdata/szenarioemitter.h"
 
 #include <boost/make_shared.hpp>
@@ -71,11 +70,10 @@ QSet<const EmissionSettings::Emission*> emissionsOf(const QList<EmissionPtr>& a_
 EmissionSettings::Emission::~Emission()
 {
     if (emitter.use_count() == 1) {
-        // Not as an initializer list: that would hold the last reference until
-        // the queue is gone.
-        std::vector<std::shared_ptr<const void>> references;
-        references.push_back(std::move(emitter));
-        ReleaseQueue::release(std::move(references));
+        // Not as an initializer list, which would hold the last pointer during the drop.
+        std::vector<std::shared_ptr<const void>> pointers;
+        pointers.push_back(std::move(emitter));
+        ObjectReleaser::dropInTurn(std::move(pointers));
     }
 }
 
@@ -116,7 +114,7 @@ EmissionSettings& EmissionSettings::operator=(const EmissionSettings& a_other)
 
 EmissionSettings::~EmissionSettings()
 {
-    releaseGroups();
+    ObjectReleaser::releaseGroups(m_groups);
 }
 
 EmissionPtr EmissionSettings::createEmission()
@@ -302,14 +300,14 @@ void EmissionSettings::partGroups()
             member = own.value(member.get(), member);
         }
     }
-    releaseGroups();
+    ObjectReleaser::releaseGroups(m_groups);
     m_groups = groups;
     m_pSharing.reset();
 }
 
 void EmissionSettings::clearAll()
 {
-    releaseGroups();
+    ObjectReleaser::releaseGroups(m_groups);
     m_pSharing.reset();
     m_emissions.clear();
 }
@@ -392,47 +390,6 @@ QList<HRActivity> EmissionSettings::calculateHRActivities(const SzenarioEmitter*
     const qsizetype iNext = lowerBound(a_uiStart - iBase);
     return walkSchedule(m_emissions, a_pEmitter, std::max<qsizetype>(iNext - 1, 0), m_iDuration, iBase,
                         static_cast<std::int64_t>(windowEnd(a_uiStart, a_uiLength)));
-}
-
-void EmissionSettings::releaseGroups()
-{
-    if (m_groups.isEmpty()) {
-        return;
-    }
-    // Lists that are shared with a copy are parted first: then every holder
-    // counts.
-    std::vector<GroupPtr> kept;
-    ReferenceGraph graph;
-    const auto add = [&](const GroupPtr& a_group) {
-        const auto [node, bNew] = graph.add(a_group.get());
-        if (bNew) {
-            kept.push_back(a_group);
-        }
-        return node;
-    };
-    m_groups.detach();
-    for (const GroupPtr& group : std::as_const(m_groups)) {
-        add(group);
-    }
-    m_groups.clear();
-    for (std::size_t i = 0; i < kept.size(); ++i) {
-        const GroupPtr group = kept[i];
-        group->groups.detach();
-        for (const GroupPtr& member : std::as_const(group->groups)) {
-            if (member) {
-                graph.addReference(i, add(member));
-            }
-        }
-    }
-    std::vector<long> useCounts(kept.size());
-    std::transform(kept.cbegin(), kept.cend(), useCounts.begin(),
-                   [](const GroupPtr& a_group) { return a_group.use_count() - 1; });
-    const std::vector<bool> unreachable = graph.unreachable(useCounts);
-    for (std::size_t i = 0; i < kept.size(); ++i) {
-        if (unreachable[i]) {
-            kept[i]->groups.clear();
-        }
-    }
 }
 
 } // namespace Simulation

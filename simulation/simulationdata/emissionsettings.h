@@ -152,10 +152,9 @@ public:
                                                           unsigned int a_uiLength) const;
 
 private:
-    friend class ScenarioGraph;
+    friend class ObjectReleaser;
 
     [[nodiscard]] qsizetype lowerBound(std::int64_t a_iStart) const;
-    void releaseGroups();
 
     QList<boost::shared_ptr<Emission>> m_emissions;
     QList<boost::shared_ptr<Group>> m_groups;

@@ -1,7 +1,7 @@
 #include "scenariodatabinary.h"
 
+#include "objectreleaser_p.h"
 #include "scenariodatabinary_p.h"
-#include "scenariograph_p.h"
 #include "simulationdata/io/documentfile_p.h"
 #include "simulationdata/io/trace_p.h"
 #include "simulationdata/scenarionetwork.h"
@@ -46,20 +46,6 @@ bool mayHold(qsizetype a_iObjects)
     return static_cast<std::uint64_t>(a_iObjects) <= Limits::value(Limits::ScenarioObjects);
 }
 
-/// Releases the objects and breaks the circles of those that nobody else holds. The
-/// caller's own containers must be empty already, because their references would
-/// count as another holder's.
-template<typename Objects>
-void releaseAll(Objects a_objects, std::shared_ptr<SzenarioEmitter> a_defaultEmitter = nullptr)
-{
-    QSet<std::shared_ptr<ScenarioObject>> dropped(a_objects.cbegin(), a_objects.cend());
-    if (a_defaultEmitter) {
-        dropped.insert(std::exchange(a_defaultEmitter, nullptr));
-    }
-    a_objects.clear();
-    ScenarioGraph::release(std::move(dropped));
-}
-
 } // namespace
 
 ScenarioDataBinary::ScenarioDataBinary(ISignalPackageProvider* a_pProvider)
@@ -68,36 +54,27 @@ ScenarioDataBinary::ScenarioDataBinary(ISignalPackageProvider* a_pProvider)
 
 ScenarioDataBinary::~ScenarioDataBinary()
 {
-    QSet<std::shared_ptr<ScenarioObject>> objects(m_emitters.cbegin(), m_emitters.cend());
-    for (const std::shared_ptr<ScenarioNetwork>& network : std::as_const(m_networks)) {
-        objects.insert(network);
-    }
-    m_emitters.clear();
-    m_networks.clear();
-    releaseAll(std::move(objects), std::exchange(m_defaultEmitter, nullptr));
+    ObjectReleaser::release(m_emitters, m_networks, m_defaultEmitter);
 }
 
 void ScenarioDataBinary::setScenarioEmitter(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters)
 {
-    QSet<std::shared_ptr<SzenarioEmitter>> emitters = a_emitters;
-    emitters.remove(nullptr);
-    QSet<std::shared_ptr<SzenarioEmitter>> dropped = std::exchange(m_emitters, std::move(emitters));
-    const bool bDefaultDropped = !m_emitters.contains(m_defaultEmitter);
-    releaseAll(std::move(dropped), bDefaultDropped ? std::exchange(m_defaultEmitter, nullptr) : nullptr);
+    ObjectReleaser::replace(m_emitters, a_emitters);
+    if (!m_emitters.contains(m_defaultEmitter)) {
+        ObjectReleaser::release(m_defaultEmitter);
+    }
 }
 
 void ScenarioDataBinary::setScenarioNetworks(const QSet<std::shared_ptr<ScenarioNetwork>>& a_networks)
 {
-    QSet<std::shared_ptr<ScenarioNetwork>> networks = a_networks;
-    networks.remove(nullptr);
-    releaseAll(std::exchange(m_networks, std::move(networks)));
+    ObjectReleaser::replace(m_networks, a_networks);
 }
 
 void ScenarioDataBinary::setDefaultEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter)
 {
     auto former = std::exchange(m_defaultEmitter, a_emitter);
-    if (former && !m_emitters.contains(former)) {
-        releaseAll(QSet<std::shared_ptr<ScenarioObject>>(), std::move(former));
+    if (!m_emitters.contains(former)) {
+        ObjectReleaser::release(former);
     }
 }
 

@@ -2,9 +2,9 @@
 
 #include "commondataxml_names_p.h"
 #include "commondataxml_p.h"
+#include "objectreleaser_p.h"
 #include "scenariodataxml_p.h"
 #include "scenariodataxml_references_p.h"
-#include "scenariograph_p.h"
 #include "simulationdata/io/documentfile_p.h"
 #include "simulationdata/io/trace_p.h"
 #include "simulationdata/scenarionetwork.h"
@@ -108,11 +108,7 @@ ScenarioDataXml::~ScenarioDataXml()
 void ScenarioDataXml::clear()
 {
     m_mergedIds.clear();
-    ObjectSet objects = std::exchange(m_objects, {});
-    for (const std::shared_ptr<SzenarioEmitter>& emitter : std::exchange(m_defaultEmitters, {})) {
-        objects.insert(emitter);
-    }
-    ScenarioGraph::release(std::move(objects));
+    ObjectReleaser::release(m_objects, m_defaultEmitters);
 }
 
 bool ScenarioDataXml::fromXmlFile(const QString& a_sFile)
@@ -257,15 +253,11 @@ void ScenarioDataXml::setScenarioObjects(const ObjectSet& a_objects)
     m_mergedIds.clear();
     ObjectSet objects = a_objects;
     objects.remove(nullptr);
-    ObjectSet dropped = std::exchange(m_objects, std::move(objects));
-    m_defaultEmitters.removeIf([&](const auto& a_default) {
-        const bool bDropped = !m_objects.contains(a_default);
-        if (bDropped) {
-            dropped.insert(a_default);
-        }
-        return bDropped;
-    });
-    ScenarioGraph::release(std::move(dropped));
+    m_objects.swap(objects);
+    QList<std::shared_ptr<SzenarioEmitter>> defaults = std::exchange(m_defaultEmitters, {});
+    std::copy_if(defaults.cbegin(), defaults.cend(), std::back_inserter(m_defaultEmitters),
+                 [this](const auto& a_default) { return m_objects.contains(a_default); });
+    ObjectReleaser::release(objects, defaults);
 }
 
 std::shared_ptr<SzenarioEmitter> ScenarioDataXml::getDefaultEmitter() const
@@ -275,18 +267,13 @@ std::shared_ptr<SzenarioEmitter> ScenarioDataXml::getDefaultEmitter() const
 
 void ScenarioDataXml::setDefaultEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter)
 {
-    QList<std::shared_ptr<SzenarioEmitter>> former;
+    QList<std::shared_ptr<SzenarioEmitter>> emitters;
     if (a_emitter) {
-        former.append(a_emitter);
+        emitters.append(a_emitter);
     }
-    std::swap(former, m_defaultEmitters);
-    ObjectSet dropped;
-    for (const std::shared_ptr<SzenarioEmitter>& emitter : std::exchange(former, {})) {
-        if (!m_objects.contains(emitter)) {
-            dropped.insert(emitter);
-        }
-    }
-    ScenarioGraph::release(std::move(dropped));
+    m_defaultEmitters.swap(emitters);
+    emitters.removeIf([this](const auto& a_former) { return m_objects.contains(a_former); });
+    ObjectReleaser::release(emitters);
 }
 
 QString ScenarioDataXml::xmlForObjects(const ObjectSet& a_objects, ISignalPackageProvider* /*a_pProvider*/)
@@ -331,14 +318,12 @@ ObjectSet ScenarioDataXml::objectsForXml(const QString& a_sXml, ISignalPackagePr
 
 void ScenarioDataXml::releaseObjects(ObjectSet&& a_objects)
 {
-    ScenarioGraph::release(std::move(a_objects));
+    ObjectReleaser::release(a_objects);
 }
 
 void ScenarioDataXml::releaseObject(std::shared_ptr<ScenarioObject> a_object)
 {
-    ObjectSet objects;
-    objects.insert(std::move(a_object));
-    ScenarioGraph::release(std::move(objects));
+    ObjectReleaser::release(a_object);
 }
 
 QString ScenarioDataXml::networkTypeToString(NetworkType a_eType)

@@ -67,7 +67,7 @@ public:
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> emitterActiveAt(unsigned int a_uiTime) const;
 
 private:
-    friend class ScenarioGraph;
+    friend class ObjectReleaser;
 
     void takeFrom(const ScenarioNetwork& a_source);
 

@@ -86,8 +86,6 @@ protected:
     void copyFrom(const ScenarioObject& a_source);
 
 private:
-    friend class ScenarioGraph;
-
     ScenarioObject(const ScenarioObject& a_other) = delete;
     ScenarioObject& operator=(const ScenarioObject& a_other) = delete;
 

@@ -1,7 +1,7 @@
 #include "szenarioemitter.h"
 
 #include "ifrequencysettings_p.h"
-#include "releasequeue_p.h"
+#include "objectreleaser_p.h"
 #include "simulationdata/emissionsettings.h"
 #include "simulationdata/ifrequencysettings.h"
 #include "simulationdata/positionsettingsfixed.h"
@@ -61,7 +61,7 @@ SzenarioEmitter::~SzenarioEmitter()
     if (!m_linkedEmitters.isEmpty()) {
         std::vector<std::shared_ptr<const void>> linked(m_linkedEmitters.cbegin(), m_linkedEmitters.cend());
         m_linkedEmitters.clear();
-        ReleaseQueue::release(std::move(linked));
+        ObjectReleaser::dropInTurn(std::move(linked));
     }
 }
 

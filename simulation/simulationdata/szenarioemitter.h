@@ -136,7 +136,7 @@ protected:
     void copyFrom(const SzenarioEmitter& a_source);
 
 private:
-    friend class ScenarioGraph;
+    friend class ObjectReleaser;
 
     /// The result of following the chain of link targets.
     struct Chain
