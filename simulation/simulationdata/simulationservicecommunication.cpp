@@ -3,8 +3,7 @@
 #include "simulationdata/io/trace_p.h"
 #include "simulationdata/simulationlimits.h"
 #include "simulationdata/xmlelement.h"
-#include "simulationservicecommunication_commands_p.h"
-#include "simulationservicecommunication_payload_p.h"
+#include "simulationservicecommunication_p.h"
 #include "xmlseparator_p.h"
 
 #include <QCryptographicHash>
@@ -13,7 +12,7 @@
 
 #include <utility>
 
-// The commands themselves, read and written, are in servicecommands.cpp.
+// The commands, read and written, are in simulationservicecommunication_commands.cpp.
 
 namespace Simulation {
 

@@ -1,9 +1,8 @@
-#include "simulationservicecommunication_commands_p.h"
+#include "simulationservicecommunication_p.h"
 
 #include "simulationdata/io/trace_p.h"
 #include "simulationdata/simulationservicecommunication.h"
 #include "simulationdata/xml/xmltext_p.h"
-#include "simulationservicecommunication_payload_p.h"
 
 #include <QXmlStreamReader>
 

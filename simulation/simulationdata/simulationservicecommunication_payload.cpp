@@ -1,4 +1,4 @@
-#include "simulationservicecommunication_payload_p.h"
+#include "simulationservicecommunication_p.h"
 
 #include "simulationdata/io/inflate_p.h"
 

@@ -1,5 +1,5 @@
-#ifndef SIMULATIONDATA_SIMULATIONSERVICECOMMUNICATION_COMMANDS_P_H
-#define SIMULATIONDATA_SIMULATIONSERVICECOMMUNICATION_COMMANDS_P_H
+#ifndef SIMULATIONDATA_SIMULATIONSERVICECOMMUNICATION_P_H
+#define SIMULATIONDATA_SIMULATIONSERVICECOMMUNICATION_P_H
 
 #include "simulationdata/xmlelement.h"
 
@@ -21,10 +21,10 @@ struct PeekedNames
     QString command;
 };
 
-/// Nothing for a document so short that reading it whole costs no more.
+/// No value for a document so short that reading it whole costs no more.
 [[nodiscard]] std::optional<PeekedNames> peekedNames(const QByteArray& a_document);
 
-/// A command that has come, and whose signals tell of it.
+/// A received command and the signal that it triggers.
 class ReceivedCommand
 {
 public:
@@ -50,6 +50,17 @@ private:
     bool m_bCompressed;
     SimulationServiceCommunication* m_pReceiver;
 };
+
+/// Returns the bytes as the text of an XML element in UTF-8. Compressed: Base64 of
+/// qCompress(). Otherwise each byte is one Latin-1 character.
+[[nodiscard]] QByteArray compressPayload(const QByteArray& a_data, bool a_bCompress);
+
+/// Returns the bytes of such a text. Empty, with the error text in `*a_pError`, when
+/// they cannot be decompressed or exceed Limits::InflatedBytes.
+///
+/// Takes the text over, so that no more than the text and the result are held
+/// at a time.
+[[nodiscard]] QByteArray uncompressPayload(QByteArray&& a_text, bool a_bCompressed, QString* a_pError);
 
 } // namespace Simulation
 
