@@ -48,6 +48,15 @@ void SimulationServiceCommunication::setSocket(QTcpSocket* a_pSocket)
     connect(m_pSeparator, &XmlSeparator::xmlReceived, this, &SimulationServiceCommunication::slotXmlReceived);
     connect(m_pSeparator, &XmlSeparator::errorOccured, this,
             &SimulationServiceCommunication::slotErrorOccured);
+    // Queued as the documents are, which were received before the error.
+    connect(
+        m_pSeparator, &XmlSeparator::errorOccured, m_pSeparator,
+        [this, pSeparator = m_pSeparator](const QString& a_sError) {
+            if (pSeparator == m_pSeparator && m_streamErrorHandler) {
+                m_streamErrorHandler(a_sError);
+            }
+        },
+        Qt::QueuedConnection);
     // The other end of a new connection knows nothing of the half document that
     // the old one may have left. The state changes before connected() is emitted,
     // in whose slots users already send.
@@ -82,29 +91,48 @@ void SimulationServiceCommunication::dropSeparators(const QTcpSocket* a_pSocket)
     }
 }
 
+QByteArray SimulationServiceCommunication::encode(const CommandSender& a_send)
+{
+    QByteArray bytes;
+    SimulationServiceCommunication encoder(nullptr);
+    encoder.m_pEncoded = &bytes;
+    a_send(encoder);
+    return encoder.m_bLostCommands ? QByteArray() : bytes;
+}
+
+void SimulationServiceCommunication::sendEncoded(const QByteArray& a_bytes)
+{
+    if (m_pEncoded != nullptr) {
+        m_pEncoded->append(a_bytes);
+    } else if (m_pSeparator != nullptr) {
+        m_bLostCommands = !m_pSeparator->sendXml(a_bytes) || m_bLostCommands;
+    }
+}
+
 void SimulationServiceCommunication::sendCommand(const XmlElement& a_command)
 {
-    if (m_pSeparator == nullptr) {
+    if (!isSending()) {
         return;
     }
     const QByteArray document = a_command.toByteArray();
-    const bool bTooLarge = static_cast<quint64>(document.size()) > Limits::value(Limits::DocumentBytes);
-    if (bTooLarge) {
-        // The peer would read nothing any more.
-        traceError(s_szSource, [&] {
-            return QStringLiteral("Not sent: %1 of %2 bytes, %3")
-                .arg(a_command.tagName(), QString::number(document.size()),
-                     Limits::exceeded(Limits::DocumentBytes));
-        });
+    if (static_cast<quint64>(document.size()) <= Limits::value(Limits::DocumentBytes)) {
+        sendEncoded(document);
+        return;
     }
-    m_bLostCommands = bTooLarge || !m_pSeparator->sendXml(document) || m_bLostCommands;
+    // The peer would stop reading.
+    m_bLostCommands = true;
+    traceError(s_szSource, [&] {
+        return QStringLiteral("Not sent: %1 of %2 bytes, %3")
+            .arg(a_command.tagName(), QString::number(document.size()),
+                 Limits::exceeded(Limits::DocumentBytes));
+    });
 }
 
 /// Adds the bytes to the command and sends it.
 void SimulationServiceCommunication::sendPayload(XmlElement a_command, const QString& a_sName,
                                                  const QByteArray& a_data)
 {
-    if (m_pSeparator != nullptr) { // or compressing would be for nobody
+    if (isSending()) { // or compressing would be wasted
         a_command.setChildUtf8(a_sName, compressPayload(a_data, m_bCompression));
         sendCommand(a_command);
     }

@@ -28,8 +28,9 @@ class XmlElement;
 /// Lives on the thread of the socket's event loop. Signals come from the event
 /// loop, never out of a read or a send; the object may be deleted in a slot on
 /// one of them. Commands that are unknown, incomplete or broken are traced and
-/// passed over. What cannot be parsed as a stream of documents is traced once
-/// and ends the reading until the next connection or setSocket().
+/// passed over. What cannot be parsed as a stream of documents is traced once,
+/// reported to the stream error handler, and ends the reading until the next
+/// connection or setSocket().
 ///
 /// Texts that are sent lose the characters that XML forbids.
 class SIMULATIONDATA_EXPORT SimulationServiceCommunication : public QObject
@@ -84,10 +85,33 @@ public:
     /// may send, but must neither delete this object nor set a filter or a socket.
     void setCommandFilter(CommandFilter a_filter) { m_filter = std::move(a_filter); }
 
+    /// Takes the error text, which may quote what the peer sent and be long.
+    using StreamErrorHandler = std::function<void(const QString& a_sError)>;
+
+    /// Has the handler called when nothing more is read over the socket in use,
+    /// because what it receives is not a stream of documents or exceeds a limit:
+    /// once for each connection, from the event loop, after the signals of all
+    /// commands that were received before. The handler may close the socket, set
+    /// another one, or delete this object later. An empty one is not called.
+    void setStreamErrorHandler(StreamErrorHandler a_handler) { m_streamErrorHandler = std::move(a_handler); }
+
     /// How much is held of a document that has begun to arrive over the socket in
     /// use, and whose end has not (bytes): 0 between documents and without a
     /// socket.
     [[nodiscard]] qint64 unfinishedBytes() const;
+
+    /// Sends commands through the slots of the object that it is given.
+    using CommandSender = std::function<void(SimulationServiceCommunication&)>;
+
+    /// Returns the bytes that the slots called by the function would write to a
+    /// socket, so that a command for many peers is built and compressed once.
+    /// Compresses unless the function calls setCompression(false). Empty, after
+    /// one trace, when a command exceeds Limits::DocumentBytes.
+    [[nodiscard]] static QByteArray encode(const CommandSender& a_send);
+
+    /// Writes bytes of encode() to the socket, like the slots that send. A caller
+    /// that gives them in pieces sends nothing else in between.
+    void sendEncoded(const QByteArray& a_bytes);
 
     /// The text by which the service confirms a device, 28 characters: made
     /// from its id, machine, machine id and type. The device compares it with
@@ -152,12 +176,15 @@ private Q_SLOTS:
 private:
     [[nodiscard]] bool isRefused(const QString& a_sCommand, qsizetype a_iBytes) const;
     void dropSeparators(const QTcpSocket* a_pSocket);
+    [[nodiscard]] bool isSending() const { return m_pSeparator != nullptr || m_pEncoded != nullptr; }
     void sendCommand(const XmlElement& a_command);
     void sendPayload(XmlElement a_command, const QString& a_sName, const QByteArray& a_data);
 
     QPointer<QTcpSocket> m_pSocket;
     XmlSeparator* m_pSeparator = nullptr; ///< child
+    QByteArray* m_pEncoded = nullptr;     ///< where encode() has the commands written; not owned
     CommandFilter m_filter;               ///< empty = all commands are processed
+    StreamErrorHandler m_streamErrorHandler;
     bool m_bCompression = true;
     bool m_bLostCommands = false;
 };

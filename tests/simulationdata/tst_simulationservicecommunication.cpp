@@ -178,6 +178,8 @@ private Q_SLOTS:
     void socketDiesFirst();
     void lossWithUnreadBytes();
     void tooLarge();
+    void encoded();
+    void streamError();
 };
 
 void TestSimulationServiceCommunication::cleanup()
@@ -304,6 +306,7 @@ void TestSimulationServiceCommunication::commands()
     QFETCH(QString, signal);
     Wire wire;
     const Log log(*wire.communication);
+    QCOMPARE(SimulationServiceCommunication::encode(send), document);
     send(*wire.communication);
     QTRY_VERIFY(wire.far->bytesAvailable() >= document.size());
     QCOMPARE(wire.far->readAll(), document);
@@ -610,6 +613,65 @@ void TestSimulationServiceCommunication::tooLarge()
     wire.communication->setSocket(wire.near.get());
     wire.reconnect();
     QVERIFY(wire.communication->hasLostCommands());
+}
+
+void TestSimulationServiceCommunication::encoded()
+{
+    Wire wire;
+    const QByteArray bytes = SimulationServiceCommunication::encode([](SimulationServiceCommunication& a_to) {
+        a_to.sendStopScenario();
+        a_to.setCompression(false);
+        a_to.sendLoadScenario("<S/>");
+    });
+    QCOMPARE(bytes, bare("StopScenario") + scenarioCommand("&lt;S/&gt;"));
+    constexpr qsizetype iPiece = 10;
+    for (qsizetype i = 0; i < bytes.size(); i += iPiece) {
+        wire.communication->sendEncoded(bytes.mid(i, iPiece));
+    }
+    QTRY_COMPARE(wire.far->bytesAvailable(), bytes.size());
+    QCOMPARE(wire.far->readAll(), bytes);
+    QVERIFY(!wire.communication->hasLostCommands());
+
+    Limits::setValue(Limits::DocumentBytes, 50);
+    const TraceCollector traces;
+    QCOMPARE(SimulationServiceCommunication::encode([](SimulationServiceCommunication& a_to) {
+                 a_to.sendStopScenario();
+                 a_to.sendLoadScenario("<S/>");
+             }),
+             QByteArray());
+    QCOMPARE(TraceCollector::lines().size(), 1);
+    wire.near->abort();
+    wire.communication->sendEncoded(bytes);
+    QVERIFY(wire.communication->hasLostCommands());
+}
+
+/// The handler hears once of each connection that breaks, after the commands before
+/// the error, and of no connection that is over for its owner.
+void TestSimulationServiceCommunication::streamError()
+{
+    Wire wire;
+    QStringList events;
+    connect(wire.communication.get(), &SimulationServiceCommunication::stopScenario, this,
+            [&] { events.append(QStringLiteral("stop")); });
+    wire.communication->setStreamErrorHandler([&](const QString& a_sError) {
+        events.append(a_sError);
+        wire.near->abort();
+    });
+    for (int i = 0; i < 2; ++i) {
+        wire.sendBytes(bare("StopScenario") + "<a>\xC3(" + bare("StopScenario"));
+        QTRY_COMPARE(events.size(), 2);
+        QTest::qWait(s_iQuietTime);
+        QCOMPARE(events, QStringList({QStringLiteral("stop"),
+                                      QStringLiteral("Encountered incorrectly encoded content.")}));
+        events.clear();
+        wire.reconnect();
+    }
+    wire.sendBytes(bare("StopScenario") + "</a>");
+    QObject::connect(wire.near.get(), &QTcpSocket::readyRead, wire.communication.get(),
+                     [&wire] { wire.communication->setSocket(nullptr); });
+    QTRY_VERIFY(wire.communication->socket() == nullptr);
+    QTest::qWait(s_iQuietTime);
+    QCOMPARE(events, QStringList());
 }
 
 QTEST_GUILESS_MAIN(TestSimulationServiceCommunication)
