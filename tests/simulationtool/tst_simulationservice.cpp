@@ -1,4 +1,3 @@
-#include "programs/encodedcommand.h"
 #include "programs/outbox.h"
 #include "programs/simulationservice.h"
 #include "tracecollector.h"
@@ -448,8 +447,10 @@ void TestSimulationService::slowDeviceIsSentNewestScenario()
     QByteArray document(iBytes, '\0');
     for (int i = 0; i < iLoads; ++i) {
         random.generate(document.begin(), document.end());
-        controller.socket.write(encodedCommand([&](auto& a_to) { a_to.sendLoadScenario(document); }));
-        controller.socket.write(encodedCommand([&](auto& a_to) { a_to.sendLoadDeployment(document); }));
+        controller.socket.write(Simulation::SimulationServiceCommunication::encode(
+            [&](auto& a_to) { a_to.sendLoadScenario(document); }));
+        controller.socket.write(Simulation::SimulationServiceCommunication::encode(
+            [&](auto& a_to) { a_to.sendLoadDeployment(document); }));
         QVERIFY(controller.isServed());
     }
     QCOMPARE(logged.lines.filter(QStringLiteral("dropped")), QStringList());

@@ -41,8 +41,8 @@ ExitCode load(ServiceController& a_controller, const OrderArgument& a_argument, 
 }
 
 /// Sends an order and reports which devices have confirmed it.
-ExitCode confirm(ServiceController& a_controller, const CommandSender& a_send, const ConfirmedOrder& a_order,
-                 Report& a_report)
+ExitCode confirm(ServiceController& a_controller, const ServiceController::CommandSender& a_send,
+                 const ConfirmedOrder& a_order, Report& a_report)
 {
     return a_controller.sendAndConfirm(a_send, a_order.outcome)
                ? reportAnswers(a_controller, a_order, a_report)

@@ -53,10 +53,9 @@ void ServiceController::connectSignals()
         }
     });
     connect(&m_socket, &QTcpSocket::errorOccurred, this, [this] { fail(m_socket.errorString()); });
-    // The part that reads the stream says when it gives up.
-    for (const QObject* const pPart : m_communication.children()) {
-        connect(pPart, SIGNAL(errorOccured(QString)), this, SLOT(slotUnreadable(QString)));
-    }
+    m_communication.setStreamErrorHandler([this](const QString& a_sError) {
+        fail(QStringLiteral("the answer cannot be read: ") + LogLimit::part(a_sError.simplified()));
+    });
     connect(&m_communication, &Communication::responseSimulationDevices, this, [this](const auto& a_devices) {
         m_devices = a_devices;
         m_iAnswers -= m_iAnswers > 0 ? 1 : 0;
@@ -220,11 +219,6 @@ ServiceController::Waited ServiceController::waitFor(const std::function<bool()>
         m_loop.run();
     }
     return Waited::Done;
-}
-
-void ServiceController::slotUnreadable(const QString& a_sReason)
-{
-    fail(QStringLiteral("the answer cannot be read: ") + LogLimit::part(a_sReason.simplified()));
 }
 
 void ServiceController::fail(const QString& a_sProblem)

@@ -3,7 +3,6 @@
 
 #include "console/interruptibleloop.h"
 #include "devicereport.h"
-#include "encodedcommand.h"
 #include "serveraddress.h"
 
 #include "simulationdata/scenariotiminghelper.h"
@@ -35,7 +34,8 @@ class ServiceController : public QObject
 
 public:
     using States = QMap<QString, Simulation::SimulationDeviceState>; ///< by device id
-    using Answers = QMap<QString, QString>;                          ///< messages by device id
+    using CommandSender = Simulation::SimulationServiceCommunication::CommandSender;
+    using Answers = QMap<QString, QString>; ///< messages by device id
 
     /// How long devices have to confirm an order (ms), unless the timeout is less.
     static constexpr std::chrono::milliseconds s_confirmation{2000};
@@ -87,9 +87,6 @@ public:
     [[nodiscard]] const States& states() const { return m_states; }
     /// What the service said of the scenario time, which stands until it does.
     [[nodiscard]] const Simulation::ScenarioTimingHelper& timing() const { return m_timing; }
-
-private Q_SLOTS:
-    void slotUnreadable(const QString& a_sReason);
 
 private:
     enum class Waited {

@@ -69,12 +69,8 @@ void ServicePeer::connectSocket()
     });
     // What was received just before the end still waits in the event loop.
     connect(m_pSocket, &QTcpSocket::disconnected, this, &ServicePeer::slotDisconnected, Qt::QueuedConnection);
-    // The part that reads the stream says when it gives up; what it belongs to
-    // would only be silent from then on.
-    for (const QObject* const pPart : m_communication.children()) {
-        connect(pPart, SIGNAL(errorOccured(QString)), this, SLOT(slotUnreadable(QString)),
-                Qt::QueuedConnection);
-    }
+    m_communication.setStreamErrorHandler(
+        [this](const QString& a_sError) { Q_EMIT lost(a_sError.simplified()); });
 }
 
 bool ServicePeer::isConnected() const
@@ -144,7 +140,10 @@ void ServicePeer::fillSocket()
 {
     const qint64 iRoom = s_iWriteBytes - m_pSocket->bytesToWrite();
     if (iRoom > 0 && !m_outbox.isEmpty()) {
-        m_pSocket->write(m_outbox.take(iRoom)); // a socket without a connection has lost all anyway
+        m_communication.sendEncoded(m_outbox.take(iRoom));
+        if (m_communication.hasLostCommands()) {
+            Q_EMIT lost(QStringLiteral("a command could not be sent whole"));
+        }
     }
 }
 
@@ -164,11 +163,6 @@ void ServicePeer::close()
 void ServicePeer::tell(const QString& a_sText, bool a_bFinal)
 {
     m_log.tell(shortened(a_sText, s_iMaxLine), a_bFinal);
-}
-
-void ServicePeer::slotUnreadable(const QString& a_sReason)
-{
-    Q_EMIT lost(a_sReason.simplified());
 }
 
 void ServicePeer::slotDisconnected()

@@ -71,7 +71,6 @@ Q_SIGNALS:
     void lost(const QString& a_sReason);
 
 private Q_SLOTS:
-    void slotUnreadable(const QString& a_sReason);
     void slotDisconnected();
     void slotWrite();
 

@@ -54,6 +54,7 @@ SimulationDevice::SimulationDevice(const Simulation::SimulationDeviceConfigurati
     connect(&m_communication, &Communication::acceptSimulationDevice, this, &SimulationDevice::slotAccepted);
     connect(&m_communication, &Communication::unregisterSimulationDevice, this,
             &SimulationDevice::slotUnregistered);
+    m_communication.setStreamErrorHandler([this](const QString& a_sError) { abandonConnection(a_sError); });
     connect(&m_log, &LogLimit::told, this, &SimulationDevice::told);
     connectOrders();
     connectRunOrders();
@@ -69,10 +70,6 @@ void SimulationDevice::connectToService(const ServerAddress& a_server)
     m_communication.setSocket(nullptr);
     m_connector = std::make_unique<TcpServerConnector>(a_server.host, a_server.port);
     m_communication.setSocket(m_connector->socket()); // for all its connections
-    for (const QObject* const pPart : m_communication.children()) {
-        connect(pPart, SIGNAL(errorOccured(QString)), this, SLOT(slotUnreadable(QString)),
-                Qt::QueuedConnection);
-    }
     connect(m_connector->socket(), &QTcpSocket::errorOccurred, this, &SimulationDevice::slotNotConnected);
     connect(m_connector.get(), &TcpServerConnector::connectedToServer, this,
             &SimulationDevice::slotConnected);
@@ -120,10 +117,10 @@ void SimulationDevice::slotDisconnected()
 }
 
 /// The rest of this connection would be lost; the next one begins afresh.
-void SimulationDevice::slotUnreadable(const QString& a_sReason)
+void SimulationDevice::abandonConnection(const QString& a_sError)
 {
     m_log.tell(QStringLiteral("what the service sends cannot be read: ") +
-               LogLimit::part(a_sReason.simplified()));
+               LogLimit::part(a_sError.simplified()));
     // An orderly end would wait until all is sent, which a service that does not
     // read puts off for ever. An attempt that is under way already is the next
     // connection.

@@ -92,10 +92,8 @@ Q_SIGNALS:
     /// already when it is looked are left out, but for the latest.
     void stepDue(quint32 a_uiTime);
 
-private Q_SLOTS:
-    void slotUnreadable(const QString& a_sReason);
-
 private:
+    void abandonConnection(const QString& a_sError);
     void slotNotConnected();
     void slotConnected();
     void slotDisconnected();

@@ -285,7 +285,7 @@ QString SimulationService::registrationProblem(const QString& a_sId,
     SimulationDeviceConfiguration listed = a_configuration;
     listed.setId(a_sId);
     // As it is sent: escaped in the list, and the id in attributes.
-    const qsizetype iBytes = encodedCommand([&](Communication& a_to) {
+    const qsizetype iBytes = Communication::encode([&](Communication& a_to) {
                                  a_to.sendResponseSimulationDevices({listed});
                                  a_to.sendSimulationDeviceStateUpdate(a_sId, SimulationDeviceState());
                              }).size();
@@ -355,7 +355,7 @@ void SimulationService::sendState(ServicePeer* a_pPeer, const QString& a_sId, co
 /// Null when it is larger than any peer accepts.
 OutgoingCommandPtr SimulationService::encoded(const CommandSender& a_send, OutgoingKind a_eKind) const
 {
-    QByteArray bytes = encodedCommand(a_send);
+    QByteArray bytes = Communication::encode(a_send);
     return bytes.isEmpty() ? nullptr
                            : std::make_shared<OutgoingCommand>(std::move(bytes), m_pPending, a_eKind);
 }

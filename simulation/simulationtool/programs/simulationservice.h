@@ -1,11 +1,11 @@
 #ifndef SIMULATIONTOOL_SIMULATIONSERVICE_H
 #define SIMULATIONTOOL_SIMULATIONSERVICE_H
 
-#include "encodedcommand.h"
 #include "outbox.h"
 
 #include "simulationdata/simulationdeviceconfiguration.h"
 #include "simulationdata/simulationdevicestate.h"
+#include "simulationdata/simulationservicecommunication.h"
 
 #include <QByteArray>
 #include <QHash>
@@ -54,6 +54,8 @@ class SimulationService : public QObject
     Q_OBJECT
 
 public:
+    using CommandSender = Simulation::SimulationServiceCommunication::CommandSender;
+
     static constexpr std::chrono::seconds s_timeout{60};
 
     /// A peer is dropped when for that time it leaves a command unfinished or
