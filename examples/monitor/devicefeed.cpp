@@ -35,6 +35,7 @@ DeviceFeed::DeviceFeed()
         Q_EMIT updated();
     });
     connect(&m_communication, &Communication::simulationDeviceStateUpdate, this, &DeviceFeed::takeState);
+    m_communication.setStreamErrorHandler([this](const QString& a_sError) { Q_EMIT unreadable(a_sError); });
     m_askAgain.setSingleShot(true);
     m_askAgain.setInterval(s_iAskAgain);
     connect(&m_askAgain, &QTimer::timeout, &m_communication,

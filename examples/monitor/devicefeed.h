@@ -50,6 +50,10 @@ Q_SIGNALS:
     /// The table may be other than before. Comes after every list, at least.
     void updated();
 
+    /// What the service sends cannot be read, and nothing more of it is over this
+    /// connection.
+    void unreadable(const QString& a_sError);
+
 private:
     void takeList(const QVector<Simulation::SimulationDeviceConfiguration>& a_devices);
     void takeDevice(const Simulation::SimulationDeviceConfiguration& a_device);

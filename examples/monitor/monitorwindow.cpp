@@ -27,9 +27,10 @@ using Simulation::SimulationsTableModel;
 using Simulation::TcpServerConnector;
 using Simulation::WaitDisplayWidget;
 
-constexpr QSize s_size(820, 420); ///< of a new window
-constexpr int s_iGap = 14;        ///< pixels between the texts of two columns
-constexpr int s_iPosition = 4;    ///< the column whose texts are all as long and are not to be elided
+constexpr QSize s_size(820, 420);      ///< of a new window
+constexpr int s_iGap = 14;             ///< pixels between the texts of two columns
+constexpr qsizetype s_iMaxError = 200; ///< characters of an error text, which may quote the service
+constexpr int s_iPosition = 4;         ///< the column whose texts are all as long and are not to be elided
 
 struct StateName
 {
@@ -81,6 +82,13 @@ MonitorWindow::MonitorWindow(const QString& a_sHost, std::uint16_t a_uiPort)
     m_refresh.setSingleShot(true);
     m_refresh.setInterval(0);
     connect(&m_feed, &DeviceFeed::updated, &m_refresh, qOverload<>(&QTimer::start));
+    connect(&m_feed, &DeviceFeed::updated, this, [this] {
+        if (m_bConnected && !m_sUnreadable.isEmpty()) {
+            m_sUnreadable.clear();
+            showState();
+        }
+    });
+    connect(&m_feed, &DeviceFeed::unreadable, this, &MonitorWindow::abandonConnection);
     connect(&m_refresh, &QTimer::timeout, this, [this] {
         fitColumns();
         showCounts();
@@ -176,6 +184,16 @@ void MonitorWindow::disconnected()
     Q_EMIT updated();
 }
 
+/// The rest of the connection is never read. The connector starts another one.
+void MonitorWindow::abandonConnection(const QString& a_sError)
+{
+    m_sUnreadable = a_sError.simplified().left(s_iMaxError);
+    qInfo().noquote() << "monitor: what the service sends cannot be read:" << m_sUnreadable;
+    if (m_connector != nullptr && m_connector->isConnected()) {
+        m_connector->socket()->abort();
+    }
+}
+
 void MonitorWindow::cancel()
 {
     m_connector.reset(); // it would try again without end
@@ -194,6 +212,9 @@ void MonitorWindow::showState()
         sText = tr("Trying to connect.");
     } else if (m_feed.isFollowingStates()) {
         sText = tr("Controls the service, for the sake of the states, until another program acquires it.");
+    }
+    if (!m_sUnreadable.isEmpty()) {
+        sText += QLatin1Char(' ') + tr("What the service sent could not be read: %1").arg(m_sUnreadable);
     }
     statusBar()->showMessage(sText);
 }

@@ -24,6 +24,9 @@ namespace Monitor {
 /// The devices of a simulation service, with a lamp for the connection. While it
 /// connects, a waiting dialog is shown. Who cancels that wants no more attempts,
 /// but keeps the window, where a button begins anew.
+///
+/// A connection over which the service sends what cannot be read is closed like a
+/// lost one, and the status bar shows why until a service can be read again.
 class MonitorWindow : public QMainWindow
 {
     Q_OBJECT
@@ -51,6 +54,7 @@ private:
     void createWait();
     void connected();
     void disconnected();
+    void abandonConnection(const QString& a_sError);
     void cancel();
     void showState();
     void showCounts();
@@ -62,6 +66,7 @@ private:
     std::unique_ptr<Simulation::TcpServerConnector> m_connector; ///< null = not to be connected
     QTimer m_refresh;                                            ///< runs while there is news to be shown
     bool m_bConnected = false;
+    QString m_sUnreadable;      ///< why the last connection was given up; empty once a service is read again
     bool m_bColumnsFit = false; ///< the widths are the user's now
 
     // Children

@@ -11,6 +11,7 @@
 #include <QHostAddress>
 #include <QImage>
 #include <QScrollBar>
+#include <QStatusBar>
 #include <QTableView>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -66,6 +67,12 @@ public:
         Simulation::SimulationDeviceState state;
         state.setScenarioDataState(a_eState);
         m_peer->sendSimulationDeviceStateUpdate(QLatin1String(a_szId), state);
+    }
+    /// Sends what is not a stream of documents, and accepts no other connection.
+    void sendGarbage()
+    {
+        m_server->close();
+        m_peer->socket()->write("<a>\xC3(");
     }
     static SimulationDeviceConfiguration device(const char* a_szId, const char* a_szName)
     {
@@ -166,6 +173,7 @@ private Q_SLOTS:
     void stateBeforeDevice();
     void staysScrolled();
     void lostConnection();
+    void unreadableService();
     void cancel();
     void readableColors_data();
     void readableColors();
@@ -253,6 +261,24 @@ void TestMonitor::lostConnection()
     service.listen();
     QVERIFY(seen.shows("Alpha Beta"));
     QVERIFY(!seen.window.waitDialog().isVisible() && seen.lamp.isLedActive());
+}
+
+/// A connection that is read no more is worth nothing: the window starts another one.
+void TestMonitor::unreadableService()
+{
+    FakeService service;
+    Seen seen(service);
+    QVERIFY(seen.shows("Alpha Beta"));
+    const QString sBefore = seen.window.statusBar()->currentMessage();
+    service.sendGarbage();
+    QVERIFY(seen.shows(""));
+    QVERIFY(seen.window.waitDialog().isVisible() && !seen.lamp.isLedActive());
+    const QString sStatus = seen.window.statusBar()->currentMessage();
+    QCOMPARE(sStatus, QStringLiteral("Trying to connect. What the service sent could not be read: "
+                                     "Encountered incorrectly encoded content."));
+    service.listen();
+    QVERIFY(seen.shows("Alpha Beta"));
+    QCOMPARE(seen.window.statusBar()->currentMessage(), sBefore);
 }
 
 /// Cancel ends the attempts, not the program; a button begins anew.
