@@ -26,4 +26,11 @@ bool ElintScenarioEmitter::isActiveAt(unsigned int a_uiTime) const
     return isReadyAt(a_uiTime);
 }
 
+SzenarioEmitter::Transmission ElintScenarioEmitter::transmissionAt(unsigned int a_uiTime) const
+{
+    Transmission transmission = SzenarioEmitter::transmissionAt(a_uiTime);
+    transmission.isActive = isReadyAt(a_uiTime);
+    return transmission;
+}
+
 } // namespace Simulation

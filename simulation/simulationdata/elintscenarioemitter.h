@@ -20,6 +20,7 @@ public:
     [[nodiscard]] std::shared_ptr<ScenarioObject> clone() override;
 
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;
+    [[nodiscard]] Transmission transmissionAt(unsigned int a_uiTime) const override;
 
     [[nodiscard]] QString getEDWFile() const { return m_sEDWFile; }
     /// The capital letter is part of the interface.

@@ -364,9 +364,14 @@ std::shared_ptr<SignalPackage> EmissionSettings::signalPackageAt(unsigned int a_
 long long EmissionSettings::timeActiveAt(unsigned int a_uiTime) const
 {
     const EmissionPtr emission = emissionAt(a_uiTime);
-    // An active emission started at most its own duration ago, so the difference
-    // fits.
-    return emission ? std::int64_t{a_uiTime} % m_iDuration - emission->start : -1;
+    return emission ? timeActiveAt(a_uiTime, *emission) : -1;
+}
+
+long long EmissionSettings::timeActiveAt(unsigned int a_uiTime, const Emission& a_emission) const
+{
+    // An active emission started at most its own duration ago, so the
+    // difference fits.
+    return std::int64_t{a_uiTime} % m_iDuration - a_emission.start;
 }
 
 unsigned int EmissionSettings::activeUntil() const

@@ -139,6 +139,8 @@ public:
     [[nodiscard]] std::shared_ptr<SignalPackage> signalPackageAt(unsigned int a_uiTime) const;
     /// How long the emission at a time has been on (ms), or -1.
     [[nodiscard]] long long timeActiveAt(unsigned int a_uiTime) const;
+    /// The same for an emission that emissionAt() has returned for that time.
+    [[nodiscard]] long long timeActiveAt(unsigned int a_uiTime, const Emission& a_emission) const;
     /// 0xFFFFFFFF: a schedule never ends.
     [[nodiscard]] unsigned int activeUntil() const;
 

@@ -2,7 +2,6 @@
 
 #include "ifrequencysettings_p.h"
 #include "objectreleaser_p.h"
-#include "simulationdata/emissionsettings.h"
 #include "simulationdata/ifrequencysettings.h"
 #include "simulationdata/positionsettingsfixed.h"
 #include "simulationdata/scenarionetwork.h"
@@ -129,19 +128,26 @@ bool SzenarioEmitter::isReadyAt(unsigned int a_uiTime) const
            pPosition->isActiveAt(a_uiTime);
 }
 
-bool SzenarioEmitter::isActiveAt(unsigned int a_uiTime) const
+/// Whether everything but the schedule lets the emitter send.
+bool SzenarioEmitter::isOnAt(unsigned int a_uiTime) const
 {
     const std::shared_ptr<ScenarioNetwork> network = m_network.lock();
-    if ((network && !network->isActive()) || !isReadyAt(a_uiTime)) {
-        return false;
-    }
-    return emissionSettings()->isBroadcast() || speaksAt(a_uiTime);
+    return (!network || network->isActive()) && isReadyAt(a_uiTime);
 }
 
-bool SzenarioEmitter::speaksAt(unsigned int a_uiTime) const
+bool SzenarioEmitter::isActiveAt(unsigned int a_uiTime) const
 {
-    const auto emission = emissionSettings()->emissionAt(a_uiTime);
-    return emission && (!hasNetwork() || emission->emitter.get() == this);
+    return isOnAt(a_uiTime) && (emissionSettings()->isBroadcast() || ownEmissionAt(a_uiTime));
+}
+
+/// The emission at a time, or null; in a network only one that names this emitter.
+boost::shared_ptr<EmissionSettings::Emission> SzenarioEmitter::ownEmissionAt(unsigned int a_uiTime) const
+{
+    auto emission = emissionSettings()->emissionAt(a_uiTime);
+    if (emission && hasNetwork() && emission->emitter.get() != this) {
+        emission.reset();
+    }
+    return emission;
 }
 
 void SzenarioEmitter::addLinkedEmitter(std::shared_ptr<SzenarioEmitter> a_emitter)
@@ -272,12 +278,27 @@ double SzenarioEmitter::headingAt(unsigned int a_uiTime) const
 
 long long SzenarioEmitter::timeActiveAt(unsigned int a_uiTime) const
 {
-    return speaksAt(a_uiTime) ? emissionSettings()->timeActiveAt(a_uiTime) : -1;
+    const auto emission = ownEmissionAt(a_uiTime);
+    return emission ? emissionSettings()->timeActiveAt(a_uiTime, *emission) : -1;
 }
 
 std::shared_ptr<SignalPackage> SzenarioEmitter::signalPackageAt(unsigned int a_uiTime) const
 {
-    return speaksAt(a_uiTime) ? emissionSettings()->signalPackageAt(a_uiTime) : nullptr;
+    const auto emission = ownEmissionAt(a_uiTime);
+    return emission ? emission->signalPackage : nullptr;
+}
+
+SzenarioEmitter::Transmission SzenarioEmitter::transmissionAt(unsigned int a_uiTime) const
+{
+    const EmissionSettings& schedule = *emissionSettings();
+    const auto emission = ownEmissionAt(a_uiTime);
+    Transmission transmission;
+    transmission.isActive = isOnAt(a_uiTime) && (schedule.isBroadcast() || emission);
+    if (emission) {
+        transmission.timeActive = schedule.timeActiveAt(a_uiTime, *emission);
+        transmission.signalPackage = emission->signalPackage;
+    }
+    return transmission;
 }
 
 QList<HRActivity> SzenarioEmitter::calculateBursts(unsigned int a_uiStart, unsigned int a_uiEnd,

@@ -1,6 +1,7 @@
 #ifndef SIMULATIONDATA_SZENARIOEMITTER_H
 #define SIMULATIONDATA_SZENARIOEMITTER_H
 
+#include "simulationdata/emissionsettings.h"
 #include "simulationdata/hractivity.h"
 #include "simulationdata/scenarioobject.h"
 #include "simulationdata/tpos.h"
@@ -121,6 +122,16 @@ public:
     /// the emission names this emitter.
     [[nodiscard]] std::shared_ptr<SignalPackage> signalPackageAt(unsigned int a_uiTime) const;
 
+    /// The answers of isActiveAt(), timeActiveAt() and signalPackageAt() at one time.
+    struct Transmission
+    {
+        bool isActive = false;
+        long long timeActive = -1; ///< ms, or -1
+        std::shared_ptr<SignalPackage> signalPackage;
+    };
+    /// All three for one search in the schedule.
+    [[nodiscard]] virtual Transmission transmissionAt(unsigned int a_uiTime) const;
+
     /// The on-times of the schedule inside [start, end) ms, each filled with the
     /// frequency activities of resolution `a_dFactor` (Hz, for a chirp); no activity
     /// lies outside the window or its on-time. The answer stops at
@@ -148,7 +159,8 @@ private:
 
     void takeFrom(const SzenarioEmitter& a_source);
     void followChain() const;
-    [[nodiscard]] bool speaksAt(unsigned int a_uiTime) const;
+    [[nodiscard]] bool isOnAt(unsigned int a_uiTime) const;
+    [[nodiscard]] boost::shared_ptr<EmissionSettings::Emission> ownEmissionAt(unsigned int a_uiTime) const;
 
     QString m_sClass;
     std::unique_ptr<TransmitterSettings> m_pTransmitterSettings;

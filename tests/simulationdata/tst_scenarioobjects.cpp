@@ -61,6 +61,15 @@ IPositionSettings* endingMovement()
     return pSettings;
 }
 
+/// Whether one query answers as the three queries for the parts do.
+bool isTransmissionWhole(const SzenarioEmitter& a_emitter, unsigned int a_uiTime)
+{
+    const SzenarioEmitter::Transmission whole = a_emitter.transmissionAt(a_uiTime);
+    return whole.isActive == a_emitter.isActiveAt(a_uiTime) &&
+           whole.timeActive == a_emitter.timeActiveAt(a_uiTime) &&
+           whole.signalPackage == a_emitter.signalPackageAt(a_uiTime);
+}
+
 QString bursts(const SzenarioEmitter& a_emitter, unsigned int a_uiStart, unsigned int a_uiEnd)
 {
     QStringList texts;
@@ -474,6 +483,7 @@ void TestScenarioObjects::active()
     send(subject->emissionSettings(), subject, 0, 1000);
     change(*subject);
     QTEST(subject->isActiveAt(500), "active");
+    QVERIFY(isTransmissionWhole(*subject, 500));
     subject->emissionSettings()->clearAll();
 }
 
@@ -484,7 +494,7 @@ void TestScenarioObjects::elintActive()
     QVERIFY(elint.isActiveAt(0)); // without any schedule
     network->setActive(false);
     elint.setScenarioNetwork(network);
-    QVERIFY(elint.isActiveAt(0));
+    QVERIFY(elint.isActiveAt(0) && elint.transmissionAt(0).isActive);
     elint.setScenarioNetwork(nullptr);
     elint.setFrequencySettings(endingFrequency());
     QVERIFY(elint.isActiveAt(999) && !elint.isActiveAt(1001));
@@ -513,6 +523,9 @@ void TestScenarioObjects::speakers()
                 !first->signalPackageAt(150));
         QCOMPARE(first->timeActiveAt(50), 50LL);
         QCOMPARE(second->timeActiveAt(50), -1LL);
+        for (const unsigned int uiTime : {0U, 50U, 150U, 250U}) {
+            QVERIFY(isTransmissionWhole(*first, uiTime) && isTransmissionWhole(*second, uiTime));
+        }
     }
 }
 

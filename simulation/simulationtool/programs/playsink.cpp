@@ -226,7 +226,6 @@ private:
 Moment::Moment(const Simulation::SzenarioEmitter& a_emitter, std::uint32_t a_uiTime,
                RepositoryPackages* a_pPackages)
     : time(a_uiTime)
-    , active(a_emitter.isActiveAt(a_uiTime))
     , frequency(a_emitter.getFrequencyAt(a_uiTime))
     , position(a_emitter.getPositionAt(a_uiTime))
     , heading(a_emitter.headingAt(a_uiTime))
@@ -234,11 +233,13 @@ Moment::Moment(const Simulation::SzenarioEmitter& a_emitter, std::uint32_t a_uiT
     if (const Simulation::IPositionSettings* pPosition = a_emitter.positionSettings()) {
         speed = pPosition->speedAt(a_uiTime);
     }
+    const Simulation::SzenarioEmitter::Transmission sent = a_emitter.transmissionAt(a_uiTime);
+    active = sent.isActive;
     // A schedule goes on while its emitter is switched off or has ended.
-    if (const auto package = active ? a_emitter.signalPackageAt(a_uiTime) : nullptr) {
-        packageId = package->id();
+    if (sent.isActive && sent.signalPackage) {
+        packageId = sent.signalPackage->id();
         if (a_pPackages != nullptr) {
-            level = a_pPackages->levelAt(package, a_emitter.timeActiveAt(a_uiTime));
+            level = a_pPackages->levelAt(sent.signalPackage, sent.timeActive);
         }
     }
 }

@@ -29,7 +29,7 @@ struct Moment
            RepositoryPackages* a_pPackages);
 
     std::uint32_t time; ///< ms
-    bool active;
+    bool active = false;
     double frequency;           ///< Hz
     Simulation::TPos position;  ///< degrees
     double heading;             ///< degrees
