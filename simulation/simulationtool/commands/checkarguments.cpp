@@ -85,7 +85,7 @@ void addCheckOptions(QCommandLineParser& a_parser)
     addJsonOption(a_parser);
 }
 
-/// Why the parsed arguments are wrong; empty when they are not.
+/// The error text for wrong arguments; empty when they are right.
 QString problemOf(const QCommandLineParser& a_parser)
 {
     const QStringList files = a_parser.positionalArguments();

@@ -9,8 +9,7 @@ namespace SimulationTool {
 
 class Output;
 
-/// Reads the arguments of the command, its name first, and does what they ask
-/// for.
+/// The command "check": reads the arguments, the command's name first, and runs it.
 [[nodiscard]] ExitCode check(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

@@ -29,8 +29,8 @@ namespace SimulationTool {
 
 namespace {
 
-/// What of a document its reader has not kept, as the subject of a sentence;
-/// empty when it has kept all.
+/// The parts of a document that its reader did not keep, as the object of "would
+/// lose"; empty when it kept all.
 QString lossOf(const Simulation::ScenarioDataXml& a_scenario, const QByteArray& a_source,
                const QByteArray& a_written)
 {
@@ -40,9 +40,8 @@ QString lossOf(const Simulation::ScenarioDataXml& a_scenario, const QByteArray& 
     return documentLoss(a_source, a_written, Notes::Count);
 }
 
-/// Keeps a file under its own name with "~" added. The name, or nothing after
-/// one line on standard error when the file cannot be kept or another one has
-/// that name.
+/// Saves a content as the file's name with "~" added. Returns that name; no value,
+/// after one line on standard error, when it exists already or cannot be written.
 std::optional<QString> keepFormer(const QString& a_sFile, const QByteArray& a_content)
 {
     const QString sBackup = QFileInfo(a_sFile).canonicalFilePath() + u'~';
@@ -54,14 +53,15 @@ std::optional<QString> keepFormer(const QString& a_sFile, const QByteArray& a_co
     return replaceFile(sBackup, a_content) == ExitCode::Ok ? std::make_optional(sBackup) : std::nullopt;
 }
 
-/// Whether what a rule finds is in the document itself, not in one of its objects.
+/// Whether the findings of a rule concern the document itself, not one of its
+/// objects.
 bool isOfDocument(const QString& a_sRule)
 {
     return a_sRule == u"broken-off" || a_sRule == u"newer-version" || a_sRule == u"not-read";
 }
 
-/// The ids that a repository knows. Every emission keeps its own record, so that a
-/// repaired document names the same packages as before.
+/// Knows the ids of a repository, but keeps every emission's own package record, so
+/// that a repaired document names the same packages as before.
 class KnownIds : public Simulation::UnresolvedSignalPackageProvider
 {
 public:
@@ -82,15 +82,16 @@ private:
     RepositoryPackages& m_packages;
 };
 
-/// Checks files against the same packages and classes, and counts.
+/// Checks files one after another against the same packages and classes, and counts
+/// the findings. Owns neither options, packages nor output.
 class FileCheck
 {
 public:
-    /// The packages are null where none are checked.
+    /// `a_pPackages` and `a_pKnownIds` are null when packages are not checked.
     FileCheck(const CheckOptions& a_options, RepositoryPackages* a_pPackages,
               Simulation::ISignalPackageProvider* a_pKnownIds, Output& a_output);
 
-    /// Checks all files. An interrupted check says nothing at its end.
+    /// Checks all files and writes the summary; an interrupted check writes none.
     [[nodiscard]] ExitCode run();
 
 private:
@@ -167,8 +168,8 @@ CheckFindings FileCheck::scenarioFindings(Simulation::ScenarioDataXml& a_scenari
     return findings;
 }
 
-/// Whether the written scenario may take the place of the file that lost
-/// something while it was read. With --force the former file is kept first.
+/// Whether the repaired scenario may replace the file although its reader did not
+/// keep `a_sLoss`. With --force the former file is saved first.
 bool FileCheck::mayReplace(const InputFile& a_file, const QString& a_sLoss, const QByteArray& a_source)
 {
     if (a_sLoss.isEmpty() || !a_file.isSameAs(m_options.repairFile)) {
@@ -185,7 +186,7 @@ bool FileCheck::mayReplace(const InputFile& a_file, const QString& a_sLoss, cons
     return false;
 }
 
-/// Writes the document of the scenario after the check, which lacks `a_sLoss`.
+/// Writes the repaired document, which lacks `a_sLoss`.
 ExitCode FileCheck::repair(const InputFile& a_file, const QString& a_sLoss, const QByteArray& a_document)
 {
     if (a_document.isEmpty()) {
@@ -217,15 +218,15 @@ ExitCode FileCheck::refuse(const InputFile& a_file, const QString& a_sReason)
 
 ExitCode FileCheck::checkScenario(const InputFile& a_file)
 {
-    // Keeps every id: one that the repository does not know is to be found, not
-    // replaced while loading, and one that it knows is to be written as it was.
+    // This provider keeps every id while loading: an unknown id must be found by the
+    // check, and a known one must be written unchanged.
     Simulation::UnresolvedSignalPackageProvider ids;
     Simulation::ScenarioDataXml scenario(&ids);
     if (!scenario.fromXmlFile(a_file.path())) {
         return refuse(a_file, scenario.errorString());
     }
     m_report.value("kind", QStringLiteral("scenario"));
-    // Writing forgets how the reading ended.
+    // toXml() clears the reader's error text.
     const bool bBrokeOff = !scenario.errorString().isEmpty();
     CheckFindings findings = scenarioFindings(scenario);
     const QByteArray source = a_file.content();
@@ -306,7 +307,7 @@ ExitCode FileCheck::run()
         InputFile file(sFile);
         progress.setWork(QStringLiteral("checking ") + file.name());
         eCode = worse(eCode, check(file));
-        // An interrupted check is nobody's fault: nothing is said.
+        // An interruption is not reported as an error.
         if (isInterrupted() || !m_output.isOk()) {
             return ExitCode::Unusable;
         }
@@ -322,13 +323,14 @@ ExitCode runCheck(const CheckOptions& a_options, Output& a_output)
     if (a_options.repository.isEmpty()) {
         return FileCheck(a_options, nullptr, nullptr, a_output).run();
     }
-    catchInterruptions(); // the cache is a temporary one
+    catchInterruptions(); // the temporary cache must be removed
     RepositoryPackages packages;
-    // A package that is not in the cache would be repaired away.
+    // A package that is missing in the cache would be replaced by the repair.
     if (!packages.open(a_options.repository, {}) || !packages.isComplete()) {
         return ExitCode::Unusable;
     }
-    // A repair against the wrong folder would take every emission its package.
+    // A repair against a folder without packages would replace the package of every
+    // emission.
     if (Simulation::SignalPackageFolder::list(packageStoreOf(a_options.repository)).isEmpty()) {
         complain(QStringLiteral("%1: holds no signal packages").arg(a_options.repository));
         return ExitCode::Unusable;

@@ -12,22 +12,23 @@ namespace SimulationTool {
 
 class Output;
 
-/// What to check and against what.
+/// The options of a check.
 struct CheckOptions
 {
     QStringList files;     ///< scenarios and deployments, "-" = standard input; one with a repair file
-    QString repository;    ///< folder whose packages emissions may name; empty = packages are not checked
-    QString repairFile;    ///< where the repaired scenario goes; empty = nowhere
-    bool force = false;    ///< replace the file itself also when that loses something
-    QSet<QString> classes; ///< that emitters may have; empty = all
+    QString repository;    ///< folder with the packages that emissions may name; empty = packages are not
+                           ///< checked
+    QString repairFile;    ///< file for the repaired scenario; empty = none
+    bool force = false;    ///< replace the input file even when content is lost
+    QSet<QString> classes; ///< classes that emitters may have; empty = all
     ReportForm form = ReportForm::Text;
 };
 
-/// Checks scenarios and deployments one after another and writes one line per finding, and one
-/// at the end. Findings tells that there were some, repaired or not; Unusable
-/// that a file could not be read or the repaired one not be written, which keeps
-/// no other from being checked. With a repository a check that is interrupted
-/// cleans up and returns; see interruption.h.
+/// Checks scenarios and deployments one after another. Writes one line per finding,
+/// and a summary at the end. Returns Findings when there were any, repaired or not;
+/// Unusable when a file could not be read or the repaired one not written, which does
+/// not stop the check of the others. When interrupted it removes its temporary files
+/// and returns Unusable; see interruption.h.
 [[nodiscard]] ExitCode runCheck(const CheckOptions& a_options, Output& a_output);
 
 } // namespace SimulationTool

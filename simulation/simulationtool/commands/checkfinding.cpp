@@ -26,7 +26,7 @@ namespace SimulationTool {
 
 namespace {
 
-constexpr double s_dMaxLongitude = 180.0; ///< degrees, either way
+constexpr double s_dMaxLongitude = 180.0; ///< degrees, east and west
 constexpr double s_dMaxLatitude = 90.0;
 
 void findDamagedPackages(CheckFindings& a_findings, const Simulation::ScenarioObject& a_object,
@@ -39,7 +39,7 @@ void findDamagedPackages(CheckFindings& a_findings, const Simulation::ScenarioOb
             continue;
         }
         seen.insert(sNamed);
-        // An id that a newer package supersedes means that one.
+        // An id that a newer package supersedes resolves to that package.
         const auto package = a_packages.signalPackage(sNamed);
         const QStringList problems = a_packages.problemsOf(package ? package->id() : sNamed);
         if (!problems.isEmpty()) {
@@ -53,12 +53,13 @@ void findDamagedPackages(CheckFindings& a_findings, const Simulation::ScenarioOb
 
 bool isPlace(const Simulation::TPos& a_position)
 {
-    // Written so that what is no number is no place.
+    // The comparisons are false for a value that is not a number.
     return std::fabs(a_position.longitude) <= s_dMaxLongitude &&
            std::fabs(a_position.latitude) <= s_dMaxLatitude;
 }
 
-/// The first of an object's own positions that is no place on the earth.
+/// The first of an object's own positions outside the ranges of longitude and
+/// latitude.
 std::optional<Simulation::TPos> wrongPosition(Simulation::IPositionSettings* a_pSettings)
 {
     if (a_pSettings == nullptr) {
@@ -88,8 +89,7 @@ void checkPosition(CheckFindings& a_findings, const auto& a_object,
     }
 }
 
-/// Whether settings place an object: one that is read without a position is at
-/// 0/0.
+/// Whether settings place an object. A device read without a position is at 0/0.
 bool isPlaced(Simulation::IPositionSettings* a_pSettings)
 {
     const auto isElsewhere = [](const Simulation::TPos& a_position) {
@@ -106,7 +106,7 @@ bool isPlaced(Simulation::IPositionSettings* a_pSettings)
 
 using StationSet = QSet<std::shared_ptr<Simulation::DeploymentStation>>;
 
-/// The stations that have an element; the others are only named by devices.
+/// The stations that have an element of their own; others are only named by devices.
 StationSet describedStations(const Simulation::DeploymentDataXml& a_deployment)
 {
     StationSet described;
@@ -177,7 +177,7 @@ CheckFindings placeFindings(const Simulation::ScenarioDataXml& a_scenario)
 {
     CheckFindings findings;
     for (const auto& emitter : emittersOf(a_scenario)) {
-        // An emitter that follows another one is where that one is.
+        // An emitter that follows another one has its position.
         if (!emitter->linkTargetEmitter()) {
             checkPosition(findings, *emitter, emitter->ownPositionSettings());
         }

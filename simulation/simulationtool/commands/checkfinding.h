@@ -13,36 +13,37 @@ namespace SimulationTool {
 
 class RepositoryPackages;
 
-/// What a check found in a document.
+/// One finding of a check.
 struct CheckFinding
 {
     QString objectId;   ///< empty: the document itself
-    QString objectName; ///< empty: none
-    QString rule;       ///< never changes
-    QString text;       ///< one sentence: what was found, and what was done or is to be done
+    QString objectName; ///< empty: the object has no name
+    QString rule;       ///< id of the rule, stable for scripts
+    QString text;       ///< one sentence: what was found, and what was repaired or has to be done
     bool repaired = false;
 };
 
 using CheckFindings = QList<CheckFinding>;
 
-/// That a document broke off, by the error that its reader names; nothing
-/// without one.
+/// The finding that a document broke off, from its reader's error text; empty without
+/// one.
 [[nodiscard]] CheckFindings brokenOffFindings(const QString& a_sError);
 
-/// What a whole document holds that its reader passed over, in one finding.
-/// `a_written` is the same document as it is written again; empty: not known.
+/// The parts of a document that its reader ignored, as one finding. `a_written` is
+/// the same document written again; when it is empty the parts are not known and the
+/// result is empty.
 [[nodiscard]] CheckFindings unreadFindings(const QByteArray& a_document, const QByteArray& a_written);
 
-/// The emitters of a scenario that are at no place on the earth.
+/// The emitters of a scenario with a position out of range.
 [[nodiscard]] CheckFindings placeFindings(const Simulation::ScenarioDataXml& a_scenario);
 
-/// The packages that the emissions of a scenario use and that are damaged in the
-/// repository, one finding for each object and package. To be asked once the
-/// scenario was checked: emissions without a package have the default one then.
+/// The damaged packages of the repository that emissions of a scenario use, one
+/// finding for each object and package. Call after the ScenarioChecker, which assigns
+/// the default package to emissions without one.
 [[nodiscard]] CheckFindings packageFindings(const Simulation::ScenarioDataXml& a_scenario,
                                             RepositoryPackages& a_packages);
 
-/// What is wrong with a deployment that was just read.
+/// The findings of a deployment that was just read.
 [[nodiscard]] CheckFindings deploymentFindings(const Simulation::DeploymentDataXml& a_deployment);
 
 } // namespace SimulationTool

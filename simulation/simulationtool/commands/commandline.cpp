@@ -125,8 +125,7 @@ constexpr std::array<Command, 9> s_commands{{
 
 ExitCode runCommandLine(const QStringList& a_arguments, Output& a_output)
 {
-    // What stands before the command is the program's, what follows is the
-    // command's.
+    // Options before the command are the program's, those after it are the command's.
     const QString sVersion = QStringLiteral("version");
     CommandParser parser({}, QStringLiteral("COMMAND [OPTIONS]"), s_szOverview, s_szOverviewExamples);
     parser.get().addOption({{QStringLiteral("v"), sVersion}, QStringLiteral("Show the version.")});
@@ -146,7 +145,7 @@ ExitCode runCommandLine(const QStringList& a_arguments, Output& a_output)
         std::find_if(s_commands.begin(), s_commands.end(), [&](const Command& a_command) {
             return rest.constFirst() == QLatin1String(a_command.name);
         });
-    // The command takes the program's place as the first argument.
+    // The arguments of a command begin with its name, as those of the program do.
     return pCommand != s_commands.end()
                ? pCommand->run(rest, a_output)
                : parser.refuse(QStringLiteral("there is no command \"") + rest.constFirst() + u'"');

@@ -9,9 +9,8 @@ namespace SimulationTool {
 
 class Output;
 
-/// Reads the program's arguments, the program itself first, and does what they
-/// ask for. Wrong usage is answered by one line on standard error. The output
-/// is not finished.
+/// Reads the program's arguments, the program's name first, and runs the command.
+/// Reports wrong usage as one line on standard error. The caller finishes the output.
 [[nodiscard]] ExitCode runCommandLine(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

@@ -17,7 +17,7 @@ namespace SimulationTool {
 
 namespace {
 
-/// Waits until the service has an order that devices do not confirm.
+/// Waits until the service has received an order that devices do not confirm.
 ExitCode finishOrder(ServiceController& a_controller, const QString& a_sOrder, Report& a_report)
 {
     if (!a_controller.synchronize()) {
@@ -58,7 +58,7 @@ ExitCode deploy(ServiceController& a_controller, const OrderArgument& a_argument
 
 ExitCode start(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report)
 {
-    // After a pause it goes on, otherwise from the beginning.
+    // Continues after a pause, otherwise starts at 0 ms.
     const auto& timing = a_controller.timing();
     const std::uint32_t uiPaused = timing.isPaused() ? timing.scenarioTime() : 0;
     const std::uint32_t uiTime = a_argument.time.value_or(uiPaused);
@@ -110,7 +110,7 @@ ExitCode status(ServiceController& a_controller, const OrderArgument& /*a_argume
     return ExitCode::Ok;
 }
 
-/// Why bytes are no scenario; empty when they are a whole one.
+/// The error text for bytes that are not a complete scenario; empty when they are.
 QString scenarioProblem(const QByteArray& a_content)
 {
     Simulation::UnresolvedSignalPackageProvider unresolved;

@@ -15,36 +15,36 @@ namespace SimulationTool {
 class Report;
 class ServiceController;
 
-/// What an order takes along.
+/// The argument of an order.
 struct OrderArgument
 {
     QString file;
-    QByteArray content;                ///< of the file
+    QByteArray content;                ///< the file's content
     std::optional<std::uint32_t> time; ///< scenario time (ms)
 };
 
-/// One thing that "control" can do.
+/// One action of "control".
 struct ControlAction
 {
     enum class Takes {
         Nothing,
         Scenario,
         Deployment,
-        Time, ///< or nothing
+        Time, ///< optional
     };
 
     const char* name;
     Takes takes;
-    bool acquires; ///< only the controller of the service may do it
-    /// What goes wrong without being told is the controller's problem(): the
-    /// result is Unusable then.
+    bool acquires; ///< needs the control of the service
+    /// Returns Unusable after an error; unless it is on standard error already, its
+    /// text is the controller's problem().
     ExitCode (*run)(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report);
 };
 
 extern const std::array<ControlAction, 9> s_controlActions;
 
-/// Reads the file of the argument and looks whether it is what the action takes.
-/// False after one line on standard error.
+/// Reads the file of the argument and checks that it is a complete document of that
+/// kind. False after one line on standard error.
 [[nodiscard]] bool readOrderFile(ControlAction::Takes a_eKind, OrderArgument& a_argument);
 
 } // namespace SimulationTool

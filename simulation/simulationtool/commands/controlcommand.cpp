@@ -77,7 +77,8 @@ ExitCode runControl(const ControlAction& a_action, const OrderArgument& a_argume
         if (a_action.acquires) {
             controller.acquire();
         }
-        // The answer comes behind what a new controller is told.
+        // The answer arrives after everything that the service sends to a new
+        // controller.
         if (controller.synchronize()) {
             eCode = a_action.run(controller, a_argument, a_report);
         }
@@ -93,8 +94,8 @@ ExitCode runControl(const ControlAction& a_action, const OrderArgument& a_argume
     return eCode;
 }
 
-/// Reads what the action takes. False with a reason when the usage is wrong;
-/// without one when a file was refused.
+/// Reads the action's argument. False with an error text for wrong usage; false
+/// without one when a file was refused, which is reported already.
 bool readArgument(const ControlAction& a_action, const QStringList& a_rest, OrderArgument& a_argument,
                   QString& a_sReason)
 {

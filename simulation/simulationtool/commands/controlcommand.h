@@ -9,7 +9,7 @@ namespace SimulationTool {
 
 class Output;
 
-/// The command "control": arguments, the command's name first, and run.
+/// The command "control": reads the arguments, the command's name first, and runs it.
 [[nodiscard]] ExitCode control(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

@@ -43,7 +43,7 @@ ReportValue stateValue(const ServiceController& a_controller, const QString& a_s
                  : ReportValue(s_sUnknown, QJsonValue::Null);
 }
 
-/// What the last line counts, for programs.
+/// The counts of the last line, for programs.
 void writeCounts(const ServiceController& a_controller, const char* a_szKey, qsizetype a_iCount,
                  Report& a_report)
 {
@@ -51,7 +51,8 @@ void writeCounts(const ServiceController& a_controller, const char* a_szKey, qsi
     a_report.value("device_count", a_controller.devices().size());
 }
 
-/// What a device adds to having loaded, or not.
+/// The remark on a device after loading: a warning, that the device reports no
+/// packages, or its last event.
 QString loadingRemark(const SimulationDeviceState& a_state)
 {
     const QString sWarning = warningOf(a_state.message());
@@ -83,7 +84,8 @@ QString runKind(const ServiceController& a_controller)
     if (!timing.isStopped()) {
         return timing.isPaused() ? QStringLiteral("paused") : QStringLiteral("running");
     }
-    // A service that sends no states to who only looks on does not send the run either.
+    // A service that sends states only to its controller does not send the run to
+    // others either.
     const bool bSilent = a_controller.states().isEmpty() && !a_controller.devices().isEmpty();
     return bSilent ? s_sUnknown : QStringLiteral("stopped");
 }
@@ -96,7 +98,7 @@ QString runText(const ServiceController& a_controller)
         if (timing.isPaused()) {
             return QStringLiteral("paused") + sTime;
         }
-        // Devices may have refused the start, or have reached the end.
+        // The devices may have refused the start or reached the end.
         const auto& states = a_controller.states();
         const bool bPlays = std::any_of(states.cbegin(), states.cend(),
                                         [](const auto& a_state) { return reportsPlay(a_state.message()); });

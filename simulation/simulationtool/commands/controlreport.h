@@ -21,38 +21,41 @@ class ServiceController;
 
 /// How "control" reports devices, for people and for programs.
 
-/// What becomes of an order, by device.
+/// The texts for an order that devices confirm, and the outcome of their answers.
 struct ConfirmedOrder
 {
-    QString done;    ///< "Started at 0 ms": written when at least one device has confirmed it
-    QString notDone; ///< "Not started": written when none has
+    QString done;    ///< "Started at 0 ms": written when at least one device confirmed the order
+    QString notDone; ///< "Not started at 0 ms": written when none did
     std::function<OrderOutcome(const QString&)> outcome;
 };
 
-/// A table of the devices with the answer of each to the last order, and a last
-/// line that counts them. Findings unless there are devices and all have confirmed.
+/// Reports a table of the devices with each one's answer to the last order, and a
+/// line with the counts. Returns Findings unless there are devices and all confirmed
+/// the order.
 [[nodiscard]] ExitCode reportAnswers(const ServiceController& a_controller, const ConfirmedOrder& a_order,
                                      Report& a_report);
 
-/// A table of the devices with how each is done with loading, and a last line.
-/// Findings unless there are devices, and all have loaded without a warning.
+/// Reports a table of the devices with each one's loading state, and a line with the
+/// counts. Returns Findings unless there are devices and all loaded without a
+/// warning.
 [[nodiscard]] ExitCode reportLoading(const ServiceController& a_controller, Report& a_report);
 
-/// A table of the devices with their records, and their number.
+/// Reports a table of the devices with their records, and their number.
 void reportDevices(const ServiceController& a_controller, Report& a_report);
 
-/// The scenario, its time, and what the devices report.
+/// Reports the scenario, its time, and the state of each device.
 void reportStatus(const ServiceController& a_controller, Report& a_report);
 
-/// "1 device", "2 devices": those of the last list.
+/// The number of devices in the last list: "1 device", "2 devices".
 [[nodiscard]] QString devicesText(const ServiceController& a_controller);
 
-/// The run for programs: "running", "paused", "stopped", "unknown".
+/// The run state for programs: "running", "paused", "stopped", "unknown".
 [[nodiscard]] QString runKind(const ServiceController& a_controller);
-/// For people: "running at 5000 ms", "paused at 5000 ms", "not running", or that it is unknown.
+/// The run state for people: "running at 5000 ms", "paused at 5000 ms", "not running"
+/// or "unknown". A remark follows when no device reports that it plays.
 [[nodiscard]] QString runText(const ServiceController& a_controller);
 
-/// The state of a device as the service reported it; empty when it did not.
+/// The state of a device as reported by the service; no value when it reported none.
 [[nodiscard]] std::optional<Simulation::SimulationDeviceState> stateOf(const ServiceController& a_controller,
                                                                        const QString& a_sId);
 

@@ -25,7 +25,7 @@ namespace {
 
 using namespace Simulation;
 
-/// What a scenario holds that is no part of the compact form.
+/// The content of a scenario that the compact form does not carry, counted.
 struct Uncarried
 {
     quint64 networks = 0;
@@ -35,7 +35,7 @@ struct Uncarried
     quint64 periods = 0;
     quint64 broadcasts = 0;
     quint64 frequencies = 0;
-    QSet<const IPositionSettings*> positions; ///< those who are linked share one
+    QSet<const IPositionSettings*> positions; ///< linked emitters share one
     quint64 transmitters = 0;
     quint64 elintEmitters = 0;
     quint64 elintFiles = 0;
@@ -53,7 +53,8 @@ bool isDefault(const TransmitterSettings* a_pSettings)
 
 void countObject(Uncarried& a_counts, const ScenarioObject& a_object)
 {
-    // A member's own schedule and frequency count, not again its network's.
+    // Counts a member's own schedule and frequency; those of its network are counted
+    // once, with the network.
     const EmissionSettings& schedule = *a_object.ScenarioObject::emissionSettings();
     a_counts.emissions += static_cast<quint64>(schedule.emissions().size());
     a_counts.groups += static_cast<quint64>(schedule.groups().size());
@@ -90,7 +91,8 @@ Uncarried uncarriedOf(const ScenarioDataXml& a_scenario)
     return counts;
 }
 
-/// What the compact form leaves out of one kind; without a text there is nothing.
+/// One kind of content that the compact form does not carry; with an empty text when
+/// the scenario has none of it.
 struct UncarriedField
 {
     const char* key;
@@ -114,8 +116,8 @@ QStringList headerTexts(const ScenarioDataXml& a_scenario)
     return texts;
 }
 
-/// Counts that are not 0, with their nouns, in one line or object; an empty text
-/// when all are.
+/// The counts other than 0 with their nouns, in one line or object; an empty text
+/// when all are 0.
 ReportValue countsValue(const QList<std::pair<quint64, const char*>>& a_counts)
 {
     QStringList texts;
@@ -141,7 +143,7 @@ bool hasSameTexts(const SzenarioEmitter& a_first, const SzenarioEmitter& a_secon
            a_first.getClass() == a_second.getClass() && a_first.isActive() == a_second.isActive();
 }
 
-/// Why an emitter is not read back as it was; empty when it is.
+/// The reason why an emitter is read back changed; empty when it is not.
 QString changeReason(const SzenarioEmitter& a_emitter, const SzenarioEmitter* a_pBack, bool a_bSharesId)
 {
     if (a_bSharesId) {
@@ -152,7 +154,7 @@ QString changeReason(const SzenarioEmitter& a_emitter, const SzenarioEmitter* a_
                : QStringLiteral("has texts that cannot be written as they are");
 }
 
-/// Why a link is not read back.
+/// The reason why a link is not read back.
 QString lossReason(const QString& a_sTargetId, bool a_bTargetThere)
 {
     if (a_sTargetId == QStringLiteral("%%NONE%%")) {

@@ -17,18 +17,18 @@ class Report;
 
 using EmitterList = QList<std::shared_ptr<Simulation::SzenarioEmitter>>;
 
-/// What was written.
+/// Reports the written form and its size.
 void describeWritten(Report& a_report, const QString& a_sForm, qsizetype a_iEmitters, qsizetype a_iBytes);
 
-/// What the compact form does not carry of a scenario: all that is there and
+/// Reports the content of a scenario that the compact form does not carry and that is
 /// not at its default.
 void describeUncarried(Report& a_report, const Simulation::ScenarioDataXml& a_scenario);
 
-/// What a document that was made of a compact scenario holds only by default.
+/// Reports the defaults in a document made from a compact scenario.
 void describeDefaults(Report& a_report, const Simulation::ScenarioDataXml& a_scenario);
 
-/// Where emitters differ from what a reader makes of them, by what both forms
-/// carry: emitters that are missing, texts that changed, links that are lost.
+/// Reports the differences between emitters and their read-back copies, in what both
+/// forms carry: emitters that are missing, texts that changed, links that are lost.
 void describeDifferences(Report& a_report, const EmitterList& a_emitters, const EmitterList& a_readBack);
 
 } // namespace SimulationTool

@@ -51,8 +51,9 @@ ExitCode fail(const QString& a_sFile, const QString& a_sReason)
     return ExitCode::Unusable;
 }
 
-/// What is to be said of an output that no reader would take: it is not written.
-/// Without a reason of a reader nothing was put out at all.
+/// The error text for an output that a reader would refuse and that is therefore not
+/// written. `a_sReason` is that reader's error text; when it is empty, the output
+/// exceeded the limit and is empty.
 QString refusal(const QString& a_sReason)
 {
     return QStringLiteral("not written: ") +

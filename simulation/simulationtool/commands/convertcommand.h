@@ -9,9 +9,9 @@ namespace SimulationTool {
 
 class Output;
 
-/// Reads the arguments of the command, its name first, and writes the compact
-/// form of a scenario document or a document of a compact scenario. The target
-/// is replaced whole or not at all, whatever interrupts the command.
+/// The command "convert": reads the arguments, the command's name first, and writes
+/// the compact form of a scenario document or a document of a compact scenario. The
+/// target is replaced whole or not at all, even when the command is interrupted.
 [[nodiscard]] ExitCode convert(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

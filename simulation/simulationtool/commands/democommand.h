@@ -9,7 +9,7 @@ namespace SimulationTool {
 
 class Output;
 
-/// The command "demo": arguments, the command's name first, and run.
+/// The command "demo": reads the arguments, the command's name first, and runs it.
 [[nodiscard]] ExitCode demo(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

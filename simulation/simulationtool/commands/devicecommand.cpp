@@ -74,8 +74,7 @@ struct DeviceOptions
     std::uint32_t step = s_uiDefaultStep; ///< ms
 };
 
-/// Where the packages are if nobody says: in the configured repository, if there
-/// is one.
+/// The default repository: the configured one, if its folder exists; otherwise empty.
 QString configuredStore()
 {
     Simulation::SimulationSystemConfiguration configuration;
@@ -85,7 +84,8 @@ QString configuredStore()
     return QFileInfo(sStore).isDir() ? sStore : QString();
 }
 
-/// Without a repository there is the default package only.
+/// Opens the repository; without one, an empty folder, so that only the default
+/// package is available.
 bool openPackages(RepositoryPackages& a_packages, const QString& a_sRepository)
 {
     if (!a_sRepository.isEmpty()) {
@@ -112,7 +112,7 @@ ExitCode runDevice(const DeviceOptions& a_options, Output& a_output)
         simulationDevice.setPackageRemark(QStringLiteral("no repository is configured"));
     }
     if (!packages.isComplete()) {
-        // A missing package is no reason to take the whole device away.
+        // A device with missing packages still runs.
         simulationDevice.setPackageFault(QStringLiteral("some packages could not be copied to the cache"));
     }
     DevicePlay devicePlay(simulationDevice, &packages, a_output);
@@ -136,8 +136,8 @@ ExitCode runDevice(const DeviceOptions& a_options, Output& a_output)
     return packages.isComplete() ? ExitCode::Ok : ExitCode::Findings;
 }
 
-/// Why a text cannot identify a device: it must come back from the service as it
-/// was sent, and be told from others in a log.
+/// The error text for a text that cannot identify a device; empty when it can. The
+/// service must return it unchanged, and it must be distinguishable in a log.
 QString nameProblem(const QString& a_sOption, const QString& a_sText)
 {
     if (a_sText.trimmed().isEmpty()) {
@@ -149,7 +149,8 @@ QString nameProblem(const QString& a_sOption, const QString& a_sText)
                      .arg(a_sOption, QString::number(s_iMaxName));
 }
 
-/// A position in degrees; it stays where it was when the option is not given.
+/// Reads degrees in [-a_dMax, a_dMax]; without the option they stay unchanged. False
+/// with an error text for any other text.
 bool readDegrees(const QCommandLineParser& a_parser, const QString& a_sOption, double a_dMax,
                  double& a_dDegrees, QString& a_sReason)
 {
@@ -167,7 +168,7 @@ bool readDegrees(const QCommandLineParser& a_parser, const QString& a_sOption, d
     return true;
 }
 
-/// Reads what the service is told of the device. False with a reason.
+/// Reads the record that the device registers with. False with an error text.
 bool readRecord(const QCommandLineParser& a_parser, Simulation::SimulationDeviceConfiguration& a_record,
                 QString& a_sReason)
 {
@@ -188,7 +189,7 @@ bool readRecord(const QCommandLineParser& a_parser, Simulation::SimulationDevice
     a_record.setPositionLongitude(dLongitude);
     a_record.setPositionLatitude(dLatitude);
     a_record.setStationId(a_parser.value(s_sStation));
-    a_record.setStationName(a_parser.value(s_sStation)); // stations have no other name
+    a_record.setStationName(a_parser.value(s_sStation)); // the id is also the name
     if (a_parser.isSet(s_sType)) {
         a_record.setDeviceType(a_parser.value(s_sType));
     }

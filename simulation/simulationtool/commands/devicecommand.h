@@ -9,8 +9,8 @@ namespace SimulationTool {
 
 class Output;
 
-/// The command "device": arguments, the command's name first, and run. Runs
-/// until the process is interrupted or its output cannot be written.
+/// The command "device": reads the arguments, the command's name first, and runs the
+/// device until the process is interrupted or its output cannot be written.
 [[nodiscard]] ExitCode device(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

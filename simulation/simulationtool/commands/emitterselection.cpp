@@ -14,17 +14,20 @@ namespace SimulationTool {
 
 namespace {
 
-constexpr qsizetype s_iMaxComparedLength = 64; ///< longer texts are no slips of the pen
-constexpr qsizetype s_iLettersPerSlip = 4;     ///< so many more letters excuse one more wrong one
+constexpr qsizetype s_iMaxComparedLength = 64; ///< longer texts are not compared
+constexpr qsizetype s_iLettersPerSlip = 4;     ///< text length per additional allowed typing error
 
-/// How many letters must be inserted, left out or replaced to make the one text
-/// the other, regardless of case; at least `a_iLimit` when that is exceeded.
+/// The edit distance of two texts: the number of letters to insert, delete or
+/// replace, regardless of case. Returns `a_iLimit` or more when the distance is at
+/// least that. O(n m) time, O(m) memory.
 qsizetype slips(const QString& a_sFirst, const QString& a_sSecond, qsizetype a_iLimit)
 {
     if (std::abs(a_sFirst.size() - a_sSecond.size()) >= a_iLimit) {
         return a_iLimit;
     }
-    // The row of the table of Wagner and Fischer (Journal of the ACM 21, 1974).
+    // Keeps one row of the table of Wagner and Fischer (Journal of the ACM 21, 1974):
+    // row[i] is the distance of the letters read so far to the first i letters of the
+    // second text.
     std::vector<qsizetype> row(static_cast<std::size_t>(a_sSecond.size()) + 1);
     std::iota(row.begin(), row.end(), 0);
     for (const QChar cFirst : a_sFirst) {
@@ -41,7 +44,8 @@ qsizetype slips(const QString& a_sFirst, const QString& a_sSecond, qsizetype a_i
     return row.back();
 }
 
-/// The id or name most similar to a text; empty when none is near.
+/// The id or name with the smallest edit distance to a text; empty when none is
+/// similar.
 QString nearest(const Emitters& a_emitters, const QString& a_sText)
 {
     QString sNearest;
@@ -61,7 +65,7 @@ QString nearest(const Emitters& a_emitters, const QString& a_sText)
     return sNearest;
 }
 
-/// The places of the emitters that a text means.
+/// The indices of the emitters with this id or, when no id matches, this name.
 QList<qsizetype> placesOf(const Emitters& a_emitters, const QString& a_sText)
 {
     QList<qsizetype> byId;

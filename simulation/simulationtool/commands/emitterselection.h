@@ -15,10 +15,9 @@ namespace SimulationTool {
 
 using Emitters = QList<std::shared_ptr<Simulation::SzenarioEmitter>>;
 
-/// Leaves only the emitters of which one of the texts is the id or, where it is
-/// no id, the name; without texts all of them. False, with a reason and the
-/// emitters as they were, when a text is neither: the reason proposes a similar
-/// id or name.
+/// Keeps the emitters whose id, or whose name when no id matches, is one of the
+/// texts; all without texts. When a text matches neither, returns false, leaves the
+/// emitters unchanged and sets an error text that proposes a similar id or name.
 [[nodiscard]] bool selectEmitters(Emitters& a_emitters, const QStringList& a_texts, QString& a_sReason);
 
 } // namespace SimulationTool

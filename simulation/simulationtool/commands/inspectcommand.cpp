@@ -25,11 +25,11 @@ namespace SimulationTool {
 
 namespace {
 
-/// A kind of file that is more than a scenario.
+/// A kind of file other than a scenario.
 struct Kind
 {
-    bool (*recognises)(const QByteArray& a_head); ///< by the file's first bytes
-    const char* ending; ///< of files whose first bytes are of no kind; empty: there are none
+    bool (*recognises)(const QByteArray& a_head); ///< from the file's first bytes
+    const char* ending; ///< file name ending, used when no kind recognises the first bytes; empty: none
     Verdict (*describe)(Report& a_report, const InputFile& a_file);
 };
 
@@ -52,7 +52,7 @@ constexpr std::array<Kind, 8> s_kinds{{
      &describeDeployment},
 }};
 
-/// The kind of a file; null for what may be a scenario.
+/// The kind of a file; null when it may be a scenario.
 const Kind* kindOf(const InputFile& a_file)
 {
     const QByteArray head = a_file.head();
@@ -70,8 +70,8 @@ const Kind* kindOf(const InputFile& a_file)
     return found != s_kinds.end() ? &*found : nullptr;
 }
 
-/// Describes a file or package folder. Nothing when it cannot be read as a
-/// scenario, which is what everything of no other kind is taken for.
+/// Describes a file or package folder. A file of no other kind is read as a scenario;
+/// no value when that fails.
 std::optional<Verdict> describe(Report& a_report, const InputFile& a_file)
 {
     if (QFileInfo(a_file.path()).isDir()) {

@@ -10,9 +10,9 @@ namespace SimulationTool {
 class Output;
 enum class ReportForm;
 
-/// Writes what a file or a package folder holds. What it is, its content tells;
-/// where that says nothing, the ending of its name does; everything else is
-/// taken for a scenario. "-" is standard input.
+/// The command "inspect": describes a file or a package folder. The kind is
+/// recognised by the content, otherwise by the file name ending; any other file is
+/// read as a scenario. "-" is standard input.
 [[nodiscard]] ExitCode runInspect(const QString& a_sPath, ReportForm a_eForm, Output& a_output);
 
 } // namespace SimulationTool

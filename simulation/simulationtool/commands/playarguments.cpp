@@ -40,8 +40,8 @@ const char s_szPlayExamples[] =
     "     could not be copied to the cache folder.\n"
     "  2  Wrong usage, or something could not be read or written.\n";
 
-/// The value of an option as a time (ms) from a minimum on; nothing, with a
-/// reason, when it is none. Without the option the time stays as it is.
+/// Reads an option as a time (ms) of at least `a_uiMin`. Without the option the time
+/// stays unchanged. False with an error text.
 bool readTime(const QCommandLineParser& a_parser, const QString& a_sOption, std::uint32_t a_uiMin,
               std::optional<std::uint32_t>& a_time, QString& a_sReason)
 {
@@ -94,7 +94,7 @@ void addPlayOptions(QCommandLineParser& a_parser)
     addJsonOption(a_parser);
 }
 
-/// What the parsed arguments ask for; nothing, with a reason, when they are
+/// The options from the parsed arguments; no value, with an error text, when they are
 /// wrong.
 std::optional<PlayOptions> readPlayOptions(const QCommandLineParser& a_parser, QString& a_sReason)
 {

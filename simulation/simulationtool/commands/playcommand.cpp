@@ -39,24 +39,25 @@ std::uint32_t windowEnd(const PlayOptions& a_options, std::uint32_t a_uiDuration
     return a_uiDuration != 0 ? std::min(a_uiDuration, s_uiDefaultWindow) : s_uiDefaultWindow;
 }
 
-/// Whether the rows appear on a terminal, where they are progress enough.
+/// Whether the rows are shown on a terminal, which makes a progress line unnecessary.
 bool showsRows(const PlayOptions& a_options)
 {
     const bool bStandardOutput = a_options.csvFile.isEmpty() || isStandardStreamName(a_options.csvFile);
     return bStandardOutput && ::isatty(STDOUT_FILENO) == 1;
 }
 
-/// False when the rows could not be written, or the play was interrupted.
+/// Plays all steps into the sink. False when rows could not be written, or when
+/// interrupted.
 bool playInto(Sink& a_sink, const PlayOptions& a_options, std::uint32_t a_uiTo, const Emitters& a_emitters,
               RepositoryPackages* a_pPackages)
 {
     if (!a_sink.begin()) {
         return false;
     }
-    std::atomic<std::uint64_t> uiNow = a_options.from; // the progress reads it on its own thread
+    std::atomic<std::uint64_t> uiNow = a_options.from; // also read by the thread of the progress line
     std::optional<Progress> progress;
     if (!showsRows(a_options)) {
-        catchInterruptions(); // the line of the progress must not stay on the terminal
+        catchInterruptions(); // so that an interruption erases the progress line
         progress.emplace(QStringLiteral("playing"),
                          [&] { return QStringLiteral("%1 of %2 ms").arg(uiNow.load()).arg(a_uiTo); });
     }
@@ -72,7 +73,7 @@ bool playInto(Sink& a_sink, const PlayOptions& a_options, std::uint32_t a_uiTo, 
     return true;
 }
 
-/// What the report is about, for programs.
+/// The header of the report for programs.
 QJsonObject headerOf(const PlayOptions& a_options, const InputFile& a_file, std::uint32_t a_uiTo)
 {
     return {{QStringLiteral("scenario"), a_file.name()},
@@ -81,8 +82,8 @@ QJsonObject headerOf(const PlayOptions& a_options, const InputFile& a_file, std:
             {QStringLiteral("step_ms"), jsonCount(a_options.step)}};
 }
 
-/// One play: the scenario, where its rows go, and the packages, which are null
-/// without a repository.
+/// One play: the scenario, its window and emitters, the sink of its rows, and the
+/// packages, which are null without a repository. Owns the scenario only.
 class Play
 {
 public:
@@ -107,13 +108,14 @@ private:
     RepositoryPackages* m_pPackages;
     Output& m_output;
     Report m_report;
-    /// Ends after the emitters: it takes apart what nobody else holds.
+    /// Declared before m_emitters, so that it is destroyed after them: it releases
+    /// the objects that nobody else holds.
     std::unique_ptr<Simulation::ScenarioDataXml> m_scenario;
     Emitters m_emitters;
     std::uint32_t m_uiTo = 0; ///< ms
 };
 
-/// Finds the window and the emitters. False after one line on standard error.
+/// Sets the window and the emitters. False after one line on standard error.
 bool Play::prepare()
 {
     m_uiTo = windowEnd(m_options, m_scenario->getDuration());
@@ -155,7 +157,7 @@ QJsonObject Play::summary(const Verdict& a_verdict) const
             {QStringLiteral("problems"), QJsonArray::fromStringList(problems)}};
 }
 
-/// The provider is the packages, if there are any.
+/// `a_provider` is m_pPackages, if not null.
 ExitCode Play::run(Simulation::ISignalPackageProvider& a_provider)
 {
     m_scenario = std::make_unique<Simulation::ScenarioDataXml>(&a_provider);
@@ -165,7 +167,7 @@ ExitCode Play::run(Simulation::ISignalPackageProvider& a_provider)
     }
     const std::unique_ptr<Sink> sink = makeSink();
     const bool bPlayed = playInto(*sink, m_options, m_uiTo, m_emitters, m_pPackages);
-    // An interrupted play is nobody's fault: nothing is said.
+    // An interruption is not reported as an error.
     return !isInterrupted() && sink->end(bPlayed, summary(*loaded)) ? loaded->code : ExitCode::Unusable;
 }
 
@@ -186,7 +188,7 @@ ExitCode runPlay(const PlayOptions& a_options, Output& a_output)
         Simulation::UnresolvedSignalPackageProvider unresolved;
         return Play(a_options, file, nullptr, a_output).run(unresolved);
     }
-    catchInterruptions(); // the cache may be a temporary one
+    catchInterruptions(); // a temporary cache must be removed
     RepositoryPackages packages;
     if (!packages.open(a_options.repository, a_options.cache)) {
         return ExitCode::Unusable;

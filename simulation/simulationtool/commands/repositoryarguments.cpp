@@ -55,7 +55,7 @@ const char s_szListExamples[] = "\n"
                                 "  1  At least one has a problem.\n"
                                 "  2  Wrong usage, or DIR cannot be read.\n";
 
-/// What can be done with a repository.
+/// One action on a repository.
 struct Action
 {
     const char* name;
@@ -103,7 +103,7 @@ ExitCode repository(const QStringList& a_arguments, Output& a_output)
     const auto* const pAction = std::find_if(s_actions.begin(), s_actions.end(), [&](const Action& a_action) {
         return rest.constFirst() == QLatin1String(a_action.name);
     });
-    // The action takes the command's place as the first argument.
+    // The arguments of an action begin with its name, as those of a command do.
     return pAction != s_actions.end()
                ? runAction(*pAction, rest, a_output)
                : parser.refuse(QStringLiteral("there is no action \"") + rest.constFirst() + u'"');

@@ -9,8 +9,8 @@ namespace SimulationTool {
 
 class Output;
 
-/// Reads the arguments of the command, its name first, and does what they ask
-/// for.
+/// The command "repository": reads the arguments, the command's name first, and runs
+/// the action.
 [[nodiscard]] ExitCode repository(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

@@ -28,7 +28,8 @@ ExitCode refuse(const QString& a_sFolder, const QString& a_sReason)
     return ExitCode::Unusable;
 }
 
-/// Why a folder that is there must not become a repository; empty when it may.
+/// The error text for an existing folder that must not become a repository; empty
+/// when it may.
 QString initProblem(const QString& a_sFolder)
 {
     if (QString sProblem = folderProblem(a_sFolder); !sProblem.isEmpty()) {
@@ -67,7 +68,8 @@ ExitCode runRepositoryInit(const QString& a_sFolder, ReportForm a_eForm, Output&
     const QString sStore = packageStoreOf(folder.path());
     const QString sScenario =
         Simulation::DataStoreFactory::defaultScenario(folder.filePath(QStringLiteral("Files")));
-    // Default data that cannot be written do not keep the library from going on.
+    // The library reports default data that cannot be written as a success with an
+    // error text.
     if (!sProblem.isEmpty()) {
         return refuse(a_sFolder, QStringLiteral("the default data could not be written: ") + sProblem);
     }

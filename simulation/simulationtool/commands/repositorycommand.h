@@ -10,12 +10,12 @@ namespace SimulationTool {
 class Output;
 enum class ReportForm;
 
-/// Makes a folder a repository and says what stands there. A folder whose
-/// sessions would be lost, and which is no repository yet, is refused.
+/// Makes a folder a repository and reports its content. Refuses a folder that is not
+/// a repository yet but has a folder "Sessions", which would be emptied.
 [[nodiscard]] ExitCode runRepositoryInit(const QString& a_sFolder, ReportForm a_eForm, Output& a_output);
 
-/// Lists the packages of a repository, or of any folder, and what is wrong with
-/// them: Findings when something is. Of every file only the header is read.
+/// Lists the packages of a repository, or of any folder, and their problems; returns
+/// Findings when there are any. Reads only the header of every file.
 [[nodiscard]] ExitCode runRepositoryList(const QString& a_sFolder, ReportForm a_eForm, Output& a_output);
 
 } // namespace SimulationTool

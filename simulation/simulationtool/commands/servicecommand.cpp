@@ -54,7 +54,8 @@ ExitCode runService(const QHostAddress& a_address, std::uint16_t a_uiPort, std::
                     Output& a_output)
 {
     using Simulation::Limits;
-    // A content that no device could read is not worth the others' wait.
+    // Refuses contents that exceed the devices' document limit, instead of inflating
+    // them.
     Limits::setValue(Limits::InflatedBytes, Limits::value(Limits::DocumentBytes));
     InterruptibleLoop loop;
     SimulationService simulationService(a_timeout);
@@ -64,7 +65,7 @@ ExitCode runService(const QHostAddress& a_address, std::uint16_t a_uiPort, std::
                      .arg(addressText(a_address, a_uiPort), simulationService.errorString()));
         return ExitCode::Unusable;
     }
-    // Whoever started the service waits for this line.
+    // The process that started the service may wait for this line.
     a_output.write(QStringLiteral("Listening on port %1\n").arg(simulationService.port()));
     if (!a_output.finish()) {
         return ExitCode::Unusable;

@@ -9,8 +9,8 @@ namespace SimulationTool {
 
 class Output;
 
-/// The command "service": arguments, the command's name first, and run. Runs
-/// until the process is interrupted.
+/// The command "service": reads the arguments, the command's name first, and runs the
+/// service until the process is interrupted.
 [[nodiscard]] ExitCode service(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

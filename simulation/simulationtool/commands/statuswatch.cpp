@@ -44,7 +44,7 @@ QJsonObject deviceObject(const ServiceController& a_controller,
             {QStringLiteral("report"), state ? jsonText(state->message()) : QJsonValue()}};
 }
 
-/// A run is the same as long as it was not started, paused or stopped again.
+/// Identifies a run: changes when the scenario is started, paused or stopped.
 QString runMark(const ServiceController& a_controller)
 {
     const auto& timing = a_controller.timing();
@@ -68,11 +68,11 @@ ExitCode StatusWatch::run()
     if (!m_controller.problem().isEmpty()) {
         return ExitCode::Unusable;
     }
-    acceptInterruption(); // a watch has no other end
+    acceptInterruption(); // interruption is the normal end of a watch
     return ExitCode::Ok;
 }
 
-/// False once the output failed, as all of them.
+/// False once the output failed.
 bool StatusWatch::showChanges()
 {
     QMap<QString, QString> devices;

@@ -12,17 +12,18 @@ namespace SimulationTool {
 class Report;
 class ServiceController;
 
-/// Follows a service: writes one line, with its time, for what each device reports
-/// and for the run of the scenario, and another whenever one of them changes. For
-/// programs each line is an object, see docs/json.md.
+/// Follows a service: writes one line with the time for each device and for the run
+/// of the scenario, and another one after every change. For programs each line is an
+/// object, see docs/json.md.
 class StatusWatch
 {
 public:
-    /// Neither is owned. The controller is connected, and only looks on.
+    /// Owns neither. The controller must be connected and must not have acquired the
+    /// service.
     StatusWatch(ServiceController& a_controller, Report& a_report);
 
-    /// Until the process is interrupted, which gives Ok, or the connection is lost
-    /// or the output fails.
+    /// Runs until the process is interrupted, which returns Ok, or until the
+    /// connection is lost or the output fails, which returns Unusable.
     [[nodiscard]] ExitCode run();
 
 private:
@@ -32,8 +33,8 @@ private:
 
     ServiceController& m_controller;
     Report& m_report;
-    QMap<QString, QString> m_devices; ///< what was shown last, by id
-    QString m_sRun;                   ///< the run that was shown last
+    QMap<QString, QString> m_devices; ///< the last shown text, by device id
+    QString m_sRun;                   ///< runMark() of the last shown run
 };
 
 } // namespace SimulationTool
