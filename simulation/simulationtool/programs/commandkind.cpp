@@ -12,7 +12,7 @@ namespace {
 constexpr std::array<QLatin1String, 6> s_requests{
     QLatin1String("RegisterSimulation"),
     QLatin1String("UnregisterSimulation"),
-    QLatin1String("SimulationDeveiceStateUpdate"), // the protocol spells it so
+    QLatin1String("SimulationDeveiceStateUpdate"), // the protocol's spelling
     QLatin1String("AcquireServer"),
     QLatin1String("ReleaseServer"),
     QLatin1String("RequestSimulationDevices")};

@@ -5,15 +5,15 @@
 
 namespace SimulationTool {
 
-/// What the service does with a command.
+/// The service's handling of a command.
 enum class CommandKind {
-    Useless,         ///< nothing
-    Request,         ///< it serves whoever sends it
-    Order,           ///< it passes it on for the one that controls
-    OrderWithPayload ///< the same, and the command may be as large as a document
+    Useless,         ///< ignored
+    Request,         ///< served for every peer
+    Order,           ///< passed on, for the controller only
+    OrderWithPayload ///< the same; may be as large as a document
 };
 
-/// By the command's name on the wire.
+/// The kind of a command, from its name in the protocol.
 [[nodiscard]] CommandKind commandKind(const QString& a_sCommand);
 
 } // namespace SimulationTool

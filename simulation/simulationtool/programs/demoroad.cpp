@@ -31,10 +31,11 @@ using Simulation::ScenarioDataState;
 
 constexpr std::chrono::milliseconds s_timeout(10'000);
 constexpr std::uint32_t s_uiStep = 1000;         ///< ms
-constexpr std::uint32_t s_uiEnd = 10'000;        ///< ms, itself a step
+constexpr std::uint32_t s_uiEnd = 10'000;        ///< ms, included as a step
 constexpr std::uint32_t s_uiShownEvery = 5000;   ///< ms
 constexpr std::uint64_t s_uiMicroseconds = 1000; ///< in a millisecond
-constexpr Simulation::TPos s_pier{9.95, 53.54};  ///< of the demo's station
+constexpr Simulation::TPos s_pier{9.95, 53.54};  ///< position of the demo's station (degrees, longitude
+                                                 ///< first)
 constexpr int s_iWhoWidth = -8;                  ///< characters, left-aligned
 
 } // namespace
@@ -96,7 +97,7 @@ bool DemoRoad::makeRepository()
                          .arg(m_folder.path(), sReason);
         return false;
     }
-    const QString sStore = packageStoreOf(m_folder.path()); // which is there only now
+    const QString sStore = packageStoreOf(m_folder.path()); // exists only now
     const auto uiPackages = static_cast<quint64>(Simulation::SignalPackageFolder::list(sStore).size());
     tell(QStringLiteral("demo"),
          QStringLiteral("repository with %1 in a temporary folder").arg(counted(uiPackages, "package")));
@@ -119,7 +120,7 @@ void DemoRoad::addDevice(Device& a_device)
         std::make_unique<SimulationDevice>(localDevice(a_device.id, QString()), a_device.packages, s_uiStep);
     connect(a_device.device.get(), &SimulationDevice::told, this, [this, &a_device](const QString& a_sLine) {
         tell(a_device.id, a_sLine);
-        m_loop.quit(); // what is waited for may have happened
+        m_loop.quit(); // so that waitFor() checks its condition
     });
     connect(a_device.device.get(), &SimulationDevice::stepDue, this,
             [this, &a_device](quint32 a_uiTime) { notePlayed(a_device, a_uiTime); });
@@ -152,10 +153,10 @@ bool DemoRoad::acquire()
     return uiDevices == m_devices.size();
 }
 
-/// Both devices at one station.
+/// Deploys both devices at one station.
 bool DemoRoad::deploy()
 {
-    Simulation::DeploymentDataXml deployment; // ends last: it takes apart what only it holds
+    Simulation::DeploymentDataXml deployment; // destroyed last, because it releases its objects
     const auto station = std::make_shared<Simulation::DeploymentStation>(QStringLiteral("pier"));
     station->setPosition(s_pier);
     QSet<std::shared_ptr<Simulation::DeploymentDevice>> devices;
@@ -197,7 +198,7 @@ bool DemoRoad::loadScenario()
     return iLoaded == std::ssize(m_devices);
 }
 
-/// Keeps all that a step gives, and shows a few of the emitters that send.
+/// Keeps all values of a step, and shows rows of the first device every 5 s.
 void DemoRoad::notePlayed(Device& a_device, std::uint32_t a_uiTime)
 {
     QStringList values{QString::number(a_uiTime)};

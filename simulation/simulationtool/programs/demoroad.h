@@ -23,11 +23,11 @@ namespace SimulationTool {
 class Report;
 class Sink;
 
-/// The road of a scenario from an editor to the devices, with all programs in
-/// this process: they talk over connections of the loopback device, and share a
-/// clock that is moved by hand, so that nobody waits for the scenario's time.
+/// Runs a scenario from an editor to two devices, with all programs in this process:
+/// they communicate over the loopback interface and share a clock that is moved by
+/// the steps, so that no step waits for the scenario's time.
 ///
-/// The clock of the process belongs to the object as long as it lives.
+/// Replaces the process's clock (VelaOS) during its life. Used on the main thread.
 class DemoRoad : public QObject
 {
     Q_OBJECT
@@ -36,8 +36,8 @@ public:
     explicit DemoRoad(Report& a_report);
     ~DemoRoad() override;
 
-    /// The steps of the road, in this order; each tells what happens, and is
-    /// false when something is not as it should be.
+    /// The steps, to be called in this order. Each reports its events and returns
+    /// false when its result is not the expected one.
     [[nodiscard]] bool makeRepository();
     [[nodiscard]] bool startService();
     [[nodiscard]] bool startDevices();
@@ -48,7 +48,7 @@ public:
     [[nodiscard]] bool pauseAndStop();
     [[nodiscard]] bool unload();
 
-    /// What went wrong, where more is known than that it did.
+    /// The error text of a failed step; empty when no details are known.
     [[nodiscard]] QString problem() const
     {
         return m_sProblem.isEmpty() ? m_controller.problem() : m_sProblem;
@@ -60,7 +60,7 @@ private:
         QString id;
         RepositoryPackages packages;
         std::unique_ptr<SimulationDevice> device;
-        QStringList steps; ///< what was played, all values of one step in one text
+        QStringList steps; ///< all played values, one text per step
     };
 
     void tell(const QString& a_sWho, const QString& a_sLine);
@@ -76,8 +76,8 @@ private:
     ServerAddress m_address;
     std::array<Device, 2> m_devices;
     ServiceController m_controller;
-    QString m_sProblem;           ///< what the controller does not know
-    std::unique_ptr<Sink> m_sink; ///< for rows of the first device
+    QString m_sProblem;           ///< errors other than the controller's
+    std::unique_ptr<Sink> m_sink; ///< for the rows of the first device
 };
 
 } // namespace SimulationTool

@@ -18,7 +18,7 @@ namespace {
 
 using DevicePointer = std::shared_ptr<Simulation::DeploymentDevice>;
 
-/// A service refuses records of any size; ids and names have a line at most.
+/// Ids and names are limited, because the service refuses large records.
 constexpr qsizetype s_iMaxStation = 255; ///< characters
 
 QString stationOf(const Simulation::DeploymentDevice& a_device)
@@ -26,7 +26,7 @@ QString stationOf(const Simulation::DeploymentDevice& a_device)
     return a_device.hasStation() ? a_device.station()->id() : QString();
 }
 
-/// The device of that name; null, with a reason, unless there is exactly one.
+/// The device with this name; null, with an error text, unless there is exactly one.
 DevicePointer deviceOfName(const Simulation::DeploymentDataXml& a_deployment, const QString& a_sName,
                            QString& a_sReason)
 {
@@ -65,7 +65,7 @@ QString placeDevice(Simulation::SimulationDeviceConfiguration& a_device,
     }
     const Simulation::TPos position = pPlace->position();
     a_device.setStationId(sStation);
-    a_device.setStationName(sStation); // stations have no other name
+    a_device.setStationName(sStation); // the id is also the name
     a_device.setPositionLongitude(position.longitude);
     a_device.setPositionLatitude(position.latitude);
     const QString sWhere =

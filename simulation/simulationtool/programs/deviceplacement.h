@@ -10,10 +10,10 @@ class SimulationDeviceConfiguration;
 
 namespace SimulationTool {
 
-/// Gives a device the station and the position (at scenario time 0) that a
-/// deployment has for it: for the device of its id, or else the only one of its
-/// name. The result is the event to report (see DeviceReport); when the deployment
-/// has no place for the device the record stays as it is.
+/// Sets the station and the position (at scenario time 0) of a device's record from a
+/// deployment. Uses the deployment's device with its id, otherwise the only one with
+/// its name. Returns the event to report (see DeviceReport). When the deployment has
+/// no place for the device, the record stays unchanged.
 [[nodiscard]] QString placeDevice(Simulation::SimulationDeviceConfiguration& a_device,
                                   const Simulation::DeploymentDataXml& a_deployment);
 

@@ -35,7 +35,7 @@ DevicePlay::~DevicePlay() = default;
 
 bool DevicePlay::begin()
 {
-    constexpr std::uint32_t uiAnyTime = 99'999'999; // ms; a day fits
+    constexpr std::uint32_t uiAnyTime = 99'999'999; // ms, wider than a day
     QStringList ids;
     std::transform(m_device.emitters().cbegin(), m_device.emitters().cend(), std::back_inserter(ids),
                    [](const auto& a_emitter) { return a_emitter->id(); });
@@ -52,7 +52,7 @@ bool DevicePlay::add(std::uint32_t a_uiTime)
             return false;
         }
     }
-    return m_output.finish(); // rows are read as they come
+    return m_output.finish(); // so that rows can be read at once
 }
 
 } // namespace SimulationTool

@@ -17,15 +17,15 @@ class Output;
 class RepositoryPackages;
 class SimulationDevice;
 
-/// The record of a device that runs on this machine.
+/// The record of a device on this machine.
 [[nodiscard]] Simulation::SimulationDeviceConfiguration localDevice(const QString& a_sId,
                                                                     const QString& a_sName);
 
-/// Writes the rows of every step that a device plays to the output.
+/// Writes the rows of every step that a device plays to an output.
 class DevicePlay
 {
 public:
-    /// None of them is owned. `a_pPackages` is null where no levels are shown.
+    /// Owns none of them. Without packages (null) no levels are shown.
     DevicePlay(SimulationDevice& a_device, RepositoryPackages* a_pPackages, Output& a_output);
     ~DevicePlay();
     DevicePlay(const DevicePlay&) = delete;
@@ -39,8 +39,8 @@ private:
     SimulationDevice& m_device;
     RepositoryPackages* m_pPackages;
     Output& m_output;
-    Report m_report;              ///< of the rows
-    std::unique_ptr<Sink> m_sink; ///< of the play that began last
+    Report m_report;              ///< writes the rows
+    std::unique_ptr<Sink> m_sink; ///< the rows of the current play
 };
 
 } // namespace SimulationTool

@@ -7,16 +7,15 @@
 
 namespace SimulationTool {
 
-/// What a device of this program reports in words with its state. The message has
-/// up to three parts, divided by "; ":
+/// The message that a device of this program reports with its state. It has up to
+/// three parts, separated by "; ":
 ///
-///   the last event      what became of the last order, see the functions below
+///   the last event      the result of the last order, see the functions below
 ///   the scenario        scenario "Harbour", 13 emitters
 ///   a warning           warning: 2 of 5 packages replaced by the default: ...
 ///
-/// A controlling program takes the order's outcome from how the event begins.
-/// Devices of other makers write what they like, or nothing: then the outcome is
-/// unknown.
+/// A controlling program derives the order's outcome from the beginning of the event.
+/// Devices of other makers report any text or none, and then the outcome is unknown.
 struct DeviceReport
 {
     QString event;
@@ -25,18 +24,18 @@ struct DeviceReport
 
     [[nodiscard]] QString message() const;
 
-    // The events that answer orders
-    [[nodiscard]] static QString plays(std::uint32_t a_uiTime); ///< (ms), from which it plays
+    // The events that confirm or refuse orders
+    [[nodiscard]] static QString plays(std::uint32_t a_uiTime); ///< scenario time of the first step (ms)
     [[nodiscard]] static QString notStarted(const QString& a_sReason);
-    [[nodiscard]] static QString deployed(const QString& a_sWhere); ///< in the deployment, and there
+    [[nodiscard]] static QString deployed(const QString& a_sWhere); ///< the place in the deployment
     [[nodiscard]] static QString notDeployed(const QString& a_sReason);
 
     [[nodiscard]] static QString scenarioText(const QString& a_sName, qsizetype a_iEmitters);
 };
 
-/// The outcome of an order, as a message of a device gives it.
+/// The outcome of an order, derived from a device's message.
 enum class OrderOutcome {
-    Unknown, ///< the message is about something else
+    Unknown, ///< the message is not an answer to the order
     Done,
     Refused,
 };
@@ -44,14 +43,13 @@ enum class OrderOutcome {
 [[nodiscard]] OrderOutcome startOutcome(const QString& a_sMessage, std::uint32_t a_uiTime);
 [[nodiscard]] OrderOutcome deployOutcome(const QString& a_sMessage);
 
-/// Whether a device reports that it plays, or will.
+/// Whether the message reports a play, running or planned.
 [[nodiscard]] bool reportsPlay(const QString& a_sMessage);
 
-/// The parts of a message that came from a device; each is empty where it is
-/// missing.
+/// The parts of a received message; a missing part is empty.
 [[nodiscard]] QString eventOf(const QString& a_sMessage);
 [[nodiscard]] QString warningOf(const QString& a_sMessage);
-/// The name only.
+/// The scenario's name only.
 [[nodiscard]] QString scenarioNameOf(const QString& a_sMessage);
 
 } // namespace SimulationTool

@@ -17,13 +17,13 @@ namespace SimulationTool {
 namespace {
 
 constexpr qsizetype s_iMaxIdWidth = 32;
-constexpr qsizetype s_iMaxPackageWidth = 36; ///< a package id fits
+constexpr qsizetype s_iMaxPackageWidth = 36; ///< wide enough for a package id
 constexpr double s_dHertzPerMegahertz = 1e6;
-constexpr int s_iFrequencyDecimals = 6;  ///< MHz: to the hertz
-constexpr int s_iCoordinateDecimals = 6; ///< degrees: to 0.1 m
-constexpr int s_iMotionDecimals = 1;     ///< degrees and km/h
+constexpr int s_iFrequencyDecimals = 6;  ///< for MHz; resolves 1 Hz
+constexpr int s_iCoordinateDecimals = 6; ///< for degrees; resolves 0.1 m
+constexpr int s_iMotionDecimals = 1;     ///< for degrees and km/h
 
-/// The columns of every form. CSV files and programs name them by their keys.
+/// The columns of all forms. CSV files and JSON use their keys.
 QList<TextColumn> momentColumns(bool a_bLevels)
 {
     QList<TextColumn> columns{{QStringLiteral("Time (ms)"), true, 0, "time_ms"},
@@ -102,7 +102,7 @@ public:
         return m_report.isOk();
     }
 
-    // The output is watched by whoever owns it.
+    // The owner of the output checks it for errors.
     bool end(bool a_bOk, const QJsonObject& /*a_summary*/) override { return a_bOk; }
 
 private:
@@ -112,7 +112,7 @@ private:
     TextTable m_table;
 };
 
-/// Rows of one document that is written as it grows: a play may last for days.
+/// Writes the document while it grows, because a play may last for days.
 class JsonSink : public Sink
 {
 public:
@@ -195,7 +195,7 @@ public:
     bool end(bool a_bOk, const QJsonObject& a_summary) override
     {
         if (m_writer.isStandardOutput()) {
-            return a_bOk; // nothing but the rows is written there
+            return a_bOk; // standard output contains only rows
         }
         if (!a_bOk || !m_writer.commit()) {
             complain(QStringLiteral("%1: %2").arg(m_target.file, m_writer.errorString()));

@@ -21,10 +21,10 @@ class Output;
 class Report;
 class RepositoryPackages;
 
-/// What an emitter does at one time.
+/// The state of an emitter at one time.
 struct Moment
 {
-    /// Without packages there is no level.
+    /// `a_uiTime` is in ms. Without packages (null) there is no level.
     Moment(const Simulation::SzenarioEmitter& a_emitter, std::uint32_t a_uiTime,
            RepositoryPackages* a_pPackages);
 
@@ -33,12 +33,12 @@ struct Moment
     double frequency;           ///< Hz
     Simulation::TPos position;  ///< degrees
     double heading;             ///< degrees
-    double speed = 0.0;         ///< km/h; -1 before the first leg is done
-    QString packageId;          ///< empty without a package
-    std::optional<float> level; ///< at the emission's own time; none without a signal shape
+    double speed = 0.0;         ///< km/h; -1 before the end of the first leg
+    QString packageId;          ///< id of the sent package; empty without one
+    std::optional<float> level; ///< level at the emission's own time; no value without a signal shape
 };
 
-/// Where the rows of a play go.
+/// The target of a play's rows.
 class Sink
 {
 public:
@@ -49,27 +49,28 @@ public:
 
     [[nodiscard]] virtual bool begin() = 0;
     [[nodiscard]] virtual bool add(const QString& a_sEmitterId, const Moment& a_moment) = 0;
-    /// Tells on standard error what went wrong, if anything did.
-    /// The summary is for programs, after the rows.
+    /// Finishes the output and reports its errors on standard error. False when
+    /// `a_bOk` is false or on an error. The summary follows the rows in JSON.
     [[nodiscard]] virtual bool end(bool a_bOk, const QJsonObject& a_summary) = 0;
 };
 
-/// Rows of a table, whose columns are wide enough for these emitter ids and for
-/// times up to an end (ms); for programs the report's list "rows".
+/// Writes the rows of a table with columns wide enough for these emitter ids and for
+/// times up to `a_uiTo` (ms); in JSON the report's list "rows".
 [[nodiscard]] std::unique_ptr<Sink> makeTableSink(Report& a_report, const QStringList& a_ids,
                                                   std::uint32_t a_uiTo, bool a_bLevels);
-/// One JSON document on the output, which grows as rows arrive and holds the
-/// header, the list "rows" and the summary.
+/// Writes one JSON document as the rows arrive: the header, the list "rows" and the
+/// summary.
 [[nodiscard]] std::unique_ptr<Sink> makeJsonSink(Output& a_output, const QJsonObject& a_header,
                                                  bool a_bLevels);
 
-/// Where CSV rows go.
+/// The target of CSV rows.
 struct CsvTarget
 {
-    QString file;       ///< "-" is standard output, which then gets nothing else
-    QJsonObject header; ///< of the report about the file
+    QString file;       ///< "-" is standard output, which then contains only rows
+    QJsonObject header; ///< header of the report about the file
 };
-/// Rows of a CSV file. The report gets their number at the end, and is finished.
+/// Writes the rows of a CSV file. end() adds their number to the report and finishes
+/// it.
 [[nodiscard]] std::unique_ptr<Sink> makeCsvSink(Report& a_report, Output& a_output, const CsvTarget& a_target,
                                                 bool a_bLevels);
 

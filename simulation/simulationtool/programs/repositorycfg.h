@@ -7,7 +7,7 @@
 
 namespace SimulationTool {
 
-/// A configuration in which nothing is set. It is its own group.
+/// A configuration without values. openGroup() returns the object itself.
 class EmptyCfg : public ICfg
 {
 public:
@@ -17,8 +17,8 @@ public:
     unsigned readUnsigned(const QString& a_sName, unsigned a_uiDefault) const override;
 };
 
-/// The configuration of an installation whose repository is one folder; all
-/// else is at its default. The settings of the machine are not looked at.
+/// A configuration whose repository is one folder; all other values are at their
+/// defaults. Does not read the settings of this machine.
 class RepositoryCfg : public EmptyCfg
 {
 public:

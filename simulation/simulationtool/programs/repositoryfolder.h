@@ -5,11 +5,11 @@
 
 namespace SimulationTool {
 
-/// Why a folder cannot be looked into; empty when it can.
+/// The error text for a folder that cannot be read; empty when it can.
 [[nodiscard]] QString folderProblem(const QString& a_sFolder);
 
-/// Where the packages of a folder lie: in "SignalPackages" if it is a
-/// repository, otherwise in the folder itself.
+/// The folder that contains the packages: "SignalPackages" in a repository, otherwise
+/// the folder itself.
 [[nodiscard]] QString packageStoreOf(const QString& a_sFolder);
 
 } // namespace SimulationTool

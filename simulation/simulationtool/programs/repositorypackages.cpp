@@ -22,7 +22,8 @@ namespace {
 
 constexpr std::uint64_t s_uiToldMessages = 20;
 
-/// Whether a path is a folder or lies in it, links followed as far as they go.
+/// Whether a path is a folder or inside it, after resolving links of its existing
+/// part.
 bool isInside(const QString& a_sPath, const QString& a_sFolder)
 {
     QFileInfo place(QDir(a_sPath).absolutePath());
@@ -34,8 +35,8 @@ bool isInside(const QString& a_sPath, const QString& a_sFolder)
     return sPlace == sFolder || sPlace.startsWith(sFolder.endsWith(u'/') ? sFolder : sFolder + u'/');
 }
 
-/// Why a folder must not be used as a cache, empty when it may: the cache's own
-/// files would take the place of the user's.
+/// The error text for a folder that must not be used as a cache, because the cache's
+/// files would replace the user's; empty when it may.
 QString cacheProblem(const QString& a_sCache, const QString& a_sRepository)
 {
     if (QFileInfo::exists(a_sCache) && !QFileInfo(a_sCache).isDir()) {
@@ -44,7 +45,8 @@ QString cacheProblem(const QString& a_sCache, const QString& a_sRepository)
     if (isInside(a_sCache, a_sRepository)) {
         return QStringLiteral("lies in the repository: choose another --cache");
     }
-    // A cache folder holds the files of the built-in package.
+    // A cache folder contains the files of the built-in package, as a signal package
+    // does.
     return Simulation::SignalPackageFolder::isValid(a_sCache) &&
                    !Simulation::SignalPackageCache::isCacheFolder(a_sCache)
                ? QStringLiteral("is a signal package, not a cache: choose another --cache")
@@ -94,7 +96,7 @@ bool RepositoryPackages::fillCache()
     tellCopyFailures(QStringLiteral("the built-in package"));
     updateCache();
     const auto uiFailed = static_cast<quint64>(m_cache->copyFailures().packages);
-    // Without a number nothing was looked at, as when a folder is away.
+    // Without a number no package was read, for example because a folder is missing.
     tellCopyFailures(uiFailed == 0
                          ? QStringLiteral("the packages of the repository")
                          : QStringLiteral("%1 of the repository").arg(counted(uiFailed, "package")));

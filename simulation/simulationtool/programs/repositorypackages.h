@@ -36,32 +36,33 @@ public:
     RepositoryPackages(const RepositoryPackages&) = delete;
     RepositoryPackages& operator=(const RepositoryPackages&) = delete;
 
-    /// Fills the cache from a repository. Without a cache folder a temporary one
-    /// is used, which ends with this object. False after one line on standard
-    /// error. Packages that could not be copied are a finding, see isComplete().
+    /// Fills the cache from a repository. Without a cache folder it uses a temporary
+    /// one, which is removed with this object. False after one line on standard
+    /// error. Packages that could not be copied are reported, but are not an error,
+    /// see isComplete().
     [[nodiscard]] bool open(const QString& a_sRepository, const QString& a_sCache);
 
     /// Whether every package of the repository is in the cache.
     [[nodiscard]] bool isComplete() const { return m_bComplete; }
 
-    /// Takes the messages of the packages over, which else go to standard error.
+    /// Replaces standard error as the target of the messages about packages.
     void setLog(std::function<void(const QString&)> a_log) { m_log = std::move(a_log); }
 
-    /// The signal level of a package at a time (ms) since its emission began;
-    /// none when the package has no usable signal shape.
+    /// The signal level of a package at a time (ms) since its emission began; no
+    /// value when the package has no usable signal shape, or for a negative time.
     [[nodiscard]] std::optional<float> levelAt(const std::shared_ptr<Simulation::SignalPackage>& a_package,
                                                std::int64_t a_iTime);
 
-    /// What is wrong with the package of the repository that has the id, by the
-    /// verdict that the list of packages shows; empty when it is in order. The
-    /// first call reads the headers of all packages.
+    /// The problems of the repository's package with this id, as the list of packages
+    /// shows them; empty when it has none. The first call reads the headers of all
+    /// packages.
     [[nodiscard]] QStringList problemsOf(const QString& a_sId);
 
-    /// What was told so far; of very much the first lines.
+    /// The first 20 messages reported so far.
     [[nodiscard]] QStringList messages() const { return m_messages; }
 
-    /// Findings when something was told. Tells how much was not, when there was
-    /// too much.
+    /// Returns Findings when there were messages. Reports the number of messages
+    /// beyond the limit of 20 on standard error.
     [[nodiscard]] ExitCode finish();
 
     std::shared_ptr<Simulation::SignalPackage> signalPackage(const QString& a_sId) override;
@@ -73,11 +74,12 @@ private:
     void tell(const QString& a_sMessage);
     void checkShape(const Simulation::SignalPackage& a_package, const Simulation::SignalShapeFile& a_reader);
 
-    std::unique_ptr<QTemporaryDir> m_temporary; ///< outlives the cache, whose files lie there
+    std::unique_ptr<QTemporaryDir> m_temporary; ///< contains the cache's files, so it outlives the cache
     std::unique_ptr<Simulation::SignalPackageCache> m_cache;
     QSet<QString> m_unknownIds;
-    QSet<QString> m_checkedIds;                            ///< of packages whose shape was looked at
-    std::optional<QHash<QString, QStringList>> m_problems; ///< by cleaned id; none before they are asked for
+    QSet<QString> m_checkedIds;                            ///< packages whose shape was checked
+    std::optional<QHash<QString, QStringList>> m_problems; ///< by clean id; no value before the first
+                                                           ///< problemsOf()
     QStringList m_messages;
     std::uint64_t m_uiTold = 0;
     bool m_bComplete = true;

@@ -13,9 +13,8 @@ namespace {
 
 const QString s_sServer = QStringLiteral("server");
 
-/// Host and port apart; the port is null when there is none. An address with
-/// colons of its own stands in brackets where a port follows. The host is empty
-/// when the text is neither.
+/// Splits a text into host and port. The port is null when it is missing. An IPv6
+/// address with a port must be in brackets. The host is empty for an invalid text.
 std::pair<QString, QString> dividedAddress(const QString& a_sText)
 {
     const qsizetype iBracket = a_sText.indexOf(u']');

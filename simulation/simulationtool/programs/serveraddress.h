@@ -11,7 +11,7 @@ class QHostAddress;
 
 namespace SimulationTool {
 
-/// Where a simulation service listens.
+/// The address of a simulation service.
 struct ServerAddress
 {
     QString host; ///< name or address
@@ -24,13 +24,13 @@ struct ServerAddress
 /// Adds the option --server.
 void addServerOption(QCommandLineParser& a_parser);
 
-/// What --server says; without it, or without a port there, what the settings of
-/// the machine say. Nothing, with a reason, when it is wrong.
+/// The address of the option --server. The option, or its port, defaults to the
+/// settings of this machine. No value, with an error text, when it is wrong.
 [[nodiscard]] std::optional<ServerAddress> readServerOption(const QCommandLineParser& a_parser,
                                                             QString& a_sReason);
 
-/// An address as people write it: one of the older kind stays so also where both
-/// kinds are served together.
+/// The usual text of an address and port. An IPv4 address that a socket for both
+/// protocols returns in IPv6 form is written as IPv4.
 [[nodiscard]] QString addressText(const QHostAddress& a_address, std::uint16_t a_uiPort);
 
 } // namespace SimulationTool

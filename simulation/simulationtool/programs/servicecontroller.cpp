@@ -47,7 +47,7 @@ void ServiceController::connectSignals()
     connect(&m_socket, &QTcpSocket::connected, this, &ServiceController::noteProgress);
     connect(&m_socket, &QTcpSocket::disconnected, this, [this] { m_loop.quit(); });
     connect(&m_socket, &QTcpSocket::bytesWritten, this, [this] {
-        if (m_iTransfer > 0) { // the rest are questions, which prove nothing
+        if (m_iTransfer > 0) { // the others are requests, which are no progress
             showTransfer();
             noteProgress();
         }
@@ -79,7 +79,7 @@ bool ServiceController::connectToService(const ServerAddress& a_server)
     if (eWaited == Waited::TooLong) {
         fail(QStringLiteral("nobody answers"));
     }
-    // A socket may meet itself on a local port that nobody listens on.
+    // A socket may connect to itself on a local port without a listener.
     if (eWaited == Waited::Done && m_socket.localPort() == m_socket.peerPort() &&
         m_socket.localAddress() == m_socket.peerAddress()) {
         m_socket.abort();
@@ -97,7 +97,7 @@ void ServiceController::acquire()
 
 bool ServiceController::synchronize()
 {
-    if (!m_bControls) { // what holds is sent before the answer
+    if (!m_bControls) { // the service sends the states and the run before its answer
         m_states.clear();
         m_timing.stopScenarioTime();
     }
@@ -123,7 +123,7 @@ bool ServiceController::loadScenario(const QByteArray& a_scenario)
     if (!synchronize()) {
         return false;
     }
-    // Devices may leave meanwhile, so the list is asked for again and again.
+    // Devices may leave during the wait, so the list is requested repeatedly.
     QTimer again;
     connect(&again, &QTimer::timeout, this, [this] {
         ++m_iAnswers;
@@ -177,8 +177,8 @@ bool ServiceController::idle(std::chrono::milliseconds a_time)
     return m_sProblem.isEmpty() && !isInterrupted();
 }
 
-/// A device that repeats its states must not put the end of a wait off for ever,
-/// so each listed one makes progress once.
+/// Each listed device makes progress once, so that a device that repeats its states
+/// cannot prolong a wait without limit.
 void ServiceController::noteState(const QString& a_sId, const Simulation::SimulationDeviceState& a_state)
 {
     m_states[a_sId] = a_state;
@@ -235,7 +235,7 @@ void ServiceController::noteProgress()
     m_loop.quit();
 }
 
-/// Shows on a terminal how much of a long transfer has left.
+/// Shows the progress of a long transfer on a terminal.
 void ServiceController::showTransfer()
 {
     const qint64 iWaiting = m_socket.bytesToWrite();

@@ -24,10 +24,10 @@
 
 namespace SimulationTool {
 
-/// A program that controls the devices of a service, as an editor does. It
-/// connects once. Its operations run an event loop until they are done, and give
-/// false with problem() when the service does not answer, or shows no progress,
-/// for a time, or when the process is interrupted.
+/// A client that controls the devices of a service, as an editor does. Connects once.
+/// Its operations run an event loop until they are done. They return false, with
+/// problem(), when the service does not answer or makes no progress for the timeout,
+/// and when the process is interrupted. Used on one thread.
 class ServiceController : public QObject
 {
     Q_OBJECT
@@ -37,7 +37,7 @@ public:
     using CommandSender = Simulation::SimulationServiceCommunication::CommandSender;
     using Answers = QMap<QString, QString>; ///< messages by device id
 
-    /// How long devices have to confirm an order (ms), unless the timeout is less.
+    /// Time for devices to confirm an order (ms), unless the timeout is shorter.
     static constexpr std::chrono::milliseconds s_confirmation{2000};
 
     explicit ServiceController(std::chrono::milliseconds a_timeout);
@@ -45,36 +45,36 @@ public:
 
     [[nodiscard]] bool connectToService(const ServerAddress& a_server);
 
-    /// Takes the control. Without it the controller only looks on, and learns the
+    /// Acquires the service. Otherwise the controller is read-only, and receives the
     /// states and the run with every synchronize().
     void acquire();
 
-    /// For the orders: send them, and then synchronize().
+    /// Sends orders; call synchronize() after them.
     [[nodiscard]] Simulation::SimulationServiceCommunication& communication() { return m_communication; }
 
-    /// Waits until the service has received all that was sent: nothing but the
-    /// answer to a question after it shows that. Also learns the devices.
+    /// Waits until the service has received everything that was sent, which only the
+    /// answer to a later request confirms. Updates the list of devices.
     [[nodiscard]] bool synchronize();
 
-    /// Sends a scenario and waits until each device that is there has loaded it
-    /// or failed. False when the service did not get it. When the devices take
-    /// too long the result is true: states() tells who is not done.
+    /// Sends a scenario and waits until each registered device has loaded it or
+    /// failed. False when the service did not receive it. True also when the devices
+    /// exceed the timeout: states() shows the unfinished ones.
     [[nodiscard]] bool loadScenario(const QByteArray& a_scenario);
 
-    /// Sends an order and waits until each device that is there has answered it, at
-    /// most s_confirmation. A message is an answer when the function gives anything
-    /// but OrderOutcome::Unknown for it. False when the service did not get the
+    /// Sends an order and waits until each registered device has answered it, at most
+    /// s_confirmation. A message is an answer unless the function returns
+    /// OrderOutcome::Unknown for it. False when the service did not receive the
     /// order.
     [[nodiscard]] bool sendAndConfirm(const CommandSender& a_order,
                                       const std::function<OrderOutcome(const QString&)>& a_outcome);
-    /// Those to the last order of that kind.
+    /// The answers to the last order of sendAndConfirm().
     [[nodiscard]] const Answers& answers() const { return m_answers; }
 
-    /// Lets a time pass. False when the connection ended, with problem(), or the
+    /// Waits for a time. False when the connection ended, with problem(), or the
     /// process was interrupted.
     [[nodiscard]] bool idle(std::chrono::milliseconds a_time);
 
-    /// Releases the service and closes the connection when all has been sent.
+    /// Releases the service, and closes the connection after everything was sent.
     void leave();
 
     [[nodiscard]] QString problem() const { return m_sProblem; }
@@ -82,10 +82,10 @@ public:
     {
         return m_devices;
     }
-    /// Those that were reported since the service was acquired or a scenario sent,
-    /// or with the last list when it only looks on.
+    /// The states reported since the service was acquired or a scenario sent; without
+    /// control, those reported with the last list.
     [[nodiscard]] const States& states() const { return m_states; }
-    /// What the service said of the scenario time, which stands until it does.
+    /// The scenario time as last reported by the service; stopped before.
     [[nodiscard]] const Simulation::ScenarioTimingHelper& timing() const { return m_timing; }
 
 private:
@@ -111,15 +111,15 @@ private:
     QTimer m_wakeUp;
     QString m_sServer;
     QString m_sProblem;
-    int m_iAnswers = 0; ///< that are still to come
+    int m_iAnswers = 0; ///< requested lists not yet received
     QVector<Simulation::SimulationDeviceConfiguration> m_devices;
     bool m_bControls = false;
     States m_states;
-    std::function<OrderOutcome(const QString&)> m_outcome; ///< of the order that waits
+    std::function<OrderOutcome(const QString&)> m_outcome; ///< of the pending order
     Answers m_answers;
-    QSet<QString> m_done; ///< that were loaded or failed, since a scenario was sent
+    QSet<QString> m_done; ///< devices that loaded or failed since the last scenario was sent
     Simulation::ScenarioTimingHelper m_timing;
-    qint64 m_iTransfer = 0; ///< bytes that waited when it began; 0 = all have left
+    qint64 m_iTransfer = 0; ///< bytes to write at its begin; 0 = all sent
 };
 
 } // namespace SimulationTool

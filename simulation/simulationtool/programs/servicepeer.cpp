@@ -16,11 +16,11 @@ namespace {
 constexpr qsizetype s_iMaxLine = 300; ///< characters
 constexpr quint64 s_uiMsPerSecond = 1000;
 
-/// What is read of one peer before the others have their turn: some 250 of the
-/// shortest commands, which take 3 ms.
+/// Bytes read from one peer before the others' turn: about 250 of the shortest
+/// commands, which take 3 ms.
 constexpr qint64 s_iReadBytes = 8192;
 
-/// What is written to one peer before the others have their turn.
+/// Bytes written to one peer before the others' turn.
 constexpr qint64 s_iWriteBytes = 65'536;
 
 } // namespace
@@ -54,12 +54,13 @@ ServicePeer::~ServicePeer()
 void ServicePeer::connectSocket()
 {
     m_pSocket->setParent(this);
-    // Commands are small, and a machine that was switched off says nothing.
+    // Small commands must not be delayed, and a machine that was switched off without
+    // closing the connection must be detected.
     m_pSocket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     m_pSocket->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
     m_pSocket->setReadBufferSize(s_iReadBytes);
     m_communication.setSocket(m_pSocket);
-    // After the communication, which has read what was received then.
+    // Connected after the communication, which has then read the received bytes.
     connect(m_pSocket, &QTcpSocket::readyRead, this, &ServicePeer::noteReceived);
     connect(m_pSocket, &QTcpSocket::bytesWritten, this, [this] {
         m_sending.note(!m_outbox.isEmpty() || m_pSocket->bytesToWrite() > 0);
@@ -67,7 +68,8 @@ void ServicePeer::connectSocket()
             fillSocket();
         }
     });
-    // What was received just before the end still waits in the event loop.
+    // Queued, because bytes received just before the end are still waiting in the
+    // event loop.
     connect(m_pSocket, &QTcpSocket::disconnected, this, &ServicePeer::slotDisconnected, Qt::QueuedConnection);
     m_communication.setStreamErrorHandler(
         [this](const QString& a_sError) { Q_EMIT lost(a_sError.simplified()); });
@@ -104,7 +106,7 @@ void ServicePeer::report(const QString& a_sKey, const OutgoingCommandPtr& a_pCom
     }
 }
 
-/// By a queued call: the event loop may keep a timer waiting as long as sockets
+/// Uses a queued call, because the event loop may delay a timer as long as sockets
 /// have something to read.
 void ServicePeer::scheduleWrite()
 {
@@ -122,8 +124,8 @@ void ServicePeer::scheduleWrite()
     QMetaObject::invokeMethod(this, "slotWrite", Qt::QueuedConnection);
 }
 
-/// Sends at once what one turn allows. The rest leaves whenever the socket has
-/// written something.
+/// Sends the bytes of one turn. The rest follows whenever the socket has written
+/// something.
 void ServicePeer::slotWrite()
 {
     m_bWriteScheduled = false;

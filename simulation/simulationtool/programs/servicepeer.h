@@ -19,55 +19,58 @@ class QTcpSocket;
 
 namespace SimulationTool {
 
-/// One connection of the service: an editor, or a program with one device or
-/// more. It ends with lost(); its owner then closes and deletes it.
+/// One connection of the service: an editor, or a program with one or more devices.
+/// It ends with lost(); then its owner closes and deletes it. Used on the service's
+/// thread.
 ///
-/// Every peer is read from and written to a little at a time, so that one that
-/// sends or is sent much delays no other.
+/// Every peer is read and written in small pieces, so that a peer with much traffic
+/// delays no other.
 class ServicePeer : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Takes a connected socket over. `a_pTotal` counts the bytes that wait for
-    /// all peers. The peer is lost when for the given time it reads nothing of
-    /// what waits for it, or leaves a command unfinished.
+    /// Takes ownership of a connected socket. `a_pTotal` counts the bytes that wait
+    /// for all peers. The peer is lost when it does not read pending bytes, or leaves
+    /// a command unfinished, for the timeout.
     ServicePeer(QTcpSocket* a_pSocket, std::shared_ptr<qint64> a_pTotal, std::chrono::milliseconds a_timeout,
                 QObject* a_pParent);
     ~ServicePeer() override;
 
     [[nodiscard]] Simulation::SimulationServiceCommunication& communication() { return m_communication; }
 
-    /// Has a command leave after those that wait. Nothing is sent before control
-    /// is back in the event loop.
+    /// Queues a command after the waiting ones. Nothing is sent before the event loop
+    /// runs again.
     void send(const OutgoingCommandPtr& a_pCommand);
 
-    /// The same for a report, which supersedes one of the same key that waits.
+    /// The same for a report, which replaces a waiting one with the same key.
     void report(const QString& a_sKey, const OutgoingCommandPtr& a_pCommand);
 
-    /// What this peer makes us hold: of a command that it has not finished, and
-    /// of those that wait for it to read (bytes).
+    /// The bytes that the service holds for this peer: of an unfinished command, and
+    /// of commands that wait to be read by the peer.
     [[nodiscard]] qint64 pendingBytes() const { return m_iUnfinished + m_outbox.bytes(); }
 
-    /// Ends the connection at once. Nothing is received or told any more.
+    /// Ends the connection at once. Nothing is received and no signal is emitted any
+    /// more.
     void close();
 
-    /// Tells what happens to it; what comes too often is left out unless it is
+    /// Logs an event of the peer. Frequent lines are dropped (see LogLimit), unless
     /// final.
     void tell(const QString& a_sText, bool a_bFinal = false);
 
-    // The devices that are registered through it, by id; kept by the owner.
+    // The ids of the devices registered over this connection; maintained by the
+    // owner.
     [[nodiscard]] QSet<QString>& deviceIds() { return m_deviceIds; }
     [[nodiscard]] bool isDevice() const { return !m_deviceIds.isEmpty(); }
 
 Q_SIGNALS:
     void told(const QString& a_sLine);
 
-    /// More bytes wait for all peers than before.
+    /// The bytes that wait for all peers have increased.
     void pendingGrew();
 
-    /// The reason is empty when the peer just left. What it sent before has been
-    /// received.
+    /// The connection has ended. The reason is empty when the peer closed it.
+    /// Everything that it sent before has been received.
     void lost(const QString& a_sReason);
 
 private Q_SLOTS:
@@ -87,7 +90,7 @@ private:
     QSet<QString> m_deviceIds;
     LogLimit m_log;
     const std::shared_ptr<qint64> m_pTotal; ///< bytes that wait for all peers
-    qint64 m_iUnfinished = 0;               ///< bytes of a command without its end
+    qint64 m_iUnfinished = 0;               ///< bytes of an unfinished command
     Outbox m_outbox;
     StallWatch m_receiving;
     StallWatch m_sending;

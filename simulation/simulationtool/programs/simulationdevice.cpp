@@ -23,14 +23,14 @@ using Communication = Simulation::SimulationServiceCommunication;
 using Simulation::ScenarioDataState;
 using Simulation::TcpServerConnector;
 
-constexpr std::uint64_t s_uiMaxSleep = 60'000; ///< ms; the clock may be set meanwhile
+constexpr std::uint64_t s_uiMaxSleep = 60'000; ///< ms; limited because the clock may be set
 constexpr qsizetype s_iMaxJxDevices = 4096;
 constexpr qsizetype s_iMaxJxId = 1024;                           ///< characters
 constexpr std::int64_t s_iMicroseconds = 1000;                   ///< in a millisecond
 constexpr std::uint64_t s_uiSecond = 1'000'000;                  ///< us
 constexpr std::uint64_t s_uiYear = s_uiSecond * 3600 * 24 * 365; ///< us
 
-/// What a document that cannot be used is, and why.
+/// The description of an unusable document, with its error text.
 QString unusable(const char* a_szWhat, const QByteArray& a_content, const QString& a_sReason)
 {
     return QStringLiteral("%1 of %2: %3")
@@ -85,7 +85,7 @@ std::uint32_t SimulationDevice::duration() const
 
 // Registration
 
-/// One line however long it takes.
+/// Logs one line until the next connection.
 void SimulationDevice::slotNotConnected()
 {
     if (!m_connector->isConnected() && !std::exchange(m_bLoggedWaiting, true)) {
@@ -97,7 +97,8 @@ void SimulationDevice::slotConnected()
 {
     m_bToldIgnoring = false;
     m_bLoggedWaiting = false;
-    // A service whose machine was switched off says nothing.
+    // Detects a service whose machine was switched off without closing the
+    // connection.
     m_connector->socket()->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
     m_connector->socket()->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     m_log.tell(QStringLiteral("connected"));
@@ -139,7 +140,7 @@ void SimulationDevice::slotAccepted(const QString& a_sId, const QString& a_sConf
         m_bToldIgnoring = true;
         return;
     }
-    if (!bBefore) { // otherwise it is the answer to a new place
+    if (!bBefore) { // otherwise it confirms a new place
         m_log.tell(QStringLiteral("accepted"));
         reportState();
     }
@@ -153,7 +154,7 @@ void SimulationDevice::slotUnregistered(const QString& a_sId)
     }
 }
 
-/// Whether an order that has come is from a service that confirmed the device.
+/// Whether the service that sent an order has confirmed the device.
 bool SimulationDevice::obeys()
 {
     if (!m_bAccepted && !std::exchange(m_bToldIgnoring, true)) {
@@ -251,7 +252,7 @@ void SimulationDevice::load(const QByteArray& a_scenario)
 {
     unload();
     setState(ScenarioDataState::Loading);
-    m_connector->socket()->flush(); // reading may take a while
+    m_connector->socket()->flush(); // sent before the reading, which may take long
     m_packages.clear();
     m_scenario = std::make_unique<Simulation::ScenarioDataXml>(&m_packages);
     const bool bRead = m_scenario->fromXml(a_scenario);
@@ -304,8 +305,7 @@ void SimulationDevice::setState(ScenarioDataState a_eState)
     reportState();
 }
 
-/// A service that has not accepted the device, or is not there, gets the state when
-/// it does.
+/// An unconfirmed or unconnected device reports its state after the confirmation.
 void SimulationDevice::reportState()
 {
     if (m_bAccepted) {
@@ -323,7 +323,7 @@ void SimulationDevice::reportEvent(const QString& a_sEvent)
 
 // Playing
 
-/// Why a start is not obeyed; empty when it is.
+/// The error text for a refused start; empty when it is accepted.
 QString SimulationDevice::startProblem(quint64 a_uiAhead, std::uint32_t a_uiTime) const
 {
     if (m_scenario == nullptr) {
@@ -338,8 +338,8 @@ QString SimulationDevice::startProblem(quint64 a_uiAhead, std::uint32_t a_uiTime
                : QString();
 }
 
-/// A start that is not obeyed ends what was played all the same, for the scenario
-/// time of the system is another from now on.
+/// A refused start also ends the current play, because the scenario time of the
+/// system has changed.
 void SimulationDevice::play(quint64 a_uiTimestamp, std::uint32_t a_uiTime)
 {
     const quint64 uiNow = Simulation::ScenarioTimingHelper::currentTimeStamp();
@@ -372,8 +372,8 @@ void SimulationDevice::playDue()
     if (!m_bPlaying) {
         return;
     }
-    // The clocks of two machines differ a little, and the start may be meant for
-    // later: before it the scenario time means nothing.
+    // The start may be in the future, deliberately or because clocks of two machines
+    // differ. Before it the scenario time has no meaning.
     const auto iAhead =
         static_cast<std::int64_t>(m_uiBegin - Simulation::ScenarioTimingHelper::currentTimeStamp());
     if (iAhead > 0) {
@@ -386,8 +386,7 @@ void SimulationDevice::playDue()
     playStep();
 }
 
-/// Scenario times wrap round at 2^32 ms, so what counts is the time since the
-/// begin.
+/// Uses the time since the begin, because scenario times wrap at 2^32 ms.
 void SimulationDevice::playStep()
 {
     const std::uint32_t uiElapsed = m_timing.scenarioTime() - m_uiFirst;
@@ -428,7 +427,7 @@ void SimulationDevice::endPlay(const QString& a_sReason)
     m_report.event = a_sReason;
     const bool bPlayed = std::exchange(m_bPlaying, false);
     const std::uint32_t uiDue = m_lastStep ? *m_lastStep + 1 : 0;
-    // A clock that was set back has some steps played twice.
+    // After a clock was set back, some steps are played twice.
     const std::uint32_t uiLeftOut = uiDue - std::min(uiDue, m_uiPlayed);
     m_log.tell(bPlayed ? QStringLiteral("%1: %2 played, %3 left out")
                              .arg(a_sReason, counted(m_uiPlayed, "step"), QString::number(uiLeftOut))

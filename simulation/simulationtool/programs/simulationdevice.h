@@ -55,41 +55,41 @@ public:
                      Simulation::ISignalPackageProvider& a_provider, std::uint32_t a_uiStep);
     ~SimulationDevice() override;
 
-    /// A remark about where the packages come from, for the warning that some were
-    /// replaced. Empty at first.
+    /// A remark about the source of the packages, added to the warning about replaced
+    /// packages. Empty by default.
     void setPackageRemark(const QString& a_sRemark) { m_sPackageRemark = a_sRemark; }
 
-    /// What is wrong with the packages, whatever the scenario: a warning with every
-    /// scenario. Empty at first.
+    /// An error of the packages that is independent of the scenario; a warning with
+    /// every scenario. Empty by default.
     void setPackageFault(const QString& a_sFault) { m_sPackageFault = a_sFault; }
 
     void connectToService(const ServerAddress& a_server);
 
-    /// Whether the service that it is connected to has confirmed it.
+    /// Whether the connected service has confirmed the device.
     [[nodiscard]] bool isAccepted() const { return m_bAccepted; }
     [[nodiscard]] Simulation::ScenarioDataState state() const { return m_state.scenarioDataState(); }
     [[nodiscard]] bool isPlaying() const { return m_bPlaying; }
 
-    /// Of the scenario that is loaded, in the order of their ids.
+    /// The emitters of the loaded scenario, ordered by id.
     [[nodiscard]] const Emitters& emitters() const { return m_emitters; }
-    /// When the scenario ends (ms); 0 when it does not say.
+    /// The end of the scenario (ms); 0 when it has none.
     [[nodiscard]] std::uint32_t duration() const;
 
-    /// The last deployment that was sent, as it came; empty before.
+    /// The last received deployment, unchanged; empty before.
     [[nodiscard]] const QByteArray& deployment() const { return m_deployment; }
 
-    /// Plays what the clock says is due. It does so by itself as well: this is
-    /// for whoever moves the clock.
+    /// Plays the due steps. The device calls it on a timer; a program that moves the
+    /// clock must call it as well.
     void playDue();
 
 Q_SIGNALS:
-    /// One line about what happened, unless too much happens. It holds texts of
-    /// others: not fit for a terminal.
+    /// One line for the log; frequent lines are dropped. It contains texts of peers,
+    /// which may control a terminal.
     void told(const QString& a_sLine);
 
     void playBegins();
-    /// The step at that scenario time (ms) is due. Times that have passed
-    /// already when it is looked are left out, but for the latest.
+    /// The step at this scenario time (ms) is due. Of several past steps only the
+    /// latest is emitted.
     void stepDue(quint32 a_uiTime);
 
 private:

@@ -25,22 +25,22 @@ using Simulation::SimulationDeviceConfiguration;
 using Simulation::SimulationDeviceState;
 
 constexpr int s_iAcceptAgain = 1000;                ///< ms
-constexpr qsizetype s_iMaxRecordBytes = 16'384;     ///< of a device, as it is listed; ordinary ones have 1000
-constexpr qsizetype s_iMaxDevices = 4096;           ///< so that the list of all is no larger than a document
+constexpr qsizetype s_iMaxRecordBytes = 16'384;     ///< of a device's list entry; usual ones have 1000
+constexpr qsizetype s_iMaxDevices = 4096;           ///< so that the list stays within the document limit
 constexpr qsizetype s_iMaxCommandBytes = 1'048'576; ///< of a command without a payload
 
-constexpr int s_iBacklog = 4096;      ///< connections that wait for the process; the system's most
-constexpr int s_iAcceptedAtOnce = 32; ///< before the peers have their turn; they take 2 ms
+constexpr int s_iBacklog = 4096;      ///< waiting connections; the system's maximum
+constexpr int s_iAcceptedAtOnce = 32; ///< before the peers' turn; takes 2 ms
 constexpr int s_iDroppedAtOnce = 64;
-/// Not 0: the event loop may keep such a timer waiting as long as sockets have
+/// Not 0, because the event loop may delay such a timer as long as sockets have
 /// something to read.
 constexpr std::chrono::milliseconds s_dropInterval(1);
 
-/// How many connections the process can have open, after asking for more.
+/// The number of connections that the process can open, after raising its limit.
 qsizetype maxPeers()
 {
     constexpr rlim_t uiWanted = 65'536;
-    constexpr rlim_t uiMostOthers = 128; // files, and connections that wait to be taken
+    constexpr rlim_t uiMostOthers = 128; // files, and connections not yet accepted
     rlimit descriptors{uiWanted, uiWanted};
     static_cast<void>(getrlimit(RLIMIT_NOFILE, &descriptors));
     rlimit raised = descriptors;
@@ -84,10 +84,9 @@ bool SimulationService::listen(const QHostAddress& a_address, std::uint16_t a_ui
     return m_server.listen(a_address, a_uiPort);
 }
 
-// Peers come and go
+// Connections of peers
 
-/// Calls a slot once when the event loop has done what is at hand, however often
-/// it was asked to.
+/// Calls a slot once from the event loop, also after several calls of schedule().
 void SimulationService::schedule(bool& a_bScheduled, const char* a_szSlot)
 {
     if (!std::exchange(a_bScheduled, true)) {
@@ -115,7 +114,7 @@ void SimulationService::addPeer(QTcpSocket* a_pSocket)
             m_dropLost.start(s_dropInterval);
         }
     });
-    // Not at once: whoever sends to many peers must not lose some meanwhile.
+    // Queued, because peers must not be deleted while a caller sends to many of them.
     connect(pPeer, &ServicePeer::pendingGrew, this, [this] {
         if (isPendingExceeded()) {
             schedule(m_bBoundScheduled, "slotBoundPending");
@@ -130,8 +129,8 @@ void SimulationService::addPeer(QTcpSocket* a_pSocket)
     pPeer->tell(QStringLiteral("connected"));
 }
 
-/// Before the process runs out of descriptors: then the server would be told
-/// again and again of a connection that it cannot accept.
+/// Pauses accepting before the process runs out of descriptors: otherwise the server
+/// would be notified repeatedly of a connection that it cannot accept.
 void SimulationService::pauseIfFull()
 {
     if (m_peers.size() >= m_iMaxPeers && !std::exchange(m_bFull, true)) {
@@ -191,8 +190,7 @@ void SimulationService::drop(ServicePeer* a_pPeer, const QString& a_sReason)
     }
 }
 
-/// Whether a command is to be decoded at all: with a payload it may take much
-/// time and memory.
+/// Whether a command is decoded: decoding a payload may take much time and memory.
 bool SimulationService::accepts(ServicePeer& a_peer, const QString& a_sCommand, qsizetype a_iBytes) const
 {
     const CommandKind eKind = commandKind(a_sCommand);
@@ -221,7 +219,7 @@ bool SimulationService::isPendingExceeded() const
     return iPending > 0 && static_cast<quint64>(iPending) > Limits::value(Limits::AllPendingBytes);
 }
 
-/// Drops the peers with the most, until the others are within the bound.
+/// Drops the peers with the most pending bytes until the limit is no longer exceeded.
 void SimulationService::slotBoundPending()
 {
     m_bBoundScheduled = false;
@@ -231,7 +229,7 @@ void SimulationService::slotBoundPending()
                 return a_pLeft->pendingBytes() < a_pRight->pendingBytes();
             });
         if (pMost->pendingBytes() == 0) {
-            return; // nobody is to blame
+            return; // no peer holds pending bytes
         }
         drop(pMost,
              QStringLiteral("%1, most of them by it: %2")
@@ -252,7 +250,7 @@ void SimulationService::registerDevice(ServicePeer* a_pPeer, const QString& a_sI
     Device& device = m_devices[a_sId];
     ServicePeer* const pFormer = std::exchange(device.peer, a_pPeer);
     SimulationDeviceConfiguration listed = a_configuration;
-    listed.setId(a_sId); // under which it is looked for, whatever its record says
+    listed.setId(a_sId); // devices are found by this id, also when the record differs
     if (pFormer == nullptr || listed.toXml() != device.configuration.toXml()) {
         device.configuration = listed;
         m_deviceList.reset();
@@ -298,8 +296,8 @@ QString SimulationService::registrationProblem(const QString& a_sId,
                : QStringLiteral("there are %1 devices already").arg(s_iMaxDevices);
 }
 
-/// The former owner of an id stays connected: if it came back at once, the two
-/// would take the id from each other for ever.
+/// The former owner of an id stays connected: if it reconnected at once, both would
+/// take the id from each other without end.
 void SimulationService::takeOver(const QString& a_sId, ServicePeer* a_pFrom)
 {
     a_pFrom->deviceIds().remove(a_sId);

@@ -58,18 +58,18 @@ public:
 
     static constexpr std::chrono::seconds s_timeout{60};
 
-    /// A peer is dropped when for that time it leaves a command unfinished or
-    /// reads nothing of what it is sent.
+    /// A peer is dropped when it leaves a command unfinished, or does not read
+    /// pending bytes, for the timeout.
     explicit SimulationService(std::chrono::milliseconds a_timeout = s_timeout);
     ~SimulationService() override;
 
-    /// Port 0 has the system choose one. False with errorString().
+    /// With port 0 the system chooses one. False with errorString().
     [[nodiscard]] bool listen(const QHostAddress& a_address, std::uint16_t a_uiPort);
     [[nodiscard]] std::uint16_t port() const { return m_server.serverPort(); }
     [[nodiscard]] QString errorString() const { return m_server.errorString(); }
 
 Q_SIGNALS:
-    /// One line about what happened. It holds texts of peers: not fit for a
+    /// One line for the log. It contains texts of peers, which may control a
     /// terminal.
     void told(const QString& a_sLine);
 
@@ -83,24 +83,24 @@ private:
     {
         Simulation::SimulationDeviceConfiguration configuration;
         Simulation::SimulationDeviceState state;
-        OutgoingCommandPtr stateUpdate; ///< the command that reports it
+        OutgoingCommandPtr stateUpdate; ///< the command that reports the state
         ServicePeer* peer = nullptr;
     };
 
     struct LostPeer
     {
-        QPointer<ServicePeer> peer; ///< null when it was dropped meanwhile
+        QPointer<ServicePeer> peer; ///< null when dropped already
         QString reason;
     };
 
-    /// What a peer is to be sent.
+    /// The pending answers to a peer.
     struct Answer
     {
         bool report = false; ///< the states of the devices, and the run of the scenario
-        int lists = 0;       ///< of the devices, after that; one for each request
+        int lists = 0;       ///< number of device lists after that, one per request
     };
 
-    // Peers come and go
+    // Connections of peers
     void schedule(bool& a_bScheduled, const char* a_szSlot);
     void addPeer(QTcpSocket* a_pSocket);
     void pauseIfFull();
@@ -142,22 +142,22 @@ private:
                                              OutgoingKind a_eKind = OutgoingKind::Other) const;
 
     QTcpServer m_server;
-    QTimer m_acceptAgain;                  ///< after the server could not
+    QTimer m_acceptAgain;                  ///< retries after the server failed to accept
     QList<ServicePeer*> m_peers;           ///< children
-    std::deque<LostPeer> m_lost;           ///< to be dropped, the first at the front
-    QHash<ServicePeer*, Answer> m_answers; ///< that are due
-    QTimer m_dropLost;                     ///< runs while there are some
+    std::deque<LostPeer> m_lost;           ///< peers to drop, in this order
+    QHash<ServicePeer*, Answer> m_answers; ///< pending answers
+    QTimer m_dropLost;                     ///< runs while m_lost is not empty
     QList<ServicePeer*> m_controllers;     ///< the last one controls
     QMap<QString, Device> m_devices;       ///< by id
-    OutgoingCommandPtr m_deviceList;       ///< the answer to whoever asks; null = to be made
-    const qsizetype m_iMaxPeers;           ///< as many as the process can have open
-    bool m_bFull = false;                  ///< no more are accepted at present
+    OutgoingCommandPtr m_deviceList;       ///< the answer to list requests; null = not encoded yet
+    const qsizetype m_iMaxPeers;           ///< limit by the process's open files
+    bool m_bFull = false;                  ///< accepting is paused
     bool m_bAcceptScheduled = false;
     bool m_bBoundScheduled = false;
     bool m_bAnswerScheduled = false;
     const std::chrono::milliseconds m_timeout;
 
-    /// What waits for all peers, and the kept commands (bytes). Shared, because
+    /// The bytes that wait for all peers, with the kept commands. Shared, because
     /// peers outlive the other members.
     const std::shared_ptr<qint64> m_pPending = std::make_shared<qint64>(0);
 

@@ -9,8 +9,8 @@
 
 namespace SimulationTool {
 
-/// Notices that something waits and makes no progress for some time. Noting
-/// progress is cheap: the timer that runs is not touched.
+/// Detects that something waits without progress for a time. note() is cheap: it does
+/// not restart a running timer. Used on its own thread.
 class StallWatch : public QObject
 {
     Q_OBJECT
@@ -20,12 +20,11 @@ public:
 
     [[nodiscard]] bool isWaiting() const { return m_bWaiting; }
 
-    /// Progress was made just now, or the waiting begins; nothing waits any more
-    /// when `a_bWaiting` is false.
+    /// Reports progress, or the begin of a wait; with false, the end of the wait.
     void note(bool a_bWaiting);
 
 Q_SIGNALS:
-    /// No progress for the whole time.
+    /// There was no progress for the time limit.
     void stalled();
 
 private:
