@@ -22,7 +22,7 @@ DeviceFeed::DeviceFeed()
     : m_communication(nullptr)
 {
     connect(&m_communication, &Communication::responseSimulationDevices, this, &DeviceFeed::takeList);
-    // A service may also pass on what the devices tell it.
+    // A service may also forward the devices' own commands.
     connect(&m_communication, &Communication::registerSimulationDevice, this,
             [this](const QString& a_sId, const SimulationDeviceConfiguration& a_device) {
                 SimulationDeviceConfiguration device = a_device;
@@ -115,8 +115,8 @@ void DeviceFeed::takeList(const QVector<SimulationDeviceConfiguration>& a_device
     Q_EMIT updated();
 }
 
-/// A device that is as it was keeps its row untouched: the table would redraw,
-/// and forget the device's state.
+/// Does not update the row of an unchanged device: the table would redraw it and
+/// reset the device's state.
 void DeviceFeed::takeDevice(const SimulationDeviceConfiguration& a_device)
 {
     const QString sId = a_device.id();
@@ -128,7 +128,7 @@ void DeviceFeed::takeDevice(const SimulationDeviceConfiguration& a_device)
     }
     m_devices[sId] = record;
     m_model.registerSimulation(a_device);
-    // The state may have come before the device: the list is not told, but asked for.
+    // A state may arrive before its device, because the list arrives only on request.
     if (m_states.contains(sId)) {
         m_model.updateSimulationState(sId, m_states[sId]);
     }
@@ -146,7 +146,7 @@ void DeviceFeed::takeState(const QString& a_sId, const SimulationDeviceState& a_
 {
     if (!m_bFollowing || (!m_states.contains(a_sId) && static_cast<std::uint64_t>(m_states.size()) >=
                                                            Limits::value(Limits::ListedDevices))) {
-        return; // late, or more than anybody reads
+        return; // sent before the release, or above the limit
     }
     m_states[a_sId] = a_state;
     if (m_devices.contains(a_sId)) {

@@ -16,12 +16,13 @@ class QTcpSocket;
 
 namespace Monitor {
 
-/// Keeps a table of devices as the service knows them.
+/// Fills a table model with the devices that are registered with a service.
 ///
-/// A service lists its devices for every program that asks. Every change of their
-/// states it sends only to the program that acquired it last, and acquiring takes
-/// the control from the program that had it. So this one only asks, again and
-/// again, and acquires the service only when it is to follow the states.
+/// A service returns its list of devices to every program that requests it, but sends
+/// device states only to the program that acquired it last. Acquiring takes the
+/// control from its former owner. Therefore this class requests the list every 2 s
+/// and acquires the service only when the states are to be followed. Used on the
+/// thread of the model's views.
 class DeviceFeed : public QObject
 {
     Q_OBJECT
@@ -33,21 +34,20 @@ public:
     [[nodiscard]] Simulation::SimulationsTableModel& model() { return m_model; }
     [[nodiscard]] const Simulation::SimulationsTableModel& model() const { return m_model; }
 
-    /// Begins with a socket that is connected, or ends with null, which empties
-    /// the table.
+    /// Uses a connected socket, which is not owned; null removes it and empties the
+    /// table.
     void setSocket(QTcpSocket* a_pSocket);
 
-    /// Whether to acquire the service for the sake of the states; also holds for
-    /// later connections. Off, the states that were shown are taken back, since
-    /// they would grow old.
+    /// Acquires or releases the service; also applies to later connections. Off
+    /// clears the shown states, because they are no longer updated.
     void setFollowingStates(bool a_bOn);
     [[nodiscard]] bool isFollowingStates() const { return m_bFollowing; }
 
-    /// How many of the devices are in the state.
+    /// The number of devices in this state.
     [[nodiscard]] qsizetype count(Simulation::ScenarioDataState a_eState) const;
 
 Q_SIGNALS:
-    /// The table may be other than before. Comes after every list, at least.
+    /// The table may have changed. Emitted at least after every list.
     void updated();
 
     /// What the service sends cannot be read, and nothing more of it is over this
@@ -62,7 +62,7 @@ private:
 
     Simulation::SimulationServiceCommunication m_communication;
     Simulation::SimulationsTableModel m_model;
-    QMap<QString, QByteArray> m_devices; ///< what is in the table, as XML
+    QMap<QString, QByteArray> m_devices; ///< the records in the table by device id, as XML
     QMap<QString, Simulation::SimulationDeviceState> m_states;
     QTimer m_askAgain;
     bool m_bFollowing = false;

@@ -29,7 +29,8 @@ struct Server
     std::uint16_t port = 0;
 };
 
-/// What the settings of this machine say, unless the text says otherwise.
+/// The server named by the text; for a null text, the one in this machine's settings.
+/// No value for an invalid text.
 std::optional<Server> serverOf(const QString& a_sText)
 {
     if (a_sText.isNull()) {
@@ -37,7 +38,7 @@ std::optional<Server> serverOf(const QString& a_sText)
         configuration.loadConfiguation();
         return Server{configuration.simulationServerAddress(), configuration.simulationServicePort()};
     }
-    // The last colon: addresses may have colons of their own.
+    // Splits at the last colon, because IPv6 addresses contain colons.
     const qsizetype iColon = a_sText.lastIndexOf(u':');
     Server server{a_sText.left(iColon), a_sText.mid(iColon + 1).toUShort()};
     if (server.host.startsWith(u'[') && server.host.endsWith(u']')) {
@@ -88,8 +89,8 @@ void addOptions(QCommandLineParser& a_parser)
     });
 }
 
-/// Shows the help where it is asked for. It needs no display, and so is shown
-/// before the windows' application looks for one.
+/// Writes the help if an argument requests it. Runs before the windows' application,
+/// which needs a display.
 bool showHelp(int a_iArguments, char* a_arguments[])
 {
     const QCoreApplication application(a_iArguments, a_arguments);
@@ -105,8 +106,8 @@ bool showHelp(int a_iArguments, char* a_arguments[])
     return bHelp;
 }
 
-/// While the application looks for a display: without one the toolkit would abort
-/// the process after several lines of its own.
+/// The message handler while the application opens the display. Without a display the
+/// toolkit would abort the process after several lines of its own.
 void reportNoDisplay(QtMsgType a_eType, const QMessageLogContext& /*a_context*/,
                      const QString& /*a_sMessage*/)
 {
@@ -126,7 +127,7 @@ int main(int argc, char* argv[])
     if (showHelp(argc, argv)) {
         return 0;
     }
-    ErrorHandler::Instance().setTraceMask(0); // every command would be a line
+    ErrorHandler::Instance().setTraceMask(0); // otherwise every command is traced
     const QtMessageHandler pHandler = qInstallMessageHandler(reportNoDisplay);
     const QApplication application(argc, argv);
     qInstallMessageHandler(pHandler);

@@ -44,7 +44,7 @@ constexpr std::array<StateName, 4> s_states{{
     {ScenarioDataState::Failed, QT_TRANSLATE_NOOP("Monitor::MonitorWindow", "failed")},
 }};
 
-/// The model is asked, so that the legend and the table cannot differ.
+/// Read from the model, so that the legend and the table cannot differ.
 QColor colorOf(ScenarioDataState a_eState)
 {
     SimulationsTableModel sample;
@@ -77,8 +77,8 @@ MonitorWindow::MonitorWindow(const QString& a_sHost, std::uint16_t a_uiPort)
     pLayout->addWidget(m_pCounts);
     setCentralWidget(pCentral);
     resize(s_size);
-    // Once for all news that come together: to count all devices for the news of
-    // each would take the square of their number.
+    // Shows all updates of one event loop pass together: counting all devices for
+    // each update would take quadratic time.
     m_refresh.setSingleShot(true);
     m_refresh.setInterval(0);
     connect(&m_feed, &DeviceFeed::updated, &m_refresh, qOverload<>(&QTimer::start));
@@ -139,7 +139,7 @@ void MonitorWindow::createTable()
 
 void MonitorWindow::createWait()
 {
-    // A click on the button does what Escape does.
+    // The button cancels as Escape does.
     auto* const pCancel = m_pWait->findChild<QPushButton*>(QStringLiteral("cancelButton"));
     connect(pCancel, &QPushButton::clicked, m_pWait, &WaitDisplayWidget::reject);
     connect(m_pWait, &WaitDisplayWidget::canceled, this, &MonitorWindow::cancel);
@@ -163,7 +163,8 @@ void MonitorWindow::connectToService()
 void MonitorWindow::connected()
 {
     m_bConnected = true;
-    // A service whose machine was switched off says nothing.
+    // Detects a service whose machine was switched off without closing the
+    // connection.
     m_connector->socket()->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
     qInfo("monitor: connected");
     m_feed.setSocket(m_connector->socket());
@@ -196,7 +197,7 @@ void MonitorWindow::abandonConnection(const QString& a_sError)
 
 void MonitorWindow::cancel()
 {
-    m_connector.reset(); // it would try again without end
+    m_connector.reset(); // it repeats its attempts without limit
     showState();
 }
 
@@ -219,7 +220,7 @@ void MonitorWindow::showState()
     statusBar()->showMessage(sText);
 }
 
-/// The number of devices in each state, in the table's colours: its legend.
+/// Shows the number of devices in each state, in the table's colours, as its legend.
 void MonitorWindow::showCounts()
 {
     if (!m_bConnected) {
@@ -238,9 +239,10 @@ void MonitorWindow::showCounts()
     m_pCounts->setText(parts.join(QStringLiteral(" &nbsp; ")));
 }
 
-/// Once, when the table fills: later the widths are the user's. A name as long as
-/// the window must not push the rest out of it, so a column of texts takes at
-/// most its share, and the first what is left.
+/// Sets the column widths when the table gets its first rows; later changes are the
+/// user's. Each text column gets at most an equal share of the width, and the first
+/// column the rest, so that a long name does not push other columns out of the
+/// window.
 void MonitorWindow::fitColumns()
 {
     if (m_bColumnsFit || m_feed.model().rowCount() == 0) {

@@ -42,7 +42,7 @@ public:
     [[nodiscard]] QWidget& waitDialog() { return *m_pWait; }
 
 Q_SIGNALS:
-    /// The service has told something, or the waiting for it has begun.
+    /// Data from the service were shown, or the window began to wait for it.
     void updated();
 
 protected:
@@ -63,8 +63,8 @@ private:
     QString m_sHost;
     std::uint16_t m_uiPort;
     DeviceFeed m_feed;
-    std::unique_ptr<Simulation::TcpServerConnector> m_connector; ///< null = not to be connected
-    QTimer m_refresh;                                            ///< runs while there is news to be shown
+    std::unique_ptr<Simulation::TcpServerConnector> m_connector; ///< null = no connection wanted
+    QTimer m_refresh;                                            ///< runs while an update has to be shown
     bool m_bConnected = false;
     QString m_sUnreadable;      ///< why the last connection was given up; empty once a service is read again
     bool m_bColumnsFit = false; ///< the widths are the user's now

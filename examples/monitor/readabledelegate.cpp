@@ -11,10 +11,11 @@ namespace Monitor {
 
 namespace {
 
-constexpr double s_dContrast = 4.5; ///< least for texts of ordinary size (WCAG 2.1, 1.4.3)
-constexpr int s_iSteps = 20;        ///< from the colour to white or black
+constexpr double s_dContrast = 4.5; ///< minimum for text of normal size (WCAG 2.1, 1.4.3)
+constexpr int s_iSteps = 20;        ///< steps from the colour to white or black
 
-/// A component of sRGB made linear (WCAG 2.1, "relative luminance").
+/// Converts a component of sRGB in [0, 1] to linear light (WCAG 2.1, "relative
+/// luminance").
 double linear(double a_dComponent)
 {
     return a_dComponent <= 0.04045 ? a_dComponent / 12.92 : std::pow((a_dComponent + 0.055) / 1.055, 2.4);
@@ -26,7 +27,8 @@ double luminance(const QColor& a_color)
            0.0722 * linear(a_color.blueF());
 }
 
-/// From 1, the same, to 21, black on white.
+/// The contrast ratio of two colours (WCAG 2.1, "contrast ratio"): from 1 (the same)
+/// to 21 (black on white).
 double contrast(const QColor& a_first, const QColor& a_second)
 {
     const auto [dDark, dLight] = std::minmax({luminance(a_first), luminance(a_second)});
@@ -37,8 +39,9 @@ double contrast(const QColor& a_first, const QColor& a_second)
 
 QColor readable(const QColor& a_color, const QPalette& a_palette)
 {
-    // The dullest of a palette's grounds: what is readable there is so in tables as
-    // well, and a state has one colour all over the window.
+    // The window colour has the least contrast of the palette's backgrounds. What is
+    // readable there is readable in tables as well, so a state has one colour in the
+    // whole window.
     const QColor ground = a_palette.color(QPalette::Window);
     if (contrast(a_color, ground) >= s_dContrast) {
         return a_color;
@@ -60,7 +63,8 @@ void ReadableDelegate::initStyleOption(QStyleOptionViewItem* a_pOption, const QM
 {
     const QPalette palette = a_pOption->palette;
     QStyledItemDelegate::initStyleOption(a_pOption, a_index);
-    // The same for every group: a window in the background is read as well.
+    // Set for every colour group, because an inactive window must be readable as
+    // well.
     a_pOption->palette.setColor(QPalette::Text, readable(a_pOption->palette.color(QPalette::Text), palette));
 }
 
@@ -68,7 +72,7 @@ bool ReadableDelegate::helpEvent(QHelpEvent* a_pEvent, QAbstractItemView* a_pVie
                                  const QStyleOptionViewItem& a_option, const QModelIndex& a_index)
 {
     if (a_pEvent->type() == QEvent::ToolTip && sizeHint(a_option, a_index).width() > a_option.rect.width()) {
-        // A text from the network is shown as it is, and in lines.
+        // A text from the network is shown literally, wrapped into lines.
         QToolTip::showText(
             a_pEvent->globalPos(),
             QStringLiteral("<p>%1</p>").arg(displayText(a_index.data(), a_option.locale).toHtmlEscaped()),

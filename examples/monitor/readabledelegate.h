@@ -7,14 +7,14 @@
 
 namespace Monitor {
 
-/// The colour for a text in a window of that palette: as it is where it can be
-/// read; or else lighter or darker, the hue kept, until it can. Black and greys
-/// become the palette's own colour of texts then.
+/// The colour, if a text in it has enough contrast in windows of this palette.
+/// Otherwise the same hue, lighter or darker until the contrast suffices; for black
+/// and greys the palette's text colour.
 [[nodiscard]] QColor readable(const QColor& a_color, const QPalette& a_palette);
 
-/// Paints the texts of a table in the colours of its model, but readable: the
-/// model's colours are the same for every palette, and on a dark table black and
-/// dark red cannot be seen. A text that does not fit has a tool tip.
+/// Paints a table's texts in the colours of its model, adjusted by readable(): the
+/// model's colours do not depend on the palette, and black and dark red are
+/// unreadable on a dark table. An elided text has a tool tip.
 class ReadableDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

@@ -14,11 +14,11 @@ namespace Monitor {
 
 namespace {
 
-constexpr int s_iQuiet = 700;        ///< ms after the last news
+constexpr int s_iQuiet = 700;        ///< ms after the last update
 constexpr int s_iNobodyThere = 3000; ///< ms without a connection
 
-/// The window with its dialog over it, where that is shown. The frames, which
-/// the window system draws, are missing; a line stands for that of the dialog.
+/// The window, with its dialog drawn over it while that is shown. Frames drawn by the
+/// window system are missing; a line replaces the dialog's frame.
 QPixmap pictureOf(MonitorWindow& a_window)
 {
     QPixmap picture = a_window.grab();
@@ -47,7 +47,7 @@ WindowPicture::WindowPicture(MonitorWindow& a_window, const QString& a_sFile)
 
 void WindowPicture::wait()
 {
-    // A service that lets go of everybody at once must not put the end off for ever.
+    // Connections that end at once must not restart the timer without limit.
     if (m_window.isConnected() || !m_quiet.isActive()) {
         m_quiet.start(m_window.isConnected() ? s_iQuiet : s_iNobodyThere);
     }

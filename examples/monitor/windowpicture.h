@@ -9,10 +9,10 @@ namespace Monitor {
 
 class MonitorWindow;
 
-/// Takes one picture of a window as users see it and ends the program: exit code
-/// 0, or 1 when the file cannot be written. It waits until the devices have been
-/// told and nothing new has come for a moment, or until nobody has answered for a
-/// while: then the waiting dialog is in the picture.
+/// Writes one picture of a window to a file and ends the program: exit code 0, or 1
+/// when the file cannot be written. Waits until the devices were received and no
+/// update arrived for 0.7 s. Without a connection for 3 s, the picture shows the
+/// waiting dialog. The window is not owned.
 class WindowPicture : public QObject
 {
     Q_OBJECT

@@ -30,8 +30,8 @@ using Communication = Simulation::SimulationServiceCommunication;
 using Simulation::ScenarioDataState;
 using Simulation::SimulationDeviceConfiguration;
 
-/// A service inside the test, with two devices. Tells states only to whoever has
-/// acquired it, and then before it answers anything else.
+/// A service in the test's process, with two devices. Sends states only to the peer
+/// that acquired it, and sends them before any other answer.
 class FakeService
 {
 public:
@@ -94,7 +94,7 @@ private:
     std::unique_ptr<Communication> m_peer;
 };
 
-/// The window as its user sees it.
+/// The visible content of a window.
 struct Seen
 {
     explicit Seen(const FakeService& a_service)
@@ -106,7 +106,7 @@ struct Seen
         window.connectToService();
     }
 
-    /// The names of the devices, each with its colour unless that is black.
+    /// The names of the devices, each followed by its colour unless that is black.
     [[nodiscard]] QString rows() const
     {
         QStringList all;
@@ -137,7 +137,7 @@ struct Seen
     LedWidget& lamp;
 };
 
-/// The pixels of a picture that a test of a colour holds for.
+/// The number of pixels in a picture whose colour passes a test.
 template<typename Test>
 int pixels(const QImage& a_picture, const Test& a_isWanted)
 {
@@ -186,7 +186,7 @@ private Q_SLOTS:
 
 void TestMonitor::initTestCase()
 {
-    ErrorHandler::Instance().setTraceMask(0); // every command would be a line
+    ErrorHandler::Instance().setTraceMask(0); // otherwise every command is traced
 }
 
 void TestMonitor::looksOn()
@@ -196,7 +196,7 @@ void TestMonitor::looksOn()
     QVERIFY(seen.window.waitDialog().isVisible() && !seen.lamp.isLedActive());
     QVERIFY(seen.shows("Alpha Beta"));
     QVERIFY(!seen.window.waitDialog().isVisible() && seen.lamp.isLedActive());
-    // Asked for again: what is new comes, what is gone goes.
+    // The next list adds new devices and removes missing ones.
     service.devices = {FakeService::device("b", "Beta"), FakeService::device("c", "Gamma")};
     QVERIFY(seen.shows("Beta Gamma"));
     QVERIFY(!service.acquired);
@@ -211,7 +211,7 @@ void TestMonitor::followsStates()
     QVERIFY(seen.shows("Alpha#008000 Beta#800000"));
     service.report("b", ScenarioDataState::Loading);
     QVERIFY(seen.shows("Alpha#008000 Beta#808000"));
-    // A device that is described anew keeps its state, and its place.
+    // A changed record keeps the device's state and row.
     service.devices[0].setName(QStringLiteral("Other"));
     QVERIFY(seen.shows("Other#008000 Beta#808000"));
     seen.button("Show states")->click();
@@ -227,7 +227,7 @@ void TestMonitor::stateBeforeDevice()
     QVERIFY(seen.shows("Alpha#008000 Beta#800000"));
 }
 
-/// News of one device must not take the reader of another one's row to the top.
+/// An update of one device must not scroll the table to the top.
 void TestMonitor::staysScrolled()
 {
     FakeService service;
@@ -291,7 +291,7 @@ void TestMonitor::cancel()
     QTest::mouseClick(seen.button("Cancel"), Qt::LeftButton);
     QVERIFY(!seen.window.waitDialog().isVisible() && seen.button("Connect")->isVisible());
     service.listen();
-    QTest::qWait(100); // many attempts would come in this time
+    QTest::qWait(100); // time for many attempts
     QVERIFY(!service.hasPeer());
     QTest::mouseClick(seen.button("Connect"), Qt::LeftButton);
     QVERIFY(seen.shows("Alpha Beta"));
@@ -302,7 +302,7 @@ void TestMonitor::readableColors_data()
 {
     QTest::addColumn<QColor>("color");
     QTest::addColumn<QColor>("ground");
-    QTest::addColumn<QColor>("expected"); ///< contrast 4.5 and little more, where it is not as it was
+    QTest::addColumn<QColor>("expected"); ///< if changed, a contrast of slightly more than 4.5
     const QColor dark(45, 45, 48);
     const QColor light(239, 239, 239);
     QTest::newRow("good as it is") << QColor(Qt::darkRed) << light << QColor(Qt::darkRed);
@@ -317,7 +317,7 @@ void TestMonitor::readableColors()
     QFETCH(QColor, ground);
     QFETCH(QColor, expected);
     QPalette palette(ground);
-    palette.setColor(QPalette::WindowText, Qt::cyan); // what texts have there
+    palette.setColor(QPalette::WindowText, Qt::cyan); // the palette's text colour
     QCOMPARE(Monitor::readable(color, palette).name(), expected.name());
 }
 
@@ -331,7 +331,7 @@ void TestMonitor::picture_data()
     QTest::newRow("nobody there") << false << QStringList{} << false;
 }
 
-/// The program itself, with the service and devices of this system.
+/// Runs the program itself with a service and devices of this project.
 void TestMonitor::picture()
 {
     QFETCH(bool, service);
@@ -373,11 +373,12 @@ void TestMonitor::picture()
     QCOMPARE(pixels(picture, isLampLit) > 20, service);
     QCOMPARE(pixels(picture, isTextOfLoaded) > 20, states);
     QVERIFY(!service || running.says(QStringLiteral("left"), 2)); // control and monitor
-    // Who only looks on leaves the control where it is.
+    // A monitor without states does not acquire the control.
     QCOMPARE(running.text().count(QStringLiteral("controls\n")), states ? 2 : 1);
 }
 
-/// The reason is the system's, and what is no picture stays what it is.
+/// The error text is the system's, and a file that cannot be replaced does not
+/// change.
 void TestMonitor::pictureWithoutPlace()
 {
     const QTemporaryDir folder;
