@@ -15,7 +15,7 @@ using namespace Simulation;
 
 namespace {
 
-/// A data file whose contents do not matter, but for the header.
+/// A data file with a valid header and arbitrary data.
 class ScratchFile
 {
 public:
@@ -48,8 +48,8 @@ QByteArray headerOf(const char* a_szMagic, const Fields&... a_fields)
     return header;
 }
 
-/// Reads what follows the header with the C library, piece by piece. The number
-/// of bytes.
+/// Reads the bytes after the header with the C library, piece by piece. Returns their
+/// number.
 std::size_t readBare(const QString& a_sPath, qsizetype a_iHeaderBytes, std::vector<char>& a_piece)
 {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pFile(std::fopen(qPrintable(a_sPath), "rb"),
@@ -63,7 +63,7 @@ std::size_t readBare(const QString& a_sPath, qsizetype a_iHeaderBytes, std::vect
     return uiBytes;
 }
 
-/// All spectra of a file in order; the argument is the points of a spectrum.
+/// Reads all spectra of a file in order; the argument is the points per spectrum.
 void readSpectra(benchmark::State& a_state)
 {
     constexpr quint32 uiRecordMs = 100;
@@ -105,8 +105,8 @@ BENCHMARK(readSpectra)
     ->Unit(benchmark::kMillisecond)
     ->MinTime(2.0);
 
-/// All symbols of a file in order, a second in each call; the argument is their
-/// rate.
+/// Reads all symbols of a file in order, one second per call; the argument is their
+/// rate (1/s).
 void readSymbols(benchmark::State& a_state)
 {
     constexpr quint32 uiSpanMs = 1000;

@@ -21,13 +21,13 @@ namespace {
 constexpr qsizetype s_iMebi = qsizetype(1024) * 1024;
 constexpr int s_iCommands = 20'000;
 
-/// Editor and service in one process, with a socket each.
+/// Editor and service in one process, connected by a pair of sockets.
 class Loopback
 {
 public:
     Loopback()
     {
-        // Every command that was processed is traced as an error.
+        // Off, because every processed command is traced as an error.
         ErrorHandler::Instance().setTraceMask(0);
         static int s_iArguments = 0;
         if (QCoreApplication::instance() == nullptr) {
@@ -41,7 +41,7 @@ public:
         service = std::make_unique<SimulationServiceCommunication>(m_server.nextPendingConnection());
     }
 
-    /// The bytes that arrive when these are sent.
+    /// Sends a scenario and returns the received bytes.
     QByteArray load(const QByteArray& a_document)
     {
         QByteArray received;
@@ -66,7 +66,7 @@ public:
     std::unique_ptr<SimulationServiceCommunication> service;
 };
 
-/// A document such as scenarios are: it shrinks to a fifth or so.
+/// A document like a scenario's: compression shrinks it to about a fifth.
 QByteArray scenarioOf(qsizetype a_iBytes)
 {
     QRandomGenerator random(1);
@@ -83,7 +83,7 @@ QByteArray scenarioOf(qsizetype a_iBytes)
     return document.append("</Scenario>\n");
 }
 
-/// What no compression makes smaller: the largest text for its size.
+/// Incompressible bytes, which give the largest command for their size.
 QByteArray noiseOf(qsizetype a_iBytes)
 {
     QRandomGenerator random(1);
@@ -120,7 +120,7 @@ void sendNoise(benchmark::State& a_state)
 }
 BENCHMARK(sendNoise)->Arg(16)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(3.0);
 
-/// As many bytes over a bare pair of sockets.
+/// The time (s) to send as many bytes over a bare pair of sockets.
 double bareSeconds(const QByteArray& a_command)
 {
     QTcpServer server;
@@ -177,7 +177,7 @@ void smallCommands(benchmark::State& a_state)
 }
 BENCHMARK(smallCommands)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(3.0);
 
-/// A line of the process's memory figures, in bytes.
+/// A memory figure of this process, converted to bytes; 0 when it is not known.
 double processBytes(QByteArrayView a_name)
 {
     QFile status(QStringLiteral("/proc/self/status"));
@@ -192,8 +192,9 @@ double processBytes(QByteArrayView a_name)
     return 0.0;
 }
 
-/// What both ends together hold at most beside the bytes that are sent, and the
-/// whole process with them. The mark is set back to what is held before.
+/// The peak memory of both ends together, as a ratio to the sent bytes:
+/// "process_ratio" for the whole process, "added_ratio" without the memory in use
+/// before. The kernel's peak is reset before each run.
 void peakMemory(benchmark::State& a_state)
 {
     Loopback loopback;

@@ -5,15 +5,15 @@
 
 #include <benchmark/benchmark.h>
 
-// The cost of one question at a time, as the number of steps, points and
-// emissions grows: the figures must hardly grow with it.
+// The cost of one query at a time for growing numbers of steps, points and emissions.
+// The figures must grow by far less than those numbers.
 
 using namespace Simulation;
 
 namespace {
 
 constexpr unsigned int s_uiStepMs = 10;
-constexpr unsigned int s_uiTimeStride = 2'654'435'761U; // spreads the questions over the whole time
+constexpr unsigned int s_uiTimeStride = 2'654'435'761U; // spreads the query times over the whole range
 
 void slowHopperFrequency(benchmark::State& a_state)
 {

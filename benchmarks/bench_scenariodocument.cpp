@@ -27,7 +27,7 @@ namespace {
 constexpr int s_iEmitters = 10'000;
 constexpr int s_iWayPoints = 4;
 
-/// The settings of the kinds that documents hold, a quarter each.
+/// One of the four kinds of frequency settings, by index.
 IFrequencySettings* frequencyFor(int a_iIndex)
 {
     switch (a_iIndex % 4) {
@@ -76,7 +76,7 @@ std::shared_ptr<SzenarioEmitter> emitterFor(int a_iIndex, ISignalPackageProvider
     return emitter;
 }
 
-/// A document of emitters, and the provider that it needs.
+/// A scenario of emitters, and its provider.
 struct Scenario
 {
     Scenario()
@@ -93,7 +93,7 @@ struct Scenario
     ScenarioDataXml document;
 };
 
-/// One step of a stream writer with its strings ready.
+/// One step of a stream writer, with its strings prepared.
 struct WriterStep
 {
     QXmlStreamReader::TokenType type = QXmlStreamReader::NoToken;
@@ -191,7 +191,6 @@ QSet<std::shared_ptr<SzenarioEmitter>> compactEmitters(ISignalPackageProvider& a
     return emitters;
 }
 
-/// The fields of one record.
 struct BareRecord
 {
     QString id;

@@ -9,9 +9,9 @@
 #include <optional>
 #include <vector>
 
-// What a service with 200 idle devices costs, and how long a start takes to reach
-// all of them, and the state of one the controller, while other peers attack the
-// service.
+// Measures the cost of a service with 200 idle devices; then, while other peers
+// attack the service, the time until a start reaches all devices and the time until a
+// device's state reaches the controller.
 
 namespace {
 
@@ -19,7 +19,7 @@ constexpr int s_iIdleMs = 5000;
 constexpr int s_iSettleMs = 500;        ///< from the beginning of an attack to the first start
 constexpr int s_iStarts = 20;           ///< of one attack
 constexpr int s_iIntervalMs = 100;      ///< between two starts
-constexpr double s_dOverdueMs = 5000.0; ///< what takes longer is given up
+constexpr double s_dOverdueMs = 5000.0; ///< longer measurements are given up
 constexpr double s_dHalf = 0.5;
 constexpr std::int64_t s_iMebi = 1'048'576;
 constexpr double s_dLongestMs = 100.0;  ///< goal
@@ -32,7 +32,8 @@ struct Scene
     Attack attack;
 };
 
-/// The element below which the given part of the values lies.
+/// The value below which the part `a_dPart`, in [0, 1], of the values lies; -1
+/// without values.
 double quantile(std::vector<double> a_values, double a_dPart)
 {
     if (a_values.empty()) {
@@ -59,7 +60,7 @@ bool measureIdle()
     return true;
 }
 
-/// How long one kind of message takes, again and again.
+/// The measured delays of one kind of message.
 struct Delays
 {
     std::vector<double> times; ///< ms
@@ -122,7 +123,8 @@ bool measureBurst()
     return bMeasured;
 }
 
-/// What fits into one send of an attacker, so that sending costs it little.
+/// Repeats the commands up to the size of one send, so that sending costs the
+/// attacker little.
 QByteArray manyOf(const QByteArray& a_commands)
 {
     constexpr qsizetype iBytes = 262'144;
@@ -152,7 +154,7 @@ std::vector<Scene> scenes()
 int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
-    ErrorHandler::Instance().setTraceMask(0); // every command that was processed is traced as an error
+    ErrorHandler::Instance().setTraceMask(0); // every processed command is traced as an error
     const std::vector<Scene> all = scenes();
     const bool bMeasured =
         measureIdle() && std::all_of(all.begin(), all.end(), measureAttack) && measureBurst();

@@ -13,8 +13,9 @@
 #include <array>
 #include <cstdio>
 
-// Filling a cache folder with 2,000 packages of the default package's size
-// beside `cp` of the same files into one folder, and finding them all in place.
+// Compares filling a cache folder with 2,000 packages of the default package's size
+// to `cp` of the same files into one folder, and measures an update that finds all in
+// place.
 
 using namespace Simulation;
 
@@ -41,8 +42,8 @@ double milliseconds(const Work& a_work)
     return static_cast<double>(timer.nsecsElapsed()) / 1e6;
 }
 
-/// Packages of ids of their own, and the same files again under names that can
-/// stand in one folder.
+/// Makes packages with different ids, and copies of their files with unique names in
+/// one folder.
 bool makePackages(const QString& a_sDefault, const QString& a_sRepository, const QString& a_sFlat)
 {
     bool bOk = QDir().mkpath(a_sFlat);

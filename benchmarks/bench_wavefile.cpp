@@ -93,7 +93,7 @@ void readSamples(benchmark::State& a_state)
 }
 BENCHMARK(readSamples)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(3.0);
 
-/// The blocks as they stand in the file, ready made.
+/// Writes prepared blocks with the C library.
 void writeBare(const QByteArray& a_path, const std::vector<char>& a_header, const std::vector<char>& a_block)
 {
     std::FILE* pFile = std::fopen(a_path.constData(), "wb");

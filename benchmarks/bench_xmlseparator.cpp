@@ -17,7 +17,7 @@ namespace {
 constexpr qsizetype s_iKibi = 1024;
 constexpr qsizetype s_iMebi = 1024 * s_iKibi;
 
-/// Hands out a text that somebody else holds, one segment per signal.
+/// A device that returns a text, which it does not own, one segment per signal.
 class SegmentDevice : public QIODevice
 {
 public:
@@ -46,7 +46,7 @@ private:
     QByteArrayView m_segment;
 };
 
-/// A document of tags as scenarios have them.
+/// A document of elements and attributes like a scenario's.
 QByteArray taggedDocument(qsizetype a_iBytes)
 {
     const QByteArray element = "    <WayPoint Longitude=\"8.123456789\" Latitude=\"54.123456789\">\n"
@@ -96,8 +96,8 @@ double separatorSeconds(const QByteArray& a_stream, qsizetype a_iSegment, qsizet
     return dSeconds;
 }
 
-/// Reads a stream of equal documents, of `range(0)` bytes each in segments of
-/// `range(1)`; "speed" is ours in bytes per second by the bare reader's.
+/// Reads a stream of equal documents of `range(0)` bytes each in segments of
+/// `range(1)` bytes. "speed" is our speed divided by the bare reader's.
 void separate(benchmark::State& a_state, QByteArray (*a_pMake)(qsizetype))
 {
     int iArguments = 0;

@@ -25,7 +25,7 @@ bool runUntil(const Condition& a_condition, int a_iMilliseconds)
     QElapsedTimer elapsed;
     elapsed.start();
     QEventLoop loop;
-    QTimer wakeUp; // so that the end is noticed
+    QTimer wakeUp; // ends the wait for events at the timeout
     wakeUp.start(a_iMilliseconds);
     while (!a_condition() && elapsed.elapsed() < a_iMilliseconds) {
         loop.processEvents(QEventLoop::WaitForMoreEvents);
@@ -69,7 +69,7 @@ BenchedService::~BenchedService()
 
 double BenchedService::processorTime() const
 {
-    constexpr qsizetype iUserTime = 11; // counted after the program's name
+    constexpr qsizetype iUserTime = 11; // index among the fields after the program's name
     const QByteArray text = processFile(m_process.processId(), "stat");
     const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
     if (fields.size() <= iUserTime + 1) {
@@ -145,10 +145,11 @@ std::optional<double> BenchedPeers::start()
     return bAll ? std::optional(m_dLastArrival) : std::nullopt;
 }
 
-/// Only looks for the one device: a whole reader would be slower than the service.
+/// Searches for the one device only, because parsing everything would be slower than
+/// the service.
 void BenchedPeers::noteNews()
 {
-    constexpr qsizetype iUpdateBytes = 512; // at least what an update takes
+    constexpr qsizetype iUpdateBytes = 512; // at least the size of an update
     const QByteArray device("SimulationDeveiceStateUpdate Id=\"0\"");
     const QByteArray state("ScenarioDataState&gt;");
     m_received = m_received.right(iUpdateBytes) + m_controller.readAll();

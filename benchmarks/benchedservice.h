@@ -12,11 +12,11 @@
 #include <optional>
 #include <vector>
 
-/// Runs the event loop for so long (ms).
+/// Runs the event loop for a time (ms).
 void runFor(int a_iMilliseconds);
 
-/// A service in a process of its own, on a port of this machine only. The
-/// process ends with the object.
+/// A service in a process of its own, on a port of the loopback address. The process
+/// ends with the object.
 class BenchedService
 {
 public:
@@ -25,13 +25,13 @@ public:
     BenchedService(const BenchedService&) = delete;
     BenchedService& operator=(const BenchedService&) = delete;
 
-    /// 0 when it did not start.
+    /// 0 when the service did not start.
     [[nodiscard]] quint16 port() const { return m_uiPort; }
 
     /// Processor time so far (ms); -1 when it is not known.
     [[nodiscard]] double processorTime() const;
 
-    /// The most memory that it has held so far (MiB); -1 when it is not known.
+    /// The peak of its resident memory so far (MiB); -1 when it is not known.
     [[nodiscard]] double peakMemory() const;
 
 private:
@@ -39,8 +39,8 @@ private:
     quint16 m_uiPort = 0;
 };
 
-/// Well-behaved devices of a service, and a program that controls it. They run
-/// in the event loop of the caller.
+/// Conforming devices of a service, and a program that controls it. They run in the
+/// caller's event loop.
 class BenchedPeers
 {
 public:
@@ -53,14 +53,15 @@ public:
     [[nodiscard]] bool isReady() const { return m_iAccepted == s_iDevices; }
 
     /// Acquires the service, starts the scenario and waits until each device has
-    /// received that start. Gives the time (ms), nothing after 5 s.
+    /// received the start. Returns the time (ms); no value after 5 s.
     [[nodiscard]] std::optional<double> start();
 
-    /// Has a device report another state and waits until the controller has
-    /// received it. Gives the time (ms), nothing after 5 s.
+    /// Lets a device report another state and waits until the controller has received
+    /// it. Returns the time (ms); no value after 5 s.
     [[nodiscard]] std::optional<double> news();
 
-    /// How often the service has dropped the controller, which connects again.
+    /// The number of times that the service dropped the controller, which then
+    /// reconnects.
     [[nodiscard]] int evictions() const { return m_iEvictions; }
 
 private:
@@ -68,7 +69,7 @@ private:
     {
         QTcpSocket socket;
         Simulation::SimulationServiceCommunication communication{&socket};
-        quint64 start = 0; ///< the newest that it received
+        quint64 start = 0; ///< number of the newest received start
     };
 
     void addDevice(int a_iIndex);
@@ -78,9 +79,9 @@ private:
     const quint16 m_uiPort;
     std::vector<std::unique_ptr<Device>> m_devices;
     QTcpSocket m_controller;
-    QByteArray m_received; ///< the newest of what the controller received
+    QByteArray m_received; ///< last bytes that the controller received
     int m_iReported = 0;   ///< the state that the first device reported last
-    int m_iKnown = 0;      ///< the one that the controller knows
+    int m_iKnown = 0;      ///< the newest state that the controller received
     quint64 m_uiStart = 0; ///< the number of the newest start
     QElapsedTimer m_sinceStart;
     double m_dLastArrival = 0.0; ///< ms after the start

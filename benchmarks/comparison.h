@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <type_traits>
 
-/// How long a piece of work takes (s).
+/// The duration of a piece of work (s).
 template<typename Work>
 double secondsOf(const Work& a_work)
 {
@@ -16,9 +16,9 @@ double secondsOf(const Work& a_work)
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
-/// Runs the bare work and ours in turn and reports both beside their ratio. Ours
-/// is timed as a whole, unless it returns how long the part that counts took (s).
-/// For benchmarks that use manual time.
+/// Runs the bare work and ours in turn, and reports both times (ms) and their ratio.
+/// Ours is timed as a whole, unless it returns the duration of the measured part (s).
+/// For benchmarks with manual time.
 template<typename Bare, typename Ours>
 void compare(benchmark::State& a_state, std::int64_t a_iBytes, const Bare& a_bare, const Ours& a_ours)
 {

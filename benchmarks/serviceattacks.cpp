@@ -17,25 +17,26 @@
 namespace {
 
 constexpr int s_iPollMs = 20;
-constexpr auto s_betweenBursts = std::chrono::milliseconds(500); ///< the service takes what waits
+constexpr auto s_betweenBursts = std::chrono::milliseconds(500); ///< lets the service handle the waiting
+                                                                 ///< connections
 constexpr auto s_pause = std::chrono::milliseconds(s_iPollMs);
 
-/// A socket that connects; the caller closes it.
+/// Creates a connecting socket, which the caller closes.
 int connectTo(std::uint16_t a_uiPort)
 {
     const int iSocket = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-    const linger reset{1, 0}; // no port stays in use afterwards
+    const linger reset{1, 0}; // closes with a reset, so that no port stays in use
     setsockopt(iSocket, SOL_SOCKET, SO_LINGER, &reset, sizeof(reset));
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(a_uiPort);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    // The connection is made in the background; polling the socket shows how it ends.
+    // The connection is made asynchronously; poll() reports its result.
     static_cast<void>(connect(iSocket, reinterpret_cast<const sockaddr*>(&address), sizeof(address)));
     return iSocket;
 }
 
-/// Sends all of the bytes. False at the end and when the socket has failed.
+/// Sends all bytes. False at the end of the attack and after an error of the socket.
 bool sendAll(int a_iSocket, const QByteArray& a_bytes, bool a_bRead, const std::atomic<bool>& a_bEnd)
 {
     static thread_local std::array<char, 65'536> s_received;
@@ -69,7 +70,7 @@ void raiseDescriptors()
     setrlimit(RLIMIT_NOFILE, &descriptors);
 }
 
-/// Connects so many sockets at once and notes the time that each takes (ms).
+/// Connects all sockets at once and stores the time that each takes (ms).
 void connectAll(std::vector<pollfd>& a_sockets, std::uint16_t a_uiPort, const std::atomic<bool>& a_bEnd,
                 std::vector<double>& a_times)
 {

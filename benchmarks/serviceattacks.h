@@ -9,11 +9,12 @@
 #include <thread>
 #include <vector>
 
-/// What one misbehaving peer does, on a thread of its own, until the flag is
-/// set.
+/// The actions of one attacking peer, which run on a thread of their own until the
+/// flag is set.
 using Attack = std::function<void(std::uint16_t a_uiPort, const std::atomic<bool>& a_bEnd)>;
 
-/// A number of peers that misbehave in the same way. They end with the object.
+/// Several peers that run the same attack, each on its own thread. They end with the
+/// object.
 class Attackers
 {
 public:
@@ -27,16 +28,16 @@ private:
     std::vector<std::thread> m_threads;
 };
 
-/// Sends the first bytes once and the others over and over, and connects again
-/// when it is dropped. Reads what it is sent, or does not.
+/// Sends the first bytes once and the others repeatedly, and reconnects after being
+/// dropped. `a_bRead` selects whether it reads the received bytes.
 [[nodiscard]] Attack repeat(const QByteArray& a_once, const QByteArray& a_always, bool a_bRead);
 
-/// Sends a document of so many bytes without its end, and waits.
+/// Sends a document of this size (bytes) without its end, and waits.
 [[nodiscard]] Attack unfinished(std::int64_t a_iBytes);
 
-/// Connects many times at once, waits until all are connected, closes all, and
-/// begins again. `*a_pTimes` takes the times of the connections (ms); read it
-/// when the attackers have ended. May have one attacker only.
+/// Connects many sockets at once, waits until all are connected, closes all, and
+/// repeats that. Stores the duration of each connection (ms) in `*a_pTimes`, which
+/// may be read after the attackers have ended. For one attacker only.
 [[nodiscard]] Attack burst(int a_iConnections, std::vector<double>* a_pTimes);
 
 // Commands of attackers
