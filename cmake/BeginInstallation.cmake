@@ -1,6 +1,6 @@
-# Runs before the files are installed: finds the folders that the installation is
-# about to make, the topmost of each branch, for Uninstall.cmake to remove.
-# simulationOwnFolders are those of our own name, simulationSharedFolders others.
+# Runs before the files are installed: finds the folders that the installation will
+# make, the topmost of each branch, for Uninstall.cmake to remove.
+# simulationOwnFolders belong to this project alone, simulationSharedFolders do not.
 if(CMAKE_INSTALL_PREFIX MATCHES ";")
   message(FATAL_ERROR "Nothing was installed: CMake cannot handle the semicolon in the prefix "
     "${CMAKE_INSTALL_PREFIX}. Choose another.")
@@ -18,7 +18,8 @@ foreach(folder IN LISTS simulationOwnFolders simulationSharedFolders)
   endif()
 endforeach()
 
-# What is staged is moved later to where shared folders may have been before.
+# A staged installation is moved later to a place where shared folders may exist, so
+# only the own folders are removed.
 if(NOT "$ENV{DESTDIR}" STREQUAL "")
   list(TRANSFORM simulationOwnFolders PREPEND "${CMAKE_INSTALL_PREFIX}/" OUTPUT_VARIABLE simulationNewFolders)
 endif()

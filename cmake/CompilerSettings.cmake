@@ -14,8 +14,8 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
 
-# Stored scenarios are replayed on other machines: a fused multiply-add would
-# round single-precision steps differently from one processor to the next.
+# A stored scenario must give the same values on every machine: a fused multiply-add
+# rounds differently, and only some processors have it.
 add_compile_options(-ffp-contract=off)
 
 add_compile_definitions(
@@ -23,8 +23,8 @@ add_compile_definitions(
 
 if(SIMULATION_SANITIZE)
   set(sanitizers -fsanitize=address,undefined,float-cast-overflow -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  # The check of dynamic types compares type information that hidden visibility
-  # keeps apart on both sides of the library's border.
+  # The check of dynamic types compares addresses of type information. With hidden
+  # visibility the library and its users have copies with different addresses.
   list(APPEND sanitizers -fno-sanitize=vptr)
   add_compile_options(${sanitizers})
   add_link_options(${sanitizers})

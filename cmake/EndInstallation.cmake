@@ -1,6 +1,6 @@
-# Runs after the files are installed: writes the two lists that Uninstall.cmake
-# works from, with paths relative to it so that the prefix may be moved. What an
-# earlier installation noted stays in them.
+# Runs after the files are installed: writes the two lists that Uninstall.cmake reads,
+# with paths relative to it, so that the prefix may be moved. Keeps the entries of
+# earlier installations.
 
 function(note_installed a_file a_paths)
   cmake_path(ABSOLUTE_PATH simulationPackageDir BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" OUTPUT_VARIABLE base)

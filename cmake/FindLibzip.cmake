@@ -1,5 +1,5 @@
-# Finds the zip library libzip and defines Libzip::Libzip. The configuration
-# that comes with the library also wants its command-line tools installed.
+# Finds the zip library libzip and defines Libzip::Libzip. Does not use the library's
+# own configuration, which requires its command-line tools.
 include(FindPlainLibrary)
 find_plain_library(Libzip
   HEADER zip.h LIBRARIES zip

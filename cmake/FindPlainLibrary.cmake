@@ -1,6 +1,6 @@
-# What find modules of libraries share that bring no usable configuration of
-# their own: finds header and library, reads the version from a header, and
-# defines NAME::NAME.
+# Common code of the find modules for libraries without a usable configuration of
+# their own: finds header and library, reads the version from a header, and defines
+# NAME::NAME.
 #
 #   find_plain_library(NAME HEADER header LIBRARIES name...
 #     VERSION_HEADER header VERSION_MACRO macro)

@@ -1,14 +1,14 @@
-# How what is installed finds its library, and how it is removed again.
+# The run path of installed programs, and the lists for their removal.
 include(RunPath)
 
-# Programs find the library from where they lie, so that an installation works
-# under any prefix and may be moved.
+# Programs find the library relative to their own folder, so that an installation
+# works under any prefix and may be moved.
 relative_run_path(CMAKE_INSTALL_RPATH "${CMAKE_INSTALL_BINDIR}" "${CMAKE_INSTALL_LIBDIR}"
   "${CMAKE_INSTALL_FULL_LIBDIR}")
 
 set(simulationPackageDir "${CMAKE_INSTALL_LIBDIR}/cmake/SimulationData")
 
-# Called before everything that is installed: notes which folders are missing.
+# Call before all other install commands: records which folders are missing.
 function(begin_installation)
   install(CODE "
     set(simulationPackageDir \"${simulationPackageDir}\")
@@ -17,7 +17,8 @@ function(begin_installation)
   install(SCRIPT "${PROJECT_SOURCE_DIR}/cmake/BeginInstallation.cmake")
 endfunction()
 
-# Called after it: lists what was installed beside the script that removes it.
+# Call after all other install commands: lists the installed files, next to the script
+# that removes them.
 function(end_installation)
   install(FILES "${PROJECT_SOURCE_DIR}/cmake/Uninstall.cmake" DESTINATION "${simulationPackageDir}")
   install(SCRIPT "${PROJECT_SOURCE_DIR}/cmake/EndInstallation.cmake")

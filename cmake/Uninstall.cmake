@@ -2,8 +2,8 @@
 #
 #   cmake -P PREFIX/lib/cmake/SimulationData/Uninstall.cmake
 #
-# The files listed in installed_files.txt go, then the folders that the
-# installation made, as far as they are empty.
+# Removes the files listed in installed_files.txt, then the folders that the
+# installation made, if they are empty.
 cmake_minimum_required(VERSION 3.25)
 
 set(base "${CMAKE_CURRENT_LIST_DIR}")
@@ -18,22 +18,23 @@ file(STRINGS "${base}/made_folders.txt" madeFolders)
 
 function(remove_file a_file)
   file(REMOVE "${a_file}")
-  # A link whose target is gone does not exist for EXISTS.
+  # EXISTS is false for a link to a missing target.
   if(EXISTS "${a_file}" OR IS_SYMLINK "${a_file}")
     message(FATAL_ERROR "Not everything was removed: ${a_file} cannot be deleted. "
       "Run this as the user who installed it.")
   endif()
 endfunction()
 
-# Removes the empty folders from the one given up to the topmost that was made.
+# Removes empty folders, from a_folder up to the topmost folder that the installation
+# made.
 function(remove_empty_folders a_folder)
   foreach(made IN LISTS madeFolders)
     cmake_path(ABSOLUTE_PATH made BASE_DIRECTORY "${base}" NORMALIZE)
-    string(REGEX REPLACE "/$" "" made "${made}") # or it would not be its own prefix
+    string(REGEX REPLACE "/$" "" made "${made}") # so that it is a prefix of itself
     set(folder "${a_folder}")
     cmake_path(IS_PREFIX made "${folder}" isMade)
     while(isMade)
-      # rmdir refuses a folder that somebody else has put something into.
+      # rmdir refuses a folder that still contains files.
       execute_process(COMMAND rmdir "${folder}" ERROR_QUIET)
       cmake_path(GET folder PARENT_PATH folder)
       cmake_path(IS_PREFIX made "${folder}" isMade)
@@ -41,8 +42,8 @@ function(remove_empty_folders a_folder)
   endforeach()
 endfunction()
 
-# The script and its lists go last, so that a failure can be mended and this
-# started again.
+# The script and its lists are removed last, so that the script can be run again
+# after an error.
 set(folders "${base}")
 set(ownFiles ${lists} "${CMAKE_CURRENT_LIST_FILE}")
 foreach(file IN LISTS files)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the release and measures it: every figure stands beside the bare cost
-# of the same work in the same run, with their ratio.
+# Builds the release and runs all benchmarks. Every figure is printed with the bare
+# cost of the same work in the same run, and their ratio.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -1,19 +1,19 @@
 #!/usr/bin/env bash
-# The main job: builds the release, makes a repository of signal packages, plays
-# the default scenario with them, and sends it the whole road from an editor
-# through the service to two devices. Shows the beginning and the last line of
-# what each step prints; the whole of it stays in build/demo. Arguments go to "simulationtool
-# play".
+# Builds the release, makes a repository of signal packages, plays the default
+# scenario with them, and sends it from an editor through the service to two devices.
+# Shows the first lines and the last line of each step's output; build/demo keeps all
+# of it. Arguments are passed to "simulationtool play".
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 tool=build/release/bin/simulationtool
 folder=build/demo
-lines=10 # shown of the beginning of a step: 60 lines in all are read, 1300 are not
+lines=10 # first lines shown of each step, so that the whole output stays short
 rm -rf "$folder"
 mkdir -p "$folder"
 
-# step NAME COMMAND...: runs it into NAME.txt and shows the beginning.
+# step NAME COMMAND...: runs the command, writes its output to NAME.txt and shows the
+# beginning.
 step() {
     local file=$folder/$1.txt
     echo "$1: ${*:2}"

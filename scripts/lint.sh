@@ -1,44 +1,44 @@
 #!/usr/bin/env bash
-# Checks the format of all own sources, then lets clang-tidy look for mistakes.
-# Any finding fails. The debug build comes first: its compile commands and
-# generated sources are used. A source that had no finding is passed over until
-# it, a header that it includes, its compile command, .clang-tidy or a package
-# of Debian changes.
+# Checks the format of all sources of the project, then runs clang-tidy on them.
+# Fails on any finding. Makes the debug build first, because clang-tidy uses its
+# compile commands and generated sources. Skips a source without findings until
+# the source, a header that it includes, its compile command, .clang-tidy or a
+# Debian package changes.
 #
-#   scripts/lint.sh [--anew] [SOURCE...]    --anew: passes none over
+#   scripts/lint.sh [--anew] [SOURCE...]    --anew: skips none
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh lint
 build=build/debug
-clean=$build/lint # an empty file for every state of a source that had no finding
+clean=$build/lint # an empty file for each checked state of a source without findings
 if [ "${1:-}" = --anew ]; then
     rm -rf "$clean"
     shift
 fi
 mkdir -p "$clean"
 
-# What git does not know yet counts as well, unless it is ignored.
+# Lists untracked files as well, unless git ignores them.
 own_sources() { git ls-files --cached --others --exclude-standard "$@"; }
 
 own_sources '*.cpp' '*.h' | xargs clang-format-14 --dry-run --Werror
 
-# The benchmarks are checked, too.
+# The benchmarks are checked as well.
 cmake --preset debug -DSIMULATION_BUILD_BENCHMARKS=ON >/dev/null
 cmake --build --preset debug
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
-# The sources in the order of their size: the long checks begin first, so that all
-# processors are busy to the end. The consumer of the installation is built apart
-# from us, so there are no compile commands for it.
+# The largest sources first, so that the long checks begin early and all processors
+# stay busy to the end. tests/consumer is a project of its own without compile
+# commands in this build.
 sources=("$@")
 [ $# -gt 0 ] || mapfile -t sources < <(own_sources '*.cpp' ':!tests/consumer' | xargs ls -S)
 
-# What clang-tidy reads beside our own files.
+# The inputs of clang-tidy that are not files of the project.
 common=$(cat .clang-tidy <(dpkg-query --show) | sha256sum)
-# For every source a line with each of our files that it was made from.
+# One line for every source and every file of the project that it depends on.
 ninja -C "$build" -t deps | awk -v build="$build" '
     /^[^ ]/ { source = ""; next }
     NF == 0 { next }
@@ -46,7 +46,8 @@ ninja -C "$build" -t deps | awk -v build="$build" '
     source == "" { source = file; sub(/^(\.\.\/)+/, "", source) }
     file !~ /^\/usr\// { print source "\t" build "/" file }' >"$scratch/files"
 
-# An error where the build knows no files of the source.
+# Prints a hash of everything that a source's findings depend on. Fails for a source
+# that the build does not contain.
 state_of() {
     grep --quiet --fixed-strings "$1	" "$scratch/files" || {
         echo "lint.sh: $1 is not among the sources that the debug build compiled" >&2

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Takes pictures of the monitor example: light and dark, with long names, with 200
-# devices, and while it waits. An argument names the folder for them. They are
-# taken without a screen; set QT_QPA_PLATFORM=xcb to take them on the present one.
+# devices, and while it waits. The argument is the folder for them, by default
+# build/pictures. Needs no screen; QT_QPA_PLATFORM=xcb uses the current one.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -21,15 +21,15 @@ stop_service() {
 }
 trap 'stop_service; rm -rf "$scratch"' EXIT
 
-# A service of our own, and a connection to it on descriptor 3, over which all
-# devices of a picture are registered.
+# Starts a service, and connects to it on descriptor 3, over which all devices of a
+# picture are registered.
 start_service() {
     stop_service
     : >"$scratch/out"
     "$bin/simulationtool" service --address 127.0.0.1 --port 0 >"$scratch/out" 2>"$scratch/log" &
     service=$!
     until grep --quiet port "$scratch/out"; do
-        kill -0 "$service" # or else it never says so
+        kill -0 "$service" # stop when the service has ended
         sleep 0.1
     done
     port=$(grep --only-matching '[0-9]*$' "$scratch/out")
@@ -50,7 +50,7 @@ device() {
 EOF
 }
 
-# picture NAME [OPTION...]: once light, once dark.
+# picture NAME [OPTION...]: takes a light and a dark picture.
 picture() {
     "$bin/monitor" --server "127.0.0.1:$port" "${@:2}" --picture "$folder/$1-light.png"
     "$bin/monitor" --server "127.0.0.1:$port" "${@:2}" --dark --picture "$folder/$1-dark.png"

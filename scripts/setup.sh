@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Installs what the project needs from Debian, and only what is missing. Works
-# as root and through sudo; prints nothing and takes no time when all is there.
+# Installs the Debian packages that the project needs and that are missing, as root or
+# with sudo. Prints nothing when all are installed.
 #
-#   scripts/setup.sh [build|test|bench|lint]...    without an argument: all of it
+#   scripts/setup.sh [build|test|bench|lint]...    without an argument: all of them
 set -euo pipefail
 
 build=(
@@ -19,7 +19,7 @@ for purpose in "$@"; do
     case $purpose in
         build | test) packages+=("${build[@]}") ;;
         bench) packages+=("${build[@]}" "${bench[@]}") ;;
-        # The benchmarks are checked, too.
+        # The benchmarks are checked as well.
         lint) packages+=("${build[@]}" "${bench[@]}" "${lint[@]}") ;;
         *)
             echo "setup.sh: unknown purpose \"$purpose\": give build, test, bench or lint" >&2
@@ -51,7 +51,7 @@ install() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get install --yes --quiet=2 --no-install-recommends "${missing[@]}"
 }
-# The package lists of a fresh machine may be absent or old.
+# The package lists of a new machine may be missing or outdated.
 install >/dev/null 2>&1 || {
     "${as_root[@]}" apt-get update --quiet=2
     install >/dev/null

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds everything and runs all tests. An argument names another preset than
-# "debug", for example "sanitize".
+# Builds everything and runs all tests. The argument is the preset, by default
+# "debug"; "sanitize" is another.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
