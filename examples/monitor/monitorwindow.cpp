@@ -28,9 +28,9 @@ using Simulation::TcpServerConnector;
 using Simulation::WaitDisplayWidget;
 
 constexpr QSize s_size(820, 420);      ///< of a new window
-constexpr int s_iGap = 14;             ///< pixels between the texts of two columns
+constexpr int s_iGap = 14;             ///< pixels added to a column's text width
 constexpr qsizetype s_iMaxError = 200; ///< characters of an error text, which may quote the service
-constexpr int s_iPosition = 4;         ///< the column whose texts are all as long and are not to be elided
+constexpr int s_iPosition = 4;         ///< the last column: positions, never elided
 
 struct StateName
 {

@@ -21,12 +21,12 @@ class QTableView;
 
 namespace Monitor {
 
-/// The devices of a simulation service, with a lamp for the connection. While it
-/// connects, a waiting dialog is shown. Who cancels that wants no more attempts,
-/// but keeps the window, where a button begins anew.
+/// A window with the devices of a simulation service and a lamp for the connection. A
+/// waiting dialog is shown while it connects. Cancelling it ends the attempts; the
+/// window stays and shows a button that connects again.
 ///
-/// A connection over which the service sends what cannot be read is closed like a
-/// lost one, and the status bar shows why until a service can be read again.
+/// A connection over which the service sends unreadable bytes is closed like a lost
+/// one, and the status bar shows the error until a service can be read again.
 class MonitorWindow : public QMainWindow
 {
     Q_OBJECT
@@ -67,7 +67,7 @@ private:
     QTimer m_refresh;                                            ///< runs while an update has to be shown
     bool m_bConnected = false;
     QString m_sUnreadable;      ///< why the last connection was given up; empty once a service is read again
-    bool m_bColumnsFit = false; ///< the widths are the user's now
+    bool m_bColumnsFit = false; ///< the column widths are set and belong to the user
 
     // Children
     QTableView* m_pTable;

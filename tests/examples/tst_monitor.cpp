@@ -281,7 +281,7 @@ void TestMonitor::unreadableService()
     QCOMPARE(seen.window.statusBar()->currentMessage(), sBefore);
 }
 
-/// Cancel ends the attempts, not the program; a button begins anew.
+/// Cancel ends the attempts, not the program; a button connects again.
 void TestMonitor::cancel()
 {
     FakeService service;

@@ -1,5 +1,5 @@
-# Installs into a scratch folder, moves the installation, runs the programs and a
-# project of its user from there, and removes it. Any failure stops.
+# Installs into a scratch folder, moves the installation, runs its programs and a
+# project that uses it, and removes it. Fails at the first error.
 cmake_minimum_required(VERSION 3.25)
 
 set(scratch "${BUILD_DIR}/installation-test")
@@ -16,7 +16,7 @@ function(expect a_name a_actual a_expected)
   endif()
 endfunction()
 
-# What is below a folder, hidden files and empty folders, too.
+# Compares everything below a folder, hidden files and empty folders included.
 function(expect_below a_name a_folder a_expected)
   file(GLOB_RECURSE found LIST_DIRECTORIES true RELATIVE "${a_folder}" "${a_folder}/*")
   expect("${a_name}" "${found}" "${a_expected}")
@@ -36,7 +36,7 @@ foreach(row IN ITEMS
   expect("run path of ${bin} for ${lib}" "${actual}" "${expected}")
 endforeach()
 
-# Installed twice, as an update is, and then moved.
+# Installed twice, as an update does, and then moved.
 set(prefix "${scratch}/moved here")
 foreach(time RANGE 1)
   run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${scratch}/prefix")
@@ -58,7 +58,7 @@ run("${CMAKE_COMMAND}" -S "${SOURCE_DIR}/tests/consumer" -B "${scratch}/build" -
 run("${CMAKE_COMMAND}" --build "${scratch}/build")
 run("${scratch}/build/consumer")
 
-# Removed, it leaves what others put there, and nothing of its own.
+# The removal leaves files of others, and nothing of its own.
 set(uninstall "${LIB}/cmake/SimulationData/Uninstall.cmake")
 set(headers include/simulation)
 file(WRITE "${prefix}/${BIN}/other" "")
@@ -66,7 +66,7 @@ file(WRITE "${prefix}/${headers}/.hidden" "")
 run("${CMAKE_COMMAND}" -P "${prefix}/${uninstall}")
 expect_below("left of others" "${prefix}" "${BIN};${BIN}/other;include;${headers};${headers}/.hidden")
 
-# Folders that were there before stay, though empty.
+# Folders that existed before stay, even when empty.
 set(prefix "${scratch}/shared")
 file(MAKE_DIRECTORY "${prefix}/${LIB}/cmake")
 file(GLOB_RECURSE before LIST_DIRECTORIES true RELATIVE "${prefix}" "${prefix}/*")
@@ -74,7 +74,7 @@ run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}")
 run("${CMAKE_COMMAND}" -P "${prefix}/${uninstall}")
 expect_below("left of a shared prefix" "${prefix}" "${before}")
 
-# A new prefix goes with what is in it, also from staging.
+# A new prefix is removed with its content, also from a staged installation.
 foreach(stage IN ITEMS "" "${scratch}/stage")
   set(ENV{DESTDIR} "${stage}")
   run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${scratch}/alone")

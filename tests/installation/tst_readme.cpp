@@ -16,24 +16,24 @@ namespace {
 constexpr int s_iCommandTimeout = 240'000; ///< ms; an instrumented build of the programs is slow
 constexpr int s_iOutputTimeout = 60'000;   ///< ms
 
-/// How a command of README.md is run.
+/// The way in which the test runs a command of README.md.
 enum class Way {
     Foreground,
     Background, ///< until the test ends
     Environment,
-    Script, ///< not run: it works on the clone
-    Preset, ///< not run: it builds the library anew
+    Script, ///< not run, because it changes the clone
+    Preset, ///< not run, because it rebuilds the library
 };
 
 struct Expectation
 {
     Way way = Way::Foreground;
     int code = 0;
-    const char* szOutput = "."; ///< a regular expression that the output matches
+    const char* szOutput = "."; ///< regular expression for the output
 };
 
-/// Commands that do not just run, print something and end with 0. Whoever adds
-/// one to README.md adds it here.
+/// Commands with other expectations than to run, print something and end with 0. A
+/// new command of this kind in README.md needs an entry here.
 const QMap<QString, Expectation> s_expectations{
     {QStringLiteral("./scripts/demo.sh"), {Way::Script}},
     {QStringLiteral("./scripts/test.sh"), {Way::Script}},
@@ -57,12 +57,12 @@ const QMap<QString, Expectation> s_expectations{
      {Way::Background, 0, "scenario .Harbour."}},
     {QStringLiteral("simulationtool control load mended.sce.exp"),
      {Way::Foreground, 0, "loaded by 2 of 2 devices"}},
-    {QStringLiteral("simulationtool control start"), // the receiver above answers no start
+    {QStringLiteral("simulationtool control start"), // the example receiver does not answer a start
      {Way::Foreground, 1, "rx-1 .*plays from 0 ms(.|\n)*confirmed by 1 of 2 devices"}},
     {QStringLiteral("simulationtool control devices"), {Way::Foreground, 0, "rx-7 +Pier"}},
 };
 
-/// The files that README.md gives, named in their first lines.
+/// The files in README.md, each named in its first line.
 const QStringList s_files{QStringLiteral("CMakeLists.txt"), QStringLiteral("author.cpp"),
                           QStringLiteral("play.cpp"), QStringLiteral("receiver.cpp"),
                           QStringLiteral("editor.cpp")};
@@ -81,8 +81,8 @@ QString readmeText()
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-/// All items in the order of README.md: the fenced blocks, shell blocks line by
-/// line, and the commands of the programs between them.
+/// All items in the order of README.md: fenced blocks, shell blocks line by line, and
+/// the commands of the programs between them.
 QList<Item> readmeItems()
 {
     static const QRegularExpression fenceOrSpan(
@@ -112,8 +112,8 @@ QList<Item> readmeItems()
 
 } // namespace
 
-/// Does all that README.md shows, in its order, as a new user would: from an
-/// installation in a home folder, in a new folder of programs.
+/// Runs everything in README.md, in its order, as a new user would: with an
+/// installation in a home folder, in a new folder for programs.
 class TestReadme : public QObject
 {
     Q_OBJECT
@@ -127,7 +127,7 @@ private:
 
     [[nodiscard]] QString workFolder() const { return m_home.filePath(QStringLiteral("harbour")); }
 
-    /// The program of a shell that ends with the command's own code.
+    /// A shell that runs a command and ends with its exit code.
     [[nodiscard]] std::unique_ptr<QProcess> shell(const QString& a_sCommand) const
     {
         auto process = std::make_unique<QProcess>();
@@ -140,7 +140,7 @@ private:
 
     void runForeground(const QString& a_sCommand, const Expectation& a_expectation) const
     {
-        QString sHere = a_sCommand; // the build at hand, not one in the clone
+        QString sHere = a_sCommand; // the tested build, not one in the clone
         sHere.replace(QStringLiteral("--install build/release"), QStringLiteral("--install '" BUILD_DIR "'"));
         const auto process = shell(sHere);
         const bool bFinished = process->waitForFinished(s_iCommandTimeout);
@@ -158,7 +158,8 @@ private:
         return expected.match(a_sOutput).hasMatch();
     }
 
-    /// Starts what does not run yet; its first line shows that it is ready.
+    /// Starts a background program, unless it runs already, and waits for its first
+    /// line.
     void runBackground(const QString& a_sCommand)
     {
         if (m_background.contains(a_sCommand)) {
@@ -176,14 +177,14 @@ private:
 
     QTemporaryDir m_home;
     QProcessEnvironment m_environment = QProcessEnvironment::systemEnvironment();
-    QString m_sExports; ///< what README.md had the shell export so far
+    QString m_sExports; ///< exports of the shell lines so far
     std::map<QString, Background> m_background;
 
 private Q_SLOTS:
     void initTestCase()
     {
         QVERIFY(m_home.isValid() && QDir().mkpath(workFolder()));
-        // A port that is free now: the default one may be in use on this machine.
+        // A free port, because the default one may be in use on this machine.
         QTcpServer server;
         QVERIFY(server.listen(QHostAddress::LocalHost));
         QFile settings(m_home.filePath(QStringLiteral("Simulation.ini")));
@@ -248,8 +249,8 @@ private Q_SLOTS:
         }
     }
 
-    /// What runs in the background has received what the commands sent, and ends
-    /// when it is interrupted.
+    /// The background programs have received the other commands' orders, and end when
+    /// they are interrupted.
     void background()
     {
         QCOMPARE(m_background.size(), 3U);
@@ -268,7 +269,7 @@ private Q_SLOTS:
         }
     }
 
-    /// Nothing of the lists above has gone from README.md.
+    /// Every entry of the lists above is still in README.md.
     void expectations()
     {
         QStringList seen;

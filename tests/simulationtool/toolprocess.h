@@ -10,7 +10,7 @@
 
 #include <csignal>
 
-/// The program, running beside the test.
+/// The program as a process that runs during the test.
 class Tool
 {
 public:
@@ -27,20 +27,21 @@ public:
     Tool(const Tool&) = delete;
     Tool& operator=(const Tool&) = delete;
 
-    /// All that was written so far.
+    /// Everything that the process has written so far.
     QString text()
     {
         m_sText += QString::fromUtf8(m_process.readAll());
         return m_sText;
     }
 
-    /// Whether a text appears, or has appeared, so many times.
+    /// Waits until the text has been written so many times. False after the timeout.
     bool says(const QString& a_sText, qsizetype a_iTimes = 1)
     {
         return QTest::qWaitFor([&] { return text().count(a_sText) >= a_iTimes; }, s_iToolTimeout);
     }
 
-    /// The exit code after a signal; -1 when it does not end by itself.
+    /// Sends a signal and returns the exit code; -1 when the process does not end
+    /// normally.
     int codeAfter(int a_iSignal)
     {
         ::kill(static_cast<pid_t>(m_process.processId()), a_iSignal);
@@ -54,7 +55,7 @@ private:
     QString m_sText;
 };
 
-/// A service on a port that the system or the test chooses.
+/// A service on a port chosen by the system or the test.
 class Service : public Tool
 {
 public:

@@ -6,7 +6,7 @@
 #include <QString>
 #include <QStringList>
 
-/// How the tests run the program.
+/// Functions that run the program and return its output.
 
 constexpr int s_iToolTimeout = 60'000; ///< ms; instrumented builds are slow
 
@@ -17,8 +17,8 @@ struct ToolResult
     QString err;
 };
 
-/// What the program answers when standard input holds these bytes; the code is -1
-/// when it crashed or hung.
+/// Runs the program with these bytes on standard input. The code is -1 after a crash
+/// or the timeout.
 inline ToolResult runTool(const QStringList& a_arguments, const QByteArray& a_input = {})
 {
     QProcess process;

@@ -26,7 +26,7 @@ QByteArray contentOf(const QString& a_sFile)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
 }
 
-/// The reference document, one of whose three emissions names a known package.
+/// The reference document; one of its three emissions names a known package.
 QByteArray document()
 {
     return contentOf(QStringLiteral(TEST_DATA_DIR "/scenarios/Rich.sce")).replace("p-2", s_known);
@@ -66,7 +66,7 @@ private:
         QFile file(path(a_sName));
         return file.open(QIODevice::WriteOnly) && file.write(a_data) == a_data.size();
     }
-    /// Checks what stands in the folder; "r" there is a repository.
+    /// Checks files of the test's folder, in which "r" is a repository.
     [[nodiscard]] ToolResult check(const QStringList& a_arguments) const
     {
         QStringList arguments{u"check"_s};
@@ -201,7 +201,7 @@ void TestCheck::file()
 
 void TestCheck::deployment_data()
 {
-    QTest::addColumn<QByteArray>("content"); ///< of the root
+    QTest::addColumn<QByteArray>("content"); ///< the root element's content
     QTest::addColumn<QStringList>("findings");
 
     const QByteArray station = "<Station ID='s'><Position><Fixed><Lon>180</Lon><Lat>-90</Lat></Fixed>"
@@ -217,7 +217,7 @@ void TestCheck::deployment_data()
     QTest::newRow("no station, but a way")
         << QByteArray(placed)
                .replace("Fixed", "Movement")
-               .replace("<Lon>", "<Position/><Position><Lon>") // it begins at 0/0
+               .replace("<Lon>", "<Position/><Position><Lon>") // the path begins at 0/0
                .replace("</Lat>", "</Lat></Position>")
         << QStringList();
     QTest::newRow("no station, position 0/0")
@@ -261,7 +261,7 @@ void TestCheck::deployment()
     };
     const QString sCode = findings.isEmpty() ? u"0"_s : u"1"_s;
     QCOMPARE(checked(root + content + "</SimulationDeployment>"), findings + QStringList{sCode});
-    // What is found also in a document that is newer and breaks off.
+    // The same findings in a document of a newer version that breaks off.
     const QStringList broken = checked(QByteArray(root).replace("'1'", "'2'") + content);
     QCOMPARE(broken.size(), findings.size() + 3);
     QVERIFY(broken.at(0).startsWith(u"broke off: line 1") && broken.at(0).endsWith(u"[broken-off]"));
@@ -269,7 +269,7 @@ void TestCheck::deployment()
     QCOMPARE(broken.mid(2), findings + QStringList{u"1"_s});
 }
 
-/// What the list of packages shows as a problem a check of their users finds.
+/// A problem in the list of packages is a finding for the scenarios that use them.
 void TestCheck::damagedPackage()
 {
     QVERIFY(write(u"a.sce"_s, repaired(document())));
@@ -290,8 +290,8 @@ void TestCheck::damagedPackage()
     }
 }
 
-/// The file is replaced, and every byte of the former one is still there; it is
-/// not replaced when that cannot be had.
+/// The file is replaced and its former content saved; without the saved copy it is
+/// not replaced.
 void TestCheck::forceKeepsFormerFile()
 {
     const QByteArray former = "<Scenario><Emitter ID='a'/><!-- mine --><Future/></Scenario>";
@@ -300,7 +300,7 @@ void TestCheck::forceKeepsFormerFile()
     QCOMPARE(check(arguments).code, 1);
     QCOMPARE(contentOf(path(u"f.sce~"_s)), former);
     QVERIFY(contentOf(path(u"f.sce"_s)).contains("FileFormatVersion=\"4\""));
-    // Nothing is lost the second time: the copy stays what it is.
+    // The second repair loses nothing, so the saved copy does not change.
     QCOMPARE(check(arguments).code, 0);
     QCOMPARE(contentOf(path(u"f.sce~"_s)), former);
     QVERIFY(write(u"f.sce"_s, former));
@@ -310,7 +310,7 @@ void TestCheck::forceKeepsFormerFile()
     QCOMPARE(contentOf(path(u"f.sce"_s)), former);
 }
 
-/// A file that standard input comes from is the file itself.
+/// Standard input redirected from a file is recognised as that file.
 void TestCheck::redirectedInput()
 {
     const QByteArray cut = "<Scenario><Emitter ID='a'/>";
@@ -333,7 +333,7 @@ void TestCheck::progress_data()
     QTest::newRow("file") << false << false;
 }
 
-/// Work of more than a second is shown on a terminal, and erased at the end.
+/// A progress line is shown on a terminal after one second, and erased at the end.
 void TestCheck::progress()
 {
     QFETCH(bool, terminal);
@@ -341,11 +341,11 @@ void TestCheck::progress()
     const int iMaster = ::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
     QVERIFY(iMaster >= 0 && ::grantpt(iMaster) == 0 && ::unlockpt(iMaster) == 0);
     const QString sTerminal = QString::fromLocal8Bit(::ptsname(iMaster));
-    const int iSlave =
-        ::open(sTerminal.toLocal8Bit().constData(), O_RDWR | O_NOCTTY); // keeps what is written
+    const int iSlave = ::open(sTerminal.toLocal8Bit().constData(), O_RDWR | O_NOCTTY); // keeps the output of
+                                                                                       // the ended process
     QProcess process;
     process.setStandardErrorFile(terminal ? sTerminal : path(u"errors"_s));
-    // A check that waits for its input, and a play that would last for hours.
+    // A check that waits for its input, and a play that takes hours.
     const QStringList days{u"play"_s, u"--to"_s, u"1193h"_s, u"--csv"_s, path(u"rows.csv"_s)};
     process.start(QStringLiteral(SIMULATIONTOOL_PATH), play ? days : QStringList{u"check"_s, u"-"_s});
     QVERIFY(!process.waitForFinished(2500));
@@ -356,7 +356,7 @@ void TestCheck::progress()
     }
     QVERIFY(process.waitForFinished(s_iToolTimeout));
     QByteArray shown;
-    const auto isErased = [&] { // a terminal hands over what was written to it a little later
+    const auto isErased = [&] { // a terminal passes output on with a delay
         char part[4096];
         const ssize_t iRead = ::read(iMaster, part, sizeof(part));
         shown.append(part, std::max<ssize_t>(0, iRead));
@@ -421,7 +421,7 @@ void TestCheck::repair_data()
     QTest::newRow("a folder") << whole << nothing << u"r"_s << 2 << u"r: is a folder"_s;
 }
 
-/// Nothing but what was found changes, to the last byte.
+/// Every byte stays the same except the findings.
 void TestCheck::repair()
 {
     QFETCH(QByteArray, content);
@@ -441,7 +441,7 @@ void TestCheck::repair()
     QVERIFY(code == 2 || check({file, u"--repository"_s, u"r"_s}).code == 0);
 }
 
-/// More findings than a pipe holds: the check waits for its reader.
+/// The findings exceed a pipe's buffer, so the check waits for its reader.
 void TestCheck::cleansUp()
 {
     QVERIFY(write(u"a.sce"_s, document()));

@@ -20,9 +20,8 @@ QByteArray document(const QByteArray& a_content)
     return "<Scenario FileFormatVersion=\"4\">" + a_content + "</Scenario>";
 }
 
-/// A compact scenario of emitters whose ids are these letters and whose names
-/// are their places, the first of them the default one and linked to by the
-/// second.
+/// A compact scenario of emitters with these letters as ids and their indices as
+/// names. The first one is the default emitter, and the second one is linked to it.
 QByteArray compact(const QByteArray& a_ids)
 {
     QList<std::shared_ptr<SzenarioEmitter>> emitters;
@@ -100,7 +99,7 @@ void TestConvert::thereAndBack()
     QVERIFY(simplifiedLines(back.out).contains(QStringLiteral("Frequencies fixed, 25 MHz")));
     QVERIFY(!back.out.contains(QStringLiteral("Links")) && !back.out.contains(QStringLiteral("changed")));
 
-    // What the form carries is the same again, byte for byte.
+    // The carried content is the same again, byte for byte.
     QCOMPARE(runTool({s_sConvert, path(QStringLiteral("2")), path(QStringLiteral("3"))}).code, 0);
     QVERIFY(read(QStringLiteral("1")).size() > 1000);
     QCOMPARE(read(QStringLiteral("3")), read(QStringLiteral("1")));
@@ -109,7 +108,7 @@ void TestConvert::thereAndBack()
 void TestConvert::tellsLosses_data()
 {
     QTest::addColumn<QByteArray>("input");
-    QTest::addColumn<QString>("message"); ///< part of the error; with it the exit code is 1
+    QTest::addColumn<QString>("message"); ///< part of the error text; if set the exit code is 1
     QTest::addColumn<QString>("told");    ///< lines
 
     const auto add = [](const char* a_szRow, const QByteArray& a_input, const char* a_szTold,
@@ -154,7 +153,7 @@ void TestConvert::inspectsCompact_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<int>("code");
-    QTest::addColumn<QString>("lastLine"); ///< of the output; empty when it is no compact scenario
+    QTest::addColumn<QString>("lastLine"); ///< of the output; empty when the file is not a compact scenario
 
     const QByteArray two = compact("ab");
     const QString sFull = QStringLiteral("Verdict whole");
@@ -184,7 +183,7 @@ void TestConvert::inspectsCompact()
     const QString sFile = write(QStringLiteral("in"), content);
     const ToolResult result = runTool({s_sInspect, sFile});
     QCOMPARE(result.code, code);
-    // What is no compact scenario is the document reader's, which has one line to say.
+    // Any other file is read as a document, whose reader reports one line.
     QCOMPARE(result.err.count(u'\n'), code == 2 ? 1 : 0);
     QCOMPARE(result.out.contains(QStringLiteral("Compact")), !lastLine.isEmpty());
     if (lastLine.isEmpty()) {

@@ -15,8 +15,8 @@ namespace {
 const QString s_sBuiltIn = u":/DefaultData/Default.sce.exp"_s;
 const QString s_sPackage = u"r/SignalPackages/TuK-Default/Default"_s;
 
-/// The value at a path: keys and indices between slashes, "#" for the length of
-/// a list.
+/// The value at a path of keys and indices, separated by slashes; "#" is the length
+/// of a list.
 QJsonValue valueAt(const QJsonDocument& a_document, const QString& a_sPath)
 {
     QJsonValue value = a_document.object();
@@ -50,7 +50,7 @@ private:
         QFile file(path(a_sName));
         return file.open(QIODevice::WriteOnly) && file.write(a_data) == a_data.size();
     }
-    /// The command with "@" for the folder of the test.
+    /// Runs a command; "@" stands for the test's folder.
     [[nodiscard]] ToolResult run(const QString& a_sCommand, const QStringList& a_options = {}) const
     {
         QStringList arguments = a_sCommand.split(u' ');
@@ -135,7 +135,7 @@ void TestJsonReport::value_data()
     add(u"demo"_s, u"rows/0/time_ms"_s, 0);
 }
 
-/// Standard output is one document that holds the value, and nothing else.
+/// Standard output is one document with the value, and nothing else.
 void TestJsonReport::value()
 {
     QFETCH(QString, command);
@@ -148,7 +148,7 @@ void TestJsonReport::value()
     QCOMPARE(valueAt(document, place), value);
 }
 
-/// What steers a terminal arrives, but escaped.
+/// Characters that control a terminal are escaped.
 void TestJsonReport::hostileText()
 {
     const QString sName = u"a\"\\ \t\x1b[31m \x7f \u009b \u202e \u2028 ö 𝄞"_s;

@@ -35,7 +35,7 @@ QByteArray bytesOf(Number a_value)
     return bytes;
 }
 
-/// The bytes with others in their place from an offset on.
+/// The bytes, overwritten from an offset on.
 QByteArray patched(QByteArray a_bytes, qsizetype a_iOffset, const QByteArray& a_patch)
 {
     return a_bytes.replace(a_iOffset, a_patch.size(), a_patch);
@@ -53,7 +53,7 @@ QByteArray resultFile(float a_fRate)
            bytesOf<quint32>(0) + QByteArray(20, '\1');
 }
 
-/// A block of pulse words; the header claims `a_uiClaimed` of them.
+/// A block of pulse words, whose header declares `a_uiClaimed` of them.
 QByteArray pulseBlock(quint32 a_uiNumber, quint32 a_uiClaimed, qsizetype a_iHeld)
 {
     QByteArray block;
@@ -110,10 +110,10 @@ private:
                file.write(a_data) == a_data.size();
     }
 
-    QByteArray m_shape; ///< of the package "Rect 10kHz", as its audio and descriptor
+    QByteArray m_shape; ///< the package "Rect 10kHz"; also m_audio and m_descriptor
     QByteArray m_audio;
     QByteArray m_descriptor;
-    std::unique_ptr<QTemporaryDir> m_dir; ///< of one test; holds a repository "r"
+    std::unique_ptr<QTemporaryDir> m_dir; ///< the test's folder; contains a repository "r"
 };
 
 void TestRepositoryCommands::initTestCase()
@@ -277,7 +277,7 @@ void TestRepositoryCommands::inspectFile_data()
     };
     const QByteArray maximum(8, '\xFF');
     add("shape", m_shape, 0, "Spectrum 256 points", "whole");
-    // Of 100 records 49 are whole, and every fifth is shown.
+    // 49 of 100 records are complete, and every fifth one is shown.
     add("x.ssf", m_shape.chopped(51 * 1040 - 1), 1, "45 4500", "truncated by 53039 bytes");
     add("x.ssf", patched(m_shape, 19, maximum), 1, "Bandwidth 10 kHz",
         "truncated: the header claims more than any file holds");
@@ -344,7 +344,7 @@ void TestRepositoryCommands::inspectPackage()
     QVERIFY(lines.contains(QStringLiteral("Signal.wav 192024 whole 16 bits mono, 95990 frames, 2999 ms")));
     QCOMPARE(lines.constLast(), QStringLiteral("Verdict Signal.ssf truncated by 1 byte"));
     QCOMPARE(result.code, 1);
-    // A folder without a package is no scenario either.
+    // A folder without a package is refused.
     const ToolResult other = runTool({QStringLiteral("inspect"), path(QStringLiteral("r"))});
     QCOMPARE(other.code, 2);
     QVERIFY(other.err.contains(QStringLiteral("is a folder without a signal package")));
@@ -407,10 +407,10 @@ void TestRepositoryCommands::playShowsLevels()
     shape.setPackageDuration(3000);
     const QStringList rows = QString::fromUtf8(contentOf(sCsv)).split(QStringLiteral("\r\n"));
     QVERIFY(rows.constFirst().endsWith(QStringLiteral(",package,level")));
-    QVERIFY(rows.value(1).endsWith(QStringLiteral(",,"))); // not on at its start
+    QVERIFY(rows.value(1).endsWith(QStringLiteral(",,"))); // an emission is not on at its start
     const QStringList table = simplifiedLines(runTool(arguments).out);
     for (int i = 1; i < 5; ++i) {
-        shape.readSpectrum(static_cast<unsigned>(1300 * i)); // since the emission began
+        shape.readSpectrum(static_cast<unsigned>(1300 * i)); // ms since the start of the emission
         const QStringList fields = rows.value(1 + i).split(u',');
         QCOMPARE(fields.value(8), s_sRectId);
         QCOMPARE(fields.value(9).toFloat(), shape.signalLevelInSpectrum());
@@ -421,7 +421,7 @@ void TestRepositoryCommands::playShowsLevels()
 
 void TestRepositoryCommands::playTellsWhatIsMissing_data()
 {
-    QTest::addColumn<QString>("file"); // of the package; empty: the package is away
+    QTest::addColumn<QString>("file"); // in the package; empty: the package is missing
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("message");
 
@@ -443,7 +443,7 @@ void TestRepositoryCommands::playTellsWhatIsMissing()
     } else {
         QVERIFY(write(package(file), content));
     }
-    // Several of its emissions name the package.
+    // Several emissions use the package, but it is reported once.
     const ToolResult result =
         runTool({QStringLiteral("play"), QStringLiteral("--repository"), path(QStringLiteral("r"))});
     QCOMPARE(result.code, 1);
@@ -470,7 +470,8 @@ void TestRepositoryCommands::cacheThatCannotBeFilled_data()
         << "play" << 1'000 << 2 << "/.*: cannot be used as cache folder: Cannot copy .*: File too large\n";
 }
 
-/// What is missing is named, and no repair takes the missing package from a scenario.
+/// The error text names the cause, and no repair removes the missing package from a
+/// scenario.
 void TestRepositoryCommands::cacheThatCannotBeFilled()
 {
     QFETCH(QString, command);
@@ -493,8 +494,8 @@ void TestRepositoryCommands::cacheThatCannotBeFilled()
     QVERIFY(!QFileInfo::exists(path(QStringLiteral("mended"))));
 }
 
-/// The repository goes while the tool waits for another user of the cache: no
-/// number of packages is known then.
+/// The repository is removed while the tool waits for another user of the cache. The
+/// number of packages is not known then.
 void TestRepositoryCommands::lostRepository()
 {
     const QString sLock = path(QStringLiteral("cache/simulationdata.lock"));
@@ -530,13 +531,13 @@ void TestRepositoryCommands::playKeepsCache()
         QStringLiteral("play"),           QStringLiteral("--to"),    QStringLiteral("300"),
         QStringLiteral("--repository"),   path(QStringLiteral("r")), QStringLiteral("--cache"),
         path(QStringLiteral("new/cache"))};
-    // As a play leaves it that was killed early.
+    // The cache of a play that was killed early.
     QVERIFY(write(path(QStringLiteral("new/cache/simulationdata.lock")), {}) &&
             write(path(QStringLiteral("new/cache/Signal.xml")), m_descriptor));
     const ToolResult first = runTool(arguments);
     QCOMPARE(first.code, 0);
     QCOMPARE(contentOf(path(QStringLiteral("new/cache/") + s_sRectId + QStringLiteral(".ssf"))), m_shape);
-    // What the cache holds is played, also when the repository lost it.
+    // A cached package is played even when the repository has lost it.
     QVERIFY(QDir(package({})).removeRecursively());
     const ToolResult second = runTool(arguments);
     QCOMPARE(second.err, QString());
@@ -582,15 +583,15 @@ void TestRepositoryCommands::playCleansUp_data()
     QTest::newRow("reader goes away") << SIGPIPE;
 }
 
-/// A play that would last for days leaves its cache neither behind when it is
-/// ended nor when nobody reads on.
+/// A play that takes days removes its cache when it is interrupted and when its
+/// output is no longer read.
 void TestRepositoryCommands::playCleansUp()
 {
     QFETCH(int, signal);
     QDir(path({})).mkdir(QStringLiteral("tmp"));
     qputenv("TMPDIR", path(QStringLiteral("tmp")).toLocal8Bit());
     QProcess process;
-    QProcess reader; // reads nothing and ends
+    QProcess reader; // ends without reading
     if (signal == SIGPIPE) {
         process.setStandardOutputProcess(&reader);
         reader.start(QStringLiteral(SIMULATIONTOOL_PATH), {QStringLiteral("--version")});

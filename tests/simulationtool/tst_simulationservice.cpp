@@ -18,7 +18,7 @@
 #include <memory>
 #include <vector>
 
-// A service inside the test, with peers that do not behave.
+// Runs a service in the test's process, with misbehaving peers.
 
 using namespace SimulationTool;
 using namespace std::chrono_literals;
@@ -66,7 +66,8 @@ struct Peer
         bConnected = socket.waitForConnected(a_iConnectMs);
     }
 
-    /// Whether the text arrives. What has arrived up to its end is forgotten.
+    /// Waits until the text arrives, and removes everything up to its end from the
+    /// received bytes.
     bool receives(const QByteArray& a_text)
     {
         const bool bReceived = waitFor([&] {
@@ -77,7 +78,8 @@ struct Peer
         return bReceived;
     }
 
-    /// Whether the service serves it: it answers what was sent before, too.
+    /// Whether the service answers this peer; everything sent before was handled
+    /// then.
     bool isServed()
     {
         socket.write(s_ask);
@@ -91,9 +93,9 @@ struct Peer
     bool bConnected = false;
 };
 
-// Commands of the outbox tests are short texts. The first letter tells what they are:
-// L(oad), U(nload), S(tart), P(ause), D(eployment), R(emoved registration); others,
-// such as X for a stop, are of no kind.
+// Commands of the outbox tests are short texts. The first letter is the kind: L(oad),
+// U(nload), S(tart), P(ause), D(eployment), R(emoved registration); other letters,
+// such as X for a stop, have no kind.
 
 OutgoingKind kindOf(QChar a_cFirst)
 {
@@ -155,7 +157,7 @@ struct ModelDevice
     QStringList others;
 };
 
-/// A service whose lines are kept.
+/// A service whose log lines are kept.
 struct LoggedService
 {
     explicit LoggedService(std::chrono::milliseconds a_timeout = SimulationService::s_timeout)
@@ -204,7 +206,7 @@ private Q_SLOTS:
 
 void TestSimulationService::outbox_data()
 {
-    QTest::addColumn<QString>("actions"); // "order", "key=report", or how many bytes are taken
+    QTest::addColumn<QString>("actions"); // "order", "key=report", or the number of bytes to take
     QTest::addColumn<QString>("taken");
     QTest::newRow("in order") << "ab k=cd ef 99"
                               << "abcdef";
@@ -328,8 +330,8 @@ void TestSimulationService::supersededCommands()
     }
 }
 
-/// Another peer takes the control and gives it back again and again, while the
-/// controller is busy and does not read.
+/// Another peer acquires and releases the service repeatedly, while the controller is
+/// busy and does not read.
 void TestSimulationService::controllerIsNotEvicted()
 {
     LoggedService logged;
@@ -355,7 +357,7 @@ void TestSimulationService::controllerIsNotEvicted()
 void TestSimulationService::stalledPeer_data()
 {
     QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("reason"); // empty = it stays
+    QTest::addColumn<QString>("reason"); // empty = not dropped
     QTest::newRow("half a command") << QByteArray("<Command><Load")
                                     << "dropped: it left a command unfinished for 1 second";
     QTest::newRow("silent") << QByteArray() << QString();
@@ -386,7 +388,7 @@ void TestSimulationService::stalledPeer()
     QVERIFY(devices.isServed());
 }
 
-/// Every byte is progress.
+/// A peer that keeps sending bytes is not dropped.
 void TestSimulationService::slowButSteadyPeer()
 {
     LoggedService logged(1s);
@@ -400,7 +402,7 @@ void TestSimulationService::slowButSteadyPeer()
     QCOMPARE(logged.lines.filter(QStringLiteral("dropped")), QStringList());
 }
 
-/// The one with the most is dropped, and the others are not.
+/// The peer with the most pending bytes is dropped, and the others are not.
 void TestSimulationService::allPendingBytes()
 {
     constexpr int iLimit = 1'000'000;
@@ -420,10 +422,10 @@ void TestSimulationService::allPendingBytes()
     small.socket.write(end);
     middle.socket.write(end);
     QVERIFY(small.isServed() && middle.isServed());
-    // What the dropped one held is free again.
+    // The dropped peer's bytes no longer count.
     small.socket.write(begin + QByteArray(iLimit * 9 / 10, 'A') + end);
     QVERIFY(small.isServed());
-    Limits::setValue(Limits::AllPendingBytes, UINT64_MAX); // without a bound
+    Limits::setValue(Limits::AllPendingBytes, UINT64_MAX); // without limit
     middle.socket.write(begin + QByteArray(2'000'000, 'A') + end);
     QVERIFY(middle.isServed());
     QCOMPARE(logged.lines.filter(QStringLiteral("dropped")).size(), 1);
@@ -465,8 +467,8 @@ void TestSimulationService::slowDeviceIsSentNewestScenario()
     QCOMPARE(device.received.count(newest), 2); // as a scenario and as a deployment
 }
 
-/// What the service keeps of devices waits for nobody, and their ids are bounded as
-/// they are sent.
+/// The devices' records that the service keeps do not count as pending bytes of a
+/// peer. The limit of an id applies to its encoded form.
 void TestSimulationService::keptBytesBlameNobody()
 {
     Limits::setValue(Limits::AllPendingBytes, 100'000);
@@ -485,7 +487,7 @@ void TestSimulationService::keptBytesBlameNobody()
     QVERIFY(logged.logs(large.name() + QStringLiteral("dropped: it registers a device with a record of")));
 }
 
-/// Whoever asks often makes the states be gathered once for many requests.
+/// The states are sent once for many requests of one turn of the event loop.
 void TestSimulationService::statesOnceForManyRequests()
 {
     constexpr int iDevices = 100;
@@ -504,7 +506,7 @@ void TestSimulationService::statesOnceForManyRequests()
             return peer.received.contains("ResponseSimulationDevices");
         },
         s_iTimeout));
-    // Of 2 * iRequests at once some 200 fit into one turn of the event loop.
+    // About 200 of the 2 * iRequests fit into one turn of the event loop.
     const qsizetype iStates = peer.received.count("<SimulationDeveiceStateUpdate");
     QVERIFY2(iStates >= iDevices && iStates < iDevices * iRequests / 10,
              qPrintable(QString::number(iStates)));
@@ -552,11 +554,12 @@ void TestSimulationService::tooLargeCommand()
     QCOMPARE(logged.lines.filter(QStringLiteral("controls")).size(), 0);
 }
 
-/// The service is busy meanwhile: its event loop does not run.
+/// The service is busy during the burst: its event loop does not run.
 void TestSimulationService::burstOfConnections()
 {
     constexpr int iPeers = 300;
-    constexpr int iMuchShorter = 900; // ms; a connection that finds no room is tried again after 1 s
+    constexpr int iMuchShorter = 900; // ms; the system repeats a connection attempt that finds a full queue
+                                      // after 1 s
     LoggedService logged;
     std::vector<std::unique_ptr<Peer>> peers;
     for (int i = 0; i < iPeers; ++i) {

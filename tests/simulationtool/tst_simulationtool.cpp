@@ -18,7 +18,7 @@ constexpr int s_iHeaderLines = 2;
 
 const QString s_sBuiltIn = QStringLiteral(":/DefaultData/Default.sce.exp");
 
-/// A scenario around some elements.
+/// A scenario with these elements.
 QByteArray scenario(const QByteArray& a_elements, const QByteArray& a_attributes = {})
 {
     return R"(<Scenario FileFormatVersion="4" )" + a_attributes + ">" + a_elements + "</Scenario>";
@@ -29,7 +29,7 @@ QStringList lines(const QString& a_sText)
     return a_sText.split(u'\n', Qt::SkipEmptyParts);
 }
 
-/// The rows of a played table with single blanks between the cells.
+/// The rows of a play's table, with single blanks between the cells.
 QStringList tableRows(const QString& a_sText)
 {
     return simplifiedLines(a_sText).mid(s_iHeaderLines);
@@ -84,7 +84,7 @@ QString TestSimulationTool::write(const QString& a_sName, const QByteArray& a_da
 
 void TestSimulationTool::wrongFiles_data()
 {
-    QTest::addColumn<QByteArray>("content"); // null: nothing is written
+    QTest::addColumn<QByteArray>("content"); // null: no file is written
     QTest::addColumn<int>("code");
     QTest::addColumn<QString>("reason");
 
@@ -115,7 +115,7 @@ void TestSimulationTool::wrongFiles()
         const ToolResult result = runTool({command, sFile});
         QCOMPARE(result.err, QStringLiteral("simulationtool: %1: %2\n").arg(sFile, reason));
         QCOMPARE(result.code, code);
-        // What stood before the fault is shown.
+        // The content before the error is shown.
         QCOMPARE(result.out.contains(QStringLiteral("kept")), code == 1);
         QCOMPARE(result.out.isEmpty(), code == 2);
     }
@@ -126,7 +126,8 @@ void TestSimulationTool::wrongUsage_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("message");
 
-    // Arguments are separated by bars; the message ends by pointing to a help.
+    // The arguments are separated by bars. The error text ends with a reference to
+    // the help.
     const auto add = [](const char* a_szName, const char* a_szArguments, const char* a_szMessage,
                         const char* a_szHelp) {
         const QString sArguments = QString::fromLatin1(a_szArguments);
@@ -217,7 +218,7 @@ void TestSimulationTool::playRow_data()
 {
     QTest::addColumn<int>("time");
     QTest::addColumn<QString>("emitter");
-    QTest::addColumn<QString>("rest"); // how the row goes on
+    QTest::addColumn<QString>("rest"); // the rest of the row
 
     const auto add = [](const char* a_szName, int a_iTime, const char* a_szEmitter, const char* a_szRest) {
         QTest::newRow(a_szName) << a_iTime << QString::fromLatin1(a_szEmitter)
@@ -295,7 +296,7 @@ void TestSimulationTool::window()
 void TestSimulationTool::csvFields()
 {
     // Ids that need quoting, a frequency and a position with many digits, and a
-    // movement due north that has come to its end.
+    // movement due north at its end.
     const QString sFile = write(QStringLiteral("csv.xml"), scenario(R"(
 <Emitter ID="a,b" Active="true"><Frequency><Fixed>433925100.125</Fixed></Frequency>
  <EmissionSettings Broadcast="false" Duration="0"><Emission ID="1" StartTime="-1" Duration="9" SignalPackage="p &quot;1&quot;"/></EmissionSettings>
@@ -321,8 +322,8 @@ void TestSimulationTool::csvFields()
                         "0,\"c\nd\",false,5,10,50.5,0,0,\r\n"));
 }
 
-/// Standard output gets the rows and nothing else, whatever is wrong; the
-/// scenario arrives through standard input.
+/// Standard output contains only the rows, also after errors. The scenario is read
+/// from standard input.
 void TestSimulationTool::csvOnStandardOutput()
 {
     const ToolResult result = runTool({QStringLiteral("play"), QStringLiteral("-"), QStringLiteral("--to"),
@@ -403,7 +404,7 @@ void TestSimulationTool::csvIsAllOrNothing()
 
 void TestSimulationTool::fullDisk_data()
 {
-    QTest::addColumn<QStringList>("arguments"); // FILE is the file that is written
+    QTest::addColumn<QStringList>("arguments"); // FILE stands for the output file
     QTest::addColumn<int>("room");              // bytes
 
     QTest::newRow("rows of a play") << QStringList{QStringLiteral("play"), QStringLiteral("--csv"),
@@ -423,7 +424,7 @@ void TestSimulationTool::fullDisk_data()
     QTest::newRow("little on standard output") << QStringList{QStringLiteral("--help")} << 10;
 }
 
-/// The message has the system's reason, and a file that was there stays.
+/// The error text contains the system's error text, and an existing file is kept.
 void TestSimulationTool::fullDisk()
 {
     QFETCH(QStringList, arguments);
@@ -496,7 +497,7 @@ void TestSimulationTool::inspectTamesHostileTexts()
     const QStringList all = lines(result.out);
     QVERIFY(all.contains(QStringLiteral("  Description   first")));
     QVERIFY(all.contains(QStringLiteral("                second \\u{9b}[31m \\u{202e} end")));
-    // The long name is cut in the table, whose columns stay in line: the musical
+    // The long name is cut in the table, and the columns stay aligned: the musical
     // sign takes two code units but one column.
     const qsizetype iHeader = all.indexOf(QStringLiteral("Emitters: 2")) + 1;
     const qsizetype iActive = all.at(iHeader).indexOf(QStringLiteral("Active"));
@@ -513,7 +514,7 @@ void TestSimulationTool::olderFile()
     QVERIFY(result.code == 0 && result.out.contains(QStringLiteral("File version  older than 4")));
 }
 
-/// A slip of the pen must not cost the scenario.
+/// A typing error in the options must not overwrite the scenario.
 void TestSimulationTool::csvOverScenario()
 {
     const QString sFile = write(QStringLiteral("kept.xml"), "<Scenario><Emitter ID='e'/></Scenario>");
@@ -539,8 +540,8 @@ void TestSimulationTool::outputFails()
         QCOMPARE(process.readAllStandardError(),
                  QByteArray("simulationtool: standard output: No space left on device\n"));
     }
-    // A reader that goes away ends a play that would last for days, without a
-    // word. It is the program itself, which does not read what is piped into it.
+    // A closed pipe ends a play that takes days, without a message. The reader is the
+    // program itself, which does not read its input here.
     QProcess process;
     QProcess reader;
     process.setStandardOutputProcess(&reader);
@@ -552,7 +553,7 @@ void TestSimulationTool::outputFails()
     QCOMPARE(process.exitStatus(), QProcess::CrashExit);
     QCOMPARE(process.exitCode(), SIGPIPE);
     QCOMPARE(process.readAllStandardError(), QByteArray());
-    // A program of the network survives closed connections, and is as quiet.
+    // A network program survives a closed pipe, and writes no message either.
     int iPipe[2] = {};
     QCOMPARE(::pipe(iPipe), 0);
     ::close(iPipe[0]);
@@ -578,7 +579,7 @@ void TestSimulationTool::traceOnDemand()
     }
 }
 
-/// Quantities look the same where the user's locale has a decimal comma.
+/// The output does not change in a locale with a decimal comma.
 void TestSimulationTool::decimalComma()
 {
     const QString sFile = QStringLiteral(TEST_DATA_DIR "/scenarios/Rich.sce");

@@ -32,7 +32,7 @@ using Simulation::SimulationDeviceConfiguration;
 using Simulation::SimulationDeviceState;
 
 const QString s_sBuiltIn = QStringLiteral(":/DefaultData/Default.sce.exp");
-QString s_sRepository; ///< made once, for all tests
+QString s_sRepository; ///< made once for all tests
 
 SimulationDeviceConfiguration deviceOf(const QString& a_sId)
 {
@@ -42,7 +42,7 @@ SimulationDeviceConfiguration deviceOf(const QString& a_sId)
     return device;
 }
 
-/// A program that talks to a service, inside the test. Notes what it receives.
+/// A client of a service in the test's process. Records what it receives.
 struct Peer
 {
     explicit Peer(const QString& a_sPort)
@@ -96,7 +96,8 @@ struct Peer
         communication.sendSimulationDeviceStateUpdate(a_sId, state);
     }
 
-    /// Whether the service has received all that was sent, and has answered.
+    /// Waits until the service has received everything and has answered. False after
+    /// the timeout.
     bool synchronize()
     {
         const int iBefore = iAnswers;
@@ -104,13 +105,13 @@ struct Peer
         return QTest::qWaitFor([&] { return iAnswers > iBefore; }, s_iToolTimeout);
     }
 
-    /// What was received since the last call.
+    /// The text received since the last call.
     QString take() { return std::exchange(received, QString()).trimmed(); }
 
     QTcpSocket socket;
     Communication communication;
     QString received;
-    QStringList ids; ///< of the last answer
+    QStringList ids; ///< in the last answer
     int iAnswers = 0;
 };
 
@@ -120,7 +121,7 @@ ToolResult runControl(const QString& a_sServer, const QStringList& a_arguments)
                    a_arguments);
 }
 
-/// With a repository that has all packages, unless the options name another.
+/// Starts a device, by default with a repository that has all packages.
 std::unique_ptr<Tool> startDevice(const QString& a_sId, const QString& a_sServer,
                                   const QStringList& a_options = {QStringLiteral("--repository"),
                                                                   s_sRepository})
@@ -177,7 +178,7 @@ private:
 void TestWireCommands::initTestCase()
 {
     ErrorHandler::Instance().setTraceMask(0);
-    // The machine's own settings are not the test's.
+    // The test must not use this machine's settings.
     qputenv("SIMULATION_CONFIG_DIR", TEST_DATA_DIR);
     QVERIFY(m_folder.isValid());
     s_sRepository = m_folder.filePath(QStringLiteral("packages"));
@@ -203,7 +204,8 @@ void TestWireCommands::road()
         QVERIFY(pDevice->says(QStringLiteral("plays from 5000 ms")));
         QVERIFY(pDevice->says(QStringLiteral("pilot-boat     yes          156.800000"), 3));
     }
-    // Without a time a pause is at the present one, and the next start goes on.
+    // Without a time, pause uses the current scenario time, and the next start
+    // continues there.
     const ToolResult paused = runControl(service.address(), {QStringLiteral("pause")});
     QCOMPARE(paused.code, 0);
     const uint uiTime = paused.out.section(u' ', 2, 2).toUInt();
@@ -251,7 +253,7 @@ void TestWireCommands::serviceIsRestarted()
     QCOMPARE(runControl(sAddress, {QStringLiteral("load"), s_sBuiltIn}).code, 0);
 }
 
-/// One line when it begins to wait and one when the service is there.
+/// Logs one line when it begins to wait and one when the service listens.
 void TestWireCommands::deviceWaits()
 {
     constexpr int iMostLines = 10;
@@ -270,8 +272,8 @@ void TestWireCommands::deviceWaits()
     QCOMPARE(device.text().count(QStringLiteral("waits for")), 1);
 }
 
-/// The device serves without them, the editor learns why, and the exit code is not
-/// that of a whole device.
+/// The device runs without them, the editor receives the reason, and the exit code
+/// reports the missing packages.
 void TestWireCommands::deviceLacksPackages()
 {
     const QString sRepository = m_folder.filePath(QStringLiteral("too-large"));
@@ -316,10 +318,10 @@ void TestWireCommands::lateDevice()
     };
     QCOMPARE(toldLate(QStringLiteral("a")), QStringLiteral("accept deployment scenario test start accept"));
     editor.communication.sendPauseScenario(7);
-    // A lost connection takes its devices along.
+    // A lost connection unregisters its devices.
     QVERIFY(QTest::qWaitFor([&] { return editor.synchronize() && editor.ids.isEmpty(); }, s_iToolTimeout));
     QCOMPARE(toldLate(QStringLiteral("b")), QStringLiteral("accept deployment scenario test pause accept"));
-    editor.communication.sendLoadScenario("<s/>"); // another scenario does not run yet
+    editor.communication.sendLoadScenario("<s/>"); // a new scenario does not run yet
     QVERIFY(editor.synchronize());
     QCOMPARE(toldLate(QStringLiteral("c")), QStringLiteral("accept deployment scenario test accept"));
     editor.communication.sendUnloadScenario();
@@ -336,7 +338,7 @@ void TestWireCommands::newestControls()
     device.registerAs(QStringLiteral("rx"));
     device.report(QStringLiteral("rx"), ScenarioDataState::Loaded);
     QVERIFY(device.synchronize());
-    // Everything that a controller may order, sent by one peer.
+    // Sends every order of a controller from one peer.
     const auto ordered = [&](Peer& a_peer) {
         device.take();
         a_peer.communication.sendLoadDeployment("d");
@@ -352,7 +354,7 @@ void TestWireCommands::newestControls()
     };
     const QString sAll = QStringLiteral("deployment unload scenario start pause stop test add remove");
     QCOMPARE(ordered(first), QString());
-    QCOMPARE(first.take(), QStringLiteral("rx=2")); // who looks on learns it with the list
+    QCOMPARE(first.take(), QStringLiteral("rx=2")); // a peer without control receives it with the list
     first.communication.sendCommandAcquireServer();
     QVERIFY(first.synchronize());
     QCOMPARE(first.take(), QStringLiteral("rx=2"));
@@ -362,7 +364,7 @@ void TestWireCommands::newestControls()
 
     second.communication.sendCommandAcquireServer();
     QVERIFY(second.synchronize());
-    QCOMPARE(second.take(), QStringLiteral("rx=0 start")); // the new scenario made the state void
+    QCOMPARE(second.take(), QStringLiteral("rx=0 start")); // the new scenario reset the state
     QCOMPARE(ordered(first), QString());
     device.report(QStringLiteral("rx"), ScenarioDataState::Failed);
     device.report(QStringLiteral("other"), ScenarioDataState::Failed); // not its own
@@ -379,7 +381,7 @@ void TestWireCommands::newestControls()
     second.socket.abort();
     QVERIFY(service.says(QStringLiteral("controls again"), 2));
     QCOMPARE(ordered(first), sAll);
-    // What is sent just before the end counts.
+    // An order sent just before the disconnection is passed on.
     device.take();
     first.communication.sendStopScenario();
     first.socket.disconnectFromHost();
@@ -395,14 +397,14 @@ void TestWireCommands::newestRegisters()
     QVERIFY(former.synchronize());
     newest.registerAs(QStringLiteral("rx"));
     QVERIFY(newest.synchronize() && former.synchronize());
-    QCOMPARE(former.take(), QStringLiteral("accept unregister rx=0"));         // looks on now
-    former.communication.sendUnregisterSimulationDevice(QStringLiteral("rx")); // no more its own
+    QCOMPARE(former.take(), QStringLiteral("accept unregister rx=0"));         // has lost the control
+    former.communication.sendUnregisterSimulationDevice(QStringLiteral("rx")); // no longer its own
     newest.communication.sendCommandAcquireServer();
     newest.communication.sendStopScenario();
     QVERIFY(former.synchronize() && newest.synchronize());
     QCOMPARE(newest.ids, QStringList({QStringLiteral("rx")}));
     QCOMPARE(newest.take(), QStringLiteral("accept rx=0 stop"));
-    QCOMPARE(former.take(), QStringLiteral("rx=0")); // and no order
+    QCOMPARE(former.take(), QStringLiteral("rx=0")); // but no order
 }
 
 void TestWireCommands::badPeer_data()
@@ -517,7 +519,7 @@ void TestWireCommands::serviceThatRepeatsOrders()
     connect(&communication, &Communication::registerSimulationDevice,
             [&](const QString& a_sId, const SimulationDeviceConfiguration& a_device) {
                 communication.sendAcceptSimulationDevice(a_sId, Communication::createConfirmation(a_device));
-                pSocket->setReadBufferSize(1); // and reads no answer
+                pSocket->setReadBufferSize(1); // and does not read the answers
             });
     QVERIFY(device->says(QStringLiteral("rx: accepted")));
     pSocket->write(QByteArray("<Command><UnloadScenario/></Command>").repeated(60'000) + "no command");
@@ -591,8 +593,8 @@ void TestWireCommands::oddStart()
     QCOMPARE(device->text().contains(QStringLiteral("plays from")), told.contains(QStringLiteral("plays")));
 }
 
-/// A pause concerns a device that plays or is paused; any other goes on to report
-/// what became of its last order.
+/// A pause applies to a device that plays or is paused; another device keeps
+/// reporting the result of its last order.
 void TestWireCommands::pauseOfNothing()
 {
     const Service service;
@@ -639,9 +641,9 @@ void TestWireCommands::loadTellsOfDevices()
     connect(&device.communication, &Communication::loadScenario,
             [&] { device.report(QStringLiteral("rx"), state); });
     device.registerAs(QStringLiteral("rx"));
-    device.report(QStringLiteral("rx"), ScenarioDataState::Loaded); // of an earlier scenario
+    device.report(QStringLiteral("rx"), ScenarioDataState::Loaded); // for an earlier scenario
     QVERIFY(device.synchronize());
-    QTimer again; // the same is no progress
+    QTimer again; // a repeated state is not progress
     connect(&again, &QTimer::timeout, [&] { device.report(QStringLiteral("rx"), state); });
     again.start(200);
     Tool control({QStringLiteral("control"), QStringLiteral("load"), s_sBuiltIn, QStringLiteral("--server"),
@@ -737,8 +739,8 @@ void TestWireCommands::nobodyAnswers()
     QCOMPARE(nothing.code, 2);
 }
 
-/// With ever fewer files that may be open, the signal shapes, which are opened last,
-/// are the first to fail.
+/// The limit of open files is lowered step by step; the signal shapes, which are
+/// opened last, fail first.
 void TestWireCommands::demoTellsWhatIsBroken()
 {
     for (rlim_t uiFiles = 40; uiFiles > 10; --uiFiles) {
@@ -775,7 +777,7 @@ void TestWireCommands::demoWithoutRoom()
 
 void TestWireCommands::orders_data()
 {
-    QTest::addColumn<QStringList>("device"); // options; none without "-"
+    QTest::addColumn<QStringList>("device"); // options of the device; "-": no device runs
     QTest::addColumn<QStringList>("order");
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("last");
@@ -801,7 +803,7 @@ void TestWireCommands::orders_data()
         << "Scenario sent, loaded by 1 of 1 device, with replaced packages by 1";
 }
 
-/// What goes wrong at a device reaches the terminal of whoever gave the order.
+/// An error of a device is shown to the user who gave the order.
 void TestWireCommands::orders()
 {
     QFETCH(const QStringList, device);
@@ -846,7 +848,7 @@ void TestWireCommands::confirmations_data()
     QTest::newRow("no message") << QString() << sNot << sNone << 1;
 }
 
-/// Only a device's own words confirm that it started.
+/// Only the device's own message confirms its start.
 void TestWireCommands::confirmations()
 {
     QFETCH(const QString, message);
@@ -893,7 +895,7 @@ void TestWireCommands::deployments()
                          QStringLiteral("--longitude"), QStringLiteral("-1.25")}));
         QVERIFY(devices.back()->says(QStringLiteral("accepted")));
     };
-    add("by-id", "twin"); // the id counts first
+    add("by-id", "twin"); // the id takes precedence over the name
     add("by-name", "North");
     const QStringList deploy{QStringLiteral("deploy"), file.fileName()};
     QCOMPARE(runControl(service.address(), deploy).code, 0);
@@ -911,7 +913,7 @@ void TestWireCommands::deployments()
                      QStringLiteral("stranger nobody not deployed: deployment \"Harbour\" has no device "
                                     "of its id or name"),
                      QStringLiteral("Deployed, confirmed by 2 of 4 devices")}));
-    // The service has learned the new places, and the others are as they were.
+    // The service has received the new places; the other devices are unchanged.
     const QStringList listed =
         simplifiedLines(runControl(service.address(), {QStringLiteral("devices")}).out);
     const auto row = [&](const char* a_szBegin, const char* a_szEnd) {
@@ -933,7 +935,7 @@ void TestWireCommands::deployments()
     QVERIFY2(simplifiedLines(sDevices).filter(QStringLiteral(" hut ")).size() == 4, qPrintable(sDevices));
 }
 
-/// Who only looks on sees what there is, and takes the control from nobody.
+/// Commands that do not acquire the service show everything and leave the control.
 void TestWireCommands::onlookers()
 {
     Service service;

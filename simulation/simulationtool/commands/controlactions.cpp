@@ -40,7 +40,7 @@ ExitCode load(ServiceController& a_controller, const OrderArgument& a_argument, 
     return reportLoading(a_controller, a_report);
 }
 
-/// Sends an order and reports which devices have confirmed it.
+/// Sends an order and reports which devices confirmed it.
 ExitCode confirm(ServiceController& a_controller, const ServiceController::CommandSender& a_send,
                  const ConfirmedOrder& a_order, Report& a_report)
 {

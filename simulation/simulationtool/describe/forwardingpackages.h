@@ -7,10 +7,9 @@
 
 namespace SimulationTool {
 
-/// Forwards every question to another provider of packages. A derived class
-/// overrides what it observes.
-///
-/// It must not be asked before it has that provider.
+/// Forwards all calls to another provider. A derived class overrides the calls that
+/// it observes. The provider must be set before the first call. Used on the
+/// provider's thread.
 class ForwardingPackages : public Simulation::ISignalPackageProvider
 {
 public:
@@ -26,7 +25,7 @@ public:
     resultDataFile(std::shared_ptr<Simulation::SignalPackage> a_pPackage) override;
 
 protected:
-    /// The provider is not owned and must live as long as this object is asked.
+    /// The provider is not owned and must outlive all calls.
     explicit ForwardingPackages(Simulation::ISignalPackageProvider* a_pProvider = nullptr)
         : m_pProvider(a_pProvider)
     {}

@@ -9,7 +9,7 @@ namespace SimulationTool {
 
 namespace {
 
-/// What an entry takes beside the bytes of its command.
+/// The memory of an entry (bytes), without the bytes of its command; an estimate.
 constexpr qint64 s_iEntryBytes = 128;
 
 } // namespace
@@ -57,7 +57,7 @@ void Outbox::append(const OutgoingCommandPtr& a_pCommand)
     }
 }
 
-/// Removes what waits in vain once a command of that kind has been appended.
+/// Removes the waiting commands that a command of this kind supersedes.
 void Outbox::supersede(OutgoingKind a_eKind)
 {
     switch (a_eKind) {
@@ -81,9 +81,8 @@ void Outbox::supersede(OutgoingKind a_eKind)
     }
 }
 
-/// Removes the scenario that waits, and the orders that are meant for it. No other
-/// scenario waits after it, so an entry is looked at once however often scenarios
-/// are appended.
+/// Removes the waiting scenario and the orders for it. No other scenario waits after
+/// it, so each entry is visited once, however many scenarios are appended.
 void Outbox::removeScenario()
 {
     auto it = std::exchange(m_scenario, m_entries.end());
@@ -150,7 +149,7 @@ QByteArray Outbox::take(qsizetype a_iMost)
     return taken;
 }
 
-/// What begins to leave is not superseded any more.
+/// From now on the first entry is not superseded, because a part of it was taken.
 void Outbox::keepFirst()
 {
     const auto first = m_entries.begin();

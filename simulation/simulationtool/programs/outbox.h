@@ -10,19 +10,19 @@
 
 namespace SimulationTool {
 
-/// What a command means to those that still wait before it, see Outbox.
+/// The effect of a command on those that wait before it, see Outbox.
 enum class OutgoingKind {
     Other,
     ScenarioLoad,
     ScenarioUnload,
-    ScenarioRun, ///< a start or a pause of the scenario that is loaded then
+    ScenarioRun, ///< a start or a pause of the loaded scenario
     DeploymentLoad,
-    Unregistration, ///< the device ignores what follows until it is confirmed again
+    Unregistration, ///< the device ignores orders until it is confirmed again
 };
 
-/// A command on its way to one peer or many, which share its bytes. A counter
-/// of what waits for all peers includes them once, as long as an outbox holds the
-/// command: what is only kept for later waits for nobody.
+/// A command that waits for one or more peers, which share its bytes. A counter of
+/// the bytes that wait for all peers includes it once, while at least one outbox
+/// holds it. A command that is only kept for later does not count.
 class OutgoingCommand
 {
 public:
@@ -35,62 +35,63 @@ public:
     [[nodiscard]] const QByteArray& bytes() const { return m_bytes; }
     [[nodiscard]] OutgoingKind kind() const { return m_eKind; }
 
-    /// Whether it waits in an outbox.
+    /// Whether at least one outbox holds it.
     [[nodiscard]] bool isWaiting() const { return m_iOutboxes > 0; }
 
-    // For outboxes, which call them in pairs.
+    // Called in pairs, by outboxes only
     void beginWaiting() const;
     void endWaiting() const;
 
 private:
     const QByteArray m_bytes;
-    const std::shared_ptr<qint64> m_pTotal; ///< what waits for all peers (bytes)
+    const std::shared_ptr<qint64> m_pTotal; ///< bytes that wait for all peers
     const OutgoingKind m_eKind;
-    mutable qsizetype m_iOutboxes = 0; ///< entries that hold it
+    mutable qsizetype m_iOutboxes = 0; ///< number of outbox entries that hold it
 };
 
 /// Never holds an empty command; null without a command.
 using OutgoingCommandPtr = std::shared_ptr<const OutgoingCommand>;
 
-/// The commands that wait for one peer to read, in the order in which they leave.
+/// The commands that wait for one peer to read them, in sending order. Owned by the
+/// peer; used on its thread.
 ///
-/// A peer that reads slowly makes us hold no more than the newest of each report
-/// and document. What has begun to leave stays; of what still waits
+/// For a peer that reads slowly only the newest of each report and document is held.
+/// A command of which a part was taken stays. Of the commands that still wait,
 ///
-///   a report             takes the place of the earlier report of its key,
+///   a report             replaces the earlier report with its key,
 ///   a scenario, and an   remove the earlier scenario, and the starts and pauses
-///   unload               after it: they would meet another scenario,
+///   unload               after it, which would apply to another scenario,
 ///   a deployment         removes the earlier deployment, and
-///   an unregistration    has all before it stay: the peer may ignore what follows.
+///   an unregistration    keeps all before it: the peer may ignore what follows.
 ///
-/// All else stays, in its order. A stop and an unload are small, and end what runs
-/// as early as before. So a device ends in the state in which the whole sequence
-/// leaves it, and every start meets the scenario that it was meant for: a scenario
-/// ends what was loaded before, readable or not, and the place of a device depends
-/// on the newest deployment only.
+/// All others stay, in their order. A stop and an unload are small, and end a run as
+/// early as without this rule. A device therefore ends in the same state as after the
+/// whole sequence, and every start applies to the scenario for which it was sent: a
+/// scenario replaces the loaded one, readable or not, and a device's place depends
+/// only on the newest deployment.
 class Outbox
 {
 public:
-    /// `a_pTotal` counts what all outboxes hold.
+    /// `a_pTotal` counts the bytes of all outboxes.
     explicit Outbox(std::shared_ptr<qint64> a_pTotal);
     ~Outbox() { clear(); }
     Outbox(const Outbox&) = delete;
     Outbox& operator=(const Outbox&) = delete;
 
-    /// Removes what the command supersedes. Null is passed over.
+    /// Appends a command and removes those that it supersedes. Ignores null.
     void append(const OutgoingCommandPtr& a_pCommand);
 
-    /// Takes the place of the report with that key, which must not be empty, if
-    /// nothing of it has left yet.
+    /// Replaces the waiting report with this key, which must not be empty, unless a
+    /// part of it was taken already. Ignores null.
     void report(const QString& a_sKey, const OutgoingCommandPtr& a_pCommand);
 
     [[nodiscard]] bool isEmpty() const { return m_entries.empty(); }
 
-    /// What the commands hold, and what holding them takes. One that waits several
+    /// The bytes of the commands and of their entries. A command that waits several
     /// times in a row counts once.
     [[nodiscard]] qint64 bytes() const { return m_iBytes; }
 
-    /// The next bytes, at most so many. Commands leave in pieces if need be.
+    /// Takes the next bytes, at most `a_iMost`. A command may be taken in pieces.
     [[nodiscard]] QByteArray take(qsizetype a_iMost);
 
     void clear();
@@ -99,7 +100,7 @@ private:
     struct Entry
     {
         OutgoingCommandPtr command;
-        QString key; ///< empty if it is no report
+        QString key; ///< empty unless it is a report
         quint64 times = 1;
     };
 
@@ -116,10 +117,10 @@ private:
 
     // Entries that may be superseded
     QHash<QString, Entries::iterator> m_reports;      ///< by key
-    Entries::iterator m_scenario = m_entries.end();   ///< a load; the end without
-    Entries::iterator m_deployment = m_entries.end(); ///< the end without
+    Entries::iterator m_scenario = m_entries.end();   ///< a waiting scenario; end() without one
+    Entries::iterator m_deployment = m_entries.end(); ///< end() without one
 
-    qsizetype m_iTaken = 0; ///< bytes of the first entry that have left
+    qsizetype m_iTaken = 0; ///< taken bytes of the first entry
     qint64 m_iBytes = 0;
 };
 

@@ -186,7 +186,7 @@ ExitCode RepositoryPackages::finish()
 
 std::shared_ptr<Simulation::SignalPackage> RepositoryPackages::signalPackage(const QString& a_sId)
 {
-    // An emission that names no package means the default one.
+    // An emission without a package id means the default package.
     if (!a_sId.isEmpty() && !m_unknownIds.contains(a_sId) && !validSignalPackageId(a_sId)) {
         m_unknownIds.insert(a_sId);
         tell(QStringLiteral("package %1 is not in the repository: the default package is used").arg(a_sId));

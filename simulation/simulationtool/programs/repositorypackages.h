@@ -22,12 +22,11 @@ class SignalPackageCache;
 
 namespace SimulationTool {
 
-/// The packages of a repository, as a play and a check need them: resolved by a
-/// cache that is filled from the repository. A package or a level that is asked
-/// for and not there is told on standard error, once for each; whether an id is
-/// known may be asked quietly.
+/// The packages of a repository for a play or a check, in a cache that is filled from
+/// the repository. Each requested package or level that is missing is reported once
+/// on standard error; validSignalPackageId() reports nothing.
 ///
-/// Must be opened before it is asked.
+/// open() must succeed before any other function is called. Used on one thread.
 class RepositoryPackages : public ForwardingPackages
 {
 public:

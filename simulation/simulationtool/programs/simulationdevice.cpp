@@ -69,7 +69,7 @@ void SimulationDevice::connectToService(const ServerAddress& a_server)
 {
     m_communication.setSocket(nullptr);
     m_connector = std::make_unique<TcpServerConnector>(a_server.host, a_server.port);
-    m_communication.setSocket(m_connector->socket()); // for all its connections
+    m_communication.setSocket(m_connector->socket()); // used for all connections of the connector
     connect(m_connector->socket(), &QTcpSocket::errorOccurred, this, &SimulationDevice::slotNotConnected);
     connect(m_connector.get(), &TcpServerConnector::connectedToServer, this,
             &SimulationDevice::slotConnected);
@@ -117,14 +117,14 @@ void SimulationDevice::slotDisconnected()
     m_log.tell(QStringLiteral("connection lost, waits for the service"));
 }
 
-/// The rest of this connection would be lost; the next one begins afresh.
+/// Aborts the connection, because the rest of its stream cannot be read, and
+/// reconnects.
 void SimulationDevice::abandonConnection(const QString& a_sError)
 {
     m_log.tell(QStringLiteral("what the service sends cannot be read: ") +
                LogLimit::part(a_sError.simplified()));
-    // An orderly end would wait until all is sent, which a service that does not
-    // read puts off for ever. An attempt that is under way already is the next
-    // connection.
+    // Aborts, because an orderly disconnection would wait without limit for a service
+    // that does not read. A connection attempt that already runs continues.
     if (m_connector->isConnected()) {
         m_connector->socket()->abort();
     }
@@ -224,9 +224,8 @@ void SimulationDevice::connectRunOrders()
     });
 }
 
-/// Keeps what came, and registers anew where it gives the device another place.
-/// Former deployments do not count: a device that connects late, or is slow, is sent
-/// the newest one only.
+/// Ignores former deployments, because a device that connects late or reads slowly
+/// receives only the newest one.
 void SimulationDevice::deploy(const QByteArray& a_deployment)
 {
     m_deployment = a_deployment;
@@ -419,7 +418,7 @@ void SimulationDevice::pause(std::uint32_t a_uiTime)
     reportState();
 }
 
-/// Logs the reason, which is the event of the next report. Stops the scenario time.
+/// Ends a play and logs the reason, which becomes the event of the next report.
 void SimulationDevice::endPlay(const QString& a_sReason)
 {
     m_timer.stop();

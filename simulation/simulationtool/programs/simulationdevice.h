@@ -31,17 +31,18 @@ class SzenarioEmitter;
 
 namespace SimulationTool {
 
-/// A simulation device: registers with the service whenever it is connected,
-/// loads the scenarios that it is sent, and plays them against the clock that all
-/// programs share (VelaOS).
+/// A simulation device: registers with the service on every connection, loads the
+/// scenarios that it receives, and plays them by the clock that all programs share
+/// (VelaOS).
 ///
-/// What became of an order it reports in words with its state (see DeviceReport).
-/// The newest deployment decides its place: the one that it has for the device, or
-/// else the device's own, also when the deployment cannot be read. It registers anew
-/// when it has moved.
+/// Reports the result of an order as a message with its state (see DeviceReport). The
+/// newest deployment sets its place: the deployment's device of this id or name,
+/// otherwise the device's own place, also when the deployment cannot be read. It
+/// registers again when its place has changed.
 ///
-/// Only a service that confirms the registration rightly is obeyed. A connection
-/// that is lost is taken up again, and a scenario that runs goes on meanwhile.
+/// Accepts orders only from a service that has confirmed the registration correctly.
+/// Reconnects after a lost connection; a running scenario continues meanwhile. Used
+/// on one thread.
 class SimulationDevice : public QObject
 {
     Q_OBJECT

@@ -155,8 +155,7 @@ void SimulationService::connectDevice(ServicePeer* a_pPeer)
             [this, a_pPeer](const QString& a_sId) { unregisterDevice(a_pPeer, a_sId); });
 }
 
-/// A few at a time: thousands may leave at once, and the others are served
-/// meanwhile.
+/// Drops a few peers per call, so that the others are served while thousands leave.
 void SimulationService::dropLost()
 {
     for (int i = 0; i < s_iDroppedAtOnce && !m_lost.empty(); ++i) {
@@ -209,7 +208,8 @@ bool SimulationService::accepts(ServicePeer& a_peer, const QString& a_sCommand, 
     return true;
 }
 
-/// The deployment and the scenario are kept anyway, whoever waits for them.
+/// The kept deployment and scenario do not count, because they are held without a
+/// waiting peer as well.
 bool SimulationService::isPendingExceeded() const
 {
     qint64 iPending = *m_pPending;
@@ -282,7 +282,7 @@ QString SimulationService::registrationProblem(const QString& a_sId,
     }
     SimulationDeviceConfiguration listed = a_configuration;
     listed.setId(a_sId);
-    // As it is sent: escaped in the list, and the id in attributes.
+    // The size as sent: escaped in the list, and the id in attributes.
     const qsizetype iBytes = Communication::encode([&](Communication& a_to) {
                                  a_to.sendResponseSimulationDevices({listed});
                                  a_to.sendSimulationDeviceStateUpdate(a_sId, SimulationDeviceState());

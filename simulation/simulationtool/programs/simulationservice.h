@@ -29,26 +29,26 @@ namespace SimulationTool {
 
 class ServicePeer;
 
-/// The middle of the simulation: devices register with it, and one program, the
-/// newest that acquired it, has its orders passed on to all of them and is told
-/// their states. When that one releases the service or leaves, the one before
-/// controls again, if it is still there.
+/// The centre of the simulation: devices register with it, and one program, the
+/// controller, sends orders that the service passes on to all devices, and receives
+/// their states. The controller is the last program that acquired the service. When
+/// it releases the service or leaves, the previous one controls again, if it is still
+/// connected.
 ///
-/// The service keeps what a device that comes late must know: the deployment, the
-/// scenario, and whether the test mode is on and the scenario runs. A new
-/// controller, and one that controls again, is told the states of the devices and
-/// whether the scenario runs or pauses. A program that only looks on learns both
-/// with every list of devices that it asks for, before the list. An id that
-/// registers again belongs to the newest: a device whose machine lost the
-/// connection must not wait until the old one is given up.
+/// The service keeps what a device that registers late needs: the deployment, the
+/// scenario, the test mode, and the run of the scenario. A program that becomes the
+/// controller receives the states of the devices and the run. A program without
+/// control receives both before every list of devices that it requests. An id that
+/// registers again belongs to the newest peer: a device whose machine lost the
+/// connection must not wait for the end of the old one.
 ///
-/// No peer is trusted. One that sends what cannot be read, does not read itself,
-/// leaves a command unfinished or registers too much is dropped, and nobody else
-/// notices. Of the states of a device, and of the scenarios and deployments, that
-/// wait for a peer only the newest is held (see Outbox). What the peers together make
-/// the service hold, of unfinished commands and of those that wait for them to read,
-/// has a bound (Limits::AllPendingBytes), beyond which the peer with the most is
-/// dropped.
+/// No peer is trusted. A peer is dropped, without effect on the others, when it sends
+/// unreadable bytes, does not read, leaves a command unfinished or registers too
+/// much. Of the states of a device, and of the scenarios and deployments, that wait
+/// for a peer only the newest is held (see Outbox). The bytes that all peers together
+/// make the service hold, of unfinished commands and of commands that wait to be
+/// read, have a limit (Limits::AllPendingBytes). When it is exceeded, the peer with
+/// the most is dropped. Used on one thread.
 class SimulationService : public QObject
 {
     Q_OBJECT

@@ -5,7 +5,7 @@
 
 #include <utility>
 
-// What controllers and onlookers of the service say.
+// The service's handling of controllers and of programs without control.
 
 namespace SimulationTool {
 
@@ -15,7 +15,8 @@ using Communication = Simulation::SimulationServiceCommunication;
 using Simulation::SimulationDeviceConfiguration;
 using Simulation::SimulationDeviceState;
 
-/// What could not be decompressed must not take the place of what could.
+/// Refuses a payload that could not be decompressed, so that it does not replace a
+/// valid one.
 bool isUsable(ServicePeer* a_pFrom, const char* a_szName, const QByteArray& a_payload)
 {
     if (a_payload.isEmpty()) {
@@ -42,7 +43,7 @@ void SimulationService::connectController(ServicePeer* a_pPeer)
 void SimulationService::connectOrders(ServicePeer* a_pPeer)
 {
     const Communication* const pFrom = &a_pPeer->communication();
-    // Passes an order on, and keeps it for devices that come late.
+    // Passes an order on, and keeps it for devices that register late.
     const auto order = [this, a_pPeer](const char* a_szName, OutgoingKind a_eKind,
                                        OutgoingCommandPtr* a_pKept, const CommandSender& a_send) {
         const OutgoingCommandPtr pCommand = passOn(a_pPeer, QLatin1String(a_szName), a_eKind, a_send);
@@ -109,10 +110,10 @@ void SimulationService::acquire(ServicePeer* a_pPeer)
     }
 }
 
-/// Lists wait until the event loop has done what is at hand, so records that change
-/// meanwhile make the list of the devices be made once, whoever asks and how often.
-/// The first report to a peer leaves at once. The next ones wait likewise: the states
-/// are gathered once for a peer that acquires and releases again and again.
+/// Lists are sent from the event loop, so that several changed records and requests
+/// need one new list only. The first report to a peer is sent at once, later ones
+/// from the event loop as well: the states are collected once for a peer that
+/// acquires and releases repeatedly.
 void SimulationService::answer(ServicePeer* a_pPeer, const Answer& a_answer)
 {
     if (const auto it = m_answers.find(a_pPeer); it != m_answers.end()) {
@@ -134,7 +135,7 @@ void SimulationService::slotAnswer()
     m_bAnswerScheduled = false;
     const QHash<ServicePeer*, Answer> answers = std::exchange(m_answers, {});
     for (auto it = answers.cbegin(); it != answers.cend(); ++it) {
-        if (m_peers.contains(it.key())) { // else it was dropped meanwhile
+        if (m_peers.contains(it.key())) { // otherwise dropped already
             sendAnswer(it.key(), *it);
         }
     }
@@ -142,7 +143,7 @@ void SimulationService::slotAnswer()
 
 void SimulationService::sendAnswer(ServicePeer* a_pPeer, const Answer& a_answer)
 {
-    // The controller is sent the states as they change, and a device needs none.
+    // The controller receives every change of a state, and a device needs no states.
     const bool bLooksOn = !a_pPeer->isDevice() && controller() != a_pPeer;
     if (a_answer.report || (bLooksOn && a_answer.lists > 0)) {
         report(a_pPeer);
@@ -158,7 +159,7 @@ void SimulationService::report(ServicePeer* a_pPeer)
     for (auto it = m_devices.cbegin(); it != m_devices.cend(); ++it) {
         sendState(a_pPeer, it.key(), *it);
     }
-    // A device has been told already whether the scenario runs.
+    // A device has received the run already.
     if (!a_pPeer->isDevice()) {
         a_pPeer->report(QStringLiteral("run"), m_run);
     }
@@ -190,7 +191,8 @@ const OutgoingCommandPtr& SimulationService::deviceList()
     return m_deviceList;
 }
 
-/// Gives the command, or null when it was not passed on.
+/// Passes an order on to all devices. Returns the command; null when it was not
+/// passed on.
 OutgoingCommandPtr SimulationService::passOn(ServicePeer* a_pPeer, const QString& a_sOrder,
                                              OutgoingKind a_eKind, const CommandSender& a_send)
 {
@@ -214,7 +216,7 @@ void SimulationService::loadScenario(ServicePeer* a_pPeer, const QByteArray& a_s
     if (!isUsable(a_pPeer, "scenario", a_scenario)) {
         return;
     }
-    // The devices' former states say nothing of this scenario, and they stop.
+    // The devices' former states do not apply to this scenario, and devices stop.
     const OutgoingCommandPtr pCommand =
         passOn(a_pPeer, QStringLiteral("scenario"), OutgoingKind::ScenarioLoad,
                [&](Communication& a_to) { a_to.sendLoadScenario(a_scenario); });
