@@ -109,7 +109,7 @@ private:
     Output& m_output;
     Report m_report;
     /// Declared before m_emitters, so that it is destroyed after them: it releases
-    /// the objects that nobody else holds.
+    /// the objects that it alone holds.
     std::unique_ptr<Simulation::ScenarioDataXml> m_scenario;
     Emitters m_emitters;
     std::uint32_t m_uiTo = 0; ///< ms

@@ -39,7 +39,7 @@ using ReportRow = QList<ReportValue>;
 [[nodiscard]] ReportValue frequencyValue(double a_dFrequency);
 /// A duration in ms: "2000 ms" in the text; null for programs when unlimited.
 [[nodiscard]] ReportValue durationValue(qint64 a_iMilliseconds);
-/// A level; levelText() gives its text.
+/// A level, with the text of levelText().
 [[nodiscard]] ReportValue levelValue(float a_fLevel);
 
 } // namespace SimulationTool
