@@ -49,17 +49,30 @@ const QMap<QString, Expectation> s_expectations{
     {QStringLiteral("simulationtool service"), {Way::Background, 0, "Listening on port"}},
     {QStringLiteral("build/receiver"), {Way::Background, 0, "registered rx-7(.|\n)*received Harbour"}},
     {QStringLiteral("build/editor"), {Way::Foreground, 0, "registered: Pier(.|\n)*loaded by rx-7"}},
+    {QStringLiteral("simulationtool inspect --json - < harbour.sce.exp"),
+     {Way::Foreground, 0, "\"verdict\": \"whole\""}},
     {QStringLiteral("simulationtool check harbour.sce.exp --repository packages --repair mended.sce.exp"),
      {Way::Foreground, 1, "1 finding, 1 repaired"}},
+    {QStringLiteral(
+         "simulationtool check harbour.sce.exp --repository packages --repair harbour.sce.exp --force"),
+     {Way::Foreground, 1, "1 finding, 1 repaired, written to harbour.sce.exp$"}},
     {QStringLiteral("simulationtool play mended.sce.exp --repository packages --csv harbour.csv"),
      {Way::Foreground, 0, ""}},
-    {QStringLiteral("simulationtool device --id rx-1 --repository packages"),
+    {QStringLiteral(
+         "simulationtool play mended.sce.exp --from 2s --to 0.1min --step 500ms --emitter boat-7 --csv -"),
+     {Way::Foreground, 0, "^2500,boat-7,true,(.|\n)*^5500,boat-7,true,.*\n$"}},
+    {QStringLiteral("simulationtool device --id rx-1 --type Receiver --station pier --longitude 9.95 "
+                    "--latitude 53.54 --repository packages"),
      {Way::Background, 0, "scenario .Harbour."}},
+    {QStringLiteral("simulationtool control devices"),
+     {Way::Foreground, 0, "rx-1 .* Receiver +pier .* 9.95 +53.54\n(.|\n)*rx-7 +Pier"}},
+    {QStringLiteral("simulationtool control watch"), {Way::Background, 0, "rx-1: loaded, .*stopped"}},
     {QStringLiteral("simulationtool control load mended.sce.exp"),
      {Way::Foreground, 0, "loaded by 2 of 2 devices"}},
-    {QStringLiteral("simulationtool control start"), // the example receiver does not answer a start
-     {Way::Foreground, 1, "rx-1 .*plays from 0 ms(.|\n)*confirmed by 1 of 2 devices"}},
-    {QStringLiteral("simulationtool control devices"), {Way::Foreground, 0, "rx-7 +Pier"}},
+    {QStringLiteral("simulationtool control start 2s"), // the example receiver does not answer a start
+     {Way::Foreground, 1, "rx-1 .*plays from 2000 ms(.|\n)*confirmed by 1 of 2 devices"}},
+    {QStringLiteral("simulationtool control pause"),
+     {Way::Foreground, 0, "Pause at [0-9]+ ms sent to 2 devices"}},
 };
 
 /// The files in README.md, each named in its first line.
@@ -253,7 +266,7 @@ private Q_SLOTS:
     /// they are interrupted.
     void background()
     {
-        QCOMPARE(m_background.size(), 3U);
+        QCOMPARE(m_background.size(), 4U);
         for (auto& [command, started] : m_background) {
             const Expectation expectation = s_expectations.value(command);
             const bool bExpected = QTest::qWaitFor(
