@@ -96,7 +96,7 @@ private:
 };
 
 /// Why a name cannot be a path below a target folder; empty when it can.
-QString nameProblem(const QString& a_sName)
+QString nameError(const QString& a_sName)
 {
     const auto isControl = [](QChar a_character) { return a_character.category() == QChar::Other_Control; };
     if (a_sName.contains(QLatin1Char('\\'))) {
@@ -125,7 +125,7 @@ QString nameProblem(const QString& a_sName)
 }
 
 /// Why an entry cannot be unpacked; empty when it can.
-QString entryProblem(const zip_stat_t& a_stat, std::uint32_t a_uiKind)
+QString entryError(const zip_stat_t& a_stat, std::uint32_t a_uiKind)
 {
     if (a_uiKind != 0 && a_uiKind != s_uiKindFile && a_uiKind != s_uiKindFolder) {
         return QStringLiteral("a link or device, mode 0%1").arg(a_uiKind, 0, 8);
@@ -167,9 +167,9 @@ EntryHeader readHeader(zip_t* a_pArchive, std::uint64_t a_uiIndex)
     if (header.name.endsWith(QLatin1Char('/'))) {
         header.name.chop(1);
     }
-    header.problem = nameProblem(header.name);
+    header.problem = nameError(header.name);
     if (header.problem.isEmpty()) {
-        header.problem = entryProblem(stat, uiKind);
+        header.problem = entryError(stat, uiKind);
     }
     return header;
 }
@@ -196,7 +196,7 @@ QString makeFolders(const QString& a_sTarget, const QString& a_sRelative)
     return {};
 }
 
-QString openProblem(int a_iCode)
+QString openError(int a_iCode)
 {
     zip_error_t error{};
     zip_error_init_with_code(&error, a_iCode);
@@ -246,8 +246,8 @@ QString unpack(zip_t* a_pArchive, std::uint64_t a_uiIndex, const QString& a_sFil
     if (!file.open()) {
         return file.errorString();
     }
-    const QString sProblem = copyEntry(entry.get(), file, a_pBytesLeft);
-    return sProblem.isEmpty() && !file.commit() ? file.errorString() : sProblem;
+    const QString sError = copyEntry(entry.get(), file, a_pBytesLeft);
+    return sError.isEmpty() && !file.commit() ? file.errorString() : sError;
 }
 
 } // namespace
@@ -289,7 +289,7 @@ bool Archive::open(Mode a_eMode)
     int iCode = 0;
     m_archive.reset(zip_open(QFile::encodeName(m_sPath).constData(), ZIP_RDONLY, &iCode));
     if (!m_archive) {
-        return fail(openProblem(iCode));
+        return fail(openError(iCode));
     }
     const zip_int64_t iEntries = zip_get_num_entries(m_archive.get(), 0);
     if (iEntries < 0 || static_cast<std::uint64_t>(iEntries) != directory->entryCount) {
@@ -334,9 +334,8 @@ bool Archive::extractToFile(const QString& a_sEntry, const QString& a_sFile)
     if (entry == m_entries.constEnd()) {
         return fail(QStringLiteral("no file \"%1\"").arg(shown(a_sEntry)));
     }
-    const QString sProblem = unpack(m_archive.get(), entry->index, a_sFile, &m_uiBytesLeft);
-    return sProblem.isEmpty() ||
-           fail(QStringLiteral("\"%1\" not unpacked: %2").arg(shown(a_sEntry), sProblem));
+    const QString sError = unpack(m_archive.get(), entry->index, a_sFile, &m_uiBytesLeft);
+    return sError.isEmpty() || fail(QStringLiteral("\"%1\" not unpacked: %2").arg(shown(a_sEntry), sError));
 }
 
 bool Archive::extractToFolder(const QString& a_sFolder, const QString& a_sTarget)
@@ -358,14 +357,14 @@ bool Archive::extractToFolder(const QString& a_sFolder, const QString& a_sTarget
     EntryTraces traces(m_sPath);
     for (const QString& sEntry : entries) {
         const QString sRelative = sEntry.mid(sBelow.size());
-        QString sProblem = makeFolders(a_sTarget, sRelative);
-        if (sProblem.isEmpty()) {
-            sProblem = unpack(m_archive.get(), m_entries.value(sEntry).index, a_sTarget + slash + sRelative,
-                              &m_uiBytesLeft);
+        QString sError = makeFolders(a_sTarget, sRelative);
+        if (sError.isEmpty()) {
+            sError = unpack(m_archive.get(), m_entries.value(sEntry).index, a_sTarget + slash + sRelative,
+                            &m_uiBytesLeft);
         }
-        if (!sProblem.isEmpty()) {
-            m_sError = QStringLiteral("\"%1\" not unpacked: %2").arg(shown(sEntry), sProblem);
-            traces.refuse(sEntry, sProblem);
+        if (!sError.isEmpty()) {
+            m_sError = QStringLiteral("\"%1\" not unpacked: %2").arg(shown(sEntry), sError);
+            traces.refuse(sEntry, sError);
         }
     }
     return traces.count() == 0;

@@ -99,11 +99,11 @@ std::vector<std::int16_t> AudioFile::readSamples(std::uint64_t a_uiStart, std::u
     if (a_uiCount == 0) {
         return {};
     }
-    const QString sRefusal = refusal(a_uiCount);
-    if (!sRefusal.isEmpty()) {
+    const QString sError = errorText(a_uiCount);
+    if (!sError.isEmpty()) {
         traceError(s_szSource, [&] {
             return QStringLiteral("Cannot read %1 samples of \"%2\": %3")
-                .arg(QString::number(a_uiCount), m_sPath, sRefusal);
+                .arg(QString::number(a_uiCount), m_sPath, sError);
         });
         return {};
     }
@@ -133,7 +133,7 @@ std::vector<std::int16_t> AudioFile::readSamples(std::uint64_t a_uiStart, std::u
 
 /// Why so many samples cannot be read; empty when they can. Does not check whether
 /// the file is open.
-QString AudioFile::refusal(std::uint64_t a_uiCount) const
+QString AudioFile::errorText(std::uint64_t a_uiCount) const
 {
     if (a_uiCount > Limits::value(Limits::DataBytes) / sizeof(std::int16_t)) {
         return Limits::exceeded(Limits::DataBytes);

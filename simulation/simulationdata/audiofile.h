@@ -52,7 +52,7 @@ public:
     [[nodiscard]] std::vector<std::int16_t> readSamples(std::uint64_t a_uiStart, std::uint64_t a_uiCount);
 
 private:
-    [[nodiscard]] QString refusal(std::uint64_t a_uiCount) const;
+    [[nodiscard]] QString errorText(std::uint64_t a_uiCount) const;
     [[nodiscard]] bool readOnce(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
                                 std::vector<std::int16_t>& a_samples);
 

@@ -77,7 +77,7 @@ bool prepareFolders(const QDir& a_repository, QString* a_pReason)
 /// error is only traced. Returns the first one, empty on success.
 QString putDefaultData(const QDir& a_repository)
 {
-    QString sProblem;
+    QString sError;
     const QDir packages(a_repository.absoluteFilePath(s_sSignalPackages));
     removeAbandonedFiles(packages.absolutePath());
     // Older programs unpacked under this name; a crash may have left the file.
@@ -86,20 +86,20 @@ QString putDefaultData(const QDir& a_repository)
     QFile::remove(sFormer);
     static_cast<void>(unpackResource(QStringLiteral(":/DefaultData/TuK-Default.zip"), packages.absolutePath(),
                                      u'/' + s_sDefaultPackages, packages.absoluteFilePath(s_sDefaultPackages),
-                                     &sProblem));
+                                     &sError));
     const QString sScenario = DataStoreFactory::defaultScenario(a_repository.absoluteFilePath(s_sFiles));
     const QString sFolder = QFileInfo(sScenario).absolutePath();
     QString sReason;
     if (!makeFolder(sFolder, &sReason)) {
         traceError(s_szSource, [&] { return QStringLiteral("No default scenario: ") + sReason; });
-        return sProblem.isEmpty() ? sReason : sProblem;
+        return sError.isEmpty() ? sReason : sError;
     }
     removeAbandonedFiles(sFolder);
     // An existing scenario stays, because the user may have changed it.
     static_cast<void>(copyFileWhole(QStringLiteral(":/DefaultData/Default.sce.exp"), sScenario, &sReason));
     // copyFileWhole() also gives a reason when the scenario exists, which is not an
     // error.
-    return sProblem.isEmpty() && !QFileInfo::exists(sScenario) ? sReason : sProblem;
+    return sError.isEmpty() && !QFileInfo::exists(sScenario) ? sReason : sError;
 }
 
 /// Reports that the repository cannot be used: in a trace, with the reason, and in
@@ -157,29 +157,29 @@ QString DataStoreFactory::defaultScenario(const QString& a_sFileDir)
 
 bool DataStoreFactory::initializeDataStore(ICfg* a_pCfg)
 {
-    QString sProblem;
-    return initializeDataStore(a_pCfg, &sProblem);
+    QString sError;
+    return initializeDataStore(a_pCfg, &sError);
 }
 
-bool DataStoreFactory::initializeDataStore(ICfg* a_pCfg, QString* a_pProblem)
+bool DataStoreFactory::initializeDataStore(ICfg* a_pCfg, QString* a_pError)
 {
-    a_pProblem->clear();
+    a_pError->clear();
     const std::optional<QString> sRepository = repository(a_pCfg);
     if (!sRepository) {
-        *a_pProblem = QStringLiteral("no group \"%1\" is configured").arg(s_sFileSystem);
-        return failToInitialize(*a_pProblem);
+        *a_pError = QStringLiteral("no group \"%1\" is configured").arg(s_sFileSystem);
+        return failToInitialize(*a_pError);
     }
     const QString sFolder = resolvedStorePath(*sRepository);
     if (sFolder.isEmpty() || !QFileInfo(sFolder).isDir()) {
-        *a_pProblem = QStringLiteral("there is no folder \"%1\"").arg(*sRepository);
-        return failToInitialize(*a_pProblem);
+        *a_pError = QStringLiteral("there is no folder \"%1\"").arg(*sRepository);
+        return failToInitialize(*a_pError);
     }
     const QDir folder(sFolder);
     static_cast<void>(removeDir(folder.absoluteFilePath(s_sSessions)));
-    if (!prepareFolders(folder, a_pProblem)) {
-        return failToInitialize(*a_pProblem);
+    if (!prepareFolders(folder, a_pError)) {
+        return failToInitialize(*a_pError);
     }
-    *a_pProblem = putDefaultData(folder);
+    *a_pError = putDefaultData(folder);
     return true;
 }
 

@@ -50,7 +50,7 @@ public:
 
     /// The same. `*a_pProblem` is the error text with the system's reason, also for
     /// default data; empty when nothing failed.
-    [[nodiscard]] static bool initializeDataStore(ICfg* a_pCfg, QString* a_pProblem);
+    [[nodiscard]] static bool initializeDataStore(ICfg* a_pCfg, QString* a_pError);
 
     /// Always null: there is no such store.
     [[nodiscard]] static ISignalPackageStore* createSignalPackageStore(ICfg* a_pCfg, bool a_bOn);

@@ -206,8 +206,8 @@ bool ScenarioDataBinary::readEmitters(QDataStream& a_stream)
 {
     m_iStreamBytes = 0;
     qint32 iCount = 0;
-    if (const QString sFault = readCompactCount(a_stream, iCount, m_iStreamBytes); !sFault.isEmpty()) {
-        m_sErrorString = QStringLiteral("count: ") + sFault;
+    if (const QString sError = readCompactCount(a_stream, iCount, m_iStreamBytes); !sError.isEmpty()) {
+        m_sErrorString = QStringLiteral("count: ") + sError;
         return false;
     }
     const auto breakOff = [&](qint32 a_iRecord, const QString& a_sReason) {

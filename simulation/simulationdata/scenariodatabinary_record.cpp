@@ -55,14 +55,14 @@ public:
     [[nodiscard]] QString read(QString& a_sText)
     {
         quint32 uiLength = 0;
-        if (QString sFault = readNumber(uiLength); !sFault.isEmpty() || uiLength == s_uiNullText) {
-            return sFault;
+        if (QString sError = readNumber(uiLength); !sError.isEmpty() || uiLength == s_uiNullText) {
+            return sError;
         }
         if (uiLength % s_iUnitBytes != 0) {
             return QStringLiteral("a text cannot have %1 bytes").arg(uiLength);
         }
-        if (QString sFault = claim(uiLength); !sFault.isEmpty()) {
-            return sFault;
+        if (QString sError = claim(uiLength); !sError.isEmpty()) {
+            return sError;
         }
         a_sText = QStringLiteral("");
         return readUnits(a_sText, uiLength / s_iUnitBytes);
@@ -71,8 +71,8 @@ public:
     [[nodiscard]] QString read(bool& a_bFlag)
     {
         quint8 uiByte = 0;
-        if (QString sFault = readNumber(uiByte); !sFault.isEmpty()) {
-            return sFault;
+        if (QString sError = readNumber(uiByte); !sError.isEmpty()) {
+            return sError;
         }
         a_bFlag = uiByte != 0;
         return uiByte <= 1 ? QString() : QStringLiteral("%1 is neither 0 nor 1").arg(uiByte);
@@ -142,18 +142,18 @@ void prepareCompactStream(QDataStream& a_stream)
 
 QString readCompactCount(QDataStream& a_stream, std::int32_t& a_iCount, std::int64_t& a_iBytes)
 {
-    QString sFault = FieldReader(a_stream, a_iBytes).readNumber(a_iCount);
-    return a_iCount < 0 ? QStringLiteral("%1 is negative").arg(a_iCount) : sFault;
+    QString sError = FieldReader(a_stream, a_iBytes).readNumber(a_iCount);
+    return a_iCount < 0 ? QStringLiteral("%1 is negative").arg(a_iCount) : sError;
 }
 
 QString readCompactRecord(QDataStream& a_stream, CompactRecord& a_record, std::int64_t& a_iBytes)
 {
     FieldReader reader(a_stream, a_iBytes);
     for (const Field& field : s_fields) {
-        const QString sFault =
+        const QString sError =
             field.text != nullptr ? reader.read(a_record.*field.text) : reader.read(a_record.*field.flag);
-        if (!sFault.isEmpty()) {
-            return QLatin1String(field.name) + QStringLiteral(": ") + sFault;
+        if (!sError.isEmpty()) {
+            return QLatin1String(field.name) + QStringLiteral(": ") + sError;
         }
     }
     return {};

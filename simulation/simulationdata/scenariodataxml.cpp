@@ -309,8 +309,8 @@ ObjectSet ScenarioDataXml::objectsForXml(const QString& a_sXml, ISignalPackagePr
         s_kind.refuse(document.errorString(), &scenario.m_sErrorString);
         return {};
     }
-    const QString sFault = scenario.readChildren(document.stream());
-    if (const QString sError = faultOf(document, sFault); !sError.isEmpty()) {
+    const QString sChildrenError = scenario.readChildren(document.stream());
+    if (const QString sError = errorOf(document, sChildrenError); !sError.isEmpty()) {
         traceError(s_szSource, [&] { return QStringLiteral("Objects broke off: %1").arg(sError); });
     }
     return std::exchange(scenario.m_objects, {});

@@ -68,7 +68,7 @@ bool SignalShapeFile::open()
     if (!readGlobalHeader()) {
         m_pFile->close();
         reset();
-        traceError(s_szSource, [&] { return refusal(s_kind, *m_pFile, m_sError); });
+        traceError(s_szSource, [&] { return errorText(s_kind, *m_pFile, m_sError); });
         return false;
     }
     m_sError.clear();

@@ -123,7 +123,7 @@ bool SymbolDataFile::open()
     return m_pState->open([this] {
         std::unique_ptr<ISpecificReader> pReader = m_pState->readHeader();
         if (!pReader) {
-            traceError(s_szSource, [this] { return refusal(s_kind, m_pState->file, m_pState->sError); });
+            traceError(s_szSource, [this] { return errorText(s_kind, m_pState->file, m_pState->sError); });
         }
         return pReader;
     });

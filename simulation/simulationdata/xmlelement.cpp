@@ -63,13 +63,13 @@ bool isCleanAscii(const QByteArray& a_text)
 
 /// Checks the text before it is parsed. Returns the error text, empty when there is
 /// none, and then sets `*a_pRoot` to the bytes of the root element.
-QString objection(QByteArrayView a_text, QByteArrayView* a_pRoot)
+QString errorText(QByteArrayView a_text, QByteArrayView* a_pRoot)
 {
     XmlScanner scanner;
     scanner.feed(a_text);
-    if (scanner.hasOffence()) {
-        const XmlScanner::Offence& offence = scanner.offence();
-        return xmlErrorText({offence.line, offence.column}, offence.reason);
+    if (scanner.hasError()) {
+        const XmlScanner::Error& error = scanner.error();
+        return xmlErrorText({error.line, error.column}, error.reason);
     }
     XmlValidator validator(a_text);
     if (!validator.validate()) {
@@ -91,7 +91,7 @@ std::shared_ptr<pugi::xml_document> load(const QByteArray& a_bytes, QString* a_p
     }
     const QByteArrayView text = QByteArrayView(utf8).sliced(utf8MarkBytes(utf8));
     QByteArrayView root;
-    *a_pError = objection(text, &root);
+    *a_pError = errorText(text, &root);
     if (!a_pError->isEmpty()) {
         return nullptr;
     }

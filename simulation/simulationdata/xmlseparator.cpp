@@ -186,8 +186,8 @@ void XmlSeparator::takeDocuments()
     while (const auto document = m_splitter.takeDocument()) {
         Q_EMIT queued_xmlReceived(*document);
     }
-    if (!m_splitter.fault().isEmpty()) {
-        fail(m_splitter.fault());
+    if (!m_splitter.error().isEmpty()) {
+        fail(m_splitter.error());
     }
 }
 

@@ -12,8 +12,8 @@ class TestXmlScanner : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void offences_data();
-    void offences();
+    void errors_data();
+    void errors();
     void limitsInForce();
     void startsAfresh();
 };
@@ -28,13 +28,13 @@ constexpr int s_iDoctype = 40;
 /// The result of the scanner as text, for comparison and failure messages.
 QString finding(const XmlScanner& a_scanner)
 {
-    if (!a_scanner.hasOffence()) {
+    if (!a_scanner.hasError()) {
         return QStringLiteral("none");
     }
-    const XmlScanner::Offence& offence = a_scanner.offence();
+    const XmlScanner::Error& error = a_scanner.error();
     return QStringLiteral("offset %1, line %2, column %3, limit %4: %5")
-        .arg(QString::number(offence.offset), QString::number(offence.line), QString::number(offence.column),
-             QString::number(offence.limit), offence.reason);
+        .arg(QString::number(error.offset), QString::number(error.line), QString::number(error.column),
+             QString::number(error.limit), error.reason);
 }
 
 QString findingInPieces(const QList<QByteArrayView>& a_pieces)
@@ -63,7 +63,7 @@ void TestXmlScanner::cleanup()
     }
 }
 
-void TestXmlScanner::offences_data()
+void TestXmlScanner::errors_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<qint64>("offset");
@@ -121,7 +121,7 @@ void TestXmlScanner::offences_data()
 }
 
 /// The result does not depend on the pieces in which the text is fed.
-void TestXmlScanner::offences()
+void TestXmlScanner::errors()
 {
     QFETCH(QByteArray, text);
     QFETCH(qint64, offset);
@@ -132,12 +132,12 @@ void TestXmlScanner::offences()
     const QByteArrayView view(text);
     XmlScanner scanner;
     scanner.feed(view);
-    QCOMPARE(scanner.hasOffence(), offset != s_iNone);
-    if (scanner.hasOffence()) {
-        QCOMPARE(scanner.offence().offset, offset);
-        QCOMPARE(scanner.offence().line, line);
-        QCOMPARE(scanner.offence().column, column);
-        QCOMPARE(static_cast<int>(scanner.offence().limit), limit);
+    QCOMPARE(scanner.hasError(), offset != s_iNone);
+    if (scanner.hasError()) {
+        QCOMPARE(scanner.error().offset, offset);
+        QCOMPARE(scanner.error().line, line);
+        QCOMPARE(scanner.error().column, column);
+        QCOMPARE(static_cast<int>(scanner.error().limit), limit);
     }
     const QString sWhole = finding(scanner);
     QList<QByteArrayView> bytes;
@@ -153,13 +153,13 @@ void TestXmlScanner::limitsInForce()
     cleanup();
     XmlScanner scanner;
     scanner.feed(QByteArray("<a>").repeated(256));
-    QVERIFY(!scanner.hasOffence());
+    QVERIFY(!scanner.hasError());
     scanner.feed("<a>");
-    QCOMPARE(scanner.offence().reason, QStringLiteral("nesting depth limit of 256 exceeded"));
+    QCOMPARE(scanner.error().reason, QStringLiteral("nesting depth limit of 256 exceeded"));
 
     scanner.reset();
     scanner.feed("<a" + QByteArray(" b=''").repeated(4097));
-    QCOMPARE(scanner.offence().reason, QStringLiteral("attributes of one element limit of 4096 exceeded"));
+    QCOMPARE(scanner.error().reason, QStringLiteral("attributes of one element limit of 4096 exceeded"));
 }
 
 void TestXmlScanner::startsAfresh()
@@ -171,8 +171,8 @@ void TestXmlScanner::startsAfresh()
     QCOMPARE(finding(scanner), sFirst);
 
     scanner.reset();
-    QVERIFY(!scanner.hasOffence());
-    QVERIFY(scanner.offence().reason.isEmpty());
+    QVERIFY(!scanner.hasError());
+    QVERIFY(scanner.error().reason.isEmpty());
     scanner.feed("<a>\n<b><c><d>");
     QCOMPARE(finding(scanner), sFirst);
 }

@@ -233,9 +233,9 @@ void TestXmlSeparator::cuts_data()
     row("zero in a tag", "<b/><l a='" + zero + "'/>", 2);
     row("end of a section in a text", "<b/><l>x]]]></l>", 2);
     row("section in brackets", "<l>]]<![CDATA[]]]]>]]</l><c/>", 2);
-    row("fault before an entity", "<!DOCTYPE a [<&<!ENTITY b 'b'>]><a/>", 1);
-    row("fault behind a document type", "<b/><!DOCTYPE a []<!ENTITY b 'b'>", 2);
-    row("fault before an attribute too many", "<l a='1'b='2' c='3'/>", 1);
+    row("error before an entity", "<!DOCTYPE a [<&<!ENTITY b 'b'>]><a/>", 1);
+    row("error after a document type", "<b/><!DOCTYPE a []<!ENTITY b 'b'>", 2);
+    row("error before an attribute too many", "<l a='1'b='2' c='3'/>", 1);
     row("broken UTF-8", "<b/><l>\xF0\x9F\x93</l>", 2);
     row("reference without end", "<b/><l>&#x41</l><c/>", 2);
 
@@ -342,7 +342,7 @@ void TestXmlSeparator::errors_data()
     row("end of a section", "<a>]]></a>");
     row("unknown entity", "<a>&b;</a>");
     row("unknown encoding", "<?xml version='1.0' encoding='none'?><a/>");
-    row("fault before the limits", "<a b='1'c='2'>" + QByteArray("<b>").repeated(8));
+    row("error before the limits", "<a b='1'c='2'>" + QByteArray("<b>").repeated(8));
 
     const QString sWide = QStringLiteral("The document is not in UTF-8 or a single-byte encoding.");
     const QString sUndecoded = QStringLiteral("Encountered incorrectly encoded content.");

@@ -281,11 +281,11 @@ void TestCheck::damagedPackage()
         QVERIFY(write(sShape, bytes));
         const QString sListed =
             simplifiedLines(runTool({u"repository"_s, u"list"_s, path(u"bad"_s)}).out).value(4);
-        const QString sProblem = sListed.mid(sListed.indexOf(u"Signal.ssf"));
+        const QString sError = sListed.mid(sListed.indexOf(u"Signal.ssf"));
         const ToolResult result = check({u"a.sce"_s, u"--repository"_s, u"bad"_s});
         QCOMPARE(simplifiedLines(result.out).value(0).section(u": "_s, 2),
                  u"The signal package \"%1\" is damaged: %2. Put a whole one into the repository. "
-                 "[damaged-package]"_s.arg(QString::fromLatin1(s_known), sProblem));
+                 "[damaged-package]"_s.arg(QString::fromLatin1(s_known), sError));
         QCOMPARE(result.code, 1);
     }
 }

@@ -255,9 +255,9 @@ void TestRepositoryCommands::listProblems()
         runTool({QStringLiteral("repository"), QStringLiteral("list"), path(QStringLiteral("r"))});
     const QString sRow = simplifiedLines(result.out).value(4);
     QVERIFY2(sRow.endsWith(rest), qPrintable(sRow));
-    const bool bProblem = !rest.endsWith(u'-');
-    QCOMPARE(result.code, bProblem ? 1 : 0);
-    QVERIFY(result.out.endsWith(QStringLiteral("3 packages, %1 with problems\n").arg(bProblem ? 1 : 0)));
+    const bool bError = !rest.endsWith(u'-');
+    QCOMPARE(result.code, bError ? 1 : 0);
+    QVERIFY(result.out.endsWith(QStringLiteral("3 packages, %1 with problems\n").arg(bError ? 1 : 0)));
     QVERIFY(!result.out.contains(QChar(0x9B)) && !result.out.contains(QChar(0x202E)));
 }
 

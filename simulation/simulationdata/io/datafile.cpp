@@ -58,7 +58,7 @@ bool openDataFileOfKind(QFile& a_file, const DataFileKind& a_kind, std::span<cha
     return true;
 }
 
-QString refusal(const DataFileKind& a_kind, const QFile& a_file, const QString& a_sReason)
+QString errorText(const DataFileKind& a_kind, const QFile& a_file, const QString& a_sReason)
 {
     return QStringLiteral("Cannot open the %1 \"%2\": %3")
         .arg(QLatin1String(a_kind.szName), a_file.fileName(), a_sReason);

@@ -36,7 +36,7 @@ struct DataFileKind
                                       QString* a_pReason, QIODevice::OpenMode a_eMode = QIODevice::ReadOnly);
 
 /// The trace text for a refused file.
-[[nodiscard]] QString refusal(const DataFileKind& a_kind, const QFile& a_file, const QString& a_sReason);
+[[nodiscard]] QString errorText(const DataFileKind& a_kind, const QFile& a_file, const QString& a_sReason);
 
 /// The difference (bytes) between the size of a file that its header claims, a
 /// count of items of equal size after `a_iHeaderBytes`, and its real size; negative

@@ -72,17 +72,17 @@ FolderLock::FolderLock(const QString& a_sFolder, std::chrono::milliseconds a_tim
     const QString sFile = lockFile(a_sFolder);
     m_iFile = openLockFile(QFile::encodeName(sFile));
     if (m_iFile < 0) {
-        m_sProblem = qt_error_string(errno);
+        m_sError = qt_error_string(errno);
     } else if (!isRegularFile(m_iFile)) {
-        m_sProblem = QStringLiteral("is not a regular file");
+        m_sError = QStringLiteral("is not a regular file");
     } else if (const int iError = waitForLock(m_iFile, a_timeout); iError != 0) {
-        m_sProblem = iError == EWOULDBLOCK ? QStringLiteral("another process holds it for more than %1 s")
-                                                 .arg(a_timeout / std::chrono::seconds(1))
-                                           : qt_error_string(iError);
+        m_sError = iError == EWOULDBLOCK ? QStringLiteral("another process holds it for more than %1 s")
+                                               .arg(a_timeout / std::chrono::seconds(1))
+                                         : qt_error_string(iError);
     }
-    if (!m_sProblem.isEmpty()) {
-        m_sProblem = QStringLiteral("cannot lock \"%1\": %2").arg(sFile, m_sProblem);
-        traceError(s_szSource, [&] { return m_sProblem; });
+    if (!m_sError.isEmpty()) {
+        m_sError = QStringLiteral("cannot lock \"%1\": %2").arg(sFile, m_sError);
+        traceError(s_szSource, [&] { return m_sError; });
     }
 }
 

@@ -24,16 +24,16 @@ public:
     FolderLock(const FolderLock&) = delete;
     FolderLock& operator=(const FolderLock&) = delete;
 
-    [[nodiscard]] bool isHeld() const { return m_sProblem.isEmpty(); }
+    [[nodiscard]] bool isHeld() const { return m_sError.isEmpty(); }
     /// Why the lock is not held; empty when it is.
-    [[nodiscard]] const QString& problem() const { return m_sProblem; }
+    [[nodiscard]] const QString& problem() const { return m_sError; }
 
     /// Whether the folder has ever been locked.
     [[nodiscard]] static bool wasUsedIn(const QString& a_sFolder);
 
 private:
     int m_iFile = -1; ///< descriptor; -1 = not open
-    QString m_sProblem;
+    QString m_sError;
 };
 
 } // namespace Simulation

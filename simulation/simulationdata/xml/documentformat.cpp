@@ -70,8 +70,8 @@ bool DocumentKind::read(const QByteArray& a_xml, QString* a_pError,
                          QStringLiteral("the root element is \"%1\", not \"%2\"").arg(sRoot, m_sRoot)),
             a_pError);
     }
-    const QString sFault = a_readRoot(reader);
-    *a_pError = faultOf(document, sFault);
+    const QString sReadError = a_readRoot(reader);
+    *a_pError = errorOf(document, sReadError);
     if (!a_pError->isEmpty()) {
         traceError(m_szSource, [&] { return QStringLiteral("%1 broke off: %2").arg(m_sName, *a_pError); });
     }
@@ -129,11 +129,11 @@ void DocumentKind::traceUnwritten(const QString& a_sReason) const
                [&] { return QStringLiteral("Cannot write a %1: %2").arg(m_sName.toLower(), a_sReason); });
 }
 
-QString faultOf(XmlDocumentReader& a_document, const QString& a_sFault)
+QString errorOf(XmlDocumentReader& a_document, const QString& a_sError)
 {
     a_document.readToEnd();
     const QString sError = a_document.errorString();
-    return sError.isEmpty() ? a_sFault : sError;
+    return sError.isEmpty() ? a_sError : sError;
 }
 
 } // namespace Simulation

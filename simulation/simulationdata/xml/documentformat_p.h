@@ -78,9 +78,9 @@ private:
 };
 
 /// Reads what follows the root element and returns the error that kept the document
-/// from being read whole: an error of the XML text, else `a_sFault`, the error of
+/// from being read whole: an error of the XML text, else `a_sReadError`, the error of
 /// what was read from it. Empty when there is none.
-[[nodiscard]] QString faultOf(XmlDocumentReader& a_document, const QString& a_sFault);
+[[nodiscard]] QString errorOf(XmlDocumentReader& a_document, const QString& a_sError);
 
 } // namespace Simulation
 

@@ -16,17 +16,17 @@ XmlDocumentReader::XmlDocumentReader(const QByteArray& a_data)
     // the number of namespace declarations, which the document chooses.
     m_stream.setNamespaceProcessing(false);
 
-    if (!checkDocumentBytes(a_data.size(), &m_sRefusal)) {
-        m_stream.raiseError(m_sRefusal);
+    if (!checkDocumentBytes(a_data.size(), &m_sError)) {
+        m_stream.raiseError(m_sError);
         return;
     }
-    QByteArray text = toUtf8Xml(a_data, &m_sRefusal);
+    QByteArray text = toUtf8Xml(a_data, &m_sError);
     XmlScanner scanner;
     scanner.feed(text);
-    if (scanner.hasOffence()) {
-        const XmlScanner::Offence& offence = scanner.offence();
-        m_sRefusal = xmlErrorText({offence.line, offence.column}, offence.reason);
-        text.truncate(static_cast<qsizetype>(offence.offset));
+    if (scanner.hasError()) {
+        const XmlScanner::Error& error = scanner.error();
+        m_sError = xmlErrorText({error.line, error.column}, error.reason);
+        text.truncate(static_cast<qsizetype>(error.offset));
     }
     m_stream.addData(text);
 }
@@ -42,11 +42,11 @@ QString XmlDocumentReader::errorString() const
 {
     if (!m_stream.hasError()) {
         // The text that was cut off may have followed the root element.
-        return m_stream.atEnd() ? m_sRefusal : QString();
+        return m_stream.atEnd() ? m_sError : QString();
     }
     const bool bCutShort = m_stream.error() == QXmlStreamReader::PrematureEndOfDocumentError;
-    if (!m_sRefusal.isEmpty() && (bCutShort || m_stream.errorString() == m_sRefusal)) {
-        return m_sRefusal;
+    if (!m_sError.isEmpty() && (bCutShort || m_stream.errorString() == m_sError)) {
+        return m_sError;
     }
     return xmlErrorText({m_stream.lineNumber(), m_stream.columnNumber()}, m_stream.errorString());
 }

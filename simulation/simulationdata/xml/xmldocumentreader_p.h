@@ -29,7 +29,7 @@ public:
     [[nodiscard]] QString errorString() const;
 
 private:
-    QString m_sRefusal; ///< why the text was cut off, with its place
+    QString m_sError; ///< why the text was cut off, with its place
     QXmlStreamReader m_stream;
 };
 

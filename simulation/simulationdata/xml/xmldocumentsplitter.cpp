@@ -81,13 +81,13 @@ bool isPlainText(QByteArrayView a_bytes)
 
 std::optional<QByteArray> XmlDocumentSplitter::takeDocument()
 {
-    while (m_sFault.isEmpty() && scan()) {
+    while (m_sError.isEmpty() && scan()) {
         const qsizetype iParsable = m_scanner.parsableBytes() - m_document.size();
         if (iParsable > 0 && !parse(iParsable)) {
             break;
         }
-        if (m_scanner.hasOffence()) {
-            fail(m_scanner.offence().reason);
+        if (m_scanner.hasError()) {
+            fail(m_scanner.error().reason);
         } else if (m_scanner.isDocumentComplete()) {
             QByteArray document = std::exchange(m_document, {});
             startDocument();
@@ -150,17 +150,17 @@ bool XmlDocumentSplitter::parse(qsizetype a_iBytes)
     // The reader decodes a whole piece before it reads any of it, and after bytes
     // that it cannot decode it waits for more without limit.
     const qsizetype iDecodable = m_bLatin1 ? piece.size() : utf8Part(piece).size();
-    QString sFault = readerFault(piece.left(iDecodable));
-    if (sFault.isEmpty() && m_bLatin1 && iDecodable < piece.size()) {
-        sFault = readerFault(piece.sliced(iDecodable));
-    } else if (sFault.isEmpty() &&
+    QString sError = readerError(piece.left(iDecodable));
+    if (sError.isEmpty() && m_bLatin1 && iDecodable < piece.size()) {
+        sError = readerError(piece.sliced(iDecodable));
+    } else if (sError.isEmpty() &&
                (iDecodable < piece.size() || m_reader->isEndDocument() != m_scanner.isDocumentComplete())) {
-        sFault = QStringLiteral("Encountered incorrectly encoded content.");
+        sError = QStringLiteral("Encountered incorrectly encoded content.");
     }
-    return sFault.isEmpty() || fail(sFault);
+    return sError.isEmpty() || fail(sError);
 }
 
-QString XmlDocumentSplitter::readerFault(QByteArray a_piece)
+QString XmlDocumentSplitter::readerError(QByteArray a_piece)
 {
     // The reader may take a zero byte for the end of the received bytes. Its
     // replacement is another forbidden character, which the reader refuses
@@ -208,10 +208,10 @@ void XmlDocumentSplitter::startDocument()
 
 /// Sets the error; always false. The bytes read are dropped, so that a peer cannot
 /// make us keep them.
-bool XmlDocumentSplitter::fail(QString a_sFault)
+bool XmlDocumentSplitter::fail(QString a_sError)
 {
     clear();
-    m_sFault = std::move(a_sFault);
+    m_sError = std::move(a_sError);
     return false;
 }
 

@@ -43,7 +43,7 @@ public:
 
     /// The error text after which no document can be read any more: that of the
     /// stream reader, or the exceeded limit. Empty without an error.
-    [[nodiscard]] const QString& fault() const { return m_sFault; }
+    [[nodiscard]] const QString& error() const { return m_sError; }
 
     /// Drops all bytes and the error.
     void clear() { *this = XmlDocumentSplitter(); }
@@ -52,10 +52,10 @@ private:
     bool scan();
     void skipBlanks();
     bool parse(qsizetype a_iBytes);
-    [[nodiscard]] QString readerFault(QByteArray a_piece);
+    [[nodiscard]] QString readerError(QByteArray a_piece);
     bool adoptEncoding(QStringView a_sDeclared);
     void startDocument();
-    bool fail(QString a_sFault);
+    bool fail(QString a_sError);
 
     XmlScanner m_scanner{Limits::RecordElements};
     std::unique_ptr<QXmlStreamReader> m_reader;
@@ -64,7 +64,7 @@ private:
     bool m_bDeclared = false;    ///< the current document declares its encoding
     bool m_bLatin1 = false;      ///< it declares Latin-1
     bool m_bInReference = false; ///< the reader may be inside an unfinished reference
-    QString m_sFault;
+    QString m_sError;
 };
 
 } // namespace Simulation

@@ -94,10 +94,10 @@ void XmlScanner::scanChunk(QByteArrayView a_bytes, bool a_bOneDocument)
     m_chunk = a_bytes;
     const char* p = a_bytes.data();
     const char* const pEnd = p + a_bytes.size();
-    while (p != pEnd && !m_bOffence && !(a_bOneDocument && m_bComplete)) {
+    while (p != pEnd && !m_bError && !(a_bOneDocument && m_bComplete)) {
         p = scan(p, pEnd);
     }
-    if (!m_bOffence) {
+    if (!m_bError) {
         const QByteArrayView taken = a_bytes.first(p - a_bytes.data());
         if (!a_bOneDocument) {
             m_openPosition = m_eState == State::Text ? XmlPosition() : openPosition();
@@ -120,7 +120,7 @@ void XmlScanner::readLimits()
 
 qint64 XmlScanner::parsableBytes() const
 {
-    if (m_bOffence) {
+    if (m_bError) {
         return m_iExceeding;
     }
     // A CDATA section outside the elements is an error, which a parser finds at
@@ -316,8 +316,8 @@ void XmlScanner::offend(Limits::Limit a_eLimit)
 {
     const XmlPosition position = openPosition();
     m_iExceeding = m_iOpen;
-    m_bOffence = true;
-    m_offence = {m_iOpen, position.line, position.column, a_eLimit, Limits::exceeded(a_eLimit)};
+    m_bError = true;
+    m_error = {m_iOpen, position.line, position.column, a_eLimit, Limits::exceeded(a_eLimit)};
 }
 
 /// The limit is exceeded at this byte of the construct. A parser gets all bytes

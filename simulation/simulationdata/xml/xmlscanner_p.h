@@ -55,7 +55,7 @@ class XmlScanner
 {
 public:
     /// The first place where a limit is exceeded.
-    struct Offence
+    struct Error
     {
         qint64 offset = 0; ///< of the construct's '<', in bytes from the start
         qint64 line = 1;   ///< of that '<', from 1
@@ -74,7 +74,7 @@ public:
     void feed(QByteArrayView a_bytes) { scanChunk(a_bytes, false); }
 
     /// The same as feed(), but stops at the end of the document and does not
-    /// calculate lines and columns: offence() has none.
+    /// calculate lines and columns: error() has none.
     void feedDocument(QByteArrayView a_bytes) { scanChunk(a_bytes, true); }
 
     /// Whether the last tag closed the outermost element, or an element that was
@@ -95,10 +95,10 @@ public:
     /// further byte.
     [[nodiscard]] qint64 parsableBytes() const;
 
-    [[nodiscard]] bool hasOffence() const { return m_bOffence; }
+    [[nodiscard]] bool hasError() const { return m_bError; }
 
     /// The place of the exceeded limit; a default object when there is none.
-    [[nodiscard]] const Offence& offence() const { return m_offence; }
+    [[nodiscard]] const Error& error() const { return m_error; }
 
     /// Prepares for another text.
     void reset() { *this = XmlScanner(m_eElements); }
@@ -138,7 +138,7 @@ private:
     State m_eState = State::Text;
     char m_cQuote = 0; ///< the quote that ends the value
     char m_cLast = 0;  ///< the last byte of a start tag so far
-    bool m_bOffence = false;
+    bool m_bError = false;
     bool m_bComplete = false;           ///< the last tag left no element open
     int m_iRun = 0;                     ///< end marks just before the next byte, at most 2
     int m_iMatched = 0;                 ///< bytes of m_szExpected that were found
@@ -159,7 +159,7 @@ private:
     QByteArrayView m_chunk;      ///< the chunk being scanned
     XmlPosition m_chunkPosition; ///< of the chunk's first byte
     XmlPosition m_openPosition;  ///< of a '<' in an earlier chunk
-    Offence m_offence;
+    Error m_error;
 };
 
 } // namespace Simulation

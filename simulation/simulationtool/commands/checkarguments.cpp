@@ -86,7 +86,7 @@ void addCheckOptions(QCommandLineParser& a_parser)
 }
 
 /// The error text for wrong arguments; empty when they are right.
-QString problemOf(const QCommandLineParser& a_parser)
+QString errorOf(const QCommandLineParser& a_parser)
 {
     const QStringList files = a_parser.positionalArguments();
     if (files.isEmpty() || files.contains(QString())) {
@@ -123,8 +123,8 @@ ExitCode check(const QStringList& a_arguments, Output& a_output)
     if (const auto done = parser.parse(a_arguments, a_output)) {
         return *done;
     }
-    if (const QString sProblem = problemOf(parser.get()); !sProblem.isEmpty()) {
-        return parser.refuse(sProblem);
+    if (const QString sError = errorOf(parser.get()); !sError.isEmpty()) {
+        return parser.refuse(sError);
     }
     CheckOptions options;
     options.files = parser.get().positionalArguments();

@@ -111,7 +111,7 @@ ExitCode status(ServiceController& a_controller, const OrderArgument& /*a_argume
 }
 
 /// The error text for bytes that are not a complete scenario; empty when they are.
-QString scenarioProblem(const QByteArray& a_content)
+QString scenarioError(const QByteArray& a_content)
 {
     Simulation::UnresolvedSignalPackageProvider unresolved;
     Simulation::ScenarioDataXml scenario(&unresolved);
@@ -120,7 +120,7 @@ QString scenarioProblem(const QByteArray& a_content)
 }
 
 /// The same for a deployment.
-QString deploymentProblem(const QByteArray& a_content)
+QString deploymentError(const QByteArray& a_content)
 {
     Simulation::DeploymentDataXml deployment;
     static_cast<void>(deployment.fromXml(a_content));
@@ -150,22 +150,22 @@ bool readOrderFile(ControlAction::Takes a_eKind, OrderArgument& a_argument)
 {
     const auto uiLimit = Simulation::Limits::value(Simulation::Limits::DocumentBytes);
     QFile file(a_argument.file);
-    QString sProblem;
+    QString sError;
     if (file.open(QIODevice::ReadOnly)) {
         a_argument.content = file.read(static_cast<qint64>(uiLimit) + 1);
     }
     if (file.error() != QFileDevice::NoError) {
-        sProblem = file.errorString();
+        sError = file.errorString();
     } else if (static_cast<std::uint64_t>(a_argument.content.size()) > uiLimit) {
-        sProblem = Simulation::Limits::exceeded(Simulation::Limits::DocumentBytes);
+        sError = Simulation::Limits::exceeded(Simulation::Limits::DocumentBytes);
     } else {
-        sProblem = a_eKind == ControlAction::Takes::Scenario ? scenarioProblem(a_argument.content)
-                                                             : deploymentProblem(a_argument.content);
+        sError = a_eKind == ControlAction::Takes::Scenario ? scenarioError(a_argument.content)
+                                                           : deploymentError(a_argument.content);
     }
-    if (!sProblem.isEmpty()) {
-        complain(QStringLiteral("%1: %2").arg(a_argument.file, sProblem));
+    if (!sError.isEmpty()) {
+        complain(QStringLiteral("%1: %2").arg(a_argument.file, sError));
     }
-    return sProblem.isEmpty();
+    return sError.isEmpty();
 }
 
 } // namespace SimulationTool

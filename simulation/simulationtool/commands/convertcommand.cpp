@@ -54,7 +54,7 @@ ExitCode fail(const QString& a_sFile, const QString& a_sReason)
 /// The error text for an output that a reader would refuse and that is therefore not
 /// written. `a_sReason` is that reader's error text; when it is empty, the output
 /// exceeded the limit and is empty.
-QString refusal(const QString& a_sReason)
+QString errorText(const QString& a_sReason)
 {
     return QStringLiteral("not written: ") +
            (a_sReason.isEmpty() ? Simulation::Limits::exceeded(Simulation::Limits::DocumentBytes)
@@ -70,7 +70,7 @@ ExitCode toCompact(Simulation::ScenarioDataXml& a_scenario, const QString& a_sOu
     const QByteArray data = compact.toBinary();
     Simulation::ScenarioDataBinary readBack(nullptr);
     if (data.isEmpty() || !readBack.fromBinary(data)) {
-        return fail(a_sOut, refusal(readBack.errorString()));
+        return fail(a_sOut, errorText(readBack.errorString()));
     }
     const ExitCode eWritten = replaceFile(a_sOut, data);
     if (eWritten != ExitCode::Ok) {
@@ -93,7 +93,7 @@ ExitCode toDocument(Simulation::ScenarioDataBinary& a_compact, const QString& a_
     const QByteArray data = document.toXml();
     Simulation::ScenarioDataXml readBack(&provider);
     if (data.isEmpty() || !readBack.fromXml(data) || !readBack.errorString().isEmpty()) {
-        return fail(a_sOut, refusal(readBack.errorString()));
+        return fail(a_sOut, errorText(readBack.errorString()));
     }
     const ExitCode eWritten = replaceFile(a_sOut, data);
     if (eWritten != ExitCode::Ok) {

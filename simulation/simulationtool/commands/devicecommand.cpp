@@ -113,7 +113,7 @@ ExitCode runDevice(const DeviceOptions& a_options, Output& a_output)
     }
     if (!packages.isComplete()) {
         // A device with missing packages still runs.
-        simulationDevice.setPackageFault(QStringLiteral("some packages could not be copied to the cache"));
+        simulationDevice.setPackageError(QStringLiteral("some packages could not be copied to the cache"));
     }
     DevicePlay devicePlay(simulationDevice, &packages, a_output);
     const auto endUnless = [&](bool a_bWritten) {
@@ -138,7 +138,7 @@ ExitCode runDevice(const DeviceOptions& a_options, Output& a_output)
 
 /// The error text for a text that cannot identify a device; empty when it can. The
 /// service must return it unchanged, and it must be distinguishable in a log.
-QString nameProblem(const QString& a_sOption, const QString& a_sText)
+QString nameError(const QString& a_sOption, const QString& a_sText)
 {
     if (a_sText.trimmed().isEmpty()) {
         return QStringLiteral("--%1 is needed, and not empty").arg(a_sOption);
@@ -172,10 +172,10 @@ bool readDegrees(const QCommandLineParser& a_parser, const QString& a_sOption, d
 bool readRecord(const QCommandLineParser& a_parser, Simulation::SimulationDeviceConfiguration& a_record,
                 QString& a_sReason)
 {
-    a_sReason = nameProblem(s_sId, a_parser.value(s_sId));
+    a_sReason = nameError(s_sId, a_parser.value(s_sId));
     for (const QString& sOption : {s_sName, s_sStation, s_sType}) {
         if (a_sReason.isEmpty() && a_parser.isSet(sOption)) {
-            a_sReason = nameProblem(sOption, a_parser.value(sOption));
+            a_sReason = nameError(sOption, a_parser.value(sOption));
         }
     }
     a_record = localDevice(a_parser.value(s_sId), a_parser.value(s_sName));

@@ -120,18 +120,18 @@ bool Play::prepare()
 {
     m_uiTo = windowEnd(m_options, m_scenario->getDuration());
     m_emitters = emittersOf(*m_scenario);
-    QString sProblem;
+    QString sError;
     if (m_uiTo <= m_options.from) {
-        sProblem = QStringLiteral("the window would end at %1 ms, not after its begin at %2 ms: give a later "
-                                  "--to")
-                       .arg(QString::number(m_uiTo), QString::number(m_options.from));
+        sError = QStringLiteral("the window would end at %1 ms, not after its begin at %2 ms: give a later "
+                                "--to")
+                     .arg(QString::number(m_uiTo), QString::number(m_options.from));
     } else {
-        static_cast<void>(selectEmitters(m_emitters, m_options.emitters, sProblem));
+        static_cast<void>(selectEmitters(m_emitters, m_options.emitters, sError));
     }
-    if (!sProblem.isEmpty()) {
-        complain(QStringLiteral("play: ") + sProblem);
+    if (!sError.isEmpty()) {
+        complain(QStringLiteral("play: ") + sError);
     }
-    return sProblem.isEmpty();
+    return sError.isEmpty();
 }
 
 std::unique_ptr<Sink> Play::makeSink()

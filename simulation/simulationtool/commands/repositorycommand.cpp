@@ -30,10 +30,10 @@ ExitCode refuse(const QString& a_sFolder, const QString& a_sReason)
 
 /// The error text for an existing folder that must not become a repository; empty
 /// when it may.
-QString initProblem(const QString& a_sFolder)
+QString initError(const QString& a_sFolder)
 {
-    if (QString sProblem = folderProblem(a_sFolder); !sProblem.isEmpty()) {
-        return sProblem;
+    if (QString sError = folderError(a_sFolder); !sError.isEmpty()) {
+        return sError;
     }
     if (!QFileInfo(a_sFolder).isWritable()) {
         return QStringLiteral("cannot be written to");
@@ -55,23 +55,23 @@ ExitCode runRepositoryInit(const QString& a_sFolder, ReportForm a_eForm, Output&
     if (bMade && !QDir().mkpath(a_sFolder)) {
         return refuse(a_sFolder, QStringLiteral("cannot be made: ") + qt_error_string());
     }
-    if (const QString sProblem = initProblem(a_sFolder); !sProblem.isEmpty()) {
-        return refuse(a_sFolder, sProblem);
+    if (const QString sError = initError(a_sFolder); !sError.isEmpty()) {
+        return refuse(a_sFolder, sError);
     }
     const Progress progress(QStringLiteral("preparing the repository"));
     const QDir folder(QDir(a_sFolder).absolutePath());
     RepositoryCfg cfg(folder.path());
-    QString sProblem;
-    if (!Simulation::DataStoreFactory::initializeDataStore(&cfg, &sProblem)) {
-        return refuse(a_sFolder, QStringLiteral("could not be prepared: ") + sProblem);
+    QString sError;
+    if (!Simulation::DataStoreFactory::initializeDataStore(&cfg, &sError)) {
+        return refuse(a_sFolder, QStringLiteral("could not be prepared: ") + sError);
     }
     const QString sStore = packageStoreOf(folder.path());
     const QString sScenario =
         Simulation::DataStoreFactory::defaultScenario(folder.filePath(QStringLiteral("Files")));
     // The library reports default data that cannot be written as a success with an
     // error text.
-    if (!sProblem.isEmpty()) {
-        return refuse(a_sFolder, QStringLiteral("the default data could not be written: ") + sProblem);
+    if (!sError.isEmpty()) {
+        return refuse(a_sFolder, QStringLiteral("the default data could not be written: ") + sError);
     }
     const auto iPackages = Simulation::SignalPackageFolder::list(sStore).size();
     Report report(a_output, a_eForm);
@@ -90,8 +90,8 @@ ExitCode runRepositoryInit(const QString& a_sFolder, ReportForm a_eForm, Output&
 
 ExitCode runRepositoryList(const QString& a_sFolder, ReportForm a_eForm, Output& a_output)
 {
-    if (const QString sProblem = folderProblem(a_sFolder); !sProblem.isEmpty()) {
-        return refuse(a_sFolder, sProblem);
+    if (const QString sError = folderError(a_sFolder); !sError.isEmpty()) {
+        return refuse(a_sFolder, sError);
     }
     if (Simulation::SignalPackageFolder::isValid(a_sFolder)) {
         return refuse(a_sFolder, QStringLiteral("is a signal package itself (inspect shows it)"));

@@ -28,14 +28,14 @@ bool isPipe(const QString& a_sFile)
     return ::stat(QFile::encodeName(a_sFile).constData(), &status) == 0 && S_ISFIFO(status.st_mode);
 }
 
-QString temporaryProblem(const QFile& a_temporary)
+QString temporaryError(const QFile& a_temporary)
 {
     return QStringLiteral("cannot be copied to a temporary file (TMPDIR chooses its folder): %1")
         .arg(a_temporary.errorString());
 }
 
 /// Copies all that is left to read. Returns the error text, empty on success.
-QString copyProblem(QFile& a_from, QFile& a_to, std::uint64_t a_uiMaxBytes)
+QString copyError(QFile& a_from, QFile& a_to, std::uint64_t a_uiMaxBytes)
 {
     std::uint64_t uiBytes = 0;
     for (;;) {
@@ -49,7 +49,7 @@ QString copyProblem(QFile& a_from, QFile& a_to, std::uint64_t a_uiMaxBytes)
                 .arg(a_uiMaxBytes);
         }
         if (!writeThrough(a_to, block)) {
-            return temporaryProblem(a_to);
+            return temporaryError(a_to);
         }
     }
     return a_from.error() == QFileDevice::NoError ? QString() : a_from.errorString();
@@ -72,22 +72,22 @@ bool InputFile::prepare(std::uint64_t a_uiMaxBytes)
     const Progress progress(QStringLiteral("reading ") + name());
     m_copy = std::make_unique<QTemporaryFile>();
     QFile input(m_sArgument);
-    QString sProblem;
+    QString sError;
     const auto eMode = QIODevice::ReadOnly | QIODevice::Unbuffered;
     if (!(isStandardInput() ? input.open(STDIN_FILENO, eMode) : input.open(eMode))) {
-        sProblem = input.errorString();
+        sError = input.errorString();
     } else if (!m_copy->open()) {
-        sProblem = temporaryProblem(*m_copy);
+        sError = temporaryError(*m_copy);
     } else {
-        sProblem = copyProblem(input, *m_copy, a_uiMaxBytes);
+        sError = copyError(input, *m_copy, a_uiMaxBytes);
     }
     // The temporary file has no name on the disk, so no other process opens it and
     // none is left after a crash. Readers open it by its descriptor.
     m_sPath = QStringLiteral("/proc/self/fd/%1").arg(m_copy->handle());
-    if (!sProblem.isEmpty()) {
-        complain(QStringLiteral("%1: %2").arg(name(), sProblem));
+    if (!sError.isEmpty()) {
+        complain(QStringLiteral("%1: %2").arg(name(), sError));
     }
-    return sProblem.isEmpty() && !isInterrupted();
+    return sError.isEmpty() && !isInterrupted();
 }
 
 QString InputFile::name() const

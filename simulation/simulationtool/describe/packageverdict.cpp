@@ -12,7 +12,7 @@ namespace SimulationTool {
 namespace {
 
 /// The error text for a descriptor from which no id was read.
-QString descriptorFault(const QString& a_sFile)
+QString descriptorError(const QString& a_sFile)
 {
     QFile file(a_sFile);
     if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) {
@@ -40,10 +40,10 @@ void addProblem(PackageVerdict& a_verdict, const QString& a_sText, ExitCode a_eC
 
 Verdict descriptorVerdict(const Simulation::SignalPackage& a_package, const QString& a_sFile)
 {
-    return a_package.id().isEmpty() ? refusedVerdict(descriptorFault(a_sFile)) : Verdict{};
+    return a_package.id().isEmpty() ? refusedVerdict(descriptorError(a_sFile)) : Verdict{};
 }
 
-QString durationProblem(const Simulation::SignalPackage& a_package)
+QString durationError(const Simulation::SignalPackage& a_package)
 {
     return a_package.duration() == 0 ? QStringLiteral("no duration") : QString();
 }
@@ -74,9 +74,8 @@ PackageVerdict packageVerdict(const QString& a_sFolder)
                        summary.verdict.code);
         }
     }
-    if (const QString sProblem = durationProblem(verdict.package);
-        bDescribed && bShape && !sProblem.isEmpty()) {
-        addProblem(verdict, sProblem, ExitCode::Findings);
+    if (const QString sError = durationError(verdict.package); bDescribed && bShape && !sError.isEmpty()) {
+        addProblem(verdict, sError, ExitCode::Findings);
     }
     return verdict;
 }

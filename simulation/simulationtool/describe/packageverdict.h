@@ -39,7 +39,7 @@ struct PackageVerdict
 /// The reason why readable spectra of a package cannot be played; empty when they
 /// can. A package without a duration cannot, because spectra repeat over that
 /// duration.
-[[nodiscard]] QString durationProblem(const Simulation::SignalPackage& a_package);
+[[nodiscard]] QString durationError(const Simulation::SignalPackage& a_package);
 
 } // namespace SimulationTool
 

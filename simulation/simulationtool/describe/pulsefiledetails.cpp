@@ -26,7 +26,7 @@ namespace SimulationTool {
 namespace {
 
 constexpr std::uint32_t s_uiWordBytes = 4;
-constexpr std::uint64_t s_uiShownFaults = 10;
+constexpr std::uint64_t s_uiShownErrors = 10;
 static_assert(PDWFile::s_uiHeaderBytes == PDWFile::s_uiRecordBytes, "headers are read as records");
 
 // Indices of the 32-bit words of a block header.
@@ -41,18 +41,18 @@ constexpr std::array<std::pair<std::size_t, std::uint32_t>, 4> s_constants{
 /// The result of reading all blocks.
 struct Walk
 {
-    void fault(std::uint64_t a_uiBlock, const QString& a_sWhat)
+    void error(std::uint64_t a_uiBlock, const QString& a_sWhat)
     {
-        if (++faultCount <= s_uiShownFaults) {
-            faults.append(QStringLiteral("Block %1: %2").arg(QString::number(a_uiBlock), a_sWhat));
+        if (++errorCount <= s_uiShownErrors) {
+            errors.append(QStringLiteral("Block %1: %2").arg(QString::number(a_uiBlock), a_sWhat));
         }
     }
 
     std::uint64_t blocks = 0;
     std::uint64_t records = 0;      ///< complete ones
     std::uint64_t missingBytes = 0; ///< of the last block
-    std::uint64_t faultCount = 0;
-    QStringList faults;  ///< the first s_uiShownFaults
+    std::uint64_t errorCount = 0;
+    QStringList errors;  ///< the first s_uiShownFaults
     bool isLost = false; ///< a header was missing at a block's start
 };
 
@@ -68,7 +68,7 @@ void checkHeader(const CPackedPDW& a_header, Walk& a_walk)
         (PDWFile::s_uiHeaderBytes + PDWFile::s_uiRecordBytes * uiCount) / s_uiWordBytes;
     const auto check = [&](const QString& a_sWhat, std::uint64_t a_uiFound, std::uint64_t a_uiExpected) {
         if (a_uiFound != a_uiExpected) {
-            a_walk.fault(a_walk.blocks,
+            a_walk.error(a_walk.blocks,
                          QStringLiteral("%1 is %2 instead of %3")
                              .arg(a_sWhat, QString::number(a_uiFound), QString::number(a_uiExpected)));
         }
@@ -79,7 +79,7 @@ void checkHeader(const CPackedPDW& a_header, Walk& a_walk)
         check(QStringLiteral("word %1").arg(uiWord), wordOf(a_header, uiWord), uiValue);
     }
     if (uiCount > PDWFile::s_uiRecordsPerBlock) {
-        a_walk.fault(a_walk.blocks,
+        a_walk.error(a_walk.blocks,
                      QStringLiteral("%1 records, more than %2")
                          .arg(QString::number(uiCount), QString::number(PDWFile::s_uiRecordsPerBlock)));
     }
@@ -100,7 +100,7 @@ Walk walkBlocks(PDWFile& a_file, std::uint64_t a_uiBytes)
             break;
         }
         if (wordOf(word, s_uiMagicWord) != PDWFile::s_uiBlockMagic) {
-            walk.fault(walk.blocks, QStringLiteral("no header, %1 bytes before the end").arg(a_uiBytes));
+            walk.error(walk.blocks, QStringLiteral("no header, %1 bytes before the end").arg(a_uiBytes));
             walk.isLost = true;
             break;
         }
@@ -126,18 +126,18 @@ Verdict describeBlocks(Report& a_report, PDWFile& a_file, std::uint64_t a_uiByte
     const Walk walk = walkBlocks(a_file, a_uiBytes);
     a_report.field("blocks", QStringLiteral("Blocks"), countValue(walk.blocks));
     a_report.field("records", QStringLiteral("Records"), countValue(walk.records));
-    if (walk.faultCount > 0) {
-        QStringList faults = walk.faults;
-        if (walk.faultCount > s_uiShownFaults) {
-            faults.append(QStringLiteral("and %1 more").arg(walk.faultCount - s_uiShownFaults));
+    if (walk.errorCount > 0) {
+        QStringList errors = walk.errors;
+        if (walk.errorCount > s_uiShownErrors) {
+            errors.append(QStringLiteral("and %1 more").arg(walk.errorCount - s_uiShownErrors));
         }
         a_report.field("inconsistent", QStringLiteral("Inconsistent"),
-                       {faults.join(u'\n'), QJsonArray::fromStringList(faults)});
+                       {errors.join(u'\n'), QJsonArray::fromStringList(errors)});
     }
     Verdict verdict = sizeVerdict(static_cast<std::int64_t>(walk.missingBytes));
     if (walk.isLost) {
         verdict = {ExitCode::Findings, QStringLiteral("broken after %1").arg(counted(walk.blocks, "block"))};
-    } else if (walk.faultCount > 0) {
+    } else if (walk.errorCount > 0) {
         const QString sSize = verdict.code == ExitCode::Ok ? QString() : QStringLiteral(", ") + verdict.text;
         verdict = {ExitCode::Findings, QStringLiteral("inconsistent") + sSize};
     }

@@ -87,14 +87,14 @@ bool DemoRoad::makeRepository()
 {
     RepositoryCfg cfg(m_folder.path());
     if (!m_folder.isValid()) {
-        m_sProblem = QStringLiteral("in a temporary folder: %1. Choose another place (TMPDIR)")
-                         .arg(m_folder.errorString());
+        m_sError = QStringLiteral("in a temporary folder: %1. Choose another place (TMPDIR)")
+                       .arg(m_folder.errorString());
         return false;
     }
     QString sReason;
     if (!Simulation::DataStoreFactory::initializeDataStore(&cfg, &sReason) || !sReason.isEmpty()) {
-        m_sProblem = QStringLiteral("in %1: %2. Remove the cause or choose another place (TMPDIR)")
-                         .arg(m_folder.path(), sReason);
+        m_sError = QStringLiteral("in %1: %2. Remove the cause or choose another place (TMPDIR)")
+                       .arg(m_folder.path(), sReason);
         return false;
     }
     const QString sStore = packageStoreOf(m_folder.path()); // exists only now
@@ -251,9 +251,8 @@ bool DemoRoad::play()
         bFound = device.packages.finish() != ExitCode::Ok || bFound;
     }
     if (bFound) {
-        m_sProblem =
-            QStringLiteral("with all packages: standard error names those that are broken or missing. "
-                           "Remove the cause, then run the demo again");
+        m_sError = QStringLiteral("with all packages: standard error names those that are broken or missing. "
+                                  "Remove the cause, then run the demo again");
     }
     return !bFound && bSame && m_devices[0].steps.size() == iSteps;
 }

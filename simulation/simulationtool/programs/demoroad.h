@@ -49,10 +49,7 @@ public:
     [[nodiscard]] bool unload();
 
     /// The error text of a failed step; empty when no details are known.
-    [[nodiscard]] QString problem() const
-    {
-        return m_sProblem.isEmpty() ? m_controller.problem() : m_sProblem;
-    }
+    [[nodiscard]] QString problem() const { return m_sError.isEmpty() ? m_controller.problem() : m_sError; }
 
 private:
     struct Device
@@ -76,7 +73,7 @@ private:
     ServerAddress m_address;
     std::array<Device, 2> m_devices;
     ServiceController m_controller;
-    QString m_sProblem;           ///< errors other than the controller's
+    QString m_sError;             ///< errors other than the controller's
     std::unique_ptr<Sink> m_sink; ///< for the rows of the first device
 };
 

@@ -5,7 +5,7 @@
 
 namespace SimulationTool {
 
-QString folderProblem(const QString& a_sFolder)
+QString folderError(const QString& a_sFolder)
 {
     const QFileInfo folder(a_sFolder);
     if (!folder.exists()) {

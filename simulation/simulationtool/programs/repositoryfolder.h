@@ -6,7 +6,7 @@
 namespace SimulationTool {
 
 /// The error text for a folder that cannot be read; empty when it can.
-[[nodiscard]] QString folderProblem(const QString& a_sFolder);
+[[nodiscard]] QString folderError(const QString& a_sFolder);
 
 /// The folder that contains the packages: "SignalPackages" in a repository, otherwise
 /// the folder itself.

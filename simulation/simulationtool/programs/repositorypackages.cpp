@@ -37,7 +37,7 @@ bool isInside(const QString& a_sPath, const QString& a_sFolder)
 
 /// The error text for a folder that must not be used as a cache, because the cache's
 /// files would replace the user's; empty when it may.
-QString cacheProblem(const QString& a_sCache, const QString& a_sRepository)
+QString cacheError(const QString& a_sCache, const QString& a_sRepository)
 {
     if (QFileInfo::exists(a_sCache) && !QFileInfo(a_sCache).isDir()) {
         return QStringLiteral("is not a folder");
@@ -63,28 +63,28 @@ RepositoryPackages::~RepositoryPackages() = default;
 
 bool RepositoryPackages::open(const QString& a_sRepository, const QString& a_sCache)
 {
-    QString sProblem = folderProblem(a_sRepository);
-    if (!sProblem.isEmpty()) {
-        complain(QStringLiteral("%1: %2").arg(a_sRepository, sProblem));
+    QString sError = folderError(a_sRepository);
+    if (!sError.isEmpty()) {
+        complain(QStringLiteral("%1: %2").arg(a_sRepository, sError));
         return false;
     }
     QString sCache = a_sCache;
     if (a_sCache.isEmpty()) {
         m_temporary = std::make_unique<QTemporaryDir>();
         sCache = m_temporary->path();
-        sProblem = m_temporary->isValid() ? QString() : m_temporary->errorString();
+        sError = m_temporary->isValid() ? QString() : m_temporary->errorString();
     } else {
-        sProblem = cacheProblem(a_sCache, a_sRepository);
+        sError = cacheError(a_sCache, a_sRepository);
     }
-    if (sProblem.isEmpty()) {
+    if (sError.isEmpty()) {
         m_cache = std::make_unique<Simulation::SignalPackageCache>(sCache, packageStoreOf(a_sRepository));
         setProvider(m_cache.get());
         if (fillCache()) {
             return true;
         }
-        sProblem = QStringLiteral("cannot be used as cache folder: ") + m_cache->copyFailures().firstReason;
+        sError = QStringLiteral("cannot be used as cache folder: ") + m_cache->copyFailures().firstReason;
     }
-    complain(QStringLiteral("%1: %2").arg(sCache, sProblem));
+    complain(QStringLiteral("%1: %2").arg(sCache, sError));
     return false;
 }
 
@@ -163,8 +163,8 @@ void RepositoryPackages::checkShape(const Simulation::SignalPackage& a_package,
     const Verdict verdict = shapeVerdict(a_reader);
     if (verdict.code != ExitCode::Ok) {
         tell(QStringLiteral("package %1: its signal shape file is %2").arg(a_package.id(), verdict.text));
-    } else if (const QString sProblem = durationProblem(a_package); !sProblem.isEmpty()) {
-        tell(QStringLiteral("package %1: %2").arg(a_package.id(), sProblem));
+    } else if (const QString sError = durationError(a_package); !sError.isEmpty()) {
+        tell(QStringLiteral("package %1: %2").arg(a_package.id(), sError));
     }
 }
 

@@ -171,10 +171,10 @@ bool ServiceController::idle(std::chrono::milliseconds a_time)
     over.setSingleShot(true);
     connect(&over, &QTimer::timeout, this, [this] { m_loop.quit(); });
     over.start(a_time);
-    while (over.isActive() && m_sProblem.isEmpty() && !isInterrupted()) {
+    while (over.isActive() && m_sError.isEmpty() && !isInterrupted()) {
         m_loop.run();
     }
-    return m_sProblem.isEmpty() && !isInterrupted();
+    return m_sError.isEmpty() && !isInterrupted();
 }
 
 /// Each listed device makes progress once, so that a device that repeats its states
@@ -208,7 +208,7 @@ ServiceController::Waited ServiceController::waitFor(const std::function<bool()>
 {
     m_sinceProgress.start();
     while (!a_isDone()) {
-        if (!m_sProblem.isEmpty() || isInterrupted()) {
+        if (!m_sError.isEmpty() || isInterrupted()) {
             return Waited::Failed;
         }
         const qint64 iLeft = m_timeout.count() - m_sinceProgress.elapsed();
@@ -221,10 +221,10 @@ ServiceController::Waited ServiceController::waitFor(const std::function<bool()>
     return Waited::Done;
 }
 
-void ServiceController::fail(const QString& a_sProblem)
+void ServiceController::fail(const QString& a_sReason)
 {
-    if (m_sProblem.isEmpty()) {
-        m_sProblem = m_sServer + QStringLiteral(": ") + a_sProblem;
+    if (m_sError.isEmpty()) {
+        m_sError = m_sServer + QStringLiteral(": ") + a_sReason;
     }
     m_loop.quit();
 }

@@ -77,7 +77,7 @@ public:
     /// Releases the service, and closes the connection after everything was sent.
     void leave();
 
-    [[nodiscard]] QString problem() const { return m_sProblem; }
+    [[nodiscard]] QString problem() const { return m_sError; }
     [[nodiscard]] const QVector<Simulation::SimulationDeviceConfiguration>& devices() const
     {
         return m_devices;
@@ -99,7 +99,7 @@ private:
     [[nodiscard]] Waited waitFor(const std::function<bool()>& a_isDone);
     [[nodiscard]] bool areDevicesDone() const;
     void noteState(const QString& a_sId, const Simulation::SimulationDeviceState& a_state);
-    void fail(const QString& a_sProblem);
+    void fail(const QString& a_sError);
     void noteProgress();
     void showTransfer();
 
@@ -110,7 +110,7 @@ private:
     QElapsedTimer m_sinceProgress;
     QTimer m_wakeUp;
     QString m_sServer;
-    QString m_sProblem;
+    QString m_sError;
     int m_iAnswers = 0; ///< requested lists not yet received
     QVector<Simulation::SimulationDeviceConfiguration> m_devices;
     bool m_bControls = false;

@@ -276,9 +276,9 @@ void SimulationDevice::noteLoaded()
     if (!m_report.warning.isEmpty() && !m_sPackageRemark.isEmpty()) {
         m_report.warning = m_sPackageRemark + QStringLiteral(": ") + m_report.warning;
     }
-    if (!m_sPackageFault.isEmpty()) {
+    if (!m_sPackageError.isEmpty()) {
         const QString sDivider = m_report.warning.isEmpty() ? QString() : QStringLiteral(", ");
-        m_report.warning = m_sPackageFault + sDivider + m_report.warning;
+        m_report.warning = m_sPackageError + sDivider + m_report.warning;
     }
     if (m_report.warning.isEmpty()) {
         return;
@@ -323,7 +323,7 @@ void SimulationDevice::reportEvent(const QString& a_sEvent)
 // Playing
 
 /// The error text for a refused start; empty when it is accepted.
-QString SimulationDevice::startProblem(quint64 a_uiAhead, std::uint32_t a_uiTime) const
+QString SimulationDevice::startError(quint64 a_uiAhead, std::uint32_t a_uiTime) const
 {
     if (m_scenario == nullptr) {
         return QStringLiteral("no scenario is loaded");
@@ -343,8 +343,8 @@ void SimulationDevice::play(quint64 a_uiTimestamp, std::uint32_t a_uiTime)
 {
     const quint64 uiNow = Simulation::ScenarioTimingHelper::currentTimeStamp();
     const quint64 uiAhead = a_uiTimestamp > uiNow ? a_uiTimestamp - uiNow : 0;
-    if (const QString sProblem = startProblem(uiAhead, a_uiTime); !sProblem.isEmpty()) {
-        endPlay(DeviceReport::notStarted(sProblem));
+    if (const QString sStartError = startError(uiAhead, a_uiTime); !sProblem.isEmpty()) {
+        endPlay(DeviceReport::notStarted(sStartError));
         reportState();
         return;
     }

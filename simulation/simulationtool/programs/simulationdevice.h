@@ -62,7 +62,7 @@ public:
 
     /// An error of the packages that is independent of the scenario; a warning with
     /// every scenario. Empty by default.
-    void setPackageFault(const QString& a_sFault) { m_sPackageFault = a_sFault; }
+    void setPackageError(const QString& a_sError) { m_sPackageError = a_sError; }
 
     void connectToService(const ServerAddress& a_server);
 
@@ -112,7 +112,7 @@ private:
     void setState(Simulation::ScenarioDataState a_eState);
     void reportState();
     void noteLoaded();
-    [[nodiscard]] QString startProblem(quint64 a_uiAhead, std::uint32_t a_uiTime) const;
+    [[nodiscard]] QString startError(quint64 a_uiAhead, std::uint32_t a_uiTime) const;
     void play(quint64 a_uiTimestamp, std::uint32_t a_uiTime);
     void playStep();
     void pause(std::uint32_t a_uiTime);
@@ -123,7 +123,7 @@ private:
     Simulation::SimulationDeviceConfiguration m_configuration;
     PackageUse m_packages; ///< outlives the scenario
     QString m_sPackageRemark;
-    QString m_sPackageFault;
+    QString m_sPackageError;
     const std::uint32_t m_uiStep; ///< ms
     LogLimit m_log;
 

@@ -242,8 +242,8 @@ void SimulationService::slotBoundPending()
 void SimulationService::registerDevice(ServicePeer* a_pPeer, const QString& a_sId,
                                        const SimulationDeviceConfiguration& a_configuration)
 {
-    if (const QString sProblem = registrationProblem(a_sId, a_configuration); !sProblem.isEmpty()) {
-        drop(a_pPeer, sProblem);
+    if (const QString sError = registrationError(a_sId, a_configuration); !sError.isEmpty()) {
+        drop(a_pPeer, sError);
         return;
     }
     const bool bFirst = !a_pPeer->isDevice();
@@ -274,8 +274,8 @@ void SimulationService::registerDevice(ServicePeer* a_pPeer, const QString& a_sI
     }
 }
 
-QString SimulationService::registrationProblem(const QString& a_sId,
-                                               const SimulationDeviceConfiguration& a_configuration) const
+QString SimulationService::registrationError(const QString& a_sId,
+                                             const SimulationDeviceConfiguration& a_configuration) const
 {
     if (a_sId.isEmpty()) {
         return QStringLiteral("it registers a device without an id");

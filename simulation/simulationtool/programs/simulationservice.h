@@ -114,8 +114,8 @@ private:
     void registerDevice(ServicePeer* a_pPeer, const QString& a_sId,
                         const Simulation::SimulationDeviceConfiguration& a_configuration);
     [[nodiscard]] QString
-    registrationProblem(const QString& a_sId,
-                        const Simulation::SimulationDeviceConfiguration& a_configuration) const;
+    registrationError(const QString& a_sId,
+                      const Simulation::SimulationDeviceConfiguration& a_configuration) const;
     void takeOver(const QString& a_sId, ServicePeer* a_pFrom);
     void unregisterDevice(ServicePeer* a_pPeer, const QString& a_sId);
     void updateState(ServicePeer* a_pPeer, const QString& a_sId,
