@@ -29,3 +29,22 @@ if(SIMULATION_SANITIZE)
   add_compile_options(${sanitizers})
   add_link_options(${sanitizers})
 endif()
+
+# Headers that most sources include are compiled once: parsing them again takes a
+# third of the time of a build. Every source still includes what it uses;
+# scripts/lint.sh reads the sources without these.
+function(simulation_make_precompiled_headers)
+  file(WRITE "${CMAKE_BINARY_DIR}/precompiled.cpp" "")
+  add_library(simulation_precompiled OBJECT "${CMAKE_BINARY_DIR}/precompiled.cpp")
+  target_link_libraries(simulation_precompiled PRIVATE ${ARGN})
+  target_precompile_headers(simulation_precompiled PRIVATE
+    <QByteArray> <QFile> <QHash> <QList> <QMap> <QObject> <QSet> <QString> <QStringList>
+    <QVector> <QXmlStreamReader> <QXmlStreamWriter>
+    <algorithm> <functional> <memory> <optional> <utility> <vector>)
+  set_target_properties(simulation_precompiled PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF)
+endfunction()
+
+# For a target that links the libraries above.
+function(simulation_use_precompiled_headers a_target)
+  target_precompile_headers(${a_target} REUSE_FROM simulation_precompiled)
+endfunction()

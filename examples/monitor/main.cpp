@@ -70,21 +70,21 @@ void addOptions(QCommandLineParser& a_parser)
 {
     a_parser.setApplicationDescription(
         QStringLiteral("Shows the devices that are registered with a simulation service.\n\n"
-                       "The monitor looks on and disturbs nobody, and shows no states of devices. With\n"
-                       "--states it takes the control of the service, which sends every change of a state\n"
-                       "to the program that controls it. An editor that controlled the service before\n"
-                       "gives no orders then. \"simulationtool control watch\" shows the states without\n"
-                       "taking the control: the service of this system answers every program that asks."));
+                       "The monitor is read-only by default and shows no states of devices. With --states\n"
+                       "it acquires the service, which sends every change of a state to the program that\n"
+                       "controls it. An editor that controlled the service before cannot give orders\n"
+                       "then. \"simulationtool control watch\" shows the states without acquiring the\n"
+                       "service."));
     a_parser.addHelpOption();
     a_parser.addOptions({
         {QStringLiteral("server"),
-         QStringLiteral("Where the service listens. Default: as the settings of this machine say."),
+         QStringLiteral("Address of the service. Default: from the settings of this machine."),
          QStringLiteral("HOST:PORT")},
-        {QStringLiteral("states"), QStringLiteral("Show the states: take the control of the service.")},
+        {QStringLiteral("states"), QStringLiteral("Acquire the service to show the states.")},
         {QStringLiteral("dark"), QStringLiteral("Light texts on a dark ground.")},
         {QStringLiteral("picture"),
-         QStringLiteral("Write a picture of the window into this file (PNG) once the devices are there, "
-                        "or nobody has answered for a while, and end."),
+         QStringLiteral("Write a picture of the window into this file (PNG) when the devices are listed or "
+                        "no service has answered for a while, and exit."),
          QStringLiteral("FILE")},
     });
 }

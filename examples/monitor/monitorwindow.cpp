@@ -206,16 +206,16 @@ void MonitorWindow::showState()
     m_pLamp->setLedActive(m_bConnected);
     m_pLamp->setText(m_bConnected ? tr("Connected") : tr("Not connected"));
     m_pConnect->setVisible(m_connector == nullptr);
-    QString sText = tr("Looks on without disturbing anybody, and shows no states.");
+    QString sText = tr("Read-only: device states are not shown.");
     if (m_connector == nullptr) {
         sText = tr("Not connected.");
     } else if (!m_bConnected) {
         sText = tr("Trying to connect.");
     } else if (m_feed.isFollowingStates()) {
-        sText = tr("Controls the service, for the sake of the states, until another program acquires it.");
+        sText = tr("Controls the service to receive device states, until another program acquires it.");
     }
     if (!m_sUnreadable.isEmpty()) {
-        sText += QLatin1Char(' ') + tr("What the service sent could not be read: %1").arg(m_sUnreadable);
+        sText += QLatin1Char(' ') + tr("The data of the service cannot be read: %1").arg(m_sUnreadable);
     }
     statusBar()->showMessage(sText);
 }

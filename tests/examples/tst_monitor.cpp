@@ -274,7 +274,7 @@ void TestMonitor::unreadableService()
     QVERIFY(seen.shows(""));
     QVERIFY(seen.window.waitDialog().isVisible() && !seen.lamp.isLedActive());
     const QString sStatus = seen.window.statusBar()->currentMessage();
-    QCOMPARE(sStatus, QStringLiteral("Trying to connect. What the service sent could not be read: "
+    QCOMPARE(sStatus, QStringLiteral("Trying to connect. The data of the service cannot be read: "
                                      "Encountered incorrectly encoded content."));
     service.listen();
     QVERIFY(seen.shows("Alpha Beta"));
@@ -353,7 +353,7 @@ void TestMonitor::picture()
                       QStringLiteral("load"), QStringLiteral(":/DefaultData/Default.sce.exp")})
                  .code,
              0);
-    QVERIFY(running.says(QStringLiteral("controls no more")));
+    QVERIFY(running.says(QStringLiteral("released the control")));
     if (!service) {
         QCOMPARE(running.codeAfter(SIGTERM), 0);
     }

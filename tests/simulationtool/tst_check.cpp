@@ -306,7 +306,7 @@ void TestCheck::forceKeepsFormerFile()
     QVERIFY(write(u"f.sce"_s, former));
     const ToolResult result = check(arguments);
     QCOMPARE(result.code, 2);
-    QVERIFY2(result.err.contains(u"f.sce~: is there already"), qPrintable(result.err));
+    QVERIFY2(result.err.contains(u"f.sce~: exists already"), qPrintable(result.err));
     QCOMPARE(contentOf(path(u"f.sce"_s)), former);
 }
 

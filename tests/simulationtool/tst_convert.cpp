@@ -118,15 +118,15 @@ void TestConvert::tellsLosses_data()
     };
     add("nothing", document(""), "Everything of the scenario is carried");
     add("circle of links", document(R"(<Emitter ID="a" LinkTarget="b"/><Emitter ID="b" LinkTarget="a"/>)"),
-        "Links that a reader does not find: 1:\na b the links run in a circle");
+        "Links that cannot be read back: 1:\na b the links form a cycle");
     add("id that stands for none", document(R"(<Emitter ID="a" LinkTarget="%%NONE%%"/>)"),
-        "a %%NONE%% this id stands for no link");
+        "a %%NONE%% this id means no link");
     add("id of two", compact("abb"),
-        "Emitters that come back changed: 2:\nb shares its id: of those who do one is left");
-    add("text that no document holds", compact("a\x01"), "Emitters that come back changed: 1:");
+        "Emitters that are read back changed: 2:\nb shares its id with others, of which one is kept");
+    add("text that no document holds", compact("a\x01"), "Emitters that are read back changed: 1:");
     add("record that names nobody",
         compact("ab").replace(QByteArray("\0a\0\0\0\2", 6), QByteArray("\0z\0\0\0\2", 6)),
-        "Links that lead to no emitter before theirs: 1:\nb a");
+        "Links that name no preceding emitter: 1:\nb a");
     add("compact scenario that broke off", compact("ab").chopped(1), "Emitters 1",
         "broken off: record 2 of 2, class: the stream ends");
     add("document that broke off", document(R"(<Emitter ID="a"/>)").chopped(3), "Emitters 1", "line 1");
@@ -163,7 +163,7 @@ void TestConvert::inspectsCompact_data()
                                 << QStringLiteral(
                                        "Verdict broken off: record 2 of 2, class: the stream ends");
     QTest::newRow("bytes left") << two + "x" << 1
-                                << QStringLiteral("Verdict 1 byte more than the count says");
+                                << QStringLiteral("Verdict 1 byte more than the count declares");
     QTest::newRow("breaks off in the first record")
         << two.first(20) << 1
         << QStringLiteral("Verdict broken off: record 1 of 2, active flag: the stream ends");

@@ -178,7 +178,7 @@ void TestRepositoryCommands::initRefuses_data()
                              << "is a signal package";
     QTest::newRow("somebody's sessions")
         << "other"
-        << "is no repository, and its folder Sessions would be emptied: choose another";
+        << "is not a repository, and its folder Sessions would be emptied: choose another folder";
 }
 
 void TestRepositoryCommands::initRefuses()
@@ -240,8 +240,8 @@ void TestRepositoryCommands::listProblems_data()
         << "ssf wav Signal.ssf refused: the header has only 34 of 35 bytes";
     QTest::newRow("audio cut short") << "Signal.wav" << m_audio.chopped(12)
                                      << "ssf wav Signal.wav truncated by 12 bytes";
-    QTest::newRow("symbols, too many")
-        << "Signal.sdf" << symbolFile() + 'x' << "ssf wav sdf Signal.sdf 1 byte more than the header says";
+    QTest::newRow("symbols, too many") << "Signal.sdf" << symbolFile() + 'x'
+                                       << "ssf wav sdf Signal.sdf 1 byte more than the header declares";
     QTest::newRow("results") << "Signal.rdf" << resultFile(10.0F) << "3000 ssf wav rdf -";
 }
 
@@ -280,7 +280,7 @@ void TestRepositoryCommands::inspectFile_data()
     // 49 of 100 records are complete, and every fifth one is shown.
     add("x.ssf", m_shape.chopped(51 * 1040 - 1), 1, "45 4500", "truncated by 53039 bytes");
     add("x.ssf", patched(m_shape, 19, maximum), 1, "Bandwidth 10 kHz",
-        "truncated: the header claims more than any file holds");
+        "truncated: the header declares more than a file can contain");
     add("x.ssf", patched(m_shape, 27, maximum.left(4)), 1, "Levels -",
         "whole, but by its rate and count nothing can be read");
     add("x.ssf", patched(m_shape, 31, maximum.left(4)), 2, "Signal shape file",

@@ -363,7 +363,7 @@ void TestSimulationService::stalledPeer_data()
     QTest::newRow("silent") << QByteArray() << QString();
     QTest::newRow("whole command") << s_acquire << QString();
     QTest::newRow("asks and does not read")
-        << s_ask.repeated(4000) << "dropped: it does not read what it is sent, for 1 second";
+        << s_ask.repeated(4000) << "dropped: it has not read pending data for 1 second";
 }
 
 void TestSimulationService::stalledPeer()
@@ -537,7 +537,9 @@ void TestSimulationService::notDecodedWithoutControl()
     stranger.socket.write(damaged);
     QVERIFY(stranger.isServed());
     QCOMPARE(TraceCollector::lines().filter(QStringLiteral("Cannot decode")).size(), 0);
-    QCOMPARE(logged.lines.filter(QStringLiteral("LoadScenario ignored: it does not control")).size(), 1);
+    QCOMPARE(
+        logged.lines.filter(QStringLiteral("LoadScenario ignored: it does not control the service")).size(),
+        1);
     controller.socket.write(s_acquire + damaged);
     QVERIFY(controller.isServed());
     QCOMPARE(TraceCollector::lines().filter(QStringLiteral("Cannot decode")).size(), 1);

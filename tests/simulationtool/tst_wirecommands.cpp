@@ -524,7 +524,7 @@ void TestWireCommands::serviceThatRepeatsOrders()
     QVERIFY(device->says(QStringLiteral("rx: accepted")));
     pSocket->write(QByteArray("<Command><UnloadScenario/></Command>").repeated(60'000) + "no command");
     QVERIFY(QTest::qWaitFor([&] { return server.hasPendingConnections(); }, s_iToolTimeout));
-    QVERIFY(device->says(QStringLiteral(" lines left out")));
+    QVERIFY(device->says(QStringLiteral(" lines dropped")));
     QVERIFY(device->text().count(u'\n') < 110);
 }
 
@@ -611,7 +611,7 @@ void TestWireCommands::pauseOfNothing()
 
     QCOMPARE(control("load :/DefaultData/Default.sce.exp").code, 0);
     QCOMPARE(control("start 59900").code, 0); // ms; plays for a tenth of a second
-    QVERIFY(device->says(QStringLiteral("the scenario is over")));
+    QVERIFY(device->says(QStringLiteral("the scenario has ended")));
     QCOMPARE(control("pause 59950").code, 0);
     QVERIFY(device->says(sNothing, 2));
 
@@ -691,9 +691,9 @@ void TestWireCommands::refused_data()
     row("longitude", "device --id a --longitude 180.5",
         "device: --longitude needs a number of degrees from -180 to 180, not \"180.5\"");
     row("latitude", "device --id a --latitude nan", "device: --latitude needs a number of degrees");
-    row("empty station", "device --id a --station ", "device: --station is needed, and not empty");
+    row("empty station", "device --id a --station ", "device: --station must be given and must not be empty");
     row("repository", "device --id a --repository missing", "missing: No such folder");
-    row("demo", "demo fast", "demo: there are no arguments");
+    row("demo", "demo fast", "demo: takes no arguments");
 }
 
 void TestWireCommands::refused()
@@ -956,7 +956,7 @@ void TestWireCommands::onlookers()
     editor.communication.sendStartScenario(Simulation::ScenarioTimingHelper::currentTimeStamp(), 5);
     QVERIFY(watch.says(QStringLiteral("  rx: loaded, ") + sMessage + u'\n') &&
             watch.says(QStringLiteral("  scenario: running at ")));
-    device.report(QStringLiteral("rx"), ScenarioDataState::Loaded, QStringLiteral("the scenario is over"));
+    device.report(QStringLiteral("rx"), ScenarioDataState::Loaded, QStringLiteral("the scenario has ended"));
     QVERIFY(device.synchronize());
     const ToolResult over = runControl(service.address(), {QStringLiteral("status")});
     QVERIFY2(over.out.contains(QStringLiteral(" ms, but no device reports that it plays\n")),
@@ -1006,7 +1006,7 @@ void TestWireCommands::demo()
     QCOMPARE(result.code, 0);
     const QStringList lines = simplifiedLines(result.out);
     QVERIFY(lines.contains(QStringLiteral("device-2 deployment \"Harbour\": 1 station, 2 devices")));
-    QVERIFY(lines.contains(QStringLiteral("editor is told: loaded by 2 devices")));
+    QVERIFY(lines.contains(QStringLiteral("editor: loaded by 2 devices")));
     QVERIFY(
         lines.contains(QStringLiteral("demo device-1 played 11 steps, device-2 11, with the same values")));
     QVERIFY(lines.constLast().startsWith(QStringLiteral("All 9 steps of the road done")));

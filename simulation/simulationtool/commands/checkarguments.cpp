@@ -8,40 +8,42 @@ namespace SimulationTool {
 
 namespace {
 
-const char s_szCheck[] = "Checks scenario and deployment documents and writes one line for everything it\n"
-                         "finds: the file, the object's id and name, what is wrong and what a repair makes\n"
-                         "of it, and the rule. Of scenarios:\n"
-                         "\n"
-                         "  invalid-signal-package  an emission names no package, or one that the\n"
-                         "                          repository does not have; only with --repository.\n"
-                         "                          Repaired: it gets the default package.\n"
-                         "  damaged-package         an emission uses a package of the repository that\n"
-                         "                          \"repository list\" shows with a problem; only with\n"
-                         "                          --repository; never repaired\n"
-                         "  duplicate-id            several emitters have one id, so that they are read\n"
-                         "                          as one; never repaired\n"
-                         "  invalid-class           an emitter is of none of the classes that --class\n"
-                         "                          names; never repaired\n"
-                         "  missing-settings        an object has no frequency, position or transmitter\n"
-                         "                          settings. Repaired: it gets those of a new object.\n"
-                         "  broken-off              the document is cut off, malformed or beyond a\n"
-                         "                          limit; what came before is checked\n"
-                         "  position-out-of-range   a position is no place on the earth\n"
-                         "  not-read                elements or attributes that the format does not have\n"
-                         "                          at their place, such as misspelt ones, and that have\n"
-                         "                          no effect; not looked for after broken-off or\n"
-                         "                          duplicate-id; never repaired\n"
-                         "\n"
-                         "Of deployments: broken-off, duplicate-id, position-out-of-range, not-read, and\n"
-                         "\n"
-                         "  newer-version           the format is newer than the tool\n"
-                         "  device-without-station  a device has neither a station nor a position of its\n"
-                         "                          own, or names a station that the deployment does not\n"
-                         "                          describe\n"
-                         "\n"
-                         "Files stay as they are, unless --repair names one. A repaired scenario is\n"
-                         "written afresh in the current format: ids that no rule found stay, numbers get\n"
-                         "the format's digits, comments and elements that are not the format's go.";
+const char s_szCheck[] =
+    "Checks scenario and deployment documents and writes one line for everything it\n"
+    "finds: the file, the object's id and name, the finding and its repair, and the\n"
+    "rule. Rules for scenarios:\n"
+    "\n"
+    "  invalid-signal-package  an emission names no package, or one that the\n"
+    "                          repository does not have; only with --repository.\n"
+    "                          Repaired: it gets the default package.\n"
+    "  damaged-package         an emission uses a package of the repository that\n"
+    "                          \"repository list\" shows with a problem; only with\n"
+    "                          --repository; never repaired\n"
+    "  duplicate-id            several emitters have one id, so that they are read\n"
+    "                          as one; never repaired\n"
+    "  invalid-class           an emitter is of none of the classes that --class\n"
+    "                          names; never repaired\n"
+    "  missing-settings        an object has no frequency, position or transmitter\n"
+    "                          settings. Repaired: it gets those of a new object.\n"
+    "  broken-off              the document is cut off, malformed or beyond a\n"
+    "                          limit; what came before is checked\n"
+    "  position-out-of-range   a latitude is not in [-90, 90] or a longitude not in\n"
+    "                          [-180, 180] degrees\n"
+    "  not-read                elements or attributes that the format does not have\n"
+    "                          at their place, such as misspelt ones, and that have\n"
+    "                          no effect; not looked for after broken-off or\n"
+    "                          duplicate-id; never repaired\n"
+    "\n"
+    "Rules for deployments: broken-off, duplicate-id, position-out-of-range, not-read, and\n"
+    "\n"
+    "  newer-version           the format is newer than the tool\n"
+    "  device-without-station  a device has neither a station nor a position of its\n"
+    "                          own, or names a station that the deployment does not\n"
+    "                          describe\n"
+    "\n"
+    "Files stay as they are, unless --repair names one. A repaired scenario is\n"
+    "written in the current format: ids without a finding are kept, numbers are rounded\n"
+    "to the format's digits, comments and unknown elements are left out.";
 
 const char s_szCheckExamples[] =
     "\n"
@@ -51,8 +53,8 @@ const char s_szCheckExamples[] =
     "  simulationtool check harbour.sce.exp --repository packages --repair repaired.sce.exp\n"
     "\n"
     "Exit codes:\n"
-    "  0  Nothing was found in any file.\n"
-    "  1  Something was found, repaired or not.\n"
+    "  0  No findings in any file.\n"
+    "  1  Findings, repaired or not.\n"
     "  2  Wrong usage, or a file could not be read or written; the others are checked.\n";
 
 const QString s_sRepository = QStringLiteral("repository");
@@ -73,8 +75,8 @@ void addCheckOptions(QCommandLineParser& a_parser)
                         "repaired scenario lacks: it broke off, or holds a duplicate-id, comments, or "
                         "elements that are not the format's."),
          QStringLiteral("OUT")});
-    a_parser.addOption({s_sForce, QStringLiteral("Let --repair replace FILE also then; the former file is "
-                                                 "kept as FILE~, which must not exist.")});
+    a_parser.addOption({s_sForce, QStringLiteral("Let --repair replace FILE even when content is lost; the "
+                                                 "former file is kept as FILE~, which must not exist.")});
     a_parser.addOption(
         {s_sClass,
          QStringLiteral("A class that emitters may have, \"\" for none; give it once for each. "

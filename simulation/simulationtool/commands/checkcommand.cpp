@@ -46,8 +46,8 @@ std::optional<QString> keepFormer(const QString& a_sFile, const QByteArray& a_co
 {
     const QString sBackup = QFileInfo(a_sFile).canonicalFilePath() + u'~';
     if (QFileInfo::exists(sBackup)) {
-        complain(
-            QStringLiteral("%1: is there already: move it away, it may be the only whole copy").arg(sBackup));
+        complain(QStringLiteral("%1: exists already: move it elsewhere, it may be the only complete copy")
+                     .arg(sBackup));
         return std::nullopt;
     }
     return replaceFile(sBackup, a_content) == ExitCode::Ok ? std::make_optional(sBackup) : std::nullopt;

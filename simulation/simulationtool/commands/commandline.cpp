@@ -20,22 +20,22 @@ namespace SimulationTool {
 
 namespace {
 
-const char s_szOverview[] = "Looks into scenarios, deployments and signal packages of the radio-signal\n"
-                            "simulation, plays scenarios, and runs the programs of the simulation that talk\n"
-                            "over a network.\n"
-                            "\n"
-                            "Commands:\n"
-                            "  inspect     Show what a scenario, deployment, package or data file holds.\n"
-                            "  play        Show where every emitter is and what it sends, step by step.\n"
-                            "  check       Check scenarios and deployments, and repair scenarios.\n"
-                            "  convert     Write the compact form of a scenario, or a document of one.\n"
-                            "  repository  Prepare a folder for signal packages, list those of a folder.\n"
-                            "  service     Run the service that devices register with and editors control.\n"
-                            "  device      Run a device: load the scenarios that it is sent and play them.\n"
-                            "  control     Send a scenario or an order to the devices of a service.\n"
-                            "  demo        Send a scenario the whole road, all programs in one process.\n"
-                            "\n"
-                            "Every command explains itself: simulationtool COMMAND --help";
+const char s_szOverview[] =
+    "Inspects scenarios, deployments and signal packages of the radio-signal simulation,\n"
+    "plays scenarios, and runs the network programs of the simulation.\n"
+    "\n"
+    "Commands:\n"
+    "  inspect     Show what a scenario, deployment, package or data file holds.\n"
+    "  play        Show where every emitter is and what it sends, step by step.\n"
+    "  check       Check scenarios and deployments, and repair scenarios.\n"
+    "  convert     Write the compact form of a scenario, or a document of one.\n"
+    "  repository  Prepare a folder for signal packages, list those of a folder.\n"
+    "  service     Run the service that devices register with and editors control.\n"
+    "  device      Run a device: load the scenarios that it is sent and play them.\n"
+    "  control     Send a scenario or an order to the devices of a service.\n"
+    "  demo        Run service, devices and editor in one process with the built-in scenario.\n"
+    "\n"
+    "Help for a command: simulationtool COMMAND --help";
 
 const char s_szOverviewExamples[] =
     "\n"
@@ -50,28 +50,29 @@ const char s_szOverviewExamples[] =
     "  simulationtool demo\n"
     "\n"
     "Exit codes:\n"
-    "  0  Done, and nothing is wrong.\n"
+    "  0  Done, without findings.\n"
     "  1  Done, but with findings: a scenario broke off, a file is truncated or\n"
     "     inconsistent, a package is missing or has a problem.\n"
     "  2  Wrong usage, or something was refused or could not be read or written.\n";
 
-const char s_szInspect[] = "Shows what a file or package folder holds. What it is, its content tells; where\n"
-                           "that says nothing, the ending of its name.\n"
-                           "\n"
-                           "  scenario        header and noise, an overview of emitters and networks, then\n"
-                           "                  each with all settings; times in ms since scenario start,\n"
-                           "                  positions in degrees (east and north positive)\n"
-                           "  compact form    the emitters of a scenario, and links that lead nowhere\n"
-                           "  deployment      header, stations, and devices with station and position\n"
-                           "  package folder  descriptor (Signal.xml by itself, too) and data files\n"
-                           "  .zip            files, and the packages among them; everything is unpacked\n"
-                           "                  into a temporary folder to check it\n"
-                           "  .ssf            header, levels; every record is read\n"
-                           "  .sdf .rdf .wav  header\n"
-                           "  .pdw            records; with block headers every block is checked\n"
-                           "\n"
-                           "The last line is the verdict: whole, truncated, more than the header says,\n"
-                           "inconsistent, broken off, or refused with the reason.";
+const char s_szInspect[] =
+    "Shows the content of a file or package folder. The kind is recognised by the content,\n"
+    "otherwise by the ending of the file name.\n"
+    "\n"
+    "  scenario        header and noise, an overview of emitters and networks, then\n"
+    "                  each with all settings; times in ms since scenario start,\n"
+    "                  positions in degrees (east and north positive)\n"
+    "  compact form    the emitters of a scenario, and unresolved links\n"
+    "  deployment      header, stations, and devices with station and position\n"
+    "  package folder  descriptor (Signal.xml by itself, too) and data files\n"
+    "  .zip            files, and the packages among them; everything is unpacked\n"
+    "                  into a temporary folder to check it\n"
+    "  .ssf            header, levels; every record is read\n"
+    "  .sdf .rdf .wav  header\n"
+    "  .pdw            records; with block headers every block is checked\n"
+    "\n"
+    "The last line is the verdict: whole, truncated, more than the header declares,\n"
+    "inconsistent, broken off, or refused with the reason.";
 
 const char s_szInspectExamples[] =
     "\n"

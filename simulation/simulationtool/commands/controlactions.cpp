@@ -76,8 +76,8 @@ ExitCode start(ServiceController& a_controller, const OrderArgument& a_argument,
 ExitCode pause(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report)
 {
     if (!a_argument.time && a_controller.timing().isStopped()) {
-        complain(
-            QStringLiteral("control: the service does not say that a scenario runs: pause MS pauses anyway"));
+        complain(QStringLiteral(
+            "control: the service reports no running scenario: use \"pause TIME\" to pause anyway"));
         return ExitCode::Unusable;
     }
     const std::uint32_t uiTime = a_argument.time.value_or(a_controller.timing().scenarioTime());

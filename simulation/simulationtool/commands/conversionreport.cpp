@@ -147,7 +147,7 @@ bool hasSameTexts(const SzenarioEmitter& a_first, const SzenarioEmitter& a_secon
 QString changeReason(const SzenarioEmitter& a_emitter, const SzenarioEmitter* a_pBack, bool a_bSharesId)
 {
     if (a_bSharesId) {
-        return QStringLiteral("shares its id: of those who do one is left");
+        return QStringLiteral("shares its id with others, of which one is kept");
     }
     return a_pBack != nullptr && hasSameTexts(a_emitter, *a_pBack)
                ? QString()
@@ -158,9 +158,9 @@ QString changeReason(const SzenarioEmitter& a_emitter, const SzenarioEmitter* a_
 QString lossReason(const QString& a_sTargetId, bool a_bTargetThere)
 {
     if (a_sTargetId == QStringLiteral("%%NONE%%")) {
-        return QStringLiteral("this id stands for no link");
+        return QStringLiteral("this id means no link");
     }
-    return a_bTargetThere ? QStringLiteral("the links run in a circle")
+    return a_bTargetThere ? QStringLiteral("the links form a cycle")
                           : QStringLiteral("there is no such emitter");
 }
 
@@ -239,9 +239,9 @@ void describeDifferences(Report& a_report, const EmitterList& a_emitters, const 
     }
     const TextColumn emitterColumn{QStringLiteral("Emitter"), false, 0, "emitter"};
     const TextColumn reasonColumn{QStringLiteral("Reason"), false, 0, "reason"};
-    LostTable changed("changed_emitters", QStringLiteral("Emitters that come back changed"),
+    LostTable changed("changed_emitters", QStringLiteral("Emitters that are read back changed"),
                       {emitterColumn, reasonColumn});
-    LostTable lost("lost_links", QStringLiteral("Links that a reader does not find"),
+    LostTable lost("lost_links", QStringLiteral("Links that cannot be read back"),
                    {emitterColumn, {QStringLiteral("Linked to"), false, 0, "linked_to"}, reasonColumn});
     for (const std::shared_ptr<SzenarioEmitter>& emitter : a_emitters) {
         const QString sId = emitter->id();

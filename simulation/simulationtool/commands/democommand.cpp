@@ -12,10 +12,10 @@ namespace SimulationTool {
 
 namespace {
 
-const char s_szDemo[] = "Shows the road of a scenario: runs a service and two devices in this process,\n"
-                        "connected through ports of this machine that the system chooses, has an editor\n"
-                        "send them a deployment and the built-in scenario, and plays ten seconds of it.\n"
-                        "The clock of the devices is moved by hand, so nobody waits.";
+const char s_szDemo[] = "Runs a service and two devices in this process, connected through ports of this\n"
+                        "machine that the system chooses. An editor sends them a deployment and the\n"
+                        "built-in scenario, and they play ten seconds of it. The demo sets the clock of the\n"
+                        "devices, so it needs no real time.";
 
 const char s_szDemoExamples[] = "\n"
                                 "Exit codes:\n"
@@ -81,9 +81,8 @@ ExitCode demo(const QStringList& a_arguments, Output& a_output)
     if (const auto done = parser.parse(a_arguments, a_output)) {
         return *done;
     }
-    return parser.get().positionalArguments().isEmpty()
-               ? runDemo(reportForm(parser.get()), a_output)
-               : parser.refuse(QStringLiteral("there are no arguments"));
+    return parser.get().positionalArguments().isEmpty() ? runDemo(reportForm(parser.get()), a_output)
+                                                        : parser.refuse(QStringLiteral("takes no arguments"));
 }
 
 } // namespace SimulationTool

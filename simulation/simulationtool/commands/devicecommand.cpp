@@ -25,16 +25,15 @@ namespace {
 
 const char s_szDevice[] =
     "Runs a simulation device: registers with the simulation service, loads the\n"
-    "scenarios that come from there, reports how far it is (loading, loaded, failed),\n"
-    "and plays them when they are started. The rows of each step are those of play,\n"
-    "levels included; what else happens is logged on standard error, each line with\n"
-    "its time.\n"
+    "scenarios that the service sends, reports its state (loading, loaded, failed), and\n"
+    "plays them when they are started. It writes the rows of \"play\" for each step, levels\n"
+    "included, and logs events with their time to standard error.\n"
     "\n"
-    "A deployment that has a device of this id, or else one of this name, sets the\n"
-    "station and the position (at scenario time 0), and the service learns them.\n"
+    "A deployment with a device of this id, or else of this name, sets the station and the\n"
+    "position (at scenario time 0). The device then registers with them.\n"
     "\n"
-    "A lost connection is taken up again at once. While no service listens, the device\n"
-    "tries again at least every 2 s. A scenario that runs goes on.\n"
+    "The device reconnects at once after a lost connection. While no service listens, it\n"
+    "tries at least every 2 s. A running scenario continues meanwhile.\n"
     "The device ends when it is interrupted (SIGINT, SIGTERM).";
 
 const char s_szDeviceExamples[] =
@@ -141,7 +140,7 @@ ExitCode runDevice(const DeviceOptions& a_options, Output& a_output)
 QString nameError(const QString& a_sOption, const QString& a_sText)
 {
     if (a_sText.trimmed().isEmpty()) {
-        return QStringLiteral("--%1 is needed, and not empty").arg(a_sOption);
+        return QStringLiteral("--%1 must be given and must not be empty").arg(a_sOption);
     }
     return a_sText.size() <= s_iMaxName && a_sText == a_sText.trimmed() && a_sText == terminalText(a_sText)
                ? QString()
@@ -207,7 +206,7 @@ std::optional<DeviceOptions> readDeviceOptions(const QCommandLineParser& a_parse
         a_sReason = QStringLiteral("--repository needs a name");
     }
     if (a_sReason.isEmpty() && !a_parser.positionalArguments().isEmpty()) {
-        a_sReason = QStringLiteral("there are no arguments but options");
+        a_sReason = QStringLiteral("takes options only");
     }
     if (!a_sReason.isEmpty()) {
         return std::nullopt;

@@ -43,7 +43,8 @@ QString initError(const QString& a_sFolder)
     }
     const QDir folder(a_sFolder);
     return folder.exists(QStringLiteral("Sessions")) && !folder.exists(QStringLiteral("SignalPackages"))
-               ? QStringLiteral("is no repository, and its folder Sessions would be emptied: choose another")
+               ? QStringLiteral(
+                     "is not a repository, and its folder Sessions would be emptied: choose another folder")
                : QString();
 }
 

@@ -26,14 +26,15 @@ const char s_szService[] =
     "the scenario and the start that hold. What happens is logged on standard error,\n"
     "each line with its time.\n"
     "\n"
-    "A program that leaves a command unfinished, or reads nothing of what it is sent,\n"
-    "for the time of --timeout is dropped. So is the one that makes the service hold\n"
-    "most, as soon as all together make it hold more than 96 MiB of such commands.\n"
+    "A program that leaves a command unfinished, or does not read its pending data, for the\n"
+    "time of --timeout is dropped. When the unfinished and pending commands of all programs\n"
+    "exceed 96 MiB together, the program with the most of them is dropped.\n"
     "\n"
     "The service ends when it is interrupted (SIGINT, SIGTERM).\n"
     "\n"
-    "Nobody has to prove who he is: whoever reaches the port can control the devices.\n"
-    "Keep it within a network of yours, or within this machine by --address.";
+    "There is no authentication: every program that reaches the port can control the\n"
+    "devices. Use the service in a trusted network only, or limit it to this machine with\n"
+    "--address 127.0.0.1.";
 
 const char s_szServiceExamples[] = "\n"
                                    "Examples:\n"
@@ -86,8 +87,8 @@ ExitCode service(const QStringList& a_arguments, Output& a_output)
                          s_szServiceExamples);
     parser.get().addOption(
         {s_sPort,
-         QStringLiteral("TCP port to listen on; 0 has the system choose one. Default: as the "
-                        "settings of this machine say, or else 57400."),
+         QStringLiteral("TCP port to listen on; 0 = chosen by the system. Default: from the "
+                        "settings of this machine, otherwise 57400."),
          QStringLiteral("N")});
     parser.get().addOption({s_sAddress,
                             QStringLiteral("Listen on this address of the machine only. Default: on all."),
@@ -100,7 +101,7 @@ ExitCode service(const QStringList& a_arguments, Output& a_output)
         return *done;
     }
     if (!parser.get().positionalArguments().isEmpty()) {
-        return parser.refuse(QStringLiteral("there are no arguments but options"));
+        return parser.refuse(QStringLiteral("takes options only"));
     }
     Simulation::SimulationSystemConfiguration configuration;
     configuration.loadConfiguation();

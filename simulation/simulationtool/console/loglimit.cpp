@@ -49,7 +49,7 @@ QString LogLimit::part(const QString& a_sText)
 void LogLimit::tellLeftOut()
 {
     if (const quint64 uiLeftOut = std::exchange(m_uiLeftOut, 0); uiLeftOut > 0) {
-        Q_EMIT told(counted(uiLeftOut, "line") + QStringLiteral(" left out"));
+        Q_EMIT told(counted(uiLeftOut, "line") + QStringLiteral(" dropped"));
     }
 }
 

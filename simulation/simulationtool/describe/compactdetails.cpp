@@ -51,7 +51,7 @@ std::optional<Verdict> describeCompact(Report& a_report, const InputFile& a_file
 void describeUnresolvedLinks(Report& a_report, const Simulation::ScenarioDataBinary& a_scenario)
 {
     LostTable links(
-        "unresolved_links", QStringLiteral("Links that lead to no emitter before theirs"),
+        "unresolved_links", QStringLiteral("Links that name no preceding emitter"),
         {{QStringLiteral("Emitter"), false, 0, "emitter"}, {QStringLiteral("Names"), false, 0, "names"}});
     const auto unresolved = a_scenario.unresolvedLinks();
     for (const Simulation::ScenarioDataBinary::UnresolvedLink& link : unresolved) {

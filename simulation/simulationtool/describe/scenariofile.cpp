@@ -91,7 +91,7 @@ std::optional<Verdict> loadCompact(Simulation::ScenarioDataBinary& a_scenario, c
         return std::nullopt;
     }
     return Verdict{ExitCode::Findings,
-                   bWhole ? counted(uiLeft, "byte") + QStringLiteral(" more than the count says")
+                   bWhole ? counted(uiLeft, "byte") + QStringLiteral(" more than the count declares")
                           : QStringLiteral("broken off: ") + a_scenario.errorString()};
 }
 

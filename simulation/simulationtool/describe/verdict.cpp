@@ -18,13 +18,14 @@ Verdict sizeVerdict(std::int64_t a_iMissingBytes)
         return {};
     }
     if (a_iMissingBytes == std::numeric_limits<std::int64_t>::max()) {
-        return {ExitCode::Findings, QStringLiteral("truncated: the header claims more than any file holds")};
+        return {ExitCode::Findings,
+                QStringLiteral("truncated: the header declares more than a file can contain")};
     }
     const auto uiBytes = static_cast<std::uint64_t>(a_iMissingBytes);
     return {ExitCode::Findings,
             a_iMissingBytes > 0
                 ? QStringLiteral("truncated by ") + counted(uiBytes, "byte")
-                : counted(0 - uiBytes, "byte") + QStringLiteral(" more than the header says")};
+                : counted(0 - uiBytes, "byte") + QStringLiteral(" more than the header declares")};
 }
 
 ExitCode worse(ExitCode a_eFirst, ExitCode a_eSecond)

@@ -77,13 +77,13 @@ bool ServiceController::connectToService(const ServerAddress& a_server)
     m_socket.connectToHost(a_server.host, a_server.port);
     const Waited eWaited = waitFor([this] { return m_socket.state() == QAbstractSocket::ConnectedState; });
     if (eWaited == Waited::TooLong) {
-        fail(QStringLiteral("nobody answers"));
+        fail(QStringLiteral("no answer"));
     }
     // A socket may connect to itself on a local port without a listener.
     if (eWaited == Waited::Done && m_socket.localPort() == m_socket.peerPort() &&
         m_socket.localAddress() == m_socket.peerAddress()) {
         m_socket.abort();
-        fail(QStringLiteral("nobody listens"));
+        fail(QStringLiteral("no program listens there"));
         return false;
     }
     return eWaited == Waited::Done;

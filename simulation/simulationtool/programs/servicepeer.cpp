@@ -42,7 +42,7 @@ ServicePeer::ServicePeer(QTcpSocket* a_pSocket, std::shared_ptr<qint64> a_pTotal
     connect(&m_receiving, &StallWatch::stalled, this,
             [this, sTime] { Q_EMIT lost(QStringLiteral("it left a command unfinished for ") + sTime); });
     connect(&m_sending, &StallWatch::stalled, this,
-            [this, sTime] { Q_EMIT lost(QStringLiteral("it does not read what it is sent, for ") + sTime); });
+            [this, sTime] { Q_EMIT lost(QStringLiteral("it has not read pending data for ") + sTime); });
     connectSocket();
 }
 

@@ -150,7 +150,8 @@ void SimulationDevice::slotUnregistered(const QString& a_sId)
 {
     if (m_bAccepted && a_sId == m_configuration.id()) {
         m_bAccepted = false;
-        m_log.tell(QStringLiteral("another device has registered as %1: no orders come any more").arg(a_sId));
+        m_log.tell(QStringLiteral("another device has registered as %1: this device receives no more orders")
+                       .arg(a_sId));
     }
 }
 
@@ -398,7 +399,7 @@ void SimulationDevice::playStep()
         Q_EMIT stepDue(m_uiFirst + uiStepBegin);
     }
     if (duration() != 0 && uiElapsed >= uiLeft) {
-        endPlay(QStringLiteral("the scenario is over"));
+        endPlay(QStringLiteral("the scenario has ended"));
         reportState();
     } else if (m_bPlaying) {
         wakeIn(std::uint64_t{m_uiStep} - (uiElapsed - uiStepBegin));

@@ -197,7 +197,7 @@ bool SimulationService::accepts(ServicePeer& a_peer, const QString& a_sCommand, 
         return false;
     }
     if (eKind != CommandKind::Request && controller() != &a_peer) {
-        a_peer.tell(a_sCommand + QStringLiteral(" ignored: it does not control"));
+        a_peer.tell(a_sCommand + QStringLiteral(" ignored: it does not control the service"));
         return false;
     }
     if (eKind != CommandKind::OrderWithPayload && a_iBytes > s_iMaxCommandBytes) {

@@ -172,7 +172,7 @@ void SimulationService::release(ServicePeer* a_pPeer)
     if (!bControlled) {
         return;
     }
-    a_pPeer->tell(QStringLiteral("controls no more"));
+    a_pPeer->tell(QStringLiteral("released the control"));
     if (ServicePeer* const pBefore = controller()) {
         pBefore->tell(QStringLiteral("controls again"));
         answer(pBefore, {true, 0});
