@@ -70,7 +70,7 @@ std::vector<const Object*> inOrder(const ObjectSet& a_objects, const TextOf& a_t
     return objects;
 }
 
-/// Reports emitters that a reader cannot tell apart. Networks do not count: a
+/// Reports emitters that a reader cannot distinguish. Networks do not count: a
 /// document refers to emitters only, so a reader makes a network of every network
 /// element, whatever other network or emitter has its id.
 QString sharedIdsOf(const ObjectSet& a_objects)

@@ -23,7 +23,7 @@ class XmlElement;
 
 /// One end of the protocol by which editors, the simulation service and
 /// simulation devices talk over TCP. Both ends are of this class: every command
-/// has a slot that sends it and a signal that tells of its arrival.
+/// has a slot that sends it and a signal for its arrival.
 ///
 /// Lives on the thread of the socket's event loop. Signals come from the event
 /// loop, never out of a read or a send; the object may be deleted in a slot on
@@ -60,7 +60,7 @@ public:
     [[nodiscard]] QTcpSocket* socket() const;
 
     /// Whether scenarios, deployments and device descriptors are compressed:
-    /// true at first. Both ends must agree, for the commands do not tell.
+    /// true at first. Both ends must agree: the commands do not carry it.
     /// Without compression only Latin-1 text without control characters arrives
     /// as it was.
     void setCompression(bool a_bOn) { m_bCompression = a_bOn; }

@@ -47,8 +47,8 @@ class TestConvert : public QObject
 private Q_SLOTS:
     void init();
     void thereAndBack();
-    void tellsLosses_data();
-    void tellsLosses();
+    void reportsLosses_data();
+    void reportsLosses();
     void inspectsCompact_data();
     void inspectsCompact();
     void refuses_data();
@@ -105,16 +105,16 @@ void TestConvert::thereAndBack()
     QCOMPARE(read(QStringLiteral("3")), read(QStringLiteral("1")));
 }
 
-void TestConvert::tellsLosses_data()
+void TestConvert::reportsLosses_data()
 {
     QTest::addColumn<QByteArray>("input");
     QTest::addColumn<QString>("message"); ///< part of the error text; if set the exit code is 1
     QTest::addColumn<QString>("told");    ///< lines
 
-    const auto add = [](const char* a_szRow, const QByteArray& a_input, const char* a_szTold,
+    const auto add = [](const char* a_szRow, const QByteArray& a_input, const char* a_szLogged,
                         const char* a_szMessage = "") {
         QTest::newRow(a_szRow) << a_input << QString::fromLatin1(a_szMessage)
-                               << QString::fromLatin1(a_szTold);
+                               << QString::fromLatin1(a_szLogged);
     };
     add("nothing", document(""), "Everything of the scenario is carried");
     add("circle of links", document(R"(<Emitter ID="a" LinkTarget="b"/><Emitter ID="b" LinkTarget="a"/>)"),
@@ -132,18 +132,18 @@ void TestConvert::tellsLosses_data()
     add("document that broke off", document(R"(<Emitter ID="a"/>)").chopped(3), "Emitters 1", "line 1");
 }
 
-void TestConvert::tellsLosses()
+void TestConvert::reportsLosses()
 {
     QFETCH(QByteArray, input);
     QFETCH(QString, message);
-    QFETCH(QString, told);
+    QFETCH(QString, logged);
 
     const QString sOut = path(QStringLiteral("out"));
     const ToolResult result = runTool({s_sConvert, write(QStringLiteral("in"), input), sOut});
     const int iFindings = message.isEmpty() ? 0 : 1;
     QCOMPARE(result.code, iFindings);
     QVERIFY2(result.err.contains(message) && result.err.count(u'\n') == iFindings, qPrintable(result.err));
-    for (const QString& line : told.split(u'\n')) {
+    for (const QString& line : logged.split(u'\n')) {
         QVERIFY2(simplifiedLines(result.out).contains(line), qPrintable(result.out));
     }
     QCOMPARE(runTool({s_sInspect, sOut}).code, 0);

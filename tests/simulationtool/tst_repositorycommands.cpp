@@ -86,8 +86,8 @@ private Q_SLOTS:
     void inspectArchive_data();
     void inspectArchive();
     void playShowsLevels();
-    void playTellsWhatIsMissing_data();
-    void playTellsWhatIsMissing();
+    void playReportsMissingFiles_data();
+    void playReportsMissingFiles();
     void cacheThatCannotBeFilled_data();
     void cacheThatCannotBeFilled();
     void lostRepository();
@@ -419,7 +419,7 @@ void TestRepositoryCommands::playShowsLevels()
     QVERIFY(rows.value(2).section(u',', 9) != rows.value(3).section(u',', 9));
 }
 
-void TestRepositoryCommands::playTellsWhatIsMissing_data()
+void TestRepositoryCommands::playReportsMissingFiles_data()
 {
     QTest::addColumn<QString>("file"); // in the package; empty: the package is missing
     QTest::addColumn<QByteArray>("content");
@@ -433,7 +433,7 @@ void TestRepositoryCommands::playTellsWhatIsMissing_data()
                               << "its signal shape file is refused: the header has only 3 of 35 bytes";
 }
 
-void TestRepositoryCommands::playTellsWhatIsMissing()
+void TestRepositoryCommands::playReportsMissingFiles()
 {
     QFETCH(QString, file);
     QFETCH(QByteArray, content);

@@ -156,8 +156,8 @@ private Q_SLOTS:
     void oddStart_data();
     void oddStart();
     void pauseOfNothing();
-    void loadTellsOfDevices_data();
-    void loadTellsOfDevices();
+    void loadReportsDevices_data();
+    void loadReportsDevices();
     void refused_data();
     void refused();
     void nobodyAnswers();
@@ -168,7 +168,7 @@ private Q_SLOTS:
     void deployments();
     void onlookers();
     void demo();
-    void demoTellsWhatIsBroken();
+    void demoReportsErrors();
     void demoWithoutRoom();
 
 private:
@@ -439,7 +439,7 @@ void TestWireCommands::badPeer()
 {
     QFETCH(const QByteArray, bytes);
     QFETCH(const bool, closes);
-    QFETCH(const QString, told);
+    QFETCH(const QString, logged);
 
     Service service;
     Peer device(service.port());
@@ -457,8 +457,8 @@ void TestWireCommands::badPeer()
         QVERIFY(bad.waitForBytesWritten(s_iToolTimeout));
         bad.abort();
     }
-    QVERIFY2(service.says(sName + told), qPrintable(service.text()));
-    if (told.startsWith(QStringLiteral("dropped"))) {
+    QVERIFY2(service.says(sName + logged), qPrintable(service.text()));
+    if (logged.startsWith(QStringLiteral("dropped"))) {
         QTRY_COMPARE_WITH_TIMEOUT(bad.state(), QAbstractSocket::UnconnectedState, s_iToolTimeout);
     }
     device.take();
@@ -467,7 +467,7 @@ void TestWireCommands::badPeer()
     QCOMPARE(device.take(), QStringLiteral("start"));
     QCOMPARE(editor.ids, QStringList({QStringLiteral("rx")}));
     QCOMPARE(service.text().count(QStringLiteral("dropped")),
-             told.startsWith(QStringLiteral("dropped")) ? 1 : 0);
+             logged.startsWith(QStringLiteral("dropped")) ? 1 : 0);
 }
 
 void TestWireCommands::wrongConfirmation()
@@ -580,7 +580,7 @@ void TestWireCommands::oddStart()
 {
     QFETCH(const quint64, ahead);
     QFETCH(const uint, time);
-    QFETCH(const QString, told);
+    QFETCH(const QString, logged);
     const Service service;
     const auto device = startDevice(QStringLiteral("rx"), service.address());
     QVERIFY(device->says(QStringLiteral("accepted")));
@@ -589,8 +589,8 @@ void TestWireCommands::oddStart()
     editor.communication.sendCommandAcquireServer();
     editor.communication.sendStartScenario(Simulation::ScenarioTimingHelper::currentTimeStamp() + ahead,
                                            time);
-    QVERIFY2(device->says(told), qPrintable(device->text()));
-    QCOMPARE(device->text().contains(QStringLiteral("plays from")), told.contains(QStringLiteral("plays")));
+    QVERIFY2(device->says(logged), qPrintable(device->text()));
+    QCOMPARE(device->text().contains(QStringLiteral("plays from")), logged.contains(QStringLiteral("plays")));
 }
 
 /// A pause applies to a device that plays or is paused; another device keeps
@@ -624,7 +624,7 @@ void TestWireCommands::pauseOfNothing()
     QCOMPARE(device->text().count(QStringLiteral("not paused")), 2);
 }
 
-void TestWireCommands::loadTellsOfDevices_data()
+void TestWireCommands::loadReportsDevices_data()
 {
     QTest::addColumn<ScenarioDataState>("state");
     QTest::addColumn<QString>("told");
@@ -632,10 +632,10 @@ void TestWireCommands::loadTellsOfDevices_data()
     QTest::newRow("never ends") << ScenarioDataState::Loading << "rx rx loading -";
 }
 
-void TestWireCommands::loadTellsOfDevices()
+void TestWireCommands::loadReportsDevices()
 {
     QFETCH(const ScenarioDataState, state);
-    QFETCH(const QString, told);
+    QFETCH(const QString, logged);
     const Service service;
     Peer device(service.port());
     connect(&device.communication, &Communication::loadScenario,
@@ -650,16 +650,16 @@ void TestWireCommands::loadTellsOfDevices()
                   service.address(), QStringLiteral("--timeout"), QStringLiteral("2")});
     QVERIFY(control.says(QStringLiteral("loaded by 0 of 1 device\n")));
     QCOMPARE(control.codeAfter(0), 1);
-    QVERIFY2(simplifiedLines(control.text()).contains(told), qPrintable(control.text()));
+    QVERIFY2(simplifiedLines(control.text()).contains(logged), qPrintable(control.text()));
 }
 
 void TestWireCommands::refused_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("told");
-    const auto row = [](const char* a_szName, const char* a_szArguments, const char* a_szTold) {
+    const auto row = [](const char* a_szName, const char* a_szArguments, const char* a_szLogged) {
         QTest::newRow(a_szName) << QString::fromUtf8(a_szArguments).split(u' ')
-                                << QString::fromLatin1(a_szTold);
+                                << QString::fromLatin1(a_szLogged);
     };
     row("no action", "control", "control: an action is needed");
     row("unknown action", "control explode", "control: there is no action \"explode\"");
@@ -699,7 +699,7 @@ void TestWireCommands::refused_data()
 void TestWireCommands::refused()
 {
     QFETCH(QStringList, arguments);
-    QFETCH(const QString, told);
+    QFETCH(const QString, logged);
     const QTemporaryDir folder;
     const auto write = [&](const QString& a_sName, const QByteArray& a_content) {
         QFile file(folder.filePath(a_sName));
@@ -711,7 +711,7 @@ void TestWireCommands::refused()
     const ToolResult result = runTool(arguments);
     QCOMPARE(result.code, 2);
     QCOMPARE(result.out, QString());
-    QVERIFY2(result.err.contains(told) && result.err.count(u'\n') == 1, qPrintable(result.err));
+    QVERIFY2(result.err.contains(logged) && result.err.count(u'\n') == 1, qPrintable(result.err));
 }
 
 void TestWireCommands::nobodyAnswers()
@@ -735,13 +735,13 @@ void TestWireCommands::nobodyAnswers()
 
     const Service service;
     const ToolResult nothing = runControl(service.address(), {QStringLiteral("pause")});
-    QVERIFY(nothing.err.contains(QStringLiteral("does not say that a scenario runs")));
+    QVERIFY(nothing.err.contains(QStringLiteral("reports no running scenario")));
     QCOMPARE(nothing.code, 2);
 }
 
 /// The limit of open files is lowered step by step; the signal shapes, which are
 /// opened last, fail first.
-void TestWireCommands::demoTellsWhatIsBroken()
+void TestWireCommands::demoReportsErrors()
 {
     for (rlim_t uiFiles = 40; uiFiles > 10; --uiFiles) {
         QProcess process;
@@ -1006,7 +1006,7 @@ void TestWireCommands::demo()
     QCOMPARE(result.code, 0);
     const QStringList lines = simplifiedLines(result.out);
     QVERIFY(lines.contains(QStringLiteral("device-2 deployment \"Harbour\": 1 station, 2 devices")));
-    QVERIFY(lines.contains(QStringLiteral("editor: loaded by 2 devices")));
+    QVERIFY(lines.contains(QStringLiteral("editor receives: loaded by 2 devices")));
     QVERIFY(
         lines.contains(QStringLiteral("demo device-1 played 11 steps, device-2 11, with the same values")));
     QVERIFY(lines.constLast().startsWith(QStringLiteral("All 9 steps of the road done")));

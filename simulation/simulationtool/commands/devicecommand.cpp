@@ -120,7 +120,7 @@ ExitCode runDevice(const DeviceOptions& a_options, Output& a_output)
             loop.quit();
         }
     };
-    QObject::connect(&simulationDevice, &SimulationDevice::told, log);
+    QObject::connect(&simulationDevice, &SimulationDevice::logged, log);
     QObject::connect(&simulationDevice, &SimulationDevice::playBegins,
                      [&] { endUnless(devicePlay.begin()); });
     QObject::connect(&simulationDevice, &SimulationDevice::stepDue,

@@ -60,7 +60,7 @@ ExitCode runService(const QHostAddress& a_address, std::uint16_t a_uiPort, std::
     Limits::setValue(Limits::InflatedBytes, Limits::value(Limits::DocumentBytes));
     InterruptibleLoop loop;
     SimulationService simulationService(a_timeout);
-    QObject::connect(&simulationService, &SimulationService::told, &writeLog);
+    QObject::connect(&simulationService, &SimulationService::logged, &writeLog);
     if (!simulationService.listen(a_address, a_uiPort)) {
         complain(QStringLiteral("service: cannot listen on %1: %2")
                      .arg(addressText(a_address, a_uiPort), simulationService.errorString()));

@@ -25,7 +25,7 @@ LogLimit::LogLimit()
     });
 }
 
-void LogLimit::tell(const QString& a_sLine, bool a_bFinal)
+void LogLimit::log(const QString& a_sLine, bool a_bFinal)
 {
     if (!m_window.isActive()) {
         m_window.start();
@@ -38,7 +38,7 @@ void LogLimit::tell(const QString& a_sLine, bool a_bFinal)
     } else {
         ++m_iLines;
     }
-    Q_EMIT told(a_sLine);
+    Q_EMIT logged(a_sLine);
 }
 
 QString LogLimit::part(const QString& a_sText)
@@ -49,7 +49,7 @@ QString LogLimit::part(const QString& a_sText)
 void LogLimit::tellLeftOut()
 {
     if (const quint64 uiLeftOut = std::exchange(m_uiLeftOut, 0); uiLeftOut > 0) {
-        Q_EMIT told(counted(uiLeftOut, "line") + QStringLiteral(" dropped"));
+        Q_EMIT logged(counted(uiLeftOut, "line") + QStringLiteral(" dropped"));
     }
 }
 

@@ -18,13 +18,13 @@ public:
     LogLimit();
 
     /// Passes or drops a line. A final line is the last one and is never dropped.
-    void tell(const QString& a_sLine, bool a_bFinal = false);
+    void log(const QString& a_sLine, bool a_bFinal = false);
 
     /// A text of a peer as part of a line: shortened to 100 characters.
     [[nodiscard]] static QString part(const QString& a_sText);
 
 Q_SIGNALS:
-    void told(const QString& a_sLine);
+    void logged(const QString& a_sLine);
 
 private:
     void tellLeftOut();

@@ -46,8 +46,8 @@ DemoRoad::DemoRoad(Report& a_report)
     , m_controller(s_timeout)
 {
     VelaOS::Get().setClock([this] { return m_uiClock.load(); });
-    connect(&m_service, &SimulationService::told, this,
-            [this](const QString& a_sLine) { tell(QStringLiteral("service"), a_sLine); });
+    connect(&m_service, &SimulationService::logged, this,
+            [this](const QString& a_sLine) { log(QStringLiteral("service"), a_sLine); });
     m_devices[0].id = QStringLiteral("device-1");
     m_devices[1].id = QStringLiteral("device-2");
 }
@@ -61,7 +61,7 @@ DemoRoad::~DemoRoad()
     VelaOS::Get().setClock({});
 }
 
-void DemoRoad::tell(const QString& a_sWho, const QString& a_sLine)
+void DemoRoad::log(const QString& a_sWho, const QString& a_sLine)
 {
     m_report.record("events", {{QStringLiteral("who"), a_sWho}, {QStringLiteral("text"), a_sLine}},
                     QStringLiteral("%1  ").arg(a_sWho, s_iWhoWidth) + a_sLine);
@@ -99,8 +99,8 @@ bool DemoRoad::makeRepository()
     }
     const QString sStore = packageStoreOf(m_folder.path()); // exists only now
     const auto uiPackages = static_cast<quint64>(Simulation::SignalPackageFolder::list(sStore).size());
-    tell(QStringLiteral("demo"),
-         QStringLiteral("repository with %1 in a temporary folder").arg(counted(uiPackages, "package")));
+    log(QStringLiteral("demo"),
+        QStringLiteral("repository with %1 in a temporary folder").arg(counted(uiPackages, "package")));
     return true;
 }
 
@@ -110,7 +110,7 @@ bool DemoRoad::startService()
         return false;
     }
     m_address = {QHostAddress(QHostAddress::LocalHost).toString(), m_service.port()};
-    tell(QStringLiteral("service"), QStringLiteral("listening on ") + m_address.text());
+    log(QStringLiteral("service"), QStringLiteral("listening on ") + m_address.text());
     return true;
 }
 
@@ -118,10 +118,11 @@ void DemoRoad::addDevice(Device& a_device)
 {
     a_device.device =
         std::make_unique<SimulationDevice>(localDevice(a_device.id, QString()), a_device.packages, s_uiStep);
-    connect(a_device.device.get(), &SimulationDevice::told, this, [this, &a_device](const QString& a_sLine) {
-        tell(a_device.id, a_sLine);
-        m_loop.quit(); // so that waitFor() checks its condition
-    });
+    connect(a_device.device.get(), &SimulationDevice::logged, this,
+            [this, &a_device](const QString& a_sLine) {
+                log(a_device.id, a_sLine);
+                m_loop.quit(); // so that waitFor() checks its condition
+            });
     connect(a_device.device.get(), &SimulationDevice::stepDue, this,
             [this, &a_device](quint32 a_uiTime) { notePlayed(a_device, a_uiTime); });
     a_device.device->connectToService(m_address);
@@ -148,8 +149,8 @@ bool DemoRoad::acquire()
         return false;
     }
     const auto uiDevices = static_cast<quint64>(m_controller.devices().size());
-    tell(QStringLiteral("editor"),
-         QStringLiteral("acquired the service, %1").arg(counted(uiDevices, "device")));
+    log(QStringLiteral("editor"),
+        QStringLiteral("acquired the service, %1").arg(counted(uiDevices, "device")));
     return uiDevices == m_devices.size();
 }
 
@@ -170,8 +171,8 @@ bool DemoRoad::deploy()
     deployment.setDevices(devices);
     deployment.setStations({station});
     const QByteArray xml = deployment.toXml();
-    tell(QStringLiteral("editor"),
-         QStringLiteral("sends a deployment of %1").arg(deploymentSummary(deployment)));
+    log(QStringLiteral("editor"),
+        QStringLiteral("sends a deployment of %1").arg(deploymentSummary(deployment)));
     m_controller.communication().sendLoadDeployment(xml);
     return m_controller.synchronize() &&
            waitFor([&](const SimulationDevice& a_device) { return a_device.deployment() == xml; });
@@ -184,8 +185,8 @@ bool DemoRoad::loadScenario()
         return false;
     }
     const QByteArray scenario = file.readAll();
-    tell(QStringLiteral("editor"), QStringLiteral("sends the built-in scenario, %1")
-                                       .arg(counted(static_cast<quint64>(scenario.size()), "byte")));
+    log(QStringLiteral("editor"), QStringLiteral("sends the built-in scenario, %1")
+                                      .arg(counted(static_cast<quint64>(scenario.size()), "byte")));
     if (!m_controller.loadScenario(scenario)) {
         return false;
     }
@@ -193,8 +194,8 @@ bool DemoRoad::loadScenario()
     const auto iLoaded = std::count_if(states.cbegin(), states.cend(), [](const auto& a_state) {
         return a_state.scenarioDataState() == ScenarioDataState::Loaded;
     });
-    tell(QStringLiteral("editor"),
-         QStringLiteral("is told: loaded by %1").arg(counted(static_cast<quint64>(iLoaded), "device")));
+    log(QStringLiteral("editor"),
+        QStringLiteral("receives: loaded by %1").arg(counted(static_cast<quint64>(iLoaded), "device")));
     return iLoaded == std::ssize(m_devices);
 }
 
@@ -222,15 +223,15 @@ bool DemoRoad::play()
         ids.append(emitter->id());
     }
     m_sink = makeTableSink(m_report, ids, s_uiEnd, true);
-    tell(QStringLiteral("editor"), QStringLiteral("starts the scenario, a second from now"));
+    log(QStringLiteral("editor"), QStringLiteral("starts the scenario, a second from now"));
     m_controller.communication().sendStartScenario(m_uiClock + s_uiStep * s_uiMicroseconds, 0);
     if (!m_controller.synchronize() ||
         !waitFor([](const SimulationDevice& a_device) { return a_device.isPlaying(); })) {
         return false;
     }
-    tell(QStringLiteral("demo"), QStringLiteral("moves the clock to %1 ms; what device-1 sends, every %2 ms:")
-                                     .arg(s_uiEnd)
-                                     .arg(s_uiShownEvery));
+    log(QStringLiteral("demo"), QStringLiteral("moves the clock to %1 ms; what device-1 sends, every %2 ms:")
+                                    .arg(s_uiEnd)
+                                    .arg(s_uiShownEvery));
     if (!m_sink->begin()) {
         return false;
     }
@@ -242,10 +243,10 @@ bool DemoRoad::play()
     }
     const qsizetype iSteps = s_uiEnd / s_uiStep + 1;
     const bool bSame = m_devices[0].steps == m_devices[1].steps;
-    tell(QStringLiteral("demo"), QStringLiteral("device-1 played %1, device-2 %2, with %3 values")
-                                     .arg(counted(static_cast<quint64>(m_devices[0].steps.size()), "step"),
-                                          QString::number(m_devices[1].steps.size()),
-                                          bSame ? QStringLiteral("the same") : QStringLiteral("DIFFERENT")));
+    log(QStringLiteral("demo"), QStringLiteral("device-1 played %1, device-2 %2, with %3 values")
+                                    .arg(counted(static_cast<quint64>(m_devices[0].steps.size()), "step"),
+                                         QString::number(m_devices[1].steps.size()),
+                                         bSame ? QStringLiteral("the same") : QStringLiteral("DIFFERENT")));
     bool bFound = false;
     for (Device& device : m_devices) {
         bFound = device.packages.finish() != ExitCode::Ok || bFound;
@@ -259,7 +260,7 @@ bool DemoRoad::play()
 
 bool DemoRoad::pauseAndStop()
 {
-    tell(QStringLiteral("editor"), QStringLiteral("pauses at %1 ms, then stops").arg(s_uiEnd));
+    log(QStringLiteral("editor"), QStringLiteral("pauses at %1 ms, then stops").arg(s_uiEnd));
     m_controller.communication().sendPauseScenario(s_uiEnd);
     m_controller.communication().sendStopScenario();
     return m_controller.synchronize() &&
@@ -268,7 +269,7 @@ bool DemoRoad::pauseAndStop()
 
 bool DemoRoad::unload()
 {
-    tell(QStringLiteral("editor"), QStringLiteral("unloads the scenario and leaves"));
+    log(QStringLiteral("editor"), QStringLiteral("unloads the scenario and leaves"));
     m_controller.communication().sendUnloadScenario();
     const bool bUnloaded = m_controller.synchronize() && waitFor([](const SimulationDevice& a_device) {
                                return a_device.state() == ScenarioDataState::None;

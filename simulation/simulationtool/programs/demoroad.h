@@ -60,7 +60,7 @@ private:
         QStringList steps; ///< all played values, one text per step
     };
 
-    void tell(const QString& a_sWho, const QString& a_sLine);
+    void log(const QString& a_sWho, const QString& a_sLine);
     void addDevice(Device& a_device);
     void notePlayed(Device& a_device, std::uint32_t a_uiTime);
     [[nodiscard]] bool waitFor(const std::function<bool(const SimulationDevice&)>& a_isDone);

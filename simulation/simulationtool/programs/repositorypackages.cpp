@@ -20,7 +20,7 @@ namespace SimulationTool {
 
 namespace {
 
-constexpr std::uint64_t s_uiToldMessages = 20;
+constexpr std::uint64_t s_uiLoggedMessages = 20;
 
 /// Whether a path is a folder or inside it, after resolving links of its existing
 /// part.
@@ -110,9 +110,9 @@ void RepositoryPackages::tellCopyFailures(const QString& a_sWhat)
         return;
     }
     m_bComplete = false;
-    tell(QStringLiteral("%1 could not be copied to the cache folder %2, the first reason is: %3. Remove the "
-                        "cause or choose another folder (--cache or TMPDIR), then run this again")
-             .arg(a_sWhat, m_cache->cacheDir(), failures.firstReason));
+    log(QStringLiteral("%1 could not be copied to the cache folder %2, the first reason is: %3. Remove the "
+                       "cause or choose another folder (--cache or TMPDIR), then run this again")
+            .arg(a_sWhat, m_cache->cacheDir(), failures.firstReason));
 }
 
 void RepositoryPackages::updateCache()
@@ -162,15 +162,15 @@ void RepositoryPackages::checkShape(const Simulation::SignalPackage& a_package,
 {
     const Verdict verdict = shapeVerdict(a_reader);
     if (verdict.code != ExitCode::Ok) {
-        tell(QStringLiteral("package %1: its signal shape file is %2").arg(a_package.id(), verdict.text));
+        log(QStringLiteral("package %1: its signal shape file is %2").arg(a_package.id(), verdict.text));
     } else if (const QString sError = durationError(a_package); !sError.isEmpty()) {
-        tell(QStringLiteral("package %1: %2").arg(a_package.id(), sError));
+        log(QStringLiteral("package %1: %2").arg(a_package.id(), sError));
     }
 }
 
-void RepositoryPackages::tell(const QString& a_sMessage)
+void RepositoryPackages::log(const QString& a_sMessage)
 {
-    if (++m_uiTold <= s_uiToldMessages) {
+    if (++m_uiLogged <= s_uiLoggedMessages) {
         m_messages.append(a_sMessage);
         m_log(a_sMessage);
     }
@@ -178,10 +178,10 @@ void RepositoryPackages::tell(const QString& a_sMessage)
 
 ExitCode RepositoryPackages::finish()
 {
-    if (m_uiTold > s_uiToldMessages) {
-        complain(QStringLiteral("and %1 more of that kind").arg(m_uiTold - s_uiToldMessages));
+    if (m_uiLogged > s_uiLoggedMessages) {
+        complain(QStringLiteral("and %1 more of that kind").arg(m_uiLogged - s_uiLoggedMessages));
     }
-    return m_uiTold == 0 ? ExitCode::Ok : ExitCode::Findings;
+    return m_uiLogged == 0 ? ExitCode::Ok : ExitCode::Findings;
 }
 
 std::shared_ptr<Simulation::SignalPackage> RepositoryPackages::signalPackage(const QString& a_sId)
@@ -189,7 +189,7 @@ std::shared_ptr<Simulation::SignalPackage> RepositoryPackages::signalPackage(con
     // An emission without a package id means the default package.
     if (!a_sId.isEmpty() && !m_unknownIds.contains(a_sId) && !validSignalPackageId(a_sId)) {
         m_unknownIds.insert(a_sId);
-        tell(QStringLiteral("package %1 is not in the repository: the default package is used").arg(a_sId));
+        log(QStringLiteral("package %1 is not in the repository: the default package is used").arg(a_sId));
     }
     return ForwardingPackages::signalPackage(a_sId);
 }

@@ -70,7 +70,7 @@ private:
     [[nodiscard]] bool fillCache();
     void updateCache();
     void tellCopyFailures(const QString& a_sWhat);
-    void tell(const QString& a_sMessage);
+    void log(const QString& a_sMessage);
     void checkShape(const Simulation::SignalPackage& a_package, const Simulation::SignalShapeFile& a_reader);
 
     std::unique_ptr<QTemporaryDir> m_temporary; ///< contains the cache's files, so it outlives the cache
@@ -80,7 +80,7 @@ private:
     std::optional<QHash<QString, QStringList>> m_problems; ///< by clean id; no value before the first
                                                            ///< problemsOf()
     QStringList m_messages;
-    std::uint64_t m_uiTold = 0;
+    std::uint64_t m_uiLogged = 0;
     bool m_bComplete = true;
     std::function<void(const QString&)> m_log;
 };

@@ -36,8 +36,8 @@ ServicePeer::ServicePeer(QTcpSocket* a_pSocket, std::shared_ptr<qint64> a_pTotal
     , m_receiving(a_timeout)
     , m_sending(a_timeout)
 {
-    connect(&m_log, &LogLimit::told, this,
-            [this](const QString& a_sLine) { Q_EMIT told(m_sName + QStringLiteral(": ") + a_sLine); });
+    connect(&m_log, &LogLimit::logged, this,
+            [this](const QString& a_sLine) { Q_EMIT logged(m_sName + QStringLiteral(": ") + a_sLine); });
     const QString sTime = counted(static_cast<quint64>(a_timeout.count()) / s_uiMsPerSecond, "second");
     connect(&m_receiving, &StallWatch::stalled, this,
             [this, sTime] { Q_EMIT lost(QStringLiteral("it left a command unfinished for ") + sTime); });
@@ -162,9 +162,9 @@ void ServicePeer::close()
     m_sending.note(false);
 }
 
-void ServicePeer::tell(const QString& a_sText, bool a_bFinal)
+void ServicePeer::log(const QString& a_sText, bool a_bFinal)
 {
-    m_log.tell(shortened(a_sText, s_iMaxLine), a_bFinal);
+    m_log.log(shortened(a_sText, s_iMaxLine), a_bFinal);
 }
 
 void ServicePeer::slotDisconnected()

@@ -56,7 +56,7 @@ public:
 
     /// Logs an event of the peer. Frequent lines are dropped (see LogLimit), unless
     /// final.
-    void tell(const QString& a_sText, bool a_bFinal = false);
+    void log(const QString& a_sText, bool a_bFinal = false);
 
     // The ids of the devices registered over this connection; maintained by the
     // owner.
@@ -64,7 +64,7 @@ public:
     [[nodiscard]] bool isDevice() const { return !m_deviceIds.isEmpty(); }
 
 Q_SIGNALS:
-    void told(const QString& a_sLine);
+    void logged(const QString& a_sLine);
 
     /// The bytes that wait for all peers have increased.
     void pendingGrew();

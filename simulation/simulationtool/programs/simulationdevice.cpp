@@ -55,7 +55,7 @@ SimulationDevice::SimulationDevice(const Simulation::SimulationDeviceConfigurati
     connect(&m_communication, &Communication::unregisterSimulationDevice, this,
             &SimulationDevice::slotUnregistered);
     m_communication.setStreamErrorHandler([this](const QString& a_sError) { abandonConnection(a_sError); });
-    connect(&m_log, &LogLimit::told, this, &SimulationDevice::told);
+    connect(&m_log, &LogLimit::logged, this, &SimulationDevice::logged);
     connectOrders();
     connectRunOrders();
 }
@@ -89,19 +89,19 @@ std::uint32_t SimulationDevice::duration() const
 void SimulationDevice::slotNotConnected()
 {
     if (!m_connector->isConnected() && !std::exchange(m_bLoggedWaiting, true)) {
-        m_log.tell(QStringLiteral("waits for the service: ") + m_connector->socket()->errorString());
+        m_log.log(QStringLiteral("waits for the service: ") + m_connector->socket()->errorString());
     }
 }
 
 void SimulationDevice::slotConnected()
 {
-    m_bToldIgnoring = false;
+    m_bLoggedIgnoring = false;
     m_bLoggedWaiting = false;
     // Detects a service whose machine was switched off without closing the
     // connection.
     m_connector->socket()->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
     m_connector->socket()->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    m_log.tell(QStringLiteral("connected"));
+    m_log.log(QStringLiteral("connected"));
     registerDevice();
 }
 
@@ -114,15 +114,15 @@ void SimulationDevice::slotDisconnected()
 {
     m_bAccepted = false;
     m_bLoggedWaiting = true;
-    m_log.tell(QStringLiteral("connection lost, waits for the service"));
+    m_log.log(QStringLiteral("connection lost, waits for the service"));
 }
 
 /// Aborts the connection, because the rest of its stream cannot be read, and
 /// reconnects.
 void SimulationDevice::abandonConnection(const QString& a_sError)
 {
-    m_log.tell(QStringLiteral("what the service sends cannot be read: ") +
-               LogLimit::part(a_sError.simplified()));
+    m_log.log(QStringLiteral("what the service sends cannot be read: ") +
+              LogLimit::part(a_sError.simplified()));
     // Aborts, because an orderly disconnection would wait without limit for a service
     // that does not read. A connection attempt that already runs continues.
     if (m_connector->isConnected()) {
@@ -136,12 +136,12 @@ void SimulationDevice::slotAccepted(const QString& a_sId, const QString& a_sConf
     m_bAccepted = a_sId == m_configuration.id() &&
                   a_sConfirmation == Communication::createConfirmation(m_configuration);
     if (!m_bAccepted) {
-        m_log.tell(QStringLiteral("the service sent a wrong confirmation: its orders are ignored"));
-        m_bToldIgnoring = true;
+        m_log.log(QStringLiteral("the service sent a wrong confirmation: its orders are ignored"));
+        m_bLoggedIgnoring = true;
         return;
     }
     if (!bBefore) { // otherwise it confirms a new place
-        m_log.tell(QStringLiteral("accepted"));
+        m_log.log(QStringLiteral("accepted"));
         reportState();
     }
 }
@@ -150,16 +150,16 @@ void SimulationDevice::slotUnregistered(const QString& a_sId)
 {
     if (m_bAccepted && a_sId == m_configuration.id()) {
         m_bAccepted = false;
-        m_log.tell(QStringLiteral("another device has registered as %1: this device receives no more orders")
-                       .arg(a_sId));
+        m_log.log(QStringLiteral("another device has registered as %1: this device receives no more orders")
+                      .arg(a_sId));
     }
 }
 
 /// Whether the service that sent an order has confirmed the device.
 bool SimulationDevice::obeys()
 {
-    if (!m_bAccepted && !std::exchange(m_bToldIgnoring, true)) {
-        m_log.tell(QStringLiteral("orders of a service that has not confirmed the device are ignored"));
+    if (!m_bAccepted && !std::exchange(m_bLoggedIgnoring, true)) {
+        m_log.log(QStringLiteral("orders of a service that has not confirmed the device are ignored"));
     }
     return m_bAccepted;
 }
@@ -187,14 +187,14 @@ void SimulationDevice::connectOrders()
     connect(&m_communication, &Communication::addJxDevice, this, [this](const QString& a_sId) {
         if (obeys() && m_jxDevices.size() < s_iMaxJxDevices && a_sId.size() <= s_iMaxJxId) {
             m_jxDevices.insert(a_sId);
-            m_log.tell(QStringLiteral("Jx device %1 added, now %2")
-                           .arg(LogLimit::part(a_sId), QString::number(m_jxDevices.size())));
+            m_log.log(QStringLiteral("Jx device %1 added, now %2")
+                          .arg(LogLimit::part(a_sId), QString::number(m_jxDevices.size())));
         }
     });
     connect(&m_communication, &Communication::removeJxDevice, this, [this](const QString& a_sId) {
         if (obeys() && m_jxDevices.remove(a_sId)) {
-            m_log.tell(QStringLiteral("Jx device %1 removed, now %2")
-                           .arg(LogLimit::part(a_sId), QString::number(m_jxDevices.size())));
+            m_log.log(QStringLiteral("Jx device %1 removed, now %2")
+                          .arg(LogLimit::part(a_sId), QString::number(m_jxDevices.size())));
         }
     });
 }
@@ -220,7 +220,7 @@ void SimulationDevice::connectRunOrders()
     });
     connect(&m_communication, &Communication::testModeOn, this, [this](bool a_bOn) {
         if (obeys()) {
-            m_log.tell(a_bOn ? QStringLiteral("test mode on") : QStringLiteral("test mode off"));
+            m_log.log(a_bOn ? QStringLiteral("test mode on") : QStringLiteral("test mode off"));
         }
     });
 }
@@ -237,8 +237,8 @@ void SimulationDevice::deploy(const QByteArray& a_deployment)
     if (const QString sError = deployment.errorString(); !sError.isEmpty()) {
         sEvent = DeviceReport::notDeployed(unusable("deployment", a_deployment, sError));
     } else {
-        m_log.tell(QStringLiteral("deployment \"%1\": %2")
-                       .arg(LogLimit::part(deployment.name()), deploymentSummary(deployment)));
+        m_log.log(QStringLiteral("deployment \"%1\": %2")
+                      .arg(LogLimit::part(deployment.name()), deploymentSummary(deployment)));
         sEvent = placeDevice(placed, deployment);
     }
     if (placed.toXml() != m_configuration.toXml()) {
@@ -260,7 +260,7 @@ void SimulationDevice::load(const QByteArray& a_scenario)
     if (!bRead || !sError.isEmpty()) {
         m_scenario.reset();
         m_report.event = QStringLiteral("not loaded: ") + unusable("scenario", a_scenario, sError);
-        m_log.tell(m_report.event);
+        m_log.log(m_report.event);
         setState(ScenarioDataState::Failed);
         return;
     }
@@ -272,7 +272,7 @@ void SimulationDevice::noteLoaded()
 {
     m_emitters = emittersOf(*m_scenario);
     m_report.scenario = DeviceReport::scenarioText(LogLimit::part(m_scenario->getName()), m_emitters.size());
-    m_log.tell(m_report.scenario);
+    m_log.log(m_report.scenario);
     m_report.warning = m_packages.warning();
     if (!m_report.warning.isEmpty() && !m_sPackageRemark.isEmpty()) {
         m_report.warning = m_sPackageRemark + QStringLiteral(": ") + m_report.warning;
@@ -284,7 +284,7 @@ void SimulationDevice::noteLoaded()
     if (m_report.warning.isEmpty()) {
         return;
     }
-    m_log.tell(QStringLiteral("warning: ") + m_report.warning);
+    m_log.log(QStringLiteral("warning: ") + m_report.warning);
 }
 
 void SimulationDevice::unload()
@@ -301,7 +301,7 @@ void SimulationDevice::unload()
 void SimulationDevice::setState(ScenarioDataState a_eState)
 {
     m_state.setScenarioDataState(a_eState);
-    m_log.tell(QStringLiteral("state: ") + stateText(a_eState));
+    m_log.log(QStringLiteral("state: ") + stateText(a_eState));
     reportState();
 }
 
@@ -316,7 +316,7 @@ void SimulationDevice::reportState()
 
 void SimulationDevice::reportEvent(const QString& a_sEvent)
 {
-    m_log.tell(a_sEvent);
+    m_log.log(a_sEvent);
     m_report.event = a_sEvent;
     reportState();
 }
@@ -344,7 +344,7 @@ void SimulationDevice::play(quint64 a_uiTimestamp, std::uint32_t a_uiTime)
 {
     const quint64 uiNow = Simulation::ScenarioTimingHelper::currentTimeStamp();
     const quint64 uiAhead = a_uiTimestamp > uiNow ? a_uiTimestamp - uiNow : 0;
-    if (const QString sStartError = startError(uiAhead, a_uiTime); !sProblem.isEmpty()) {
+    if (const QString sStartError = startError(uiAhead, a_uiTime); !sStartError.isEmpty()) {
         endPlay(DeviceReport::notStarted(sStartError));
         reportState();
         return;
@@ -352,7 +352,7 @@ void SimulationDevice::play(quint64 a_uiTimestamp, std::uint32_t a_uiTime)
     m_report.event = DeviceReport::plays(a_uiTime);
     if (uiAhead >= s_uiSecond) {
         const quint64 uiSeconds = uiAhead / s_uiSecond;
-        m_log.tell(QStringLiteral("starts in %1 s").arg(uiSeconds));
+        m_log.log(QStringLiteral("starts in %1 s").arg(uiSeconds));
         m_report.event += QStringLiteral(", in %1 s").arg(uiSeconds);
     }
     reportState();
@@ -381,7 +381,7 @@ void SimulationDevice::playDue()
         return;
     }
     if (!std::exchange(m_bBegun, true)) {
-        m_log.tell(DeviceReport::plays(m_uiFirst));
+        m_log.log(DeviceReport::plays(m_uiFirst));
     }
     playStep();
 }
@@ -411,7 +411,7 @@ void SimulationDevice::playStep()
 void SimulationDevice::pause(std::uint32_t a_uiTime)
 {
     if (m_timing.isStopped()) {
-        m_log.tell(QStringLiteral("not paused: no scenario plays"));
+        m_log.log(QStringLiteral("not paused: no scenario plays"));
         return;
     }
     endPlay(QStringLiteral("paused at %1 ms").arg(a_uiTime));
@@ -429,9 +429,9 @@ void SimulationDevice::endPlay(const QString& a_sReason)
     const std::uint32_t uiDue = m_lastStep ? *m_lastStep + 1 : 0;
     // After a clock was set back, some steps are played twice.
     const std::uint32_t uiLeftOut = uiDue - std::min(uiDue, m_uiPlayed);
-    m_log.tell(bPlayed ? QStringLiteral("%1: %2 played, %3 left out")
-                             .arg(a_sReason, counted(m_uiPlayed, "step"), QString::number(uiLeftOut))
-                       : a_sReason);
+    m_log.log(bPlayed ? QStringLiteral("%1: %2 played, %3 left out")
+                            .arg(a_sReason, counted(m_uiPlayed, "step"), QString::number(uiLeftOut))
+                      : a_sReason);
 }
 
 void SimulationDevice::wakeIn(std::uint64_t a_uiMilliseconds)

@@ -86,7 +86,7 @@ public:
 Q_SIGNALS:
     /// One line for the log; frequent lines are dropped. It contains texts of peers,
     /// which may control a terminal.
-    void told(const QString& a_sLine);
+    void logged(const QString& a_sLine);
 
     void playBegins();
     /// The step at this scenario time (ms) is due. Of several past steps only the
@@ -130,8 +130,8 @@ private:
     Simulation::SimulationServiceCommunication m_communication;
     std::unique_ptr<Simulation::TcpServerConnector> m_connector;
     bool m_bAccepted = false;
-    bool m_bToldIgnoring = false;  ///< since it was connected
-    bool m_bLoggedWaiting = false; ///< since it was connected last
+    bool m_bLoggedIgnoring = false; ///< since it was connected
+    bool m_bLoggedWaiting = false;  ///< since it was connected last
 
     Simulation::SimulationDeviceState m_state;
     DeviceReport m_report;

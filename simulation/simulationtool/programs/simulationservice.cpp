@@ -107,7 +107,7 @@ void SimulationService::addPeer(QTcpSocket* a_pSocket)
 {
     auto* const pPeer = new ServicePeer(a_pSocket, m_pPending, m_timeout, this);
     m_peers.append(pPeer);
-    connect(pPeer, &ServicePeer::told, this, &SimulationService::told);
+    connect(pPeer, &ServicePeer::logged, this, &SimulationService::logged);
     connect(pPeer, &ServicePeer::lost, this, [this, pPeer](const QString& a_sReason) {
         m_lost.push_back({pPeer, a_sReason});
         if (!m_dropLost.isActive()) {
@@ -126,7 +126,7 @@ void SimulationService::addPeer(QTcpSocket* a_pSocket)
     connectDevice(pPeer);
     connectController(pPeer);
     connectOrders(pPeer);
-    pPeer->tell(QStringLiteral("connected"));
+    pPeer->log(QStringLiteral("connected"));
 }
 
 /// Pauses accepting before the process runs out of descriptors: otherwise the server
@@ -135,7 +135,7 @@ void SimulationService::pauseIfFull()
 {
     if (m_peers.size() >= m_iMaxPeers && !std::exchange(m_bFull, true)) {
         m_server.pauseAccepting();
-        Q_EMIT told(
+        Q_EMIT logged(
             QStringLiteral("no more connections are accepted until one of %1 ends").arg(m_peers.size()));
     }
 }
@@ -175,8 +175,8 @@ void SimulationService::drop(ServicePeer* a_pPeer, const QString& a_sReason)
     if (!m_peers.removeOne(a_pPeer)) {
         return; // dropped already
     }
-    a_pPeer->tell(a_sReason.isEmpty() ? QStringLiteral("left") : QStringLiteral("dropped: ") + a_sReason,
-                  true);
+    a_pPeer->log(a_sReason.isEmpty() ? QStringLiteral("left") : QStringLiteral("dropped: ") + a_sReason,
+                 true);
     const QSet<QString> ids = a_pPeer->deviceIds();
     for (const QString& sId : ids) {
         unregisterDevice(a_pPeer, sId);
@@ -197,12 +197,12 @@ bool SimulationService::accepts(ServicePeer& a_peer, const QString& a_sCommand, 
         return false;
     }
     if (eKind != CommandKind::Request && controller() != &a_peer) {
-        a_peer.tell(a_sCommand + QStringLiteral(" ignored: it does not control the service"));
+        a_peer.log(a_sCommand + QStringLiteral(" ignored: it does not control the service"));
         return false;
     }
     if (eKind != CommandKind::OrderWithPayload && a_iBytes > s_iMaxCommandBytes) {
-        a_peer.tell(QStringLiteral("%1 ignored: it has %2 bytes, more than %3")
-                        .arg(a_sCommand, QString::number(a_iBytes), QString::number(s_iMaxCommandBytes)));
+        a_peer.log(QStringLiteral("%1 ignored: it has %2 bytes, more than %3")
+                       .arg(a_sCommand, QString::number(a_iBytes), QString::number(s_iMaxCommandBytes)));
         return false;
     }
     return true;
@@ -258,7 +258,7 @@ void SimulationService::registerDevice(ServicePeer* a_pPeer, const QString& a_sI
     if (pFormer != a_pPeer) {
         setState(a_sId, device, SimulationDeviceState());
         a_pPeer->deviceIds().insert(a_sId);
-        a_pPeer->tell(QStringLiteral("device %1 registered").arg(a_sId));
+        a_pPeer->log(QStringLiteral("device %1 registered").arg(a_sId));
     }
     const QString sConfirmation = Communication::createConfirmation(a_configuration);
     a_pPeer->report(QStringLiteral("confirmation ") + a_sId, encoded([&](Communication& a_to) {
@@ -301,7 +301,7 @@ QString SimulationService::registrationError(const QString& a_sId,
 void SimulationService::takeOver(const QString& a_sId, ServicePeer* a_pFrom)
 {
     a_pFrom->deviceIds().remove(a_sId);
-    a_pFrom->tell(QStringLiteral("device %1 was registered by another").arg(a_sId));
+    a_pFrom->log(QStringLiteral("device %1 was registered by another").arg(a_sId));
     a_pFrom->send(encoded([&](Communication& a_to) { a_to.sendUnregisterSimulationDevice(a_sId); },
                           OutgoingKind::Unregistration));
 }
@@ -313,14 +313,14 @@ void SimulationService::unregisterDevice(ServicePeer* a_pPeer, const QString& a_
     }
     m_devices.remove(a_sId);
     m_deviceList.reset();
-    a_pPeer->tell(QStringLiteral("device %1 unregistered").arg(a_sId), !m_peers.contains(a_pPeer));
+    a_pPeer->log(QStringLiteral("device %1 unregistered").arg(a_sId), !m_peers.contains(a_pPeer));
 }
 
 void SimulationService::updateState(ServicePeer* a_pPeer, const QString& a_sId,
                                     const SimulationDeviceState& a_state)
 {
     if (!a_pPeer->deviceIds().contains(a_sId)) {
-        a_pPeer->tell(QStringLiteral("state of device %1 ignored: not registered by it").arg(a_sId));
+        a_pPeer->log(QStringLiteral("state of device %1 ignored: not registered by it").arg(a_sId));
         return;
     }
     Device& device = m_devices[a_sId];
@@ -328,7 +328,7 @@ void SimulationService::updateState(ServicePeer* a_pPeer, const QString& a_sId,
         device.state.message() != a_state.message()) {
         const QString sMessage =
             a_state.message().isEmpty() ? QString() : QStringLiteral(", ") + a_state.message();
-        a_pPeer->tell(
+        a_pPeer->log(
             QStringLiteral("device %1: %2").arg(a_sId, stateText(a_state.scenarioDataState()) + sMessage));
         setState(a_sId, device, a_state);
     }

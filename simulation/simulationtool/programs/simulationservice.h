@@ -71,7 +71,7 @@ public:
 Q_SIGNALS:
     /// One line for the log. It contains texts of peers, which may control a
     /// terminal.
-    void told(const QString& a_sLine);
+    void logged(const QString& a_sLine);
 
 private Q_SLOTS:
     void slotAcceptPeers();

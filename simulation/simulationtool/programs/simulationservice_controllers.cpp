@@ -20,7 +20,7 @@ using Simulation::SimulationDeviceState;
 bool isUsable(ServicePeer* a_pFrom, const char* a_szName, const QByteArray& a_payload)
 {
     if (a_payload.isEmpty()) {
-        a_pFrom->tell(
+        a_pFrom->log(
             QStringLiteral("%1 ignored: it is empty or cannot be decompressed").arg(QLatin1String(a_szName)));
     }
     return !a_payload.isEmpty();
@@ -105,7 +105,7 @@ void SimulationService::acquire(ServicePeer* a_pPeer)
     if (controller() != a_pPeer) {
         m_controllers.removeAll(a_pPeer);
         m_controllers.append(a_pPeer);
-        a_pPeer->tell(QStringLiteral("controls"));
+        a_pPeer->log(QStringLiteral("controls"));
         answer(a_pPeer, {true, 0});
     }
 }
@@ -172,9 +172,9 @@ void SimulationService::release(ServicePeer* a_pPeer)
     if (!bControlled) {
         return;
     }
-    a_pPeer->tell(QStringLiteral("released the control"));
+    a_pPeer->log(QStringLiteral("released the control"));
     if (ServicePeer* const pBefore = controller()) {
-        pBefore->tell(QStringLiteral("controls again"));
+        pBefore->log(QStringLiteral("controls again"));
         answer(pBefore, {true, 0});
     }
 }
@@ -198,11 +198,11 @@ OutgoingCommandPtr SimulationService::passOn(ServicePeer* a_pPeer, const QString
 {
     OutgoingCommandPtr pCommand = encoded(a_send, a_eKind);
     if (pCommand == nullptr) {
-        a_pPeer->tell(a_sOrder + QStringLiteral(" ignored: it is too large to be passed on"));
+        a_pPeer->log(a_sOrder + QStringLiteral(" ignored: it is too large to be passed on"));
         return nullptr;
     }
-    a_pPeer->tell(QStringLiteral("%1 passed on to %2")
-                      .arg(a_sOrder, counted(static_cast<quint64>(m_devices.size()), "device")));
+    a_pPeer->log(QStringLiteral("%1 passed on to %2")
+                     .arg(a_sOrder, counted(static_cast<quint64>(m_devices.size()), "device")));
     for (ServicePeer* const pEach : std::as_const(m_peers)) {
         if (pEach->isDevice()) {
             pEach->send(pCommand);
