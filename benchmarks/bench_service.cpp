@@ -17,6 +17,7 @@ namespace {
 
 constexpr int s_iIdleMs = 5000;
 constexpr int s_iSettleMs = 500;        ///< from the beginning of an attack to the first start
+constexpr int s_iCrowdMs = 10'000;      ///< the same with thousands of devices, which register first
 constexpr int s_iStarts = 20;           ///< of one attack
 constexpr int s_iIntervalMs = 100;      ///< between two starts
 constexpr double s_dOverdueMs = 5000.0; ///< longer measurements are given up
@@ -30,6 +31,7 @@ struct Scene
     const char* name;
     int attackers;
     Attack attack;
+    int settle = s_iSettleMs;
 };
 
 /// The value below which the part `a_dPart`, in [0, 1], of the values lies; -1
@@ -92,7 +94,7 @@ bool measureAttack(const Scene& a_scene)
         return false;
     }
     const Attackers attackers(a_scene.attackers, service.port(), a_scene.attack);
-    runFor(s_iSettleMs);
+    runFor(a_scene.settle);
     Delays starts;
     Delays news;
     for (int i = 0; i < s_iStarts && starts.overdue + news.overdue == 0; ++i) {
@@ -136,16 +138,22 @@ std::vector<Scene> scenes()
     const QByteArray acquire("<Command><AcquireServer/></Command>");
     const QByteArray release("<Command><ReleaseServer/></Command>");
     const QByteArray ask("<Command><RequestSimulationDevices/></Command>");
+    const QByteArray changes =
+        manyOf(registration("flood", "this") + ask + registration("flood", "that") + ask);
     const QByteArray states = manyOf(stateUpdate("flood", 1) + stateUpdate("flood", 2));
+    constexpr int iCrowd = 4000 - BenchedPeers::s_iDevices;
     return {
         {"no attack", 0, {}},
         {"1 acquires and releases, reads not", 1, repeat({}, manyOf(acquire + release), false)},
         {"1 acquires and releases, and reads", 1, repeat({}, manyOf(acquire + release), true)},
         {"1 device floods states", 1, repeat(registration("flood"), states, true)},
         {"5 ask for the devices, read not", 5, repeat({}, manyOf(ask), false)},
+        {"1 changes a record and asks for the devices", 1, repeat({}, changes, true)},
         {"5 flood orders without control", 5, repeat({}, manyOf("<Command><StopScenario/></Command>"), true)},
         {"5 send scenarios of 340 KiB for 256 MiB", 5, repeat({}, bomb(256 * s_iMebi - 1), true)},
         {"6 leave 200 MiB unfinished", 6, unfinished(200 * s_iMebi)},
+        {"4,000 devices", 1, crowd(iCrowd, {}), s_iCrowdMs},
+        {"4,000 devices, 1 acquires and releases", 1, crowd(iCrowd, manyOf(acquire + release)), s_iCrowdMs},
     };
 }
 

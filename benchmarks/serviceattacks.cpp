@@ -151,11 +151,32 @@ Attack burst(int a_iConnections, std::vector<double>* a_pTimes)
     };
 }
 
-QByteArray registration(const char* a_szId)
+Attack crowd(int a_iDevices, const QByteArray& a_always)
+{
+    return [=](std::uint16_t a_uiPort, const std::atomic<bool>& a_bEnd) {
+        raiseDescriptors();
+        std::vector<int> sockets;
+        bool bGood = true;
+        for (int i = 0; bGood && i < a_iDevices; ++i) {
+            sockets.push_back(connectTo(a_uiPort));
+            bGood = sendAll(sockets.back(), registration("crowd-" + QByteArray::number(i)), false, a_bEnd);
+        }
+        while (bGood && !a_always.isEmpty()) {
+            bGood = sendAll(sockets.front(), a_always, true, a_bEnd);
+        }
+        while (!a_bEnd) {
+            std::this_thread::sleep_for(s_pause);
+        }
+        std::for_each(sockets.begin(), sockets.end(), close);
+    };
+}
+
+QByteArray registration(const QByteArray& a_id, const char* a_szName)
 {
     Simulation::SimulationDeviceConfiguration configuration;
-    configuration.setId(QLatin1String(a_szId));
-    return QByteArray("<Command><RegisterSimulation Id=\"") + a_szId + "\"><SimulationDevice>" +
+    configuration.setId(QString::fromLatin1(a_id));
+    configuration.setName(QLatin1String(a_szName));
+    return "<Command><RegisterSimulation Id=\"" + a_id + "\"><SimulationDevice>" +
            configuration.toXml().replace('<', "&lt;") + "</SimulationDevice></RegisterSimulation></Command>";
 }
 

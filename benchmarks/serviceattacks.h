@@ -40,8 +40,13 @@ private:
 /// may be read after the attackers have ended. For one attacker only.
 [[nodiscard]] Attack burst(int a_iConnections, std::vector<double>* a_pTimes);
 
+/// Connects and registers so many devices, and then has the first send the bytes, if
+/// any, over and over. Only the first reads what it is sent. May have one attacker
+/// only.
+[[nodiscard]] Attack crowd(int a_iDevices, const QByteArray& a_always);
+
 // Commands of attackers
-[[nodiscard]] QByteArray registration(const char* a_szId);
+[[nodiscard]] QByteArray registration(const QByteArray& a_id, const char* a_szName = "");
 [[nodiscard]] QByteArray stateUpdate(const char* a_szId, int a_iState);
 [[nodiscard]] QByteArray bomb(std::int64_t a_iBytes);
 
