@@ -44,20 +44,13 @@ public:
     DeploymentDataXml& operator=(const DeploymentDataXml& a_other);
     ~DeploymentDataXml();
 
-    /// Reads a document afresh: what the object held is dropped once the root
-    /// is known to be "SimulationDeployment". False, with only errorString()
-    /// changed, when the root is another, there is none, or the file cannot be
-    /// read. A document that breaks off, is malformed or goes beyond a limit
-    /// (Limits::DeploymentObjects counts stations and devices together) keeps
-    /// what was read until there and gives true; only "true and errorString()
-    /// empty" is a whole deployment.
+    /// As ScenarioDataXml::fromXml(), with the root "SimulationDeployment".
+    /// Limits::DeploymentObjects counts stations and devices together.
     bool fromXml(const QByteArray& a_xml);
     bool fromXml(QIODevice* a_pDevice);
     bool fromXmlFile(const QString& a_sFile);
 
-    /// What went wrong in the last reading or writing; of a reading "line 3,
-    /// column 7: reason", without a place when it is about the file. Empty when
-    /// all was well.
+    /// As ScenarioDataXml::errorString().
     [[nodiscard]] QString errorString() const { return m_sErrorString; }
 
     /// The ids that several "Device", or "Station", elements of the document last
@@ -70,16 +63,11 @@ public:
     /// devices only name is bare, at (0, 0).
     [[nodiscard]] bool isStationDescribed(const QString& a_sId) const;
 
-    /// Writes the document. An empty persistent id is built and kept first, of
-    /// the name, the time and the machine. Empty, after one trace, when that
-    /// would be more than a reader accepts (Limits::DocumentBytes). Devices, or
-    /// stations, that share an id, now or when they were set, are reported by
-    /// errorString() and one trace: a reader gets one of them.
+    /// As ScenarioDataXml::toXml() and toXmlFile(). Devices, or stations, that
+    /// share an id, now or when they were set, are reported by errorString() and
+    /// one trace: a reader gets one of them.
     [[nodiscard]] QByteArray toXml();
-    /// The device must be open for writing; a failure is traced.
     void toXml(QIODevice* a_pDevice);
-    /// The file is replaced whole or, with false, not at all. Only "true and
-    /// errorString() empty" is a file from which all objects come back.
     [[nodiscard]] bool toXmlFile(const QString& a_sFile);
 
     [[nodiscard]] QString name() const { return m_sName; }
@@ -112,11 +100,8 @@ public:
     void setDevices(const QSet<std::shared_ptr<DeploymentDevice>>& a_devices);
     void setStations(const QSet<std::shared_ptr<DeploymentStation>>& a_stations);
 
-    /// Drops objects that no document holds, and takes apart those that then
-    /// hold only each other: a station and its devices would live for ever.
-    /// What anybody else still holds stays whole.
+    /// As ScenarioDataXml::releaseObjects(), for stations and their devices.
     static void releaseObjects(QSet<std::shared_ptr<DeploymentObject>>&& a_objects);
-    /// The same for one object: releaseObject(std::move(object)).
     static void releaseObject(std::shared_ptr<DeploymentObject> a_object);
 
 private:

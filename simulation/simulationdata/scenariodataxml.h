@@ -47,19 +47,17 @@ public:
     explicit ScenarioDataXml(ISignalPackageProvider* a_pProvider);
     ~ScenarioDataXml();
 
-    /// Reads a document afresh: what the object held is dropped once the root
-    /// is known to be "Scenario". False, with only errorString() changed, when the
+    /// Reads a document. The former objects are released once the root is known
+    /// to be "Scenario". Returns false, and changes errorString() alone, when the
     /// root is another, there is none, or the file cannot be read. A document
-    /// that breaks off, is malformed or goes beyond a limit keeps what was read
-    /// until there and gives true; only "true and errorString() empty" is a
-    /// whole scenario.
+    /// that breaks off, is malformed or exceeds a limit keeps what was read until
+    /// there and gives true: only "true and errorString() empty" is a whole one.
     bool fromXml(const QByteArray& a_xml);
     bool fromXml(QIODevice* a_pDevice);
     bool fromXmlFile(const QString& a_sFile);
 
-    /// What went wrong in the last reading or writing; of a reading "line 3,
-    /// column 7: reason", without a place when it is about the file. Empty when
-    /// all was well.
+    /// The error of the last reading or writing; of a reading "line 3, column 7:
+    /// reason", without a place when it concerns the file. Empty without an error.
     [[nodiscard]] QString errorString() const { return m_sErrorString; }
 
     /// The ids that several emitter elements of the document last read have,
@@ -125,9 +123,9 @@ public:
     [[nodiscard]] static QSet<std::shared_ptr<ScenarioObject>>
     objectsForXml(const QString& a_sXml, ISignalPackageProvider* a_pProvider);
 
-    /// Drops objects that no document holds, and takes apart those that then
-    /// hold only each other: an emitter that its own schedule names would live
-    /// for ever. What anybody else still holds stays whole.
+    /// Drops objects that no document holds and takes apart those that then only
+    /// hold each other: an emitter that its own schedule names would never be
+    /// freed. Objects that the caller still holds elsewhere stay whole.
     static void releaseObjects(QSet<std::shared_ptr<ScenarioObject>>&& a_objects);
     /// The same for one object: releaseObject(std::move(object)).
     static void releaseObject(std::shared_ptr<ScenarioObject> a_object);
