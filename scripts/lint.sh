@@ -28,6 +28,9 @@ cmake --preset debug -DSIMULATION_BUILD_BENCHMARKS=ON >/dev/null
 cmake --build --preset debug
 
 scratch=$(mktemp -d)
+# The compile commands without the precompiled headers, which only the compiler can
+# read and which hide that an include is missing.
+sed -E 's/-Winvalid-pch -include [^ ]*cmake_pch\.hxx//g' "$build/compile_commands.json" >"$scratch/compile_commands.json"
 trap 'rm -rf "$scratch"' EXIT
 
 # The largest sources first, so that the long checks begin early and all processors
@@ -67,4 +70,4 @@ done >"$scratch/changed"
 
 echo "lint.sh: $(($(tr --complement --delete '\0' <"$scratch/changed" | wc -c) / 2)) of ${#sources[@]} sources are checked, the others have not changed"
 xargs --null --max-procs="$(nproc)" --max-args=2 --no-run-if-empty sh -c \
-    'clang-tidy-14 -p build/debug --quiet "$1" && touch "$2"' lint <"$scratch/changed"
+    'clang-tidy-14 -p "$0" --quiet "$1" && touch "$2"' "$scratch" <"$scratch/changed"
