@@ -102,7 +102,7 @@ ScenarioFinding PackageRule::finding(const QString& a_sId, const Tally& a_tally)
             .arg(QString::number(a_tally.count), number("emission, at", "emissions, the first at"),
                  QString::number(a_tally.first));
     if (a_sId.isEmpty()) {
-        sText += number("names", "name") + QStringLiteral(" no signal package: ");
+        sText += number("has", "have") + QStringLiteral(" no signal package: ");
     } else {
         sText += number("uses", "use") + QStringLiteral(" the signal package \"") + a_sId +
                  QStringLiteral("\", which the provider does not know: ");
@@ -111,8 +111,8 @@ ScenarioFinding PackageRule::finding(const QString& a_sId, const Tally& a_tally)
         sText += number("it gets", "they get") + QStringLiteral(" the default package \"") + m_default->id() +
                  QStringLiteral("\".");
     } else {
-        sText += number("it stays as it is", "they stay as they are") +
-                 QStringLiteral(", for the provider has no default package.");
+        sText += number("it is", "they are") +
+                 QStringLiteral(" not changed, because the provider has no default package.");
     }
     return {{}, {}, ScenarioChecker::s_sInvalidSignalPackage, sText, m_default != nullptr};
 }

@@ -319,7 +319,7 @@ void TestArchive::refusedArchive_data()
     const QByteArray empty = QByteArray("PK\x05\x06") + QByteArray(18, '\0');
     QTest::newRow("nothing") << QByteArray() << "no zip directory";
     QTest::newRow("no archive") << QByteArray(100'000, 'P') << "no zip directory";
-    QTest::newRow("too many entries") << good << "claims 5 entries";
+    QTest::newRow("too many entries") << good << "declares 5 entries";
     QTest::newRow("claims fewer than it has")
         << patched(good, iEnd + s_iEndEntries - 2, QByteArray("\x01\0\x01\0", 4)) << "more than 4 entries";
     QTest::newRow("two directories") << good.left(iEnd) + end + end << "two directories";
@@ -331,7 +331,7 @@ void TestArchive::refusedArchive_data()
     QByteArray locator = QByteArray::fromHex("504B0607") + QByteArray(16, '\0');
     qToLittleEndian(static_cast<quint64>(iEnd), locator.data() + 8);
     QTest::newRow("wide directory of a trillion entries")
-        << good.left(iEnd) + wideEnd + locator + end << "claims 1099511627776 entries";
+        << good.left(iEnd) + wideEnd + locator + end << "declares 1099511627776 entries";
 }
 
 void TestArchive::refusedArchive()

@@ -112,7 +112,7 @@ void TestScenarioChecker::packages_data()
         << QStringList{u"a"_s, u"b"_s, u"a"_s, u"a"_s, u"a"_s};
     QTest::newRow("no default package") << QStringList{u"-"_s, u"b"_s} << QString()
                                         << QStringList{u"1 emission, at 1000 ms, has no signal package: it "
-                                                       u"stays as it is, for the provider "
+                                                       u"is not changed, because the provider "
                                                        "has no default package."_s}
                                         << QStringList{u"-"_s, u"b"_s};
     QTest::newRow("unknown default package")

@@ -202,7 +202,7 @@ void TestStreamDataFiles::refused_data()
     for (const QByteArray& header : {symbols, results}) {
         for (int i = 0; i < header.size(); ++i) {
             QTest::addRow("%d of %d bytes", i, static_cast<int>(header.size()))
-                << (header == results) << header.first(i) << QStringLiteral("only %1 of the ").arg(i);
+                << (header == results) << header.first(i) << QStringLiteral("has only %1 of ").arg(i);
         }
     }
 }

@@ -109,7 +109,7 @@ void TestConvert::reportsLosses_data()
 {
     QTest::addColumn<QByteArray>("input");
     QTest::addColumn<QString>("message"); ///< part of the error text; if set the exit code is 1
-    QTest::addColumn<QString>("told");    ///< lines
+    QTest::addColumn<QString>("logged");  ///< lines
 
     const auto add = [](const char* a_szRow, const QByteArray& a_input, const char* a_szLogged,
                         const char* a_szMessage = "") {

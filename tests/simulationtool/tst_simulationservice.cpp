@@ -163,7 +163,7 @@ struct LoggedService
     explicit LoggedService(std::chrono::milliseconds a_timeout = SimulationService::s_timeout)
         : service(a_timeout)
     {
-        QObject::connect(&service, &SimulationService::told, &service,
+        QObject::connect(&service, &SimulationService::logged, &service,
                          [this](const QString& a_sLine) { lines.append(a_sLine); });
         static_cast<void>(service.listen(QHostAddress::LocalHost, 0));
     }

@@ -411,7 +411,7 @@ void TestWireCommands::badPeer_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<bool>("closes");
-    QTest::addColumn<QString>("told");
+    QTest::addColumn<QString>("logged");
 
     const QByteArray payload = "<Command><LoadScenario><ScenarioData>" + QByteArray(1 << 20, 'A');
     QTest::newRow("garbage") << QByteArray("GET / HTTP/1.1\r\n\r\n") << false << "dropped: ";
@@ -568,7 +568,7 @@ void TestWireCommands::oddStart_data()
 {
     QTest::addColumn<quint64>("ahead"); // us
     QTest::addColumn<uint>("time");
-    QTest::addColumn<QString>("told");
+    QTest::addColumn<QString>("logged");
     QTest::newRow("past the end") << quint64{0} << UINT_MAX
                                   << "rx: not started: the scenario ends at 60000 ms, before 4294967295 ms";
     QTest::newRow("later") << quint64{3600'500'000} << 0U << "rx: starts in 3600 s\n";
@@ -627,7 +627,7 @@ void TestWireCommands::pauseOfNothing()
 void TestWireCommands::loadReportsDevices_data()
 {
     QTest::addColumn<ScenarioDataState>("state");
-    QTest::addColumn<QString>("told");
+    QTest::addColumn<QString>("logged");
     QTest::newRow("fails") << ScenarioDataState::Failed << "rx rx failed -";
     QTest::newRow("never ends") << ScenarioDataState::Loading << "rx rx loading -";
 }
@@ -656,7 +656,7 @@ void TestWireCommands::loadReportsDevices()
 void TestWireCommands::refused_data()
 {
     QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("told");
+    QTest::addColumn<QString>("logged");
     const auto row = [](const char* a_szName, const char* a_szArguments, const char* a_szLogged) {
         QTest::newRow(a_szName) << QString::fromUtf8(a_szArguments).split(u' ')
                                 << QString::fromLatin1(a_szLogged);

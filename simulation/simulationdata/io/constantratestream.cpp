@@ -50,7 +50,7 @@ bool ConstantRateStream::readHeader(std::span<char> a_header, QString* a_pReason
     const auto iBytes = static_cast<qint64>(a_header.size());
     const qint64 iRead = readAt(m_file, m_iFirstByte - iBytes, a_header.data(), iBytes);
     if (iRead != iBytes) {
-        *a_pReason = QStringLiteral("only %1 of the %2 bytes before the first item")
+        *a_pReason = QStringLiteral("the file has only %1 of %2 bytes before the first item")
                          .arg(QString::number(m_iFirstByte - iBytes + iRead), QString::number(m_iFirstByte));
         return false;
     }
