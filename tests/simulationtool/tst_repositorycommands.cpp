@@ -288,7 +288,7 @@ void TestRepositoryCommands::inspectFile_data()
     add("x.ssf", "", 2, "Size 0 bytes", "refused: the header has only 0 of 35 bytes");
     add("symbols", symbolFile(), 0, "Valency 4", "whole");
     add("x.SDF", symbolFile().left(30), 2, "Symbol data file",
-        "refused: only 30 of the 41 bytes before the first item");
+        "refused: the file has only 30 of 41 bytes before the first item");
     add("results", resultFile(10.0F), 0, "Duration 1000 ms", "whole");
     add("results", resultFile(0.0F), 1, "Items 10", "whole, but by its rate and count nothing can be read");
     add("audio", m_audio, 0, "For packages yes", "whole");

@@ -615,7 +615,7 @@ void TestWireCommands::pauseOfNothing()
     QCOMPARE(control("pause 59950").code, 0);
     QVERIFY(device->says(sNothing, 2));
 
-    QCOMPARE(control("start").code, 0);
+    QCOMPARE(control("start 0").code, 0);
     for (const char* const szOrder : {"pause 500", "pause 700"}) {
         QCOMPARE(control(szOrder).code, 0);
     }
@@ -684,7 +684,7 @@ void TestWireCommands::refused_data()
     row("service timeout", "service --timeout 0",
         "service: --timeout needs a whole number of seconds from 1");
     row("foreign address", "service --port 0 --address 192.0.2.1", "service: cannot listen on 192.0.2.1:0");
-    row("device without id", "device", "device: --id is needed");
+    row("device without id", "device", "device: --id must be given");
     row("unprintable id", "device --id \x01", "device: --id needs at most 255 characters");
     row("line separator", "device --id a\u2028b", "device: --id needs at most 255 characters");
     row("step", "device --id a --step 0", "device: --step needs a time from 1 to 4294967295 ms");
