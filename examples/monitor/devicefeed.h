@@ -50,7 +50,7 @@ Q_SIGNALS:
     /// The table may have changed. Emitted at least after every list.
     void updated();
 
-    /// What the service sends cannot be read, and nothing more of it is over this
+    /// The data of the service cannot be read; nothing more is read over this
     /// connection.
     void unreadable(const QString& a_sError);
 

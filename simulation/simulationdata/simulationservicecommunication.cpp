@@ -48,7 +48,7 @@ void SimulationServiceCommunication::setSocket(QTcpSocket* a_pSocket)
     connect(m_pSeparator, &XmlSeparator::xmlReceived, this, &SimulationServiceCommunication::slotXmlReceived);
     connect(m_pSeparator, &XmlSeparator::errorOccured, this,
             &SimulationServiceCommunication::slotErrorOccured);
-    // Queued as the documents are, which were received before the error.
+    // Queued like the documents, so that those received before the error come first.
     connect(
         m_pSeparator, &XmlSeparator::errorOccured, m_pSeparator,
         [this, pSeparator = m_pSeparator](const QString& a_sError) {
@@ -57,9 +57,9 @@ void SimulationServiceCommunication::setSocket(QTcpSocket* a_pSocket)
             }
         },
         Qt::QueuedConnection);
-    // The other end of a new connection knows nothing of the half document that
-    // the old one may have left. The state changes before connected() is emitted,
-    // in whose slots users already send.
+    // An unfinished document of the old connection is dropped. This uses the change of
+    // state, because users already send in slots on connected(), which is emitted
+    // after it.
     connect(a_pSocket, &QTcpSocket::stateChanged, m_pSeparator,
             [this, pSeparator = m_pSeparator](QAbstractSocket::SocketState a_eState) {
                 if (a_eState == QAbstractSocket::ConnectedState) {
@@ -79,7 +79,7 @@ qint64 SimulationServiceCommunication::unfinishedBytes() const
     return m_pSeparator != nullptr ? m_pSeparator->unfinishedBytes() : 0;
 }
 
-/// Ends the reading of that socket, of those that have died when it is null.
+/// Ends the reading of that socket; null means sockets that have been deleted.
 void SimulationServiceCommunication::dropSeparators(const QTcpSocket* a_pSocket)
 {
     for (XmlSeparator* const pSeparator : findChildren<XmlSeparator*>(Qt::FindDirectChildrenOnly)) {
@@ -132,7 +132,7 @@ void SimulationServiceCommunication::sendCommand(const XmlElement& a_command)
 void SimulationServiceCommunication::sendPayload(XmlElement a_command, const QString& a_sName,
                                                  const QByteArray& a_data)
 {
-    if (isSending()) { // or compressing would be wasted
+    if (isSending()) { // otherwise compressing would be wasted
         a_command.setChildUtf8(a_sName, compressPayload(a_data, m_bCompression));
         sendCommand(a_command);
     }
@@ -141,7 +141,7 @@ void SimulationServiceCommunication::sendPayload(XmlElement a_command, const QSt
 // NOLINTNEXTLINE(readability-identifier-naming)
 void SimulationServiceCommunication::slotXmlReceived(const QByteArray& Xml)
 {
-    // Building the tree of a large document takes time and memory, too.
+    // Building the tree of a large document also takes time and memory.
     const std::optional<PeekedNames> peeked = m_filter ? peekedNames(Xml) : std::nullopt;
     if (peeked && !peeked->root.isEmpty() && peeked->root != QLatin1String("Command")) {
         traceError(s_szSource, [&] { return QStringLiteral("Invalid xml: ") + peeked->root; });

@@ -21,18 +21,17 @@ namespace Simulation {
 
 class XmlElement;
 
-/// One end of the protocol by which editors, the simulation service and
-/// simulation devices talk over TCP. Both ends are of this class: every command
-/// has a slot that sends it and a signal for its arrival.
+/// One end of the TCP protocol between editors, the simulation service and
+/// simulation devices. Both ends use this class: every command has a slot that sends
+/// it and a signal for its arrival.
 ///
-/// Lives on the thread of the socket's event loop. Signals come from the event
-/// loop, never out of a read or a send; the object may be deleted in a slot on
-/// one of them. Commands that are unknown, incomplete or broken are traced and
-/// passed over. What cannot be parsed as a stream of documents is traced once,
-/// reported to the stream error handler, and ends the reading until the next
-/// connection or setSocket().
+/// Lives on the thread of the socket's event loop. Signals are emitted from the event
+/// loop, never inside a read or a send; a slot may delete the object. Unknown,
+/// incomplete and invalid commands are traced and skipped. Bytes that are not a
+/// stream of documents are an error: it is traced once, passed to the stream error
+/// handler, and ends the reading until the next connection or setSocket().
 ///
-/// Texts that are sent lose the characters that XML forbids.
+/// Characters that XML forbids are removed from the texts that are sent.
 class SIMULATIONDATA_EXPORT SimulationServiceCommunication : public QObject
 {
     Q_OBJECT
@@ -42,32 +41,34 @@ public:
     explicit SimulationServiceCommunication(QTcpSocket* a_pSocket);
     ~SimulationServiceCommunication() override;
 
-    /// Talks over that socket from now on; it is not owned and may die first.
+    /// Sends and receives over that socket from now on. The socket is not owned and
+    /// may be deleted first.
     ///
-    /// Null ends the talk: nothing is received over the socket in use any more,
-    /// not even commands that have arrived and wait for the event loop, and what
-    /// is sent goes nowhere. The socket's read buffer is without bound again, so
-    /// the socket notices its end unread, too: close it, or read it. A socket that
-    /// was set before begins afresh. Another
-    /// socket takes the sending over, while the earlier one is still listened to;
-    /// set null between to end it.
+    /// Null ends the communication: no command is received over the current socket
+    /// any more, not even one that has arrived and waits for the event loop, and
+    /// nothing is sent. The socket's read buffer has no limit then, so the socket
+    /// detects the end of its connection even with unread bytes: close it, or read it.
+    /// Setting the same socket again starts with an empty stream. When another socket
+    /// replaces the current one, commands are sent over the new one and still received
+    /// over both; set null in between to end the former.
     ///
-    /// When the socket connects anew, a half command of the old connection is
-    /// forgotten: it may be set once for all its connections.
+    /// A socket may be set once for all its connections: a new connection drops an
+    /// unfinished command of the old one.
     void setSocket(QTcpSocket* a_pSocket);
 
-    /// Null also when it has died.
+    /// The socket in use; null if none is set or it has been deleted.
     [[nodiscard]] QTcpSocket* socket() const;
 
-    /// Whether scenarios, deployments and device descriptors are compressed:
-    /// true at first. Both ends must agree: the commands do not carry it.
+    /// Whether scenarios, deployments and device descriptors are compressed; true by
+    /// default. Both ends must use the same value, because commands do not contain it.
     /// Without compression only Latin-1 text without control characters arrives
-    /// as it was.
+    /// unchanged.
     void setCompression(bool a_bOn) { m_bCompression = a_bOn; }
 
-    /// Whether a command could not be handed to the socket whole since it was
-    /// set or has connected: the peer does not read, is gone, or would refuse
-    /// the command for its size. It lacks that command, so drop it.
+    /// Whether a command could not be passed completely to the socket since the socket
+    /// was set or has connected: the peer does not read, has disconnected, or would
+    /// refuse the command because of its size. The peer lacks that command, so close
+    /// the connection.
     [[nodiscard]] bool hasLostCommands() const { return m_bLostCommands; }
 
     /// Decides whether a command that has arrived is processed, by its name on the
@@ -75,32 +76,31 @@ public:
     /// empty when the first 256 KiB of a larger document do not show it.
     using CommandFilter = std::function<bool(const QString& a_sCommand, qsizetype a_iBytes)>;
 
-    /// Has the filter asked once about every command, known or not, before its
-    /// parts are looked at and its payload is decoded: a receiver that refuses it
-    /// spares itself their time and memory, which may be a thousand times those
-    /// of the document. A refused command is traced and not signalled. Without a
-    /// filter, or with an empty one, all commands are processed.
+    /// Sets a filter that is asked once about every command, known or not, before its
+    /// parts are read and its payload is decoded. Refusing a command saves their time
+    /// and memory, which may be a thousand times those of the document. A refused
+    /// command is traced and not signalled. Without a filter, or with an empty one, all
+    /// commands are processed.
     ///
     /// The filter is called from the event loop, on the thread of the socket. It
     /// may send, but must neither delete this object nor set a filter or a socket.
     void setCommandFilter(CommandFilter a_filter) { m_filter = std::move(a_filter); }
 
-    /// Takes the error text, which may quote what the peer sent and be long.
+    /// Receives the error text, which may be long and quote bytes of the peer.
     using StreamErrorHandler = std::function<void(const QString& a_sError)>;
 
-    /// Has the handler called when nothing more is read over the socket in use,
-    /// because what it receives is not a stream of documents or exceeds a limit:
-    /// once for each connection, from the event loop, after the signals of all
-    /// commands that were received before. The handler may close the socket, set
-    /// another one, or delete this object later. An empty one is not called.
+    /// Sets a handler that is called when reading from the socket in use has ended,
+    /// because its bytes are not a stream of documents or exceed a limit. It is called
+    /// once for each connection, from the event loop, after the signals of all commands
+    /// that were received before. The handler may close the socket, set another one, or
+    /// delete this object later. An empty handler is not called.
     void setStreamErrorHandler(StreamErrorHandler a_handler) { m_streamErrorHandler = std::move(a_handler); }
 
-    /// How much is held of a document that has begun to arrive over the socket in
-    /// use, and whose end has not (bytes): 0 between documents and without a
-    /// socket.
+    /// The number of bytes held of a document that has arrived only in part over the
+    /// socket in use; 0 between documents and without a socket.
     [[nodiscard]] qint64 unfinishedBytes() const;
 
-    /// Sends commands through the slots of the object that it is given.
+    /// Sends commands through the slots of the given object.
     using CommandSender = std::function<void(SimulationServiceCommunication&)>;
 
     /// Returns the bytes that the slots called by the function would write to a
@@ -109,16 +109,16 @@ public:
     /// one trace, when a command exceeds Limits::DocumentBytes.
     [[nodiscard]] static QByteArray encode(const CommandSender& a_send);
 
-    /// Writes bytes of encode() to the socket, like the slots that send. A caller
-    /// that gives them in pieces sends nothing else in between.
+    /// Writes bytes of encode() to the socket, like the slots that send. A caller that
+    /// passes them in pieces must not send anything else in between.
     void sendEncoded(const QByteArray& a_bytes);
 
-    /// The text by which the service confirms a device, 28 characters: made
-    /// from its id, machine, machine id and type. The device compares it with
-    /// its own.
+    /// The text with which the service confirms a device: 28 characters, made from the
+    /// device's id, machine, machine id and type. The device compares it with the text
+    /// that it has made itself.
     [[nodiscard]] static QString createConfirmation(const SimulationDeviceConfiguration& a_device);
 
-    // The order of signals and slots is part of the interface: keep it.
+    // The order of signals and slots is part of the interface and must not change.
 Q_SIGNALS:
     void registerSimulationDevice(const QString& a_sId, const SimulationDeviceConfiguration& a_device);
     void simulationDeviceStateUpdate(const QString& a_sId, const SimulationDeviceState& a_state);

@@ -12,9 +12,9 @@
 
 namespace Simulation {
 
-// The commands of the protocol: what reads one stands above what writes it. A
-// reader gives false, and signals nothing, when a part is missing or does not
-// convert. After its signal it touches nothing: the receiver may be gone.
+// The commands of the protocol, each reader above its writer. A reader returns false,
+// without a signal, when a part is missing or does not convert. After its signal it
+// does not use the receiver, which a slot may have deleted.
 
 namespace {
 
@@ -24,7 +24,7 @@ constexpr const char* s_szSource = "simulation/simulationdata/simulationservicec
 
 constexpr QLatin1String s_root("Command");
 constexpr QLatin1String s_registerSimulation("RegisterSimulation");
-constexpr QLatin1String s_stateUpdate("SimulationDeveiceStateUpdate"); // the protocol spells it so
+constexpr QLatin1String s_stateUpdate("SimulationDeveiceStateUpdate"); // the spelling is part of the protocol
 constexpr QLatin1String s_unregisterSimulation("UnregisterSimulation");
 constexpr QLatin1String s_addJxDevice("AddJxDevice");
 constexpr QLatin1String s_removeJxDevice("RemoveJxDevice");
@@ -55,7 +55,7 @@ constexpr QLatin1String s_on("On");
 constexpr QLatin1String s_device("Device");
 constexpr QLatin1String s_data("Data");
 
-/// A document with nothing but the command in it.
+/// A document that contains only the command.
 XmlElement newCommand(QLatin1String a_name)
 {
     return XmlElement::create(s_root).appendChild(a_name);
@@ -68,7 +68,7 @@ XmlElement newCommand(QLatin1String a_name, QLatin1String a_attribute, const QSt
     return command;
 }
 
-/// Reads a command that is its name only.
+/// Reads a command without parts.
 template<auto Signal>
 bool readBare(ReceivedCommand& a_received)
 {
@@ -269,8 +269,8 @@ void Communication::sendTestModeOn(bool a_bOn)
     sendCommand(command);
 }
 
-/// A device whose record has gaps is a device all the same. A record that is no
-/// XML is one without anything; there may be many, so they are traced together.
+/// A device whose record lacks fields is added with their default values, and so is one
+/// whose record is not XML. There may be many such records, so one trace reports all.
 static bool readResponseSimulationDevices(ReceivedCommand& a_received)
 {
     QVector<SimulationDeviceConfiguration> devices;
@@ -360,7 +360,7 @@ constexpr std::array<Command, 17> s_commands{{
 std::optional<PeekedNames> peekedNames(const QByteArray& a_document)
 {
     constexpr qsizetype iShort = 16'384;
-    constexpr qsizetype iPiece = 1024; // more than enough for what our senders write
+    constexpr qsizetype iPiece = 1024; // enough for the names that our senders write
     constexpr qsizetype iMost = 262'144;
     if (a_document.size() <= iShort) {
         return std::nullopt;

@@ -21,7 +21,7 @@ struct PeekedNames
     QString command;
 };
 
-/// No value for a document so short that reading it whole costs no more.
+/// No value for a short document, of which reading the whole costs no more.
 [[nodiscard]] std::optional<PeekedNames> peekedNames(const QByteArray& a_document);
 
 /// A received command and the signal that it triggers.
@@ -32,14 +32,14 @@ public:
 
     [[nodiscard]] const XmlElement& element() const { return m_element; }
 
-    /// Decodes the child's text; empty after one trace when that fails. The
-    /// document is let go before, since both may be large: ask for everything
-    /// else first, and keep no other handle.
+    /// Decodes the child's text; empty after one trace when that fails. Releases the
+    /// document before, because both may be large: read all other parts first, and keep
+    /// no other handle to the document.
     [[nodiscard]] QByteArray takePayload(QLatin1String a_name);
 
-    /// Checks the command as a whole and signals it. False, and nothing is
-    /// signalled, when it is unknown, incomplete or holds what does not convert.
-    /// The receiver may be gone afterwards.
+    /// Checks the complete command and emits its signal. False, without a signal, when
+    /// the command is unknown or incomplete or contains a value that does not convert.
+    /// A slot may have deleted the receiver afterwards.
     bool process();
 
     /// The object whose signals are to be emitted.
@@ -58,8 +58,7 @@ private:
 /// Returns the bytes of such a text. Empty, with the error text in `*a_pError`, when
 /// they cannot be decompressed or exceed Limits::InflatedBytes.
 ///
-/// Takes the text over, so that no more than the text and the result are held
-/// at a time.
+/// Takes the text over, so that only the text and the result are in memory at a time.
 [[nodiscard]] QByteArray uncompressPayload(QByteArray&& a_text, bool a_bCompressed, QString* a_pError);
 
 } // namespace Simulation
