@@ -54,11 +54,7 @@ QByteArray ownText(pugi::xml_node a_element)
 /// no cleaning.
 bool isCleanAscii(const QByteArray& a_text)
 {
-    constexpr signed char cFirstPrintable = 0x20; // bytes beyond ASCII are negative
-    return std::all_of(a_text.cbegin(), a_text.cend(), [](char a_cByte) {
-        return static_cast<signed char>(a_cByte) >= cFirstPrintable || a_cByte == '\n' || a_cByte == '\r' ||
-               a_cByte == '\t';
-    });
+    return xmlAsciiBytes(a_text) == a_text.size();
 }
 
 /// Checks the text before it is parsed. Returns the error text, empty when there is

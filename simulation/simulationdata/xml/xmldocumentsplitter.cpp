@@ -67,14 +67,8 @@ QByteArrayView utf8Part(QByteArrayView a_bytes)
 /// except inside a reference.
 bool isPlainText(QByteArrayView a_bytes)
 {
-    constexpr unsigned char ucFirstPrintable = 0x20;
-    constexpr unsigned char ucFirstNonAscii = 0x80;
-    return std::all_of(a_bytes.begin(), a_bytes.end(), [](char a_cByte) {
-        const auto ucByte = static_cast<unsigned char>(a_cByte);
-        const bool bPrintable = ucByte >= ucFirstPrintable && ucByte < ucFirstNonAscii;
-        return (bPrintable || a_cByte == '\n' || a_cByte == '\r' || a_cByte == '\t') && a_cByte != '<' &&
-               a_cByte != '&' && a_cByte != ']';
-    });
+    return !a_bytes.contains('<') && !a_bytes.contains('&') && !a_bytes.contains(']') &&
+           xmlAsciiBytes(a_bytes) == a_bytes.size();
 }
 
 } // namespace

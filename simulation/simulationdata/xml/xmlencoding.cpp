@@ -293,6 +293,30 @@ bool isXmlCharacter(char32_t a_cCode)
            (a_cCode < cFirstNonCharacter || a_cCode > cLastNonCharacter);
 }
 
+qsizetype xmlAsciiBytes(QByteArrayView a_bytes)
+{
+    constexpr qsizetype iBlockBytes = 64;
+    constexpr unsigned char ucFirstPrintable = 0x20;
+    const auto isOther = [](char a_cByte) {
+        const auto ucByte = static_cast<unsigned char>(a_cByte);
+        const bool bBlank = a_cByte == '\n' || a_cByte == '\r' || a_cByte == '\t';
+        return (ucByte < ucFirstPrintable && !bBlank) || ucByte >= s_ucFirstNonAscii;
+    };
+    qsizetype i = 0;
+    // Without a branch for each byte, the compiler checks many at once.
+    for (; a_bytes.size() - i >= iBlockBytes; i += iBlockBytes) {
+        const char* const pBlock = a_bytes.data() + i;
+        unsigned char ucOther = 0;
+        for (qsizetype j = 0; j < iBlockBytes; ++j) {
+            ucOther |= static_cast<unsigned char>(isOther(pBlock[j]));
+        }
+        if (ucOther != 0) {
+            break;
+        }
+    }
+    return std::find_if(a_bytes.begin() + i, a_bytes.end(), isOther) - a_bytes.begin();
+}
+
 qsizetype utf8MarkBytes(QByteArrayView a_bytes)
 {
     return a_bytes.startsWith(s_utf8Mark) ? s_utf8Mark.size() : 0;

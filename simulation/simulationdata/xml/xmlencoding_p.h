@@ -22,6 +22,10 @@ struct Utf8Character
 /// Whether XML 1.0 allows the character.
 [[nodiscard]] bool isXmlCharacter(char32_t a_cCode);
 
+/// The number of bytes before the first one that is not an ASCII character which XML
+/// allows.
+[[nodiscard]] qsizetype xmlAsciiBytes(QByteArrayView a_bytes);
+
 /// The size (bytes) of a UTF-8 byte-order mark at the start: 3, or 0 when there is
 /// none.
 [[nodiscard]] qsizetype utf8MarkBytes(QByteArrayView a_bytes);

@@ -97,8 +97,9 @@ bool XmlValidator::validate()
 /// Checks that all bytes are UTF-8 and no character is forbidden.
 bool XmlValidator::characters()
 {
-    const bool bUtf8 = m_bytes.isValidUtf8();
-    for (qsizetype i = 0; i < m_bytes.size(); ++i) {
+    qsizetype i = xmlAsciiBytes(m_bytes);
+    const bool bUtf8 = m_bytes.sliced(i).isValidUtf8();
+    for (; i < m_bytes.size(); ++i) {
         const auto c = static_cast<signed char>(m_bytes[i]);
         if (c >= s_cFirstPrintable || isBlank(m_bytes[i])) {
             continue;
@@ -347,9 +348,11 @@ bool XmlValidator::text()
 {
     qsizetype iEnd = m_bytes.indexOf('<', m_iPos);
     iEnd = iEnd < 0 ? m_bytes.size() : iEnd;
-    const qsizetype iSection = m_bytes.sliced(m_iPos, iEnd - m_iPos).indexOf(s_sectionEnd);
-    if (iSection >= 0) {
-        return fail(m_iPos + iSection, QStringLiteral("\"]]>\" in text"));
+    const QByteArrayView content = m_bytes.sliced(m_iPos, iEnd - m_iPos);
+    for (qsizetype i = content.indexOf('>'); i >= 0; i = content.indexOf('>', i + 1)) {
+        if (content.first(i + 1).endsWith(s_sectionEnd)) {
+            return fail(m_iPos + i + 1 - s_sectionEnd.size(), QStringLiteral("\"]]>\" in text"));
+        }
     }
     if (!references(iEnd)) {
         return false;
