@@ -61,14 +61,19 @@ bool isCleanAscii(const QByteArray& a_text)
 /// none, and then sets `*a_pRoot` to the bytes of the root element.
 QString errorText(QByteArrayView a_text, QByteArrayView* a_pRoot)
 {
-    XmlScanner scanner;
-    scanner.feed(a_text);
-    if (scanner.hasError()) {
-        const XmlScanner::Error& error = scanner.error();
-        return xmlErrorText({error.line, error.column}, error.reason);
-    }
     XmlValidator validator(a_text);
-    if (!validator.validate()) {
+    const bool bValid = validator.validate();
+    if (!bValid || !validator.isPlain()) {
+        // An exceeded limit is reported before any other error, and only the scanner
+        // knows the limits of document types.
+        XmlScanner scanner;
+        scanner.feed(a_text);
+        if (scanner.hasError()) {
+            const XmlScanner::Error& error = scanner.error();
+            return xmlErrorText({error.line, error.column}, error.reason);
+        }
+    }
+    if (!bValid) {
         return xmlErrorText(advanced({}, a_text.first(validator.errorOffset())), validator.reason());
     }
     *a_pRoot = validator.root();

@@ -21,6 +21,7 @@ constexpr QByteArrayView s_instructionOpen("<?");
 constexpr QByteArrayView s_instructionEnd("?>");
 constexpr qsizetype s_iNamesCompared = 8; ///< up to this number comparing is faster than hashing
 constexpr qsizetype s_iShownBytes = 40;   ///< of a name in an error text
+constexpr qsizetype s_iPlainName = 1000;  ///< bytes; some parsers refuse names of 4096
 constexpr char s_cFirstPrintable = 0x20;
 
 bool isBlank(char a_cByte)
@@ -79,6 +80,9 @@ bool isKnownEntity(QByteArrayView a_name)
 
 XmlValidator::XmlValidator(QByteArrayView a_bytes)
     : m_bytes(a_bytes)
+    , m_uiMaxElements(Limits::value(Limits::RecordElements))
+    , m_uiMaxDepth(Limits::value(Limits::NestingDepth))
+    , m_uiMaxAttributes(Limits::value(Limits::ElementAttributes))
 {}
 
 bool XmlValidator::validate()
@@ -129,6 +133,7 @@ bool XmlValidator::declaration()
     if (!isAt(s_declarationOpen) || m_bytes.size() <= iBlank || !isBlank(m_bytes[iBlank])) {
         return true;
     }
+    m_bPlain = false;
     m_iPos = iBlank;
     if (!attributes() || !skip(s_instructionEnd)) {
         return fail(m_iPos, QStringLiteral("malformed XML declaration"));
@@ -154,6 +159,10 @@ bool XmlValidator::misc(bool a_bInProlog)
     bool bDoctypeAllowed = a_bInProlog;
     for (skipBlanks(); m_iPos < m_bytes.size(); skipBlanks()) {
         bool bPassed = false;
+        if (a_bInProlog && isAt('<') && !isAt("<!") && !isAt(s_instructionOpen)) {
+            return true;
+        }
+        m_bPlain = false;
         if (isAt(s_commentOpen)) {
             bPassed = comment();
         } else if (isAt(s_instructionOpen)) {
@@ -161,8 +170,6 @@ bool XmlValidator::misc(bool a_bInProlog)
         } else if (isAt(s_doctypeOpen) && bDoctypeAllowed) {
             bDoctypeAllowed = false;
             bPassed = doctype();
-        } else if (a_bInProlog && isAt('<') && !isAt("<!")) {
-            return true;
         } else {
             const bool bElement = isAt('<') && !isAt("<!") && !isAt("</");
             return fail(m_iPos, bElement ? QStringLiteral("a second root element")
@@ -215,6 +222,10 @@ bool XmlValidator::markup()
     if (isAt("</")) {
         return endTag();
     }
+    if (!isAt("<!") && !isAt(s_instructionOpen)) {
+        return startTag();
+    }
+    m_bPlain = false;
     if (isAt(s_commentOpen)) {
         return comment();
     }
@@ -227,11 +238,17 @@ bool XmlValidator::markup()
 bool XmlValidator::startTag()
 {
     QByteArrayView tag;
-    if (++m_uiElements > Limits::value(Limits::RecordElements)) {
+    if (++m_uiElements > m_uiMaxElements) {
         return fail(m_iPos, Limits::exceeded(Limits::RecordElements));
     }
     ++m_iPos;
-    if (!name(&tag) || !attributes()) {
+    if (!name(&tag)) {
+        return false;
+    }
+    if (m_open.size() >= m_uiMaxDepth) {
+        return fail(m_iPos, Limits::exceeded(Limits::NestingDepth));
+    }
+    if (!attributes()) {
         return false;
     }
     if (skip("/>")) {
@@ -298,6 +315,9 @@ bool XmlValidator::attribute()
     if (!isAt('"') && !isAt('\'')) {
         return fail(m_iPos, QStringLiteral("the value of attribute \"%1\" has no quotes").arg(shown(key)));
     }
+    if (m_names.size() > m_uiMaxAttributes && m_uiElements > 0) { // not of the XML declaration
+        return fail(m_iPos, Limits::exceeded(Limits::ElementAttributes));
+    }
     const char cQuote = m_bytes[m_iPos++];
     const qsizetype iEnd = m_bytes.indexOf(cQuote, m_iPos);
     if (iEnd < 0) {
@@ -340,6 +360,10 @@ bool XmlValidator::name(QByteArrayView* a_pName)
 {
     *a_pName = m_bytes.sliced(m_iPos, xmlNameLength(m_bytes.sliced(m_iPos)));
     m_iPos += a_pName->size();
+    m_bPlain = m_bPlain && a_pName->size() <= s_iPlainName &&
+               std::all_of(a_pName->begin(), a_pName->end(), [](char a_cByte) {
+                   return static_cast<signed char>(a_cByte) > 0 && a_cByte != ':';
+               });
     return !a_pName->isEmpty() || fail(m_iPos, QStringLiteral("a name is missing or malformed"));
 }
 

@@ -12,7 +12,8 @@ namespace Simulation {
 /// Checks whether UTF-8 bytes without a byte-order mark are a well-formed XML
 /// document, because the parser that XmlElement uses accepts many that are not.
 /// Linear in the bytes, not recursive; memory grows only with the depth. Exceeding
-/// Limits::RecordElements is an error, too. One object checks one document.
+/// Limits::RecordElements, NestingDepth or ElementAttributes is an error, too. One
+/// object checks one document.
 ///
 /// A document type is skipped: entities that it defines are unknown, and a
 /// reference to one is an error.
@@ -24,6 +25,11 @@ public:
 
     /// False at the first error, with reason() and errorOffset().
     [[nodiscard]] bool validate();
+
+    /// Whether a valid document is plain: a well-formed element of tags, text and
+    /// references, whose names are ASCII without colons and not very long, with at
+    /// most blanks around it. All parsers read it alike.
+    [[nodiscard]] bool isPlain() const { return m_bPlain; }
 
     /// The place of the error (bytes from the start).
     [[nodiscard]] qsizetype errorOffset() const { return m_iError; }
@@ -68,6 +74,10 @@ private:
     QByteArrayView m_firstValue;         ///< of the first attribute
     QByteArrayView m_root;
     std::uint64_t m_uiElements = 0;
+    const std::uint64_t m_uiMaxElements;
+    const std::uint64_t m_uiMaxDepth;
+    const std::uint64_t m_uiMaxAttributes;
+    bool m_bPlain = true; ///< so far
     qsizetype m_iError = 0;
     QString m_sReason;
 };
