@@ -151,7 +151,8 @@ void SimulationServiceCommunication::slotXmlReceived(const QByteArray& Xml)
         return;
     }
     QString sError;
-    XmlElement root = XmlElement::parse(Xml, &sError);
+    const bool bPlain = m_pSeparator != nullptr && m_pSeparator->isPlain(Xml);
+    XmlElement root = bPlain ? XmlElement::parsePlain(Xml, &sError) : XmlElement::parse(Xml, &sError);
     if (root.tagName() != QLatin1String("Command")) {
         traceError(s_szSource, [&] {
             return QStringLiteral("Invalid xml: %1").arg(root.isNull() ? sError : root.tagName());

@@ -80,6 +80,19 @@ QString errorText(QByteArrayView a_text, QByteArrayView* a_pRoot)
     return {};
 }
 
+/// Null with the error text when the parser refuses the bytes of a root element.
+std::shared_ptr<pugi::xml_document> loadRoot(QByteArrayView a_root, QString* a_pError)
+{
+    auto pDocument = std::make_shared<pugi::xml_document>();
+    const pugi::xml_parse_result result = pDocument->load_buffer(
+        a_root.data(), static_cast<std::size_t>(a_root.size()), s_uiParseFlags, pugi::encoding_utf8);
+    if (!result) {
+        *a_pError = QString::fromLatin1(result.description());
+        return nullptr;
+    }
+    return pDocument;
+}
+
 /// Null with the error text when the bytes are refused.
 std::shared_ptr<pugi::xml_document> load(const QByteArray& a_bytes, QString* a_pError)
 {
@@ -97,14 +110,7 @@ std::shared_ptr<pugi::xml_document> load(const QByteArray& a_bytes, QString* a_p
         return nullptr;
     }
     // The parser gets the root element only: what surrounds it is checked already.
-    auto pDocument = std::make_shared<pugi::xml_document>();
-    const pugi::xml_parse_result result = pDocument->load_buffer(
-        root.data(), static_cast<std::size_t>(root.size()), s_uiParseFlags, pugi::encoding_utf8);
-    if (!result) {
-        *a_pError = QString::fromLatin1(result.description());
-        return nullptr;
-    }
-    return pDocument;
+    return loadRoot(root, a_pError);
 }
 
 } // namespace
@@ -121,6 +127,12 @@ XmlElement XmlElement::parse(const QByteArray& a_bytes, QString* a_pError)
     if (a_pError != nullptr) {
         *a_pError = sError;
     }
+    return pDocument ? XmlElement(pDocument, pDocument->document_element().internal_object()) : XmlElement();
+}
+
+XmlElement XmlElement::parsePlain(const QByteArray& a_bytes, QString* a_pError)
+{
+    const std::shared_ptr<pugi::xml_document> pDocument = loadRoot(a_bytes, a_pError);
     return pDocument ? XmlElement(pDocument, pDocument->document_element().internal_object()) : XmlElement();
 }
 

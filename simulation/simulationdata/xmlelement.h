@@ -104,6 +104,12 @@ public:
     [[nodiscard]] QByteArray toByteArray() const;
 
 private:
+    friend class SimulationServiceCommunication;
+
+    /// As parse(), for a document that was already found plain (see
+    /// XmlValidator::plainDocumentBytes()).
+    [[nodiscard]] static XmlElement parsePlain(const QByteArray& a_bytes, QString* a_pError);
+
     XmlElement(std::shared_ptr<pugi::xml_document> a_pDocument, pugi::xml_node_struct* a_pNode);
 
     std::shared_ptr<pugi::xml_document> m_pDocument;

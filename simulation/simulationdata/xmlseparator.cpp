@@ -19,9 +19,15 @@ constexpr const char* s_szSource = "simulation/simulationdata/xmlseparator";
 
 constexpr qsizetype s_iLengthBytes = 4;
 /// The read buffer of a socket, and so the bytes that are split before other events
-/// are handled. Queued documents may take much more memory: the shortest 55 times
-/// their size.
+/// are handled. Queued documents may take much more memory: the shortest about 60
+/// times their size.
 constexpr qint64 s_iSocketBytes = 65'536;
+
+/// Whether both share their bytes in memory.
+bool isSame(const QByteArray& a_one, const QByteArray& a_other)
+{
+    return a_one.constData() == a_other.constData() && a_one.size() == a_other.size();
+}
 
 qint64 limit(Limits::Limit a_eLimit)
 {
@@ -50,7 +56,7 @@ XmlSeparator::XmlSeparator(QIODevice* a_pDevice, FramingMode a_eMode, QObject* a
     }
     connectDevice();
     scheduleRead();
-    connect(this, &XmlSeparator::queued_xmlReceived, this, &XmlSeparator::xmlReceived, Qt::QueuedConnection);
+    connect(this, &XmlSeparator::queued_xmlReceived, this, &XmlSeparator::deliver, Qt::QueuedConnection);
 }
 
 XmlSeparator::~XmlSeparator()
@@ -184,11 +190,29 @@ void XmlSeparator::takeDocuments()
 {
     m_splitter.append(m_buffer.takeAll());
     while (const auto document = m_splitter.takeDocument()) {
+        if (m_splitter.isPlain()) {
+            m_plain.push_back(*document);
+        }
         Q_EMIT queued_xmlReceived(*document);
     }
     if (!m_splitter.error().isEmpty()) {
         fail(m_splitter.error());
     }
+}
+
+/// Receivers may have deleted the object when the function returns.
+void XmlSeparator::deliver(const QByteArray& a_document)
+{
+    if (!m_plain.empty() && isSame(m_plain.front(), a_document)) {
+        m_delivered = std::move(m_plain.front());
+        m_plain.pop_front();
+    }
+    Q_EMIT xmlReceived(a_document);
+}
+
+bool XmlSeparator::isPlain(const QByteArray& a_document) const
+{
+    return isSame(m_delivered, a_document);
 }
 
 // Frames

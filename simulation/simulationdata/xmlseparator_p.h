@@ -11,6 +11,8 @@
 #include <QPointer>
 #include <QString>
 
+#include <deque>
+
 /// Splits the bytes of a device, usually a socket, into whole XML documents, and
 /// writes documents to it.
 ///
@@ -66,6 +68,11 @@ public:
     /// Bytes held of an incomplete document or frame.
     [[nodiscard]] qint64 unfinishedBytes() const { return m_splitter.bytes() + m_buffer.size(); }
 
+    /// Whether the document, which is the argument of xmlReceived(), is known to be
+    /// plain (see XmlValidator::plainDocumentBytes()). True only while it is being
+    /// delivered, and never for a copy of its bytes.
+    [[nodiscard]] bool isPlain(const QByteArray& a_document) const;
+
     // The names are part of the meta-object and keep their spelling.
 Q_SIGNALS:
     /// A complete document, without the blanks before it. Emitted from the event
@@ -118,6 +125,7 @@ private:
     void detectFraming();
 
     void takeDocuments();
+    void deliver(const QByteArray& a_document);
     [[nodiscard]] bool isFramed() const;
     [[nodiscard]] qint64 frameBytes() const;
     void takeFrame();
@@ -135,9 +143,11 @@ private:
     int m_iCompressionLevel = -1;
     bool m_bCompressOutgoing = false;
     bool m_bUncompressIncoming = true;
-    QBasicTimer m_readTimer;   ///< schedules a read from the event loop
-    bool m_bReporting = false; ///< while errorOccured() is emitted
-    QString m_sError;          ///< empty without an error
+    std::deque<QByteArray> m_plain; ///< those of the queued documents that are plain
+    QByteArray m_delivered;         ///< the plain document delivered last
+    QBasicTimer m_readTimer;        ///< schedules a read from the event loop
+    bool m_bReporting = false;      ///< while errorOccured() is emitted
+    QString m_sError;               ///< empty without an error
 };
 
 #endif

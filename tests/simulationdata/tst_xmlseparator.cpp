@@ -28,6 +28,9 @@ private Q_SLOTS:
     void documents();
     void cuts_data();
     void cuts();
+    void plainDocuments_data();
+    void plainDocuments();
+    void plainDeliveries();
     void longStretches();
     void errors_data();
     void errors();
@@ -304,6 +307,106 @@ void TestXmlSeparator::cuts()
     const QByteArray framed = frame(stream, eMode);
     for (qsizetype i = 1; i < framed.size(); ++i) {
         QCOMPARE(outcome(framed, {i}, XmlSeparator::AutoDetect), QByteArrayList{stream});
+    }
+}
+
+void TestXmlSeparator::plainDocuments_data()
+{
+    QTest::addColumn<QByteArray>("stream");
+    QTest::addColumn<bool>("plain"); // whether its first document is
+    QTest::addColumn<int>("limit");  // bytes of a document
+    const auto plain = [](const char* a_szRow, const QByteArray& a_stream, int a_iLimit = 20'000) {
+        QTest::newRow(a_szRow) << a_stream << true << a_iLimit;
+    };
+    const auto other = [](const char* a_szRow, const QByteArray& a_stream, int a_iLimit = 20'000) {
+        QTest::newRow(a_szRow) << a_stream << false << a_iLimit;
+    };
+    plain("shortest", "<a/>");
+    plain("blanks before", "\r\n\t <a/>");
+    plain("attributes", "<a b='/>\"' c = \"'&lt;\xC3\xA4\" />");
+    plain("texts", "<a>]]\n><b.-_1>\xF0\x9F\x93\xA1</b.-_1>\xEF\xBF\xBD&amp;</a\n>");
+    plain("references", "<a>&#65;&#x3e;&#x10FFFF;&#0000065;</a>");
+    plain("markup of the next document", "<a/><!-- <b> --><?p?><c:d/>");
+    plain("error after the document", "<a></a>x");
+    plain("as deep as allowed", "<a><b><c></c></b></a>");
+    other("one too deep", "<a><b><c><d/></c></b></a>");
+    plain("as many attributes as allowed", "<a b='' c=''/>");
+    other("one attribute too many", "<a b='' c='' d=''/>");
+    plain("as many elements as allowed", "<a><b/><b/><b/></a>");
+    other("one element too many", "<a><b/><b/><b/><b/></a>");
+    plain("as large as allowed", "<a>" + QByteArray(100, 'x') + "</a>", 107);
+    other("one byte too large", "<a>" + QByteArray(101, 'x') + "</a>", 107);
+    plain("as large as a piece", "<a>" + QByteArray(16'377, 'x') + "</a>");
+    other("larger than a piece", "<a>" + QByteArray(16'378, 'x') + "</a>");
+    plain("long name", "<" + QByteArray(1000, 'x') + "/>");
+    other("longer name", "<" + QByteArray(1001, 'x') + "/>");
+    other("name that the reader refuses", "<" + QByteArray(5000, 'x') + "/>");
+    plain("long reference", "<a>&#" + QByteArray(4200, '0') + "65;</a>");
+    plain("long value", "<a b='" + QByteArray(4200, 'x') + "'/>");
+
+    other("prefix", "<a:b/>");
+    other("attribute with a prefix", "<a xmlns:b='c' b:d=''/>");
+    other("name beyond ASCII", "<\xC3\xA4/>");
+    other("comment", "<a><!-- --></a>");
+    other("section", "<a><![CDATA[<b>]]></a>");
+    other("instruction", "<a><?p?></a>");
+    other("declaration", "<?xml version='1.0'?><a/>");
+    other("document type", "<!DOCTYPE a><a/>");
+    other("byte-order mark", "\xEF\xBB\xBF<a/>");
+    other("no end", "<a><b></b>");
+    other("text before", "x<a/>");
+    other("wrong end tag", "<a></b>");
+    other("attribute twice", "<a b='' b=''/>");
+    other("no blank between attributes", "<a b=''c=''/>");
+    other("less-than sign in a value", "<a b='<'/>");
+    other("end of a section", "<a>]]></a>");
+    other("unknown entity", "<a>&b;</a>");
+    other("reference to a forbidden character", "<a>&#xFFFE;</a>");
+    other("forbidden character", "<a>\xEF\xBF\xBF</a>");
+    other("control character", "<a b='\x01'/>");
+    other("control character after a long text", "<a>" + QByteArray(200, 'x') + "\x1F</a>");
+    other("zero", QByteArray("<a>\0</a>", 8));
+    other("invalid UTF-8", "<a>\xC3</a>");
+}
+
+/// A plain document is recognised, and a stream whose first document is not read as a
+/// plain one, because its first byte arrives alone, gives the same.
+void TestXmlSeparator::plainDocuments()
+{
+    Limits::setValue(Limits::NestingDepth, 3);
+    Limits::setValue(Limits::ElementAttributes, 2);
+    Limits::setValue(Limits::RecordElements, 4);
+    QFETCH(QByteArray, stream);
+    QFETCH(bool, plain);
+    QFETCH(int, limit);
+    Limits::setValue(Limits::DocumentBytes, static_cast<std::uint64_t>(limit));
+    XmlDocumentSplitter splitter;
+    splitter.append(stream);
+    QCOMPARE(splitter.takeDocument().has_value() && splitter.isPlain(), plain);
+
+    const qsizetype iAfterFirst = stream.indexOf('<') + 1;
+    QCOMPARE(outcome(stream + "<z/>", {}), outcome(stream + "<z/>", {iAfterFirst}));
+}
+
+/// Only a plain document counts as plain, also when others are delivered inside its
+/// delivery. A copy of its bytes does not.
+void TestXmlSeparator::plainDeliveries()
+{
+    for (const bool bNested : {false, true}) {
+        Peer peer;
+        QByteArrayList plain;
+        connect(&peer.separator, &XmlSeparator::xmlReceived, this, [&](const QByteArray& a_document) {
+            if (bNested) {
+                QCoreApplication::sendPostedEvents(&peer.separator);
+            }
+            QVERIFY(!peer.separator.isPlain(a_document.first(a_document.size() - 1) + '>'));
+            if (peer.separator.isPlain(a_document)) {
+                plain += a_document;
+            }
+        });
+        peer.arrive("<a/><?p?><b/><c/><!-- --><d/>");
+        QCOMPARE(peer.documents, QByteArrayList({"<a/>", "<?p?><b/>", "<c/>", "<!-- --><d/>"}));
+        QCOMPARE(plain, bNested ? QByteArrayList({"<c/>"}) : QByteArrayList({"<a/>", "<c/>"}));
     }
 }
 

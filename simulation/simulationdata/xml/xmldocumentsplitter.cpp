@@ -1,6 +1,7 @@
 #include "xmldocumentsplitter_p.h"
 
 #include "xmlencoding_p.h"
+#include "xmlvalidator_p.h"
 
 #include <QStringConverter>
 
@@ -75,6 +76,11 @@ bool isPlainText(QByteArrayView a_bytes)
 
 std::optional<QByteArray> XmlDocumentSplitter::takeDocument()
 {
+    if (const qsizetype iPlain = plainDocumentBytes(); iPlain > 0) {
+        m_bPlain = true;
+        return m_buffer.take(iPlain);
+    }
+    m_bPlain = false;
     while (m_sError.isEmpty() && scan()) {
         const qsizetype iParsable = m_scanner.parsableBytes() - m_document.size();
         if (iParsable > 0 && !parse(iParsable)) {
@@ -89,6 +95,22 @@ std::optional<QByteArray> XmlDocumentSplitter::takeDocument()
         }
     }
     return std::nullopt;
+}
+
+/// The size (bytes) of the next document when it is short, plain and all there, else
+/// 0. The scanner and the reader would accept a plain document, too, but take
+/// several times as long.
+qsizetype XmlDocumentSplitter::plainDocumentBytes()
+{
+    if (!m_sError.isEmpty() || m_scanner.bytes() > 0) { // or the scanner has begun with it
+        return 0;
+    }
+    skipBlanks();
+    const std::uint64_t uiMost =
+        std::min(Limits::value(Limits::DocumentBytes), static_cast<std::uint64_t>(s_iPieceBytes));
+    const QByteArrayView bytes = m_buffer.bytes();
+    return XmlValidator(bytes.first(std::min(bytes.size(), static_cast<qsizetype>(uiMost))))
+        .plainDocumentBytes();
 }
 
 /// False when there are no bytes to scan, or after an error.

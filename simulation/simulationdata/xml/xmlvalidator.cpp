@@ -21,7 +21,7 @@ constexpr QByteArrayView s_instructionOpen("<?");
 constexpr QByteArrayView s_instructionEnd("?>");
 constexpr qsizetype s_iNamesCompared = 8; ///< up to this number comparing is faster than hashing
 constexpr qsizetype s_iShownBytes = 40;   ///< of a name in an error text
-constexpr qsizetype s_iPlainName = 1000;  ///< bytes; some parsers refuse names of 4096
+constexpr qsizetype s_iPlainName = 1000;  ///< bytes; QXmlStreamReader refuses names above 4096
 constexpr char s_cFirstPrintable = 0x20;
 
 bool isBlank(char a_cByte)
@@ -96,6 +96,15 @@ bool XmlValidator::validate()
     }
     m_root = m_bytes.sliced(iRoot, m_iPos - iRoot);
     return misc(false);
+}
+
+qsizetype XmlValidator::plainDocumentBytes()
+{
+    if (!isAt('<') || !element() || !m_bPlain) {
+        return 0;
+    }
+    m_bytes = m_bytes.first(m_iPos); // other documents may follow
+    return characters() ? m_iPos : 0;
 }
 
 /// Checks that all bytes are UTF-8 and no character is forbidden.

@@ -26,9 +26,13 @@ public:
     /// False at the first error, with reason() and errorOffset().
     [[nodiscard]] bool validate();
 
-    /// Whether a valid document is plain: a well-formed element of tags, text and
-    /// references, whose names are ASCII without colons and not very long, with at
-    /// most blanks around it. All parsers read it alike.
+    /// Checks in place of validate() whether the bytes start with a document that is
+    /// plain, and returns its size (bytes); 0 when they do not, or its end is
+    /// missing. Plain is a well-formed element of tags, text and references, whose
+    /// names are ASCII without colons and not very long: all parsers read it alike.
+    [[nodiscard]] qsizetype plainDocumentBytes();
+
+    /// Whether a valid document is plain and has at most blanks around it.
     [[nodiscard]] bool isPlain() const { return m_bPlain; }
 
     /// The place of the error (bytes from the start).
