@@ -74,6 +74,7 @@ public:
     [[nodiscard]] bool isPlain(const QByteArray& a_document) const;
 
     // The names are part of the meta-object and keep their spelling.
+    // NOLINTBEGIN(readability-identifier-naming)
 Q_SIGNALS:
     /// A complete document, without the blanks before it. Emitted from the event
     /// loop.
