@@ -197,8 +197,9 @@ IFrequencySettings* FrequencySettings_FastHopper::clone() const
     return pClone.release();
 }
 
-/// Whether there is a channel list, or one may be built within the limits: a document
-/// may request gigabytes, in one hopper or in thousands of them.
+/// Whether the channel list is built, or may be built within the limits of one hopper
+/// and of all hoppers together. Without limits a document could request gigabytes, in
+/// one hopper or in thousands of them.
 bool FrequencySettings_FastHopper::hasChannels() const
 {
     if (isListBuilt() || m_uiHoppCount == 0) {

@@ -84,7 +84,7 @@ private:
     float m_fTimeslotOffset;                   ///< fraction of a hop
     /// Hz, in hop order; null = not built. Copies share it.
     mutable std::shared_ptr<const std::vector<double>> m_pFrequencyList;
-    mutable bool m_bLimitTraced = false; ///< one trace per hop count, not one per query
+    mutable bool m_bLimitTraced = false; ///< an exceeded limit was traced since the last change
 };
 
 } // namespace Simulation

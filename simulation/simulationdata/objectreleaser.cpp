@@ -9,8 +9,9 @@ namespace Simulation {
 
 namespace {
 
-/// The pointers of the outermost dropInTurn() on this thread. A plain pointer:
-/// objects may die after the thread's own variables have been destroyed.
+/// The pointers of the outermost dropInTurn() on this thread; null outside of it. A
+/// plain pointer has no destructor and so can still be used when objects are destroyed
+/// after the other variables of the thread.
 thread_local std::vector<std::shared_ptr<const void>>* t_pQueue = nullptr;
 
 } // namespace
@@ -40,8 +41,8 @@ void ObjectReleaser::releaseGroups(QList<boost::shared_ptr<EmissionSettings::Gro
     }
 }
 
-/// By class and not by a virtual function: the order of the virtual functions of
-/// scenario objects is part of the interface and leaves no room for one.
+/// Distinguishes the classes by casts. A virtual function cannot be added, because the
+/// order of the virtual functions of scenario objects is part of the interface.
 void ObjectReleaser::visitMembers(ScenarioObject& a_object)
 {
     EmissionSettings* const pSchedule = a_object.ScenarioObject::emissionSettings();
@@ -68,11 +69,11 @@ void ObjectReleaser::visitMembers(EmissionSettings::Group& a_group)
     }
 }
 
-/// Follows all references, finds the objects that nothing outside reaches and
-/// empties their members. The objects themselves die with this releaser.
+/// Follows all references, finds the objects that are not reached from outside and
+/// empties their members. The objects themselves are freed with this releaser.
 void ObjectReleaser::takeApart()
 {
-    // Visiting appends the objects that are found.
+    // Each visit appends the objects that it finds for the first time.
     for (Node node = 0; node < m_held.size(); ++node) {
         Held& held = m_held[node];
         held.firstTarget = m_targets.size();

@@ -18,16 +18,18 @@ namespace Simulation {
 
 class ScenarioObject;
 
-/// Drops the objects of a document and takes apart those that then only hold each
-/// other: an emitter that its own schedule names would never be freed. Objects
-/// that a caller still holds, also in a copy of a set or list, stay whole, and so
-/// do all objects that these reach.
+/// Drops the objects of a document and frees those that then only hold each other.
+/// Shared pointers alone would never free an emitter that is named in its own
+/// schedule. Objects that a caller still holds, also in a copy of a set or list, stay
+/// whole, and so do all objects that these reach.
 ///
-/// This is trial deletion (Lins 1992). The references among the objects that are
-/// reached are subtracted from their use counts. An object with a rest is held
-/// from outside. Members of the others are emptied. Time and memory are linear in
-/// objects and references. Nothing recurses from object to object. Instances live
-/// during one release, on the thread that the objects belong to.
+/// This is trial deletion (Lins 1992). For every object that is reached, the
+/// references from the other reached objects are subtracted from its use count. When
+/// the difference is not 0, the object is held from outside, and it is kept with all
+/// objects that it reaches. The members of the other objects are emptied, which frees
+/// these objects. Time and memory are linear in objects and references. No function
+/// recurses from object to object. An instance exists for one release, on the thread
+/// that the objects belong to.
 class ObjectReleaser
 {
 public:
@@ -58,14 +60,15 @@ public:
         release(a_objects);
     }
 
-    /// Releases groups, which hold each other in circles. What their emissions
-    /// hold is not looked at.
+    /// Releases groups, which may hold each other in circles. The emissions of the
+    /// groups, and what these hold, are not visited.
     static void releaseGroups(QList<boost::shared_ptr<EmissionSettings::Group>>& a_groups);
 
-    /// Drops pointers one after another: an emitter whose destructor drops the last
-    /// pointer to the next one, and so on a million times, would overflow the
-    /// stack. Pointers that are dropped during another drop on the same thread
-    /// wait until it ends.
+    /// Drops pointers one after another, for the destructors of objects. In a chain of
+    /// a million emitters, each of which holds the last pointer to the next one,
+    /// nested destructors would overflow the stack. A call from within such a drop on
+    /// the same thread only appends its pointers to those that are still to be
+    /// dropped.
     static void dropInTurn(std::vector<std::shared_ptr<const void>> a_pointers);
 
     /// An object calls this for each of its members that hold objects: a shared
@@ -86,7 +89,8 @@ public:
             a_member.clear();
             return;
         }
-        // Copies share their elements: without parting, they would count as one holder.
+        // Copies of a container share one set of pointers, which counts as one holder.
+        // After this call the member has pointers of its own.
         a_member.detach();
         for (const auto& pointer : std::as_const(a_member)) {
             count(pointer);
@@ -96,14 +100,14 @@ public:
 private:
     using Node = std::size_t;
 
-    /// An object that was reached. It lives at least as long as this.
+    /// An object that was reached. The entry keeps it alive.
     struct Held
     {
         std::shared_ptr<void> object;
-        boost::shared_ptr<void> record; ///< an emission or a group, which are held instead
+        boost::shared_ptr<void> record; ///< instead of `object` for an emission or a group
         void (ObjectReleaser::*visitMembers)(void*) = nullptr;
         long inside = 0;             ///< references from objects that were reached
-        std::size_t firstTarget = 0; ///< its own references begin here and end before the next node's
+        std::size_t firstTarget = 0; ///< start of its references in m_targets, before the next node's
         bool isKept = false;         ///< reached from outside
 
         [[nodiscard]] void* address() const { return object ? object.get() : record.get(); }
@@ -131,7 +135,8 @@ private:
         }
         a_owner.clear();
     }
-    /// Copies of a document share its maps: what another copy holds stays whole.
+    /// Copies of a document share its maps. The objects of a map that another copy uses
+    /// are not released.
     template<typename Key, typename Object>
     void take(QMap<Key, Object>& a_owner)
     {
@@ -157,8 +162,8 @@ private:
     template<typename Object>
     Node add(const std::shared_ptr<Object>& a_object)
     {
-        // One address for an object, whatever class the pointer names: that of the
-        // base class that makes the object known to shared pointers.
+        // An object is identified by the address of its base class that declares
+        // shared_from_this(): the address is the same whatever class the pointer has.
         using Base = typename decltype(a_object->shared_from_this())::element_type;
         Base* const pBase = a_object.get();
         const auto [found, bNew] = m_nodes.try_emplace(pBase, m_held.size());
@@ -194,9 +199,9 @@ private:
     void takeApart();
     void markKept();
 
-    std::vector<Held> m_held; ///< by node
+    std::vector<Held> m_held; ///< indexed by node
     std::unordered_map<const void*, Node> m_nodes;
-    std::vector<Node> m_targets; ///< of all references, in the order of the nodes that hold them
+    std::vector<Node> m_targets; ///< target of every reference, in the order of the nodes that hold them
     bool m_bGroupsOnly = false;
     bool m_bEmptying = false;
 };

@@ -43,10 +43,10 @@ void writeCompactRecord(QDataStream& a_stream, const CompactRecord& a_record);
 [[nodiscard]] std::optional<std::int64_t> compactBytes(const CompactRecord& a_record);
 
 /// Sorts the emitters so that every link target comes before the emitters that are
-/// linked to it. Among the emitters that may come next, the one with the smallest
-/// id is taken; equal ids are sorted by name, class and description, then
-/// `a_pFirst` comes first, then by link target and active flag. In a circle of
-/// links the smallest emitter does not wait for its target. Targets outside the set
+/// linked to it. Where the links leave a choice, the smallest emitter is next. The
+/// keys of this comparison are id, name, class, description, `a_pFirst` before all
+/// others, id of the link target, and inactive before active. In a circle of links the
+/// smallest emitter is placed without regard to its target. Targets outside the set
 /// are ignored. O(n log n). Null is not allowed in the set.
 [[nodiscard]] std::vector<std::shared_ptr<SzenarioEmitter>>
 inLinkOrder(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters, const SzenarioEmitter* a_pFirst);

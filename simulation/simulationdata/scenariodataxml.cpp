@@ -33,8 +33,8 @@ const DocumentKind s_kind(s_szSource, QStringLiteral("Scenario"), QStringLiteral
 using ObjectSet = QSet<std::shared_ptr<ScenarioObject>>;
 
 /// The objects of one kind in the order of their ids and then names: a set's own
-/// order changes from run to run. Objects that agree in both are put in the
-/// order of what `a_textOf` writes for them.
+/// order changes from run to run. Objects with equal id and name are sorted by the
+/// text that `a_textOf` returns for them.
 template<typename Object, typename TextOf>
 std::vector<const Object*> inOrder(const ObjectSet& a_objects, const TextOf& a_textOf)
 {

@@ -123,16 +123,16 @@ public:
     [[nodiscard]] static QSet<std::shared_ptr<ScenarioObject>>
     objectsForXml(const QString& a_sXml, ISignalPackageProvider* a_pProvider);
 
-    /// Drops objects that no document holds and takes apart those that then only
-    /// hold each other: an emitter that its own schedule names would never be
-    /// freed. Objects that the caller still holds elsewhere stay whole.
+    /// Drops objects that no document holds, and frees those that then only hold each
+    /// other, for example an emitter that is named in its own schedule. Objects that
+    /// the caller still holds elsewhere stay whole.
     static void releaseObjects(QSet<std::shared_ptr<ScenarioObject>>&& a_objects);
     /// The same for one object: releaseObject(std::move(object)).
     static void releaseObject(std::shared_ptr<ScenarioObject> a_object);
 
     /// "Hierarchical" or, for every other value, "Star".
     [[nodiscard]] static QString networkTypeToString(NetworkType a_eType);
-    /// The value of such a text; any other text gives Hierarchical.
+    /// Star for "Star", Hierarchical for every other text.
     [[nodiscard]] static NetworkType stringToNetworkType(const QString& a_sText);
 
 private:

@@ -18,12 +18,12 @@ namespace {
 constexpr const char* s_szSource = "simulation/simulationdata/xmlseparator";
 
 constexpr qsizetype s_iLengthBytes = 4;
-/// The read buffer of a socket, and so the bytes that are split before other events
-/// are handled. Queued documents may take much more memory: the shortest about 60
-/// times their size.
+/// The size of a socket's read buffer, and so the most bytes that are split before
+/// other events are handled. Queued documents may take much more memory: the shortest
+/// ones about 60 times their size.
 constexpr qint64 s_iSocketBytes = 65'536;
 
-/// Whether both share their bytes in memory.
+/// Whether both share the same bytes in memory.
 bool isSame(const QByteArray& a_one, const QByteArray& a_other)
 {
     return a_one.constData() == a_other.constData() && a_one.size() == a_other.size();
@@ -159,8 +159,8 @@ void XmlSeparator::takeUp()
     }
 }
 
-/// Empties the full buffer of a socket that is not read because of an error. Until
-/// then the socket reads nothing from the system, not even the end of the
+/// Empties the full buffer of a socket that is not read because of an error. A socket
+/// with a full buffer reads no bytes from the system and does not notice the end of the
 /// connection.
 void XmlSeparator::discardUnread()
 {
@@ -332,7 +332,7 @@ bool XmlSeparator::sendXml(const QByteArray& Xml) // NOLINT(readability-identifi
 /// function returns, and they trace the error.
 bool XmlSeparator::fail(QString a_sError)
 {
-    m_buffer.clear(); // it cannot be read any more
+    m_buffer.clear(); // the rest of the stream cannot be read
     m_sError = std::move(a_sError);
     reportError();
     return false;
@@ -340,7 +340,7 @@ bool XmlSeparator::fail(QString a_sError)
 
 void XmlSeparator::reportError()
 {
-    if (m_bReporting) { // a receiver called resume(): it gets no second report of this error
+    if (m_bReporting) { // a receiver called resume() and has this report already
         return;
     }
     pause();

@@ -21,10 +21,10 @@
 /// may call any method or delete the object with deleteLater(). Time is linear in
 /// the bytes, whatever the pieces in which they are received.
 ///
-/// The peer is not trusted. Limits bound what it can make us hold: a document, a
-/// frame and its content, and bytes that wait to be written. A socket with an
-/// unlimited read buffer gets one of 64 KiB while the separator uses it, so that a
-/// peer that keeps sending during a pause is blocked.
+/// The peer is not trusted. Limits bound what it can make the separator hold: a
+/// document, a frame and its content, and bytes that wait to be written. The read
+/// buffer of a socket, when it is unlimited, is limited to 64 KiB while the separator
+/// uses the socket, so that a peer that keeps sending during a pause is blocked.
 ///
 /// A socket whose read buffer is full does not notice that its peer has closed the
 /// connection. After an error, when the separator no longer reads, a full buffer is
@@ -43,15 +43,15 @@ public:
         LengthPrefixedLittleEndian = 3 ///< as before, least significant first
     };
 
-    /// The first overload uses plain XML. Bytes that the device already holds are
-    /// also read, from the event loop.
+    /// The first overload uses PlainXml. Bytes that the device already holds are read
+    /// as well, from the event loop.
     XmlSeparator(QIODevice* a_pDevice, QObject* a_pParent);
     XmlSeparator(QIODevice* a_pDevice, FramingMode a_eMode, QObject* a_pParent);
     ~XmlSeparator() override;
 
-    /// Releases the device for good: the separator no longer reads or writes it,
-    /// and the limit of the read buffer is removed. Documents that were read before
-    /// are still delivered.
+    /// Releases the device: the separator never reads or writes it again, and removes
+    /// its own limit of the read buffer. Documents that were read before are still
+    /// delivered.
     void detach();
 
     /// Null when it was deleted, and after detach().
@@ -65,7 +65,7 @@ public:
     void setCompressionLevel(int a_iLevel) { m_iCompressionLevel = a_iLevel; }
     [[nodiscard]] int compressionLevel() const { return m_iCompressionLevel; }
 
-    /// Bytes held of an incomplete document or frame.
+    /// The number of held bytes of an incomplete document or frame.
     [[nodiscard]] qint64 unfinishedBytes() const { return m_splitter.bytes() + m_buffer.size(); }
 
     /// Whether the document, which is the argument of xmlReceived(), is known to be
@@ -108,8 +108,9 @@ public Q_SLOTS:
     /// meanwhile.
     void resume();
 
-    /// Drops the bytes read and the error, and continues with the bytes received
-    /// next. The framing and the compression stay.
+    /// Drops the error and the bytes that were read but are not yet split into
+    /// documents, and continues with the bytes that the device holds or receives next.
+    /// The framing and the compression stay.
     void reset();
 
 protected:

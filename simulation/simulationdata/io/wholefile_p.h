@@ -17,9 +17,9 @@ namespace Simulation {
 /// draws once.
 [[nodiscard]] QString temporaryName(const QString& a_sFile);
 
-/// Removes files and folders directly in the folder whose names temporaryName()
-/// gave to processes of this machine that no longer run, even when this process now
-/// has the id of one of them.
+/// Removes abandoned temporary files and folders directly in the folder: those with a
+/// name that temporaryName() returned in a process of this machine that no longer
+/// runs. This process recognises them also when it has the same id as that process.
 void removeAbandonedFiles(const QString& a_sFolder);
 
 /// Copies a regular file or a resource, whole or not at all, and waits until the

@@ -12,7 +12,7 @@ constexpr const char* s_szCDataOpen = "[CDATA[";
 constexpr int s_iByteBits = 8;
 constexpr std::uint32_t s_uiTwoBytes = 0xFFFF;
 constexpr std::uint32_t s_uiThreeBytes = 0xFFFFFF;
-constexpr int s_iMostMarks = 2; ///< "--" and "]]" end a comment and a section
+constexpr int s_iMostMarks = 2; ///< a comment ends with "--" and '>', a CDATA section with "]]" and '>'
 
 constexpr std::uint32_t packed(const char* a_szText)
 {

@@ -114,7 +114,7 @@ private:
         Markup,      ///< after "<!"
         Comment,     ///< after "<!--"
         CData,       ///< after "<![CDATA["
-        Declaration, ///< after "<!" and any other byte
+        Declaration, ///< after "<!", in neither a comment nor a CDATA section
     };
 
     void scanChunk(QByteArrayView a_bytes, bool a_bOneDocument);

@@ -10,10 +10,10 @@
 namespace Simulation {
 
 /// Checks whether UTF-8 bytes without a byte-order mark are a well-formed XML
-/// document, because the parser that XmlElement uses accepts many that are not.
-/// Linear in the bytes, not recursive; memory grows only with the depth. Exceeding
-/// Limits::RecordElements, NestingDepth or ElementAttributes is an error, too. One
-/// object checks one document.
+/// document, because the parser that XmlElement uses accepts many that are not
+/// well-formed. Linear in the bytes, not recursive; memory grows only with the depth.
+/// Exceeding Limits::RecordElements, NestingDepth or ElementAttributes is an error,
+/// too. One object checks one document.
 ///
 /// A document type is skipped: entities that it defines are unknown, and a
 /// reference to one is an error.
@@ -26,10 +26,10 @@ public:
     /// False at the first error, with reason() and errorOffset().
     [[nodiscard]] bool validate();
 
-    /// Checks in place of validate() whether the bytes start with a document that is
-    /// plain, and returns its size (bytes); 0 when they do not, or its end is
-    /// missing. Plain is a well-formed element of tags, text and references, whose
-    /// names are ASCII without colons and not very long: all parsers read it alike.
+    /// The size (bytes) of the plain document at the start of the bytes; 0 when there
+    /// is none or its end is missing. Called instead of validate(). A document is plain
+    /// when all parsers read it alike: a well-formed element of tags, text and
+    /// references, whose names are ASCII without colons and not very long.
     [[nodiscard]] qsizetype plainDocumentBytes();
 
     /// Whether a valid document is plain and has at most blanks around it.
