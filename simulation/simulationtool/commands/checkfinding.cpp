@@ -89,7 +89,8 @@ void checkPosition(CheckFindings& a_findings, const auto& a_object,
     }
 }
 
-/// Whether settings place an object. A device read without a position is at 0/0.
+/// Whether the settings hold a position other than 0/0. A device whose document has no
+/// position is at 0/0.
 bool isPlaced(Simulation::IPositionSettings* a_pSettings)
 {
     const auto isElsewhere = [](const Simulation::TPos& a_position) {

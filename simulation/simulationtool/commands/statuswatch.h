@@ -13,8 +13,8 @@ class Report;
 class ServiceController;
 
 /// Follows a service: writes one line with the time for each device and for the run
-/// of the scenario, and another one after every change. For programs each line is an
-/// object, see docs/json.md.
+/// of the scenario, and another one after every change. With --json each line is a
+/// JSON object, see docs/json.md.
 class StatusWatch
 {
 public:

@@ -15,7 +15,7 @@ constexpr qsizetype s_iShownCharacters = 40; ///< of a part's name
 constexpr qsizetype s_iObjectDepth = 2;      ///< path length of an object's element: root, object
 
 /// The parts of a document, counted, in the order of first appearance. A part is an
-/// element, attribute or note at one place.
+/// element, an attribute or a note (a comment or processing instruction) at one place.
 struct Parts
 {
     void add(const QString& a_sPlace, const QString& a_sText)

@@ -85,7 +85,7 @@ void checkHeader(const CPackedPDW& a_header, Walk& a_walk)
     }
 }
 
-/// Reads all blocks of a file of that size (bytes). The file must begin with a
+/// Reads all blocks of a file of `a_uiBytes` bytes. The file must begin with a
 /// header.
 Walk walkBlocks(PDWFile& a_file, std::uint64_t a_uiBytes)
 {

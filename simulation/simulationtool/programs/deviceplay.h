@@ -17,7 +17,7 @@ class Output;
 class RepositoryPackages;
 class SimulationDevice;
 
-/// The record of a device on this machine.
+/// The record of a device on this machine. An empty name is replaced by the id.
 [[nodiscard]] Simulation::SimulationDeviceConfiguration localDevice(const QString& a_sId,
                                                                     const QString& a_sName);
 

@@ -49,7 +49,7 @@ enum class OrderOutcome {
 /// The parts of a received message; a missing part is empty.
 [[nodiscard]] QString eventOf(const QString& a_sMessage);
 [[nodiscard]] QString warningOf(const QString& a_sMessage);
-/// The scenario's name only.
+/// The name of the scenario, without the number of emitters.
 [[nodiscard]] QString scenarioNameOf(const QString& a_sMessage);
 
 } // namespace SimulationTool

@@ -81,8 +81,9 @@ void Outbox::supersede(OutgoingKind a_eKind)
     }
 }
 
-/// Removes the waiting scenario and the orders for it. No other scenario waits after
-/// it, so each entry is visited once, however many scenarios are appended.
+/// Removes the waiting scenario and the starts and pauses after it. Visits only
+/// the entries from that scenario on. The next scenario is appended after them, so each
+/// entry is visited at most once, however many scenarios are appended.
 void Outbox::removeScenario()
 {
     auto it = std::exchange(m_scenario, m_entries.end());

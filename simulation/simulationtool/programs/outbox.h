@@ -17,12 +17,12 @@ enum class OutgoingKind {
     ScenarioUnload,
     ScenarioRun, ///< a start or a pause of the loaded scenario
     DeploymentLoad,
-    Unregistration, ///< the device ignores orders until it is confirmed again
+    Unregistration, ///< after it the device ignores orders until it is confirmed again
 };
 
-/// A command that waits for one or more peers, which share its bytes. A counter of
-/// the bytes that wait for all peers includes it once, while at least one outbox
-/// holds it. A command that is only kept for later does not count.
+/// A command that waits for one or more peers, which share its bytes. A counter sums
+/// the bytes that wait for all peers. It includes the command once, while at least one
+/// outbox holds it. A command that is only kept for later does not count.
 class OutgoingCommand
 {
 public:
@@ -55,20 +55,24 @@ using OutgoingCommandPtr = std::shared_ptr<const OutgoingCommand>;
 /// The commands that wait for one peer to read them, in sending order. Owned by the
 /// peer; used on its thread.
 ///
-/// For a peer that reads slowly only the newest of each report and document is held.
-/// A command of which a part was taken stays. Of the commands that still wait,
+/// For a peer that reads slowly, only the newest of each report and document is held.
+/// A new command has this effect on the commands that wait before it, except on one of
+/// which a part was taken:
 ///
 ///   a report             replaces the earlier report with its key,
 ///   a scenario, and an   remove the earlier scenario, and the starts and pauses
-///   unload               after it, which would apply to another scenario,
+///   unload               after it, which would otherwise apply to another scenario,
 ///   a deployment         removes the earlier deployment, and
-///   an unregistration    keeps all before it: the peer may ignore what follows.
+///   an unregistration    protects all of them from removal and replacement by later
+///                        commands, because the peer may ignore these.
 ///
-/// All others stay, in their order. A stop and an unload are small, and end a run as
-/// early as without this rule. A device therefore ends in the same state as after the
-/// whole sequence, and every start applies to the scenario for which it was sent: a
-/// scenario replaces the loaded one, readable or not, and a device's place depends
-/// only on the newest deployment.
+/// All other commands stay, in their order. Stops and unloads always stay: they are
+/// small, and a run ends as early as it would without removals.
+///
+/// A device therefore ends in the same state as after the whole sequence, because each
+/// scenario replaces the loaded one, even when it cannot be read, and only the newest
+/// deployment sets the device's place. Every start applies to the scenario for which
+/// it was sent.
 class Outbox
 {
 public:
@@ -81,14 +85,15 @@ public:
     /// Appends a command and removes those that it supersedes. Ignores null.
     void append(const OutgoingCommandPtr& a_pCommand);
 
-    /// Replaces the waiting report with this key, which must not be empty, unless a
-    /// part of it was taken already. Ignores null.
+    /// Replaces the waiting report with this key. Appends the command when there is no
+    /// such report, a part of it was taken already, or an unregistration follows it.
+    /// The key must not be empty. Ignores null.
     void report(const QString& a_sKey, const OutgoingCommandPtr& a_pCommand);
 
     [[nodiscard]] bool isEmpty() const { return m_entries.empty(); }
 
-    /// The bytes of the commands and of their entries. A command that waits several
-    /// times in a row counts once.
+    /// The memory (bytes) of the commands and, estimated, of their entries. Successive
+    /// repetitions of one command count once.
     [[nodiscard]] qint64 bytes() const { return m_iBytes; }
 
     /// Takes the next bytes, at most `a_iMost`. A command may be taken in pieces.
@@ -100,7 +105,7 @@ private:
     struct Entry
     {
         OutgoingCommandPtr command;
-        QString key; ///< empty unless it is a report
+        QString key; ///< of a report; empty for any other command
         quint64 times = 1;
     };
 

@@ -35,7 +35,7 @@ struct Moment
     double heading;             ///< degrees
     double speed = 0.0;         ///< km/h; -1 before the end of the first leg
     QString packageId;          ///< id of the sent package; empty without one
-    std::optional<float> level; ///< level at the emission's own time; no value without a signal shape
+    std::optional<float> level; ///< at the time since the emission's start; no value without a signal shape
 };
 
 /// The target of a play's rows.

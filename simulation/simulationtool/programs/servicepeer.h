@@ -24,15 +24,16 @@ namespace SimulationTool {
 /// thread.
 ///
 /// Every peer is read and written in small pieces, so that a peer with much traffic
-/// delays no other.
+/// does not delay the others.
 class ServicePeer : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Takes ownership of a connected socket. `a_pTotal` counts the bytes that wait
-    /// for all peers. The peer is lost when it does not read pending bytes, or leaves
-    /// a command unfinished, for the timeout.
+    /// Takes ownership of a connected socket. `a_pTotal` counts the pending bytes of all
+    /// peers (see pendingBytes()), a command for several peers once. The peer is lost
+    /// when it does not read pending bytes, or leaves a command unfinished, for the
+    /// timeout.
     ServicePeer(QTcpSocket* a_pSocket, std::shared_ptr<qint64> a_pTotal, std::chrono::milliseconds a_timeout,
                 QObject* a_pParent);
     ~ServicePeer() override;
@@ -43,19 +44,20 @@ public:
     /// runs again.
     void send(const OutgoingCommandPtr& a_pCommand);
 
-    /// The same for a report, which replaces a waiting one with the same key.
+    /// The same for a report, which replaces a waiting report with the same key (see
+    /// Outbox).
     void report(const QString& a_sKey, const OutgoingCommandPtr& a_pCommand);
 
     /// The bytes that the service holds for this peer: of an unfinished command, and
     /// of commands that wait to be read by the peer.
     [[nodiscard]] qint64 pendingBytes() const { return m_iUnfinished + m_outbox.bytes(); }
 
-    /// Ends the connection at once. Nothing is received and no signal is emitted any
-    /// more.
+    /// Ends the connection at once. After it no bytes are received and no signal is
+    /// emitted.
     void close();
 
-    /// Logs an event of the peer. Frequent lines are dropped (see LogLimit), unless
-    /// final.
+    /// Logs an event of the peer. Frequent lines are dropped (see LogLimit), except a
+    /// final one.
     void log(const QString& a_sText, bool a_bFinal = false);
 
     // The ids of the devices registered over this connection; maintained by the
@@ -66,7 +68,7 @@ public:
 Q_SIGNALS:
     void logged(const QString& a_sLine);
 
-    /// The bytes that wait for all peers have increased.
+    /// The pending bytes of all peers may have increased.
     void pendingGrew();
 
     /// The connection has ended. The reason is empty when the peer closed it.
@@ -89,7 +91,7 @@ private:
     QString m_sName;
     QSet<QString> m_deviceIds;
     LogLimit m_log;
-    const std::shared_ptr<qint64> m_pTotal; ///< bytes that wait for all peers
+    const std::shared_ptr<qint64> m_pTotal; ///< pending bytes of all peers
     qint64 m_iUnfinished = 0;               ///< bytes of an unfinished command
     Outbox m_outbox;
     StallWatch m_receiving;

@@ -36,9 +36,10 @@ namespace SimulationTool {
 /// (VelaOS).
 ///
 /// Reports the result of an order as a message with its state (see DeviceReport). The
-/// newest deployment sets its place: the deployment's device of this id or name,
-/// otherwise the device's own place, also when the deployment cannot be read. It
-/// registers again when its place has changed.
+/// newest deployment sets the place of the device when it contains a device with this
+/// id, or exactly one with this name. Without such a device, or when the deployment
+/// cannot be used, the place is that of the configuration. The device registers again
+/// when its place has changed.
 ///
 /// Accepts orders only from a service that has confirmed the registration correctly.
 /// Reconnects after a lost connection; a running scenario continues meanwhile. Used
@@ -60,8 +61,8 @@ public:
     /// packages. Empty by default.
     void setPackageRemark(const QString& a_sRemark) { m_sPackageRemark = a_sRemark; }
 
-    /// An error of the packages that is independent of the scenario; a warning with
-    /// every scenario. Empty by default.
+    /// An error of the packages that is independent of the scenario. It is reported as a
+    /// warning with every scenario. Empty by default.
     void setPackageError(const QString& a_sError) { m_sPackageError = a_sError; }
 
     void connectToService(const ServerAddress& a_server);
@@ -119,7 +120,7 @@ private:
     void endPlay(const QString& a_sReason);
     void wakeIn(std::uint64_t a_uiMilliseconds);
 
-    const Simulation::SimulationDeviceConfiguration m_undeployed; ///< with its own place
+    const Simulation::SimulationDeviceConfiguration m_undeployed; ///< the place without a deployment
     Simulation::SimulationDeviceConfiguration m_configuration;
     PackageUse m_packages; ///< outlives the scenario
     QString m_sPackageRemark;
@@ -130,8 +131,8 @@ private:
     Simulation::SimulationServiceCommunication m_communication;
     std::unique_ptr<Simulation::TcpServerConnector> m_connector;
     bool m_bAccepted = false;
-    bool m_bLoggedIgnoring = false; ///< since it was connected
-    bool m_bLoggedWaiting = false;  ///< since it was connected last
+    bool m_bLoggedIgnoring = false; ///< since the newest connection began
+    bool m_bLoggedWaiting = false;  ///< since the newest connection began
 
     Simulation::SimulationDeviceState m_state;
     DeviceReport m_report;
@@ -143,7 +144,7 @@ private:
     Simulation::ScenarioTimingHelper m_timing;
     QTimer m_timer; ///< for the next step
     bool m_bPlaying = false;
-    bool m_bBegun = false;                   ///< the start may be meant for later
+    bool m_bBegun = false;                   ///< the start time of the play was reached
     std::uint64_t m_uiBegin = 0;             ///< us since 1970
     std::uint32_t m_uiFirst = 0;             ///< scenario time of step 0, in ms
     std::optional<std::uint32_t> m_lastStep; ///< none yet

@@ -350,7 +350,8 @@ void SimulationService::sendState(ServicePeer* a_pPeer, const QString& a_sId, co
     a_pPeer->report(QStringLiteral("state ") + a_sId, a_device.stateUpdate);
 }
 
-/// Null when it is larger than any peer accepts.
+/// A command for one or more peers; null, after one trace, when it exceeds
+/// Limits::DocumentBytes.
 OutgoingCommandPtr SimulationService::encoded(const CommandSender& a_send, OutgoingKind a_eKind) const
 {
     QByteArray bytes = Communication::encode(a_send);

@@ -32,8 +32,8 @@ class ServicePeer;
 /// The centre of the simulation: devices register with it, and one program, the
 /// controller, sends orders that the service passes on to all devices, and receives
 /// their states. The controller is the last program that acquired the service. When
-/// it releases the service or leaves, the previous one controls again, if it is still
-/// connected.
+/// it releases the service or disconnects, the program that acquired the service
+/// before it controls again, if it is still connected.
 ///
 /// The service keeps what a device that registers late needs: the deployment, the
 /// scenario, the test mode, and the run of the scenario. A program that becomes the
@@ -44,11 +44,11 @@ class ServicePeer;
 ///
 /// No peer is trusted. A peer is dropped, without effect on the others, when it sends
 /// unreadable bytes, does not read, leaves a command unfinished or registers too
-/// much. Of the states of a device, and of the scenarios and deployments, that wait
-/// for a peer only the newest is held (see Outbox). The bytes that all peers together
-/// make the service hold, of unfinished commands and of commands that wait to be
-/// read, have a limit (Limits::AllPendingBytes). When it is exceeded, the peer with
-/// the most is dropped. Used on one thread.
+/// much. For a peer that reads slowly, only the newest state of each device, the newest
+/// scenario and the newest deployment wait (see Outbox). Limits::AllPendingBytes limits the bytes that
+/// the service holds for all peers together, of unfinished commands and of commands
+/// that wait to be read. When it is exceeded, the peer with the most bytes is dropped.
+/// Used on one thread.
 class SimulationService : public QObject
 {
     Q_OBJECT
@@ -89,7 +89,7 @@ private:
 
     struct LostPeer
     {
-        QPointer<ServicePeer> peer; ///< null when dropped already
+        QPointer<ServicePeer> peer; ///< null when it was deleted meanwhile
         QString reason;
     };
 
@@ -110,7 +110,7 @@ private:
     [[nodiscard]] bool accepts(ServicePeer& a_peer, const QString& a_sCommand, qsizetype a_iBytes) const;
     [[nodiscard]] bool isPendingExceeded() const;
 
-    // What devices say
+    // Commands of devices
     void registerDevice(ServicePeer* a_pPeer, const QString& a_sId,
                         const Simulation::SimulationDeviceConfiguration& a_configuration);
     [[nodiscard]] QString
@@ -125,7 +125,7 @@ private:
                   const Simulation::SimulationDeviceState& a_state) const;
     static void sendState(ServicePeer* a_pPeer, const QString& a_sId, const Device& a_device);
 
-    // What controllers say
+    // Commands of controllers
     void connectController(ServicePeer* a_pPeer);
     void connectOrders(ServicePeer* a_pPeer);
     [[nodiscard]] ServicePeer* controller() const;
@@ -150,18 +150,18 @@ private:
     QList<ServicePeer*> m_controllers;     ///< the last one controls
     QMap<QString, Device> m_devices;       ///< by id
     OutgoingCommandPtr m_deviceList;       ///< the answer to list requests; null = not encoded yet
-    const qsizetype m_iMaxPeers;           ///< limit by the process's open files
+    const qsizetype m_iMaxPeers;           ///< from the number of files that the process may open
     bool m_bFull = false;                  ///< accepting is paused
     bool m_bAcceptScheduled = false;
     bool m_bBoundScheduled = false;
     bool m_bAnswerScheduled = false;
     const std::chrono::milliseconds m_timeout;
 
-    /// The bytes that wait for all peers, with the kept commands. Shared, because
-    /// peers outlive the other members.
+    /// The bytes of unfinished commands and of commands that wait for peers. Shared,
+    /// because peers are destroyed after the members of this class.
     const std::shared_ptr<qint64> m_pPending = std::make_shared<qint64>(0);
 
-    // Commands that are kept for devices that register later; null without
+    // Commands that are kept for devices that register later; null when there is none
     OutgoingCommandPtr m_deployment;
     OutgoingCommandPtr m_scenario;
     OutgoingCommandPtr m_testMode;

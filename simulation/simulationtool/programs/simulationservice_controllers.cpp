@@ -135,7 +135,7 @@ void SimulationService::slotAnswer()
     m_bAnswerScheduled = false;
     const QHash<ServicePeer*, Answer> answers = std::exchange(m_answers, {});
     for (auto it = answers.cbegin(); it != answers.cend(); ++it) {
-        if (m_peers.contains(it.key())) { // otherwise dropped already
+        if (m_peers.contains(it.key())) { // it may have been dropped meanwhile
             sendAnswer(it.key(), *it);
         }
     }
