@@ -19,8 +19,8 @@ namespace Monitor {
 /// Fills a table model with the devices that are registered with a service.
 ///
 /// A service returns its list of devices to every program that requests it, but sends
-/// device states only to the program that acquired it last. Acquiring takes the
-/// control from its former owner. Therefore this class requests the list every 2 s
+/// every change of a device state only to the program that acquired it last. Acquiring
+/// takes the control from its former owner. Therefore this class requests the list every 2 s
 /// and acquires the service only when the states are to be followed. Used on the
 /// thread of the model's views.
 class DeviceFeed : public QObject

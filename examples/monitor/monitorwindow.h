@@ -42,7 +42,7 @@ public:
     [[nodiscard]] QWidget& waitDialog() { return *m_pWait; }
 
 Q_SIGNALS:
-    /// Data from the service were shown, or the window began to wait for it.
+    /// The window shows new data from the service, or has begun to wait for the service.
     void updated();
 
 protected:
