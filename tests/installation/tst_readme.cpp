@@ -32,8 +32,9 @@ struct Expectation
     const char* szOutput = "."; ///< regular expression for the output
 };
 
-/// Commands with other expectations than to run, print something and end with 0. A
-/// new command of this kind in README.md needs an entry here.
+/// The commands that need more than the default check. By default a command is run, and
+/// must print something and end with 0. Any other command in README.md needs an entry
+/// here.
 const QMap<QString, Expectation> s_expectations{
     {QStringLiteral("./scripts/demo.sh"), {Way::Script}},
     {QStringLiteral("./scripts/test.sh"), {Way::Script}},

@@ -396,7 +396,7 @@ void TestDeploymentDataXml::copiesShareObjects()
     first.reset();
     QCOMPARE(watch.alive(), 3);
     third = DeploymentDataXml();
-    QCOMPARE(watch.alive(), 3); // the second holds the devices through its station
+    QCOMPARE(watch.alive(), 3); // the station of the second document holds the devices
     QCOMPARE(second->stations().first()->devices().size(), 2);
     second.reset();
     QCOMPARE(watch.alive(), 0);

@@ -222,7 +222,7 @@ void TestFrequencySettings::randomOffsets()
     QCOMPARE(chirp.getTimeslotOffset(), 0.41F);
     const FastHopper hopper;
     QCOMPARE(hopper.getTimeslotOffset(), 0.67F);
-    QCOMPARE(Chirp(chirp).getTimeslotOffset(), 0.41F);              // a copy draws nothing
+    QCOMPARE(Chirp(chirp).getTimeslotOffset(), 0.41F);              // a copy draws no number
     const std::unique_ptr<IFrequencySettings> clone(chirp.clone()); // draws 6334
     QCOMPARE(dynamic_cast<Chirp&>(*clone).getTimeslotOffset(), 0.41F);
     QCOMPARE(Crt::rand(), 26500);
@@ -459,7 +459,7 @@ void TestFrequencySettings::slowHopperKeepsLengthOverInsertAndRemove()
     hopper.removeStep(2);
     hopper.removeStep(1);
     QCOMPARE(hopper.activeUntil(), 200U);
-    // The length is not 0, but a whole cycle has no duration.
+    // The length is not 0, although the durations of the steps add up to 0.
     QCOMPARE(text(hopper.calculateHRActivities(10, 20, 1.0)), QStringLiteral("10+20@1"));
     hopper.setEndBehavior(EndBehaviourType::Inactive);
     QVERIFY(!hopper.isActiveAt(1));

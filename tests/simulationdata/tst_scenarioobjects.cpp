@@ -260,8 +260,9 @@ void TestScenarioObjects::networkCopies()
     QCOMPARE(ScenarioNetwork(QStringLiteral("other"), source).emitterList(), (QList{second, first}));
 }
 
-/// A clone shares the groups of its source until it, or the source, loses a
-/// member: then the other one keeps them as they were.
+/// A clone shares the groups of its source. When one of the two loses a member that
+/// these groups name, it gets groups of its own, and the other one keeps the shared
+/// groups unchanged.
 void TestScenarioObjects::clonedGroups()
 {
     for (const bool bFromClone : {true, false}) {

@@ -49,7 +49,7 @@ bool waitFor(const Condition& a_condition)
 {
     QDeadlineTimer deadline(s_iTimeout);
     QEventLoop loop;
-    QTimer wakeUp; // so that the end is noticed
+    QTimer wakeUp; // ends a wait without events, so that the deadline is noticed
     wakeUp.start(10);
     while (!a_condition() && !deadline.hasExpired()) {
         loop.processEvents(QEventLoop::WaitForMoreEvents);
