@@ -43,6 +43,6 @@ echo
 step init "$tool" repository init "$folder/repository"
 step list "$tool" repository list "$folder/repository"
 step play "$tool" play --repository "$folder/repository" --cache "$folder/cache" "$@"
-step road "$tool" demo
-echo "Left in $folder: build.txt, init.txt, list.txt, play.txt, road.txt,"
+step demo "$tool" demo
+echo "Left in $folder: build.txt, init.txt, list.txt, play.txt, demo.txt,"
 echo "repository (signal packages) and cache (their copies)"

@@ -398,7 +398,7 @@ bool XmlValidator::comment()
 {
     const qsizetype iStart = m_iPos;
     m_iPos += s_commentOpen.size();
-    if (!skipBehind("--", "comment")) {
+    if (!skipPast("--", "comment")) {
         return false;
     }
     return skip(">") || fail(iStart, QStringLiteral("\"--\" inside a comment"));
@@ -407,7 +407,7 @@ bool XmlValidator::comment()
 bool XmlValidator::section()
 {
     m_iPos += s_sectionOpen.size();
-    return skipBehind(s_sectionEnd, "CDATA section");
+    return skipPast(s_sectionEnd, "CDATA section");
 }
 
 bool XmlValidator::instruction()
@@ -424,7 +424,7 @@ bool XmlValidator::instruction()
     if (!isAt(s_instructionEnd) && !skipBlanks()) {
         return fail(m_iPos, QStringLiteral("malformed processing instruction"));
     }
-    return skipBehind(s_instructionEnd, "processing instruction");
+    return skipPast(s_instructionEnd, "processing instruction");
 }
 
 /// Checks all references before `a_iEnd`.
@@ -484,7 +484,7 @@ bool XmlValidator::skipBlanks()
     return m_iPos != iStart;
 }
 
-bool XmlValidator::skipBehind(QByteArrayView a_end, const char* a_szWhat)
+bool XmlValidator::skipPast(QByteArrayView a_end, const char* a_szWhat)
 {
     const qsizetype iEnd = m_bytes.indexOf(a_end, m_iPos);
     if (iEnd < 0) {

@@ -68,7 +68,7 @@ private:
     }
     bool skip(QByteArrayView a_text);
     bool skipBlanks();
-    bool skipBehind(QByteArrayView a_end, const char* a_szWhat);
+    bool skipPast(QByteArrayView a_end, const char* a_szWhat);
     bool fail(qsizetype a_iOffset, const QString& a_sReason);
 
     QByteArrayView m_bytes;

@@ -20,7 +20,7 @@ const char s_szDemo[] = "Runs a service and two devices in this process, connect
 const char s_szDemoExamples[] = "\n"
                                 "Exit codes:\n"
                                 "  0  Every step was done.\n"
-                                "  1  One was not; standard error says which.\n"
+                                "  1  A step failed; standard error names it.\n"
                                 "  2  Wrong usage, or the output could not be written.\n";
 
 struct RoadStep
