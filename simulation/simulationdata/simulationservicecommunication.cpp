@@ -53,7 +53,8 @@ void SimulationServiceCommunication::setSocket(QTcpSocket* a_pSocket)
         m_pSeparator, &XmlSeparator::errorOccured, m_pSeparator,
         [this, pSeparator = m_pSeparator](const QString& a_sError) {
             if (pSeparator == m_pSeparator && m_streamErrorHandler) {
-                m_streamErrorHandler(a_sError);
+                const StreamErrorHandler handler = m_streamErrorHandler; // it may set another one
+                handler(a_sError);
             }
         },
         Qt::QueuedConnection);

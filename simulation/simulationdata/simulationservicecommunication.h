@@ -92,8 +92,8 @@ public:
     /// Sets a handler that is called when reading from the socket in use has ended,
     /// because its bytes are not a stream of documents or exceed a limit. It is called
     /// once for each connection, from the event loop, after the signals of all commands
-    /// that were received before. The handler may close the socket, set another one, or
-    /// delete this object later. An empty handler is not called.
+    /// that were received before. The handler may close the socket, set another
+    /// socket or handler, or delete this object later. An empty handler is not called.
     void setStreamErrorHandler(StreamErrorHandler a_handler) { m_streamErrorHandler = std::move(a_handler); }
 
     /// The number of bytes held of a document that has arrived only in part over the

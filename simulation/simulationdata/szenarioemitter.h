@@ -129,7 +129,8 @@ public:
         long long timeActive = -1; ///< ms, or -1
         std::shared_ptr<SignalPackage> signalPackage;
     };
-    /// All three for one search in the schedule.
+    /// Returns all three with one search in the schedule. A class that overrides
+    /// isActiveAt() overrides this as well.
     [[nodiscard]] virtual Transmission transmissionAt(unsigned int a_uiTime) const;
 
     /// The on-times of the schedule inside [start, end) ms, each filled with the

@@ -203,11 +203,17 @@ void XmlSeparator::takeDocuments()
 /// Receivers may have deleted the object when the function returns.
 void XmlSeparator::deliver(const QByteArray& a_document)
 {
+    // An event loop inside a slot delivers the next document inside this delivery.
+    const QByteArray outer = std::exchange(m_delivered, {});
     if (!m_plain.empty() && isSame(m_plain.front(), a_document)) {
         m_delivered = std::move(m_plain.front());
         m_plain.pop_front();
     }
+    const QPointer<XmlSeparator> self(this);
     Q_EMIT xmlReceived(a_document);
+    if (self != nullptr) {
+        m_delivered = outer;
+    }
 }
 
 bool XmlSeparator::isPlain(const QByteArray& a_document) const

@@ -146,7 +146,7 @@ private:
     bool m_bCompressOutgoing = false;
     bool m_bUncompressIncoming = true;
     std::deque<QByteArray> m_plain; ///< those of the queued documents that are plain
-    QByteArray m_delivered;         ///< the plain document delivered last
+    QByteArray m_delivered;         ///< the plain document that is being delivered
     QBasicTimer m_readTimer;        ///< schedules a read from the event loop
     bool m_bReporting = false;      ///< while errorOccured() is emitted
     QString m_sError;               ///< empty without an error

@@ -501,7 +501,7 @@ void TestScenarioDataXmlRobustness::neverAHalfFile()
     }
     QCOMPARE(TraceCollector::lines(),
              QStringList({QStringLiteral("Cannot save \"%1\": File too large "
-                                         "(simulation/simulationdata/io/documentfile)")
+                                         "(simulation/simulationdata/documentfile)")
                               .arg(sFile),
                           QStringLiteral("Cannot write a scenario: File too large "
                                          "(simulation/simulationdata/scenariodataxml)")}));

@@ -124,6 +124,8 @@ void TestXmlElement::refused_data()
     row("empty reference", "<A>&#;</A>", "line 1, column 4: malformed reference");
     row("forbidden reference", "<A>&#0;</A>",
         "line 1, column 4: reference to an invalid or forbidden character \"#0\"");
+    row("reference with a colon", "<A>&#x4:;</A>",
+        "line 1, column 4: reference to an invalid or forbidden character \"#x4:\"");
     row("surrogate reference", "<A>&#xD800;</A>",
         "line 1, column 4: reference to an invalid or forbidden character \"#xD800\"");
     row("reference that wraps round", "<A>&#4294967361;</A>",

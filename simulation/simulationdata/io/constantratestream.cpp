@@ -12,7 +12,7 @@ namespace Simulation {
 
 namespace {
 
-constexpr const char* s_szSource = "simulation/simulationdata/io/constantratestream";
+constexpr const char* s_szSource = "simulation/simulationdata/constantratestream";
 
 // Offsets of the fields in the stream's header: the rate (32-bit float, items per
 // second), then the number of items (64 bits).

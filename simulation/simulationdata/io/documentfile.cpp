@@ -14,7 +14,7 @@ namespace Simulation {
 
 namespace {
 
-constexpr const char* s_szSource = "simulation/simulationdata/io/documentfile";
+constexpr const char* s_szSource = "simulation/simulationdata/documentfile";
 constexpr qint64 s_iChunkBytes = qint64{1} << 20;
 constexpr std::uint64_t s_uiLargestDocument = std::uint64_t{1} << 40; ///< (bytes), whatever the limit
 

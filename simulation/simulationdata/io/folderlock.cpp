@@ -19,7 +19,7 @@ namespace Simulation {
 
 namespace {
 
-constexpr const char* s_szSource = "simulation/simulationdata/io/folderlock";
+constexpr const char* s_szSource = "simulation/simulationdata/folderlock";
 constexpr QLatin1String s_sLockName("simulationdata.lock");
 constexpr std::chrono::milliseconds s_pause{20}; ///< between two attempts
 constexpr mode_t s_eEverybody = 0666;            ///< minus the process's umask

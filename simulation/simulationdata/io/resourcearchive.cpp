@@ -16,7 +16,7 @@ namespace Simulation {
 
 namespace {
 
-constexpr const char* s_szSource = "simulation/simulationdata/io/resourcearchive";
+constexpr const char* s_szSource = "simulation/simulationdata/resourcearchive";
 
 bool unpack(const QString& a_sArchive, const QString& a_sFolder, const QString& a_sTarget, QString* a_pReason)
 {

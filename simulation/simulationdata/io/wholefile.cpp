@@ -29,7 +29,7 @@ namespace Simulation {
 
 namespace {
 
-constexpr const char* s_szSource = "simulation/simulationdata/io/wholefile";
+constexpr const char* s_szSource = "simulation/simulationdata/wholefile";
 constexpr qsizetype s_iMachineDigits = 8;
 constexpr qsizetype s_iCopyBytes = qsizetype{128} * 1024;
 

@@ -44,7 +44,7 @@ char32_t referencedCharacter(QByteArrayView a_reference)
     const QByteArrayView digits = a_reference.sliced(bHexadecimal ? 2 : 1);
     char32_t cCode = 0;
     for (const char c : digits) {
-        int iDigit = c - '0';
+        int iDigit = c <= '9' ? c - '0' : iHexadecimal; // not a digit
         if (bHexadecimal && c >= 'a' && c <= 'f') {
             iDigit = iDecimal + (c - 'a');
         } else if (bHexadecimal && c >= 'A' && c <= 'F') {
