@@ -99,7 +99,7 @@ private:
     [[nodiscard]] Waited waitFor(const std::function<bool()>& a_isDone);
     [[nodiscard]] bool areDevicesDone() const;
     void noteState(const QString& a_sId, const Simulation::SimulationDeviceState& a_state);
-    void fail(const QString& a_sError);
+    void fail(const QString& a_sReason);
     void noteProgress();
     void showTransfer();
 
