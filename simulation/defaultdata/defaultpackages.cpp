@@ -23,7 +23,7 @@ constexpr std::uint32_t s_uiRecordsPerSecond = 10;
 constexpr std::uint32_t s_uiMsPerSecond = 1'000;
 
 constexpr std::uint32_t s_uiAudioRate = 32'000; // frames per second
-constexpr std::uint32_t s_uiFrames = 95'990;    // just under the package's 96,000
+constexpr std::uint32_t s_uiFrames = 95'990;    // just under the 96,000 frames of the package's duration
 constexpr std::uint32_t s_uiFadeFrames = 640;   // 20 ms
 constexpr double s_dAmplitude = 16'000.0;       // half of full scale
 
@@ -31,9 +31,9 @@ constexpr double s_dAmplitude = 16'000.0;       // half of full scale
 /// differ between mathematics libraries.
 constexpr double s_dStepsPerUnit = 4'096.0;
 
-/// A flat top with raised-cosine edges: 1 inside, 0 outside, and at |offset| =
-/// `a_dEdge`, the middle of the edge, 0.5. With t running from 0 to 1 across the
-/// width of the edge the value is (1 + cos(pi t)) / 2.
+/// A flat top with raised-cosine edges: 1 inside, 0 outside. The middle of the edge,
+/// with the value 0.5, is at |offset| = `a_dEdge`. With t running from 0 to 1 across
+/// the width of the edge, the value is (1 + cos(pi t)) / 2.
 double flatTop(double a_dOffset, double a_dEdge, double a_dEdgeWidth)
 {
     const double dOut = std::clamp((std::abs(a_dOffset) - a_dEdge) / a_dEdgeWidth + 0.5, 0.0, 1.0);
@@ -58,7 +58,8 @@ double breath(double a_dPhase)
 // all records.
 
 /// The spectrum of a voice, symmetric to the carrier: a flat top with two moving
-/// formants, at about 0.15 and, half as strong, at about 0.4 of half the bandwidth.
+/// formants. In units of half the bandwidth the first is at about 0.15. The second is
+/// half as strong and is at about 0.4.
 double voiceShape(double a_dOffset, double a_dPhase)
 {
     const double dSide = std::abs(a_dOffset);

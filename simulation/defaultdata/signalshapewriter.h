@@ -18,11 +18,11 @@ struct SignalShape
     std::vector<std::vector<float>> records;
 };
 
-/// The content of "Signal.ssf", in the layout that SignalShapeFile reads. The
-/// values of a spectrum are multiples of the base power, from the lowest to the
-/// highest frequency. Level A of a record is its highest value, the signal, and
-/// level B its lowest, the noise floor, so a reader gets the signal-to-noise ratio
-/// without the points.
+/// The content of "Signal.ssf", in the layout that SignalShapeFile reads. The values of
+/// a spectrum are multiples of the base power, from the lowest to the highest
+/// frequency. Level A of a record is its highest value (the signal), level B its lowest
+/// (the noise floor). A reader therefore gets the signal-to-noise ratio without the
+/// points.
 [[nodiscard]] QByteArray writeSignalShape(const SignalShape& a_shape);
 
 } // namespace DefaultData

@@ -10,7 +10,7 @@ namespace DefaultData {
 
 namespace {
 
-// The time of all entries in the form of zip files: midnight on 1 January 1980, the
+// The time of all entries in the encoding of zip files: midnight on 1 January 1980, the
 // earliest possible. The real time would make the bytes of each build different.
 constexpr zip_uint16_t s_uiTime = 0;
 constexpr zip_uint16_t s_uiDate = 0x0021; // month 1, day 1

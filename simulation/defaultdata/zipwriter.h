@@ -14,9 +14,9 @@ struct ZipEntry
     QByteArray bytes;
 };
 
-/// Writes a zip file in place of an existing one. The same entries in the same
-/// order give the same bytes, regardless of clock, time zone and umask. False
-/// leaves the old file unchanged and sets `*a_pReason`.
+/// Writes a zip file in place of an existing one. The same entries in the same order
+/// give the same bytes, regardless of clock, time zone and umask. On failure returns
+/// false, keeps the old file unchanged and sets `*a_pReason`.
 [[nodiscard]] bool writeZip(const QString& a_sFile, const QList<ZipEntry>& a_entries, QString* a_pReason);
 
 } // namespace DefaultData

@@ -123,16 +123,16 @@ std::vector<std::int16_t> AudioFile::readSamples(std::uint64_t a_uiStart, std::u
         }
         samples.insert(samples.end(), rest.begin(), rest.end());
     }
-    // Here the samples are at most one whole recording, which is repeated up to the
-    // count. Nothing is repeated when the count is smaller.
+    // The samples read are at most one whole recording. They are repeated up to the
+    // count, unless the count is smaller.
     const std::size_t uiPeriod = samples.size();
     samples.resize(static_cast<std::size_t>(a_uiCount));
     repeat(samples.data(), bytesOf(uiPeriod), bytesOf(samples.size()));
     return samples;
 }
 
-/// Why so many samples cannot be read; empty when they can. Does not check whether
-/// the file is open.
+/// The reason why `a_uiCount` samples cannot be read; empty when they can be read. Does
+/// not check whether the file is open.
 QString AudioFile::errorText(std::uint64_t a_uiCount) const
 {
     if (a_uiCount > Limits::value(Limits::DataBytes) / sizeof(std::int16_t)) {

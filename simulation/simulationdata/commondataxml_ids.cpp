@@ -11,7 +11,7 @@ namespace Simulation {
 namespace {
 
 constexpr qsizetype s_iNamedIds = 3;
-constexpr qsizetype s_iShownCharacters = 40; ///< of an id
+constexpr qsizetype s_iShownCharacters = 40; ///< of each id in the error text
 constexpr std::uint64_t s_uiMicrosecondsPerSecond = 1'000'000;
 
 } // namespace

@@ -28,9 +28,9 @@ class SharedIds
 public:
     void add(const QString& a_sId) { ++m_counts[a_sId]; }
 
-    /// An error text that names up to three shared ids, shortened if they are long, how
-    /// many objects share each, and what to do. Empty if no id is shared. `a_szNoun`
-    /// names the objects ("emitters").
+    /// An error text for up to three shared ids; empty if no id is shared. It names
+    /// each id, shortened if it is long, the number of objects that share it, and what
+    /// to do. `a_szNoun` names the objects ("emitters").
     [[nodiscard]] QString text(const char* a_szNoun) const;
 
 private:

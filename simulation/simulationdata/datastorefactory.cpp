@@ -43,8 +43,7 @@ std::optional<QString> repository(ICfg* a_pCfg)
 QString storeDir(ICfg* a_pCfg, QLatin1String a_sName)
 {
     const QString sRepository = repository(a_pCfg).value_or(QString());
-    // An empty text is not a folder; joined with the name it would be one in the
-    // root.
+    // Without a repository the path would lie in the root folder.
     return !sRepository.isEmpty() ? sRepository + u'\\' + a_sName : QString();
 }
 
@@ -73,14 +72,14 @@ bool prepareFolders(const QDir& a_repository, QString* a_pReason)
     return makeFolder(packages.absoluteFilePath(s_sDefaultPackages), a_pReason);
 }
 
-/// Copies the default data into the repository, which is usable without it: an
-/// error is only traced. Returns the first one, empty on success.
+/// Copies the default data into the repository. The repository is usable without it,
+/// so errors are only traced. Returns the text of the first error, empty on success.
 QString putDefaultData(const QDir& a_repository)
 {
     QString sError;
     const QDir packages(a_repository.absoluteFilePath(s_sSignalPackages));
     removeAbandonedFiles(packages.absolutePath());
-    // Older programs unpacked under this name; a crash may have left the file.
+    // Older programs unpacked under this name. A crash may have left the file there.
     const QString sFormer = packages.absoluteFilePath(QStringLiteral("~tmp.zip"));
     makeWritable(sFormer);
     QFile::remove(sFormer);

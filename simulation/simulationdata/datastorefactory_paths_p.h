@@ -9,13 +9,13 @@ namespace Simulation {
 /// repository.
 inline constexpr QLatin1String s_sDefaultPackages("TuK-Default");
 
-/// The path to open for a path that a getter of DataStoreFactory returned. Where
-/// the separator is the slash and the path as given does not exist, its backslashes
-/// are replaced by slashes.
+/// Returns the path to open for a path from a getter of DataStoreFactory. Where the
+/// separator is the slash, replaces backslashes by slashes unless the path exists as
+/// given.
 [[nodiscard]] QString resolvedStorePath(const QString& a_sPath);
 
-/// The absolute path of a file in such a folder. Empty for an empty folder, which
-/// would otherwise mean the current one.
+/// The absolute path of a file in a folder whose path a getter returned. Empty for an
+/// empty folder, which would otherwise mean the current one.
 [[nodiscard]] QString filePathIn(const QString& a_sFolder, const QString& a_sName);
 
 } // namespace Simulation

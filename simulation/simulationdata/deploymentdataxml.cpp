@@ -23,7 +23,7 @@ namespace {
 const DocumentKind s_kind("simulation/simulationdata/deploymentdataxml", QStringLiteral("Deployment"),
                           QStringLiteral("SimulationDeployment"));
 
-/// What SharedIds reports of objects.
+/// The error text of SharedIds for the objects.
 template<typename Objects>
 QString sharedIdsOf(const Objects& a_objects, const char* a_szNoun)
 {

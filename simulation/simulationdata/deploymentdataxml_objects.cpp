@@ -22,7 +22,8 @@ namespace {
 const std::array<XmlField<DeploymentDevice>, 3> s_deviceTexts{{
     {QStringLiteral("Machine"), [](const DeploymentDevice& a_device) { return a_device.machine(); },
      [](DeploymentDevice& a_device, QStringView a_sText) { a_device.setMachine(a_sText.toString()); }},
-    // Written for other programs. Only the device itself sets it, so it is not read.
+    // Written for other programs. It is not read, because only the device itself sets
+    // it.
     {QStringLiteral("ConfiguredStationID"),
      [](const DeploymentDevice& a_device) { return a_device.configuredStationId(); },
      [](DeploymentDevice& /*a_device*/, QStringView /*a_sText*/) {}},
@@ -43,8 +44,8 @@ const std::array<XmlField<ReceiverSettings>, 2> s_receiverNumbers{{
 
 void writePosition(QXmlStreamWriter& a_writer, IPositionSettings* a_pSettings)
 {
-    // Empty without settings: an object whose element is empty or missing is read at
-    // (0, 0).
+    // Without settings the element stays empty. An object with an empty or missing
+    // element is read at (0, 0).
     a_writer.writeStartElement(s_sPosition);
     CommonDataXml::writePositionSettings(a_pSettings, a_writer);
     a_writer.writeEndElement();
@@ -61,8 +62,8 @@ void writeObjectStart(QXmlStreamWriter& a_writer, const QString& a_sElement, con
 
 } // namespace
 
-/// The object of an id, created if there is none. If the deployment is full, returns null
-/// and raises an error in the reader, which ends the reading.
+/// The object with the given id, created if there is none. If the deployment is full,
+/// returns null and raises an error in the reader, which ends the reading.
 template<typename Object>
 std::shared_ptr<Object> DeploymentDataXml::objectForId(QXmlStreamReader& a_reader,
                                                        QMap<QString, std::shared_ptr<Object>>& a_objects,

@@ -25,7 +25,7 @@ void DeploymentObject::copy(std::shared_ptr<DeploymentObject> a_source)
 void DeploymentObject::takeFrom(const DeploymentObject& a_source)
 {
     m_sId = a_source.m_sId;
-    // Without setName(): for a station that would set the id.
+    // setName() is not used, because it would set the id of a station.
     m_sName = a_source.name();
     m_sIconId = a_source.m_sIconId;
     m_pPositionSettings.reset(a_source.m_pPositionSettings ? a_source.m_pPositionSettings->clone() : nullptr);

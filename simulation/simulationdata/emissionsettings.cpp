@@ -27,8 +27,9 @@ bool startsBefore(const EmissionPtr& a_emission, std::int64_t a_iStart)
     return a_emission->start < a_iStart;
 }
 
-/// Whether an emission that started before `a_iTime` lasts until then. Documents may
-/// hold any start, so the difference is unsigned, where it cannot overflow.
+/// Whether an emission that started before `a_iTime` is still active at that time.
+/// Documents may contain any start, so the difference is calculated unsigned: a signed
+/// one could overflow.
 bool lastsUntil(const EmissionSettings::Emission& a_emission, std::int64_t a_iTime)
 {
     if (a_emission.duration < 0) {
@@ -70,7 +71,7 @@ QSet<const EmissionSettings::Emission*> emissionsOf(const QList<EmissionPtr>& a_
 EmissionSettings::Emission::~Emission()
 {
     if (emitter.use_count() == 1) {
-        // Not as an initializer list, which would hold the last pointer during the drop.
+        // An initializer list would keep the last pointer alive during the drop.
         std::vector<std::shared_ptr<const void>> pointers;
         pointers.push_back(std::move(emitter));
         ObjectReleaser::dropInTurn(std::move(pointers));
@@ -79,7 +80,7 @@ EmissionSettings::Emission::~Emission()
 
 EmissionSettings::Group::~Group()
 {
-    // Chains of groups are taken apart here, not one inside the other.
+    // A loop frees chains of groups: nested destructors could overflow the stack.
     QList<GroupPtr> pending = std::move(groups);
     while (!pending.isEmpty()) {
         const GroupPtr group = pending.takeLast();
@@ -136,7 +137,7 @@ qsizetype EmissionSettings::lowerBound(std::int64_t a_iStart) const
 void EmissionSettings::addEmission(const EmissionPtr& a_emission)
 {
     if (a_emission) {
-        const EmissionPtr emission = a_emission; // may be an element of the list itself
+        const EmissionPtr emission = a_emission; // a_emission may refer to an element of the list
         m_emissions.insert(lowerBound(emission->start), emission);
     }
 }
@@ -192,7 +193,7 @@ bool EmissionSettings::removalChangesGroups(const std::shared_ptr<SzenarioEmitte
 
 void EmissionSettings::removeEmissions(const std::shared_ptr<SzenarioEmitter>& a_emitter)
 {
-    const std::shared_ptr<SzenarioEmitter> emitter = a_emitter; // may be an emission's own
+    const std::shared_ptr<SzenarioEmitter> emitter = a_emitter; // may be the member of an emission
     const QSet<const Emission*> removed = emissionsOf(m_emissions, emitter);
     if (removed.isEmpty()) {
         return;
@@ -237,9 +238,9 @@ void EmissionSettings::removeGroup(const GroupPtr& a_group)
 
 void EmissionSettings::clearEmptyGroups()
 {
-    // A group is checked again only when it loses a member, and members are only
-    // counted until the end. So the time is linear in the number of groups and
-    // memberships, also in chains of groups that empty each other.
+    // A group is checked again only when it loses a member. Until the end members are
+    // only counted, not removed from the lists. So the time is linear in the number of
+    // groups and memberships, even when groups of a chain empty each other.
     QHash<const Group*, QList<const Group*>> holders;
     QHash<const Group*, qsizetype> membersLeft;
     QSet<const Group*> empty;
@@ -389,8 +390,9 @@ QList<HRActivity> EmissionSettings::calculateHRActivities(const SzenarioEmitter*
     if (m_bBroadcast) {
         return {HRActivity{a_uiStart, a_uiLength, 0.0}};
     }
-    // The walk begins in the period that contains the window's start, at the last
-    // emission that started before it: that one may still last.
+    // The walk begins in the period that contains the window's start. Its first
+    // emission is the last one that started before the window, because it may still be
+    // active.
     const std::int64_t iBase = a_uiStart - std::int64_t{a_uiStart} % m_iDuration;
     const qsizetype iNext = lowerBound(a_uiStart - iBase);
     return walkSchedule(m_emissions, a_pEmitter, std::max<qsizetype>(iNext - 1, 0), m_iDuration, iBase,

@@ -16,9 +16,9 @@ constexpr const char* s_szSource = "simulation/simulationdata/emissionsettings_w
 using EmissionPtr = boost::shared_ptr<EmissionSettings::Emission>;
 
 /// The emissions that a walk visits, in the schedule's order. When the period repeats
-/// within the window, the emissions of one emitter are selected once: otherwise each
-/// of perhaps millions of periods would visit those of all emitters. When it does
-/// not, the walk skips the others.
+/// within the window, the emissions of one emitter are selected once. Otherwise each of
+/// perhaps millions of periods would visit the emissions of all emitters. When the
+/// period does not repeat, the walk skips the emissions of other emitters.
 class Selection
 {
 public:
@@ -59,13 +59,13 @@ private:
     qsizetype m_iFirst;
 };
 
-/// The part of an emission that lies in [0, a_iEnd) ms: start + base is its scenario
-/// time. A negative duration counts as 0.
+/// The part of an emission in [0, a_iEnd) ms of scenario time. The emission starts at
+/// the scenario time start + base. A negative duration counts as 0.
 HRActivity clipped(const EmissionSettings::Emission& a_emission, std::int64_t a_iBase, std::int64_t a_iEnd)
 {
-    // The caller ensures start + base < end, but a document may put the start as low
-    // as -2^63, whose negation does not fit: the ms before 0 are counted in unsigned
-    // arithmetic.
+    // The caller ensures start + base < end. A document may set the start as low as
+    // -2^63, whose negation does not fit. The milliseconds before 0 are therefore
+    // counted in unsigned arithmetic.
     const bool bBeforeZero = a_emission.start < -a_iBase;
     const std::int64_t iFrom = bBeforeZero ? 0 : a_emission.start + a_iBase;
     std::int64_t iDuration = std::max<std::int64_t>(a_emission.duration, 0);
@@ -95,9 +95,10 @@ QList<HRActivity> walkSchedule(const QList<EmissionPtr>& a_emissions, const Szen
     if (selection.size() == 0) {
         return {};
     }
-    // The walk goes on into the next period only when the last emission of the whole
-    // schedule and the next period start before the window's end. All comparisons
-    // have the form start >= end - base: the sum start + base could overflow.
+    // The walk continues in the next period only when two times lie before the window's
+    // end: the start of the schedule's last emission and the start of the next period.
+    // All comparisons have the form start >= end - base, because the sum start + base
+    // could overflow.
     const std::int64_t iLastStart = a_emissions.constLast()->start;
     std::int64_t iBase = a_iBase;
     qsizetype i = selection.first();

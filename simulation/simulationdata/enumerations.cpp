@@ -87,7 +87,7 @@ AnalogModulations analogModulationFromString(const QString& a_sText)
             return entry.value;
         }
     }
-    return AnalogModulations::CW; // "None" too: the enumeration has no value for it
+    return AnalogModulations::CW; // also for "None", which has no value in the enumeration
 }
 
 } // namespace Simulation

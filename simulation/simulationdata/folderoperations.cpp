@@ -53,8 +53,8 @@ bool hasForeignNames(const QString& a_sFolder)
     return false;
 }
 
-/// Whether the path lies in the folder or is that folder, after following links;
-/// the last parts of both may not exist. Also true when a path cannot be resolved.
+/// Whether the path lies in the folder or is that folder, after following links. The
+/// last parts of both paths need not exist. Also true when a path cannot be resolved.
 bool isInside(const QString& a_sPath, const QString& a_sFolder)
 {
     const auto canonical = [](const QString& a_sOne, std::error_code& a_error) {

@@ -20,7 +20,7 @@ constexpr int s_iFreeDecimals = 6;
 struct Band
 {
     double upperEnd = 0.0; ///< Hz, not part of the band
-    char16_t unit = 0;     ///< letter that a user types, lower case
+    char16_t unit = 0;     ///< unit letter in user input, lower case
     QLatin1String prefix;
     double divisor = 1.0; ///< Hz of one unit
     int decimals = 0;

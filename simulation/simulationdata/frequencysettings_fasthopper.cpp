@@ -153,9 +153,10 @@ QList<HRActivity> FrequencySettings_FastHopper::calculateHRActivities(unsigned i
 
     ActivityAnswer answer(s_szSource);
     bool bRoom = answer.append({uiStart, uiOffset, frequencyInMiddle(uiStart, uiOffset)});
-    // Hops begin at floor((start + offset) / hop) * hop + offset. That may be after
-    // the end of the lead-in, which leaves a gap, or before it, where both overlap.
-    // In a window that ends before the first hop the lead-in is the only activity.
+    // Hops begin at floor((start + offset) / hop) * hop + offset. If the first one
+    // begins after the end of the lead-in, a gap remains; if it begins before, both
+    // overlap. In a window that ends before the first hop, the lead-in is the only
+    // activity.
     std::uint64_t uiHopStart = (uiStart + uiOffset) / uiHop * uiHop + uiOffset;
     while (bRoom && uiHopStart < uiEnd) {
         const std::uint64_t uiFrom = std::max(uiHopStart, uiStart);

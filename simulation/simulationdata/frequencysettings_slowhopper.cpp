@@ -86,13 +86,13 @@ unsigned int FrequencySettings_SlowHopper::getTime(int a_iRow) const
 
 void FrequencySettings_SlowHopper::setTime(int a_iRow, unsigned int a_uiTime)
 {
-    // Read before the reset, which drops the times. Times and durations wrap modulo
-    // 2^32 in a table that is longer.
+    // The times are read before the reset, which drops them. In a table longer than
+    // 2^32 ms, times and durations wrap modulo 2^32.
     const std::uint32_t uiBefore = getTime(a_iRow - (a_iRow > 0 ? 1 : 0));
     const std::uint32_t uiCurrent = getTime(a_iRow);
     resetLength();
     if (a_iRow >= 1 && hasRow(a_iRow) && a_uiTime > uiBefore) {
-        // The step before takes up the difference.
+        // The previous step changes its duration by the difference.
         m_frequencySteps[a_iRow - 1].duration += a_uiTime - uiCurrent;
     }
 }
@@ -101,7 +101,7 @@ void FrequencySettings_SlowHopper::removeStep(int a_iRow)
 {
     if (a_iRow >= 1 && hasRow(a_iRow)) {
         m_frequencySteps.removeAt(a_iRow);
-        m_stepTimes.clear(); // the length is kept, as everywhere in this interface
+        m_stepTimes.clear(); // the length is kept until resetLength()
     }
 }
 
@@ -113,7 +113,7 @@ void FrequencySettings_SlowHopper::insertStep(int a_iRow)
     const int iSource = a_iRow < 0 ? rows() - 1 : a_iRow;
     const FrequencyStep step = m_frequencySteps[iSource];
     m_frequencySteps.insert(iSource + 1, step);
-    m_stepTimes.clear(); // the length is kept, as everywhere in this interface
+    m_stepTimes.clear(); // the length is kept until resetLength()
 }
 
 FrequencySettingsType FrequencySettings_SlowHopper::getType()
@@ -189,11 +189,11 @@ QList<HRActivity> FrequencySettings_SlowHopper::calculateHRActivities(unsigned i
     if (uiLength == 0 || uiCycle == 0) {
         return {{a_uiStart, a_uiLength, lastFrequency()}};
     }
-    // The walk counts its times from uiBase, the last multiple of the length up to
-    // the window. Inserted and removed steps may have left a length that differs from
-    // the true cycle, so the walk skips whole cycles first and then steps. A window
-    // that starts exactly at the end of the length starts the table again, whatever
-    // the end behaviour.
+    // The walk counts its times from uiBase, the last multiple of the length up to the
+    // window's start. The length may differ from the true cycle, because steps were
+    // inserted or removed. The walk therefore skips whole cycles first and then steps.
+    // A window that starts exactly at the end of the length starts the table again,
+    // whatever the end behaviour.
     const std::uint64_t uiOffset = a_uiStart % uiLength;
     const std::uint64_t uiBase = a_uiStart - uiOffset;
     const std::uint64_t uiEnd = windowEnd(a_uiStart, a_uiLength) - uiBase;
@@ -209,7 +209,7 @@ QList<HRActivity> FrequencySettings_SlowHopper::calculateHRActivities(unsigned i
         const bool bLast = uiStepEnd == uiLength && m_eEndBehavior != EndBehaviourType::Restart;
         const std::uint64_t uiFrom = std::max(uiTime, uiOffset);
         const std::uint64_t uiTo = bLast ? uiEnd : std::min(uiStepEnd, uiEnd);
-        // The last step lasts until the window's end, so a window without length has
+        // The last step lasts until the window's end. A window without length contains
         // no part of it.
         if (bLast && uiTo <= uiOffset) {
             break;

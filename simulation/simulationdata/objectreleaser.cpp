@@ -10,8 +10,8 @@ namespace Simulation {
 namespace {
 
 /// The pointers of the outermost dropInTurn() on this thread; null outside of it. A
-/// plain pointer has no destructor and so can still be used when objects are destroyed
-/// after the other variables of the thread.
+/// plain pointer has no destructor. It can therefore still be used when objects are
+/// destroyed after the other variables of the thread.
 thread_local std::vector<std::shared_ptr<const void>>* t_pQueue = nullptr;
 
 } // namespace

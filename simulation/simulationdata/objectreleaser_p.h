@@ -18,14 +18,14 @@ namespace Simulation {
 
 class ScenarioObject;
 
-/// Drops the objects of a document and frees those that then only hold each other.
-/// Shared pointers alone would never free an emitter that is named in its own
-/// schedule. Objects that a caller still holds, also in a copy of a set or list, stay
-/// whole, and so do all objects that these reach.
+/// Drops the objects of a document and frees those that then hold only each other.
+/// Shared pointers alone would never free an emitter that its own schedule names.
+/// Objects that a caller still holds, also in a copy of a set or list, stay whole. So
+/// do all objects that they reach.
 ///
-/// This is trial deletion (Lins 1992). For every object that is reached, the
-/// references from the other reached objects are subtracted from its use count. When
-/// the difference is not 0, the object is held from outside, and it is kept with all
+/// This is trial deletion (Lins 1992). For every object that is reached, the references
+/// from the other reached objects are subtracted from its use count. When the
+/// difference is not 0, the object is held from outside, and it is kept with all
 /// objects that it reaches. The members of the other objects are emptied, which frees
 /// these objects. Time and memory are linear in objects and references. No function
 /// recurses from object to object. An instance exists for one release, on the thread
@@ -65,10 +65,9 @@ public:
     static void releaseGroups(QList<boost::shared_ptr<EmissionSettings::Group>>& a_groups);
 
     /// Drops pointers one after another, for the destructors of objects. In a chain of
-    /// a million emitters, each of which holds the last pointer to the next one,
-    /// nested destructors would overflow the stack. A call from within such a drop on
-    /// the same thread only appends its pointers to those that are still to be
-    /// dropped.
+    /// a million emitters, each of which holds the last pointer to the next one, nested
+    /// destructors would overflow the stack. A call during a drop on the same thread
+    /// only appends its pointers to the pending ones.
     static void dropInTurn(std::vector<std::shared_ptr<const void>> a_pointers);
 
     /// An object calls this for each of its members that hold objects: a shared
@@ -104,10 +103,10 @@ private:
     struct Held
     {
         std::shared_ptr<void> object;
-        boost::shared_ptr<void> record; ///< instead of `object` for an emission or a group
+        boost::shared_ptr<void> record; ///< used instead of `object` for an emission or a group
         void (ObjectReleaser::*visitMembers)(void*) = nullptr;
         long inside = 0;             ///< references from objects that were reached
-        std::size_t firstTarget = 0; ///< start of its references in m_targets, before the next node's
+        std::size_t firstTarget = 0; ///< index of its first reference in m_targets
         bool isKept = false;         ///< reached from outside
 
         [[nodiscard]] void* address() const { return object ? object.get() : record.get(); }
@@ -201,7 +200,7 @@ private:
 
     std::vector<Held> m_held; ///< indexed by node
     std::unordered_map<const void*, Node> m_nodes;
-    std::vector<Node> m_targets; ///< target of every reference, in the order of the nodes that hold them
+    std::vector<Node> m_targets; ///< targets of all references, grouped by the node that holds them
     bool m_bGroupsOnly = false;
     bool m_bEmptying = false;
 };

@@ -63,7 +63,7 @@ const FormatTexts& textsOf(Position::Format a_eFormat)
     return s_formats[static_cast<std::size_t>(knownFormat(a_eFormat))];
 }
 
-/// Coord's code of a format; for the other formats 0, which Coord does not know.
+/// The code of a format for class Coord. Formats unknown to Coord have the code 0.
 int coordFormat(Position::Format a_eFormat)
 {
     switch (a_eFormat) {
@@ -116,8 +116,8 @@ QChar latitudeLetter(double a_dLatitude)
     return a_dLatitude >= 0.0 ? u'N' : u'S';
 }
 
-/// A whole number as text, without a cast to an integer, which is undefined for
-/// values that do not fit.
+/// A whole number as text. A cast to an integer would be undefined for values that do
+/// not fit.
 QString wholeText(double a_dValue, int a_iWidth)
 {
     return QString::number(a_dValue, 'f', 0).rightJustified(a_iWidth, u'0');

@@ -21,7 +21,7 @@ constexpr double s_dMillisecondsPerSecond = 1000.0;
 constexpr float s_fMillisecondsPerHour = 3'600'000.0F;
 constexpr float s_fNoSpeed = -1.0F;
 constexpr double s_dMetresPerKilometre = 1000.0;
-constexpr double s_dLargestShare = 0.7; ///< of a leg, before an inserted point
+constexpr double s_dLargestShare = 0.7; ///< largest share of a leg before an inserted point
 constexpr double s_dRightAngle = 90.0;
 constexpr double s_dHalfTurn = 180.0;
 constexpr double s_dFullTurn = 360.0;
@@ -43,9 +43,9 @@ std::uint32_t travelTime(const TPos& a_from, const TPos& a_to, double a_dSpeed)
 }
 
 /// The share of a leg (a_from to a_to) at which a new point lies: the given distance
-/// over the length of the leg, both in degrees of the longitude-latitude plane. 1 for
-/// a distance of 0 or one that is not finite. 0 for coincident points: they have no
-/// direction, so the new point lies on them.
+/// over the length of the leg, both in degrees of the longitude-latitude plane. The
+/// share is 1 for a distance that is 0 or not finite. It is 0 for coincident points:
+/// they have no direction, so the new point lies on them.
 double shareOfLeg(const TPos& a_from, const TPos& a_to, double a_dDistance)
 {
     const double dLength = std::hypot(a_to.longitude - a_from.longitude, a_to.latitude - a_from.latitude);
@@ -118,7 +118,7 @@ void PositionSettingsPtp::setPoint(int a_iRow, const MovementPoint& a_point)
         return;
     }
     computeLegs();
-    m_movements[a_iRow] = a_point; // may be an element of the list: its fields are up to date now
+    m_movements[a_iRow] = a_point; // a_point may be an element of the list, whose fields are up to date now
     updatePoint();
 }
 
@@ -145,8 +145,8 @@ void PositionSettingsPtp::setArivalTime(int a_iRow, unsigned int a_uiTime)
     if (a_uiTime < uiDeparture) {
         return;
     }
-    // speed = distance / time. The distance counts from the way point before, the
-    // time from the departure of the point before. Time and speed are rounded to
+    // speed = distance / time. The distance counts from the previous way point, the
+    // time from the departure from the previous point. Time and speed are rounded to
     // single precision, as in getMovementSpeed().
     double dDistance = 0.0;
     for (int iRow = a_iRow; iRow > 0; --iRow) {
@@ -225,7 +225,7 @@ void PositionSettingsPtp::removeRow(int a_iRow)
     computeLegs();
     const MovementPoint& removed = m_movements[a_iRow];
     MovementPoint& before = m_movements[a_iRow - 1];
-    // The intermediate point before takes the place of the way point.
+    // A previous intermediate point takes the place of the way point.
     if (removed.major && !before.major) {
         before.major = true;
         before.speed = removed.speed;
@@ -243,7 +243,7 @@ void PositionSettingsPtp::insertRowAfter(int a_iRow, double a_dDistance, const Q
     MovementPoint point;
     point.major = !a_sName.isNull();
     point.name = a_sName;
-    point.speed = s_dDefaultSpeed; // an intermediate point gets that of the next one
+    point.speed = s_dDefaultSpeed; // an intermediate point gets the speed of the next one
 
     computeLegs();
     const qsizetype iCount = m_movements.size();
@@ -253,14 +253,14 @@ void PositionSettingsPtp::insertRowAfter(int a_iRow, double a_dDistance, const Q
         point.position = end;
         point.major = true;
     } else if (a_iRow < iCount - 1) {
-        // Between two points: on the line, at most 70 % of the way.
+        // A new point between two points lies on their line, at most 70 % of the way.
         iIndex = a_iRow + 1;
         const TPos from = m_movements[a_iRow].position;
         const TPos to = m_movements[iIndex].position;
         const double dShare = std::min(shareOfLeg(from, to, a_dDistance), s_dLargestShare);
         point.position = pointOnLine(from, to, dShare);
     } else {
-        // After the last point: extends the last leg.
+        // A new point after the last one extends the last leg.
         const TPos from = m_movements[iCount - 2].position;
         const double dShare = shareOfLeg(from, end, a_dDistance);
         point.position = pointOnLine(from, end, 1.0 + dShare);
@@ -280,8 +280,8 @@ void PositionSettingsPtp::insertRowsAfter(int a_iRow, QVector<MovementPoint> a_p
     }
     computeLegs();
     if (a_iRow == m_movements.size() - 1) {
-        // The end of the path keeps its properties when it moves to the last new
-        // point.
+        // The last new point becomes the end of the path and takes the properties of
+        // the old end.
         MovementPoint& oldEnd = m_movements.last();
         MovementPoint& newEnd = a_points.last();
         newEnd.major = true;
@@ -410,7 +410,7 @@ double PositionSettingsPtp::headingAt(unsigned int a_uiTime) const
         if (movements.size() < 2) {
             return 0.0;
         }
-        // After the end: the heading of the last leg.
+        // After the end the heading is that of the last leg.
         stretch = movements.size() - 2;
     }
     return azimuth(movements[*stretch].position, movements[*stretch + 1].position);
@@ -419,7 +419,7 @@ double PositionSettingsPtp::headingAt(unsigned int a_uiTime) const
 double PositionSettingsPtp::speedAt(unsigned int a_uiTime) const
 {
     if (const auto stretch = stretchAt(a_uiTime)) {
-        // The leg that led to this point, not the one that follows it.
+        // The speed is that of the leg to this point, not of the leg after it.
         return static_cast<double>(getMovementSpeed(static_cast<int>(*stretch)));
     }
     const auto time = timeInNextCycle(a_uiTime);
@@ -456,8 +456,8 @@ IPositionSettings* PositionSettingsPtp::clone()
     return pClone.release();
 }
 
-/// Marks the derived fields as outdated: they are computed by the next query, or at
-/// once when a caller may hold a reference to the points.
+/// Marks the derived fields as outdated. The next query computes them. When a caller
+/// may hold a reference to the points, they are computed at once.
 void PositionSettingsPtp::updatePoint()
 {
     m_bLegsStale = true;
@@ -467,11 +467,11 @@ void PositionSettingsPtp::updatePoint()
 }
 
 /// Computes the derived fields of the points unless they are up to date. Every change
-/// except a full replacement calls this first: what an intermediate point inherits
-/// must not depend on when it was last read.
+/// except a full replacement calls this first: the values that an intermediate point
+/// inherits must not depend on when they were last read.
 ///
-/// Runs from the last point to the first, because an intermediate point takes the
-/// speed of the next one, which may itself be intermediate.
+/// Runs from the last point to the first, because an intermediate point takes the speed
+/// of the next one, which may itself be intermediate.
 void PositionSettingsPtp::computeLegs() const
 {
     if (!m_bLegsStale) {
@@ -518,7 +518,7 @@ const std::vector<std::uint64_t>& PositionSettingsPtp::arrivals() const
     return m_arrivals;
 }
 
-/// The row of the point where the emitter dwells or which it left last. No value once
+/// The row of the point at which the emitter dwells or that it left last. No value once
 /// it has reached the last point, whose dwell time is not part of the cycle.
 std::optional<qsizetype> PositionSettingsPtp::stretchAt(unsigned int a_uiTime) const
 {
@@ -531,8 +531,8 @@ std::optional<qsizetype> PositionSettingsPtp::stretchAt(unsigned int a_uiTime) c
     return it != itLast ? std::optional<qsizetype>(it - itEnds) : std::nullopt;
 }
 
-/// For a time (ms) after the last arrival: the same time in the first cycle, that is,
-/// modulo the last arrival. No value unless the movement restarts.
+/// Maps a time (ms) after the last arrival to the same time in the first cycle: the
+/// time modulo the last arrival. No value unless the movement restarts.
 std::optional<unsigned int> PositionSettingsPtp::timeInNextCycle(unsigned int a_uiTime) const
 {
     const std::uint64_t uiCycle = *(arrivals().cend() - 2);

@@ -123,7 +123,7 @@ struct Subject
 {
     std::tuple<bool, QString, QString> key; ///< is not an emitter, id, name
     ScenarioObject* object = nullptr;
-    SzenarioEmitter* emitter = nullptr; ///< the same, when it is one
+    SzenarioEmitter* emitter = nullptr; ///< the object as an emitter; null when it is not one
 };
 
 std::vector<Subject> subjectsOf(const QSet<std::shared_ptr<ScenarioObject>>& a_objects)
@@ -145,9 +145,9 @@ class Run
 public:
     Run(ISignalPackageProvider* a_pProvider, const QSet<QString>& a_knownClasses, IdRule a_ids);
 
-    /// The findings at objects of the same kind, id and name. These objects are
-    /// treated as one, because a finding could not show which of them it concerns
-    /// and the set that they come from has no order.
+    /// The findings for objects of equal kind, id and name. These objects are treated
+    /// as one: a finding could not show which of them it concerns, and their set has no
+    /// order.
     [[nodiscard]] QList<ScenarioFinding> check(std::span<const Subject> a_alike);
 
 private:
@@ -172,8 +172,8 @@ QList<ScenarioFinding> Run::checkPackages(std::span<const Subject> a_alike)
 {
     PackageRule::Tallies tallies;
     for (const Subject& subject : a_alike) {
-        // ScenarioObject's function gives a member's own schedule, not that of its
-        // network, which is checked with the network.
+        // ScenarioObject::emissionSettings() returns a member's own schedule. The
+        // schedule of its network is checked with the network.
         m_packages->check(*subject.object->ScenarioObject::emissionSettings(), tallies);
     }
     QList<ScenarioFinding> findings;
@@ -196,7 +196,7 @@ QList<ScenarioFinding> Run::check(std::span<const Subject> a_alike)
         }
         m_settings.check(*subject.object, subject.emitter, others);
     }
-    // The texts of one rule begin alike and then name the value concerned.
+    // Texts of one rule have the same beginning, and the value concerned follows.
     std::sort(others.begin(), others.end(),
               [](const ScenarioFinding& a_first, const ScenarioFinding& a_second) {
                   return std::tie(a_first.ruleId, a_first.text) < std::tie(a_second.ruleId, a_second.text);

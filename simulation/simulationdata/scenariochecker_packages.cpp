@@ -21,9 +21,9 @@ bool isBare(const SignalPackage& a_package)
 
 } // namespace
 
-/// The provider's own record of the id; null when it has none. When the provider
-/// returns its default package for an id that this does not supersede, it could not
-/// read the package, which counts as none.
+/// The provider's own record of the id; null when it has none. The provider may return
+/// its default package for an id that the default package does not supersede. Then the
+/// provider could not read the package, and the result is null.
 std::shared_ptr<SignalPackage> PackageRule::ownRecord(const QString& a_sId)
 {
     const auto answer = m_answers.constFind(a_sId);
@@ -41,8 +41,8 @@ std::shared_ptr<SignalPackage> PackageRule::ownRecord(const QString& a_sId)
     return *m_answers.insert(a_sId, own);
 }
 
-/// The default package is always usable, even when the provider does not know its
-/// id: an emission that received it must not be found again by the next run.
+/// The default package is always usable, even when the provider does not know its id.
+/// Otherwise the next run would find the repaired emissions again.
 bool PackageRule::isUsable(const SignalPackage& a_package)
 {
     if (ownRecord(a_package.id())) {
@@ -52,8 +52,8 @@ bool PackageRule::isUsable(const SignalPackage& a_package)
     return m_default && m_default->id() == a_package.id();
 }
 
-/// Replaces the package by the provider's record, because only that has duration
-/// and content, unless that record contains only an id.
+/// Replaces the package by the provider's record, because only that has duration and
+/// content. A record that contains only an id is not used.
 void PackageRule::takeOwnRecord(std::shared_ptr<SignalPackage>& a_package)
 {
     const std::shared_ptr<SignalPackage> own = ownRecord(a_package->id());

@@ -18,10 +18,10 @@ namespace Simulation {
 class ISignalPackageProvider;
 class SignalPackage;
 
-/// The rule about packages. Emissions without a package, or with one that the
-/// provider does not know, get the provider's default package; all others get the
-/// provider's own record of their package. The provider's results are cached, so
-/// one object is used for one run over a scenario.
+/// The rule about packages. Emissions without a package, or with one that the provider
+/// does not know, get the provider's default package. All others get the provider's own
+/// record of their package. The provider's results are cached, so one object is used
+/// for one run over a scenario.
 class PackageRule
 {
 public:
@@ -31,8 +31,8 @@ public:
         qsizetype count = 0;
         std::int64_t first = std::numeric_limits<std::int64_t>::max(); ///< earliest start, ms
     };
-    /// By package id; a missing package and one without an id are both listed under
-    /// the empty id, as documents do not distinguish them.
+    /// Tallies by package id. Documents do not distinguish a missing package from a
+    /// package without an id, so both are listed under the empty id.
     using Tallies = std::map<QString, Tally>;
 
     explicit PackageRule(ISignalPackageProvider& a_provider)

@@ -54,8 +54,7 @@ Emitters inIdOrder(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters, con
     return emitters;
 }
 
-/// For each emitter the rank of its link target, s_uiNone when it has none in the
-/// set.
+/// The rank of each emitter's link target; s_uiNone when the set does not contain one.
 std::vector<Rank> targetsOf(const Emitters& a_emitters)
 {
     QHash<const SzenarioEmitter*, Rank> ranks;
@@ -71,11 +70,11 @@ std::vector<Rank> targetsOf(const Emitters& a_emitters)
     return targets;
 }
 
-/// Removes the link of the smallest emitter in every circle. Each emitter has at
-/// most one target, so a walk along the targets ends at an emitter without target,
-/// at one that an earlier walk visited, or at one that it visited itself. The last
-/// case is a circle that was not found before. O(n): every emitter is visited by
-/// one walk, and at most once more along its circle.
+/// Removes the link of the smallest emitter in every circle. Each emitter has at most
+/// one target, so a walk along the targets has three possible ends: an emitter without
+/// target, one that an earlier walk visited, or one that this walk visited. Only the
+/// last case is a new circle. O(n): every emitter is visited by one walk, and at most
+/// once more along its circle.
 void breakCircles(std::vector<Rank>& a_targets)
 {
     std::vector<Rank> walks(a_targets.size(), s_uiNone); ///< start of the walk that visited the emitter

@@ -70,9 +70,9 @@ std::vector<const Object*> inOrder(const ObjectSet& a_objects, const TextOf& a_t
     return objects;
 }
 
-/// Reports emitters that a reader cannot distinguish. Networks do not count: a
-/// document refers to emitters only, so a reader makes a network of every network
-/// element, whatever other network or emitter has its id.
+/// Reports emitters that a reader cannot distinguish. Networks do not count: a document
+/// refers to emitters only, so a reader creates a network for every network element,
+/// whatever its id.
 QString sharedIdsOf(const ObjectSet& a_objects)
 {
     SharedIds ids;
@@ -84,7 +84,7 @@ QString sharedIdsOf(const ObjectSet& a_objects)
     return ids.text("emitters");
 }
 
-/// What a writing function puts out, as bytes.
+/// The text that `a_write` writes, as bytes.
 template<typename Write>
 QByteArray written(const Write& a_write)
 {
@@ -154,14 +154,14 @@ void ScenarioDataXml::writeHeader(QXmlStreamWriter& a_writer) const
     writeNoiseSettings(a_writer, m_noiseSettings);
 }
 
-/// Tells what is missing when the scenario is full and emitters that are only
-/// named find no room; empty when nothing is.
+/// Reads the children of the root element. Returns an error text when the scenario is
+/// too full for emitters that appear only in references; otherwise empty.
 QString ScenarioDataXml::readChildren(QXmlStreamReader& a_reader)
 {
     ScenarioReferences references(m_objects, m_pProvider);
     forEachChild(a_reader, [&](QStringView a_sName) { return readChild(a_reader, a_sName, references); });
     const bool bWhole = references.resolve();
-    // An id that is used twice may have marked its emitter twice.
+    // Two elements with one id may mark the same emitter twice.
     QSet<std::shared_ptr<SzenarioEmitter>> seen;
     m_defaultEmitters.removeIf([&](const auto& a_default) {
         const bool bAgain = seen.contains(a_default);
@@ -190,8 +190,8 @@ bool ScenarioDataXml::readChild(QXmlStreamReader& a_reader, QStringView a_sName,
     return true;
 }
 
-/// False as soon as the text, which is asked after every object, is longer than
-/// a reader accepts.
+/// Calls `a_stillReadable` after every object. False as soon as that function reports
+/// that the text is too long to be read back.
 bool ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& a_objects,
                                    const QList<std::shared_ptr<SzenarioEmitter>>& a_defaults,
                                    const std::function<bool()>& a_stillReadable)
@@ -290,7 +290,7 @@ QString ScenarioDataXml::xmlForObjects(const ObjectSet& a_objects, ISignalPackag
     }
     writer.writeEndElement();
     writer.writeEndDocument();
-    // The reader counts the bytes that it decodes, and a mark before them.
+    // A reader counts a byte-order mark and the bytes that it decodes.
     constexpr qsizetype iMarkBytes = 3;
     if (!s_kind.isReadable(sXml.toUtf8().size() + iMarkBytes)) {
         return {};

@@ -40,7 +40,8 @@ bool readObjectChild(ElementReading& a_reading, QStringView a_sName, ScenarioObj
             a_object.setFrequencySettings(settings.release());
         }
     } else if (a_sName == s_sEmissionSettings) {
-        // The element inside a member is the emitter's own schedule, not the network's.
+        // The element in a member describes the emitter's own schedule, not the
+        // network's.
         readEmissionSettings(a_reading.reader, *a_object.ScenarioObject::emissionSettings(),
                              a_reading.references);
     } else if (a_sName == s_sSignalPackage && a_reading.references.hasProvider()) {
@@ -136,7 +137,7 @@ void ScenarioDataXml::readScenarioEmitter(QXmlStreamReader& a_reader, EmitterTyp
     if (attributes.hasAttribute(s_sName)) {
         emitter->setName(attributes.value(s_sName).toString());
     }
-    // The attribute marks the emitter, whatever its value.
+    // The attribute marks a default emitter, whatever its value.
     if (attributes.hasAttribute(s_sDefault)) {
         m_defaultEmitters.append(emitter);
     }

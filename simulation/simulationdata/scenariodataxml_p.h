@@ -43,8 +43,8 @@ void readEmissionSettings(QXmlStreamReader& a_reader, EmissionSettings& a_settin
 /// than 0 in the document; the settings themselves do not change.
 void writeEmissionSettings(QXmlStreamWriter& a_writer, const EmissionSettings& a_settings);
 
-/// Read the timing of documents before version 4, of an emitter and of a network. The
-/// emissions of a network get its head emitter once its members are known.
+/// Read the timing in documents before version 4: that of an emitter, and that of a
+/// network. The emissions of a network get its head emitter once its members are known.
 void readTimingSettings2(QXmlStreamReader& a_reader, const std::shared_ptr<SzenarioEmitter>& a_emitter,
                          const std::shared_ptr<SignalPackage>& a_package, ScenarioReferences& a_references);
 void readActivitySettings2(QXmlStreamReader& a_reader, const std::shared_ptr<ScenarioNetwork>& a_network,

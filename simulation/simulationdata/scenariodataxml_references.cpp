@@ -63,8 +63,8 @@ void ScenarioReferences::setEmitter(const Emission& a_emission, const QString& a
     if (a_sEmitterId.isEmpty()) {
         return;
     }
-    // An emitter that exists has been defined by its own element. Only references
-    // to emitters that do not exist yet must wait.
+    // An existing emitter was defined by its own element. Only references to emitters
+    // that do not exist yet must wait.
     const auto found = m_emitters.constFind(a_sEmitterId);
     if (found != m_emitters.constEnd()) {
         a_emission->emitter = *found;
@@ -109,7 +109,7 @@ bool ScenarioReferences::resolve()
         resolveMembers(membership);
     }
     for (const EmissionEmitter& reference : m_emissionEmitters) {
-        // The emissions of a replaced schedule are gone.
+        // An emission that only this reference holds belongs to a replaced schedule.
         if (reference.emission.use_count() > 1) {
             reference.emission->emitter = emitterForId(reference.emitterId, EmitterType::Emitter);
         }

@@ -41,8 +41,8 @@ public:
     /// the scenario is full.
     std::shared_ptr<SzenarioEmitter> emitterForId(const QString& a_sId, EmitterType a_eType);
 
-    /// Whether an emitter of that id exists. While elements are read: whether an
-    /// element read so far has defined it.
+    /// Whether an emitter of that id exists. While elements are read, only those read
+    /// so far count.
     [[nodiscard]] bool hasEmitter(const QString& a_sId) const { return m_emitters.contains(a_sId); }
 
     /// Whether there is a provider to resolve packages.
@@ -50,7 +50,7 @@ public:
     /// The package that the provider returns for an id; null without a provider.
     [[nodiscard]] std::shared_ptr<SignalPackage> packageForId(const QString& a_sId) const;
 
-    /// Record a reference until resolve(). An empty id is no reference.
+    /// Record a reference until resolve(). An empty id is ignored.
     void link(const std::shared_ptr<SzenarioEmitter>& a_emitter, const QString& a_sTargetId);
     void setEmitter(const Emission& a_emission, const QString& a_sEmitterId);
     void addMember(const std::shared_ptr<ScenarioNetwork>& a_network, const QString& a_sEmitterId,
@@ -68,8 +68,9 @@ public:
     /// one adds to the schedule, a later one replaces its content.
     bool isFirst(ScheduleForm a_eForm, const EmissionSettings& a_settings);
 
-    /// Resolves all recorded references. False if the scenario is too full for the
-    /// emitters that are only named: references to those stay empty.
+    /// Resolves all recorded references. False if the scenario has no room for all
+    /// emitters that appear only in references. References to those without room stay
+    /// empty.
     bool resolve();
 
 private:

@@ -81,7 +81,8 @@ bool ScenarioNetwork::removeEmitter(const std::shared_ptr<SzenarioEmitter>& a_em
         return false;
     }
     m_emitterList.removeOne(emitter);
-    // A clone shares the groups of its source, whose groups must keep their members.
+    // A clone shares its groups with its source. The groups of the source must keep
+    // their members.
     if (emissionSettings()->removalChangesGroups(emitter)) {
         emissionSettings()->partGroups();
     }

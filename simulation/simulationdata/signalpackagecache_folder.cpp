@@ -48,7 +48,7 @@ constexpr std::array<DataFile, 4> s_dataFiles{{
     {PackageCacheFolder::s_szResults, &SignalPackageFolder::resultDataFilePath},
 }};
 
-/// The built-in package has the first two of them.
+/// The built-in package has only the first two files.
 constexpr std::size_t s_uiBuiltInFiles = 2;
 
 void keepFirst(QString& a_sReason, const QString& a_sNext)
@@ -69,8 +69,8 @@ bool removeFile(const QString& a_sFile, QString* a_pReason)
     return false;
 }
 
-/// Whether a cache made the descriptor. The folder may be shared, such as that for
-/// temporary files, so a descriptor counts only when it is named after an id that
+/// Whether a cache wrote the descriptor. The folder may serve other purposes, too, such
+/// as temporary files. A descriptor therefore counts only when its name is an id that
 /// it contains.
 bool isOurDescriptor(const QString& a_sFile)
 {
@@ -88,7 +88,7 @@ bool isOurDescriptor(const QString& a_sFile)
     return isName(package.id()) || std::any_of(updateIds.cbegin(), updateIds.cend(), isName);
 }
 
-/// Whether a descriptor is identical to the built-in one of that id, or to the
+/// Whether a descriptor is identical to the built-in descriptor of that id, or to the
 /// beginning of it.
 bool isBuiltInDescriptor(const QString& a_sFile, const QString& a_sCleanId)
 {
@@ -130,7 +130,7 @@ std::shared_ptr<SignalPackage> PackageCacheFolder::prepare(CopyFailures* a_pFail
     auto package = std::make_shared<SignalPackage>(SignalPackageFolder::signalPackage(m_sPath));
     const bool bWhole =
         !package->id().isEmpty() && !builtInFile(s_szShape).isEmpty() && !builtInFile(s_szAudio).isEmpty();
-    // A folder that is not writable but was prepared by another user is good, too.
+    // A folder that another user prepared is usable even when it is not writable.
     if (bWhole) {
         sReason.clear();
     } else {
@@ -160,7 +160,8 @@ void PackageCacheFolder::clear() const
     if (!exists()) {
         return;
     }
-    // Another process may be copying a package whose descriptor would be removed.
+    // Without the lock, the descriptor of a package that another process copies could
+    // be removed.
     if (const FolderLock lock(m_sPath); lock.isHeld()) {
         removePackages();
     }
@@ -192,9 +193,9 @@ void PackageCacheFolder::removePackages() const
     }
 }
 
-/// The descriptor is removed last, and only when the data files are gone: through
-/// it they are found again, even after a crash. Otherwise they would remain and be
-/// taken for those of a changed package later.
+/// The descriptor is removed last, and only when the data files are gone, because they
+/// are found through it, even after a crash. Data files without a descriptor would
+/// remain and later be taken for those of a changed package.
 bool PackageCacheFolder::removeFiles(const QString& a_sCleanId) const
 {
     QString sReason;
@@ -288,10 +289,10 @@ QString PackageCacheFolder::replaceBuiltIn(const SignalPackage& a_package, const
     return sReason;
 }
 
-/// A superseded id shall resolve to the package that supersedes it, even when the
-/// older package still exists. An existing descriptor is never replaced, so the
-/// update ids are copied first, those of the newest package before others, and the
-/// packages' own ids last.
+/// A superseded id shall resolve to the package that supersedes it, even when the older
+/// package still exists. An existing descriptor is never replaced. The update ids are
+/// therefore copied first, beginning with the newest package, and the packages' own ids
+/// last.
 void PackageCacheFolder::copyDescriptors(const QList<PackageSource>& a_sources, Reasons& a_reasons) const
 {
     std::vector<std::pair<const SignalPackage*, QString*>> missing;
@@ -309,8 +310,8 @@ void PackageCacheFolder::copyDescriptors(const QList<PackageSource>& a_sources, 
         }
     }
     for (const auto& [pPackage, pReason] : missing) {
-        // With its own descriptor the package would count as complete, and the copy
-        // that failed would never be repeated.
+        // With its own descriptor the package would count as complete, and a failed
+        // copy would never be repeated.
         if (pReason->isEmpty()) {
             *pReason = copyDescriptor(*pPackage, pPackage->cleanId());
         }

@@ -54,9 +54,9 @@ public:
         bool replaced = false; ///< packages read before may be outdated
     };
 
-    /// Copies the files that the folder does not have yet of the packages below a
-    /// repository; with `a_bAnew` first removes all packages. A user's package
-    /// replaces a built-in package whose id it has or supersedes.
+    /// Copies files of the packages below a repository that the folder does not have
+    /// yet. With `a_bAnew` first removes all packages. A user's package replaces a
+    /// built-in package when it has or supersedes the id of that package.
     [[nodiscard]] Update update(const QString& a_sRepository, bool a_bAnew) const;
 
     /// Removes all packages except the built-in one. Does nothing without the lock.
@@ -73,8 +73,8 @@ public:
     [[nodiscard]] QString builtInFile(const char* a_szEnding) const;
 
 private:
-    /// For each package of a list the reason why it lacks a file; empty when it has
-    /// all.
+    /// For each package of a list, the reason for a missing file; empty when it has all
+    /// files.
     using Reasons = std::vector<QString>;
 
     [[nodiscard]] QString file(const QString& a_sCleanId, const char* a_szEnding) const;

@@ -21,11 +21,11 @@ struct PackageSource
     bool builtIn = false;  ///< the program unpacked it into the repository
 };
 
-/// The packages below a folder that a cache copies: the users' packages, newest
-/// first, then the built-in ones, so that a user's package takes precedence. They
-/// are read in background tasks, which also call `a_isCached`. Packages without an
-/// id are left out silently. After one trace each, so are packages whose files
-/// would replace those of an earlier package in the list or of the default package.
+/// The packages below a folder that a cache copies: the users' packages, newest first,
+/// then the built-in ones, so that a user's package takes precedence. They are read in
+/// background tasks, which also call `a_isCached`. Packages without an id are left out
+/// without a trace. A package is left out after one trace when its files would replace
+/// those of an earlier package in the list or of the default package.
 [[nodiscard]] QList<PackageSource>
 readPackagesBelow(const QString& a_sFolder, const std::function<bool(const SignalPackage&)>& a_isCached);
 
@@ -35,9 +35,9 @@ class SupersededIds
 public:
     explicit SupersededIds(const QList<PackageSource>& a_sources);
 
-    /// The cleaned ids that shall resolve to a package. Ids of newer packages are
-    /// left out. At most Limits::UpdateIds, and at most as many as copies of the
-    /// descriptor fit into Limits::DocumentBytes.
+    /// The cleaned ids that shall resolve to a package. Ids of newer packages are left
+    /// out. Their number is at most Limits::UpdateIds. Their copies of the descriptor
+    /// together are at most Limits::DocumentBytes long.
     [[nodiscard]] QStringList of(const SignalPackage& a_package) const;
 
 private:

@@ -291,7 +291,8 @@ bool SignalShapeFile::readRecord(std::uint64_t a_uiPos)
 }
 
 /// Takes the two levels from the header of a record. Their order is not fixed: the
-/// larger one is the signal level. When one is NaN, level A is.
+/// larger one is the signal level. When one of them is NaN, level A is the signal
+/// level.
 void SignalShapeFile::takeLevels(const char* a_pRecord)
 {
     const auto fLevelA = numberAt<float>(a_pRecord, s_uiLevelAAt);

@@ -24,8 +24,8 @@ namespace Simulation {
     return root;
 }
 
-/// The root to which the fields of a record are added: a new one when the base is a
-/// null array, else that of the base.
+/// The root to which the fields of a record are added: a new root for a null base, else
+/// the root of the base.
 [[nodiscard]] inline XmlElement recordRoot(const QByteArray& a_base, const QString& a_sTag,
                                            const char* a_szSource)
 {

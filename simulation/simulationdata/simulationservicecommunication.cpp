@@ -48,7 +48,8 @@ void SimulationServiceCommunication::setSocket(QTcpSocket* a_pSocket)
     connect(m_pSeparator, &XmlSeparator::xmlReceived, this, &SimulationServiceCommunication::slotXmlReceived);
     connect(m_pSeparator, &XmlSeparator::errorOccured, this,
             &SimulationServiceCommunication::slotErrorOccured);
-    // Queued like the documents, so that those received before the error come first.
+    // Queued like the documents, so that documents received before the error are
+    // delivered first.
     connect(
         m_pSeparator, &XmlSeparator::errorOccured, m_pSeparator,
         [this, pSeparator = m_pSeparator](const QString& a_sError) {
@@ -58,9 +59,8 @@ void SimulationServiceCommunication::setSocket(QTcpSocket* a_pSocket)
             }
         },
         Qt::QueuedConnection);
-    // An unfinished document of the old connection is dropped. This uses the change of
-    // state, because users already send in slots on connected(), which is emitted
-    // after it.
+    // Drops an unfinished document of the old connection. Users already send in slots
+    // on connected(), so this uses the change of state, which is emitted before it.
     connect(a_pSocket, &QTcpSocket::stateChanged, m_pSeparator,
             [this, pSeparator = m_pSeparator](QAbstractSocket::SocketState a_eState) {
                 if (a_eState == QAbstractSocket::ConnectedState) {
@@ -80,7 +80,7 @@ qint64 SimulationServiceCommunication::unfinishedBytes() const
     return m_pSeparator != nullptr ? m_pSeparator->unfinishedBytes() : 0;
 }
 
-/// Ends the reading of that socket; null means sockets that have been deleted.
+/// Ends the reading of a socket. Null stands for sockets that have been deleted.
 void SimulationServiceCommunication::dropSeparators(const QTcpSocket* a_pSocket)
 {
     for (XmlSeparator* const pSeparator : findChildren<XmlSeparator*>(Qt::FindDirectChildrenOnly)) {
@@ -120,7 +120,7 @@ void SimulationServiceCommunication::sendCommand(const XmlElement& a_command)
         sendEncoded(document);
         return;
     }
-    // The peer would stop reading.
+    // The command is not sent, because the peer would stop reading.
     m_bLostCommands = true;
     traceError(s_szSource, [&] {
         return QStringLiteral("Not sent: %1 of %2 bytes, %3")
@@ -165,7 +165,7 @@ void SimulationServiceCommunication::slotXmlReceived(const QByteArray& Xml)
     if (!peeked && isRefused(sName, Xml.size())) {
         return;
     }
-    // The categories are the ones that the system's log filters expect.
+    // The system's log filters expect these categories.
     if (ReceivedCommand(std::move(root), m_bCompression, this).process()) {
         traceError(s_szSource, [&] { return QStringLiteral("Processed Command/Update: %1").arg(sName); });
     } else {

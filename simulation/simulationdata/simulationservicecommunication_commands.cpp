@@ -13,8 +13,8 @@
 namespace Simulation {
 
 // The commands of the protocol, each reader above its writer. A reader returns false,
-// without a signal, when a part is missing or does not convert. After its signal it
-// does not use the receiver, which a slot may have deleted.
+// without a signal, when a part is missing or does not convert. After its signal a
+// reader does not use the receiver, because a slot may have deleted it.
 
 namespace {
 

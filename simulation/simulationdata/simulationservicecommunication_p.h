@@ -21,7 +21,7 @@ struct PeekedNames
     QString command;
 };
 
-/// No value for a short document, of which reading the whole costs no more.
+/// No value for a short document: reading it whole costs no more.
 [[nodiscard]] std::optional<PeekedNames> peekedNames(const QByteArray& a_document);
 
 /// A received command and the signal that it triggers.
@@ -33,8 +33,8 @@ public:
     [[nodiscard]] const XmlElement& element() const { return m_element; }
 
     /// Decodes the child's text; empty after one trace when that fails. Releases the
-    /// document before, because both may be large: read all other parts first, and keep
-    /// no other handle to the document.
+    /// document before decoding, because both may be large. Read all other parts first,
+    /// and keep no other handle to the document.
     [[nodiscard]] QByteArray takePayload(QLatin1String a_name);
 
     /// Checks the complete command and emits its signal. False, without a signal, when

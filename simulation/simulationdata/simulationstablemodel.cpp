@@ -78,7 +78,7 @@ int SimulationsTableModel::columnCount(const QModelIndex& /*a_parent*/) const
 
 QVariant SimulationsTableModel::data(const QModelIndex& a_index, int a_iRole) const
 {
-    // An index from before a reset may be past the last row.
+    // An index from before a reset may have a row that no longer exists.
     if (!a_index.isValid() || a_index.row() >= m_ids.size() || a_index.column() >= s_iColumns) {
         return {};
     }
@@ -144,7 +144,8 @@ void SimulationsTableModel::unregisterSimulation(const QString& a_sId)
 
 void SimulationsTableModel::updateSimulationState(const QString& a_sId, const SimulationDeviceState& a_state)
 {
-    // Every row has a state, so the other states belong to devices without a row.
+    // Every row has a state. The difference is therefore the number of devices that
+    // have a state but no row.
     if (!m_states.contains(a_sId) && isFull(m_states.size() - m_ids.size())) {
         traceError(s_szSource, [] {
             return QStringLiteral("state of an unregistered device not stored: ") +

@@ -27,7 +27,7 @@ void linksChanged()
     s_uiLinkEpoch.fetch_add(1, std::memory_order_relaxed);
 }
 
-/// The part of an activity that lies in [from, to) ms; of length 0 when none does.
+/// The part of an activity in [from, to) ms. Its length is 0 when no part lies there.
 HRActivity clipped(const HRActivity& a_activity, std::uint64_t a_uiFrom, std::uint64_t a_uiTo)
 {
     HRActivity result = a_activity;
@@ -128,7 +128,7 @@ bool SzenarioEmitter::isReadyAt(unsigned int a_uiTime) const
            pPosition->isActiveAt(a_uiTime);
 }
 
-/// Whether everything but the schedule lets the emitter send.
+/// Whether the emitter may send at a time, apart from its schedule.
 bool SzenarioEmitter::isOnAt(unsigned int a_uiTime) const
 {
     const std::shared_ptr<ScenarioNetwork> network = m_network.lock();
@@ -140,7 +140,8 @@ bool SzenarioEmitter::isActiveAt(unsigned int a_uiTime) const
     return isOnAt(a_uiTime) && (emissionSettings()->isBroadcast() || ownEmissionAt(a_uiTime));
 }
 
-/// The emission at a time, or null; in a network only one that names this emitter.
+/// The emission at a time; null when there is none. In a network only an emission that
+/// names this emitter counts.
 boost::shared_ptr<EmissionSettings::Emission> SzenarioEmitter::ownEmissionAt(unsigned int a_uiTime) const
 {
     auto emission = emissionSettings()->emissionAt(a_uiTime);
@@ -215,9 +216,10 @@ IPositionSettings* SzenarioEmitter::positionSettings() const
     return m_chain.isCircle ? m_pPositionSettings.get() : m_chain.end;
 }
 
-/// Follows the link targets to the end of the chain, to an emitter whose result is up
-/// to date, or round a circle, and stores the result in every emitter on the way.
-/// Otherwise the queries for all emitters of a chain would take quadratic time.
+/// Follows the link targets and stores the result in every emitter on the way. Ends at
+/// the end of the chain, at an emitter whose result is up to date, or after one round
+/// in a circle. Without stored results the queries for all emitters of a chain would
+/// take quadratic time.
 void SzenarioEmitter::followChain() const
 {
     const std::uint64_t uiEpoch = s_uiLinkEpoch.load(std::memory_order_relaxed);

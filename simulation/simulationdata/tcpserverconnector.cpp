@@ -35,10 +35,9 @@ std::chrono::milliseconds pauseAfter(int a_iFailures)
     return std::min(pause, s_longestPause);
 }
 
-/// Whether the socket is connected with itself. Attempts on a local port use
-/// changing local ports, and one of these may be the target port itself: then TCP
-/// connects the socket with itself. That would also keep the server from listening
-/// on the port.
+/// Whether the socket is connected with itself. Attempts on a port of this machine use
+/// changing source ports. When the source port is the target port, TCP connects the
+/// socket with itself. That would also keep the server from listening on the port.
 bool isOwnPeer(const QTcpSocket& a_socket)
 {
     return a_socket.localPort() == a_socket.peerPort() && a_socket.localAddress() == a_socket.peerAddress();
@@ -71,7 +70,7 @@ TcpServerConnector::TcpServerConnector(const QString& a_sHost, unsigned short a_
     connect(m_pSocket, &QTcpSocket::connected, this, &TcpServerConnector::slotConnected);
     connect(m_pSocket, &QTcpSocket::errorOccurred, this, &TcpServerConnector::slotError);
     connect(m_pSocket, &QTcpSocket::disconnected, this, &TcpServerConnector::slotDisconnected);
-    // This is the only signal when the socket's user aborts an attempt.
+    // Only this signal is emitted when the socket's user aborts an attempt.
     connect(m_pSocket, &QTcpSocket::stateChanged, this, [this](QAbstractSocket::SocketState a_eState) {
         if (a_eState == QAbstractSocket::UnconnectedState) {
             startAgain();
@@ -99,7 +98,7 @@ bool TcpServerConnector::isConnected() const
 void TcpServerConnector::connectToServer()
 {
     trace(ErrorHandler::TraceProgress, s_szSource, [this] { return tryText(); });
-    // A slot that calls this on every signal must not bypass the pauses. During a
+    // A slot may call this on every signal; that must not bypass the pauses. During a
     // signal the socket is connected or the next attempt is already scheduled.
     if (!m_bEmitting) {
         m_iFailures = 0;
@@ -142,7 +141,7 @@ void TcpServerConnector::slotError()
 void TcpServerConnector::slotDisconnected()
 {
     if (!std::exchange(m_bAnnounced, false)) {
-        return; // was connected with itself
+        return; // the socket was connected with itself
     }
     // The spelling is part of the interface: logs are searched for it.
     trace(ErrorHandler::TraceProgress, s_szSource, [this] {
@@ -169,7 +168,7 @@ QString TcpServerConnector::tryText() const
     return QStringLiteral("Try to connect to: %1:%2").arg(m_sHost, QString::number(m_uiPort));
 }
 
-/// Traces a failure unless its reason is that of the failure before, because
+/// Traces a failure unless its reason equals that of the previous failure, because
 /// attempts fail as long as there is no server.
 void TcpServerConnector::traceFailure(const QString& a_sReason)
 {

@@ -28,16 +28,16 @@ WaitDisplayWidget::WaitDisplayWidget(QWidget* a_pParent)
     , m_form(std::make_unique<Ui::WaitDisplayWidget>())
 {
     m_form->setupUi(this);
-    // The property "modal" of the form makes the dialog application-modal. Without
-    // this call it would be so again when it is shown after a pause.
+    // The property "modal" of the form makes the dialog application-modal. Without this
+    // call the dialog would be application-modal again when it is shown after a pause.
     setWindowModality(Qt::WindowModal);
     Qt::WindowFlags flags = windowFlags();
     flags &= ~(Qt::WindowCloseButtonHint | Qt::WindowContextHelpButtonHint);
     flags |= Qt::CustomizeWindowHint | Qt::WindowSystemMenuHint;
     setWindowFlags(flags);
-    // QDialog uses the object after rejected(), so a receiver of that signal must
-    // not delete the dialog. After finished(), which follows in the same call, it
-    // does not.
+    // QDialog uses the object after rejected(), so a receiver of rejected() must not
+    // delete the dialog. QDialog emits finished() later in the same call and does not
+    // use the object after it.
     connect(this, &QDialog::finished, this, [this](int a_iResult) {
         if (a_iResult == Rejected) {
             Q_EMIT canceled();

@@ -203,8 +203,8 @@ bool WaveFileReader::findRange(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
         *a_pReason = QStringLiteral("it has %1 frames").arg(uiFrames);
         return false;
     }
-    // No overflow: 32 bits for the frames, 16 for the channels, 3 for the size of a
-    // value.
+    // The products fit 64 bits: 32 bits for the frames, 16 for the channels, 3 for the
+    // size of a value.
     const std::uint64_t uiValues = a_uiCount * m_format.channels;
     if (uiValues * a_uiValueBytes > Limits::value(Limits::DataBytes)) {
         *a_pReason = Limits::exceeded(Limits::DataBytes);

@@ -23,8 +23,8 @@ bool isElement(pugi::xml_node a_node)
     return a_node.type() == pugi::node_element;
 }
 
-/// The node, or the first sibling after it, that is an element of that name; an
-/// empty name matches any element.
+/// The first element of that name among the node and the siblings after it. An empty
+/// name matches any element.
 pugi::xml_node elementFrom(pugi::xml_node a_node, const QString& a_sName)
 {
     const QByteArray name = a_sName.toUtf8();
@@ -57,8 +57,8 @@ bool isCleanAscii(const QByteArray& a_text)
     return xmlAsciiBytes(a_text) == a_text.size();
 }
 
-/// Checks the text before it is parsed. Returns the error text, empty when there is
-/// none, and then sets `*a_pRoot` to the bytes of the root element.
+/// Checks the text before it is parsed. Returns the error text. Without an error
+/// returns an empty text and sets `*a_pRoot` to the bytes of the root element.
 QString errorText(QByteArrayView a_text, QByteArrayView* a_pRoot)
 {
     XmlValidator validator(a_text);

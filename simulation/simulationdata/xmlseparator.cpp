@@ -124,8 +124,8 @@ void XmlSeparator::connectDevice()
     }
 }
 
-/// Reads bytes that the device holds already, for which it emits no readyRead() any
-/// more.
+/// Schedules a read of bytes that the device already holds. The device emits no
+/// readyRead() for them any more.
 void XmlSeparator::scheduleRead()
 {
     m_readTimer.start(0, this);
@@ -137,8 +137,8 @@ void XmlSeparator::readNewData()
         reportError();
         return;
     }
-    // Frames are taken one at a time. Reading more bytes before each frame would
-    // let a peer that sends short frames fill the memory with the rest.
+    // Frames are taken one at a time. If more bytes were read before each frame, a peer
+    // that sends short frames could fill the memory with the rest.
     if (!isFramed() || m_buffer.size() < s_iLengthBytes || m_buffer.size() < frameBytes()) {
         takeUp();
     }

@@ -13,23 +13,23 @@
 
 #include <deque>
 
-/// Splits the bytes of a device, usually a socket, into whole XML documents, and
-/// writes documents to it.
+/// Splits the bytes of a device, usually a socket, into whole XML documents, and writes
+/// documents to it.
 ///
-/// The device is not owned and may be deleted first. The object is used on the
-/// thread of the device. Documents are delivered from its event loop, so a receiver
-/// may call any method or delete the object with deleteLater(). Time is linear in
-/// the bytes, whatever the pieces in which they are received.
+/// The device is not owned and may be deleted first. The object is used on the thread
+/// of the device. Documents are delivered from its event loop, so a receiver may call
+/// any method or delete the object with deleteLater(). Time is linear in the bytes,
+/// whatever the pieces in which they are received.
 ///
-/// The peer is not trusted. Limits bound what it can make the separator hold: a
-/// document, a frame and its content, and bytes that wait to be written. The read
-/// buffer of a socket, when it is unlimited, is limited to 64 KiB while the separator
-/// uses the socket, so that a peer that keeps sending during a pause is blocked.
+/// The peer is not trusted. Limits bound the memory that the peer can fill: a document,
+/// a frame and its content, and bytes that wait to be written. The read buffer of a
+/// socket, when it is unlimited, is limited to 64 KiB while the separator uses the
+/// socket, so that a peer that keeps sending during a pause is blocked.
 ///
 /// A socket whose read buffer is full does not notice that its peer has closed the
 /// connection. After an error, when the separator no longer reads, a full buffer is
-/// therefore emptied and its bytes are lost. During a pause the bytes are kept, and
-/// the end of the connection is noticed when they are read.
+/// therefore emptied and its bytes are lost. During a pause the bytes are kept, and the
+/// end of the connection is noticed when they are read.
 class XmlSeparator : public QObject
 {
     Q_OBJECT
@@ -80,10 +80,10 @@ Q_SIGNALS:
     /// loop.
     void xmlReceived(const QByteArray& Xml);
 
-    /// The stream cannot be read any further; the argument is the reader's error
-    /// text or the exceeded limit. Reading is paused. Until reset(), resuming it
-    /// reports the same error again. Up to 64 KiB that are received meanwhile stay
-    /// in the device for reset(); a socket that receives more loses them.
+    /// The stream cannot be read any further; the argument is the reader's error text
+    /// or the exceeded limit. Reading is paused. Until reset(), resume() reports the
+    /// same error again. Up to 64 KiB that are received meanwhile stay in the device
+    /// for reset(); a socket that receives more loses them.
     void errorOccured(const QString& sErrorString);
 
     /// Internal: queues a document for xmlReceived().

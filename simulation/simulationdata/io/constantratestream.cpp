@@ -93,8 +93,9 @@ ConstantRateStream::Span ConstantRateStream::span(std::uint32_t a_uiStart, std::
     if (uiLength == 0) {
         return {};
     }
-    // The single-precision length of a long stream may be rounded up, so a start
-    // just below it may lie past the last item: hence the second modulo.
+    // In a long stream the single-precision length may be rounded up. A start just
+    // below it may then lie after the last item, so the item's index is taken modulo
+    // the count.
     const Span span{itemsIn(a_uiStart % uiLength, m_fRate) % m_uiCount, itemsIn(a_uiDuration, m_fRate)};
     const std::uint64_t uiBound =
         std::min<std::uint64_t>(Limits::value(Limits::DataBytes), std::numeric_limits<qint64>::max());

@@ -23,11 +23,11 @@ public:
     /// `a_iFirstByte` is the offset of the first item in the file.
     ConstantRateStream(QFile& a_file, qint64 a_iFirstByte, std::uint32_t a_uiItemBytes);
 
-    /// Reads the stream's header. It ends just before the first item and begins
-    /// with the rate, a 32-bit float, and the number of items, 64 bits, both
-    /// little-endian. Items that the file does not hold are not counted. Traces
-    /// once when the file holds fewer items than the header claims or length() is
-    /// 0. False with a reason when the header is cut short.
+    /// Reads the stream's header, which the first item follows. The header begins with
+    /// the rate (32-bit float) and the number of items (64 bits), both little-endian.
+    /// Items that the file does not hold are not counted. Traces once when the file
+    /// holds fewer items than the header claims or length() is 0. False with a reason
+    /// when the header is cut short.
     [[nodiscard]] bool readHeader(std::span<char> a_header, QString* a_pReason);
 
     /// Items per second, as the header claims.
@@ -47,9 +47,9 @@ public:
     /// The size of a span (bytes).
     [[nodiscard]] qint64 bytesOf(const Span& a_span) const;
 
-    /// Reads a span into `a_pTarget`, which has room for bytesOf() bytes. Returns
-    /// the number of bytes read: fewer, after one trace, when the file has shrunk.
-    /// Repeated items are read from the file once.
+    /// Reads a span into `a_pTarget`, which has room for bytesOf() bytes. Repeated
+    /// items are read from the file once. Returns the number of bytes read. The number
+    /// is smaller, after one trace, when the file has shrunk.
     [[nodiscard]] qint64 read(const Span& a_span, char* a_pTarget);
 
 private:

@@ -30,23 +30,23 @@ struct DataFileKind
     std::uint32_t uiVersion; ///< the only supported one; follows the magic
 };
 
-/// Opens a file of a kind, reads its header and checks the magic and the version,
-/// with which it begins. False with a reason; the file may then be open or closed.
+/// Opens a file of a kind, reads its header and checks the magic and the version at the
+/// header's start. False with a reason; the file may then be open or closed.
 [[nodiscard]] bool openDataFileOfKind(QFile& a_file, const DataFileKind& a_kind, std::span<char> a_header,
                                       QString* a_pReason, QIODevice::OpenMode a_eMode = QIODevice::ReadOnly);
 
 /// The trace text for a refused file.
 [[nodiscard]] QString errorText(const DataFileKind& a_kind, const QFile& a_file, const QString& a_sReason);
 
-/// The difference (bytes) between the size of a file that its header claims, a
-/// count of items of equal size after `a_iHeaderBytes`, and its real size; negative
-/// when the file is larger. A claim beyond 64 bits saturates.
+/// The size that a header claims for its file minus the real size (bytes); negative
+/// when the file is larger. The claimed size is `a_iHeaderBytes` plus a number of items
+/// of equal size. A claim beyond 64 bits saturates.
 [[nodiscard]] std::int64_t missingBytes(std::int64_t a_iHeaderBytes, std::uint64_t a_uiItems,
                                         std::uint32_t a_uiItemBytes, std::int64_t a_iFileSize);
 
-/// Reads up to `a_iBytes` bytes from an offset on; seeks only when the file is at
-/// another position. Returns the number of bytes read: fewer when the file ends
-/// before, 0 when it cannot be read.
+/// Reads up to `a_iBytes` bytes from an offset on. Seeks only when the file is at
+/// another position. Returns the number of bytes read: fewer when the file ends before,
+/// 0 when it cannot be read.
 [[nodiscard]] qint64 readAt(QFile& a_file, qint64 a_iOffset, void* a_pTarget, qint64 a_iBytes);
 
 /// Reads records of one size from a file that is open unbuffered. Records that are
@@ -82,9 +82,9 @@ template<typename Number>
     return qFromLittleEndian<Number>(a_pHeader + a_uiOffset);
 }
 
-/// The state of a class that reads a file whose header names one of several
-/// layouts: the file, the reader of that layout and the lock. The reader does not
-/// own the file. Any thread may call; every operation locks.
+/// The state of a class that reads files of several layouts: the file, the reader of
+/// the layout that the header names, and the lock. The reader does not own the file.
+/// Any thread may call; every operation locks.
 template<typename Reader>
 struct LayoutFile
 {
@@ -92,8 +92,9 @@ struct LayoutFile
         : file(a_sPath)
     {}
 
-    /// Closes and reopens the file. `a_readHeader` opens the file, reads the header
-    /// and returns the reader; null, with sError set, closes the file.
+    /// Closes and reopens the file. `a_readHeader` opens the file, reads the header and
+    /// returns the reader. On failure it sets sError and returns null, and the file is
+    /// closed.
     template<typename ReadHeader>
     [[nodiscard]] bool open(const ReadHeader& a_readHeader)
     {

@@ -63,8 +63,8 @@ std::optional<QByteArray> readDocument(QIODevice* a_pDevice, QString* a_pReason)
     }
     QByteArray data;
     if (!a_pDevice->isSequential()) {
-        // One byte more than the rest shows whether the file grows while it is
-        // read.
+        // The buffer has room for one more byte than the rest. Reading that byte shows
+        // whether the file grows meanwhile.
         const qint64 iRest = std::max<qint64>(a_pDevice->size() - a_pDevice->pos(), 0);
         data.reserve(static_cast<qsizetype>(std::min(iRest, iLimit)) + 1);
     }

@@ -26,7 +26,7 @@ namespace Simulation {
 /// exceed Limits::DocumentBytes or the device cannot be read.
 [[nodiscard]] std::optional<QByteArray> readDocument(QIODevice* a_pDevice, QString* a_pReason);
 
-/// The same for a file, which must be a regular file or a pipe, not a folder.
+/// Like readDocument(), for a file. It must be a regular file or a pipe, not a folder.
 [[nodiscard]] std::optional<QByteArray> loadDocument(const QString& a_sFile, QString* a_pReason);
 
 } // namespace Simulation

@@ -36,8 +36,9 @@ unsigned int clampedCount(qsizetype a_iBytes)
     return static_cast<unsigned int>(std::min<qsizetype>(a_iBytes, std::numeric_limits<unsigned int>::max()));
 }
 
-/// The next size of a full output buffer: double the size, but no more than the
-/// claimed length as long as the content keeps to it, and never more than `a_iMost`.
+/// The next size of a full output buffer: double the size, but never more than
+/// `a_iMost`. While the content is shorter than claimed, also not more than the claimed
+/// length.
 qsizetype nextSize(qsizetype a_iSize, qsizetype a_iClaimed, qsizetype a_iMost)
 {
     const qsizetype iDoubled = std::max(2 * a_iSize, s_iFirstBytes);

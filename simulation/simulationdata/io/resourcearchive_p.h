@@ -5,22 +5,22 @@
 
 namespace Simulation {
 
-/// Unpacks a folder of a zip archive in the program's resources into an existing
-/// folder, replacing files of the same name: "/" is the whole archive, "/name" the
-/// content of the folder "name".
+/// Unpacks a folder of a zip archive in the program's resources into an existing folder
+/// and replaces files of the same name. The folder "/" is the whole archive, "/name"
+/// the content of the folder "name".
 ///
-/// The archive is copied into the work folder and unpacked there, both under names
-/// that no other process uses and that are removed in every case. Then every file
-/// is moved to its place, which must be on the same file system. A crash leaves
-/// only files that removeAbandonedFiles() removes. Limits::ArchiveBytes and
-/// Limits::ArchiveEntries bound what is unpacked. False after a trace and with a
-/// reason; files that can be moved are moved even then. Any thread may call.
+/// The archive is copied into the work folder and unpacked there, under names that no
+/// other process uses. Every file is then moved to its place, which must be on the same
+/// file system. The work files are always removed; those that remain after a crash are
+/// removed by removeAbandonedFiles(). Limits::ArchiveBytes and Limits::ArchiveEntries
+/// bound what is unpacked. False after a trace and with a reason; files that can be
+/// moved are moved even then. Any thread may call.
 [[nodiscard]] bool unpackResource(const QString& a_sResource, const QString& a_sWorkFolder,
                                   const QString& a_sFolder, const QString& a_sTarget,
                                   QString* a_pReason = nullptr);
 
-/// Whether the file is a copy of the resource, or the beginning of a copy that was
-/// cut off; an empty file is not.
+/// Whether the file is a copy of the resource, or the beginning of a copy that was cut
+/// off. False for an empty file.
 [[nodiscard]] bool isCopyOfResource(const QString& a_sFile, const QString& a_sResource);
 
 } // namespace Simulation

@@ -59,8 +59,8 @@ constexpr std::uint16_t s_uiExtensibleTag = 65534;
 constexpr unsigned int s_uiBitsPerByte = 8;
 constexpr unsigned int s_uiBitsFloat = 32;
 
-/// A sub-format id that stands for a format tag begins with that tag (16 bits);
-/// these are its other bytes: XXXX0000-0010-0010-8000-00AA00389B71.
+/// The last 14 bytes of a sub-format id that stands for a format tag:
+/// XXXX0000-0010-0010-8000-00AA00389B71. Its first two bytes are that tag.
 constexpr std::array<unsigned char, 14> s_subFormatTail{0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
                                                         0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 

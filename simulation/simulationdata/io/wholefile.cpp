@@ -50,7 +50,7 @@ bool isProcessAlive(qint64 a_iProcess)
     return ::kill(static_cast<pid_t>(a_iProcess), 0) == 0 || errno != ESRCH;
 #else
     Q_UNUSED(a_iProcess)
-    return true; // cannot be checked here: its files stay
+    return true; // cannot be checked here, so the process's files stay
 #endif
 }
 

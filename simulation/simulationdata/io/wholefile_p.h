@@ -12,21 +12,20 @@ namespace Simulation {
 /// written under a temporary name and then renamed. A process that dies or a full
 /// disk leaves no partial file under a final name. Any thread may call.
 
-/// A name in the same folder that no other call and no other process uses or has
-/// used: it contains the id of this process and a random number that the process
-/// draws once.
+/// A new name in the same folder. No other call and no other process uses it or has
+/// used it, because it contains the id of this process and a random number that the
+/// process draws once.
 [[nodiscard]] QString temporaryName(const QString& a_sFile);
 
-/// Removes abandoned temporary files and folders directly in the folder: those with a
-/// name that temporaryName() returned in a process of this machine that no longer
-/// runs. This process recognises them also when it has the same id as that process.
+/// Removes temporary files and folders that dead processes of this machine left
+/// directly in the folder. Their names are those of temporaryName(). They are
+/// recognised even when this process has the id of the dead one.
 void removeAbandonedFiles(const QString& a_sFolder);
 
-/// Copies a regular file or a resource, whole or not at all, and waits until the
-/// data is on the disk. The copy has the permissions of a new file. False with a
-/// reason, and after a trace unless a file of that name exists already: that file
-/// is never replaced, and this is not traced because another process may just have
-/// made it.
+/// Copies a regular file or a resource, whole or not at all, and waits until the data
+/// is on the disk. The copy has the permissions of a new file. False with a reason and
+/// after a trace. A file of that name is never replaced: then the result is false with
+/// a reason, but without a trace, because another process may just have made the file.
 [[nodiscard]] bool copyFileWhole(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason = nullptr);
 
 /// Renames a complete file to its final name on the same file system and replaces a

@@ -49,15 +49,15 @@ public:
     /// Sets the error text, and returns false.
     bool refuse(const QString& a_sReason, QString* a_pError) const;
 
-    /// The document with what `a_writeRoot` writes as the content of the root
-    /// element. `a_writeRoot` checks between objects with its second argument
-    /// whether the text is still short enough, and returns false to give up. Empty,
-    /// after one trace, when the text exceeds Limits::DocumentBytes.
+    /// The document, in which `a_writeRoot` writes the content of the root element.
+    /// Between objects `a_writeRoot` calls its second argument to check whether the
+    /// text is still short enough, and returns false to give up. Empty, after one
+    /// trace, when the text exceeds Limits::DocumentBytes.
     [[nodiscard]] QByteArray
     text(const std::function<bool(QXmlStreamWriter&, const StillReadable&)>& a_writeRoot) const;
 
-    /// Returns the document unchanged and sets the error text of writing it: the
-    /// exceeded limit when the document is empty, else `a_sSharedIds`. That text
+    /// Returns the document unchanged and sets the error text of writing it. For an
+    /// empty document this is the exceeded limit, else `a_sSharedIds`. `a_sSharedIds`
     /// lists the ids that several objects share and is traced unless it is empty.
     [[nodiscard]] QByteArray finished(const QByteArray& a_xml, const QString& a_sSharedIds,
                                       QString* a_pError) const;
@@ -77,9 +77,9 @@ private:
     QString m_sRoot;
 };
 
-/// Reads what follows the root element and returns the error that kept the document
-/// from being read whole: an error of the XML text, else `a_sReadError`, the error of
-/// what was read from it. Empty when there is none.
+/// Reads what follows the root element. Returns the error that kept the document from
+/// being read whole; empty when there is none. An error of the XML text takes
+/// precedence over `a_sReadError`, the error of the content that was read.
 [[nodiscard]] QString errorOf(XmlDocumentReader& a_document, const QString& a_sError);
 
 } // namespace Simulation

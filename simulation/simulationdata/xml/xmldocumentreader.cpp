@@ -41,7 +41,7 @@ void XmlDocumentReader::readToEnd()
 QString XmlDocumentReader::errorString() const
 {
     if (!m_stream.hasError()) {
-        // The text that was cut off may have followed the root element.
+        // The cut-off text may have followed the root element.
         return m_stream.atEnd() ? m_sError : QString();
     }
     const bool bCutShort = m_stream.error() == QXmlStreamReader::PrematureEndOfDocumentError;

@@ -8,8 +8,8 @@
 namespace Simulation {
 
 /// A stream reader over one whole document from an untrusted source. The text is
-/// decoded and checked against the limits first. Where it exceeds a limit it is cut
-/// off, as if the document ended there. One object is used by one thread at a time.
+/// decoded and checked against the limits first. A text that exceeds a limit is cut off
+/// there, as if the document ended. One object is used by one thread at a time.
 class XmlDocumentReader
 {
 public:

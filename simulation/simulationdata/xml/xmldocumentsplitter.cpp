@@ -17,11 +17,11 @@ namespace {
 /// piece, which is fastest while the result fits the processor's cache.
 constexpr std::int64_t s_iPieceBytes = 16'384;
 
-/// The reader returns no token before it has this number of bytes.
+/// The reader returns no token before it has received this number of bytes.
 constexpr qsizetype s_iReaderBytes = 4;
 
-/// Whether the text is in an encoding with wider characters: it begins with the
-/// mark of one, or has the zero bytes of its first character.
+/// Whether the text is in an encoding with characters wider than one byte. Such a text
+/// begins with a byte-order mark, or its first character contains a zero byte.
 bool isWide(QByteArrayView a_start)
 {
     constexpr QByteArrayView marks("\xFE\xFF");
@@ -29,9 +29,9 @@ bool isWide(QByteArrayView a_start)
            (a_start.size() > 1 && a_start[1] == 0);
 }
 
-/// How many bytes at the end cannot be interpreted without the next: the start of a
-/// UTF-8 character, or brackets that may belong to "]]>", which the reader
-/// recognises only as a whole.
+/// The number of bytes at the end that cannot be interpreted without the next byte.
+/// They are the start of a UTF-8 character, or brackets that may belong to "]]>", which
+/// the reader recognises only as a whole.
 qsizetype unfinishedBytes(QByteArrayView a_bytes)
 {
     // Lead bytes from leads[i] on belong to characters that are longer than i bytes.
@@ -97,12 +97,12 @@ std::optional<QByteArray> XmlDocumentSplitter::takeDocument()
     return std::nullopt;
 }
 
-/// The size (bytes) of the next document when it is short, plain and all there, else
-/// 0. The scanner and the reader would accept a plain document, too, but take
-/// several times as long.
+/// The size (bytes) of the next document when it is short, plain and complete, else 0.
+/// The scanner and the reader also accept a plain document, but take several times as
+/// long.
 qsizetype XmlDocumentSplitter::plainDocumentBytes()
 {
-    if (!m_sError.isEmpty() || m_scanner.bytes() > 0) { // or the scanner has begun with it
+    if (!m_sError.isEmpty() || m_scanner.bytes() > 0) { // the scanner may have begun with it
         return 0;
     }
     skipBlanks();
@@ -131,7 +131,7 @@ bool XmlDocumentSplitter::scan()
     }
     const auto iAllowed = static_cast<qsizetype>(std::min(uiLimit - uiScanned, uiMost));
     const QByteArrayView piece = rest.first(std::min(rest.size(), iAllowed));
-    // Plain text bypasses the reader, which would keep a long text as a whole, in
+    // Plain text bypasses the reader. The reader would keep a long text as a whole, in
     // twice the memory.
     const bool bSkip = m_scanner.isInContent() && m_scanner.bytes() == m_document.size() &&
                        m_document.size() >= s_iReaderBytes && !m_bInReference && isPlainText(piece);
@@ -163,8 +163,8 @@ bool XmlDocumentSplitter::parse(qsizetype a_iBytes)
     if (isWide(m_document)) {
         return fail(QStringLiteral("The document is not in UTF-8 or a single-byte encoding."));
     }
-    // The reader decodes a whole piece before it reads any of it, and after bytes
-    // that it cannot decode it waits for more without limit.
+    // The reader decodes a whole piece before it reads any of it. After bytes that it
+    // cannot decode, it waits for more without limit.
     const qsizetype iDecodable = m_bLatin1 ? piece.size() : utf8Part(piece).size();
     QString sError = readerError(piece.left(iDecodable));
     if (sError.isEmpty() && m_bLatin1 && iDecodable < piece.size()) {
@@ -178,11 +178,10 @@ bool XmlDocumentSplitter::parse(qsizetype a_iBytes)
 
 QString XmlDocumentSplitter::readerError(QByteArray a_piece)
 {
-    // The reader may take a zero byte for the end of the received bytes. Its
-    // replacement is another forbidden character, which the reader refuses
-    // everywhere.
+    // The reader may take a zero byte for the end of the received bytes. The byte is
+    // replaced by another forbidden character, which the reader refuses everywhere.
     m_reader->addData(a_piece.replace('\0', '\x01'));
-    do { // a previous lack of bytes is still set as an error
+    do { // an earlier lack of bytes is still set as an error
         m_reader->readNext();
         if (m_reader->isStartDocument() && !adoptEncoding(m_reader->documentEncoding())) {
             return QStringLiteral("Encoding %1 is unsupported in a stream of documents.")
@@ -193,8 +192,9 @@ QString XmlDocumentSplitter::readerError(QByteArray a_piece)
     return m_reader->hasError() && !bWaits ? m_reader->errorString() : QString();
 }
 
-/// Stores the declared encoding. Whether the scanner can read it: the bytes of
-/// ASCII mean the same characters in it, and no other bytes do.
+/// Stores the declared encoding. False when the scanner cannot read it. The scanner
+/// needs an encoding in which the bytes of ASCII mean ASCII characters and all other
+/// bytes mean other characters.
 bool XmlDocumentSplitter::adoptEncoding(QStringView a_sDeclared)
 {
     const QByteArray name = a_sDeclared.toLatin1();

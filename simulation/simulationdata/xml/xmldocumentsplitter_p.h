@@ -47,8 +47,8 @@ public:
     /// Bytes held of the current, incomplete document.
     [[nodiscard]] qsizetype bytes() const { return m_document.size() + m_buffer.size(); }
 
-    /// The error text after which no document can be read any more: that of the
-    /// stream reader, or the exceeded limit. Empty without an error.
+    /// The error of the stream reader or the exceeded limit; empty without an error.
+    /// After an error no document can be read any more.
     [[nodiscard]] const QString& error() const { return m_sError; }
 
     /// Drops all bytes and the error.
@@ -67,7 +67,7 @@ private:
     XmlScanner m_scanner{Limits::RecordElements};
     std::unique_ptr<QXmlStreamReader> m_reader;
     ReceiveBuffer m_buffer;      ///< bytes not yet passed to the reader
-    QByteArray m_document;       ///< bytes of the current document that were
+    QByteArray m_document;       ///< bytes of the current document taken from m_buffer
     bool m_bDeclared = false;    ///< the current document declares its encoding
     bool m_bLatin1 = false;      ///< it declares Latin-1
     bool m_bInReference = false; ///< the reader may be inside an unfinished reference

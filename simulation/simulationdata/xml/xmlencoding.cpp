@@ -80,7 +80,8 @@ bool is(const QByteArray& a_name, QByteArrayView a_expected)
     return a_name.compare(a_expected, Qt::CaseInsensitive) == 0;
 }
 
-/// The bytes before an invalid one, whose place the error text gives.
+/// Returns the bytes before an invalid one. The error text contains the place of that
+/// byte.
 QByteArray cutAt(const QByteArray& a_bytes, qsizetype a_iOffset, const QString& a_sReason, QString* a_pError)
 {
     *a_pError = xmlErrorText(advanced({}, QByteArrayView(a_bytes).first(a_iOffset)), a_sReason);
@@ -172,8 +173,8 @@ QByteArray decodedAsDeclared(const QByteArray& a_bytes, QString* a_pError)
         return checkedAscii(a_bytes, a_pError);
     }
     // The declaration was read byte by byte, so a declared encoding with wider
-    // characters must be wrong. The system's locale encoding is not a fixed
-    // encoding, either.
+    // characters must be wrong. The system's locale encoding is refused, too, because
+    // it is not a fixed encoding.
     if (eEncoding != QStringConverter::Latin1) {
         return cutAt(
             a_bytes, 0,

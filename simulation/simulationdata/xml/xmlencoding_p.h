@@ -22,8 +22,7 @@ struct Utf8Character
 /// Whether XML 1.0 allows the character.
 [[nodiscard]] bool isXmlCharacter(char32_t a_cCode);
 
-/// The number of bytes before the first one that is not an ASCII character which XML
-/// allows.
+/// The number of bytes at the start that are ASCII characters allowed by XML.
 [[nodiscard]] qsizetype xmlAsciiBytes(QByteArrayView a_bytes);
 
 /// The size (bytes) of a UTF-8 byte-order mark at the start: 3, or 0 when there is

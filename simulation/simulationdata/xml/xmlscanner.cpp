@@ -123,8 +123,8 @@ qint64 XmlScanner::parsableBytes() const
     if (m_bError) {
         return m_iExceeding;
     }
-    // A CDATA section outside the elements is an error, which a parser finds at
-    // once.
+    // A CDATA section outside the elements is not held back: a parser finds this error
+    // at once.
     const bool bHeld = m_eState == State::Open || m_eState == State::Markup || m_eState == State::Comment ||
                        m_eState == State::Instruction || (m_eState == State::CData && m_uiDepth > 0);
     return bHeld ? m_iOpen : m_iChunk;
@@ -311,7 +311,7 @@ void XmlScanner::closeTag()
     m_eState = State::Text;
 }
 
-/// The limit is exceeded at the start of the construct.
+/// Sets the error for a limit that is exceeded at the start of the construct.
 void XmlScanner::offend(Limits::Limit a_eLimit)
 {
     const XmlPosition position = openPosition();
@@ -320,8 +320,8 @@ void XmlScanner::offend(Limits::Limit a_eLimit)
     m_error = {m_iOpen, position.line, position.column, a_eLimit, Limits::exceeded(a_eLimit)};
 }
 
-/// The limit is exceeded at this byte of the construct. A parser gets all bytes
-/// before it, whatever the pieces in which they were fed.
+/// Sets the error for a limit that is exceeded at this byte of the construct. A parser
+/// gets all bytes before it, whatever the pieces in which they were fed.
 void XmlScanner::offendAt(const char* a_pByte, Limits::Limit a_eLimit)
 {
     offend(a_eLimit);

@@ -40,17 +40,17 @@ private:
     std::uint64_t m_uiEntities = 0;
 };
 
-/// Finds where an XML text exceeds a limit (nesting depth, attributes of one
-/// element, bytes and entities of a document type) before a parser reads that tag,
-/// and where a document ends in a stream of documents. The bytes of several
-/// document types are added up, because a lenient parser also accepts document
+/// Finds where an XML text exceeds a limit before a parser reads that tag. The limits
+/// are nesting depth, attributes of one element, bytes and entities of a document type.
+/// In a stream of documents the scanner also finds where a document ends. The bytes of
+/// several document types are added up, because a lenient parser also accepts document
 /// types inside elements and keeps the rules of all.
 ///
-/// The text is fed in pieces of any size, as UTF-8 or any encoding that contains
-/// ASCII. Time is linear in the bytes and memory is constant. The scanner does not
-/// check whether the text is well formed: a parser stops at the first error, and up
-/// to there scanner and parser find the same tags. Limits are read at each feed.
-/// One object may be used by one thread at a time.
+/// The text is fed in pieces of any size, as UTF-8 or any encoding that contains ASCII.
+/// Time is linear in the bytes and memory is constant. The scanner does not check
+/// whether the text is well formed: a parser stops at the first error, and up to there
+/// scanner and parser find the same tags. Limits are read at each feed. One object may
+/// be used by one thread at a time.
 class XmlScanner
 {
 public:
@@ -73,8 +73,8 @@ public:
     /// Scans the next bytes. After a limit is exceeded, further bytes are ignored.
     void feed(QByteArrayView a_bytes) { scanChunk(a_bytes, false); }
 
-    /// The same as feed(), but stops at the end of the document and does not
-    /// calculate lines and columns: error() has none.
+    /// Like feed(), but stops at the end of the document. Lines and columns are not
+    /// calculated, so error() contains none.
     void feedDocument(QByteArrayView a_bytes) { scanChunk(a_bytes, true); }
 
     /// Whether the last tag closed the outermost element, or an element that was
@@ -85,12 +85,12 @@ public:
     /// tag.
     [[nodiscard]] bool isInContent() const { return m_eState == State::Text && m_uiDepth > 0; }
 
-    /// The number of bytes scanned so far; after an exceeded limit, those of the
-    /// pieces before.
+    /// The number of bytes scanned so far. After an exceeded limit, only the bytes of
+    /// the earlier pieces count.
     [[nodiscard]] qint64 bytes() const { return m_iChunk; }
 
-    /// The number of those bytes that can be passed to a parser. Excluded are the
-    /// byte that exceeds a limit and an unfinished comment, CDATA section or
+    /// The number of scanned bytes that can be passed to a parser. The byte that
+    /// exceeds a limit is excluded. So is an unfinished comment, CDATA section or
     /// processing instruction, which a stream reader would scan again with every
     /// further byte.
     [[nodiscard]] qint64 parsableBytes() const;

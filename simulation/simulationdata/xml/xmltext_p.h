@@ -17,8 +17,8 @@ namespace Simulation {
 [[nodiscard]] QString cleanXmlText(const QString& a_sText);
 
 /// A coordinate (degrees) as text: 14 significant digits, general format, "." as
-/// decimal point. A value that is not finite becomes "0", as which it would be
-/// read.
+/// decimal point. A value that is not finite becomes "0", because a reader would read
+/// 0.
 [[nodiscard]] QString coordinateText(double a_dDegrees);
 
 /// Any other real number as text in the same way: 6 significant digits.
@@ -33,9 +33,9 @@ namespace Simulation {
 [[nodiscard]] std::uint32_t readUInt32(QStringView a_sText);
 [[nodiscard]] std::int64_t readInt64(QStringView a_sText);
 
-/// Do the same as the writer's own operations, but clean the text first and write a
-/// carriage return in element text as a character reference, because a reader turns
-/// a bare one into a line feed.
+/// Write like the operations of QXmlStreamWriter, but clean the text first. A carriage
+/// return in element text is written as a character reference, because a reader turns a
+/// bare one into a line feed.
 void writeXmlAttribute(QXmlStreamWriter& a_writer, const QString& a_sName, const QString& a_sValue);
 void writeXmlCharacters(QXmlStreamWriter& a_writer, const QString& a_sText);
 void writeXmlTextElement(QXmlStreamWriter& a_writer, const QString& a_sName, const QString& a_sText);

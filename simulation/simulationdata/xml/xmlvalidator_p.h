@@ -9,14 +9,14 @@
 
 namespace Simulation {
 
-/// Checks whether UTF-8 bytes without a byte-order mark are a well-formed XML
-/// document, because the parser that XmlElement uses accepts many that are not
-/// well-formed. Linear in the bytes, not recursive; memory grows only with the depth.
-/// Exceeding Limits::RecordElements, NestingDepth or ElementAttributes is an error,
-/// too. One object checks one document.
+/// Checks whether UTF-8 bytes without a byte-order mark are a well-formed XML document.
+/// The parser of XmlElement also accepts many documents that are not. Linear in the
+/// bytes, not recursive; memory grows only with the depth. Exceeding
+/// Limits::RecordElements, NestingDepth or ElementAttributes is an error, too. One
+/// object checks one document.
 ///
-/// A document type is skipped: entities that it defines are unknown, and a
-/// reference to one is an error.
+/// A document type is skipped: entities that it defines are unknown, and a reference to
+/// one is an error.
 class XmlValidator
 {
 public:
