@@ -145,7 +145,7 @@ private:
     int m_iCompressionLevel = -1;
     bool m_bCompressOutgoing = false;
     bool m_bUncompressIncoming = true;
-    std::deque<QByteArray> m_plain; ///< those of the queued documents that are plain
+    std::deque<QByteArray> m_plain; ///< the plain ones among the queued documents
     QByteArray m_delivered;         ///< the plain document that is being delivered
     QBasicTimer m_readTimer;        ///< schedules a read from the event loop
     bool m_bReporting = false;      ///< while errorOccured() is emitted
