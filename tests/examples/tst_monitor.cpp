@@ -68,7 +68,8 @@ public:
         state.setScenarioDataState(a_eState);
         m_peer->sendSimulationDeviceStateUpdate(QLatin1String(a_szId), state);
     }
-    /// Sends what is not a stream of documents, and accepts no other connection.
+    /// Sends bytes that are not a stream of documents. Afterwards the service accepts
+    /// no other connection.
     void sendGarbage()
     {
         m_server->close();
@@ -137,7 +138,7 @@ struct Seen
     LedWidget& lamp;
 };
 
-/// The number of pixels in a picture whose colour passes a test.
+/// Counts the pixels of a picture for whose colour the test function returns true.
 template<typename Test>
 int pixels(const QImage& a_picture, const Test& a_isWanted)
 {
@@ -223,7 +224,7 @@ void TestMonitor::stateBeforeDevice()
 {
     FakeService service;
     Seen seen(service);
-    seen.window.setFollowingStates(true); // before there is a connection
+    seen.window.setFollowingStates(true); // the monitor has no connection yet
     QVERIFY(seen.shows("Alpha#008000 Beta#800000"));
 }
 
@@ -263,7 +264,7 @@ void TestMonitor::lostConnection()
     QVERIFY(!seen.window.waitDialog().isVisible() && seen.lamp.isLedActive());
 }
 
-/// A connection that is read no more is worth nothing: the window starts another one.
+/// When the data of a connection cannot be read, the window tries to connect again.
 void TestMonitor::unreadableService()
 {
     FakeService service;
@@ -281,7 +282,8 @@ void TestMonitor::unreadableService()
     QCOMPARE(seen.window.statusBar()->currentMessage(), sBefore);
 }
 
-/// Cancel ends the attempts, not the program; a button connects again.
+/// Cancel ends the connection attempts, but not the program. The Connect button starts
+/// new attempts.
 void TestMonitor::cancel()
 {
     FakeService service;
@@ -302,7 +304,7 @@ void TestMonitor::readableColors_data()
 {
     QTest::addColumn<QColor>("color");
     QTest::addColumn<QColor>("ground");
-    QTest::addColumn<QColor>("expected"); ///< if changed, a contrast of slightly more than 4.5
+    QTest::addColumn<QColor>("expected"); ///< a changed colour has a contrast slightly above 4.5
     const QColor dark(45, 45, 48);
     const QColor light(239, 239, 239);
     QTest::newRow("good as it is") << QColor(Qt::darkRed) << light << QColor(Qt::darkRed);
@@ -331,7 +333,7 @@ void TestMonitor::picture_data()
     QTest::newRow("nobody there") << false << QStringList{} << false;
 }
 
-/// Runs the program itself with a service and devices of this project.
+/// Runs the monitor program with this project's service and devices.
 void TestMonitor::picture()
 {
     QFETCH(bool, service);
@@ -372,13 +374,12 @@ void TestMonitor::picture()
     QVERIFY(!picture.isNull());
     QCOMPARE(pixels(picture, isLampLit) > 20, service);
     QCOMPARE(pixels(picture, isTextOfLoaded) > 20, states);
-    QVERIFY(!service || running.says(QStringLiteral("left"), 2)); // control and monitor
+    QVERIFY(!service || running.says(QStringLiteral("left"), 2)); // control and monitor have left
     // A monitor without states does not acquire the control.
     QCOMPARE(running.text().count(QStringLiteral("controls\n")), states ? 2 : 1);
 }
 
-/// The error text is the system's, and a file that cannot be replaced does not
-/// change.
+/// The error text names the cause. A file that cannot be replaced stays unchanged.
 void TestMonitor::pictureWithoutPlace()
 {
     const QTemporaryDir folder;

@@ -19,7 +19,7 @@ constexpr int s_iOutputTimeout = 60'000;   ///< ms
 /// The way in which the test runs a command of README.md.
 enum class Way {
     Foreground,
-    Background, ///< until the test ends
+    Background, ///< runs until the test ends
     Environment,
     Script, ///< not run, because it changes the clone
     Preset, ///< not run, because it rebuilds the library
@@ -32,9 +32,9 @@ struct Expectation
     const char* szOutput = "."; ///< regular expression for the output
 };
 
-/// The commands that need more than the default check. By default a command is run, and
-/// must print something and end with 0. Any other command in README.md needs an entry
-/// here.
+/// The commands that need more than the default check. The default check runs a command,
+/// which must print something and end with 0. A command of another program than
+/// simulationtool, monitor or cmake always needs an entry here.
 const QMap<QString, Expectation> s_expectations{
     {QStringLiteral("./scripts/demo.sh"), {Way::Script}},
     {QStringLiteral("./scripts/test.sh"), {Way::Script}},
@@ -95,8 +95,8 @@ QString readmeText()
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-/// All items in the order of README.md: fenced blocks, shell blocks line by line, and
-/// the commands of the programs between them.
+/// Returns all items of README.md in their order: files, the lines of shell blocks, and
+/// the programs' commands in the text.
 QList<Item> readmeItems()
 {
     static const QRegularExpression fenceOrSpan(
@@ -126,8 +126,8 @@ QList<Item> readmeItems()
 
 } // namespace
 
-/// Runs everything in README.md, in its order, as a new user would: with an
-/// installation in a home folder, in a new folder for programs.
+/// Does what README.md describes, in its order, as a new user would. Installs into a
+/// temporary home folder and runs the commands in a new folder below it.
 class TestReadme : public QObject
 {
     Q_OBJECT
@@ -154,7 +154,8 @@ private:
 
     void runForeground(const QString& a_sCommand, const Expectation& a_expectation) const
     {
-        QString sHere = a_sCommand; // the tested build, not one in the clone
+        // The tested build is installed, not one in the clone.
+        QString sHere = a_sCommand;
         sHere.replace(QStringLiteral("--install build/release"), QStringLiteral("--install '" BUILD_DIR "'"));
         const auto process = shell(sHere);
         const bool bFinished = process->waitForFinished(s_iCommandTimeout);
@@ -263,8 +264,8 @@ private Q_SLOTS:
         }
     }
 
-    /// The background programs have received the other commands' orders, and end when
-    /// they are interrupted.
+    /// The background programs have printed the effects of the other commands. An
+    /// interrupt signal ends them.
     void background()
     {
         QCOMPARE(m_background.size(), 4U);

@@ -196,8 +196,8 @@ void TestArchive::refusedEntries()
                              {QStringLiteral("device"), QByteArray(), 0020644},
                              {QStringLiteral("pipe"), QByteArray(), 0010644},
                              {QStringLiteral("encrypted"), QByteArray("evil"), s_uiFileMode, true}};
-    // Hash signs are replaced in the archive: the zip library would not write
-    // a NUL, nor one name twice.
+    // The test replaces the hash signs in the finished archive. The zip library writes
+    // neither a NUL in a name nor the same name twice.
     for (const char* szName : {"../evil", "a/../../evil", "a/..", "../evil/", "/tmp/evil", "C:evil",
                                "..\\evil", "ev#il", "ev\nil", "./good", "a//evil", "goo#"}) {
         entries.append({QLatin1String(szName), QByteArray("evil")});
@@ -209,7 +209,8 @@ void TestArchive::refusedEntries()
     QVERIFY(archive.open(KPZip::Archive::ModeRead));
     QCOMPARE(archive.files(), QStringList{QStringLiteral("good")});
     QCOMPARE(archive.refusedCount(), static_cast<std::uint64_t>(entries.size() - 1));
-    // Ten are traced by name, then only their number.
+    // Ten refused entries are traced by name. The eleventh line gives only the
+    // number of all refused entries.
     QCOMPARE(s_traced.size(), 11);
     QVERIFY(archive.extractToFolder(QString(), target()));
     QCOMPARE(filesBelow(m_pFolder->path()),
@@ -266,7 +267,7 @@ void TestArchive::everyTruncation()
     }
 }
 
-/// Whatever byte is damaged, every unpacked file is complete.
+/// Every unpacked file is complete, whichever byte of the archive is damaged.
 void TestArchive::everyByteDamaged()
 {
     const QList<TestEntry> entries{m_entries[0], m_entries[2]};
@@ -298,7 +299,7 @@ void TestArchive::boundedBytes()
     QVERIFY(archive.open(KPZip::Archive::ModeRead));
     QVERIFY(!archive.extractToFolder(QString(), target()));
     QCOMPARE(filesBelow(target()), (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
-    // The bytes written count until the archive is closed.
+    // The bound counts the bytes of all extractions until the archive is closed.
     QVERIFY(!archive.extractToFile(QStringLiteral("1"), path("again")));
     QVERIFY(!QFile::exists(path("again")));
     QVERIFY(archive.open(KPZip::Archive::ModeRead));
@@ -347,8 +348,8 @@ void TestArchive::refusedArchive()
     QCOMPARE(s_traced.size(), 1);
 }
 
-/// Whatever has the name of a target file or folder is neither followed nor waited
-/// for, and does not keep the other files from being unpacked.
+/// An existing folder, link or pipe at the path of a target file is neither followed
+/// nor waited for. The other files are still unpacked.
 void TestArchive::inTheWay()
 {
     const QString sOutside = m_pFolder->filePath(QStringLiteral("outside"));

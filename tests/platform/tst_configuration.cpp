@@ -102,7 +102,7 @@ void TestConfiguration::texts()
 {
     QFETCH(QByteArray, line);
     QFETCH(QString, expected);
-    // A byte-order mark before the line and another setting after it.
+    // The file has a byte-order mark before the line and another setting after it.
     save("\xEF\xBB\xBF" + line + "\nNext=2\n");
     const ICfg* pCfg = create();
     QCOMPARE(pCfg->readString(u8("Key"), u8("default")), expected);
@@ -145,7 +145,7 @@ void TestConfiguration::groups()
 
 void TestConfiguration::hostileLines()
 {
-    // No odd line may change or drop the settings around it.
+    // Malformed lines neither change nor remove the settings around them.
     save("A=1\n[\"x\n\"=\n\"q\"=3\nno setting\n[Ports\\\nB=2\n[\nC=3\n[Ports]\n\"\nServer=4\n");
     const ICfg* pPorts = create()->openGroup(u8("Ports"));
     QCOMPARE(create()->readUnsigned(u8("A"), 0), 1U);

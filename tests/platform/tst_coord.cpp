@@ -77,8 +77,8 @@ void TestCoord::text()
     QTEST(Coord(longitude, latitude).GetString(format), "expected");
 }
 
-/// Four quadrants, both sides of the equator, below a band's end, a wide zone,
-/// both ends of the grid.
+/// The positions cover four quadrants, both sides of the equator, the end of a band, a
+/// wide zone and both ends of the grid.
 void TestCoord::readsBack()
 {
     for (const Coord& coord :
@@ -95,7 +95,7 @@ void TestCoord::readsBack()
     }
 }
 
-/// Next to the edge of a band both grid forms name the same band.
+/// Near the edge of a band, both grid forms give the same band.
 void TestCoord::bandEdges()
 {
     for (int iEdge = -72; iEdge <= 72; iEdge += 8) {
@@ -120,7 +120,8 @@ void TestCoord::reads_data()
 
     QTest::newRow("fn31pr") << s_iLocator << true << -74.0 + 15.5 / 12.0 << 41.0 + 17.5 / 24.0;
     QTest::newRow("32n-nf-000000-000000") << s_iMgrs << true << 9.0 << 0.0;
-    QTest::newRow("32x 0500000 0000000") << s_iUtm << true << 9.0 << 0.0; // only the hemisphere counts
+    // The band letter determines only the hemisphere.
+    QTest::newRow("32x 0500000 0000000") << s_iUtm << true << 9.0 << 0.0;
     for (const int iFormat : {s_iUtm, s_iMgrs, s_iLocator, 0}) {
         for (const QString& sText :
              {QString(), QString(1000, u'9'), QStringLiteral("\u0663\u0662U-\u00DF")}) {
@@ -131,7 +132,7 @@ void TestCoord::reads_data()
                                "32U -691608 5334757", "32U 0691608 53347571"}) {
         QTest::newRow(szText) << s_iUtm << false << 0.0 << 0.0;
     }
-    // A square of another zone, a polar position, too few digits.
+    // The texts have a square of another zone, a polar position and too few digits.
     for (const char* szText : {"32U-AA-916083-347572", "00U-12-916083-347572", "32U-PU-91608-34757"}) {
         QTest::newRow(szText) << s_iMgrs << false << 0.0 << 0.0;
     }

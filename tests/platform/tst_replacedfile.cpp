@@ -41,8 +41,8 @@ void TestReplacedFile::fullDisk_data()
     QTest::newRow("no room at all") << 0 << 10 << 1;
 }
 
-/// Reports the system's error text, leaves the former file as it was, and leaves no
-/// other file.
+/// The error text is that of the system. The former file stays unchanged, and no other
+/// file is left.
 void TestReplacedFile::fullDisk()
 {
     QFETCH(int, room);
@@ -99,7 +99,7 @@ void TestReplacedFile::refusals()
     QVERIFY(!file.write("x") && !file.commit());
 }
 
-/// Small pieces are collected, and large ones keep their place in the order.
+/// Small pieces are buffered. Large pieces keep their place in the order.
 void TestReplacedFile::piecesInOrder()
 {
     const QTemporaryDir folder;

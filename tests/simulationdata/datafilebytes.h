@@ -33,15 +33,14 @@ inline void failOnTraces()
     QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
 }
 
-/// Expects one trace more, which matches the regular expression.
+/// Expects one more trace that matches the regular expression.
 inline void expectTrace(const QString& a_sPattern)
 {
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(a_sPattern));
 }
 
-/// Opens a valid file, then opens the same object again after the contents have
-/// become invalid: open() fails, the object is closed, and the error text contains
-/// the reason.
+/// Opens a valid file. Then makes its contents invalid and opens the same object again.
+/// Then open() fails, the object is closed, and the error text contains the reason.
 template<typename File>
 void refuse(const QString& a_sPath, const QByteArray& a_good, const QByteArray& a_bad,
             const QString& a_sReason)

@@ -13,7 +13,7 @@ using namespace Simulation;
 
 namespace {
 
-/// The unformatted XML of an element "a" with the content that an operation writes.
+/// Returns the unformatted XML of an element "a". The operation writes its content.
 template<typename Write>
 QString written(const Write& a_write)
 {
@@ -171,8 +171,8 @@ void TestCommonDataXml::positionSettings()
     QCOMPARE(sOut, rewritten.isEmpty() ? QStringLiteral("<a/>") : QStringLiteral("<a>%1</a>").arg(rewritten));
 }
 
-/// Speed and name are written for major points only, without characters that XML
-/// forbids.
+/// Speed and name are written for major points only. Characters that XML forbids are
+/// removed.
 void TestCommonDataXml::writtenMovement()
 {
     MovementPoint first;
@@ -249,7 +249,7 @@ void TestCommonDataXml::movementText()
     QVERIFY(CommonDataXml::movementsForXml(CommonDataXml::xmlForMovements({})).isEmpty());
 }
 
-/// A QString is decoded already: the encoding in its XML declaration is ignored.
+/// A QString is already decoded, so the encoding in its XML declaration is ignored.
 void TestCommonDataXml::encodedText()
 {
     for (const char* szEncoding : {"ISO-8859-1", "UTF-16", "UTF-8", "Klingon"}) {

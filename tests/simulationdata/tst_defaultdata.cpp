@@ -71,8 +71,8 @@ void TestDefaultData::initTestCase()
     QVERIFY(archive.extractToFolder(QString(), m_folder.path()));
 }
 
-/// The generator writes the archives of the library byte for byte: in two time
-/// zones, with different file masks, and later than the library was built.
+/// The generator writes the same bytes as the library's archives. The time zone, the
+/// file mask and the time of the run have no effect.
 void TestDefaultData::sameBytesEverywhere()
 {
     for (const auto& [szZone, uiMask] : {std::pair{"America/St_Johns", 022U}, {"Pacific/Apia", 077U}}) {
@@ -189,8 +189,8 @@ void TestDefaultData::spectra()
         QCOMPARE(fSignal, *values.rbegin());
         QCOMPARE(fFloor, *values.begin());
         QVERIFY(fFloor >= 1.0F && fSignal > 3.0F * fFloor);
-        // The level changes from record to record, but by less than 10 %, also from the
-        // last record to the first.
+        // The level changes by less than 10 % from record to record. This includes the
+        // step from the last record to the first.
         QVERIFY(fSignal != fBefore && std::abs(fSignal / fBefore - 1.0F) < 0.1F);
         fBefore = fSignal;
     }

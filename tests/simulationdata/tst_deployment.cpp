@@ -32,7 +32,7 @@ DevicePtr fullDevice()
     return device;
 }
 
-/// All values of a device: those that a document saves, and the state.
+/// The values of a device that a document saves, and its state.
 QByteArray valuesOf(const DevicePtr& a_device)
 {
     DeploymentDataXml document;
@@ -101,9 +101,12 @@ void TestDeployment::positionOfStation()
     QVERIFY2(half.longitude == 9.0 && qAbs(half.latitude - 50.5) < 1e-6,
              qPrintable(QString::number(half.latitude)));
     QCOMPARE(device->headingAt(uiHalf), 0.0);
-    QCOMPARE(device->speedAt(uiHalf), -1.0); // the last point reached is the first; no leg leads to it
+    // Only the first point has been reached. No leg leads to it, so there is no
+    // speed.
+    QCOMPARE(device->speedAt(uiHalf), -1.0);
 
-    // setPosition() moves the device's own path as a whole, not the station.
+    // setPosition() moves the device's own path as a whole. It does not move the
+    // station.
     device->setPosition({1.0, 2.0});
     QVERIFY(isAt(device->position(), 9.0, 50.0));
     device->setStation(nullptr);
@@ -164,8 +167,8 @@ void TestDeployment::copies()
     QCOMPARE(device->id() + device->name() + device->machine(), QStringLiteral("ssmachine"));
 }
 
-/// Releases a station and a device that hold each other and never were in a
-/// document, while a clone of the station also holds the device.
+/// Releases a station and a device that hold each other. Neither was ever in a
+/// document. A clone of the station also holds the device.
 void TestDeployment::released()
 {
     StationPtr station = std::make_shared<DeploymentStation>(QStringLiteral("s"));

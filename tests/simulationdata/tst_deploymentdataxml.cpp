@@ -104,7 +104,7 @@ class TestDeploymentDataXml : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { ErrorHandler::Instance().setTraceMask(0); } // thousands of lines otherwise
+    void initTestCase() { ErrorHandler::Instance().setTraceMask(0); } // avoids thousands of traces
     void fullDocument();
     void writtenDocument();
     void decimalComma();
@@ -149,7 +149,7 @@ void TestDeploymentDataXml::fullDocument()
 
 void TestDeploymentDataXml::writtenDocument()
 {
-    DeploymentDataXml document; // declared first, so that it is destroyed last and releases the objects
+    DeploymentDataXml document; // destroyed last, so that it releases the objects
     const auto ship = std::make_shared<DeploymentStation>(QStringLiteral("ship"));
     ship->setIconId(QStringLiteral("boat"));
     auto path = std::make_unique<PositionSettingsPtp>(TPos{9.5, 50.0}, 0.0);
@@ -279,7 +279,7 @@ void TestDeploymentDataXml::olderDocuments()
         QVERIFY(document.fileFormatVersion() == 0 && document.description() == u"D");
         QCOMPARE(summary(document), QStringLiteral("a=  7/0  8.5,48; b=  7/0  0,0; s=s  [] 0,0"));
         QVERIFY(document.toXml().contains("FileFormatVersion=\"1\""));
-        // The version of the document that was read before has no effect.
+        // The version of the former document has no effect.
         QVERIFY(document.fromXml(fullXml()));
         QVERIFY(document.fromXml(QByteArray("<SimulationDeployment><Device ID='a'><Position><Longitude>2")));
         QCOMPARE(summary(document), QStringLiteral("a=  7/0  0,0"));
@@ -414,8 +414,8 @@ void TestDeploymentDataXml::callersKeepObjects()
     DeploymentDataXml::releaseObject(std::move(device));
     QCOMPARE(watch.alive(), 0);
 
-    // A caller keeps the map of stations and the device set of a station. The next
-    // document that gets the devices releases them.
+    // A caller keeps the map of stations and a station's set of devices. The devices
+    // are released by the next document that gets them.
     document = std::make_unique<DeploymentDataXml>(circles());
     const Watch again(*document);
     auto stations = document->stations();
@@ -444,14 +444,16 @@ void TestDeploymentDataXml::replacedObjects()
     device->setId(QStringLiteral("z"));
     document.setStations({});
     QVERIFY(document.devices().contains(QStringLiteral("a")) && watch.alive() == 3);
-    // Only the device names the station, which is read back without values.
+    // Only the device refers to the station. The station is therefore read back without
+    // values.
     QVERIFY(document.fromXml(document.toXml()));
     QCOMPARE(summary(document), QStringLiteral("z=  7/0  @s; s=s  [z] 0,0"));
     DeploymentDataXml::releaseObject(std::move(device));
     QCOMPARE(watch.alive(), 0);
 }
 
-/// The writer reports ids that objects share, from the start or only later.
+/// The writer reports ids that several objects share. The objects have the same id from
+/// the start, or get it later.
 void TestDeploymentDataXml::sharedIds()
 {
     const auto device = [](const char* a_szId) {

@@ -67,7 +67,8 @@ EmissionSettings twoEmissions(long long a_iPeriod = 0)
     return settings;
 }
 
-/// The walk as done by hand: over every emission of every period.
+/// Computes the activities in the simplest way: it visits every emission of every
+/// period.
 QList<HRActivity> naiveActivities(const EmissionSettings& a_settings, const SzenarioEmitter* a_pEmitter,
                                   std::int64_t a_iFrom, std::int64_t a_iLength)
 {
@@ -139,7 +140,7 @@ void TestEmissionSettings::lookup_data()
 {
     QTest::addColumn<long long>("period");
     QTest::addColumn<unsigned int>("time");
-    QTest::addColumn<long long>("start"); // of the emission found, -1 for none
+    QTest::addColumn<long long>("start"); // of the emission that is found; -1 = no emission
     QTest::addColumn<long long>("timeActive");
     for (const long long iPeriod : {0LL, 1000LL}) {
         const unsigned int uiShift = iPeriod == 0 ? 0 : 3000;
@@ -178,10 +179,10 @@ void TestEmissionSettings::order()
     const EmissionPtr old = emission(100, 1000);
     const EmissionPtr fresh = emission(100, 10);
     const EmissionPtr late = emission(300, 10);
-    settings.addEmissions({old, late, late}); // twice in the list
+    settings.addEmissions({old, late, late}); // "late" is added twice
     settings.addEmission(fresh);
     QCOMPARE(settings.emissions(), (QList{fresh, old, late, late}));
-    QCOMPARE(settings.emissionAt(120), old); // the latest of equal starts counts
+    QCOMPARE(settings.emissionAt(120), old); // of equal starts, the last emission counts
     late->start = 100;
     settings.updateEmission(settings.emissions().constLast());
     QCOMPARE(settings.emissions(), (QList{late, fresh, old}));
@@ -211,7 +212,7 @@ void TestEmissionSettings::replacing()
     EmissionSettings settings;
     settings.addEmissions(
         {emission(0, 1, first), emission(1, 1), emission(2, 1, second), emission(3, 1, first)});
-    // The arguments may be the settings' own.
+    // The arguments may refer to members of these settings.
     settings.replaceEmitter(settings.emissions().constFirst()->emitter, settings.emissions().at(2)->emitter);
     settings.removeEmissions(settings.emissions().constFirst()->emitter);
     QVERIFY(settings.emissions().size() == 1 && !settings.emissions().constFirst()->emitter);
@@ -260,10 +261,10 @@ void TestEmissionSettings::removingGroups()
     settings.removeGroup(self);
     QCOMPARE(settings.groups(), QList{mixed});
     QVERIFY(mixed->groups.isEmpty());
-    QVERIFY(self->groups.isEmpty()); // a group that holds itself is never freed
+    QVERIFY(self->groups.isEmpty()); // otherwise the group would hold itself and leak
 }
 
-/// Groups that hold each other are freed with their last settings, not before.
+/// Groups that hold each other are freed only with the last settings that contain them.
 void TestEmissionSettings::circles()
 {
     const GroupPtr outside = group({emission(0, 1)});
@@ -274,7 +275,7 @@ void TestEmissionSettings::circles()
             EmissionSettings settings;
             const GroupPtr first = group({}, {outside});
             const GroupPtr second = group({}, {first});
-            const GroupPtr hidden = group({}, {second, second}); // in no list
+            const GroupPtr hidden = group({}, {second, second}); // not in the list of the settings
             first->groups.append(hidden);
             first->groups.append(first);
             watched = first;
@@ -294,7 +295,8 @@ void TestEmissionSettings::circles()
     }
 }
 
-/// Destruction must not recurse along what a document can make a million deep.
+/// A document can build chains of a million objects. Their destruction must not
+/// recurse.
 void TestEmissionSettings::longChains()
 {
     constexpr int iLength = 1'000'000;
@@ -306,7 +308,7 @@ void TestEmissionSettings::longChains()
     }
     settings.addGroup(next);
     next.reset();
-    settings.clearEmptyGroups(); // the innermost is removed from the list only
+    settings.clearEmptyGroups(); // removes the innermost group from the list only
     QCOMPARE(settings.groups().size(), 1);
     settings.clearAll();
 
@@ -320,7 +322,7 @@ void TestEmissionSettings::longChains()
 
 void TestEmissionSettings::removingMany()
 {
-    constexpr int iCount = 100'000; // hours if a step cost as much as the list
+    constexpr int iCount = 100'000; // takes hours if each step costs O(n)
     const EmitterPtr gone = emitter("gone");
     const EmitterPtr stays = emitter("stays");
     EmissionSettings settings;
@@ -328,7 +330,8 @@ void TestEmissionSettings::removingMany()
     QList<EmissionPtr> emissions;
     for (int i = iCount; i-- > 0;) {
         emissions.append(emission(i, 1, i == 5 ? stays : gone));
-        // Every group of one emission empties its parent, and all are in one.
+        // Each group of one emission is the only content of its parent. Its removal
+        // therefore also removes the parent. One group contains all parents.
         settings.addGroup(group({emissions.constLast()}));
         settings.addGroup(group({}, {settings.groups().constLast()}));
         all->groups.append(settings.groups().constLast());
@@ -379,8 +382,8 @@ void TestEmissionSettings::activitiesAgainstNaiveWalk()
         settings.setDuration(uiPeriod);
         QList<EmissionPtr> emissions;
         for (unsigned int i = 0; i <= below(8); ++i) {
-            // Some start after the end of the period, as after setting a shorter
-            // period.
+            // Some emissions start after the end of the period, as if the period had
+            // been shortened later.
             emissions.append(emission(below(uiPeriod == 0 || below(9) == 0 ? 900 : uiPeriod), below(60),
                                       emitters[below(3)]));
         }
@@ -400,7 +403,7 @@ void TestEmissionSettings::hostileNumbers_data()
     QTest::addColumn<long long>("duration");
     QTest::addColumn<long long>("period");
     QTest::addColumn<bool>("active");    // at 1000 ms
-    QTest::addColumn<long long>("stop"); // of the only activity in [0, 2000); -1 for no activity
+    QTest::addColumn<long long>("stop"); // end of the only activity in [0, 2000); -1 = no activity
     QTest::newRow("negative duration") << 10LL << -1LL << 0LL << false << 10LL;
     QTest::newRow("negative start, reaches in") << -50LL << 1050LL << 0LL << true << 1000LL;
     QTest::newRow("lowest start, longest duration") << s_iLowest << s_iHighest << 0LL << false << 0LL;
@@ -438,7 +441,7 @@ void TestEmissionSettings::answerLimit()
     Limits::setValue(Limits::AnswerActivities, iLimit);
     QCOMPARE(settings.calculateHRActivities(nullptr, 0, s_uiForEver).size(), iLimit);
     settings.addEmissions(QList<EmissionPtr>(100'000, emission(0, 1)));
-    // Periods without an activity must be passed as fast as periods with one.
+    // A period without an activity must take no more time than a period with one.
     QCOMPARE(settings.calculateHRActivities(rare.get(), 0, s_uiForEver).size(), iLimit);
     QVERIFY(settings.calculateHRActivities(emitter("silent").get(), 0, s_uiForEver).isEmpty());
     Limits::setValue(Limits::AnswerActivities, 0);

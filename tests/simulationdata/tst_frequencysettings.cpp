@@ -183,14 +183,14 @@ void TestFrequencySettings::equality()
         const std::unique_ptr<IFrequencySettings> changed(a_original.clone());
         const bool bSame = a_original.equal(changed.get());
         a_change(dynamic_cast<T&>(*changed));
-        // A clone of the changed object shows the change in every answer.
+        // A clone of the changed object gives the same activities.
         const std::unique_ptr<IFrequencySettings> clone(changed->clone());
         return bSame && !a_original.equal(changed.get()) && !changed->equal(&a_original) &&
                text(clone->calculateHRActivities(250, 500, 1e5)) ==
                    text(changed->calculateHRActivities(250, 500, 1e5));
     };
     const FrequencySettingsFixed fixed;
-    QVERIFY(!sees(fixed, [](auto& a_s) { a_s.setCenterFrequency(25'000'000.9); })); // the same float
+    QVERIFY(!sees(fixed, [](auto& a_s) { a_s.setCenterFrequency(25'000'000.9); })); // equal as a float
     QVERIFY(sees(fixed, [](auto& a_s) { a_s.setCenterFrequency(25'000'004.0); }));
     QVERIFY(sees(fixed, [](auto& a_s) { a_s.setCenterFrequency(s_dNan); }));
     const Chirp chirp;
@@ -217,7 +217,7 @@ void TestFrequencySettings::equality()
 
 void TestFrequencySettings::randomOffsets()
 {
-    Crt::srand(1); // 41, 18467, 6334, 26500, 19169
+    Crt::srand(1); // sequence 41, 18467, 6334, 26500, 19169
     const Chirp chirp;
     QCOMPARE(chirp.getTimeslotOffset(), 0.41F);
     const FastHopper hopper;
@@ -227,7 +227,8 @@ void TestFrequencySettings::randomOffsets()
     QCOMPARE(dynamic_cast<Chirp&>(*clone).getTimeslotOffset(), 0.41F);
     QCOMPARE(Crt::rand(), 26500);
 
-    // Building the channel list restarts the sequence; a copied list does not.
+    // Building the channel list restarts the random sequence. A hopper with a copied
+    // list does not restart it.
     const auto next = [](const FastHopper& a_hopper) {
         Crt::srand(1);
         std::ignore = a_hopper.getFrequencyAt(0);
@@ -244,9 +245,10 @@ void TestFrequencySettings::chirpFrequency_data()
     QTest::addColumn<double>("expected");
     QTest::newRow("downward") << chirpOf(1000, 0, 1000) << 250U << 750.0;
     QTest::newRow("shifted") << chirpOf(0, 1000, 1000, 0.25F) << 750U << 500.0;
-    // The shifted time is 2^32 - 250 ms, 46 ms within a sweep.
+    // The shifted time is 2^32 - 250 ms, which is 46 ms after the start of a sweep.
     QTest::newRow("before the shift") << chirpOf(0, 1000, 1000, 0.25F) << 0U << double(46.0F / 1000.0F) * 1e3;
-    // The time is a multiple of 256 in single precision, 2^32 here.
+    // In single precision, times of this size are multiples of 256. The latest time
+    // becomes 2^32.
     QTest::newRow("latest time") << chirpOf(0, 1000, 1000) << s_uiMax << 0.0;
     QTest::newRow("no duration") << chirpOf(7, 1000, 0, 0.5F) << 10U << 7.0;
     QTest::newRow("offset not a number") << chirpOf(7, 9, 1000, float(s_dNan)) << 10U << 7.0;
@@ -293,7 +295,7 @@ void TestFrequencySettings::activities_data()
     QTest::newRow("hops at the end of time")
         << fast(4, 100, 0.0F) << s_uiMax - 4 << 99U << 1.0 << "4294967291+0@0 4294967291+5@0";
     const Maker slow([] { return new SlowHopper(slowHopper({{1.0, 2}, {2.0, 3}})); });
-    QTest::newRow("steps at the end of time") // 2^32 - 1 is a multiple of 5
+    QTest::newRow("steps at the end of time") // the period of 5 ms divides 2^32 - 1
         << slow << s_uiMax - 4 << s_uiMax << 1.0 << "4294967291+1@1 4294967292+3@2 4294967295+1@1";
     const Maker stops([] {
         return new SlowHopper(slowHopper({{1.0, 2}, {2.0, 3}}, EndBehaviourType::Stop));
@@ -312,7 +314,7 @@ void TestFrequencySettings::activities()
     QFETCH(unsigned int, start);
     QFETCH(unsigned int, length);
     QFETCH(double, resolution);
-    Limits::setValue(Limits::AnswerActivities, 100); // far above every row
+    Limits::setValue(Limits::AnswerActivities, 100); // more activities than any row has
     const std::unique_ptr<IFrequencySettings> settings(make());
     QTEST(text(settings->calculateHRActivities(start, length, resolution)), "expected");
 }
@@ -357,7 +359,7 @@ void TestFrequencySettings::channelOrder()
     hopper.setCenterFrequency(hopper.getCenterFrequency() + 100.0);
     QCOMPARE(hopper.getFrequencyAt(5), 100.0);
     hopper.setCenterFrequency(hopper.getCenterFrequency() - 100.0);
-    // Every setter comes after a query, which has built the list.
+    // Each setter is called after a query has built the list.
     QCOMPARE(order(hopper, 10), seed0);
     hopper.setHoppSet(1);
     QCOMPARE(order(hopper, 10), (QList<double>{4, 5, 0, 7, 6, 2, 3, 1}));
@@ -383,7 +385,8 @@ void TestFrequencySettings::tooManyChannels()
     QCOMPARE(text(hopper.calculateHRActivities(3, 40, 1.0)), QStringLiteral("3+40@0"));
 }
 
-/// Thousands of hoppers together may not exceed what a single one may not.
+/// The channels of all hoppers together are limited, however few channels each hopper
+/// has.
 void TestFrequencySettings::tooManyChannelsTogether()
 {
     Limits::setValue(Limits::AllHopChannels, 20);
@@ -391,7 +394,7 @@ void TestFrequencySettings::tooManyChannelsTogether()
     const FastHopper second = numberedHopper(8, 1000);
     const FastHopper third = numberedHopper(8, 1000);
     QVERIFY(pFirst->getFrequencyAt(1) > 0.0 && second.getFrequencyAt(1) > 0.0);
-    const auto pCopy = std::make_unique<FastHopper>(second); // shares the list
+    const auto pCopy = std::make_unique<FastHopper>(second); // shares the channel list
     QTest::ignoreMessage(QtWarningMsg,
                          QRegularExpression(QStringLiteral("all hoppers limit of 20 exceeded")));
     QCOMPARE(third.getFrequencyAt(1), 0.0);
@@ -424,7 +427,7 @@ void TestFrequencySettings::slowHopperEditing()
     hopper.insertStep(3);
     hopper.removeStep(0);
     hopper.setTime(0, 50);
-    hopper.setTime(2, 100); // not after the beginning of step 1
+    hopper.setTime(2, 100); // refused: not after the beginning of step 1
     QCOMPARE(table(), sBefore);
 
     hopper.setTime(1, 150);
@@ -451,7 +454,7 @@ void TestFrequencySettings::slowHopperKeepsLengthOverInsertAndRemove()
     hopper.setDuration(-1, 0); // resets the length although nothing changes
     QCOMPARE(hopper.activeUntil(), 200U);
     hopper.insertStep(-1);
-    hopper.setCenterFrequency(1.0); // every setter resets it
+    hopper.setCenterFrequency(1.0); // every setter resets the length
     QCOMPARE(hopper.activeUntil(), 300U);
     hopper.removeStep(3);
     hopper.setFrequencySteps(hopper.getFrequencySteps());
@@ -459,7 +462,8 @@ void TestFrequencySettings::slowHopperKeepsLengthOverInsertAndRemove()
     hopper.removeStep(2);
     hopper.removeStep(1);
     QCOMPARE(hopper.activeUntil(), 200U);
-    // The length is not 0, although the durations of the steps add up to 0.
+    // The former length applies, although the durations of the remaining steps add up
+    // to 0.
     QCOMPARE(text(hopper.calculateHRActivities(10, 20, 1.0)), QStringLiteral("10+20@1"));
     hopper.setEndBehavior(EndBehaviourType::Inactive);
     QVERIFY(!hopper.isActiveAt(1));
@@ -475,7 +479,7 @@ void TestFrequencySettings::slowHopperBeyond32Bits()
     hopper.setTime(3, s_uiMax);
     QCOMPARE(hopper.getDuration(2), 1U);
     QCOMPARE(text(hopper.calculateHRActivities(s_uiMax - 1, 5, 1.0)),
-             QStringLiteral("4294967294+2@1")); // step 0 ends the length, so it is the last
+             QStringLiteral("4294967294+2@1")); // step 0 fills the whole length; no step follows
 }
 
 void TestFrequencySettings::slowHopperMatchesWalk()
@@ -500,7 +504,8 @@ void TestFrequencySettings::slowHopperMatchesWalk()
                      walked.end != EndBehaviourType::Inactive || uiStart <= uiSum);
             QCOMPARE(text(hopper.calculateHRActivities(uiStart, uiLength, 1.0)),
                      text(walked.activities(uiStart, uiLength)));
-            // These keep the length that was just computed, so it no longer fits.
+            // These operations keep the length as computed before. It then no longer
+            // fits the steps.
             if (below(random, 2) == 0) {
                 const auto iRow =
                     static_cast<int>(below(random, static_cast<unsigned int>(walked.steps.size())));

@@ -103,7 +103,8 @@ void TestPDWFile::blocks()
     QVERIFY(TraceCollector::lines().isEmpty());
 }
 
-/// Without records, each write() and the closing of the file write one header.
+/// Without records, each call of write() writes one header. Closing the file writes one
+/// more.
 void TestPDWFile::emptyBlocks()
 {
     for (const bool bHeaders : {true, false}) {
@@ -146,8 +147,8 @@ void TestPDWFile::readsRecords()
     }
 }
 
-/// Reading from a writer and writing to a reader have no effect; the writer still
-/// writes and the reader still reads.
+/// Reading from a writer and writing to a reader have no effect. Afterwards the writer
+/// still writes and the reader still reads.
 void TestPDWFile::otherDirection()
 {
     CPackedPDW pulse;
@@ -190,7 +191,7 @@ void TestPDWFile::refused()
     QCOMPARE(content(), before);
 }
 
-/// A file that can be opened but not read at its beginning.
+/// A file that can be opened, but whose beginning cannot be read.
 void TestPDWFile::unreadable()
 {
     PDWFile file(QStringLiteral("/proc/self/mem"), false, false);
@@ -202,8 +203,9 @@ void TestPDWFile::unreadable()
     QCOMPARE(TraceCollector::lines().size(), 1);
 }
 
-/// There is space for one block and a part of the next, or for less than a header.
-/// The last two cases fail only when the file is closed.
+/// In the first two cases, one block and a part of the next fit into the file. In the
+/// last case, not even a header fits. The last two cases fail only when the file is
+/// closed.
 void TestPDWFile::fullDisk()
 {
     for (const auto& [iRoom, iRecords] : {std::pair{40000, 5000}, std::pair{40000, 1900}, std::pair{16, 1}}) {

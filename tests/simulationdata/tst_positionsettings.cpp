@@ -183,15 +183,17 @@ void TestPositionSettings::newMovement()
 
 void TestPositionSettings::timeLine()
 {
-    // A little slower than one degree in an hour, so that the time rounds down to it.
+    // The speed is slightly below one degree in an hour, so that the time is rounded
+    // down to one hour.
     const double dSpeed = s_dEquatorDegree * (1.0 - 1e-10);
-    // East for one hour after 1000 ms, there for 2000 ms, then back in half an hour.
+    // The path goes east for one hour from 1000 ms, dwells for 2000 ms, and returns in
+    // half an hour.
     Ptp settings =
         movement({wayPoint(0, 0, 9.0, 1000), wayPoint(1, 0, dSpeed, 2000), wayPoint(0, 0, 2 * dSpeed, 5000)});
     QVERIFY(isNear(settings.getPositionAt(901'000), {0.25, 0.0}));
     QVERIFY(isNear(settings.getPositionAt(3'601'000), {1.0, 0.0}));
     QCOMPARE(settings.headingAt(3'600'999), 90.0);
-    QCOMPARE(settings.headingAt(3'601'000), 270.0); // dwells, facing back
+    QCOMPARE(settings.headingAt(3'601'000), 270.0); // dwells and already heads back
     QCOMPARE(float(settings.speedAt(3'601'000)), float(s_dEquatorDegree));
     QVERIFY(isNear(settings.getPositionAt(5'403'000U + 901'000U), {0.25, 0.0}));
     QCOMPARE(settings.activeUntil(), s_uiMax);
@@ -222,7 +224,7 @@ void TestPositionSettings::whenItIsComputedMakesNoDifference()
     std::mt19937 random(815);
     for (int i = 0; i < 2000; ++i) {
         Ptp watched = movement(randomPath(random));
-        Ptp unwatched(watched); // not queried before the end
+        Ptp unwatched(watched); // queried only at the end
         for (int iEdit = 0; iEdit < 8; ++iEdit) {
             const unsigned int uiSeed = below(random, s_uiMax);
             randomEdit(watched, uiSeed);
@@ -321,7 +323,7 @@ void TestPositionSettings::edits()
     edit(settings);
     QTEST(text(settings, false), "expected");
 
-    // After any edit the times fit the points: no derived value is outdated.
+    // After each edit the times match the points, so no derived value is outdated.
     const Path& path = settings.getMovments();
     for (qsizetype i = 0; i + 1 < path.size(); ++i) {
         const double dLegs = std::fabs(path[i + 1].position.longitude - path[i].position.longitude);
@@ -338,7 +340,8 @@ void TestPositionSettings::ownPointsAsArguments()
     settings.setPoint(0, settings.getPoint(1));
     QCOMPARE(settings.getPoint(0).name, QStringLiteral("B"));
     settings.setMovements(settings.getMovments());
-    for (int i = 0; i < 20; ++i) { // grows the list while an argument refers to its element
+    // The list grows while an argument refers to one of its elements.
+    for (int i = 0; i < 20; ++i) {
         settings.insertRowAfter(0, 0.1,
                                 settings.getPoint(-1).name.isNull() ? settings.getPoint(1).name : QString());
         settings.insertRowsAfter(1, settings.getMovments().mid(0, 2));
@@ -366,7 +369,7 @@ void TestPositionSettings::ignoredRows()
     }
     settings.setMovementSpeed(0, 99.0F);
     settings.setArivalTime(0, 99999);
-    settings.setArivalTime(2, settings.getDepartureTime(1) - 1); // no speed is high enough
+    settings.setArivalTime(2, settings.getDepartureTime(1) - 1); // an arrival before the departure is refused
     settings.insertArcAfter(1, 0, 90, 100.0);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("2147483647 points")));
     settings.insertArcAfter(1, std::numeric_limits<int>::max(), 90, 100.0);
@@ -400,13 +403,14 @@ void TestPositionSettings::arrivalAndDeparture()
 
     settings.setArivalTime(1, 1000 + 3'600'000); // one degree in one hour
     QCOMPARE(settings.getPoint(1).speed, double(float(s_dEquatorDegree)));
-    // Two degrees from the way point before, in an hour since the intermediate point.
-    settings.setArivalTime(3, settings.getDepartureTime(2)); // at once
+    // The path from the former way point is two degrees long. The hour counts from the
+    // intermediate point.
+    settings.setArivalTime(3, settings.getDepartureTime(2)); // arrives at once
     QCOMPARE(settings.getArivalTime(3), settings.getDepartureTime(2));
     settings.setArivalTime(3, settings.getDepartureTime(2) + 3'600'000);
     QVERIFY(std::fabs(settings.getPoint(3).speed - 2.0 * s_dEquatorDegree) < 0.001);
 
-    settings.setMovementSpeed(3, -1.0F); // both legs without time
+    settings.setMovementSpeed(3, -1.0F); // both legs take no time
     QCOMPARE(settings.getMovementSpeed(3), -1.0F);
     QCOMPARE(settings.getArivalTime(3), settings.getDepartureTime(1));
 }
@@ -419,7 +423,7 @@ void TestPositionSettings::arc()
         double east, north; ///< metres from the beginning to the end of the arc
     };
     const double dPart = 1000.0 * std::sin(3.14159265358979323846 / 4.0);
-    // The path runs north to row 1; the first point has no direction and counts as
+    // The path runs north to row 1. The first point has no direction and counts as
     // heading north.
     for (const Arc& arc : {Arc{1, 9, 90, 1000.0, 1000.0}, Arc{1, 7, -180, -2000.0, 0.0},
                            Arc{0, 2, 90, 1000.0, 1000.0}, Arc{1, 500, 3600 + 45, 1000.0 - dPart, dPart},
@@ -428,8 +432,8 @@ void TestPositionSettings::arc()
         const TPos start = settings.getPoint(arc.row).position;
         settings.insertArcAfter(arc.row, arc.count, arc.angle, 1000.0);
         QCOMPARE(settings.getMovments().size(), 3 + arc.count);
-        // The arc starts in the direction of the path, except for the convergence of
-        // the meridians over the radius.
+        // The arc begins at the point of the row, in the direction of the path. The
+        // direction deviates only by the convergence of the meridians over the radius.
         QVERIFY(distance(settings.getPoint(arc.row + 1).position, start) < 1e-5);
         const TPos last = settings.getPoint(arc.row + arc.count).position;
         QVERIFY(std::fabs((last.longitude - start.longitude) * s_dEquatorDegree * 1000.0 - arc.east) < 0.1);

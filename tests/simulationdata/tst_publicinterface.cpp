@@ -53,10 +53,10 @@ static_assert(!std::is_copy_constructible_v<ScenarioNetwork> &&
               !std::is_copy_constructible_v<ScenarioDataXml>);
 static_assert(std::is_base_of_v<SzenarioEmitter, ElintScenarioEmitter>);
 
-/// Calls every operation of the values, settings and documents once: an operation
-/// that is renamed or not exported breaks the build. Other tests check the
-/// behaviour. The tests of stores, cache, data files and protocol call all
-/// operations of those classes.
+/// Calls every operation of the values, settings and documents once. If an operation is
+/// renamed or not exported, the build breaks. Other tests check the behaviour. The
+/// operations of stores, cache, data files and protocol are called by the tests of
+/// those classes.
 class TestPublicInterface : public QObject
 {
     Q_OBJECT

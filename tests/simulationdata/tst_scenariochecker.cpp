@@ -154,9 +154,9 @@ void TestScenarioChecker::packages()
     QCOMPARE(checker.findings().size(), after == ids ? texts.size() : 0);
 }
 
-/// Objects that break every rule: network members, emitters that are linked in a
-/// circle, and an emission that two networks of the same id and name share. Every
-/// run lists the same findings, whatever the order of the set.
+/// Objects that break every rule. Among them are network members, emitters linked in a
+/// circle, and an emission shared by two networks of the same id and name. Every run
+/// lists the same findings, whatever the order of the set.
 void TestScenarioChecker::objects()
 {
     const QStringList expected{u"a A invalid-signal-package: 1 emission"_s,

@@ -46,8 +46,9 @@ QByteArray record(const QByteArray& a_id, const QByteArray& a_link, const QByteA
     return text(a_id) + text(a_name) + text("d") + '\1' + a_cDefault + text(a_link) + text("c");
 }
 
-/// The emitters of a text such as "a>b b c>x": a is linked to b, c to an emitter that
-/// is not in the list. The other fields are those of record().
+/// Creates emitters from a text such as "a>b b c>x". Here a is linked to b, and c is
+/// linked to an emitter that is not in the list. The other fields are those of
+/// record().
 QSet<EmitterPtr> emittersOf(const QString& a_sText)
 {
     static const auto s_outside = std::make_shared<SzenarioEmitter>(QStringLiteral("x"), QString());
@@ -66,7 +67,7 @@ QSet<EmitterPtr> emittersOf(const QString& a_sText)
     return {emitters.cbegin(), emitters.cend()};
 }
 
-/// The stream of such a text, with the records in the order of the text.
+/// The stream for a text as in emittersOf(). The records are in the order of the text.
 QByteArray streamOf(const QString& a_sText)
 {
     const QStringList words = a_sText.split(u' ');
@@ -94,8 +95,8 @@ QString linksOf(const ScenarioDataBinary& a_scenario)
     return words.join(u' ');
 }
 
-/// Returns the head and then zeros without end; records the largest size that one
-/// read requests.
+/// A device that returns the head and then zeros without end. It records the largest
+/// size that a read requests.
 class EndlessDevice : public QIODevice
 {
 public:
@@ -233,7 +234,7 @@ void TestScenarioDataBinary::writesInLinkOrder()
     QFETCH(QString, order);
     QFETCH(QString, lost);
 
-    for (int iRun = 0; iRun < 8; ++iRun) { // new objects, so another order of the set
+    for (int iRun = 0; iRun < 8; ++iRun) { // new objects change the order of the set
         ScenarioDataBinary scenario(nullptr);
         scenario.setScenarioEmitter(emittersOf(order));
         QCOMPARE(scenario.toBinary().toHex(), streamOf(order).toHex());
@@ -395,7 +396,7 @@ void TestScenarioDataBinary::asksForLittle()
     };
     check(number(1) + number(0x7FFFFFFE), iMebi);
     check(number(0x7FFFFFFF), iMebi / 16); // endless small records
-    // The claimed size is within the limit, but must not be requested at once.
+    // The claimed size is within the limit. One read must not request all of it.
     check(number(1) + number(16 * iMebi) + text("x"), 16 * iMebi + 10);
 }
 
@@ -477,7 +478,7 @@ void TestScenarioDataBinary::longChain()
     constexpr int iCount = 20'000; // a recursion over the links would overflow the stack
     QSet<EmitterPtr> emitters;
     EmitterPtr target;
-    for (int i = iCount; i > 0; --i) { // the smallest id is linked through all others
+    for (int i = iCount; i > 0; --i) { // the chain starts at the smallest id
         const auto emitter = std::make_shared<SzenarioEmitter>(QString::number(iCount + i), QString());
         emitter->setLinkTargetEmitter(target);
         emitters.insert(emitter);

@@ -557,8 +557,8 @@ void TestScenarioDataXml::texts_data()
     kept("line separators", QStringLiteral("\u0085\u2028\u00A0"));
 }
 
-/// Every text of the model, attribute or element, is read back as it was, without
-/// the characters that XML forbids.
+/// Every text of the model is read back as it was written, except for the characters
+/// that XML forbids. This applies to attributes and elements.
 void TestScenarioDataXml::texts()
 {
     QFETCH(QString, text);
@@ -601,7 +601,7 @@ void TestScenarioDataXml::texts()
             texts << elint->getClass() << elint->getEDWFile()
                   << elint->getTranmitterSettings()->getAntennaType()
                   << dynamic_cast<PositionSettingsPtp*>(elint->positionSettings())->getPoint(1).name
-                  << elint->emissionSettings()->groups().constFirst()->name // the schedule is the network's
+                  << elint->emissionSettings()->groups().constFirst()->name // in the schedule of the network
                   << elint->signalPackageAt(1)->id();
         }
     }

@@ -273,8 +273,8 @@ void TestScenarioDataXmlRobustness::cutAtEveryByte()
     }
 }
 
-/// With one wrong byte anywhere, reading succeeds or fails, but does not crash, hang
-/// or leak.
+/// If any single byte is wrong, reading succeeds or fails. It does not crash, hang or
+/// leak.
 void TestScenarioDataXmlRobustness::changedAtEveryByte()
 {
     UnresolvedSignalPackageProvider provider;
@@ -359,7 +359,7 @@ void TestScenarioDataXmlRobustness::hostile_data()
         2);
 }
 
-/// All queries for a time return valid results for objects of such documents.
+/// All queries for a time return valid results, even for objects of hostile documents.
 void TestScenarioDataXmlRobustness::hostile()
 {
     QFETCH(QByteArray, xml);
@@ -417,14 +417,14 @@ void TestScenarioDataXmlRobustness::devices()
     QVERIFY(!document.fromXml(static_cast<QIODevice*>(nullptr)));
     QVERIFY(!document.errorString().isEmpty());
     QBuffer buffer;
-    QVERIFY(!document.fromXml(&buffer)); // not open
+    QVERIFY(!document.fromXml(&buffer)); // the buffer is not open
     document.toXml(static_cast<QIODevice*>(nullptr));
     buffer.setData("skipped" + s_circles);
     QVERIFY(buffer.open(QIODevice::ReadOnly));
     buffer.seek(7);
     QVERIFY(document.fromXml(&buffer));
     QCOMPARE(document.getName(), QStringLiteral("Circles"));
-    document.toXml(&buffer); // not writable: traces an error
+    document.toXml(&buffer); // the buffer is not writable, so an error is traced
     QBuffer target;
     QVERIFY(target.open(QIODevice::WriteOnly));
     document.toXml(&target);
@@ -454,8 +454,8 @@ void TestScenarioDataXmlRobustness::files()
     Limits::setValue(Limits::DocumentBytes, 0);
 }
 
-/// Saving neither replaces a pipe, which other programs may use, nor waits for its
-/// reader.
+/// A pipe is not replaced by a file, because other programs may use it. Saving does not
+/// wait for the pipe's reader.
 void TestScenarioDataXmlRobustness::neverOverAPipe()
 {
     QTemporaryDir folder;
@@ -468,7 +468,7 @@ void TestScenarioDataXmlRobustness::neverOverAPipe()
 
 void TestScenarioDataXmlRobustness::neverAHalfFile_data()
 {
-    QTest::addColumn<int>("size"); // of the description, characters
+    QTest::addColumn<int>("size"); // length of the description, characters
     QTest::addColumn<int>("room"); // largest file size, bytes
 
     QTest::newRow("large document") << (1 << 20) << (1 << 16);
@@ -591,7 +591,7 @@ void TestScenarioDataXmlRobustness::keptSchedule()
     own.clearAll();
     QCOMPARE(a->emissionSettings()->emissions().size(), 2);
     ScenarioDataXml last(nullptr);
-    last.setScenarioObjects({a, b}); // its destructor releases them
+    last.setScenarioObjects({a, b}); // the document's destructor releases the objects
     a.reset();
     b.reset();
     QCOMPARE(watch.alive(), 2);
@@ -671,16 +671,15 @@ void TestScenarioDataXmlRobustness::tooManyObjects()
     QVERIFY(sError.endsWith(QStringLiteral("objects of one scenario limit of 3 exceeded")));
     QCOMPARE(document.scenarioObjects().size(), 3);
     QCOMPARE(findEmitter(document, "a")->name(), QStringLiteral("A"));
-    QVERIFY(!findEmitter(document, "a")->isLinked()); // its target would exceed the limit
+    QVERIFY(!findEmitter(document, "a")->isLinked()); // its link target would exceed the limit
     Limits::setValue(Limits::ScenarioObjects, 1);
     QVERIFY(document.fromXml("<Scenario><Emitter ID='a' LinkTarget='x'/></Scenario>"));
     QCOMPARE(document.errorString(), QStringLiteral("objects of one scenario limit of 1 exceeded"));
     Limits::setValue(Limits::ScenarioObjects, 0);
 }
 
-/// A linked emitter is written with the path that it follows, so a small document
-/// can be saved as a large one. A document above the limit must not replace the
-/// small file.
+/// A linked emitter is written with the path of its target, so a small document can
+/// become a large file. A document above the limit must not replace the small file.
 void TestScenarioDataXmlRobustness::tooLargeToSave()
 {
     QByteArray xml = "<Scenario><Emitter ID='path'><Position><Movement>" +
@@ -716,7 +715,7 @@ void TestScenarioDataXmlRobustness::tooLargeToSave()
 
 void TestScenarioDataXmlRobustness::sharedIds_data()
 {
-    QTest::addColumn<QString>("objects"); // each a letter for the class, and an id
+    QTest::addColumn<QString>("objects"); // for each object, a letter for its class and its id
     QTest::addColumn<QString>("expected");
     QTest::addColumn<int>("readBack"); // number of objects
 
@@ -734,8 +733,8 @@ void TestScenarioDataXmlRobustness::sharedIds_data()
                           << 5;
 }
 
-/// Emitters that share an id are all written, but read as one emitter: saving reports
-/// them.
+/// Emitters that share an id are all written, but they are read as one emitter. Saving
+/// reports such ids.
 void TestScenarioDataXmlRobustness::sharedIds()
 {
     QFETCH(QString, objects);
@@ -772,7 +771,7 @@ void TestScenarioDataXmlRobustness::sharedIds()
     QTEST(static_cast<int>(document.scenarioObjects().size()), "readBack");
     QCOMPARE(document.mergedIds().isEmpty(), expected.isEmpty());
     document.setScenarioObjects({std::make_shared<SzenarioEmitter>(QStringLiteral("a"), QString())});
-    QVERIFY(document.mergedIds().isEmpty()); // merged ids are those of the former objects
+    QVERIFY(document.mergedIds().isEmpty()); // the merged ids belonged to the former objects
 }
 
 /// No element refers to a network by its id, so a network may share its id with
@@ -799,7 +798,7 @@ void TestScenarioDataXmlRobustness::networksOfOneId()
                                    QStringLiteral("b")}));
 }
 
-/// A repeated schedule element replaces the former one: adding up all of them would
+/// A repeated schedule element replaces the former one. Adding up all of them would
 /// take quadratic time.
 void TestScenarioDataXmlRobustness::scheduleAgain()
 {
@@ -818,8 +817,8 @@ void TestScenarioDataXmlRobustness::scheduleAgain()
     QCOMPARE(findEmitter(document, "m")->emissionSettings()->emissions().size(), 1);
 }
 
-/// An entity that an external document type may define is read as an empty text. The
-/// rest of the document is read.
+/// An external document type may define entities. Such an entity is read as an empty
+/// text, and the rest of the document is read.
 void TestScenarioDataXmlRobustness::foreignEntity()
 {
     ScenarioDataXml document(nullptr);

@@ -61,7 +61,7 @@ IPositionSettings* endingMovement()
     return pSettings;
 }
 
-/// Whether one query answers as the three queries for the parts do.
+/// Whether transmissionAt() gives the same results as the three queries for its parts.
 bool isTransmissionWhole(const SzenarioEmitter& a_emitter, unsigned int a_uiTime)
 {
     const SzenarioEmitter::Transmission whole = a_emitter.transmissionAt(a_uiTime);
@@ -179,8 +179,8 @@ void TestScenarioObjects::copies()
     const auto elint = std::make_shared<ElintScenarioEmitter>(QStringLiteral("x"), QString());
     elint->SetEDWFile(QStringLiteral("edw"));
     elint->copy(source);
-    // The constructor keeps its own id and name and does not copy the active flag,
-    // but it copies the visibility.
+    // The constructor uses its own id and name. It copies the visibility, but not the
+    // active flag.
     const SzenarioEmitter constructed(QStringLiteral("c"), QStringLiteral("C"), source);
     QVERIFY(constructed.isVisibleOnMap() && constructed.isVisibleOnTimeline());
     QVERIFY(!clone->isVisibleOnMap() && !clone->isVisibleOnTimeline());
@@ -206,7 +206,8 @@ void TestScenarioObjects::copyBesides()
     const auto clone = std::static_pointer_cast<SzenarioEmitter>(source->clone());
     const SzenarioEmitter constructed(QStringLiteral("c"), QString(), source);
     QVERIFY(clone->linkTargetEmitter() == target && constructed.linkTargetEmitter() == target);
-    // From an object of another class it copies only what all objects have.
+    // From an object of another class, copy() takes only the fields that all objects
+    // have.
     source->setClass(QStringLiteral("kept"));
     const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("n"));
     source->copy(network);
@@ -214,7 +215,7 @@ void TestScenarioObjects::copyBesides()
     network->addEmitter(target);
     network->copy(target);
     QVERIFY(network->id() == u"target" && network->containsEmitter(target));
-    // A follower that copies its link target must not hold itself.
+    // After a follower has copied its link target, it does not hold itself.
     source->copy(target);
     QVERIFY(source->linkedEmitter().isEmpty());
     source->copy(source);
@@ -260,9 +261,9 @@ void TestScenarioObjects::networkCopies()
     QCOMPARE(ScenarioNetwork(QStringLiteral("other"), source).emitterList(), (QList{second, first}));
 }
 
-/// A clone shares the groups of its source. When one of the two loses a member that
-/// these groups name, it gets groups of its own, and the other one keeps the shared
-/// groups unchanged.
+/// A clone shares the groups of its source. When one of them loses a member whose
+/// emissions are in these groups, it gets its own groups. The other one keeps the
+/// shared groups unchanged.
 void TestScenarioObjects::clonedGroups()
 {
     for (const bool bFromClone : {true, false}) {
@@ -281,7 +282,7 @@ void TestScenarioObjects::clonedGroups()
         inner->name = QStringLiteral("inner");
         inner->emissions = pSchedule->emissions();
         outer->groups = {inner, outer};                          // a circle
-        outer->emissions = {pSchedule->emissions().constLast()}; // of the member to be removed
+        outer->emissions = {pSchedule->emissions().constLast()}; // the emission of "gone"
         pSchedule->addGroup(inner);
         pSchedule->addGroup(outer);
         for (const EmitterPtr& member : {silent, loose}) {
@@ -293,7 +294,8 @@ void TestScenarioObjects::clonedGroups()
         QCOMPARE(clone->emissionSettings()->groups(), pSchedule->groups());
         const auto& loser = bFromClone ? clone : source;
         const auto& keeper = bFromClone ? source : clone;
-        // Groups that lose no member stay the objects that an editor holds.
+        // A group that loses no member remains the same object, which an editor may
+        // hold.
         QVERIFY(loser->removeEmitter(silent) && loser->removeEmitter(loose));
         QCOMPARE(loser->emissionSettings()->emissions().size(), 2);
         QCOMPARE(loser->emissionSettings()->groups(), (QList{inner, outer}));
@@ -304,11 +306,11 @@ void TestScenarioObjects::clonedGroups()
         const auto left = loser->emissionSettings()->groups();
         QVERIFY(left.size() == 2 && left[0]->name == u"inner" && left[0]->emissions.size() == 1);
         QVERIFY(left[1]->groups == left && left[1]->emissions.isEmpty());
-        // Once parted, the groups stay the same objects.
+        // After the groups were separated, they remain the same objects.
         QVERIFY(loser->removeEmitter(stays) && keeper->removeEmitter(stays));
         QVERIFY(left[0]->emissions.isEmpty() && inner->emissions.size() == 1);
-        // A destroyed schedule frees a circle of groups unless another object holds
-        // it, as this function does.
+        // A destroyed schedule frees a circle of groups only if no other object holds
+        // it. This function holds it.
         outer->groups.clear();
     }
 }
@@ -321,7 +323,7 @@ void TestScenarioObjects::membership()
     const EmitterPtr c = emitter(QStringLiteral("c"));
     QVERIFY(network->addEmitter(a) && network->addEmitter(b));
     QVERIFY(!network->addEmitter(a));
-    QVERIFY(!a->hasNetwork()); // the caller sets the side of the member
+    QVERIFY(!a->hasNetwork()); // the caller sets the member's network
     network->setHeadEmitter(b);
     QCOMPARE(network->emitterList(), (QList{b, a}));
     network->setHeadEmitter(c);
@@ -347,7 +349,7 @@ void TestScenarioObjects::followsNetwork()
     member->setScenarioNetwork(network);
     QCOMPARE(member->emissionSettings(), network->emissionSettings());
     QCOMPARE(member->getFrequencyAt(0), 99e6);
-    // The network is not kept alive by its members.
+    // The members do not keep the network alive.
     network.reset();
     QVERIFY(!member->hasNetwork());
     QCOMPARE(member->emissionSettings(), pOwn);
@@ -410,10 +412,11 @@ void TestScenarioObjects::affected()
     link(a, c); // a circle
     QCOMPARE(a->affectedLinkedEmitter(), (QSet{b, c, d}));
     QCOMPARE(c->affectedLinkedEmitter(), (QSet{a, b, d}));
-    c->removeLinkedEmitter(a); // linked emitters are held strongly: the owner unlinks them
+    // Linked emitters hold each other, so their owner unlinks them.
+    c->removeLinkedEmitter(a);
 }
 
-/// Neither queries nor destruction may recurse along a chain of links.
+/// Queries and destruction must not recurse along a chain of links.
 void TestScenarioObjects::longChain()
 {
     constexpr int iLength = 200'000; // 100 times the depth that the stack allows
@@ -439,7 +442,7 @@ void TestScenarioObjects::active_data()
 {
     QTest::addColumn<EmitterChange>("change");
     QTest::addColumn<bool>("inNetwork");
-    QTest::addColumn<bool>("active"); // at 500 ms, with an emission of its own at (0, 1000]
+    QTest::addColumn<bool>("active"); // at 500 ms; the emitter's own emission is (0, 1000] ms
     const auto row = [](const char* a_szName, bool a_bAlone, bool a_bMember, const EmitterChange& a_change) {
         QTest::addRow("%s, alone", a_szName) << a_change << false << a_bAlone;
         QTest::addRow("%s, in a network", a_szName) << a_change << true << a_bMember;
@@ -453,7 +456,7 @@ void TestScenarioObjects::active_data()
     row("emission of nobody", true, false, [](SzenarioEmitter& a_emitter) {
         a_emitter.emissionSettings()->emissions().constFirst()->emitter.reset();
     });
-    // The network's frequency applies to its members.
+    // A member uses the network's frequency, so it stays active.
     row("frequency over", false, true, [](SzenarioEmitter& a_emitter) {
         auto* pHopper = static_cast<FrequencySettings_SlowHopper*>(endingFrequency());
         pHopper->setFrequencySteps({{25e6, 400}});

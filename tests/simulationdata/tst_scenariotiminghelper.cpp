@@ -60,8 +60,8 @@ void TestScenarioTimingHelper::arithmetic()
     setNow(s_uiStart + 2000);
     QCOMPARE(timing.scenarioTime(), 1U);
 
-    // Across the end of a millisecond: only one of the two functions cuts both
-    // timestamps there.
+    // The time spans the end of a millisecond. Only one of the two functions truncates
+    // both timestamps to milliseconds.
     timing.startScenarioTime(s_uiStart, 0);
     setNow(s_uiStart + 100);
     QCOMPARE(timing.scenarioTime(), 0U);

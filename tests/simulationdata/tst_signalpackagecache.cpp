@@ -39,7 +39,7 @@ namespace {
 
 const QString s_sDefaultId = QStringLiteral("c0d40372-37c8-4ad4-9fb1-97bfc477769c");
 constexpr const char* s_szLock = "simulationdata.lock";
-constexpr qsizetype s_iPreparedFiles = 4;           ///< those of the built-in package and the lock
+constexpr qsizetype s_iPreparedFiles = 4;           ///< files of the built-in package, and the lock file
 constexpr std::uint32_t s_uiNewest = 2'000'000'000; ///< later than the built-in packages
 
 QString u8(const char* a_szText)
@@ -101,11 +101,10 @@ private:
     QTemporaryDir m_dir;
 };
 
-/// Starts this program as another process that fills the cache folder, with files of
-/// at most a_iMaxBytes (0 = without limit). A larger file kills the process in the
-/// middle of a write; if the process shall survive, the write fails as on a full
-/// disk. It prints the number of packages that it could not copy and the first
-/// reason.
+/// Starts this program as another process that fills the cache folder. Its files may
+/// have at most a_iMaxBytes (0 = without limit). A larger file kills the process during
+/// a write. With a_bSurvive the write fails as on a full disk instead. The process
+/// prints the number of packages that it could not copy, and the first reason.
 std::unique_ptr<QProcess> startFilling(const Folders& a_folders, qint64 a_iMaxBytes, bool a_bSurvive)
 {
     auto process = std::make_unique<QProcess>();
@@ -213,7 +212,7 @@ void TestSignalPackageCache::defaultPackage()
     QCOMPARE(cache.audioFile(package)->length(), 2999U);
     QVERIFY(cache.symbolDataFile(package) == nullptr);
 
-    // Files as an older program left them.
+    // Simulates the files that an older program left.
     write(folders.cache() + u'/' + s_sDefaultId + u8(".ssf"), "copy");
     const QByteArray shape = contents(folders.cached("Signal.ssf"));
     write(folders.cached("Signal.ssf"), "older");
@@ -283,8 +282,8 @@ void TestSignalPackageCache::supersededIds()
     }
 }
 
-// A package can take neither the id of a newer package nor the names of the files of
-// the default package.
+// A package can take neither the id of a newer package nor the file names of the
+// default package.
 void TestSignalPackageCache::usurpers()
 {
     const Folders folders;
@@ -396,8 +395,8 @@ void TestSignalPackageCache::packageDurations_data()
     QTest::newRow("record from before the package changed") << false << true;
 }
 
-/// The reader uses the duration of the package in the cache folder, whichever package
-/// object requests it first.
+/// The reader uses the duration of the package in the cache folder. It does not matter
+/// which package object requests the reader first.
 void TestSignalPackageCache::packageDurations()
 {
     QFETCH(bool, bare);
@@ -486,7 +485,7 @@ void TestSignalPackageCache::checkedPlainPackage()
 void TestSignalPackageCache::builtInGivesWay_data()
 {
     QTest::addColumn<QString>("id");  // requested from the cache
-    QTest::addColumn<QString>("own"); // of the user's package
+    QTest::addColumn<QString>("own"); // id of the user's package
     QTest::addColumn<quint32>("timestamp");
 
     QTest::addColumn<bool>("later"); // whether the user adds it after the first update
@@ -505,8 +504,9 @@ void TestSignalPackageCache::builtInGivesWay_data()
     }
 }
 
-/// A user's package takes precedence over a built-in package, and over the copy of it
-/// that the program unpacks into the repository; also in later runs.
+/// A user's package takes precedence over a built-in package. It also takes precedence
+/// over the copy of the built-in package in the repository. Both also apply in later
+/// runs.
 void TestSignalPackageCache::builtInGivesWay()
 {
     QFETCH(QString, id);
@@ -534,9 +534,10 @@ void TestSignalPackageCache::builtInGivesWay()
             QCOMPARE(package->id(), own);
             QCOMPARE(package->duration(), 10'000U);
             QCOMPARE(contents(folders.cached(qPrintable(own + u8(".ssf")))), QByteArray("mine"));
-            QVERIFY(!package->hasAudioContent());                 // the built-in package has
+            QVERIFY(!package->hasAudioContent());                 // unlike the built-in package
             QVERIFY(!pCache->signalShapeFile(package)->isOpen()); // "mine" is not a valid shape file
-            // An unknown id gives the default package: the user's if it has the default id.
+            // For an unknown id the cache returns the default package. This is the
+            // user's package if it has the default id.
             const auto fallback = pCache->signalPackage(u8("unknown"));
             QCOMPARE(fallback, pCache->defaultSignalPackage());
             QCOMPARE(fallback->id(), s_sDefaultId);
@@ -551,8 +552,8 @@ void TestSignalPackageCache::builtInGivesWay()
     QCOMPARE(folders.cachedNames().size(), s_iPreparedFiles);
 }
 
-/// If the files of the built-in package cannot be removed, the files of the two
-/// packages are not mixed, and the next update tries again.
+/// If the files of the built-in package cannot be removed, they are not mixed with the
+/// files of the user's package. The next update tries again.
 void TestSignalPackageCache::builtInThatCannotGiveWay()
 {
     const Folders folders;
@@ -688,8 +689,8 @@ void TestSignalPackageCache::clearsOnlyItsOwn()
     QVERIFY(cache.signalShapeFile(cache.defaultSignalPackage())->isOpen());
 }
 
-// Data that could not be removed must be replaced later, or they would be used for
-// the changed package.
+// Old data that could not be removed must be replaced later. Otherwise they would be
+// used for the changed package.
 void TestSignalPackageCache::cannotClear()
 {
     const Folders folders;
@@ -813,7 +814,7 @@ void TestSignalPackageCache::fullDisk()
     const auto process = startFilling(folders, 300'000, true);
     QVERIFY(process->waitForFinished());
     QCOMPARE(process->exitStatus(), QProcess::NormalExit);
-    // A package counts once, however many of its files are missing.
+    // A package counts once, even if several of its files are missing.
     QCOMPARE(QString::fromUtf8(process->readAllStandardOutput())
                  .replace(folders.cache(), u8("C"))
                  .section(u' ', 0, 1),

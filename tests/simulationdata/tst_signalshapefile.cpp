@@ -53,9 +53,9 @@ struct Header
     }
 };
 
-/// A record with a number, counted from 1: its first value and one level are the
-/// number, the other level is the negative number. The first level is the positive
-/// one in records with an even number.
+/// A record with a number, counted from 1. Its first value and one level are the
+/// number, and the other level is the negative number. In records with an even number,
+/// the first level is positive.
 QByteArray record(quint64 a_uiNumber, quint32 a_uiPoints)
 {
     const auto fNumber = static_cast<float>(a_uiNumber);
@@ -217,7 +217,8 @@ void TestSignalShapeFile::truncated()
         file.readSpectrum(0);
         file.readSpectrum(100);
         QCOMPARE(file.spectrum().size(), 2U);
-        // The levels of the second record, or those of the first if these are cut off.
+        // The levels are those of the second record. If they are cut off, the levels of
+        // the first record remain.
         const float fRecord = i >= 35 + 24 + 16 ? 2.0F : i >= 35 + 16 ? 1.0F : 0.0F;
         QCOMPARE(file.signalLevelInSpectrum(), fRecord);
     }
@@ -277,7 +278,8 @@ void TestSignalShapeFile::changesAndOpensAgain()
     QCOMPARE(file.spectrum().front(), 8.0F);
     QVERIFY(file.open());
     QCOMPARE(file.signalLevelInSpectrum(), 0.0F);
-    file.readSpectrum(0); // must read it again, although it was the last record before close()
+    // The record must be read again, although it was the last record before close().
+    file.readSpectrum(0);
     QCOMPARE(file.signalLevelInSpectrum(), 1.0F);
 }
 

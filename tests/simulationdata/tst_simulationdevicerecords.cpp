@@ -83,8 +83,8 @@ void TestSimulationDeviceRecords::incompleteConfiguration()
         QCOMPARE(device.toXml(), s_document);
         SimulationDeviceConfiguration fresh;
         QVERIFY(!fresh.fromXml(document));
-        // At most one line differs: a missing station name makes no difference, because
-        // it is empty.
+        // At most one line differs. A document without the station name gives no
+        // difference, because the name is empty.
         int iDifferent = 0;
         for (const QByteArray& line : fresh.toXml().split('\n')) {
             iDifferent += lines.contains(line) ? 0 : 1;
@@ -118,7 +118,7 @@ void TestSimulationDeviceRecords::states()
     };
     SimulationDeviceState state;
     QCOMPARE(state.toXml(), document("0"));
-    for (const char* const szText : {"3", "77", "-1"}) { // values that newer peers may send are kept
+    for (const char* const szText : {"3", "77", "-1"}) { // values of newer peers are kept
         QVERIFY(state.fromXml(document(szText)));
         QCOMPARE(state.toXml(), document(szText));
     }
@@ -143,8 +143,8 @@ void TestSimulationDeviceRecords::messages_data()
     QTest::newRow("cut in a character") << sShorter + sWide << sShorter;
 }
 
-/// The message is written after the state, is cut at its maximum length, and is reset
-/// by the next record without a message.
+/// The message is written after the state and is cut at its maximum length. The next
+/// record without a message resets it.
 void TestSimulationDeviceRecords::messages()
 {
     QFETCH(const QString, text);

@@ -18,7 +18,7 @@ using namespace Simulation;
 namespace {
 
 constexpr int s_iCommands = 17;
-constexpr int s_iQuietTime = 20; // ms, in which an unwanted event would arrive
+constexpr int s_iQuietTime = 20; // ms; an unwanted event would arrive in this time
 constexpr const char* s_szSource = " (simulation/simulationdata/simulationservicecommunication)";
 
 using Send = std::function<void(SimulationServiceCommunication&)>;
@@ -38,7 +38,7 @@ SimulationDeviceState loadedState()
     return state;
 }
 
-/// The document of device(), escaped as text of another document.
+/// The document of device(), escaped so that another document can contain it as text.
 QByteArray escapedDevice(const char* a_szId)
 {
     return QByteArray("&lt;Simulation::SimulationDeviceConfiguration&gt;\n    &lt;Id&gt;")
@@ -101,7 +101,7 @@ public:
         }
     }
 
-    /// In the order in which the signals are declared, not emitted.
+    /// The entries are in the order in which the signals are declared, not emitted.
     [[nodiscard]] QStringList entries() const
     {
         QStringList entries;
@@ -147,7 +147,7 @@ struct Wire
     QTcpServer server;
     std::unique_ptr<QTcpSocket> near = std::make_unique<QTcpSocket>();
     std::unique_ptr<SimulationServiceCommunication> communication;
-    QTcpSocket* far = nullptr; ///< the server's
+    QTcpSocket* far = nullptr; ///< the server's socket
 };
 
 } // namespace
@@ -322,7 +322,7 @@ void TestSimulationServiceCommunication::commands()
 void TestSimulationServiceCommunication::refused_data()
 {
     QTest::addColumn<QByteArray>("document");
-    QTest::addColumn<QString>("trace"); // progress for a command, an error for another root
+    QTest::addColumn<QString>("trace"); // progress for a command, an error for another root element
 
     const auto incomplete = [](const QByteArray& a_command, const char* a_szTag) {
         QTest::newRow(a_command.constData())
@@ -350,7 +350,8 @@ void TestSimulationServiceCommunication::refused_data()
                                   << QStringLiteral("Invalid xml: Commands");
 }
 
-/// No signal is emitted, one line is traced, and the next command is received.
+/// A refused document emits no signal and traces one line. The next command is
+/// received.
 void TestSimulationServiceCommunication::refused()
 {
     QFETCH(QByteArray, document);
@@ -410,7 +411,7 @@ void TestSimulationServiceCommunication::filteredCommands_data()
 {
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("signal"); // when the filter accepts the command
+    QTest::addColumn<QString>("signal"); // emitted if the filter accepts the command
     const QByteArray blanks(100'000, ' ');
     QTest::newRow("small payload") << scenarioCommand("damaged") << "LoadScenario"
                                    << "loadScenario()";
@@ -469,7 +470,8 @@ void TestSimulationServiceCommunication::unfinishedBytes()
     QCOMPARE(wire.communication->unfinishedBytes(), 0);
 }
 
-/// Characters that XML forbids are removed: the peer could not read any further.
+/// Characters that XML forbids are removed. Otherwise the peer could not read any
+/// further.
 void TestSimulationServiceCommunication::cleanedTexts()
 {
     const TraceCollector traces;
@@ -485,7 +487,7 @@ void TestSimulationServiceCommunication::cleanedTexts()
                                              QStringLiteral("acceptSimulationDevice(ab,ab)")}));
 }
 
-/// When the same socket connects again, half a document and an error of the old
+/// When the same socket connects again, an unfinished document and an error of the old
 /// connection are discarded.
 void TestSimulationServiceCommunication::reconnection()
 {
@@ -523,12 +525,14 @@ void TestSimulationServiceCommunication::replacedSocket()
 
     wire.sendBytes("<Command><Load");
     QTest::qWait(s_iQuietTime);
-    wire.communication->setSocket(wire.near.get()); // resets this socket, which was still read
+    // setSocket() resets a socket even if it is already the one that is read.
+    wire.communication->setSocket(wire.near.get());
     wire.sendBytes(bare("StopScenario"));
     QTRY_COMPARE(log.entries().size(), 3);
     wire.communication->setSocket(other.near.get());
 
-    // The second command has arrived, but the slot of the first ends the reception.
+    // The second command has arrived. The slot of the first command ends the reception
+    // before it.
     connect(wire.communication.get(), &SimulationServiceCommunication::unloadScenario, this,
             [&wire] { wire.communication->setSocket(nullptr); });
     other.sendBytes(bare("UnloadScenario") + bare("StopScenario"));
@@ -565,8 +569,8 @@ void TestSimulationServiceCommunication::socketDiesFirst()
     QVERIFY(!wire.communication->hasLostCommands());
 }
 
-/// The socket detects that its peer has disconnected although nobody reads the bytes
-/// that the peer sent.
+/// The socket detects that its peer has disconnected, even if nobody reads the received
+/// bytes.
 void TestSimulationServiceCommunication::lossWithUnreadBytes()
 {
     constexpr qsizetype iBytes = qsizetype{4} * 1024 * 1024;
@@ -584,7 +588,8 @@ void TestSimulationServiceCommunication::lossWithUnreadBytes()
         wire.far->disconnectFromHost();
         QTRY_COMPARE(lost.count(), 1);
         QVERIFY2(!bFaulty || iMostWaiting <= 65'536, QByteArray::number(iMostWaiting).constData());
-        QCOMPARE(TraceCollector::lines().filter(QLatin1String(s_szSource)).size(), 1); // of the first run
+        // Only the first run traces a line.
+        QCOMPARE(TraceCollector::lines().filter(QLatin1String(s_szSource)).size(), 1);
     }
 }
 
@@ -605,8 +610,8 @@ void TestSimulationServiceCommunication::tooLarge()
     wire.reconnect();
     QVERIFY(!wire.communication->hasLostCommands());
 
-    // A command that is lost in a slot of connected() counts for the new connection,
-    // also when this slot is called before that of the communication.
+    // A command that a slot of connected() loses counts for the new connection. This
+    // also applies if the slot is called before that of the communication.
     wire.communication->setSocket(nullptr);
     connect(wire.near.get(), &QTcpSocket::connected, wire.communication.get(),
             [&wire] { wire.communication->sendLoadScenario(QByteArray(200, 'x')); });
@@ -645,8 +650,8 @@ void TestSimulationServiceCommunication::encoded()
     QVERIFY(wire.communication->hasLostCommands());
 }
 
-/// The handler hears once of each connection that breaks, after the commands before
-/// the error, and of no connection that is over for its owner.
+/// The handler is called once for each connection that breaks, after the commands
+/// before the error. It is not called after the owner has removed the socket.
 void TestSimulationServiceCommunication::streamError()
 {
     Wire wire;

@@ -54,7 +54,8 @@ QVariant colorOf(const SimulationsTableModel& a_model, int a_iRow = 0)
     return first;
 }
 
-/// Puts the texts of the library's classes into angle brackets, and no other texts.
+/// Puts the texts of the library's classes into angle brackets. Other texts stay
+/// unchanged.
 class TurningTranslator : public QTranslator
 {
 public:
@@ -164,8 +165,8 @@ void TestSimulationsTableModel::nothingToShow()
     QVERIFY(!model.data(kept).isValid()); // its row does not exist any more
 }
 
-/// The colour for each state from -1 to 4, which a peer may send; not every state has
-/// one.
+/// The colour for each state from -1 to 4. A peer may send all of these states. Not
+/// every state has a colour.
 void TestSimulationsTableModel::colors()
 {
     const QVariantList expected{
@@ -190,7 +191,7 @@ void TestSimulationsTableModel::operations()
     const QString sB = QStringLiteral("b");
 
     model.updateSimulationState(sA, stateOf(2));
-    QCOMPARE(model.rowCount(), 0); // the state is kept without a row
+    QCOMPARE(model.rowCount(), 0); // the model keeps the state without a row
     model.registerSimulation(deviceOf(sA, QStringLiteral("first")));
     model.registerSimulation(deviceOf(sB, QStringLiteral("second")));
     QCOMPARE(colorOf(model), QVariant(QColor(Qt::black))); // registering resets the state
@@ -231,7 +232,7 @@ void TestSimulationsTableModel::limit()
     }
     QVERIFY(expectRefusal(4, 2));
 
-    // Known devices still change, and a removed device makes room for another.
+    // Known devices can still change. A removed device makes room for another one.
     model.registerSimulation(deviceOf(QStringLiteral("b")));
     model.updateSimulationState(QStringLiteral("a"), stateOf(2));
     model.updateSimulationState(QStringLiteral("x"), stateOf(2));

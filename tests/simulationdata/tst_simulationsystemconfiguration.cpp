@@ -114,8 +114,8 @@ void TestSimulationSystemConfiguration::coordinates_data()
     QTest::newRow("decimal") << u8("Coord 48.1 11.5") << 48.1 << 11.5 << false;
     QTest::newRow("decimal, signs and a tabulator") << u8("Coord\t-48.1 -11.5") << -48.1 << -11.5 << false;
     QTest::newRow("decimal, no numbers") << u8("Coord nan x") << 0.0 << 0.0 << false;
-    // With letters each number has a fixed place in the text. The longitude is first in
-    // decimal degrees, the latitude in degrees, minutes and seconds.
+    // With letters, each number has a fixed place in the text. In decimal degrees the
+    // longitude is first. In degrees, minutes and seconds the latitude is first.
     QTest::newRow("letters") << u8("E011.500000 N48.100000") << 48.1 << 11.5 << true;
     QTest::newRow("letters, comma") << u8("W011,500000 S48,100000") << -48.1 << -11.5 << true;
     QTest::newRow("letters, narrow") << u8("N48.1 E11.5") << 0.0 << 0.0 << true;

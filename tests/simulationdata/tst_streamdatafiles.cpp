@@ -51,8 +51,8 @@ QByteArray resultHeader(float a_fRate, quint64 a_uiCount, quint8 a_uiType = 0, q
     return "T&K-RDF" + littleEndian(a_uiVersion, a_uiType, a_fRate, a_uiCount, quint32{77});
 }
 
-/// Symbols from an index on, of a stream of a_uiStream symbols that repeats. The value
-/// of a symbol is its index modulo 251.
+/// Returns symbols from an index on. The stream has a_uiStream symbols and repeats. The
+/// value of a symbol is its index modulo 251.
 std::vector<std::uint8_t> symbolsFrom(quint32 a_uiFirst, quint32 a_uiCount, quint32 a_uiStream)
 {
     std::vector<std::uint8_t> answer;
@@ -69,7 +69,7 @@ QByteArray symbolFile(float a_fRate, quint32 a_uiCount)
            QByteArray(reinterpret_cast<const char*>(all.data()), a_uiCount);
 }
 
-/// The same for results; the value of a result is its index.
+/// Returns results in the same way. The value of a result is its index.
 QByteArray resultsFrom(quint32 a_uiFirst, quint32 a_uiCount, quint32 a_uiStream)
 {
     QByteArray answer;

@@ -44,8 +44,8 @@ struct Road
 
 using Pauses = QList<int>;
 
-/// Records the pause of the connector (ms; -1 = none) each time its socket emits the
-/// signal, and then ends the pause.
+/// Records the connector's pause (ms; -1 = none) each time its socket emits the signal.
+/// Then ends the pause.
 template<typename Signal>
 void notePauses(TcpServerConnector& a_connector, Signal a_signal, Pauses& a_pauses)
 {
@@ -118,7 +118,8 @@ void TestTcpServerConnector::cycle()
     road.connector->connectToServer();
     QTRY_COMPARE(connected.count(), 1);
     QVERIFY(road.connector->isConnected());
-    Q_EMIT road.connector->socket()->errorOccurred(QAbstractSocket::NetworkError); // not a failed attempt
+    // An error of a connected socket is not a failed attempt.
+    Q_EMIT road.connector->socket()->errorOccurred(QAbstractSocket::NetworkError);
     QVERIFY(!road.connector->findChild<QTimer*>()->isActive());
 
     QTRY_VERIFY(road.server.hasPendingConnections());
@@ -147,18 +148,18 @@ void TestTcpServerConnector::startsAreOne()
     road.connector->connectToServer();
     road.connector->connectToServer();
     QCoreApplication::processEvents();
-    road.connector->connectToServer(); // while connecting
+    road.connector->connectToServer(); // has no effect while connecting
     QTRY_COMPARE(connected.count(), 1);
-    road.connector->connectToServer(); // while connected
+    road.connector->connectToServer(); // has no effect while connected
     QTest::qWait(20);
     QVERIFY(road.connector->isConnected());
     QCOMPARE(connected.count(), 1);
     QCOMPARE(TraceCollector::lines(), QStringList());
 }
 
-/// In the first attempt the socket is bound to the port to which it connects, so it
-/// connects with itself. The other attempts are refused, until there is a server. Only
-/// the first failure for each reason is traced.
+/// In the first attempt the socket connects to itself, because it is bound to the
+/// server's port. Further attempts are refused until a server listens. Only the first
+/// failure for each reason is traced.
 void TestTcpServerConnector::failedAttempts()
 {
     const quint16 uiPort = freePort();
@@ -194,7 +195,7 @@ void TestTcpServerConnector::pauses()
     notePauses(connector, &QTcpSocket::errorOccurred, pauses);
     connect(connector.socket(), &QTcpSocket::errorOccurred, this, [&] {
         if (pauses.size() == series.size()) {
-            connector.connectToServer(); // starts the series again
+            connector.connectToServer(); // restarts the series of pauses
         }
     });
     connector.connectToServer();
@@ -209,8 +210,8 @@ void TestTcpServerConnector::hangingUp_data()
     QTest::newRow("the application connects in every slot") << true;
 }
 
-/// The pauses also grow while the server disconnects at once. A connection that lasted
-/// resets them.
+/// The pauses also grow while the server disconnects immediately. A connection that
+/// lasts long enough resets them.
 void TestTcpServerConnector::hangingUp()
 {
     QFETCH(const bool, asks);

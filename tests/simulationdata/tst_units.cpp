@@ -201,8 +201,8 @@ void TestUnits::positionRead()
                                                     QString::number(read.latitude))));
 }
 
-/// Any text reads as a finite position in any format, and any number has a text in
-/// the three forms that can show it.
+/// Any text is read as a finite position in any format. Any number has a text in the
+/// three formats that can show it.
 void TestUnits::positionOddInput()
 {
     const QStringList texts{QString(), QStringLiteral("W"), QString(1'000'000, u'9'),
@@ -244,7 +244,7 @@ void TestUnits::positionValid_data()
     QTest::newRow("unknown is decimal") << "E008.500000° N48.250000°" << s_iUnknownFormat << true;
 }
 
-/// The text unchanged, and with a comma in place of the point.
+/// Checks the text unchanged, and with a comma instead of the point.
 void TestUnits::positionValid()
 {
     QFETCH(QString, text);

@@ -179,7 +179,8 @@ void TestWaveFile::forms_data()
                                     << QList<float>{};
 }
 
-/// Reads into a vector that is not empty; a form that is refused empties it.
+/// Reads samples into a vector that is not empty. If they cannot be read as this type,
+/// the vector becomes empty.
 template<typename Value, typename Expected>
 static void compareForm(WaveFileReader& a_reader, const QList<Expected>& a_expected)
 {
@@ -290,8 +291,8 @@ void TestWaveFile::noFiles()
     QCOMPARE(TraceCollector::lines().size(), paths.size());
 }
 
-/// The file reaches each limit exactly and exceeds a limit that is one less. Entries
-/// of lists count as chunks.
+/// The file reaches each limit exactly. A limit that is one less refuses the file.
+/// Entries of lists count as chunks.
 void TestWaveFile::limits()
 {
     WaveFileReader reader(save(allChunks()));
@@ -311,7 +312,7 @@ void TestWaveFile::limits()
     QVERIFY(reader.readSamples(0, 9, samples) && !reader.readSamples(0, 10, samples));
 }
 
-/// A truncated file that can be opened gives all frames of its length() and no more.
+/// If a truncated file can be opened, it gives all frames of its length() and no more.
 void TestWaveFile::cutAtEveryByte()
 {
     const QByteArray whole = wave(s_mono16 + chunk("data", ramp(10)));

@@ -236,8 +236,8 @@ void TestWidgets::endings_data()
                               << QStringLiteral("timeout ");
 }
 
-/// Each way to end emits its signals once and stops the timer. A slot of the last
-/// signal may delete the dialog.
+/// Each way to end the dialog emits its signals once and stops the timer. A slot of the
+/// last signal may delete the dialog.
 void TestWidgets::endings()
 {
     QFETCH(Act, act);

@@ -249,7 +249,8 @@ void TestXmlElement::encodings()
     const XmlElement root = XmlElement::parse(text, &sError);
     QCOMPARE(sError, QString());
     QCOMPARE(root.childText(), u8("\xC3\xA4\xF0\x9D\x84\x9E"));
-    // A stream reader must not decode these bytes again, so they declare no encoding.
+    // The converted text declares no encoding, so that a stream reader does not decode
+    // it again.
     const QByteArray utf8 = toUtf8Xml(text, &sError);
     QCOMPARE(sError, QString());
     QVERIFY(!utf8.contains("encoding"));
@@ -393,7 +394,8 @@ void TestXmlElement::deepDocument()
     const QByteArray text = QByteArray("<A>x").repeated(iDepth) + QByteArray("</A>").repeated(iDepth) + "\n";
     QCOMPARE(XmlElement::parse(text).toByteArray(), text);
 
-    // The text in the root prevents indentation, whose size would be quadratic.
+    // The text in the root prevents indentation. The size of the indentation would be
+    // quadratic.
     XmlElement root = XmlElement::parse("<R>x</R>");
     XmlElement element = root;
     for (int i = 0; i < iBuiltDepth; ++i) {

@@ -120,7 +120,7 @@ void TestXmlScanner::errors_data()
         13);
 }
 
-/// The result does not depend on the pieces in which the text is fed.
+/// The result does not depend on how the text is divided into pieces.
 void TestXmlScanner::errors()
 {
     QFETCH(QByteArray, text);

@@ -50,8 +50,8 @@ namespace {
 
 constexpr qsizetype s_iMebi = 1'048'576;
 
-/// A device for which the test determines the incoming bytes and the number of bytes
-/// that a write accepts.
+/// A device whose incoming bytes the test provides. The test also sets the number of
+/// bytes that one write accepts.
 class ScriptedDevice : public QIODevice
 {
 public:
@@ -113,8 +113,8 @@ struct Peer
     QStringList errors;
 };
 
-/// The documents and then the errors of a stream that arrives in pieces. The pieces end
-/// at the given offsets.
+/// Returns the documents and then the errors of a stream. The stream arrives in pieces
+/// that end at the given offsets.
 QByteArrayList outcome(const QByteArray& a_stream, const QList<qsizetype>& a_ends,
                        XmlSeparator::FramingMode a_eMode = XmlSeparator::PlainXml)
 {
@@ -313,8 +313,8 @@ void TestXmlSeparator::cuts()
 void TestXmlSeparator::plainDocuments_data()
 {
     QTest::addColumn<QByteArray>("stream");
-    QTest::addColumn<bool>("plain"); // whether its first document is
-    QTest::addColumn<int>("limit");  // bytes of a document
+    QTest::addColumn<bool>("plain"); // whether the first document is plain
+    QTest::addColumn<int>("limit");  // largest size of a document, bytes
     const auto plain = [](const char* a_szRow, const QByteArray& a_stream, int a_iLimit = 20'000) {
         QTest::newRow(a_szRow) << a_stream << true << a_iLimit;
     };
@@ -370,8 +370,8 @@ void TestXmlSeparator::plainDocuments_data()
     other("invalid UTF-8", "<a>\xC3</a>");
 }
 
-/// A plain document is recognised, and a stream whose first document is not read as a
-/// plain one, because its first byte arrives alone, gives the same.
+/// A plain document is recognised. If its first byte arrives alone, it is not read as a
+/// plain document, but the result is the same.
 void TestXmlSeparator::plainDocuments()
 {
     Limits::setValue(Limits::NestingDepth, 3);
@@ -389,8 +389,8 @@ void TestXmlSeparator::plainDocuments()
     QCOMPARE(outcome(stream + "<z/>", {}), outcome(stream + "<z/>", {iAfterFirst}));
 }
 
-/// Only a plain document counts as plain, also when others are delivered inside its
-/// delivery. A copy of its bytes does not.
+/// isPlain() returns true only for a plain document, also if others are delivered
+/// during its delivery. It returns false for a copy of the bytes.
 void TestXmlSeparator::plainDeliveries()
 {
     for (const bool bNested : {false, true}) {
@@ -414,8 +414,9 @@ void TestXmlSeparator::plainDeliveries()
     }
 }
 
-/// A document that is four times as long and arrives byte by byte takes four times the
-/// work. It would take 16 times if every byte caused a scan of all bytes before it.
+/// A document that arrives byte by byte takes linear time: four times the length takes
+/// four times the work. It would take 16 times the work if every byte caused a scan of
+/// all bytes before it.
 void TestXmlSeparator::longStretches()
 {
     constexpr qsizetype iShort = 32'768;
@@ -482,7 +483,8 @@ void TestXmlSeparator::errors()
     QFETCH(QByteArray, stream);
     QFETCH(QString, error);
     if (error.isEmpty()) {
-        QXmlStreamReader reader(QByteArray(stream).replace('\0', '\x01')); // U+0001 is an error anywhere
+        // U+0001 replaces a NUL, because it is an error at every place.
+        QXmlStreamReader reader(QByteArray(stream).replace('\0', '\x01'));
         while (!reader.atEnd()) {
             reader.readNext();
         }
@@ -550,7 +552,7 @@ void TestXmlSeparator::pausing()
 
     QTcpSocket socket;
     const XmlSeparator onSocket(&socket, nullptr);
-    QCOMPARE(socket.readBufferSize(), qint64{65'536}); // bounds what a peer can send while paused
+    QCOMPARE(socket.readBufferSize(), qint64{65'536}); // limits the received bytes during a pause
 }
 
 void TestXmlSeparator::lifetimes()
@@ -616,8 +618,8 @@ void TestXmlSeparator::compression()
     QVERIFY(peer.separator.sendXml(document));
     QCOMPARE(peer.device.m_written, frame(qCompress(document, 9), eMode));
 
-    // A payload that cannot be inflated counts as not compressed, and so do all payloads
-    // after it.
+    // If a payload cannot be inflated, it and all payloads after it count as not
+    // compressed.
     for (const QByteArray& payload : {qCompress(document).chopped(1), qCompress(document), QByteArray()}) {
         peer.arrive(frame(payload, eMode));
         QCOMPARE(peer.documents.last(), payload);
@@ -655,7 +657,8 @@ void TestXmlSeparator::pausedBetweenFrames()
     QTest::qWait(10);
     QCOMPARE(peer.documents, QByteArrayList({"<a/>"}));
     peer.separator.resume();
-    peer.device.arrive(frame("<e/>", eMode)); // stays in the device while complete frames wait
+    // The new frame stays in the device while complete frames wait.
+    peer.device.arrive(frame("<e/>", eMode));
     QTRY_COMPARE(peer.documents, QByteArrayList({"<a/>", "<b/>", "<c/>", "<d/>", "<e/>"}));
 }
 

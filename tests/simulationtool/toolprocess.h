@@ -34,13 +34,14 @@ public:
         return m_sText;
     }
 
-    /// Waits until the text has been written so many times. False after the timeout.
+    /// Waits until the text has been written at least a_iTimes times. Returns false
+    /// after the timeout.
     bool says(const QString& a_sText, qsizetype a_iTimes = 1)
     {
         return QTest::qWaitFor([&] { return text().count(a_sText) >= a_iTimes; }, s_iToolTimeout);
     }
 
-    /// Sends a signal and returns the exit code; -1 when the process does not end
+    /// Sends a signal and returns the exit code, or -1 if the process does not end
     /// normally.
     int codeAfter(int a_iSignal)
     {

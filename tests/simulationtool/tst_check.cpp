@@ -66,7 +66,7 @@ private:
         QFile file(path(a_sName));
         return file.open(QIODevice::WriteOnly) && file.write(a_data) == a_data.size();
     }
-    /// Checks files of the test's folder, in which "r" is a repository.
+    /// Checks files of the test's folder. The folder contains the repository "r".
     [[nodiscard]] ToolResult check(const QStringList& a_arguments) const
     {
         QStringList arguments{u"check"_s};
@@ -261,7 +261,7 @@ void TestCheck::deployment()
     };
     const QString sCode = findings.isEmpty() ? u"0"_s : u"1"_s;
     QCOMPARE(checked(root + content + "</SimulationDeployment>"), findings + QStringList{sCode});
-    // The same findings in a document of a newer version that breaks off.
+    // A document of a newer version that breaks off also has the same findings.
     const QStringList broken = checked(QByteArray(root).replace("'1'", "'2'") + content);
     QCOMPARE(broken.size(), findings.size() + 3);
     QVERIFY(broken.at(0).startsWith(u"broke off: line 1") && broken.at(0).endsWith(u"[broken-off]"));
@@ -269,7 +269,8 @@ void TestCheck::deployment()
     QCOMPARE(broken.mid(2), findings + QStringList{u"1"_s});
 }
 
-/// A problem in the list of packages is a finding for the scenarios that use them.
+/// An error in the list of packages is also a finding for the scenarios that use the
+/// package.
 void TestCheck::damagedPackage()
 {
     QVERIFY(write(u"a.sce"_s, repaired(document())));
@@ -290,8 +291,8 @@ void TestCheck::damagedPackage()
     }
 }
 
-/// The file is replaced and its former content saved; without the saved copy it is
-/// not replaced.
+/// The former content is saved before the file is replaced. If it cannot be saved, the
+/// file is not replaced.
 void TestCheck::forceKeepsFormerFile()
 {
     const QByteArray former = "<Scenario><Emitter ID='a'/><!-- mine --><Future/></Scenario>";
@@ -300,7 +301,7 @@ void TestCheck::forceKeepsFormerFile()
     QCOMPARE(check(arguments).code, 1);
     QCOMPARE(contentOf(path(u"f.sce~"_s)), former);
     QVERIFY(contentOf(path(u"f.sce"_s)).contains("FileFormatVersion=\"4\""));
-    // The second repair loses nothing, so the saved copy does not change.
+    // The second repair loses no content, so the saved copy does not change.
     QCOMPARE(check(arguments).code, 0);
     QCOMPARE(contentOf(path(u"f.sce~"_s)), former);
     QVERIFY(write(u"f.sce"_s, former));
@@ -341,11 +342,11 @@ void TestCheck::progress()
     const int iMaster = ::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
     QVERIFY(iMaster >= 0 && ::grantpt(iMaster) == 0 && ::unlockpt(iMaster) == 0);
     const QString sTerminal = QString::fromLocal8Bit(::ptsname(iMaster));
-    const int iSlave = ::open(sTerminal.toLocal8Bit().constData(), O_RDWR | O_NOCTTY); // keeps the output of
-                                                                                       // the ended process
+    // The open terminal keeps the output of the ended process.
+    const int iSlave = ::open(sTerminal.toLocal8Bit().constData(), O_RDWR | O_NOCTTY);
     QProcess process;
     process.setStandardErrorFile(terminal ? sTerminal : path(u"errors"_s));
-    // A check that waits for its input, and a play that takes hours.
+    // Two long commands: a check that waits for its input, and a play that takes hours.
     const QStringList days{u"play"_s, u"--to"_s, u"1193h"_s, u"--csv"_s, path(u"rows.csv"_s)};
     process.start(QStringLiteral(SIMULATIONTOOL_PATH), play ? days : QStringList{u"check"_s, u"-"_s});
     QVERIFY(!process.waitForFinished(2500));
@@ -421,7 +422,7 @@ void TestCheck::repair_data()
     QTest::newRow("a folder") << whole << nothing << u"r"_s << 2 << u"r: is a folder"_s;
 }
 
-/// Every byte stays the same except the findings.
+/// The repair changes only the findings. Every other byte stays the same.
 void TestCheck::repair()
 {
     QFETCH(QByteArray, content);

@@ -20,8 +20,9 @@ QByteArray document(const QByteArray& a_content)
     return "<Scenario FileFormatVersion=\"4\">" + a_content + "</Scenario>";
 }
 
-/// A compact scenario of emitters with these letters as ids and their indices as
-/// names. The first one is the default emitter, and the second one is linked to it.
+/// A compact scenario. Its emitters have these letters as ids and their indices as
+/// names. The first emitter is the default emitter, and the second emitter is linked to
+/// it.
 QByteArray compact(const QByteArray& a_ids)
 {
     QList<std::shared_ptr<SzenarioEmitter>> emitters;
@@ -99,7 +100,7 @@ void TestConvert::thereAndBack()
     QVERIFY(simplifiedLines(back.out).contains(QStringLiteral("Frequencies fixed, 25 MHz")));
     QVERIFY(!back.out.contains(QStringLiteral("Links")) && !back.out.contains(QStringLiteral("changed")));
 
-    // The carried content is the same again, byte for byte.
+    // Converting the document again gives the same compact scenario, byte for byte.
     QCOMPARE(runTool({s_sConvert, path(QStringLiteral("2")), path(QStringLiteral("3"))}).code, 0);
     QVERIFY(read(QStringLiteral("1")).size() > 1000);
     QCOMPARE(read(QStringLiteral("3")), read(QStringLiteral("1")));
@@ -183,7 +184,7 @@ void TestConvert::inspectsCompact()
     const QString sFile = write(QStringLiteral("in"), content);
     const ToolResult result = runTool({s_sInspect, sFile});
     QCOMPARE(result.code, code);
-    // Any other file is read as a document, whose reader reports one line.
+    // Any other file is read as a document. If this fails, one line reports the error.
     QCOMPARE(result.err.count(u'\n'), code == 2 ? 1 : 0);
     QCOMPARE(result.out.contains(QStringLiteral("Compact")), !lastLine.isEmpty());
     if (lastLine.isEmpty()) {

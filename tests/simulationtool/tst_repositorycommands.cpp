@@ -53,7 +53,8 @@ QByteArray resultFile(float a_fRate)
            bytesOf<quint32>(0) + QByteArray(20, '\1');
 }
 
-/// A block of pulse words, whose header declares `a_uiClaimed` of them.
+/// A block of pulse words whose header declares a_uiClaimed words. The block contains
+/// a_iHeld words.
 QByteArray pulseBlock(quint32 a_uiNumber, quint32 a_uiClaimed, qsizetype a_iHeld)
 {
     QByteArray block;
@@ -110,7 +111,7 @@ private:
                file.write(a_data) == a_data.size();
     }
 
-    QByteArray m_shape; ///< the package "Rect 10kHz"; also m_audio and m_descriptor
+    QByteArray m_shape; ///< file of the package "Rect 10kHz", like m_audio and m_descriptor
     QByteArray m_audio;
     QByteArray m_descriptor;
     std::unique_ptr<QTemporaryDir> m_dir; ///< the test's folder; contains a repository "r"
@@ -211,9 +212,9 @@ void TestRepositoryCommands::listDefault()
 
 void TestRepositoryCommands::listProblems_data()
 {
-    QTest::addColumn<QString>("file"); // of the package
+    QTest::addColumn<QString>("file"); // file of the package
     QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("rest"); // how its row ends
+    QTest::addColumn<QString>("rest"); // end of the package's row
 
     const auto descriptorWith = [this](const char* a_szFrom, const char* a_szTo) {
         return QByteArray(m_descriptor).replace(a_szFrom, a_szTo);
@@ -266,7 +267,7 @@ void TestRepositoryCommands::inspectFile_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<int>("code");
-    QTest::addColumn<QString>("field"); // a line that is there
+    QTest::addColumn<QString>("field"); // line of the output
     QTest::addColumn<QString>("verdict");
 
     const auto add = [](const char* a_szName, const QByteArray& a_content, int a_iCode, const char* a_szField,
@@ -407,7 +408,7 @@ void TestRepositoryCommands::playShowsLevels()
     shape.setPackageDuration(3000);
     const QStringList rows = QString::fromUtf8(contentOf(sCsv)).split(QStringLiteral("\r\n"));
     QVERIFY(rows.constFirst().endsWith(QStringLiteral(",package,level")));
-    QVERIFY(rows.value(1).endsWith(QStringLiteral(",,"))); // an emission is not on at its start
+    QVERIFY(rows.value(1).endsWith(QStringLiteral(",,"))); // an emission is not yet active at its start
     const QStringList table = simplifiedLines(runTool(arguments).out);
     for (int i = 1; i < 5; ++i) {
         shape.readSpectrum(static_cast<unsigned>(1300 * i)); // ms since the start of the emission
@@ -470,8 +471,8 @@ void TestRepositoryCommands::cacheThatCannotBeFilled_data()
         << "play" << 1'000 << 2 << "/.*: cannot be used as cache folder: Cannot copy .*: File too large\n";
 }
 
-/// The error text names the cause, and no repair removes the missing package from a
-/// scenario.
+/// The error text names the cause. The check writes no repaired file, which would lose
+/// the missing package.
 void TestRepositoryCommands::cacheThatCannotBeFilled()
 {
     QFETCH(QString, command);
@@ -494,8 +495,8 @@ void TestRepositoryCommands::cacheThatCannotBeFilled()
     QVERIFY(!QFileInfo::exists(path(QStringLiteral("mended"))));
 }
 
-/// The repository is removed while the tool waits for another user of the cache. The
-/// number of packages is not known then.
+/// The repository is removed while the tool waits for another user of the cache. After
+/// that, the number of packages is not known.
 void TestRepositoryCommands::lostRepository()
 {
     const QString sLock = path(QStringLiteral("cache/simulationdata.lock"));
@@ -531,7 +532,7 @@ void TestRepositoryCommands::playKeepsCache()
         QStringLiteral("play"),           QStringLiteral("--to"),    QStringLiteral("300"),
         QStringLiteral("--repository"),   path(QStringLiteral("r")), QStringLiteral("--cache"),
         path(QStringLiteral("new/cache"))};
-    // The cache of a play that was killed early.
+    // Simulates the cache of a play that was killed early.
     QVERIFY(write(path(QStringLiteral("new/cache/simulationdata.lock")), {}) &&
             write(path(QStringLiteral("new/cache/Signal.xml")), m_descriptor));
     const ToolResult first = runTool(arguments);

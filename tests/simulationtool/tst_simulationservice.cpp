@@ -42,8 +42,8 @@ QByteArray registration(const QByteArray& a_id, const QString& a_sName = {})
            configuration.toXml().replace('<', "&lt;") + "</SimulationDevice></RegisterSimulation></Command>";
 }
 
-/// Runs the event loop until the condition holds, without a pause between its turns:
-/// the service reads a little of a peer in each.
+/// Runs the event loop until the condition holds. There is no pause between turns,
+/// because the service reads only a few bytes of a peer in each turn.
 template<typename Condition>
 bool waitFor(const Condition& a_condition)
 {
@@ -66,8 +66,8 @@ struct Peer
         bConnected = socket.waitForConnected(a_iConnectMs);
     }
 
-    /// Waits until the text arrives, and removes everything up to its end from the
-    /// received bytes.
+    /// Waits until the text arrives. Removes everything up to the end of the text from
+    /// the received bytes.
     bool receives(const QByteArray& a_text)
     {
         const bool bReceived = waitFor([&] {
@@ -78,8 +78,8 @@ struct Peer
         return bReceived;
     }
 
-    /// Whether the service answers this peer; everything sent before was handled
-    /// then.
+    /// Whether the service answers this peer. It answers after it has handled
+    /// everything that was sent before.
     bool isServed()
     {
         socket.write(s_ask);
@@ -93,9 +93,9 @@ struct Peer
     bool bConnected = false;
 };
 
-// Commands of the outbox tests are short texts. The first letter is the kind: L(oad),
-// U(nload), S(tart), P(ause), D(eployment), R(emoved registration); other letters,
-// such as X for a stop, have no kind.
+// The commands of the outbox tests are short texts. The first letter is the kind:
+// L(oad), U(nload), S(tart), P(ause), D(eployment), R(emoved registration). Other
+// letters, such as X for a stop, have no kind.
 
 OutgoingKind kindOf(QChar a_cFirst)
 {
@@ -116,7 +116,7 @@ OutgoingKind kindOf(QChar a_cFirst)
     }
 }
 
-/// Does what a device does with such commands.
+/// Simulates how a device handles these commands.
 struct ModelDevice
 {
     void receive(const QString& a_sCommand)
@@ -148,7 +148,7 @@ struct ModelDevice
         return QStringList({sAccepted, sScenario, sRun, sDeployment, sEvent}).join(u' ') + others.join(u' ');
     }
 
-    QSet<QString> met; ///< starts and pauses with the scenario that they met
+    QSet<QString> met; ///< each start and pause, with the scenario at that time
     bool bAccepted = false;
     QString sScenario;
     QString sRun;
@@ -286,8 +286,9 @@ void TestSimulationService::outboxCounts()
     QCOMPARE(*pTotal, 0);
 }
 
-/// A device that reads slowly ends in the state in which all commands leave it, and no
-/// order meets another scenario than it would have met.
+/// Commands may be superseded while a device reads slowly. The device ends in the same
+/// state as after all commands. Each start or pause applies to the scenario
+/// to which it would apply if no command were superseded.
 void TestSimulationService::supersededCommands()
 {
     constexpr quint32 uiSequences = 3000;
@@ -431,12 +432,14 @@ void TestSimulationService::allPendingBytes()
     QCOMPARE(logged.lines.filter(QStringLiteral("dropped")).size(), 1);
 }
 
-/// However many scenarios and deployments a controller sends, a device that reads
-/// slowly makes the service hold the newest only, and is sent it.
+/// A device reads slowly while a controller sends many scenarios and deployments. The
+/// service keeps only the newest ones and sends them to the device.
 void TestSimulationService::slowDeviceIsSentNewestScenario()
 {
     constexpr int iLoads = 20;
-    constexpr qsizetype iBytes = 500'000; // of one; some wait in the system, not in the service
+    // Size of one scenario or deployment. The system buffers some of them instead of
+    // the service.
+    constexpr qsizetype iBytes = 500'000;
     Limits::setValue(Limits::AllPendingBytes, 6 * iBytes);
     LoggedService logged;
     Peer device(logged.service);
@@ -467,7 +470,7 @@ void TestSimulationService::slowDeviceIsSentNewestScenario()
     QCOMPARE(device.received.count(newest), 2); // as a scenario and as a deployment
 }
 
-/// The devices' records that the service keeps do not count as pending bytes of a
+/// The service keeps the records of devices. They do not count as pending bytes of a
 /// peer. The limit of an id applies to its encoded form.
 void TestSimulationService::keptBytesBlameNobody()
 {
@@ -512,7 +515,7 @@ void TestSimulationService::statesOnceForManyRequests()
              qPrintable(QString::number(iStates)));
 }
 
-/// Each request is answered, and all of one turn with the same list.
+/// Each request is answered. All requests of one turn get the same list.
 void TestSimulationService::listOnceForManyChanges()
 {
     LoggedService logged;
@@ -560,8 +563,8 @@ void TestSimulationService::tooLargeCommand()
 void TestSimulationService::burstOfConnections()
 {
     constexpr int iPeers = 300;
-    constexpr int iMuchShorter = 900; // ms; the system repeats a connection attempt that finds a full queue
-                                      // after 1 s
+    // If the queue is full, the system repeats a connection attempt after 1 s.
+    constexpr int iMuchShorter = 900; // ms
     LoggedService logged;
     std::vector<std::unique_ptr<Peer>> peers;
     for (int i = 0; i < iPeers; ++i) {

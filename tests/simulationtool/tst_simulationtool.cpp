@@ -295,8 +295,8 @@ void TestSimulationTool::window()
 
 void TestSimulationTool::csvFields()
 {
-    // Ids that need quoting, a frequency and a position with many digits, and a
-    // movement due north at its end.
+    // The scenario has ids that need quoting, a frequency and a position with many
+    // digits, and a movement due north at its end.
     const QString sFile = write(QStringLiteral("csv.xml"), scenario(R"(
 <Emitter ID="a,b" Active="true"><Frequency><Fixed>433925100.125</Fixed></Frequency>
  <EmissionSettings Broadcast="false" Duration="0"><Emission ID="1" StartTime="-1" Duration="9" SignalPackage="p &quot;1&quot;"/></EmissionSettings>
@@ -540,8 +540,8 @@ void TestSimulationTool::outputFails()
         QCOMPARE(process.readAllStandardError(),
                  QByteArray("simulationtool: standard output: No space left on device\n"));
     }
-    // A closed pipe ends a play that takes days, without a message. The reader is the
-    // program itself, which does not read its input here.
+    // A closed pipe ends a play that takes days. No message is written. The reader is
+    // the program itself, which does not read its input here.
     QProcess process;
     QProcess reader;
     process.setStandardOutputProcess(&reader);
@@ -553,7 +553,7 @@ void TestSimulationTool::outputFails()
     QCOMPARE(process.exitStatus(), QProcess::CrashExit);
     QCOMPARE(process.exitCode(), SIGPIPE);
     QCOMPARE(process.readAllStandardError(), QByteArray());
-    // A network program survives a closed pipe, and writes no message either.
+    // A network program survives a closed pipe. It writes no message either.
     int iPipe[2] = {};
     QCOMPARE(::pipe(iPipe), 0);
     ::close(iPipe[0]);

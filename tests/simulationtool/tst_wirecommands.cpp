@@ -253,7 +253,8 @@ void TestWireCommands::serviceIsRestarted()
     QCOMPARE(runControl(sAddress, {QStringLiteral("load"), s_sBuiltIn}).code, 0);
 }
 
-/// Logs one line when it begins to wait and one when the service listens.
+/// The device logs one line when it begins to wait, and one line when the service
+/// listens.
 void TestWireCommands::deviceWaits()
 {
     constexpr int iMostLines = 10;
@@ -272,8 +273,8 @@ void TestWireCommands::deviceWaits()
     QCOMPARE(device.text().count(QStringLiteral("waits for")), 1);
 }
 
-/// The device runs without them, the editor receives the reason, and the exit code
-/// reports the missing packages.
+/// The device runs without the missing packages. The editor receives the reason. The
+/// exit code reports the missing packages.
 void TestWireCommands::deviceLacksPackages()
 {
     const QString sRepository = m_folder.filePath(QStringLiteral("too-large"));
@@ -310,7 +311,7 @@ void TestWireCommands::lateDevice()
         const QSignalSpy scenarios(&late.communication, &Communication::loadScenario);
         const QSignalSpy starts(&late.communication, &Communication::startScenario);
         late.registerAs(a_sId);
-        late.registerAs(a_sId + u'b'); // of the same peer: nothing is sent twice
+        late.registerAs(a_sId + u'b'); // the same peer receives no order twice
         const bool bWhole = late.synchronize() &&
                             (scenarios.isEmpty() || scenarios[0][0] == QByteArray("<s/>")) &&
                             (starts.isEmpty() || starts[0] == QVariantList({1ULL, 2U}));
@@ -338,11 +339,13 @@ void TestWireCommands::newestControls()
     device.registerAs(QStringLiteral("rx"));
     device.report(QStringLiteral("rx"), ScenarioDataState::Loaded);
     QVERIFY(device.synchronize());
-    // Sends every order of a controller from one peer.
+    // Sends every order of a controller from the peer. Returns the orders that the
+    // device received.
     const auto ordered = [&](Peer& a_peer) {
         device.take();
         a_peer.communication.sendLoadDeployment("d");
-        a_peer.communication.sendUnloadScenario(); // after the scenario it would supersede it
+        // The unload order would supersede a scenario that was sent before it.
+        a_peer.communication.sendUnloadScenario();
         a_peer.communication.sendLoadScenario("s");
         a_peer.communication.sendStartScenario(1, 2);
         a_peer.communication.sendPauseScenario(3);
@@ -354,7 +357,8 @@ void TestWireCommands::newestControls()
     };
     const QString sAll = QStringLiteral("deployment unload scenario start pause stop test add remove");
     QCOMPARE(ordered(first), QString());
-    QCOMPARE(first.take(), QStringLiteral("rx=2")); // a peer without control receives it with the list
+    // A peer without control receives the state with the list of devices.
+    QCOMPARE(first.take(), QStringLiteral("rx=2"));
     first.communication.sendCommandAcquireServer();
     QVERIFY(first.synchronize());
     QCOMPARE(first.take(), QStringLiteral("rx=2"));
@@ -367,7 +371,7 @@ void TestWireCommands::newestControls()
     QCOMPARE(second.take(), QStringLiteral("rx=0 start")); // the new scenario reset the state
     QCOMPARE(ordered(first), QString());
     device.report(QStringLiteral("rx"), ScenarioDataState::Failed);
-    device.report(QStringLiteral("other"), ScenarioDataState::Failed); // not its own
+    device.report(QStringLiteral("other"), ScenarioDataState::Failed); // not a device of this peer
     QVERIFY(device.synchronize() && second.synchronize() && first.synchronize());
     QCOMPARE(second.take(), QStringLiteral("rx=3"));
     QCOMPARE(first.take(), QStringLiteral("rx=0 start rx=3 start"));
@@ -397,14 +401,14 @@ void TestWireCommands::newestRegisters()
     QVERIFY(former.synchronize());
     newest.registerAs(QStringLiteral("rx"));
     QVERIFY(newest.synchronize() && former.synchronize());
-    QCOMPARE(former.take(), QStringLiteral("accept unregister rx=0"));         // has lost the control
-    former.communication.sendUnregisterSimulationDevice(QStringLiteral("rx")); // no longer its own
+    QCOMPARE(former.take(), QStringLiteral("accept unregister rx=0"));         // rx now belongs to "newest"
+    former.communication.sendUnregisterSimulationDevice(QStringLiteral("rx")); // has no effect any more
     newest.communication.sendCommandAcquireServer();
     newest.communication.sendStopScenario();
     QVERIFY(former.synchronize() && newest.synchronize());
     QCOMPARE(newest.ids, QStringList({QStringLiteral("rx")}));
     QCOMPARE(newest.take(), QStringLiteral("accept rx=0 stop"));
-    QCOMPARE(former.take(), QStringLiteral("rx=0")); // but no order
+    QCOMPARE(former.take(), QStringLiteral("rx=0")); // the state, but no order
 }
 
 void TestWireCommands::badPeer_data()
@@ -519,7 +523,7 @@ void TestWireCommands::serviceThatRepeatsOrders()
     connect(&communication, &Communication::registerSimulationDevice,
             [&](const QString& a_sId, const SimulationDeviceConfiguration& a_device) {
                 communication.sendAcceptSimulationDevice(a_sId, Communication::createConfirmation(a_device));
-                pSocket->setReadBufferSize(1); // and does not read the answers
+                pSocket->setReadBufferSize(1); // the peer does not read the answers
             });
     QVERIFY(device->says(QStringLiteral("rx: accepted")));
     pSocket->write(QByteArray("<Command><UnloadScenario/></Command>").repeated(60'000) + "no command");
@@ -593,8 +597,8 @@ void TestWireCommands::oddStart()
     QCOMPARE(device->text().contains(QStringLiteral("plays from")), logged.contains(QStringLiteral("plays")));
 }
 
-/// A pause applies to a device that plays or is paused; another device keeps
-/// reporting the result of its last order.
+/// A pause applies only to a device that plays or is paused. Any other device continues
+/// to report the result of its last order.
 void TestWireCommands::pauseOfNothing()
 {
     const Service service;
@@ -641,7 +645,7 @@ void TestWireCommands::loadReportsDevices()
     connect(&device.communication, &Communication::loadScenario,
             [&] { device.report(QStringLiteral("rx"), state); });
     device.registerAs(QStringLiteral("rx"));
-    device.report(QStringLiteral("rx"), ScenarioDataState::Loaded); // for an earlier scenario
+    device.report(QStringLiteral("rx"), ScenarioDataState::Loaded); // state of an earlier scenario
     QVERIFY(device.synchronize());
     QTimer again; // a repeated state is not progress
     connect(&again, &QTimer::timeout, [&] { device.report(QStringLiteral("rx"), state); });
@@ -739,8 +743,8 @@ void TestWireCommands::nobodyAnswers()
     QCOMPARE(nothing.code, 2);
 }
 
-/// The limit of open files is lowered step by step; the signal shapes, which are
-/// opened last, fail first.
+/// The limit of open files is lowered step by step. The signal shapes fail first,
+/// because they are opened last.
 void TestWireCommands::demoReportsErrors()
 {
     for (rlim_t uiFiles = 40; uiFiles > 10; --uiFiles) {
@@ -926,7 +930,7 @@ void TestWireCommands::deployments()
              qPrintable(listed.join(u'\n')));
     QCOMPARE(service.text().count(QStringLiteral(" registered")), 4);
     QVERIFY(!service.text().contains(QStringLiteral("dropped")));
-    // The places of a former deployment do not outlive it.
+    // The places of a former deployment do not apply after a new one.
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("<SimulationDeployment FileFormatVersion='1' Name='Sea'/>");
     file.close();
@@ -935,7 +939,8 @@ void TestWireCommands::deployments()
     QVERIFY2(simplifiedLines(sDevices).filter(QStringLiteral(" hut ")).size() == 4, qPrintable(sDevices));
 }
 
-/// Commands that do not acquire the service show everything and leave the control.
+/// Commands that do not acquire the service show everything. The control stays with the
+/// editor.
 void TestWireCommands::onlookers()
 {
     Service service;
