@@ -120,7 +120,7 @@ void sendNoise(benchmark::State& a_state)
 }
 BENCHMARK(sendNoise)->Arg(16)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(3.0);
 
-/// The time (s) to send as many bytes over a bare pair of sockets.
+/// The time (s) to send the same number of bytes over a bare pair of sockets.
 double bareSeconds(const QByteArray& a_command)
 {
     QTcpServer server;
@@ -192,9 +192,9 @@ double processBytes(QByteArrayView a_name)
     return 0.0;
 }
 
-/// The peak memory of both ends together, as a ratio to the sent bytes:
-/// "process_ratio" for the whole process, "added_ratio" without the memory in use
-/// before. The kernel's peak is reset before each run.
+/// The peak memory of both ends together, divided by the sent bytes. "process_ratio"
+/// counts the whole process. "added_ratio" subtracts the memory in use before loading.
+/// The kernel's peak is reset before each run.
 void peakMemory(benchmark::State& a_state)
 {
     Loopback loopback;

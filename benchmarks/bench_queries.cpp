@@ -5,8 +5,9 @@
 
 #include <benchmark/benchmark.h>
 
-// The cost of one query at a time for growing numbers of steps, points and emissions.
-// The figures must grow by far less than those numbers.
+// Measures how long one query for a scenario time takes with growing numbers of
+// steps, points and emissions. The query time must grow much more slowly than these
+// numbers.
 
 using namespace Simulation;
 

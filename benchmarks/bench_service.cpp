@@ -9,18 +9,18 @@
 #include <optional>
 #include <vector>
 
-// Measures the cost of a service with 200 idle devices; then, while other peers
-// attack the service, the time until a start reaches all devices and the time until a
-// device's state reaches the controller.
+// Measures the processor time of a service with 200 idle devices. Then measures two
+// delays while other peers attack the service: until a start reaches all devices, and
+// until a device's state reaches the controller.
 
 namespace {
 
 constexpr int s_iIdleMs = 5000;
 constexpr int s_iSettleMs = 500;        ///< from the beginning of an attack to the first start
-constexpr int s_iCrowdMs = 10'000;      ///< the same with thousands of devices, which register first
-constexpr int s_iStarts = 20;           ///< of one attack
+constexpr int s_iCrowdMs = 10'000;      ///< the same when thousands of devices register first
+constexpr int s_iStarts = 20;           ///< measured during one attack
 constexpr int s_iIntervalMs = 100;      ///< between two starts
-constexpr double s_dOverdueMs = 5000.0; ///< longer measurements are given up
+constexpr double s_dOverdueMs = 5000.0; ///< a measurement is given up after this time
 constexpr double s_dHalf = 0.5;
 constexpr std::int64_t s_iMebi = 1'048'576;
 constexpr double s_dLongestMs = 100.0;  ///< goal
@@ -34,8 +34,8 @@ struct Scene
     int settle = s_iSettleMs;
 };
 
-/// The value below which the part `a_dPart`, in [0, 1], of the values lies; -1
-/// without values.
+/// The quantile `a_dPart`, in [0, 1], of the values: 0.5 gives the median. -1 without
+/// values.
 double quantile(std::vector<double> a_values, double a_dPart)
 {
     if (a_values.empty()) {
@@ -125,8 +125,8 @@ bool measureBurst()
     return bMeasured;
 }
 
-/// Repeats the commands up to the size of one send, so that sending costs the
-/// attacker little.
+/// Repeats the commands to about 256 KiB, so that the attacker needs few calls of
+/// send().
 QByteArray manyOf(const QByteArray& a_commands)
 {
     constexpr qsizetype iBytes = 262'144;

@@ -13,9 +13,9 @@
 #include <array>
 #include <cstdio>
 
-// Compares filling a cache folder with 2,000 packages of the default package's size
-// to `cp` of the same files into one folder, and measures an update that finds all in
-// place.
+// Fills a cache folder with 2,000 packages of the default package's size, and
+// compares the time to `cp` of the same files into one folder. Also measures an
+// update of a cache that already contains all packages.
 
 using namespace Simulation;
 
@@ -42,8 +42,8 @@ double milliseconds(const Work& a_work)
     return static_cast<double>(timer.nsecsElapsed()) / 1e6;
 }
 
-/// Makes packages with different ids, and copies of their files with unique names in
-/// one folder.
+/// Makes packages with different ids. Also copies all their files into one folder,
+/// under unique names.
 bool makePackages(const QString& a_sDefault, const QString& a_sRepository, const QString& a_sFlat)
 {
     bool bOk = QDir().mkpath(a_sFlat);

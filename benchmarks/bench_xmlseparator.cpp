@@ -17,7 +17,7 @@ namespace {
 constexpr qsizetype s_iKibi = 1024;
 constexpr qsizetype s_iMebi = 1024 * s_iKibi;
 
-/// A device that returns a text, which it does not own, one segment per signal.
+/// A device that returns one segment of a text per signal. Does not own the text.
 class SegmentDevice : public QIODevice
 {
 public:

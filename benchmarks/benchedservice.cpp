@@ -18,7 +18,8 @@ constexpr double s_dNsPerMs = 1e6;
 
 const QString s_sHost = QStringLiteral("127.0.0.1");
 
-/// Runs the event loop until the condition holds. False after the time (ms).
+/// Runs the event loop until the condition holds. False when it does not hold within
+/// the time (ms).
 template<typename Condition>
 bool runUntil(const Condition& a_condition, int a_iMilliseconds)
 {
@@ -145,8 +146,8 @@ std::optional<double> BenchedPeers::start()
     return bAll ? std::optional(m_dLastArrival) : std::nullopt;
 }
 
-/// Searches for the one device only, because parsing everything would be slower than
-/// the service.
+/// Searches the received bytes for the state of the first device only. Parsing
+/// everything would be slower than the service.
 void BenchedPeers::noteNews()
 {
     constexpr qsizetype iUpdateBytes = 512; // at least the size of an update

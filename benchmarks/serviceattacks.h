@@ -9,8 +9,8 @@
 #include <thread>
 #include <vector>
 
-/// The actions of one attacking peer, which run on a thread of their own until the
-/// flag is set.
+/// The actions of one attacking peer. They run on their own thread until the flag is
+/// set.
 using Attack = std::function<void(std::uint16_t a_uiPort, const std::atomic<bool>& a_bEnd)>;
 
 /// Several peers that run the same attack, each on its own thread. They end with the
@@ -36,13 +36,15 @@ private:
 [[nodiscard]] Attack unfinished(std::int64_t a_iBytes);
 
 /// Connects many sockets at once, waits until all are connected, closes all, and
-/// repeats that. Stores the duration of each connection (ms) in `*a_pTimes`, which
-/// may be read after the attackers have ended. For one attacker only.
+/// repeats that. Stores the time that each socket needs to connect (ms) in
+/// `*a_pTimes`. Read the times only after the attackers have ended. For one attacker
+/// only.
 [[nodiscard]] Attack burst(int a_iConnections, std::vector<double>* a_pTimes);
 
-/// Connects and registers so many devices, and then has the first send the bytes, if
-/// any, over and over. Only the first reads what it is sent. May have one attacker
-/// only.
+/// Connects and registers this number of devices. Then the first device sends
+/// `a_always` repeatedly and reads the received bytes, unless `a_always` is empty. The
+/// others do not read. For one attacker only, because the ids of the devices are
+/// fixed.
 [[nodiscard]] Attack crowd(int a_iDevices, const QByteArray& a_always);
 
 // Commands of attackers

@@ -29,8 +29,8 @@ struct Server
     std::uint16_t port = 0;
 };
 
-/// The server named by the text; for a null text, the one in this machine's settings.
-/// No value for an invalid text.
+/// The server that the text names. A null text means the server in this machine's
+/// settings. No value for an invalid text.
 std::optional<Server> serverOf(const QString& a_sText)
 {
     if (a_sText.isNull()) {
@@ -89,8 +89,8 @@ void addOptions(QCommandLineParser& a_parser)
     });
 }
 
-/// Writes the help if an argument requests it. Runs before the windows' application,
-/// which needs a display.
+/// Writes the help if an argument requests it. Called before the GUI application
+/// exists, because that needs a display.
 bool showHelp(int a_iArguments, char* a_arguments[])
 {
     const QCoreApplication application(a_iArguments, a_arguments);
@@ -107,7 +107,8 @@ bool showHelp(int a_iArguments, char* a_arguments[])
 }
 
 /// The message handler while the application opens the display. Without a display the
-/// toolkit would abort the process after several lines of its own.
+/// toolkit would write several lines and abort the process. This handler writes one
+/// line and exits.
 void reportNoDisplay(QtMsgType a_eType, const QMessageLogContext& /*a_context*/,
                      const QString& /*a_sMessage*/)
 {

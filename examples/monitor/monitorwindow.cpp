@@ -44,7 +44,8 @@ constexpr std::array<StateName, 4> s_states{{
     {ScenarioDataState::Failed, QT_TRANSLATE_NOOP("Monitor::MonitorWindow", "failed")},
 }};
 
-/// Read from the model, so that the legend and the table cannot differ.
+/// The colour of a state. It is read from the model, so that the legend and the table
+/// cannot differ.
 QColor colorOf(ScenarioDataState a_eState)
 {
     SimulationsTableModel sample;
@@ -139,7 +140,7 @@ void MonitorWindow::createTable()
 
 void MonitorWindow::createWait()
 {
-    // The button cancels as Escape does.
+    // The button cancels the wait, as Escape does.
     auto* const pCancel = m_pWait->findChild<QPushButton*>(QStringLiteral("cancelButton"));
     connect(pCancel, &QPushButton::clicked, m_pWait, &WaitDisplayWidget::reject);
     connect(m_pWait, &WaitDisplayWidget::canceled, this, &MonitorWindow::cancel);
@@ -185,7 +186,8 @@ void MonitorWindow::disconnected()
     Q_EMIT updated();
 }
 
-/// The rest of the connection is never read. The connector starts another one.
+/// Aborts the connection, because its further bytes cannot be read. The connector
+/// starts a new one.
 void MonitorWindow::abandonConnection(const QString& a_sError)
 {
     m_sUnreadable = a_sError.simplified().left(s_iMaxError);
@@ -197,7 +199,7 @@ void MonitorWindow::abandonConnection(const QString& a_sError)
 
 void MonitorWindow::cancel()
 {
-    m_connector.reset(); // it repeats its attempts without limit
+    m_connector.reset(); // otherwise the connector repeats its attempts without limit
     showState();
 }
 
@@ -220,7 +222,8 @@ void MonitorWindow::showState()
     statusBar()->showMessage(sText);
 }
 
-/// Shows the number of devices in each state, in the table's colours, as its legend.
+/// Shows the number of devices in each state, in the table's colours. The line is the
+/// legend of the table.
 void MonitorWindow::showCounts()
 {
     if (!m_bConnected) {
@@ -239,10 +242,10 @@ void MonitorWindow::showCounts()
     m_pCounts->setText(parts.join(QStringLiteral(" &nbsp; ")));
 }
 
-/// Sets the column widths when the table gets its first rows; later changes are the
-/// user's. Each text column gets at most an equal share of the width, and the first
-/// column the rest, so that a long name does not push other columns out of the
-/// window.
+/// Sets the column widths when the table gets its first rows; later only the user
+/// changes them. Each text column gets at most an equal share of the width, so that a
+/// long name does not push other columns out of the window. The first column gets the
+/// rest.
 void MonitorWindow::fitColumns()
 {
     if (m_bColumnsFit || m_feed.model().rowCount() == 0) {

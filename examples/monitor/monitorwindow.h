@@ -25,8 +25,8 @@ namespace Monitor {
 /// waiting dialog is shown while it connects. Cancelling it ends the attempts; the
 /// window stays and shows a button that connects again.
 ///
-/// A connection over which the service sends unreadable bytes is closed like a lost
-/// one, and the status bar shows the error until a service can be read again.
+/// When the service sends unreadable bytes, the connection is closed like a lost one.
+/// The status bar shows the error until a service can be read again.
 class MonitorWindow : public QMainWindow
 {
     Q_OBJECT

@@ -7,13 +7,13 @@
 
 namespace Monitor {
 
-/// The colour, if a text in it has enough contrast in windows of this palette.
-/// Otherwise the same hue, lighter or darker until the contrast suffices; for black
-/// and greys the palette's text colour.
+/// Returns the colour unchanged if texts in it have enough contrast in windows of this
+/// palette. Otherwise makes it lighter or darker until the contrast suffices, and
+/// replaces black and greys by the palette's text colour.
 [[nodiscard]] QColor readable(const QColor& a_color, const QPalette& a_palette);
 
-/// Paints a table's texts in the colours of its model, adjusted by readable(): the
-/// model's colours do not depend on the palette, and black and dark red are
+/// Paints a table's texts in the colours of its model, adjusted by readable(). The
+/// model's colours do not depend on the palette: black and dark red would be
 /// unreadable on a dark table. An elided text has a tool tip.
 class ReadableDelegate : public QStyledItemDelegate
 {

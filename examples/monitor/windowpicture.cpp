@@ -17,7 +17,7 @@ namespace {
 constexpr int s_iQuiet = 700;        ///< ms after the last update
 constexpr int s_iNobodyThere = 3000; ///< ms without a connection
 
-/// The window, with its dialog drawn over it while that is shown. Frames drawn by the
+/// Draws the window and, if the dialog is shown, the dialog over it. The frames of the
 /// window system are missing; a line replaces the dialog's frame.
 QPixmap pictureOf(MonitorWindow& a_window)
 {

@@ -9,10 +9,10 @@ namespace Monitor {
 
 class MonitorWindow;
 
-/// Writes one picture of a window to a file and ends the program: exit code 0, or 1
-/// when the file cannot be written. Waits until the devices were received and no
-/// update arrived for 0.7 s. Without a connection for 3 s, the picture shows the
-/// waiting dialog. The window is not owned.
+/// Writes one picture of a window to a file. Then ends the program with exit code 0,
+/// or 1 when the file cannot be written. Takes the picture 0.7 s after the last update
+/// from the service. Without a connection, takes it after 3 s, with the waiting
+/// dialog. The window is not owned.
 class WindowPicture : public QObject
 {
     Q_OBJECT

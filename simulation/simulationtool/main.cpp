@@ -10,8 +10,8 @@
 
 namespace {
 
-/// Writes the messages of the toolkit and the library, one line each, with --trace
-/// and drops them without it. The commands report to the user themselves.
+/// With --trace, writes the messages of the toolkit and the library, one line each.
+/// Without it, drops them, because the commands report errors to the user themselves.
 void traceMessage(QtMsgType /*a_eType*/, const QMessageLogContext& /*a_context*/, const QString& a_sMessage)
 {
     if (ErrorHandler::Instance().traceMask() != 0) {

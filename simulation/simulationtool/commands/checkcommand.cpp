@@ -29,8 +29,8 @@ namespace SimulationTool {
 
 namespace {
 
-/// The parts of a document that its reader did not keep, as the object of "would
-/// lose"; empty when it kept all.
+/// Names the parts of a document that its reader did not keep. The text completes
+/// "would lose ..."; it is empty when the reader kept all parts.
 QString lossOf(const Simulation::ScenarioDataXml& a_scenario, const QByteArray& a_source,
                const QByteArray& a_written)
 {
@@ -40,8 +40,9 @@ QString lossOf(const Simulation::ScenarioDataXml& a_scenario, const QByteArray& 
     return documentLoss(a_source, a_written, Notes::Count);
 }
 
-/// Saves a content as the file's name with "~" added. Returns that name; no value,
-/// after one line on standard error, when it exists already or cannot be written.
+/// Saves the content in a new file, whose name is `a_sFile` with "~" added. Returns
+/// the new name. When that file exists already or cannot be written, writes one line
+/// to standard error and returns no value.
 std::optional<QString> keepFormer(const QString& a_sFile, const QByteArray& a_content)
 {
     const QString sBackup = QFileInfo(a_sFile).canonicalFilePath() + u'~';
@@ -168,8 +169,9 @@ CheckFindings FileCheck::scenarioFindings(Simulation::ScenarioDataXml& a_scenari
     return findings;
 }
 
-/// Whether the repaired scenario may replace the file although its reader did not
-/// keep `a_sLoss`. With --force the former file is saved first.
+/// Whether the repaired scenario, which lacks `a_sLoss`, may be written. It may
+/// replace its input file only if `a_sLoss` is empty, or with --force, which saves the
+/// former file first.
 bool FileCheck::mayReplace(const InputFile& a_file, const QString& a_sLoss, const QByteArray& a_source)
 {
     if (a_sLoss.isEmpty() || !a_file.isSameAs(m_options.repairFile)) {
@@ -218,8 +220,8 @@ ExitCode FileCheck::refuse(const InputFile& a_file, const QString& a_sReason)
 
 ExitCode FileCheck::checkScenario(const InputFile& a_file)
 {
-    // This provider keeps every id while loading: an unknown id must be found by the
-    // check, and a known one must be written unchanged.
+    // This provider keeps every id while loading. The check must find unknown ids, and
+    // known ids must be written unchanged.
     Simulation::UnresolvedSignalPackageProvider ids;
     Simulation::ScenarioDataXml scenario(&ids);
     if (!scenario.fromXmlFile(a_file.path())) {
@@ -325,7 +327,7 @@ ExitCode runCheck(const CheckOptions& a_options, Output& a_output)
     }
     catchInterruptions(); // the temporary cache must be removed
     RepositoryPackages packages;
-    // A package that is missing in the cache would be replaced by the repair.
+    // The repair would replace a package that is missing in the cache.
     if (!packages.open(a_options.repository, {}) || !packages.isComplete()) {
         return ExitCode::Unusable;
     }

@@ -15,7 +15,7 @@ class Output;
 /// The options of a check.
 struct CheckOptions
 {
-    QStringList files;     ///< scenarios and deployments, "-" = standard input; one with a repair file
+    QStringList files;     ///< scenarios and deployments, "-" = standard input; one if repairFile is set
     QString repository;    ///< folder with the packages that emissions may name; empty = packages are not
                            ///< checked
     QString repairFile;    ///< file for the repaired scenario; empty = none
@@ -25,9 +25,9 @@ struct CheckOptions
 };
 
 /// Checks scenarios and deployments one after another. Writes one line per finding,
-/// and a summary at the end. Returns Findings when there were any, repaired or not;
-/// Unusable when a file could not be read or the repaired one not written, which does
-/// not stop the check of the others. When interrupted it removes its temporary files
+/// and a summary at the end. Returns Findings when there were any, repaired or not.
+/// Returns Unusable when a file could not be read or the repaired file not written;
+/// the other files are still checked. When interrupted, removes its temporary files
 /// and returns Unusable; see interruption.h.
 [[nodiscard]] ExitCode runCheck(const CheckOptions& a_options, Output& a_output);
 

@@ -39,7 +39,7 @@ void findDamagedPackages(CheckFindings& a_findings, const Simulation::ScenarioOb
             continue;
         }
         seen.insert(sNamed);
-        // An id that a newer package supersedes resolves to that package.
+        // The id of a superseded package resolves to the newer package.
         const auto package = a_packages.signalPackage(sNamed);
         const QStringList problems = a_packages.problemsOf(package ? package->id() : sNamed);
         if (!problems.isEmpty()) {
@@ -58,8 +58,8 @@ bool isPlace(const Simulation::TPos& a_position)
            std::fabs(a_position.latitude) <= s_dMaxLatitude;
 }
 
-/// The first of an object's own positions outside the ranges of longitude and
-/// latitude.
+/// The first of an object's own positions with a longitude or latitude out of range;
+/// no value when all are in range.
 std::optional<Simulation::TPos> wrongPosition(Simulation::IPositionSettings* a_pSettings)
 {
     if (a_pSettings == nullptr) {

@@ -16,7 +16,7 @@ class RepositoryPackages;
 /// One finding of a check.
 struct CheckFinding
 {
-    QString objectId;   ///< empty: the document itself
+    QString objectId;   ///< empty: the finding concerns the document itself
     QString objectName; ///< empty: the object has no name
     QString rule;       ///< id of the rule, stable for scripts
     QString text;       ///< one sentence: what was found, and what was repaired or has to be done
@@ -25,13 +25,13 @@ struct CheckFinding
 
 using CheckFindings = QList<CheckFinding>;
 
-/// The finding that a document broke off, from its reader's error text; empty without
-/// one.
+/// Converts the error text of a reader to the finding that the document broke off.
+/// Empty for an empty text.
 [[nodiscard]] CheckFindings brokenOffFindings(const QString& a_sError);
 
-/// The parts of a document that its reader ignored, as one finding. `a_written` is
-/// the same document written again; when it is empty the parts are not known and the
-/// result is empty.
+/// Lists the parts of a document that its reader ignored, as one finding. `a_written`
+/// is the document as written after reading. When it is empty, the ignored parts are
+/// not known, and the result is empty.
 [[nodiscard]] CheckFindings unreadFindings(const QByteArray& a_document, const QByteArray& a_written);
 
 /// The emitters of a scenario with a position out of range.

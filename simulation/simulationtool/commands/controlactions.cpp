@@ -17,7 +17,8 @@ namespace SimulationTool {
 
 namespace {
 
-/// Waits until the service has received an order that devices do not confirm.
+/// Waits until the service has received the sent order, and reports it. For orders
+/// that devices do not confirm.
 ExitCode finishOrder(ServiceController& a_controller, const QString& a_sOrder, Report& a_report)
 {
     if (!a_controller.synchronize()) {

@@ -36,8 +36,8 @@ struct ControlAction
     const char* name;
     Takes takes;
     bool acquires; ///< needs the control of the service
-    /// Returns Unusable after an error; unless it is on standard error already, its
-    /// text is the controller's problem().
+    /// Returns Unusable after an error. The error text is either on standard error
+    /// already, or is the controller's problem().
     ExitCode (*run)(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report);
 };
 

@@ -77,8 +77,8 @@ ExitCode runControl(const ControlAction& a_action, const OrderArgument& a_argume
         if (a_action.acquires) {
             controller.acquire();
         }
-        // The answer arrives after everything that the service sends to a new
-        // controller.
+        // The service first sends the states and the run to a new controller, and then this
+        // answer.
         if (controller.synchronize()) {
             eCode = a_action.run(controller, a_argument, a_report);
         }
@@ -94,8 +94,8 @@ ExitCode runControl(const ControlAction& a_action, const OrderArgument& a_argume
     return eCode;
 }
 
-/// Reads the action's argument. False with an error text for wrong usage; false
-/// without one when a file was refused, which is reported already.
+/// Reads the action's argument. False with an error text for wrong usage. False
+/// without a text when a file was refused; that error is reported already.
 bool readArgument(const ControlAction& a_action, const QStringList& a_rest, OrderArgument& a_argument,
                   QString& a_sReason)
 {

@@ -51,8 +51,8 @@ void writeCounts(const ServiceController& a_controller, const char* a_szKey, qsi
     a_report.value("device_count", a_controller.devices().size());
 }
 
-/// The remark on a device after loading: a warning, that the device reports no
-/// packages, or its last event.
+/// The remark on a device after loading: its warning, a note that it reports nothing
+/// about its packages, or its last event.
 QString loadingRemark(const SimulationDeviceState& a_state)
 {
     const QString sWarning = warningOf(a_state.message());
@@ -84,8 +84,8 @@ QString runKind(const ServiceController& a_controller)
     if (!timing.isStopped()) {
         return timing.isPaused() ? QStringLiteral("paused") : QStringLiteral("running");
     }
-    // A service that sends states only to its controller does not send the run to
-    // others either.
+    // Without any state the run is unknown: such a service sends states and the run only
+    // to its controller.
     const bool bSilent = a_controller.states().isEmpty() && !a_controller.devices().isEmpty();
     return bSilent ? s_sUnknown : QStringLiteral("stopped");
 }

@@ -21,7 +21,8 @@ class ServiceController;
 
 /// How "control" reports devices, for people and for programs.
 
-/// The texts for an order that devices confirm, and the outcome of their answers.
+/// The texts for an order that devices confirm, and the function that derives the
+/// outcome from an answer.
 struct ConfirmedOrder
 {
     QString done;    ///< "Started at 0 ms": written when at least one device confirmed the order
@@ -29,15 +30,15 @@ struct ConfirmedOrder
     std::function<OrderOutcome(const QString&)> outcome;
 };
 
-/// Reports a table of the devices with each one's answer to the last order, and a
-/// line with the counts. Returns Findings unless there are devices and all confirmed
-/// the order.
+/// Reports a table of the devices with their answers to the last order, and a line
+/// with the counts. Returns Ok when there are devices and all confirmed the order,
+/// otherwise Findings.
 [[nodiscard]] ExitCode reportAnswers(const ServiceController& a_controller, const ConfirmedOrder& a_order,
                                      Report& a_report);
 
-/// Reports a table of the devices with each one's loading state, and a line with the
-/// counts. Returns Findings unless there are devices and all loaded without a
-/// warning.
+/// Reports a table of the devices with their loading states, and a line with the
+/// counts. Returns Ok when there are devices and all loaded without a warning,
+/// otherwise Findings.
 [[nodiscard]] ExitCode reportLoading(const ServiceController& a_controller, Report& a_report);
 
 /// Reports a table of the devices with their records, and their number.

@@ -25,7 +25,7 @@ namespace {
 
 using namespace Simulation;
 
-/// The content of a scenario that the compact form does not carry, counted.
+/// The counts of a scenario's content that the compact form does not carry.
 struct Uncarried
 {
     quint64 networks = 0;
@@ -35,7 +35,7 @@ struct Uncarried
     quint64 periods = 0;
     quint64 broadcasts = 0;
     quint64 frequencies = 0;
-    QSet<const IPositionSettings*> positions; ///< linked emitters share one
+    QSet<const IPositionSettings*> positions; ///< linked emitters share their position
     quint64 transmitters = 0;
     quint64 elintEmitters = 0;
     quint64 elintFiles = 0;
@@ -53,7 +53,7 @@ bool isDefault(const TransmitterSettings* a_pSettings)
 
 void countObject(Uncarried& a_counts, const ScenarioObject& a_object)
 {
-    // Counts a member's own schedule and frequency; those of its network are counted
+    // Counts the object's own schedule and frequency only. Those of a network are counted
     // once, with the network.
     const EmissionSettings& schedule = *a_object.ScenarioObject::emissionSettings();
     a_counts.emissions += static_cast<quint64>(schedule.emissions().size());
@@ -91,8 +91,8 @@ Uncarried uncarriedOf(const ScenarioDataXml& a_scenario)
     return counts;
 }
 
-/// One kind of content that the compact form does not carry; with an empty text when
-/// the scenario has none of it.
+/// One kind of content that the compact form does not carry. The text of the value is
+/// empty when the scenario has no such content.
 struct UncarriedField
 {
     const char* key;
@@ -143,7 +143,8 @@ bool hasSameTexts(const SzenarioEmitter& a_first, const SzenarioEmitter& a_secon
            a_first.getClass() == a_second.getClass() && a_first.isActive() == a_second.isActive();
 }
 
-/// The reason why an emitter is read back changed; empty when it is not.
+/// The reason why a read-back emitter differs from the original; empty when it does
+/// not.
 QString changeReason(const SzenarioEmitter& a_emitter, const SzenarioEmitter* a_pBack, bool a_bSharesId)
 {
     if (a_bSharesId) {

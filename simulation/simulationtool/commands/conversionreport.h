@@ -27,8 +27,9 @@ void describeUncarried(Report& a_report, const Simulation::ScenarioDataXml& a_sc
 /// Reports the defaults in a document made from a compact scenario.
 void describeDefaults(Report& a_report, const Simulation::ScenarioDataXml& a_scenario);
 
-/// Reports the differences between emitters and their read-back copies, in what both
-/// forms carry: emitters that are missing, texts that changed, links that are lost.
+/// Reports the differences between emitters and their read-back copies: missing
+/// emitters, changed texts and lost links. Compares only content that both forms
+/// carry.
 void describeDifferences(Report& a_report, const EmitterList& a_emitters, const EmitterList& a_readBack);
 
 } // namespace SimulationTool

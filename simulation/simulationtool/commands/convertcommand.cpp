@@ -51,9 +51,9 @@ ExitCode fail(const QString& a_sFile, const QString& a_sReason)
     return ExitCode::Unusable;
 }
 
-/// The error text for an output that a reader would refuse and that is therefore not
-/// written. `a_sReason` is that reader's error text; when it is empty, the output
-/// exceeded the limit and is empty.
+/// The error text for an output that is not written, because a reader would refuse it.
+/// `a_sReason` is that reader's error text. An empty reason means that the output
+/// exceeded the document limit.
 QString errorText(const QString& a_sReason)
 {
     return QStringLiteral("not written: ") +

@@ -135,8 +135,9 @@ ExitCode runDevice(const DeviceOptions& a_options, Output& a_output)
     return packages.isComplete() ? ExitCode::Ok : ExitCode::Findings;
 }
 
-/// The error text for a text that cannot identify a device; empty when it can. The
-/// service must return it unchanged, and it must be distinguishable in a log.
+/// The error text for an option whose text cannot identify a device; empty when it
+/// can. The service must return the text unchanged, and different texts must look
+/// different in a log.
 QString nameError(const QString& a_sOption, const QString& a_sText)
 {
     if (a_sText.trimmed().isEmpty()) {
@@ -188,7 +189,7 @@ bool readRecord(const QCommandLineParser& a_parser, Simulation::SimulationDevice
     a_record.setPositionLongitude(dLongitude);
     a_record.setPositionLatitude(dLatitude);
     a_record.setStationId(a_parser.value(s_sStation));
-    a_record.setStationName(a_parser.value(s_sStation)); // the id is also the name
+    a_record.setStationName(a_parser.value(s_sStation)); // the station's id is also its name
     if (a_parser.isSet(s_sType)) {
         a_record.setDeviceType(a_parser.value(s_sType));
     }

@@ -17,9 +17,9 @@ namespace {
 constexpr qsizetype s_iMaxComparedLength = 64; ///< longer texts are not compared
 constexpr qsizetype s_iLettersPerSlip = 4;     ///< text length per additional allowed typing error
 
-/// The edit distance of two texts: the number of letters to insert, delete or
-/// replace, regardless of case. Returns `a_iLimit` or more when the distance is at
-/// least that. O(n m) time, O(m) memory.
+/// The edit distance of two texts: the number of letters to insert, delete or replace,
+/// regardless of case. The result is exact below `a_iLimit`; otherwise it is only
+/// known to be at least `a_iLimit`. O(n m) time, O(m) memory.
 qsizetype slips(const QString& a_sFirst, const QString& a_sSecond, qsizetype a_iLimit)
 {
     if (std::abs(a_sFirst.size() - a_sSecond.size()) >= a_iLimit) {

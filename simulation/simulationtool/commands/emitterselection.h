@@ -15,8 +15,8 @@ namespace SimulationTool {
 
 using Emitters = QList<std::shared_ptr<Simulation::SzenarioEmitter>>;
 
-/// Keeps the emitters whose id, or whose name when no id matches, is one of the
-/// texts; all without texts. When a text matches neither, returns false, leaves the
+/// Keeps the emitters that the texts name by id or, when no id matches, by name.
+/// Without texts, keeps all. When a text matches no emitter, returns false, leaves the
 /// emitters unchanged and sets an error text that proposes a similar id or name.
 [[nodiscard]] bool selectEmitters(Emitters& a_emitters, const QStringList& a_texts, QString& a_sReason);
 

@@ -70,7 +70,7 @@ const Kind* kindOf(const InputFile& a_file)
     return found != s_kinds.end() ? &*found : nullptr;
 }
 
-/// Describes a file or package folder. A file of no other kind is read as a scenario;
+/// Describes a file or package folder. A file of unknown kind is read as a scenario;
 /// no value when that fails.
 std::optional<Verdict> describe(Report& a_report, const InputFile& a_file)
 {

@@ -83,7 +83,7 @@ QJsonObject headerOf(const PlayOptions& a_options, const InputFile& a_file, std:
 }
 
 /// One play: the scenario, its window and emitters, the sink of its rows, and the
-/// packages, which are null without a repository. Owns the scenario only.
+/// packages. The packages are null without a repository. Owns the scenario only.
 class Play
 {
 public:
@@ -108,8 +108,8 @@ private:
     RepositoryPackages* m_pPackages;
     Output& m_output;
     Report m_report;
-    /// Declared before m_emitters, so that it is destroyed after them: it releases
-    /// the objects that it alone holds.
+    /// Declared before m_emitters, so that it is destroyed after it. Its destructor
+    /// releases only objects that no other owner holds.
     std::unique_ptr<Simulation::ScenarioDataXml> m_scenario;
     Emitters m_emitters;
     std::uint32_t m_uiTo = 0; ///< ms

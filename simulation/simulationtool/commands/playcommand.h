@@ -23,15 +23,15 @@ struct PlayOptions
     std::optional<std::uint32_t> to; ///< no value = the scenario's duration, at most 10 s
     std::uint32_t step = 100;        ///< at least 1
     QString csvFile;                 ///< empty = a table on the output, "-" = the output
-    QString repository;              ///< folder to resolve packages from; empty = none, and no levels
+    QString repository;              ///< folder to resolve packages from; empty = none, without levels
     QString cache;                   ///< folder that is kept; empty = a temporary one
     QStringList emitters;            ///< ids or names of the emitters to play; empty = all
     ReportForm form = ReportForm::Text;
 };
 
-/// Plays a scenario over [from, to) and writes one row per time and emitter, emitters
-/// ordered by id. Rows are written at once, so memory does not grow with the window.
-/// When interrupted, removes its temporary files and returns Unusable; see
+/// Plays a scenario over [from, to) and writes one row per time and emitter. The
+/// emitters are ordered by id. Rows are written at once, so memory does not grow with
+/// the window. When interrupted, removes its temporary files and returns Unusable; see
 /// interruption.h.
 [[nodiscard]] ExitCode runPlay(const PlayOptions& a_options, Output& a_output);
 

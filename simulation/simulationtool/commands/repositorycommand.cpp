@@ -69,8 +69,8 @@ ExitCode runRepositoryInit(const QString& a_sFolder, ReportForm a_eForm, Output&
     const QString sStore = packageStoreOf(folder.path());
     const QString sScenario =
         Simulation::DataStoreFactory::defaultScenario(folder.filePath(QStringLiteral("Files")));
-    // The library reports default data that cannot be written as a success with an
-    // error text.
+    // When default data cannot be written, the library returns success but sets an error
+    // text.
     if (!sError.isEmpty()) {
         return refuse(a_sFolder, QStringLiteral("the default data could not be written: ") + sError);
     }

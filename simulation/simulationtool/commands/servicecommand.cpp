@@ -55,8 +55,7 @@ ExitCode runService(const QHostAddress& a_address, std::uint16_t a_uiPort, std::
                     Output& a_output)
 {
     using Simulation::Limits;
-    // Refuses contents that exceed the devices' document limit, instead of inflating
-    // them.
+    // Refuses contents that would inflate to more than the document limit of the devices.
     Limits::setValue(Limits::InflatedBytes, Limits::value(Limits::DocumentBytes));
     InterruptibleLoop loop;
     SimulationService simulationService(a_timeout);

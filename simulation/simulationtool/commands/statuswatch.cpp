@@ -44,7 +44,8 @@ QJsonObject deviceObject(const ServiceController& a_controller,
             {QStringLiteral("report"), state ? jsonText(state->message()) : QJsonValue()}};
 }
 
-/// Identifies a run: changes when the scenario is started, paused or stopped.
+/// A text that identifies a run. It changes when the scenario is started, paused or
+/// stopped.
 QString runMark(const ServiceController& a_controller)
 {
     const auto& timing = a_controller.timing();

@@ -12,9 +12,9 @@ namespace SimulationTool {
 class Report;
 class ServiceController;
 
-/// Follows a service: writes one line with the time for each device and for the run
-/// of the scenario, and another one after every change. With --json each line is a
-/// JSON object, see docs/json.md.
+/// Follows a service. Writes one line for each device and one for the run of the
+/// scenario, and a new line after every change. Each line has the time. With --json
+/// each line is a JSON object, see docs/json.md.
 class StatusWatch
 {
 public:
@@ -22,8 +22,8 @@ public:
     /// service.
     StatusWatch(ServiceController& a_controller, Report& a_report);
 
-    /// Runs until the process is interrupted, which returns Ok, or until the
-    /// connection is lost or the output fails, which returns Unusable.
+    /// Runs until the process is interrupted, and then returns Ok. Returns Unusable when
+    /// the connection is lost or the output fails.
     [[nodiscard]] ExitCode run();
 
 private:

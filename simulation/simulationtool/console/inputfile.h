@@ -18,7 +18,7 @@ namespace SimulationTool {
 class InputFile
 {
 public:
-    /// `a_sArgument` is the command's argument. Opens nothing yet.
+    /// `a_sArgument` is the command's argument. Does not open the file.
     explicit InputFile(const QString& a_sArgument);
     ~InputFile();
     InputFile(const InputFile&) = delete;

@@ -17,8 +17,9 @@ void ignoreClosedPipes();
 /// Whether such a signal was received.
 [[nodiscard]] bool isInterrupted();
 
-/// A file descriptor for event loops, which a noted signal does not wake. Becomes
-/// readable when a signal is received and stays so. -1 before catchInterruptions().
+/// A file descriptor that becomes readable when a signal is received, and stays
+/// readable. Event loops wait for it, because a noted signal alone does not wake them.
+/// -1 before catchInterruptions().
 [[nodiscard]] int interruptionDescriptor();
 
 /// Forgets the received signal, for commands whose normal end is an interruption.

@@ -15,8 +15,8 @@ namespace {
 constexpr int s_iHexadecimal = 16;
 constexpr int s_iEscapeDigits = 4;
 
-/// Escapes the characters that JSON allows but that can control a terminal. Outside
-/// of strings JSON contains none of them except line ends, which are kept.
+/// Escapes characters that JSON allows in strings although they can control a
+/// terminal. Outside of strings only line ends occur, and these are kept.
 QString escaped(const QByteArray& a_json)
 {
     const QString sJson = QString::fromUtf8(a_json);

@@ -17,7 +17,8 @@ class LogLimit : public QObject
 public:
     LogLimit();
 
-    /// Passes or drops a line. A final line is the last one and is never dropped.
+    /// Passes or drops a line. A final line is the last one that the owner logs; it is
+    /// never dropped.
     void log(const QString& a_sLine, bool a_bFinal = false);
 
     /// A text of a peer as part of a line: shortened to 100 characters.

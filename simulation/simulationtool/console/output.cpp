@@ -86,8 +86,8 @@ QString timeStamp(std::uint64_t a_uiMicroseconds)
     constexpr std::uint64_t uiMicroseconds = 1000; // in a millisecond
     const QDateTime local =
         QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(a_uiMicroseconds / uiMicroseconds));
-    // The text of a local time has no offset; that of a time with a fixed offset has
-    // one.
+    // The toolkit writes the offset only for a time with a fixed offset, not for a local
+    // time.
     return local.toOffsetFromUtc(local.offsetFromUtc()).toString(Qt::ISODateWithMs);
 }
 

@@ -47,9 +47,9 @@ void writeLog(const QString& a_sMessage);
 /// millisecond: "2026-11-23T12:00:01.123+01:00". The offset of UTC itself is "Z".
 [[nodiscard]] QString timeStamp(std::uint64_t a_uiMicroseconds);
 
-/// Lets the program end silently when the reader of its output closes the pipe, and
-/// opens closed standard streams on /dev/null, so that no file opened later takes
-/// their place. Call before anything else.
+/// Lets the program end silently when the reader of its output closes the pipe. Opens
+/// closed standard streams on /dev/null, so that no file opened later takes their
+/// place. Call before anything else.
 void prepareStandardStreams();
 
 } // namespace SimulationTool

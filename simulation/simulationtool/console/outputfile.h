@@ -13,8 +13,8 @@ namespace SimulationTool {
 /// and keeps the old file, without a line.
 [[nodiscard]] ExitCode replaceFile(const QString& a_sFile, const QByteArray& a_data);
 
-/// Whether two names lead to the same file. The first may be empty or name no file;
-/// the result is false then.
+/// Whether two names lead to the same file. False when the first name is empty or
+/// names no file.
 [[nodiscard]] bool isSameFile(const QString& a_sFirst, const QString& a_sSecond);
 
 } // namespace SimulationTool

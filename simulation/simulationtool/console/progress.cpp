@@ -16,7 +16,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr milliseconds s_quiet(1000);  ///< no line is shown before
+constexpr milliseconds s_quiet(1000);  ///< before the line is shown
 constexpr milliseconds s_renewal(200); ///< between two updates of the line
 constexpr int s_iUsualColumns = 80;
 

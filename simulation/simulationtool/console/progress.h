@@ -10,16 +10,16 @@
 
 namespace SimulationTool {
 
-/// A progress line on standard error: after 1 s it shows the work and the seconds
-/// passed, and it is erased when the object ends. Writes nothing unless standard
-/// error is a terminal. Only one object shows a line at a time; others show nothing.
-/// A thread of its own updates the line.
+/// A progress line on standard error. After 1 s it shows the work and the seconds
+/// passed. It is erased when the object ends. It is shown only when standard error is
+/// a terminal. Only one object shows a line at a time; others show nothing. A thread
+/// of its own updates the line.
 class Progress
 {
 public:
-    /// `a_sWork` names the work: "checking harbour.sce.exp". `a_detail`, if given,
-    /// returns more ("12 of 250 packages"). It is called five times a second on
-    /// another thread until the object ends.
+    /// `a_sWork` names the work: "checking harbour.sce.exp". `a_detail`, if given, returns
+    /// a detail ("12 of 250 packages"). It is called five times a second on another thread
+    /// until the object ends.
     explicit Progress(const QString& a_sWork, const std::function<QString()>& a_detail = {});
     ~Progress();
     Progress(const Progress&) = delete;
@@ -39,9 +39,8 @@ private:
     std::thread m_thread; ///< not started when no line is shown
 };
 
-/// Runs `a_write`, which writes to standard output or standard error, while no
-/// progress line is on the terminal: erases the line first; the next update shows it
-/// again. Any thread may call it.
+/// Erases the progress line and runs `a_write`, which writes to standard output or
+/// standard error. The next update shows the line again. Any thread may call it.
 void withoutProgress(const std::function<void()>& a_write);
 
 } // namespace SimulationTool

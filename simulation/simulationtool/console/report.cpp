@@ -259,7 +259,7 @@ void Report::keep(const char* a_szKey, const QJsonValue& a_value)
     }
 }
 
-/// Adds the current place to the document, which becomes the current place.
+/// Adds the current place to the document. The document becomes the current place.
 void Report::closePlace()
 {
     if (isText() || m_sPlaceKey.isEmpty()) {

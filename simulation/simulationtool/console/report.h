@@ -54,8 +54,8 @@ public:
     /// The same; the current place becomes a new object at the end of the document's
     /// list of that key.
     void itemHeading(const QString& a_sText, const char* a_szKey);
-    /// Begins a new object at the end of the document's list of that key; people see
-    /// nothing.
+    /// Begins a new object at the end of the document's list of that key. The text form
+    /// does not show it.
     void beginItem(const char* a_szKey);
     /// The current place becomes the document itself again.
     void endPlace() { closePlace(); }
@@ -77,8 +77,8 @@ public:
     /// The same, with a line for people.
     void record(const char* a_szKey, const QJsonObject& a_object, const QString& a_sText);
 
-    /// One event of a followed stream, written at once: the text for people, the
-    /// object on one line for programs. finish() writes no document then. False once
+    /// Writes one event of a followed stream at once: the text for people, or the object
+    /// on one line for programs. After an event, finish() writes no document. False once
     /// the output failed.
     [[nodiscard]] bool event(const QJsonObject& a_object, const QString& a_sText);
 
@@ -91,8 +91,8 @@ public:
     void titledTable(const char* a_szKey, const QString& a_sTitle, const QList<TextColumn>& a_columns,
                      const QList<ReportRow>& a_rows);
 
-    /// Writes the JSON document. Writes nothing in the text form, which is complete
-    /// already, and nothing after an event(). Call once, last.
+    /// Writes the JSON document, unless an event() was written. The text form is complete
+    /// already. Call once, last.
     void finish();
     /// False once the output failed; the caller may skip the rest of the report.
     [[nodiscard]] bool isOk() const;

@@ -30,7 +30,7 @@ bool isPlain(QChar a_cUnit)
     return a_cUnit >= QChar(s_cFirstPrintable) && a_cUnit < QChar(s_cDelete);
 }
 
-/// Line and paragraph separators break lines as control characters do.
+/// Line and paragraph separators are not harmless, because they break lines.
 bool isHarmless(char32_t a_cCodePoint)
 {
     const QChar::Category eCategory = QChar::category(a_cCodePoint);

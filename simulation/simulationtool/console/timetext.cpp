@@ -17,10 +17,10 @@ struct TimeUnit
 constexpr std::array<TimeUnit, 5> s_units{
     {{"", 1}, {"ms", 1}, {"s", 1000}, {"min", 60'000}, {"h", 3'600'000}}};
 
-constexpr qsizetype s_iMaxDigits = 12; ///< before and after the point; no product overflows 64 bits
+constexpr qsizetype s_iMaxDigits = 12; ///< on each side of the point, so that no product overflows 64 bits
 
-/// The decimal digits after the point, as whole milliseconds of a unit (ms). No value
-/// when they are not a whole number of milliseconds.
+/// Converts the digits after the decimal point to milliseconds. The unit is in ms. No
+/// value when the result is not a whole number.
 std::optional<std::uint64_t> fractionOf(const QString& a_sDigits, std::uint64_t a_uiUnit)
 {
     std::uint64_t uiScale = 1;

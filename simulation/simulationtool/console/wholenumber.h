@@ -11,7 +11,7 @@ namespace SimulationTool {
 /// The allowed range of a number on the command line.
 struct NumberRange
 {
-    QString name;     ///< the option or argument, as in "--step"
+    QString name;     ///< the option or argument, for example "--step"
     const char* unit; ///< follows "a whole number": " of milliseconds", or ""
     std::uint32_t min = 0;
     std::uint32_t max = UINT32_MAX;

@@ -39,7 +39,7 @@ bool CsvWriter::writeRow(const QStringList& a_fields)
     if (!m_bStandardOutput) {
         return m_file.write((sLine + sEnd).toUtf8());
     }
-    // An id may contain characters that control a terminal. A program gets it
+    // A terminal gets control characters of ids spelled out; a program gets ids
     // unchanged.
     m_output.write((m_bTerminal ? terminalText(sLine) : sLine) + sEnd);
     return m_output.isOk();

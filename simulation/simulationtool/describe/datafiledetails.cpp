@@ -33,9 +33,9 @@ void describeFile(Report& a_report, const QString& a_sKind, const InputFile& a_f
                    countValue(static_cast<quint64>(QFileInfo(a_file.path()).size()), "byte"));
 }
 
-/// The verdict on a file whose records have a rate. Finds a file that opens but whose
-/// `a_pLength` is 0: its length (ms; frames for a wave file) when rate or count is
-/// unusable.
+/// The verdict on a file whose records have a rate. A file that opens but has the
+/// length 0 is a finding, because its rate or count is unusable. `a_pLength` returns
+/// the length (ms; frames for a wave file).
 template<typename Reader>
 Verdict timedVerdict(const Reader& a_reader, std::uint32_t (Reader::*a_pLength)() const)
 {

@@ -34,7 +34,8 @@ struct PackageDataFile
 };
 extern const std::array<PackageDataFile, 4> s_packageDataFiles;
 
-/// The verdict on a signal shape file, after its reader's open(), successful or not.
+/// The verdict on a signal shape file. Call after the reader's open(), successful or
+/// not.
 [[nodiscard]] Verdict shapeVerdict(const Simulation::SignalShapeFile& a_reader);
 
 /// Describe the header of one file, under a heading of its own. The caller writes the

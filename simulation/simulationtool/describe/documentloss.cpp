@@ -31,8 +31,8 @@ struct Parts
     QStringList texts;
 };
 
-/// Whether the reader converts this element of formats before version 4 into one that
-/// has another name now.
+/// Whether the reader converts this element of an older format (before version 4) to
+/// an element with another name.
 bool isConverted(const QStringList& a_path)
 {
     const QString& sName = a_path.constLast();
@@ -50,8 +50,8 @@ void addElement(Parts& a_parts, QXmlStreamReader& a_reader, QStringList& a_path)
     QString sStep = a_reader.qualifiedName().toString();
     const QString sName = sStep.left(s_iShownCharacters);
     if (a_path.size() + 1 == s_iObjectDepth) {
-        // The id is part of the place, so that an object's missing part is not hidden
-        // by the same part of another object.
+        // The place includes the id. Otherwise a part of one object would hide that another
+        // object lacks this part.
         sStep += u' ';
         sStep += a_reader.attributes().value(QLatin1String("ID"));
     }

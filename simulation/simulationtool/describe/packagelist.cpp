@@ -34,7 +34,7 @@ ListedPackage readPackage(const QString& a_sFolder, const QString& a_sRelative)
     return listed;
 }
 
-/// Of packages with the same clean id a cache can use only one.
+/// Finds packages with the same clean id: a cache can use only one of them.
 void findSameIds(QList<ListedPackage>& a_packages)
 {
     QHash<QString, QString> folders;

@@ -9,9 +9,9 @@
 
 namespace SimulationTool {
 
-/// Forwards to another provider, and records which ids a scenario requested and which
-/// of them are unknown to that provider. After loading, the emissions themselves name
-/// only the replacement packages. Used on the provider's thread.
+/// Forwards to another provider. Records the ids that a scenario requested, and those
+/// of them that the provider does not know. Loaded emissions do not show this: they
+/// name only the replacement packages. Used on the provider's thread.
 class PackageUse : public ForwardingPackages
 {
 public:
@@ -21,8 +21,8 @@ public:
     /// Forgets the recorded ids, before another scenario is loaded.
     void clear();
 
-    /// A warning for the user with number and ids of the unknown packages, and
-    /// whether the default package replaces them. Empty when all are known.
+    /// A warning for the user: the number and ids of the unknown packages, and whether the
+    /// default package replaces them. Empty when all are known.
     [[nodiscard]] QString warning();
 
     std::shared_ptr<Simulation::SignalPackage> signalPackage(const QString& a_sId) override;

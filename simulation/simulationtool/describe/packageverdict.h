@@ -36,9 +36,9 @@ struct PackageVerdict
 /// The verdict on a descriptor file from which this package was read.
 [[nodiscard]] Verdict descriptorVerdict(const Simulation::SignalPackage& a_package, const QString& a_sFile);
 
-/// The reason why readable spectra of a package cannot be played; empty when they
-/// can. A package without a duration cannot, because spectra repeat over that
-/// duration.
+/// The reason why the spectra of a package cannot be played although they are
+/// readable; empty when they can. Spectra repeat over the package's duration, so a
+/// package without a duration cannot be played.
 [[nodiscard]] QString durationError(const Simulation::SignalPackage& a_package);
 
 } // namespace SimulationTool

@@ -52,7 +52,7 @@ struct Walk
     std::uint64_t records = 0;      ///< complete ones
     std::uint64_t missingBytes = 0; ///< of the last block
     std::uint64_t errorCount = 0;
-    QStringList errors;  ///< the first s_uiShownFaults
+    QStringList errors;  ///< the first s_uiShownErrors
     bool isLost = false; ///< a header was missing at a block's start
 };
 

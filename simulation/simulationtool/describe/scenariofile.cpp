@@ -40,8 +40,8 @@ QList<std::shared_ptr<Object>> ordered(const Objects& a_all)
     return objects;
 }
 
-/// Whether a compact scenario may begin with these bytes: not like an XML document,
-/// and with a count within the limit.
+/// Whether these bytes may begin a compact scenario: they do not begin like an XML
+/// document, and their count is within the limit.
 bool mayBeCompact(const QByteArray& a_head)
 {
     constexpr std::array<QByteArrayView, 3> byteOrderMarks{

@@ -29,10 +29,10 @@ class InputFile;
 /// The verdict on a document that was read, from its reader's error text.
 [[nodiscard]] Verdict documentVerdict(const QString& a_sError);
 
-/// Reads a scenario of the compact form, which has no signature. A file is accepted
-/// when its count and records fill it, when at least one record is complete, or when
-/// it ends within the first record; otherwise returns no value. Only regular files
-/// that do not begin like an XML document are read. The scenario must be empty.
+/// Reads a scenario of the compact form, which has no signature. Accepts a file that
+/// its count and records fill exactly, that has at least one complete record, or that
+/// ends within the first record. Returns no value for any other file. Reads only
+/// regular files that do not begin like an XML document. The scenario must be empty.
 [[nodiscard]] std::optional<Verdict> loadCompact(Simulation::ScenarioDataBinary& a_scenario,
                                                  const QString& a_sFile);
 

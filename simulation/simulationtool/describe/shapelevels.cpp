@@ -16,8 +16,8 @@ namespace {
 constexpr std::uint64_t s_uiShownRecords = 10;
 constexpr std::uint64_t s_uiRecordHeaderBytes = 16;
 
-/// The levels of a file with more records are not shown. A record lasts at most 1 s,
-/// so the duration (ms) of this number of records fits into 32 bits.
+/// Levels are shown only for files with at most this number of records. A record lasts
+/// at most 1 s, so their duration (ms) fits into 32 bits.
 constexpr std::uint64_t s_uiMaxRecords = 4'000'000;
 
 /// The number of records that are complete in the file.

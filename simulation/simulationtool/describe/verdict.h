@@ -19,8 +19,8 @@ struct Verdict
 /// The verdict on an unusable file.
 [[nodiscard]] Verdict refusedVerdict(const QString& a_sReason);
 
-/// The verdict on a file that lacks this many of the bytes that its header declares;
-/// negative when it contains more.
+/// The verdict on a file's size, from the number of bytes that the header declares but
+/// the file lacks. The number is negative when the file has more bytes than declared.
 [[nodiscard]] Verdict sizeVerdict(std::int64_t a_iMissingBytes);
 
 /// The more severe of two codes.

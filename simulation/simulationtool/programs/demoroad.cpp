@@ -97,7 +97,7 @@ bool DemoRoad::makeRepository()
                        .arg(m_folder.path(), sReason);
         return false;
     }
-    const QString sStore = packageStoreOf(m_folder.path()); // exists only now
+    const QString sStore = packageStoreOf(m_folder.path()); // the folder exists only now
     const auto uiPackages = static_cast<quint64>(Simulation::SignalPackageFolder::list(sStore).size());
     log(QStringLiteral("demo"),
         QStringLiteral("repository with %1 in a temporary folder").arg(counted(uiPackages, "package")));

@@ -23,9 +23,9 @@ namespace SimulationTool {
 class Report;
 class Sink;
 
-/// Runs a scenario from an editor to two devices, with all programs in this process:
-/// they communicate over the loopback interface and share a clock that is moved by
-/// the steps, so that no step waits for the scenario's time.
+/// Runs a scenario from an editor to two devices, with all programs in this process.
+/// They communicate over the loopback interface. They share a clock that the steps
+/// move, so that no step waits for the scenario's time.
 ///
 /// Replaces the process's clock (VelaOS) during its life. Used on the main thread.
 class DemoRoad : public QObject

@@ -65,7 +65,7 @@ QString placeDevice(Simulation::SimulationDeviceConfiguration& a_device,
     }
     const Simulation::TPos position = pPlace->position();
     a_device.setStationId(sStation);
-    a_device.setStationName(sStation); // the id is also the name
+    a_device.setStationName(sStation); // the station's id is also its name
     a_device.setPositionLongitude(position.longitude);
     a_device.setPositionLatitude(position.latitude);
     const QString sWhere =

@@ -11,9 +11,9 @@ class SimulationDeviceConfiguration;
 namespace SimulationTool {
 
 /// Sets the station and the position (at scenario time 0) of a device's record from a
-/// deployment. Uses the deployment's device with its id, otherwise the only one with
-/// its name. Returns the event to report (see DeviceReport). When the deployment has
-/// no place for the device, the record stays unchanged.
+/// deployment. Uses the deployment's device with the record's id, otherwise the only
+/// device with the record's name. Returns the event to report (see DeviceReport). When
+/// the deployment has no place for the device, the record stays unchanged.
 [[nodiscard]] QString placeDevice(Simulation::SimulationDeviceConfiguration& a_device,
                                   const Simulation::DeploymentDataXml& a_deployment);
 

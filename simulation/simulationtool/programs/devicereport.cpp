@@ -55,7 +55,7 @@ QString DeviceReport::scenarioText(const QString& a_sName, qsizetype a_iEmitters
 
 OrderOutcome startOutcome(const QString& a_sMessage, std::uint32_t a_uiTime)
 {
-    // The time until the start may follow.
+    // The message may continue with the time until the start.
     if (a_sMessage.startsWith(DeviceReport::plays(a_uiTime))) {
         return OrderOutcome::Done;
     }

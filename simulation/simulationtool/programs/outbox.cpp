@@ -150,11 +150,11 @@ QByteArray Outbox::take(qsizetype a_iMost)
     return taken;
 }
 
-/// From now on the first entry is not superseded, because a part of it was taken.
+/// Protects the first entry from being superseded, because a part of it was taken.
 void Outbox::keepFirst()
 {
     const auto first = m_entries.begin();
-    // After an unregistration another report of the same key may wait.
+    // The report of this key may be a later entry, appended after an unregistration.
     if (const auto it = m_reports.constFind(first->key); it != m_reports.constEnd() && *it == first) {
         m_reports.erase(it);
     }

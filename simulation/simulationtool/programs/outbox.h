@@ -10,7 +10,7 @@
 
 namespace SimulationTool {
 
-/// The effect of a command on those that wait before it, see Outbox.
+/// The kind of a command. It determines the effect on waiting commands, see Outbox.
 enum class OutgoingKind {
     Other,
     ScenarioLoad,
@@ -49,15 +49,15 @@ private:
     mutable qsizetype m_iOutboxes = 0; ///< number of outbox entries that hold it
 };
 
-/// Never holds an empty command; null without a command.
+/// Null, or a command that is not empty.
 using OutgoingCommandPtr = std::shared_ptr<const OutgoingCommand>;
 
 /// The commands that wait for one peer to read them, in sending order. Owned by the
 /// peer; used on its thread.
 ///
 /// For a peer that reads slowly, only the newest of each report and document is held.
-/// A new command has this effect on the commands that wait before it, except on one of
-/// which a part was taken:
+/// A command that was partly taken stays. A new command has this effect on the other
+/// commands that wait before it:
 ///
 ///   a report             replaces the earlier report with its key,
 ///   a scenario, and an   remove the earlier scenario, and the starts and pauses
@@ -69,10 +69,10 @@ using OutgoingCommandPtr = std::shared_ptr<const OutgoingCommand>;
 /// All other commands stay, in their order. Stops and unloads always stay: they are
 /// small, and a run ends as early as it would without removals.
 ///
-/// A device therefore ends in the same state as after the whole sequence, because each
-/// scenario replaces the loaded one, even when it cannot be read, and only the newest
-/// deployment sets the device's place. Every start applies to the scenario for which
-/// it was sent.
+/// A device therefore ends in the same state as after the whole sequence. Each
+/// scenario replaces the loaded one, even when the new one cannot be read, and only
+/// the newest deployment sets the device's place. Every start applies to the scenario
+/// for which it was sent.
 class Outbox
 {
 public:

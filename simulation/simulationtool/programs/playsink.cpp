@@ -235,7 +235,7 @@ Moment::Moment(const Simulation::SzenarioEmitter& a_emitter, std::uint32_t a_uiT
     }
     const Simulation::SzenarioEmitter::Transmission sent = a_emitter.transmissionAt(a_uiTime);
     active = sent.isActive;
-    // A schedule also continues while its emitter is inactive or has ended.
+    // The schedule names a package even while its emitter is inactive or has ended.
     if (sent.isActive && sent.signalPackage) {
         packageId = sent.signalPackage->id();
         if (a_pPackages != nullptr) {

@@ -54,8 +54,8 @@ public:
     [[nodiscard]] virtual bool end(bool a_bOk, const QJsonObject& a_summary) = 0;
 };
 
-/// Writes the rows of a table with columns wide enough for these emitter ids and for
-/// times up to `a_uiTo` (ms); in JSON the report's list "rows".
+/// Writes the rows as a table, in JSON as the report's list "rows". The columns are
+/// wide enough for these emitter ids and for times up to `a_uiTo` (ms).
 [[nodiscard]] std::unique_ptr<Sink> makeTableSink(Report& a_report, const QStringList& a_ids,
                                                   std::uint32_t a_uiTo, bool a_bLevels);
 /// Writes one JSON document as the rows arrive: the header, the list "rows" and the

@@ -22,8 +22,8 @@ namespace {
 
 constexpr std::uint64_t s_uiLoggedMessages = 20;
 
-/// Whether a path is a folder or inside it, after resolving links of its existing
-/// part.
+/// Whether a path is the folder itself or lies in it. Resolves links in the existing
+/// part of the path.
 bool isInside(const QString& a_sPath, const QString& a_sFolder)
 {
     QFileInfo place(QDir(a_sPath).absolutePath());
@@ -35,8 +35,8 @@ bool isInside(const QString& a_sPath, const QString& a_sFolder)
     return sPlace == sFolder || sPlace.startsWith(sFolder.endsWith(u'/') ? sFolder : sFolder + u'/');
 }
 
-/// The error text for a folder that must not be used as a cache, because the cache's
-/// files would replace the user's; empty when it may.
+/// The error text for a folder that must not be used as a cache, because the cache
+/// would replace the user's files. Empty for a usable folder.
 QString cacheError(const QString& a_sCache, const QString& a_sRepository)
 {
     if (QFileInfo::exists(a_sCache) && !QFileInfo(a_sCache).isDir()) {
@@ -45,8 +45,8 @@ QString cacheError(const QString& a_sCache, const QString& a_sRepository)
     if (isInside(a_sCache, a_sRepository)) {
         return QStringLiteral("lies in the repository: choose another --cache");
     }
-    // A cache folder contains the files of the built-in package, as a signal package
-    // does.
+    // A cache folder also looks like a signal package, because it contains the files of
+    // the built-in one.
     return Simulation::SignalPackageFolder::isValid(a_sCache) &&
                    !Simulation::SignalPackageCache::isCacheFolder(a_sCache)
                ? QStringLiteral("is a signal package, not a cache: choose another --cache")
@@ -96,7 +96,8 @@ bool RepositoryPackages::fillCache()
     tellCopyFailures(QStringLiteral("the built-in package"));
     updateCache();
     const auto uiFailed = static_cast<quint64>(m_cache->copyFailures().packages);
-    // Without a number no package was read, for example because a folder is missing.
+    // An error without failed packages means that no package was read, for example
+    // because a folder is missing.
     tellCopyFailures(uiFailed == 0
                          ? QStringLiteral("the packages of the repository")
                          : QStringLiteral("%1 of the repository").arg(counted(uiFailed, "package")));

@@ -29,8 +29,8 @@ void addServerOption(QCommandLineParser& a_parser);
 [[nodiscard]] std::optional<ServerAddress> readServerOption(const QCommandLineParser& a_parser,
                                                             QString& a_sReason);
 
-/// The usual text of an address and port. An IPv4 address that a socket for both
-/// protocols returns in IPv6 form is written as IPv4.
+/// The usual text of an address and port. A socket for both protocols returns IPv4
+/// addresses in IPv6 form; they are written as IPv4.
 [[nodiscard]] QString addressText(const QHostAddress& a_address, std::uint16_t a_uiPort);
 
 } // namespace SimulationTool

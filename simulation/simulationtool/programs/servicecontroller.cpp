@@ -47,7 +47,7 @@ void ServiceController::connectSignals()
     connect(&m_socket, &QTcpSocket::connected, this, &ServiceController::noteProgress);
     connect(&m_socket, &QTcpSocket::disconnected, this, [this] { m_loop.quit(); });
     connect(&m_socket, &QTcpSocket::bytesWritten, this, [this] {
-        if (m_iTransfer > 0) { // the others are requests, which are no progress
+        if (m_iTransfer > 0) { // otherwise only a request was written, which is not progress
             showTransfer();
             noteProgress();
         }
@@ -177,8 +177,8 @@ bool ServiceController::idle(std::chrono::milliseconds a_time)
     return m_sError.isEmpty() && !isInterrupted();
 }
 
-/// Each listed device makes progress once, so that a device that repeats its states
-/// cannot prolong a wait without limit.
+/// Counts progress once for each listed device, so that a device that repeats its
+/// states cannot prolong a wait without limit.
 void ServiceController::noteState(const QString& a_sId, const Simulation::SimulationDeviceState& a_state)
 {
     m_states[a_sId] = a_state;

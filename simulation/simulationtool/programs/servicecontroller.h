@@ -45,15 +45,15 @@ public:
 
     [[nodiscard]] bool connectToService(const ServerAddress& a_server);
 
-    /// Acquires the service. Otherwise the controller is read-only, and receives the
-    /// states and the run with every synchronize().
+    /// Acquires the service. Without this call the controller is read-only, and receives
+    /// the states and the run with every synchronize().
     void acquire();
 
     /// Sends orders; call synchronize() after them.
     [[nodiscard]] Simulation::SimulationServiceCommunication& communication() { return m_communication; }
 
-    /// Waits until the service has received everything that was sent, which only the
-    /// answer to a later request confirms. Updates the list of devices.
+    /// Waits until the service has received everything that was sent. For this it requests
+    /// the list of devices and waits for the answer. Updates devices().
     [[nodiscard]] bool synchronize();
 
     /// Sends a scenario and waits until each registered device has loaded it or
@@ -119,7 +119,7 @@ private:
     Answers m_answers;
     QSet<QString> m_done; ///< devices that loaded or failed since the last scenario was sent
     Simulation::ScenarioTimingHelper m_timing;
-    qint64 m_iTransfer = 0; ///< bytes to write at its begin; 0 = all sent
+    qint64 m_iTransfer = 0; ///< bytes to write when the transfer began; 0 = all sent
 };
 
 } // namespace SimulationTool

@@ -60,7 +60,8 @@ void ServicePeer::connectSocket()
     m_pSocket->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
     m_pSocket->setReadBufferSize(s_iReadBytes);
     m_communication.setSocket(m_pSocket);
-    // Connected after the communication, which has then read the received bytes.
+    // This slot runs after the communication's slot, which has then read the received
+    // bytes.
     connect(m_pSocket, &QTcpSocket::readyRead, this, &ServicePeer::noteReceived);
     connect(m_pSocket, &QTcpSocket::bytesWritten, this, [this] {
         m_sending.note(!m_outbox.isEmpty() || m_pSocket->bytesToWrite() > 0);
@@ -106,8 +107,8 @@ void ServicePeer::report(const QString& a_sKey, const OutgoingCommandPtr& a_pCom
     }
 }
 
-/// Uses a queued call, because the event loop may delay a timer as long as sockets
-/// have something to read.
+/// Uses a queued call, because the event loop may delay a timer while sockets have
+/// bytes to read.
 void ServicePeer::scheduleWrite()
 {
     if (m_outbox.isEmpty()) {

@@ -31,8 +31,8 @@ class ServicePeer : public QObject
 
 public:
     /// Takes ownership of a connected socket. `a_pTotal` counts the pending bytes of all
-    /// peers (see pendingBytes()), a command for several peers once. The peer is lost
-    /// when it does not read pending bytes, or leaves a command unfinished, for the
+    /// peers (see pendingBytes()); a command for several peers counts once. The peer is
+    /// lost when it does not read pending bytes or leaves a command unfinished for the
     /// timeout.
     ServicePeer(QTcpSocket* a_pSocket, std::shared_ptr<qint64> a_pTotal, std::chrono::milliseconds a_timeout,
                 QObject* a_pParent);
@@ -48,11 +48,11 @@ public:
     /// Outbox).
     void report(const QString& a_sKey, const OutgoingCommandPtr& a_pCommand);
 
-    /// The bytes that the service holds for this peer: of an unfinished command, and
-    /// of commands that wait to be read by the peer.
+    /// The bytes that the service holds for this peer: an unfinished received command, and
+    /// commands that the peer has not read yet.
     [[nodiscard]] qint64 pendingBytes() const { return m_iUnfinished + m_outbox.bytes(); }
 
-    /// Ends the connection at once. After it no bytes are received and no signal is
+    /// Ends the connection at once. Afterwards no bytes are received and no signal is
     /// emitted.
     void close();
 

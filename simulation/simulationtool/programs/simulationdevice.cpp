@@ -85,7 +85,7 @@ std::uint32_t SimulationDevice::duration() const
 
 // Registration
 
-/// Logs one line until the next connection.
+/// Logs only the first failed attempt before the next connection.
 void SimulationDevice::slotNotConnected()
 {
     if (!m_connector->isConnected() && !std::exchange(m_bLoggedWaiting, true)) {
@@ -140,7 +140,7 @@ void SimulationDevice::slotAccepted(const QString& a_sId, const QString& a_sConf
         m_bLoggedIgnoring = true;
         return;
     }
-    if (!bBefore) { // otherwise it confirms a new place
+    if (!bBefore) { // otherwise the service confirms a new place
         m_log.log(QStringLiteral("accepted"));
         reportState();
     }
@@ -225,8 +225,8 @@ void SimulationDevice::connectRunOrders()
     });
 }
 
-/// Ignores former deployments, because a device that connects late or reads slowly
-/// receives only the newest one.
+/// Places the device by this deployment alone. A device that connects late or reads
+/// slowly receives only the newest deployment.
 void SimulationDevice::deploy(const QByteArray& a_deployment)
 {
     m_deployment = a_deployment;
@@ -243,7 +243,7 @@ void SimulationDevice::deploy(const QByteArray& a_deployment)
     }
     if (placed.toXml() != m_configuration.toXml()) {
         m_configuration = placed;
-        registerDevice(); // before the report, whose reader asks for the new place
+        registerDevice(); // before the report: its reader requests the new place
     }
     reportEvent(sEvent);
 }
@@ -252,7 +252,7 @@ void SimulationDevice::load(const QByteArray& a_scenario)
 {
     unload();
     setState(ScenarioDataState::Loading);
-    m_connector->socket()->flush(); // sent before the reading, which may take long
+    m_connector->socket()->flush(); // sends the state now, because the reading may take long
     m_packages.clear();
     m_scenario = std::make_unique<Simulation::ScenarioDataXml>(&m_packages);
     const bool bRead = m_scenario->fromXml(a_scenario);
@@ -305,7 +305,8 @@ void SimulationDevice::setState(ScenarioDataState a_eState)
     reportState();
 }
 
-/// An unconfirmed or unconnected device reports its state after the confirmation.
+/// Reports the state if the service has confirmed the device. Otherwise slotAccepted()
+/// reports it later.
 void SimulationDevice::reportState()
 {
     if (m_bAccepted) {
@@ -406,8 +407,8 @@ void SimulationDevice::playStep()
     }
 }
 
-/// The time is stopped unless something plays or is paused. Otherwise the last event,
-/// such as why a start was not obeyed, remains the one that is reported.
+/// Without a playing or paused scenario, only logs a line. The last event, for example
+/// the error of a refused start, then stays in the report.
 void SimulationDevice::pause(std::uint32_t a_uiTime)
 {
     if (m_timing.isStopped()) {

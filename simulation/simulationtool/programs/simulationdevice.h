@@ -120,7 +120,7 @@ private:
     void endPlay(const QString& a_sReason);
     void wakeIn(std::uint64_t a_uiMilliseconds);
 
-    const Simulation::SimulationDeviceConfiguration m_undeployed; ///< the place without a deployment
+    const Simulation::SimulationDeviceConfiguration m_undeployed; ///< with the configured place
     Simulation::SimulationDeviceConfiguration m_configuration;
     PackageUse m_packages; ///< outlives the scenario
     QString m_sPackageRemark;
@@ -147,7 +147,7 @@ private:
     bool m_bBegun = false;                   ///< the start time of the play was reached
     std::uint64_t m_uiBegin = 0;             ///< us since 1970
     std::uint32_t m_uiFirst = 0;             ///< scenario time of step 0, in ms
-    std::optional<std::uint32_t> m_lastStep; ///< none yet
+    std::optional<std::uint32_t> m_lastStep; ///< no value before the first step
     std::uint32_t m_uiPlayed = 0;            ///< steps
 };
 

@@ -25,15 +25,15 @@ using Simulation::SimulationDeviceConfiguration;
 using Simulation::SimulationDeviceState;
 
 constexpr int s_iAcceptAgain = 1000;                ///< ms
-constexpr qsizetype s_iMaxRecordBytes = 16'384;     ///< of a device's list entry; usual ones have 1000
+constexpr qsizetype s_iMaxRecordBytes = 16'384;     ///< of a device's list entry; usual entries have 1000
 constexpr qsizetype s_iMaxDevices = 4096;           ///< so that the list stays within the document limit
 constexpr qsizetype s_iMaxCommandBytes = 1'048'576; ///< of a command without a payload
 
 constexpr int s_iBacklog = 4096;      ///< waiting connections; the system's maximum
 constexpr int s_iAcceptedAtOnce = 32; ///< before the peers' turn; takes 2 ms
 constexpr int s_iDroppedAtOnce = 64;
-/// Not 0, because the event loop may delay such a timer as long as sockets have
-/// something to read.
+/// Not 0, because the event loop may delay a timer of 0 ms while sockets have bytes to
+/// read.
 constexpr std::chrono::milliseconds s_dropInterval(1);
 
 /// The number of connections that the process can open, after raising its limit.
@@ -183,13 +183,14 @@ void SimulationService::drop(ServicePeer* a_pPeer, const QString& a_sReason)
     }
     release(a_pPeer);
     a_pPeer->close();
-    a_pPeer->deleteLater(); // this may be a slot on its own signals
+    a_pPeer->deleteLater(); // the caller may be a slot of the peer's signals
     if (std::exchange(m_bFull, false)) {
         m_server.resumeAccepting();
     }
 }
 
-/// Whether a command is decoded: decoding a payload may take much time and memory.
+/// Whether a command is to be decoded. Decoding a payload may take much time and
+/// memory.
 bool SimulationService::accepts(ServicePeer& a_peer, const QString& a_sCommand, qsizetype a_iBytes) const
 {
     const CommandKind eKind = commandKind(a_sCommand);
@@ -208,8 +209,8 @@ bool SimulationService::accepts(ServicePeer& a_peer, const QString& a_sCommand, 
     return true;
 }
 
-/// The kept deployment and scenario do not count, because they are held without a
-/// waiting peer as well.
+/// Whether the pending bytes of all peers exceed the limit. The kept deployment and
+/// scenario do not count, because the service holds them in any case.
 bool SimulationService::isPendingExceeded() const
 {
     qint64 iPending = *m_pPending;
@@ -237,7 +238,7 @@ void SimulationService::slotBoundPending()
     }
 }
 
-// What devices say
+// Commands of devices
 
 void SimulationService::registerDevice(ServicePeer* a_pPeer, const QString& a_sId,
                                        const SimulationDeviceConfiguration& a_configuration)
@@ -250,7 +251,7 @@ void SimulationService::registerDevice(ServicePeer* a_pPeer, const QString& a_sI
     Device& device = m_devices[a_sId];
     ServicePeer* const pFormer = std::exchange(device.peer, a_pPeer);
     SimulationDeviceConfiguration listed = a_configuration;
-    listed.setId(a_sId); // devices are found by this id, also when the record differs
+    listed.setId(a_sId); // devices are found by this id, even when the record has another
     if (pFormer == nullptr || listed.toXml() != device.configuration.toXml()) {
         device.configuration = listed;
         m_deviceList.reset();
@@ -282,7 +283,7 @@ QString SimulationService::registrationError(const QString& a_sId,
     }
     SimulationDeviceConfiguration listed = a_configuration;
     listed.setId(a_sId);
-    // The size as sent: escaped in the list, and the id in attributes.
+    // The size as sent: with the escaping in the list and the id in attributes.
     const qsizetype iBytes = Communication::encode([&](Communication& a_to) {
                                  a_to.sendResponseSimulationDevices({listed});
                                  a_to.sendSimulationDeviceStateUpdate(a_sId, SimulationDeviceState());
@@ -296,8 +297,8 @@ QString SimulationService::registrationError(const QString& a_sId,
                : QStringLiteral("there are %1 devices already").arg(s_iMaxDevices);
 }
 
-/// The former owner of an id stays connected: if it reconnected at once, both would
-/// take the id from each other without end.
+/// The former owner of an id stays connected. If it were dropped, it would reconnect
+/// at once, and both would take the id from each other without end.
 void SimulationService::takeOver(const QString& a_sId, ServicePeer* a_pFrom)
 {
     a_pFrom->deviceIds().remove(a_sId);

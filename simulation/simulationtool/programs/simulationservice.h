@@ -29,11 +29,11 @@ namespace SimulationTool {
 
 class ServicePeer;
 
-/// The centre of the simulation: devices register with it, and one program, the
-/// controller, sends orders that the service passes on to all devices, and receives
-/// their states. The controller is the last program that acquired the service. When
-/// it releases the service or disconnects, the program that acquired the service
-/// before it controls again, if it is still connected.
+/// The centre of the simulation. Devices register with it. One program, the
+/// controller, receives their states and sends orders, which the service passes on to
+/// all devices. The controller is the last program that acquired the service. When it
+/// releases the service or disconnects, the program that acquired the service before
+/// it controls again, if it is still connected.
 ///
 /// The service keeps what a device that registers late needs: the deployment, the
 /// scenario, the test mode, and the run of the scenario. A program that becomes the
@@ -43,12 +43,12 @@ class ServicePeer;
 /// connection must not wait for the end of the old one.
 ///
 /// No peer is trusted. A peer is dropped, without effect on the others, when it sends
-/// unreadable bytes, does not read, leaves a command unfinished or registers too
-/// much. For a peer that reads slowly, only the newest state of each device, the newest
-/// scenario and the newest deployment wait (see Outbox). Limits::AllPendingBytes limits the bytes that
-/// the service holds for all peers together, of unfinished commands and of commands
-/// that wait to be read. When it is exceeded, the peer with the most bytes is dropped.
-/// Used on one thread.
+/// unreadable bytes, does not read, leaves a command unfinished or registers too much.
+/// For a peer that reads slowly, only the newest state of each device, the newest
+/// scenario and the newest deployment wait (see Outbox). Limits::AllPendingBytes
+/// limits the bytes that the service holds for all peers together: unfinished
+/// commands, and commands that wait to be read. When it is exceeded, the peer with the
+/// most bytes is dropped. Used on one thread.
 class SimulationService : public QObject
 {
     Q_OBJECT
@@ -63,7 +63,8 @@ public:
     explicit SimulationService(std::chrono::milliseconds a_timeout = s_timeout);
     ~SimulationService() override;
 
-    /// With port 0 the system chooses one. False with errorString().
+    /// Listens on the address. With port 0 the system chooses a port. False, with
+    /// errorString(), after an error.
     [[nodiscard]] bool listen(const QHostAddress& a_address, std::uint16_t a_uiPort);
     [[nodiscard]] std::uint16_t port() const { return m_server.serverPort(); }
     [[nodiscard]] QString errorString() const { return m_server.errorString(); }
@@ -97,7 +98,7 @@ private:
     struct Answer
     {
         bool report = false; ///< the states of the devices, and the run of the scenario
-        int lists = 0;       ///< number of device lists after that, one per request
+        int lists = 0;       ///< number of device lists to send after the report, one per request
     };
 
     // Connections of peers

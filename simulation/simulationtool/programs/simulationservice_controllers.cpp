@@ -111,9 +111,9 @@ void SimulationService::acquire(ServicePeer* a_pPeer)
 }
 
 /// Lists are sent from the event loop, so that several changed records and requests
-/// need one new list only. The first report to a peer is sent at once, later ones
-/// from the event loop as well: the states are collected once for a peer that
-/// acquires and releases repeatedly.
+/// need only one new list. The first report to a peer is sent at once. Later reports
+/// are sent from the event loop as well, so that the states are collected once for a
+/// peer that acquires and releases repeatedly.
 void SimulationService::answer(ServicePeer* a_pPeer, const Answer& a_answer)
 {
     if (const auto it = m_answers.find(a_pPeer); it != m_answers.end()) {
@@ -216,7 +216,8 @@ void SimulationService::loadScenario(ServicePeer* a_pPeer, const QByteArray& a_s
     if (!isUsable(a_pPeer, "scenario", a_scenario)) {
         return;
     }
-    // The devices' former states do not apply to this scenario, and devices stop.
+    // The former states of the devices do not apply to this scenario. The run ends,
+    // because loading a scenario stops a device.
     const OutgoingCommandPtr pCommand =
         passOn(a_pPeer, QStringLiteral("scenario"), OutgoingKind::ScenarioLoad,
                [&](Communication& a_to) { a_to.sendLoadScenario(a_scenario); });

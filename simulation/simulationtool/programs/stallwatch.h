@@ -20,7 +20,8 @@ public:
 
     [[nodiscard]] bool isWaiting() const { return m_bWaiting; }
 
-    /// Reports progress, or the begin of a wait; with false, the end of the wait.
+    /// Call with true when a wait begins and after progress, and with false when the wait
+    /// ends.
     void note(bool a_bWaiting);
 
 Q_SIGNALS:
