@@ -21,7 +21,7 @@ LogLimit::LogLimit()
     m_window.setInterval(s_iWindow);
     connect(&m_window, &QTimer::timeout, this, [this] {
         m_iLines = 0;
-        tellLeftOut();
+        logLeftOut();
     });
 }
 
@@ -31,7 +31,7 @@ void LogLimit::log(const QString& a_sLine, bool a_bFinal)
         m_window.start();
     }
     if (a_bFinal) {
-        tellLeftOut();
+        logLeftOut();
     } else if (m_iLines == s_iMaxLines) {
         ++m_uiLeftOut;
         return;
@@ -46,7 +46,7 @@ QString LogLimit::part(const QString& a_sText)
     return shortened(a_sText, s_iMaxPart);
 }
 
-void LogLimit::tellLeftOut()
+void LogLimit::logLeftOut()
 {
     if (const quint64 uiLeftOut = std::exchange(m_uiLeftOut, 0); uiLeftOut > 0) {
         Q_EMIT logged(counted(uiLeftOut, "line") + QStringLiteral(" dropped"));

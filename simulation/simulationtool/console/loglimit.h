@@ -28,7 +28,7 @@ Q_SIGNALS:
     void logged(const QString& a_sLine);
 
 private:
-    void tellLeftOut();
+    void logLeftOut();
 
     QTimer m_window; ///< 10 s, from the first line that passes
     int m_iLines = 0;

@@ -93,18 +93,18 @@ bool RepositoryPackages::fillCache()
     if (!m_cache->prepareCacheForUse()) {
         return false;
     }
-    tellCopyFailures(QStringLiteral("the built-in package"));
+    reportCopyFailures(QStringLiteral("the built-in package"));
     updateCache();
     const auto uiFailed = static_cast<quint64>(m_cache->copyFailures().packages);
     // An error without failed packages means that no package was read, for example
     // because a folder is missing.
-    tellCopyFailures(uiFailed == 0
-                         ? QStringLiteral("the packages of the repository")
-                         : QStringLiteral("%1 of the repository").arg(counted(uiFailed, "package")));
+    reportCopyFailures(uiFailed == 0
+                           ? QStringLiteral("the packages of the repository")
+                           : QStringLiteral("%1 of the repository").arg(counted(uiFailed, "package")));
     return true;
 }
 
-void RepositoryPackages::tellCopyFailures(const QString& a_sWhat)
+void RepositoryPackages::reportCopyFailures(const QString& a_sWhat)
 {
     const auto failures = m_cache->copyFailures();
     if (failures.firstReason.isEmpty()) {

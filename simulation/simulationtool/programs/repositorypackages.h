@@ -69,7 +69,7 @@ public:
 private:
     [[nodiscard]] bool fillCache();
     void updateCache();
-    void tellCopyFailures(const QString& a_sWhat);
+    void reportCopyFailures(const QString& a_sWhat);
     void log(const QString& a_sMessage);
     void checkShape(const Simulation::SignalPackage& a_package, const Simulation::SignalShapeFile& a_reader);
 
