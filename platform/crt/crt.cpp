@@ -15,7 +15,7 @@ thread_local std::uint32_t t_uiState = 1;
 
 int Crt::rand()
 {
-    t_uiState = t_uiState * s_uiMultiplier + s_uiIncrement; // wraps modulo 2^32, intended
+    t_uiState = t_uiState * s_uiMultiplier + s_uiIncrement; // wraps modulo 2^32 on purpose
     // Returns the upper bits: the low bits of such a generator have short periods.
     return static_cast<int>((t_uiState >> s_uiResultShift) & static_cast<std::uint32_t>(s_iRandMax));
 }

@@ -3,16 +3,17 @@
 
 #include "simulationdata/simulationdata_export.h"
 
-/// The random numbers of the platform's C runtime, which stored scenarios
-/// depend on: the same seed gives the same hop sequence on every machine.
-/// The state is kept per thread and starts as if seeded with 1.
+/// The random numbers of the platform's C runtime. Stored scenarios depend on them:
+/// the same seed gives the same hop sequence on every machine. Each thread has its
+/// own state, which starts as if seeded with 1.
 namespace Crt {
 
 /// The largest number that rand() returns.
 constexpr int s_iRandMax = 0x7FFF;
 
-/// The next number of this thread's sequence, [0, 32767]. Linear congruential:
-/// state = state * 214013 + 2531011 (mod 2^32), result = bits 16 to 30.
+/// Returns the next number of this thread's sequence, [0, 32767]. Linear
+/// congruential: state = state * 214013 + 2531011 (mod 2^32), result = bits 16 to
+/// 30.
 SIMULATIONDATA_EXPORT int rand();
 
 /// Seeds this thread's sequence with `a_uiSeed`.

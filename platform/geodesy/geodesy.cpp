@@ -30,15 +30,15 @@ double normalised(double a_dAzimuth)
     return dTurned >= s_dFullCircle ? 0.0 : dTurned + 0.0;
 }
 
-/// The geodesic between two points. The default object stands for "none".
+/// The geodesic between two points. In the default object there is no geodesic.
 struct Way
 {
     double metres = s_dNotANumber;
     double azimuth = 0.0; ///< at the start, degrees clockwise from north, [-180, 180]
 };
 
-// GeographicLib takes the latitude first and may throw. Only these two functions call
-// it: they swap the coordinates and return NaN after an exception.
+// GeographicLib takes the latitude first and may throw exceptions. Only the next two
+// functions call it. They swap the coordinates and return NaN after an exception.
 
 /// The inverse geodesic problem: length and start azimuth of the shortest line.
 Way wayBetween(const Point& a_from, const Point& a_to)
@@ -57,7 +57,7 @@ Way wayBetween(const Point& a_from, const Point& a_to)
     }
 }
 
-/// The direct geodesic problem: the end of a line of given start, azimuth (degrees)
+/// The direct geodesic problem: the end of a line from its start, azimuth (degrees)
 /// and length (metres). Azimuth and length may have any finite value.
 Point pointAfter(const Point& a_start, double a_dAzimuth, double a_dMetres)
 {
@@ -76,8 +76,8 @@ Point pointAfter(const Point& a_start, double a_dAzimuth, double a_dMetres)
 double azimuth(const Point& a_from, const Point& a_to)
 {
     const Way way = wayBetween(a_from, a_to);
-    // Coincident points have no azimuth. A length that is NaN fails the comparison,
-    // too.
+    // Coincident points have no azimuth. The comparison is also false for a length
+    // that is NaN.
     return way.metres > 0.0 ? normalised(way.azimuth) : 0.0;
 }
 

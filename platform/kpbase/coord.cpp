@@ -21,8 +21,8 @@ constexpr double s_dMaximumLatitude = 90.0;
 constexpr double s_dHalfCircle = 180.0;
 constexpr double s_dFullCircle = 360.0;
 
-/// Letters of the UTM latitude bands: 8 degrees each from 80 degrees south, the last
-/// one 12 degrees. The letters I and O are not used.
+/// Letters of the UTM latitude bands, from 80 degrees south. Each band is 8 degrees
+/// high, the last one 12 degrees. The letters I and O are not used.
 constexpr QStringView s_sBands = u"CDEFGHJKLMNPQRSTUVWX";
 constexpr qsizetype s_iFirstNorthernBand = 10;
 constexpr double s_dBandOrigin = -80.0;
@@ -31,14 +31,14 @@ constexpr double s_dBandHeight = 8.0;
 constexpr int s_iMetreDigits = 7;
 constexpr double s_dLargestMetres = 9999999.0;
 
-constexpr qsizetype s_iMgrsDigits = 6; ///< per axis: 0.1 m, GeographicLib's precision 6
+constexpr qsizetype s_iMgrsDigits = 6; ///< digits per axis for 0.1 m, GeographicLib's precision 6
 /// Lengths of the parts of an MGRS text: zone and band, square, digits per axis.
 constexpr qsizetype s_iMgrsZone = 3;
 constexpr qsizetype s_iMgrsSquare = 2;
 constexpr qsizetype s_iMgrsLength = s_iMgrsZone + s_iMgrsSquare + 2 * s_iMgrsDigits;
 
-/// Maidenhead cells: 18 fields of 10 squares of 24 subsquares on each axis, which
-/// makes a cell 5 minutes of arc wide and 2.5 high.
+/// Each axis has 18 fields of 10 squares of 24 subsquares. A cell is therefore 5
+/// minutes of arc wide and 2.5 minutes high.
 constexpr int s_iFields = 18;
 constexpr int s_iSquares = 10;
 constexpr int s_iSubsquares = 24;
@@ -57,10 +57,11 @@ struct GridPoint
     double northing = 0.0; ///< metres
 };
 
-// GeographicLib takes the latitude first and may throw; GetString() and SetString()
-// catch the exceptions.
+// GeographicLib takes the latitude first and may throw exceptions. GetString() and
+// SetString() catch them.
 
-/// The UTM position in the standard zone; no value outside latitudes [-80, 84).
+/// Returns the UTM position in the standard zone; no value outside latitudes [-80,
+/// 84).
 std::optional<GridPoint> gridPoint(const Coord& a_coord)
 {
     // Adding 0 removes the sign of -0, which would count as south of the equator.
@@ -81,8 +82,8 @@ Coord fromGridPoint(const GridPoint& a_point)
     return {dLongitude, dLatitude};
 }
 
-/// Whole metres in 7 digits, which cannot show the northing 10,000,000 of the equator
-/// in the southern hemisphere.
+/// Returns whole metres in 7 digits. The northing 10,000,000 of the equator in the
+/// southern hemisphere needs 8 digits and is cut to 9999999.
 QString metresText(double a_dMetres)
 {
     const double dMetres = std::clamp(std::round(a_dMetres), 0.0, s_dLargestMetres);
@@ -101,7 +102,8 @@ bool isLetters(QStringView a_sText)
                        [](QChar a_character) { return a_character >= u'A' && a_character <= u'Z'; });
 }
 
-/// The distance of a character from `a_first`; no value unless in [0, a_iCount).
+/// Returns the distance of a character from `a_first`; no value outside [0,
+/// a_iCount).
 std::optional<int> indexOf(QChar a_character, char16_t a_first, int a_iCount)
 {
     const int iIndex = a_character.unicode() - a_first;
@@ -114,15 +116,17 @@ QString utmText(const Coord& a_coord)
     if (!point) {
         return {};
     }
-    // Band number = floor((latitude + 80) / 8). Whole degrees are taken first: adding
-    // 80 to a latitude just south of a band's edge would round onto the edge.
+    // Band number = floor((latitude + 80) / 8). The latitude is first rounded down
+    // to whole degrees. Otherwise, adding 80 could round a latitude just south of a
+    // band's edge onto the edge.
     const double dBand = std::floor((std::floor(a_coord.second()) - s_dBandOrigin) / s_dBandHeight);
     const qsizetype iBand = std::clamp<qsizetype>(static_cast<qsizetype>(dBand), 0, s_sBands.size() - 1);
     return QString::number(point->zone).rightJustified(2, u'0') + s_sBands[iBand] + u' ' +
            metresText(point->easting) + u' ' + metresText(point->northing);
 }
 
-/// Reads "32U 0691928 5335080", upper case. The band only gives the hemisphere.
+/// Reads "32U 0691928 5335080", upper case. The band is only used for the
+/// hemisphere.
 std::optional<Coord> fromUtmText(QStringView a_sText)
 {
     constexpr qsizetype iEastingAt = 4;
@@ -208,8 +212,8 @@ QString maidenheadText(const Coord& a_coord)
     return sText;
 }
 
-/// The cell number on one axis, no value for an invalid character: field, square and
-/// subsquare lie two characters apart.
+/// The cell number on one axis; no value for an invalid character. The characters of
+/// field, square and subsquare are two places apart.
 std::optional<int> maidenheadCell(QStringView a_sText)
 {
     const std::optional<int> field = indexOf(a_sText[0], u'A', s_iFields);
@@ -277,7 +281,7 @@ bool Coord::SetString(const QString& a_sText, int a_iFormat)
             read = fromMaidenheadText(sUpper);
         }
     } catch (const std::exception&) {
-        read.reset(); // a square or a zone that does not exist
+        read.reset(); // the square or the zone does not exist
     }
     *this = read.value_or(Coord());
     return read.has_value();

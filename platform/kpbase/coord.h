@@ -5,17 +5,17 @@
 
 #include <QString>
 
-/// A geographic position that can be written and read in grid forms, WGS 84.
+/// A geographic position on WGS 84 that can be written and read in grid forms.
 ///
-/// A plain value; a default object is the position (0, 0). Nothing here throws. The
-/// texts, with their example for longitude 11.58, latitude 48.14:
-/// - UTM "32U 0691928 5335080": zone, latitude band, easting and northing, rounded to
-///   whole metres; northings just south of the equator are cut to 9999999. When read,
-///   the band letter only gives the hemisphere.
+/// A plain value; a default object is the position (0, 0). Nothing here throws.
+/// Texts are written in upper case and read in either case. The forms, with examples
+/// for longitude 11.58, latitude 48.14:
+/// - UTM "32U 0691928 5335080": zone, latitude band, easting and northing, rounded
+///   to whole metres. Northings just south of the equator are cut to 9999999.
+///   Reading uses the band letter only for the hemisphere.
 /// - MGRS "32U-PU-919280-350802": zone and band, 100 km square, easting and northing
-///   in units of 0.1 m, truncated.
-/// - Maidenhead "JN58SD": a cell of 5 by 2.5 minutes of arc. Texts are written in
-///   upper case and read in either case. An MGRS or Maidenhead text reads as the
+///   in units of 0.1 m, truncated. It is read as the centre of its cell.
+/// - Maidenhead "JN58SD": a cell of 5 by 2.5 minutes of arc. It is read as the
 ///   centre of its cell.
 class SIMULATIONDATA_EXPORT Coord
 {
@@ -27,21 +27,21 @@ public:
 
     Coord() = default;
 
-    /// Longitude first, degrees, east and north positive. Stored as given;
-    /// GetString() takes the longitude modulo 360.
+    /// Longitude first, in degrees, east and north positive. Both are stored
+    /// unchanged. GetString() takes the longitude modulo 360.
     Coord(double a_dLongitude, double a_dLatitude);
 
     /// The stored pair: longitude and latitude, degrees.
     [[nodiscard]] double first() const { return m_dLongitude; }
     [[nodiscard]] double second() const { return m_dLatitude; }
 
-    /// The position as text. Empty for an unknown format, for a position that
-    /// is not finite or outside the globe, and in the UTM and MGRS forms outside
-    /// latitudes [-80, 84).
+    /// Returns the position as text. Empty for an unknown format, and for a position
+    /// that is not finite or outside the globe. The UTM and MGRS forms are also
+    /// empty outside latitudes [-80, 84).
     [[nodiscard]] QString GetString(int a_iFormat) const;
 
-    /// Reads the position from a text. False for an invalid text and for an unknown
-    /// format; the position is then (0, 0).
+    /// Reads the position from a text. Returns false for an invalid text and for an
+    /// unknown format; the position is then (0, 0).
     bool SetString(const QString& a_sText, int a_iFormat);
 
 private:

@@ -14,8 +14,8 @@ ErrorHandler& ErrorHandler::Instance()
 
 namespace {
 
-/// A message as one line: control characters, for example from file names, become
-/// blanks.
+/// Returns a message as one line. Control characters, for example from file names,
+/// become blanks.
 QString oneLine(QString a_sMessage)
 {
     std::replace_if(

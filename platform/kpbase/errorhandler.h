@@ -11,18 +11,17 @@
 /// The logging category "simulation.trace", to which all traces are written.
 SIMULATIONDATA_EXPORT const QLoggingCategory& lcSimulationTrace();
 
-/// Holds the trace mask, which selects the categories of diagnostics that are traced.
+/// Holds the trace mask, which selects the categories of traced diagnostics.
 ///
-/// One object per process, usable until the process ends. Every operation may be
-/// called from any thread. By default errors are traced and progress messages are
-/// not.
+/// One object per process, usable until the process ends. Any thread may call every
+/// operation. By default errors are traced and progress messages are not.
 class SIMULATIONDATA_EXPORT ErrorHandler
 {
 public:
     /// Bits of the trace mask.
     enum TraceCategory : unsigned int {
-        TraceProgress = 0x20, ///< what the library does
-        TraceError = 0x40,    ///< input that it refuses and operations that fail
+        TraceProgress = 0x20, ///< progress messages: what the library does
+        TraceError = 0x40,    ///< errors: refused input and failed operations
     };
 
     static ErrorHandler& Instance();
@@ -30,12 +29,12 @@ public:
     ErrorHandler(const ErrorHandler&) = delete;
     ErrorHandler& operator=(const ErrorHandler&) = delete;
 
-    /// The categories that are traced, a sum of TraceCategory bits.
+    /// The traced categories, a sum of TraceCategory bits.
     [[nodiscard]] unsigned int traceMask() const { return m_uiTraceMask.load(std::memory_order_relaxed); }
     void setTraceMask(unsigned int a_uiMask) { m_uiTraceMask.store(a_uiMask, std::memory_order_relaxed); }
 
     /// Whether messages of this category are traced. Check this before formatting a
-    /// message, so that a masked trace costs nothing.
+    /// message, so that an untraced message costs nothing.
     [[nodiscard]] bool traces(TraceCategory a_eCategory) const { return (traceMask() & a_eCategory) != 0; }
 
 private:

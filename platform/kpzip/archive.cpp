@@ -22,17 +22,18 @@ constexpr const char* s_szSource = "platform/kpzip/archive";
 
 constexpr std::size_t s_uiBlockBytes = 65'536;
 
-/// Refused entries of one archive that are traced one by one; more are only counted.
+/// Number of refused entries of one archive that are traced individually. Further
+/// entries are only counted.
 constexpr std::uint64_t s_uiTracedEntries = 10;
 
 constexpr qsizetype s_iShownName = 100;
 
-/// Most parts of a name. With deeper names a small archive could make any number of
-/// folders.
+/// Largest number of parts in a name. With deeper names, a small archive could make
+/// any number of folders.
 constexpr qsizetype s_iMaxDepth = 32;
 
-// Unix file types in the upper half of an entry's attributes. 0 in archives from
-// other systems.
+// Unix file types in the upper half of an entry's attributes. Archives from other
+// systems have 0 there.
 constexpr std::uint32_t s_uiModeShift = 16;
 constexpr std::uint32_t s_uiKindMask = 0170000;
 constexpr std::uint32_t s_uiKindFile = 0100000;
@@ -51,7 +52,7 @@ void traceError(const QString& a_sMessage, int a_iLine = __builtin_LINE())
     }
 }
 
-/// A name from an archive as traces show it: shortened, on one line.
+/// Returns a name from an archive for a trace: shortened and on one line.
 QString shown(const QString& a_sName)
 {
     QString sShown = a_sName.left(s_iShownName);
@@ -63,8 +64,9 @@ QString shown(const QString& a_sName)
     return sShown;
 }
 
-/// Traces the entries that are not unpacked: the first ones one by one, then only
-/// their number. So no archive can fill the trace.
+/// Traces the entries that are not unpacked. The first ones are traced individually,
+/// then only the number of the others is traced, so that no archive can fill the
+/// trace.
 class EntryTraces
 {
 public:
@@ -95,7 +97,7 @@ private:
     std::uint64_t m_uiCount = 0;
 };
 
-/// Why a name cannot be a path below a target folder; empty when it can.
+/// The reason why a name cannot be a path below a target folder; empty when it can.
 QString nameError(const QString& a_sName)
 {
     const auto isControl = [](QChar a_character) { return a_character.category() == QChar::Other_Control; };
@@ -118,13 +120,13 @@ QString nameError(const QString& a_sName)
     if (parts.size() > s_iMaxDepth) {
         return QStringLiteral("%1 folders deep").arg(parts.size() - 1);
     }
-    // Such a part would give one file a second name.
+    // With such a part, one file would have two names.
     return parts.contains(QString()) || parts.contains(QStringLiteral("."))
                ? QStringLiteral("empty part or \".\" in the name")
                : QString();
 }
 
-/// Why an entry cannot be unpacked; empty when it can.
+/// The reason why an entry cannot be unpacked; empty when it can.
 QString entryError(const zip_stat_t& a_stat, std::uint32_t a_uiKind)
 {
     if (a_uiKind != 0 && a_uiKind != s_uiKindFile && a_uiKind != s_uiKindFolder) {
@@ -146,7 +148,7 @@ struct EntryHeader
     QString name; ///< without the slash at a folder's end
     bool folder = false;
     std::uint64_t size = 0; ///< bytes, as declared
-    QString problem;        ///< why it cannot be unpacked; empty when it can
+    QString problem;        ///< why the entry cannot be unpacked; empty when it can
 };
 
 EntryHeader readHeader(zip_t* a_pArchive, std::uint64_t a_uiIndex)
@@ -179,7 +181,7 @@ bool isLink(const QFileInfo& a_info)
     return a_info.isSymLink() || a_info.isJunction();
 }
 
-/// Makes the folders that a relative path needs below the target. Returns the error
+/// Makes the missing folders of a relative path below the target. Returns the error
 /// text, empty on success.
 QString makeFolders(const QString& a_sTarget, const QString& a_sRelative)
 {
@@ -205,13 +207,13 @@ QString openError(int a_iCode)
     return sReason;
 }
 
-/// Copies an open entry to a file that does not have its final name yet. Returns the
-/// error text, empty on success. Subtracts the copied bytes from `a_pBytesLeft`.
+/// Copies an open entry to a file under a temporary name. Returns the error text,
+/// empty on success. Subtracts the copied bytes from `*a_pBytesLeft`.
 QString copyEntry(zip_file_t* a_pEntry, ReplacedFile& a_file, std::uint64_t* a_pBytesLeft)
 {
     std::vector<char> block(s_uiBlockBytes);
     zip_int64_t iRead = 0;
-    // The checksum is checked by the read that reaches the end.
+    // The read that reaches the end verifies the checksum.
     while ((iRead = zip_fread(a_pEntry, block.data(), block.size())) > 0) {
         if (static_cast<std::uint64_t>(iRead) > *a_pBytesLeft) {
             *a_pBytesLeft = 0;
@@ -234,7 +236,7 @@ QString unpack(zip_t* a_pArchive, std::uint64_t a_uiIndex, const QString& a_sFil
                std::uint64_t* a_pBytesLeft)
 {
     const QFileInfo target(a_sFile);
-    // Replacing a file by its name would follow a link and write to its target.
+    // Replacing a link by its name would write to the target of the link.
     if (isLink(target) || (target.exists() && !target.isFile())) {
         return QStringLiteral("\"%1\" is a link, folder or device").arg(a_sFile);
     }
@@ -277,7 +279,7 @@ bool Archive::open(Mode a_eMode)
     if (a_eMode != ModeRead) {
         return fail(QStringLiteral("mode %1 is unknown").arg(static_cast<int>(a_eMode)));
     }
-    // Opening a device or a pipe could wait without limit.
+    // Opening a device or a pipe could block without limit.
     if (!QFileInfo(m_sPath).isFile()) {
         return fail(QStringLiteral("no such file"));
     }

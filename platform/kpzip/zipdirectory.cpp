@@ -11,8 +11,8 @@ namespace KPZip {
 namespace {
 
 // Records of the zip format (APPNOTE.TXT, 4.3.12 and 4.3.14 to 4.3.16): their
-// signatures ("PK" and two digits), their fixed sizes, and the offsets of the fields
-// that are read. Little-endian.
+// signatures ("PK" and two bytes), their fixed sizes, and the offsets of the fields
+// that are read. Numbers are little-endian.
 constexpr char s_szEntry[] = "PK\x01\x02";
 constexpr qint64 s_iEntrySize = 46;
 constexpr qsizetype s_iNameLength = 28;
@@ -34,8 +34,8 @@ constexpr qsizetype s_iEnd64Fields = 32; ///< the same, 64 bits each
 constexpr qint64 s_iSignatureSize = 4;
 constexpr qint64 s_iLongestComment = 0xFFFF;
 
-/// The directory may take so many bytes per allowed entry, and at least so many in
-/// all. An entry usually takes some 100 bytes; the format allows 196,000.
+/// The directory may take this number of bytes per allowed entry, and always the
+/// minimum below. An entry usually takes some 100 bytes; the format allows 196,000.
 constexpr std::uint64_t s_uiEntryBytes = 1024;
 constexpr std::uint64_t s_uiLeastDirectoryBytes = std::uint64_t{1} << 20U;
 
@@ -47,7 +47,7 @@ struct EndRecord
     std::uint64_t offset = 0; ///< bytes from the start of the file
 };
 
-/// A field of a record; 0 beyond the record's end.
+/// Returns a field of a record; 0 beyond the end of the record.
 template<typename Number>
 Number numberAt(const QByteArray& a_record, qsizetype a_iOffset)
 {
@@ -56,7 +56,8 @@ Number numberAt(const QByteArray& a_record, qsizetype a_iOffset)
                : Number{0};
 }
 
-/// The bytes at an offset of the file; fewer, or none, beyond its end.
+/// Returns the bytes at an offset of the file. Beyond the end of the file there are
+/// fewer, or none.
 QByteArray recordAt(QFile& a_file, std::uint64_t a_uiOffset, qint64 a_iSize)
 {
     const auto uiFile = static_cast<std::uint64_t>(std::max<qint64>(a_file.size(), 0));
@@ -69,8 +70,8 @@ bool isRecord(const QByteArray& a_record, const char* a_szSignature, qint64 a_iS
     return a_record.size() == a_iSize && a_record.startsWith(a_szSignature);
 }
 
-/// Reads the fields of an end record, which follow each other. No value when the
-/// bytes are not such a record.
+/// Reads the fields of an end record, which follow each other. Returns no value when
+/// the bytes are not such a record.
 template<typename Entries, typename Size>
 std::optional<EndRecord> endRecordOf(const QByteArray& a_record, const char* a_szSignature, qint64 a_iSize,
                                      qsizetype a_iFields)
@@ -83,8 +84,8 @@ std::optional<EndRecord> endRecordOf(const QByteArray& a_record, const char* a_s
                      numberAt<Size>(a_record, iBytes + qsizetype{sizeof(Size)})};
 }
 
-/// The end record at an offset of the file's tail; its 64-bit form when a locator
-/// precedes it.
+/// Reads the end record at an offset of the file's tail. Reads its 64-bit form when
+/// a locator precedes it.
 std::optional<EndRecord> endRecordAt(QFile& a_file, const QByteArray& a_tail, qsizetype a_iOffset)
 {
     const QByteArray locator = a_iOffset >= s_iLocator64Size
@@ -100,7 +101,7 @@ std::optional<EndRecord> endRecordAt(QFile& a_file, const QByteArray& a_tail, qs
 }
 
 /// Whether a directory begins where the record points. Comments and nested archives
-/// contain bytes that look like an end record.
+/// may contain bytes that resemble an end record.
 bool pointsAtDirectory(QFile& a_file, const EndRecord& a_end, std::uint64_t a_uiEndOffset)
 {
     if (a_end.offset > a_uiEndOffset || a_end.bytes > a_uiEndOffset - a_end.offset) {
@@ -111,8 +112,8 @@ bool pointsAtDirectory(QFile& a_file, const EndRecord& a_end, std::uint64_t a_ui
                : isRecord(recordAt(a_file, a_end.offset, s_iSignatureSize), s_szEntry, s_iSignatureSize);
 }
 
-/// Finds the end record. The zip library loads the directory of every end record
-/// before it chooses one, so a file with two is refused.
+/// Finds the end record. The zip library loads the directories of all end records
+/// before it chooses one, so a file with two of them is refused.
 std::optional<EndRecord> findEndRecord(QFile& a_file, QString* a_pReason)
 {
     const qint64 iTail = std::min(a_file.size(), s_iLongestComment + s_iEndSize + s_iLocator64Size);
@@ -143,7 +144,7 @@ bool staysInBounds(const EndRecord& a_end, std::uint64_t a_uiMaxEntries, QString
             QStringLiteral("declares %1 entries, the limit is %2").arg(a_end.entries).arg(a_uiMaxEntries);
         return false;
     }
-    // The first comparison keeps the product from overflowing.
+    // The first comparison prevents an overflow of the product.
     if (a_uiMaxEntries < a_end.bytes / s_uiEntryBytes &&
         std::max(a_uiMaxEntries * s_uiEntryBytes, s_uiLeastDirectoryBytes) < a_end.bytes) {
         *a_pReason = QStringLiteral("has a directory of %1 bytes").arg(a_end.bytes);
@@ -152,15 +153,15 @@ bool staysInBounds(const EndRecord& a_end, std::uint64_t a_uiMaxEntries, QString
     return true;
 }
 
-/// One entry: its name and the bytes that it takes in the directory.
+/// The name of an entry and the number of bytes that it takes in the directory.
 struct DirectoryEntry
 {
     QByteArray name;
     std::uint64_t bytes = 0;
 };
 
-/// Reads the entry at the file's position. No value when it is damaged or larger than
-/// the bytes left.
+/// Reads the entry at the file's position. Returns no value when it is damaged or
+/// larger than the remaining bytes.
 std::optional<DirectoryEntry> readEntry(QFile& a_file, std::uint64_t a_uiBytesLeft)
 {
     const QByteArray record = a_file.read(s_iEntrySize);

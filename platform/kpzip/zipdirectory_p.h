@@ -9,19 +9,19 @@
 
 namespace KPZip {
 
-/// What the directory of an archive must show before the zip library loads it: the
-/// library allocates as much as the file claims, and reads a NUL in a name as a
-/// blank.
+/// The values that are checked before the zip library loads the directory of an
+/// archive. The library allocates as much memory as the file claims, and it reads a
+/// NUL in a name as a blank.
 struct ZipDirectory
 {
     std::uint64_t entryCount = 0;
     std::vector<std::uint64_t> namesWithNul; ///< indices, ascending
 };
 
-/// Reads the directory of a regular file without holding it in memory. No value, with
-/// an error text, when the file has no directory or two, or when the directory is
-/// damaged, has more entries than allowed, or takes more bytes than that number of
-/// entries needs.
+/// Reads the directory of a regular file without holding it in memory. Returns no
+/// value, with an error text, when the file has no directory or two. The same
+/// applies when the directory is damaged, has more entries than allowed, or takes
+/// more bytes than that number of entries needs.
 [[nodiscard]] std::optional<ZipDirectory> readZipDirectory(const QString& a_sFile,
                                                            std::uint64_t a_uiMaxEntries, QString* a_pReason);
 

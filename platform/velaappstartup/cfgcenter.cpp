@@ -19,14 +19,14 @@ namespace {
 
 constexpr const char* s_szSource = "platform/velaappstartup/cfgcenter";
 constexpr const char* s_szFolderVariable = "SIMULATION_CONFIG_DIR";
-constexpr qint64 s_iMaxBytes = qint64{1} << 20; ///< of a settings file; common ones have a few hundred
+constexpr qint64 s_iMaxBytes = qint64{1} << 20; ///< bytes of one file; usually a few hundred
 
-/// All settings that CreateCfg() has returned; never freed.
+/// All settings that CreateCfg() has returned. They are never freed.
 struct Centre
 {
     std::mutex mutex; ///< guards the rest
-    QString folder;   ///< empty = the default places
-    /// By the text of the file: loading unchanged settings again takes no memory.
+    QString folder;   ///< empty = the default folders
+    /// By the text of the file, so loading unchanged settings again takes no memory.
     std::map<QByteArray, std::unique_ptr<SettingsStore>> stores;
 };
 
@@ -62,14 +62,14 @@ QString tooLarge(qint64 a_iBytes)
         .arg(QString::number(a_iBytes), QString::number(s_iMaxBytes));
 }
 
-/// The bytes of a settings file; empty when it is missing or cannot be read.
+/// Returns the bytes of a settings file; empty when it is missing or cannot be read.
 QByteArray readText(const QString& a_sFile)
 {
     const QFileInfo info(a_sFile);
     if (a_sFile.isEmpty() || !info.exists()) {
         return {};
     }
-    // Opening a pipe or a device could wait without limit.
+    // Opening a pipe or a device could block without limit.
     if (!info.isFile()) {
         traceUnread(a_sFile, QStringLiteral("is not a regular file"));
         return {};
@@ -87,8 +87,8 @@ QByteArray readText(const QString& a_sFile)
     return text;
 }
 
-/// The settings of a text, created on first use. Null, with an error text, when that
-/// fails. The caller holds the mutex.
+/// Returns the settings of a text and creates them on first use. Null, with an error
+/// text, when this fails. The caller holds the mutex.
 SettingsStore* storeOf(Centre& a_centre, const QByteArray& a_text, QString* a_pReason)
 {
     const auto it = a_centre.stores.find(a_text);

@@ -14,27 +14,29 @@ class SIMULATIONDATA_EXPORT CfgCenter
 public:
     CfgCenter() = delete;
 
-    /// A text that identifies this machine: the operating system's unique id, else
-    /// the host name, else "localhost". Stable across restarts, never empty.
+    /// Returns a text that identifies this machine: the operating system's unique
+    /// id, else the host name, else "localhost". It is stable across restarts and
+    /// never empty.
     [[nodiscard]] static QString GetMachineId();
 
-    /// The settings of that name as they are now, from the file "<name>.ini". Its
+    /// Returns the current settings of that name, from the file "<name>.ini". Its
     /// folder is that of SetFolder(), else that of the environment variable
-    /// SIMULATION_CONFIG_DIR, else sub-folder "simulation" of the platform's folders
-    /// for settings, the user's first.
+    /// SIMULATION_CONFIG_DIR. Otherwise it is the sub-folder "simulation" of the
+    /// platform's folders for settings, the user's first.
     ///
-    /// The file is UTF-8 in the INI form of QSettings with two exceptions, for what
-    /// people type: a value with commas is one text, and a Windows path needs neither
-    /// quotes nor doubled backslashes. A missing file has no settings. A file that
-    /// cannot be read or is larger than 1 MiB is traced and has no settings either.
+    /// The file is UTF-8 in the INI form of QSettings with two exceptions, because
+    /// people type these files. A value with commas is one text. A Windows path
+    /// needs neither quotes nor doubled backslashes. A missing file has no settings.
+    /// A file that cannot be read or is larger than 1 MiB is traced and has no
+    /// settings, either.
     ///
-    /// Never null. The object is owned by CfgCenter, stays valid until the process
-    /// ends, and its values never change. `a_iView` and `a_sText` are ignored: there
-    /// is only one store.
+    /// Never null. CfgCenter owns the object, which stays valid until the process
+    /// ends. Its values never change. `a_iView` and `a_sText` are ignored: there is
+    /// only one store.
     [[nodiscard]] static ICfg* CreateCfg(const QString& a_sName, int a_iView, const QString& a_sText);
 
-    /// Sets the folder of the settings files for later calls of CreateCfg(); empty
-    /// restores the default places.
+    /// Sets the folder of the settings files for later calls of CreateCfg(). An
+    /// empty folder restores the default folders.
     static void SetFolder(const QString& a_sFolder);
 };
 

@@ -12,13 +12,13 @@ namespace {
 
 constexpr const char* s_szSource = "platform/velaappstartup/cfgcenter";
 
-/// Put before every value that QSettings reads, so that the value stays a text:
-/// QSettings would decode a value that begins with '@' into an object, which can take
-/// any amount of memory.
+/// Precedes every value that QSettings reads, so that the value stays a text.
+/// QSettings would decode a value that begins with '@' into an object of any size in
+/// memory.
 constexpr char s_cMark = '=';
 
-/// Whether the value is a Windows path as people type it, with single backslashes as
-/// separators: "C:\Data" or "\\server\data".
+/// Whether the value is a Windows path with single backslashes as separators, as
+/// people type it: "C:\Data" or "\\server\data".
 bool isTypedPath(QByteArrayView a_value)
 {
     constexpr qsizetype iDrive = 2; // "C:"
@@ -31,7 +31,7 @@ bool isTypedPath(QByteArrayView a_value)
            !a_value.sliced(iDrive).startsWith("\\\\");
 }
 
-/// The index of the quote that closes a value; -1 when there is none.
+/// The index of the closing quote of a value; -1 when there is none.
 qsizetype closingQuote(QByteArrayView a_value, bool a_bTypedPath)
 {
     for (qsizetype i = 1; i < a_value.size(); ++i) {
@@ -45,7 +45,7 @@ qsizetype closingQuote(QByteArrayView a_value, bool a_bTypedPath)
     return -1;
 }
 
-/// The value without its quotes and without the comment after it.
+/// Returns the value without its quotes and without the comment after it.
 QByteArrayView bareValue(QByteArrayView a_value)
 {
     if (a_value.startsWith('"')) {
@@ -59,7 +59,7 @@ QByteArrayView bareValue(QByteArrayView a_value)
     return (iComment < 0 ? a_value : a_value.first(iComment)).trimmed();
 }
 
-/// The value as one quoted text, which QSettings never reads as a list.
+/// Returns the value as one quoted text, which QSettings never reads as a list.
 QByteArray quotedValue(QByteArrayView a_value)
 {
     const QByteArrayView bare = bareValue(a_value);
@@ -79,15 +79,15 @@ QByteArray quotedValue(QByteArrayView a_value)
     return quoted + (bEscaped ? "\\\"\n" : "\"\n");
 }
 
-/// The line in the form that QSettings reads as one section or value; empty when it
-/// is neither.
+/// Returns the line in the form that QSettings reads as one section or value. Empty
+/// for any other line.
 QByteArray cleanLine(QByteArrayView a_line)
 {
     const qsizetype iEquals = a_line.indexOf('=');
     const bool bSection = a_line.startsWith('[');
     const QByteArrayView name = bSection ? a_line : a_line.first(iEquals < 0 ? 0 : iEquals).trimmed();
-    // QSettings would continue a quote outside the values over the lines that follow,
-    // and a backslash at the end of a section's name over the next line.
+    // QSettings would continue a quote outside a value on the following lines. It
+    // would also continue a section name that ends in a backslash on the next line.
     if (name.isEmpty() || name.contains('"') || name.startsWith(';') || name.endsWith('\\')) {
         return {};
     }
@@ -112,7 +112,7 @@ QByteArray cleanText(QByteArray a_text)
     return clean;
 }
 
-/// The text of a value that QSettings has read, without the mark. QSettings itself
+/// Returns the text of a value that QSettings has read, without the mark. QSettings
 /// writes a leading '@' twice; one is removed.
 QString plainText(const QString& a_sValue)
 {
@@ -170,8 +170,8 @@ private:
 
 std::optional<SettingsValues> parseSettings(const QByteArray& a_text, QString* a_pReason)
 {
-    // QSettings reads only files. A new file name also bypasses its cache, which may
-    // hold an older version of a changed file.
+    // QSettings reads only files. A new file name also bypasses the cache of
+    // QSettings, which may hold an older version of a changed file.
     QTemporaryFile file;
     const QByteArray clean = cleanText(a_text);
     if (!file.open() || !writeThrough(file, clean)) {

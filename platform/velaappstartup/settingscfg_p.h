@@ -15,13 +15,13 @@
 /// The values of a settings file by their full names, "Group/Sub-group/Name".
 using SettingsValues = QMap<QString, QString>;
 
-/// The values of a text in the form that CfgCenter::CreateCfg() describes. Lines that
-/// are not settings are skipped. No value, with an error text, when QSettings cannot
-/// read the text.
+/// Returns the values of a text in the form that CfgCenter::CreateCfg() describes.
+/// Lines that are not settings are skipped. Returns no value, with an error text,
+/// when QSettings cannot read the text.
 [[nodiscard]] std::optional<SettingsValues> parseSettings(const QByteArray& a_text, QString* a_pReason);
 
-/// The values of one settings text and the groups opened in it, which live as long as
-/// this object. Any thread may call.
+/// The values of one settings text, and the groups opened in it. The groups live as
+/// long as this object. Any thread may call.
 class SettingsStore
 {
 public:
@@ -32,8 +32,8 @@ public:
 
     [[nodiscard]] const SettingsValues& values() const { return m_values; }
 
-    /// The group of the values whose names begin with `a_sPrefix`, which is empty or
-    /// ends in a slash.
+    /// Returns the group of the values whose names begin with `a_sPrefix`. The
+    /// prefix is empty or ends in a slash.
     [[nodiscard]] ICfg* group(const QString& a_sPrefix);
 
 private:

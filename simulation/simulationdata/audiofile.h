@@ -12,12 +12,12 @@
 
 namespace Simulation {
 
-/// The audio signal of a signal package: a wave file of one channel at 32,000
-/// frames per second with 16-bit or 8-bit PCM samples. The signal repeats over the
-/// length of the recording.
+/// The audio signal of a signal package. The file is a wave file of one channel at
+/// 32,000 frames per second with 16-bit or 8-bit PCM samples. The signal repeats
+/// over the length of the recording.
 ///
-/// Any thread may call; every operation holds the file's lock, so a call waits for
-/// the file access of another. Before a successful open() the file has no samples.
+/// Any thread may call. Every operation holds the file's lock, so calls wait for
+/// each other. Before a successful open() the file has no samples.
 class SIMULATIONDATA_EXPORT AudioFile
 {
 public:
@@ -27,9 +27,9 @@ public:
     AudioFile& operator=(const AudioFile&) = delete;
     ~AudioFile() = default;
 
-    /// Opens the file, again if it is open already, and reads its header. False
-    /// after one trace, with the error text in errorString(); the file is closed
-    /// then.
+    /// Opens the file and reads its header. A file that is open already is opened
+    /// again. Returns false after one trace; the file is then closed, and
+    /// errorString() has the error text.
     [[nodiscard]] bool open();
     [[nodiscard]] bool isOpen() const;
 
@@ -39,16 +39,18 @@ public:
     /// Length of the recording (ms, rounded down).
     [[nodiscard]] std::uint32_t length() const;
 
-    /// Duration of the package that the signal belongs to (ms; 0 when it was never
-    /// set). It is stored for the users of the file and has no effect here.
+    /// Duration of the signal package (ms); 0 when it was never set. The value is
+    /// stored for callers and has no effect here.
     [[nodiscard]] std::uint32_t packageDuration() const;
     void setPackageDuration(unsigned int a_uiDuration);
 
     /// Returns `a_uiCount` samples from frame `a_uiStart` on (a frame lasts 1/32
     /// ms). Positions past the end of the recording continue at its start, as often
-    /// as necessary. 8-bit samples are widened to 16 bits. Empty when `a_uiCount`
-    /// is 0 and, after one trace, when the file has no samples or cannot be read,
-    /// or the samples exceed Limits::DataBytes.
+    /// as necessary. 8-bit samples are widened to 16 bits.
+    ///
+    /// Returns an empty vector when `a_uiCount` is 0. Also returns an empty vector,
+    /// after one trace, when the file has no samples or cannot be read, or when the
+    /// samples exceed Limits::DataBytes.
     [[nodiscard]] std::vector<std::int16_t> readSamples(std::uint64_t a_uiStart, std::uint64_t a_uiCount);
 
 private:

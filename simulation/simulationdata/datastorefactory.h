@@ -11,18 +11,19 @@ namespace Simulation {
 
 class ISignalPackageStore;
 
-/// Defines the layout of the repository, the folder that holds all packages, files
-/// and icons, and prepares it. Static operations only: an object has no state. Any
+/// Defines and prepares the layout of the repository: the folder that holds all
+/// packages, files and icons. Static operations only: an object has no state. Any
 /// thread may call.
 ///
-/// The repository is the value "Repository" in the group "FileSystem" of the
-/// configuration, by default the system's temporary folder.
+/// The path of the repository is the value "Repository" in the group "FileSystem" of
+/// the configuration. The default is the system's temporary folder.
 class SIMULATIONDATA_EXPORT DataStoreFactory
 {
 public:
-    /// The folders of the stores: the repository's path, a backslash on every
-    /// platform, and the store's name. Applications store and compare these texts.
-    /// Empty when the configuration is null or has no group "FileSystem".
+    /// The folders of the stores. Each text is the repository's path, a backslash on
+    /// every platform, and the store's name. Applications store and compare these
+    /// texts. The text is empty when the configuration is null or has no group
+    /// "FileSystem".
     [[nodiscard]] static QString sessionStoreDir(ICfg* a_pCfg);
     [[nodiscard]] static QString signalPackageStoreDir(ICfg* a_pCfg);
     [[nodiscard]] static QString fileStoreDir(ICfg* a_pCfg);
@@ -42,17 +43,18 @@ public:
     /// default scenario unless it exists. The repository folder itself is never
     /// created.
     ///
-    /// False when the repository does not exist or a folder cannot be created,
-    /// after one trace and, on the thread of a running QApplication, a message box
-    /// that waits for the user. Default data that cannot be written is traced, but
-    /// the result is true.
+    /// Returns false when the repository does not exist or a folder cannot be
+    /// created. The error is traced once. On the thread of a running QApplication a
+    /// message box also shows it and waits for the user. Default data that cannot be
+    /// written is traced, but the result is true.
     [[nodiscard]] static bool initializeDataStore(ICfg* a_pCfg);
 
-    /// The same. `*a_pProblem` is the error text with the system's reason, also for
-    /// default data; empty when nothing failed.
+    /// Works like the overload above and also returns the error text with the
+    /// system's reason in `*a_pError`. Default data that could not be written has an
+    /// error text, too. The text is empty when no step failed.
     [[nodiscard]] static bool initializeDataStore(ICfg* a_pCfg, QString* a_pError);
 
-    /// Always null: there is no such store.
+    /// Always returns null: such a store does not exist.
     [[nodiscard]] static ISignalPackageStore* createSignalPackageStore(ICfg* a_pCfg, bool a_bOn);
 };
 

@@ -29,14 +29,14 @@ struct ReceiverSettings;
 /// header, read from and written to XML (root "SimulationDeployment", format
 /// version 1).
 ///
-/// A value type: copies share the objects, not the maps. A document holds its
-/// objects strongly; the last one that does takes apart those that nothing else
-/// holds when it is cleared, read again, assigned or destroyed. Used from one
-/// thread. A new document is empty.
+/// A value type: copies share the objects but have their own maps. A document holds
+/// its objects strongly. It releases them when it is cleared, read again, assigned
+/// or destroyed. Objects without another holder are then freed, even when they hold
+/// each other. Used from one thread. A new document is empty.
 class SIMULATIONDATA_EXPORT DeploymentDataXml
 {
 public:
-    /// The version that is written.
+    /// The format version that is written.
     static constexpr std::uint32_t s_uiFileFormatVersion = 1;
 
     DeploymentDataXml();
@@ -44,28 +44,30 @@ public:
     DeploymentDataXml& operator=(const DeploymentDataXml& a_other);
     ~DeploymentDataXml();
 
-    /// As ScenarioDataXml::fromXml(), with the root "SimulationDeployment".
+    /// Works like ScenarioDataXml::fromXml(), with the root "SimulationDeployment".
     /// Limits::DeploymentObjects counts stations and devices together.
     bool fromXml(const QByteArray& a_xml);
     bool fromXml(QIODevice* a_pDevice);
     bool fromXmlFile(const QString& a_sFile);
 
-    /// As ScenarioDataXml::errorString().
+    /// Works like ScenarioDataXml::errorString().
     [[nodiscard]] QString errorString() const { return m_sErrorString; }
 
-    /// The ids that several "Device", or "Station", elements of the document last
-    /// read have, each with the number of these elements. They were read as one
-    /// object, the later ones over the earlier ones. A device that names a station
-    /// does not count. Empty once other devices, or stations, are set.
+    /// The ids that occur in several "Device" (or "Station") elements of the
+    /// document last read. The value is the number of elements with that id. They
+    /// were read as one object: later elements overwrite earlier ones. A station's
+    /// id inside a "Device" element does not count. The map is empty after
+    /// setDevices() (or setStations()).
     [[nodiscard]] QMap<QString, qsizetype> mergedDeviceIds() const;
     [[nodiscard]] QMap<QString, qsizetype> mergedStationIds() const;
-    /// Whether the document last read has an element of this station. One that
-    /// devices only name is bare, at (0, 0).
+    /// Whether the document last read has a "Station" element with this id. Without
+    /// such an element, a station that devices name has no data and is at (0, 0).
     [[nodiscard]] bool isStationDescribed(const QString& a_sId) const;
 
-    /// As ScenarioDataXml::toXml() and toXmlFile(). Devices, or stations, that
-    /// share an id, now or when they were set, are reported by errorString() and
-    /// one trace: a reader gets one of them.
+    /// Work like ScenarioDataXml::toXml() and toXmlFile(). A reader keeps only one
+    /// of several devices (or stations) with the same id. So errorString() and one
+    /// trace report ids that are shared now or were shared when the objects were
+    /// set.
     [[nodiscard]] QByteArray toXml();
     void toXml(QIODevice* a_pDevice);
     [[nodiscard]] bool toXmlFile(const QString& a_sFile);
@@ -79,12 +81,12 @@ public:
     /// The identity that survives renaming. The spelling is part of the interface.
     [[nodiscard]] QString persistantId() const { return m_sPersistantId; }
     void setPersistantId(const QString& a_sId) { m_sPersistantId = a_sId; }
-    /// The version of the document last read; 0 of one that names none, and when
-    /// none was read.
+    /// The version of the document last read. 0 when the document names no version,
+    /// or when no document was read.
     [[nodiscard]] std::uint32_t fileFormatVersion() const { return m_uiFileFormatVersion; }
 
-    /// By the id that each had when it was read or set. The document is written
-    /// in this order.
+    /// The objects by their ids. An object keeps the key that it had when it was
+    /// read or set. The document is written in this order.
     [[nodiscard]] const QMap<QString, std::shared_ptr<DeploymentDevice>>& devices() const
     {
         return m_devices;
@@ -93,14 +95,18 @@ public:
     {
         return m_stations;
     }
-    /// Replace the objects, keyed by their ids; null is left out, and of several
-    /// with one id any one is taken, which the next writing reports. The station of a device belongs among
-    /// the stations: one that is only referred to comes back bare, at (0, 0), when the saved document is
-    /// read. Beyond Limits::DeploymentObjects that document breaks off for its reader.
+    /// Replace the objects and key them by their ids. Null is left out. Of several
+    /// objects with the same id, only one is kept, chosen arbitrarily; the next
+    /// writing reports this.
+    ///
+    /// Also set the stations of all devices with setStations(). Otherwise, reading
+    /// the saved document gives such a station without data, at (0, 0). A reader
+    /// stops at Limits::DeploymentObjects, so it does not read a larger document
+    /// completely.
     void setDevices(const QSet<std::shared_ptr<DeploymentDevice>>& a_devices);
     void setStations(const QSet<std::shared_ptr<DeploymentStation>>& a_stations);
 
-    /// As ScenarioDataXml::releaseObjects(), for stations and their devices.
+    /// Works like ScenarioDataXml::releaseObjects(), for stations and their devices.
     static void releaseObjects(QSet<std::shared_ptr<DeploymentObject>>&& a_objects);
     static void releaseObject(std::shared_ptr<DeploymentObject> a_object);
 
@@ -137,9 +143,9 @@ private:
     QMap<QString, std::shared_ptr<DeploymentDevice>> m_devices;
     QMap<QString, std::shared_ptr<DeploymentStation>> m_stations;
     QString m_sErrorString;
-    QString m_sSharedDevices;                  ///< of those that were set, why not all are held; mostly empty
-    QString m_sSharedStations;                 ///< the same
-    QMap<QString, qsizetype> m_deviceElements; ///< of the document last read, by their ids
+    QString m_sSharedDevices;                   ///< error text of setDevices() for shared ids; usually empty
+    QString m_sSharedStations;                  ///< same for setStations()
+    QMap<QString, qsizetype> m_deviceElements;  ///< elements per id in the document read last
     QMap<QString, qsizetype> m_stationElements; ///< the same
 };
 

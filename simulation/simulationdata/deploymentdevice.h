@@ -8,10 +8,10 @@ namespace Simulation {
 
 class DeploymentStation;
 
-/// A receiver of a deployment. Either it belongs to a station and has the station's
-/// position, or it has a position of its own. The caller sets both sides of the
-/// membership: the station of the device, and the device among the station's devices.
-/// The two hold each other. A new device has no station and is at (0, 0).
+/// A receiver of a deployment. It either belongs to a station and has the station's
+/// position, or it has a position of its own. Device and station hold each other.
+/// The caller sets both sides: the station of the device, and the device among the
+/// station's devices. A new device has no station and is at (0, 0).
 class SIMULATIONDATA_EXPORT DeploymentDevice : public DeploymentObject
 {
 public:
@@ -28,7 +28,8 @@ public:
 
     [[nodiscard]] eTypes type() const override;
 
-    /// The station's position while the device has a station, its own otherwise.
+    /// The station's position settings while the device has a station, otherwise its
+    /// own.
     [[nodiscard]] IPositionSettings* positionSettings() const override;
 
     void copy(std::shared_ptr<DeploymentObject> a_source) override;

@@ -18,9 +18,9 @@ class ObjectReleaser;
 ///
 /// Objects live in std::shared_ptr and are used from one thread. A station and its
 /// devices hold each other. The last deployment document that holds them breaks this
-/// circle; objects outside a document are freed by
-/// DeploymentDataXml::releaseObjects().
-/// The order of the virtual operations is part of the interface.
+/// circle. Objects outside a document are freed by
+/// DeploymentDataXml::releaseObjects(). The order of the virtual operations is part
+/// of the interface.
 class SIMULATIONDATA_EXPORT DeploymentObject : public std::enable_shared_from_this<DeploymentObject>
 {
 public:
@@ -34,22 +34,22 @@ public:
     [[nodiscard]] virtual QString name() const { return m_sName; }
     virtual void setName(const QString& a_sName) { m_sName = a_sName; }
 
-    /// The settings that give the position: the object's own, or its station's. Null
-    /// if null was set.
+    /// The settings that determine the position: the object's own, or its station's.
+    /// Null if null was set.
     [[nodiscard]] virtual IPositionSettings* positionSettings() const { return m_pPositionSettings.get(); }
 
-    /// Copies id, name, icon and a clone of the source's own position settings, and all
-    /// other fields from a source of the same class. Stations and devices that the
-    /// source refers to are shared; they do not refer to the copy. A source that is
-    /// null or the object itself changes nothing.
+    /// Copies id, name, icon and a clone of the source's own position settings. A
+    /// source of the same class also gives all other fields. Stations and devices of
+    /// the source are shared with the copy, but they do not refer to the copy. Null
+    /// or the object itself as the source changes nothing.
     virtual void copy(std::shared_ptr<DeploymentObject> a_source);
 
     /// A new object of the same class, with everything that copy() copies.
     [[nodiscard]] virtual std::shared_ptr<DeploymentObject> clone() = 0;
 
     [[nodiscard]] QString id() const { return m_sId; }
-    /// Set the id before the object is put into a document: the document finds the
-    /// object by the id that it had then.
+    /// Set the id before the object is put into a document. The document keeps the
+    /// id of that moment as the key of the object.
     void setId(const QString& a_sId) { m_sId = a_sId; }
 
     /// The icon that applications show.
@@ -64,27 +64,27 @@ public:
     [[nodiscard]] double headingAt(unsigned int a_uiTime) const;
     [[nodiscard]] double speedAt(unsigned int a_uiTime) const;
 
-    /// Moves the object's own position, with its whole path; never the station's.
+    /// Moves the object's own position and its whole path, never the station's.
     /// Without position settings the object gets a fixed position.
     void setPosition(TPos a_position);
     /// Takes ownership of the object's own position settings and deletes the former
-    /// ones, unless they are the same. Null removes them.
+    /// settings, unless both are the same object. Null removes them.
     void setPositionSettings(IPositionSettings* a_pSettings);
 
 protected:
-    /// At the fixed position (0, 0), without name and icon.
+    /// The new object is at the fixed position (0, 0), without name and icon.
     DeploymentObject();
     explicit DeploymentObject(const QString& a_sId);
 
     virtual ~DeploymentObject();
 
-    /// The part of copy() that all classes share.
+    /// Copies the fields that all classes share.
     void takeFrom(const DeploymentObject& a_source);
 
 private:
     friend class ObjectReleaser;
 
-    /// Shows the members that hold other objects.
+    /// Passes the members that hold other objects to the releaser.
     virtual void visitMembers(ObjectReleaser& /*a_releaser*/) {}
 
     DeploymentObject(const DeploymentObject& a_other) = delete;

@@ -10,8 +10,8 @@ namespace Simulation {
 class DeploymentDevice;
 
 /// A receiving station of a deployment: a fixed site or a moving platform, and its
-/// devices. The name of a station is its id: both are one field. A new station is at
-/// (0, 0), without devices.
+/// devices. Name and id of a station are one field. A new station is at (0, 0) and
+/// has no devices.
 class SIMULATIONDATA_EXPORT DeploymentStation : public DeploymentObject
 {
 public:
@@ -21,7 +21,7 @@ public:
 
     [[nodiscard]] eTypes type() const override;
 
-    /// The id.
+    /// Returns the id.
     [[nodiscard]] QString name() const override;
     /// Sets the id.
     void setName(const QString& a_sName) override;
@@ -30,8 +30,8 @@ public:
     [[nodiscard]] std::shared_ptr<DeploymentObject> clone() override;
 
     [[nodiscard]] QSet<std::shared_ptr<DeploymentDevice>> devices() const { return m_devices; }
-    /// Return whether the set changed; null is never added. The caller sets the
-    /// device's station.
+    /// Return whether the set of devices has changed. Null is never added. The
+    /// caller sets the device's station.
     bool addDevice(std::shared_ptr<DeploymentDevice> a_device);
     bool removeDevice(std::shared_ptr<DeploymentDevice> a_device);
 

@@ -12,9 +12,10 @@ namespace Units {
 class SIMULATIONDATA_EXPORT Duration
 {
 public:
-    /// A duration (ms) as "hh:mm:ss" and the letter s, for example "01:02:03s".
-    /// Milliseconds are dropped, and a full day starts again at 00:00:00. From 2^31
-    /// the count is negative, that is, before midnight: 0xFFFFFFFF gives "23:59:59s".
+    /// Returns a duration (ms) as "hh:mm:ss" and the letter s, for example
+    /// "01:02:03s". Milliseconds are dropped. A full day starts again at 00:00:00.
+    /// Values from 2^31 count as negative, that is, before midnight: 0xFFFFFFFF
+    /// gives "23:59:59s".
     [[nodiscard]] static QString toString(unsigned int a_uiMilliseconds);
 };
 

@@ -6,8 +6,8 @@
 namespace Simulation {
 
 /// An emitter whose pulses are described by a file of emitter description words. The
-/// file replaces the schedule: the emitter is active whenever its flag, frequency and
-/// position are. A default object names no file.
+/// file replaces the schedule. The emitter is active while its active flag is set
+/// and its frequency and position are active. A default object has no file.
 class SIMULATIONDATA_EXPORT ElintScenarioEmitter : public SzenarioEmitter
 {
 public:

@@ -16,23 +16,23 @@ namespace Simulation {
 class SignalPackage;
 class SzenarioEmitter;
 
-/// The transmission schedule of an emitter or of a network of emitters: which emitter
-/// sends which signal package, when and for how long, and named groups that bundle
-/// emissions and other groups. The schedule repeats with a period; in broadcast mode
-/// it is ignored and the transmitter is always on.
+/// The transmission schedule of an emitter or of a network of emitters. An emission
+/// defines which emitter sends which signal package, when and for how long. Named
+/// groups bundle emissions and other groups. The schedule repeats with a period. In
+/// broadcast mode the schedule is ignored and the transmitter is always on.
 ///
-/// A value class: copies share the emissions and groups themselves, so a change
-/// inside them shows in all copies, until partGroups(). Used from one thread. A
-/// default object has no emission, an unlimited period and no broadcast. Times are
-/// milliseconds since scenario start.
+/// A value class. Copies share the emissions and groups, so a change inside one
+/// shows in all copies. partGroups() ends the sharing of groups. Used from one
+/// thread. A default object has no emission, an unlimited period and no broadcast.
+/// Times are milliseconds since scenario start.
 class SIMULATIONDATA_EXPORT EmissionSettings
 {
 public:
-    /// A period without end: the schedule does not repeat.
+    /// The value of an unlimited period: the schedule does not repeat.
     static constexpr std::int64_t s_iUnlimited = 0x7FFFFFFFFFFFFFFF;
 
-    /// One entry of the schedule, active on (start, start + duration]: not at its
-    /// start, still at its end.
+    /// One entry of the schedule. It is active on (start, start + duration]: not yet
+    /// at its start, but still at its end.
     struct SIMULATIONDATA_EXPORT Emission
     {
         Emission() = default;
@@ -40,9 +40,9 @@ public:
         Emission& operator=(const Emission&) = delete;
         ~Emission();
 
-        std::uint32_t id = 0;                         ///< number by which groups name it in documents
+        std::uint32_t id = 0;                         ///< its number in the groups of a document
         std::int64_t start = 0;                       ///< ms since the beginning of the period
-        std::int64_t duration = 0;                    ///< ms; below 0 it is never active
+        std::int64_t duration = 0;                    ///< ms; never active when negative
         std::shared_ptr<SzenarioEmitter> emitter;     ///< the sender; may be null
         std::shared_ptr<SignalPackage> signalPackage; ///< the signal; may be null
     };
@@ -55,7 +55,7 @@ public:
         Group& operator=(const Group&) = delete;
         ~Group();
 
-        std::uint32_t id = 0; ///< number by which other groups name it in documents
+        std::uint32_t id = 0; ///< its number in other groups of a document
         QString name;
         QList<boost::shared_ptr<Group>> groups;
         QList<boost::shared_ptr<Emission>> emissions;
@@ -65,10 +65,12 @@ public:
     EmissionSettings(const EmissionSettings& a_other);
     EmissionSettings& operator=(const EmissionSettings& a_other);
 
-    /// Frees groups that hold each other in a circle when no other object holds them.
+    /// Also frees groups that hold each other in a circle, unless another object
+    /// holds them.
     ~EmissionSettings();
 
-    /// A new record with the defaults above. It is not added.
+    /// Returns a new emission with the default values. It is not added to the
+    /// schedule.
     [[nodiscard]] static boost::shared_ptr<Emission> createEmission();
     [[nodiscard]] static boost::shared_ptr<Group> createGroup();
 
@@ -76,25 +78,27 @@ public:
     [[nodiscard]] const QList<boost::shared_ptr<Emission>>& emissions() const { return m_emissions; }
     [[nodiscard]] const QList<boost::shared_ptr<Group>>& groups() const { return m_groups; }
 
-    /// Inserts by start, before those of equal start. Null is ignored.
+    /// Inserts an emission by its start, before emissions with the same start. Null
+    /// is ignored.
     void addEmission(const boost::shared_ptr<Emission>& a_emission);
 
-    /// Inserts many at once, those of equal start in the order given: the same
-    /// as adding them one by one from the last to the first, in O(n log n).
+    /// Inserts many emissions at once, in O(n log n). Emissions with the same start
+    /// keep the given order. The result equals adding them one by one from the last
+    /// to the first.
     void addEmissions(const QList<boost::shared_ptr<Emission>>& a_emissions);
 
-    /// Puts an emission back in its place after its start was changed; adds it
-    /// when it is not there.
+    /// Moves an emission to its place in the order after its start was changed. Adds
+    /// an emission that the schedule does not contain.
     void updateEmission(const boost::shared_ptr<Emission>& a_emission);
 
-    /// Removes an emission from the schedule and from every group, then the groups
-    /// that are empty.
+    /// Removes an emission from the schedule and from every group. Then removes the
+    /// groups that are empty.
     void removeEmission(const boost::shared_ptr<Emission>& a_emission);
 
     /// Removes all emissions of an emitter in the same way.
     void removeEmissions(const std::shared_ptr<SzenarioEmitter>& a_emitter);
-    /// Whether removeEmissions() of this emitter would take an emission or an
-    /// empty group out of a group.
+    /// Whether removeEmissions() for this emitter would remove an emission or an
+    /// empty group from a group.
     [[nodiscard]] bool removalChangesGroups(const std::shared_ptr<SzenarioEmitter>& a_emitter) const;
 
     void replaceEmitter(const std::shared_ptr<SzenarioEmitter>& a_old,
@@ -105,13 +109,13 @@ public:
     void addGroup(const boost::shared_ptr<Group>& a_group);
     /// Removes a group from the list and from every group that holds it.
     void removeGroup(const boost::shared_ptr<Group>& a_group);
-    /// Removes groups without members until none is left, also those that lose their
-    /// last member this way.
+    /// Removes groups without members. Repeats this for groups that lose their last
+    /// member, until every group has a member.
     void clearEmptyGroups();
-    /// Replaces groups that this schedule shares with copies of it by groups of its
-    /// own, with the same members: members removed from them later stay in the groups
-    /// of the copies. The emissions stay shared. Without such copies nothing changes,
-    /// and the groups stay the same objects.
+    /// Gives this schedule its own groups when copies of the schedule share them.
+    /// The new groups have the same members. Members that are removed from them
+    /// later stay in the groups of the copies. The emissions stay shared. When no
+    /// copy shares the groups, they stay the same objects.
     void partGroups();
     /// Drops all emissions and groups.
     void clearAll();
@@ -124,14 +128,14 @@ public:
     /// A value below 1 makes the period unlimited.
     void setDuration(long long a_iDuration);
 
-    /// Replaces the schedule by one emission that covers the period. Without a
-    /// package it takes that of the first emission. The spelling is part of the
-    /// interface.
+    /// Replaces the schedule by one emission that covers the period. When the
+    /// package is null, the package of the first emission is used. The spelling is
+    /// part of the interface.
     void makeContinousActive(const std::shared_ptr<SzenarioEmitter>& a_emitter,
                              const std::shared_ptr<SignalPackage>& a_package);
 
-    /// The emission at a time (ms), or null: the latest of those that started before
-    /// that time, if it still lasts. O(log n).
+    /// The emission at a time (ms): the latest that started before that time. Null
+    /// when it has ended, or when none started before. O(log n).
     [[nodiscard]] boost::shared_ptr<Emission> emissionAt(unsigned int a_uiTime) const;
     /// Whether there is an emission at a time (ms); broadcast mode does not count.
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const;
@@ -139,16 +143,16 @@ public:
     [[nodiscard]] std::shared_ptr<SignalPackage> signalPackageAt(unsigned int a_uiTime) const;
     /// How long the emission at a time has been on (ms), or -1.
     [[nodiscard]] long long timeActiveAt(unsigned int a_uiTime) const;
-    /// The same for an emission that emissionAt() has returned for that time.
+    /// The same for an emission that emissionAt() returned for that time.
     [[nodiscard]] long long timeActiveAt(unsigned int a_uiTime, const Emission& a_emission) const;
     /// 0xFFFFFFFF: a schedule never ends.
     [[nodiscard]] unsigned int activeUntil() const;
 
-    /// The on-times inside the window [start, start + length) in ms, of one emitter
-    /// or, when that is null, of all. The frequency is 0. The first may begin, and
-    /// even end, before the window; none ends after it. In broadcast mode the answer
-    /// is the window itself, or empty when the schedule is empty. The answer stops at
-    /// Limits::AnswerActivities.
+    /// The on-times in the window [start, start + length) (ms) of one emitter, or of
+    /// all emitters when it is null. Their frequency is 0. The first on-time may
+    /// begin, and even end, before the window. No on-time ends after it. In
+    /// broadcast mode the result is the window itself, or empty when the schedule is
+    /// empty. The result ends at Limits::AnswerActivities.
     [[nodiscard]] QList<HRActivity> calculateHRActivities(const SzenarioEmitter* a_pEmitter,
                                                           unsigned int a_uiStart,
                                                           unsigned int a_uiLength) const;
@@ -160,7 +164,7 @@ private:
 
     QList<boost::shared_ptr<Emission>> m_emissions;
     QList<boost::shared_ptr<Group>> m_groups;
-    /// Held by every schedule that shares these groups; null = never copied.
+    /// Held by every schedule that shares these groups. Null: never copied.
     mutable std::shared_ptr<const int> m_pSharing;
     std::int64_t m_iDuration = s_iUnlimited;
     bool m_bBroadcast = false;

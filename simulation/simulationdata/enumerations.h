@@ -28,8 +28,8 @@ enum class EndBehaviourType : int {
     Inactive = 2, ///< the object is no longer active
 };
 
-/// The modulation of a signal package. There is no value for "None": that text
-/// reads as CW.
+/// The modulation of a signal package. There is no value for "None": the text "None"
+/// is read as CW.
 enum class AnalogModulations : int {
     CW = 0,
     AM = 1,
@@ -45,8 +45,8 @@ enum class NetworkType : int {
     Star = 1,
 };
 
-/// Whether two frequencies (Hz) differ by less than 0.001. The difference is rounded
-/// to single precision first.
+/// Whether two frequencies (Hz) differ by less than 0.001 Hz. The difference is
+/// first rounded to single precision.
 [[nodiscard]] SIMULATIONDATA_EXPORT bool compareFrequency(float a_fFirst, float a_fSecond);
 
 /// Display texts; an unknown value gives an empty text.

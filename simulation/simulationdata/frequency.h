@@ -14,30 +14,32 @@ namespace Units {
 class SIMULATIONDATA_EXPORT Frequency
 {
 public:
-    /// The pattern of a frequency that a user types: a number and, optionally, a unit
-    /// letter; the text after it is ignored. Valid once main() runs.
+    /// The pattern of a frequency that a user types: a number and an optional unit
+    /// letter. Text after the unit letter is ignored. Valid once main() runs.
     static const QString s_sRegex;
 
     /// Whether two frequencies (Hz) differ by less than 1e-6 Hz.
     [[nodiscard]] static bool equal(double a_dFirst, double a_dSecond);
 
-    /// A frequency (Hz) with a unit that suits it, for example "433.920000 MHz":
-    /// below 1000 in Hz, below 1e7 in kHz, below 1e9 in MHz, else (also not a number)
-    /// in GHz. 1 MHz to 10 MHz stay in kHz on purpose, and the unit is chosen before
-    /// rounding. With `a_bFixedDecimals` the unit decides the number of decimals (0,
-    /// 3, 6, 6), otherwise there are always six. The decimal point is "." in every
-    /// locale. Sets `*a_pbOk` to true unless the pointer is null.
+    /// Returns a frequency (Hz) with a suitable unit, for example "433.920000 MHz".
+    /// The unit is Hz below 1000, kHz below 1e7, MHz below 1e9, otherwise GHz, also
+    /// for NaN. 1 MHz to 10 MHz stay in kHz on purpose. The unit is chosen before
+    /// rounding.
+    ///
+    /// With `a_bFixedDecimals` the unit determines the number of decimals (0, 3, 6,
+    /// 6 for Hz, kHz, MHz, GHz). Otherwise there are always six. The decimal point
+    /// is "." in every locale. Sets `*a_pbOk` to true unless the pointer is null.
     [[nodiscard]] static QString toString(double a_dValue, bool a_bFixedDecimals, bool* a_pbOk = nullptr);
 
     /// Whether the whole text matches s_sRegex.
     [[nodiscard]] static bool validString(const QString& a_sText);
 
-    /// The frequency (Hz) of a text, 0 for an invalid one. "m" and "M" both mean
-    /// mega. Without a unit letter the unit is the one in which toString would
-    /// show `a_dReference` (Hz), and Hz when the reference is 0.
+    /// Returns the frequency (Hz) of a text, 0 for an invalid text. "m" and "M" both
+    /// mean mega. A text without a unit letter is in the unit that toString() would
+    /// use for `a_dReference` (Hz). That unit is Hz when the reference is 0.
     ///
     /// The decimal mark is a point or a comma, whatever the application's default
-    /// locale: what toString writes reads back as the same frequency everywhere.
+    /// locale. A text of toString() therefore gives the same frequency everywhere.
     [[nodiscard]] static double fromString(const QString& a_sText, double a_dReference);
 };
 

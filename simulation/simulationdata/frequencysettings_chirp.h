@@ -41,16 +41,17 @@ public:
     [[nodiscard]] bool isTimeDependend() const override;
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;
 
-    /// Pieces of equal length during which the frequency moves by about
-    /// `a_dResolution` Hz, each with the frequency at its beginning. The last one
-    /// keeps its full length and may run past the window. Without a sweep or a
-    /// positive resolution there is one activity, the window.
+    /// Divides the window into pieces of equal length. The frequency moves by about
+    /// `a_dResolution` Hz during a piece. Each piece has the frequency at its
+    /// beginning. The last piece keeps its full length and may end after the window.
+    /// Without a sweep or a positive resolution, the window itself is the only
+    /// activity.
     [[nodiscard]] QList<HRActivity> calculateHRActivities(unsigned int a_uiStart, unsigned int a_uiLength,
                                                           double a_dResolution) const override;
     [[nodiscard]] unsigned int activeUntil() const override;
     [[nodiscard]] bool equal(const IFrequencySettings* a_pOther) const override;
 
-    /// Draws one random number, as every new object does; the copy constructor draws
+    /// Draws one random number, as every new object does. The copy constructor draws
     /// none.
     [[nodiscard]] IFrequencySettings* clone() const override;
 

@@ -12,11 +12,13 @@ namespace Simulation {
 /// Hops without end over evenly spaced channels, in a pseudo-random order that the
 /// seed determines.
 ///
-/// The channels lie in [minimum, maximum); the maximum itself is not a channel. A new
-/// object has 1000 channels from 24 to 26 MHz, 100 hops per second, seed 0, and an
-/// offset drawn from the thread's random sequence. The channel list is built by the
-/// first query that needs it. That seeds the thread's sequence, on which later random
-/// offsets then depend, deliberately. The spelling "Hopp" is part of the interface.
+/// The channels lie in [minimum, maximum); the maximum itself is not a channel. A
+/// new object has 1000 channels from 24 to 26 MHz, 100 hops per second, seed 0, and
+/// an offset drawn from the thread's random sequence. The spelling "Hopp" is part of
+/// the interface.
+///
+/// The first query that needs the channel list builds it. Building seeds the
+/// thread's random sequence, which changes later random offsets. This is deliberate.
 class SIMULATIONDATA_EXPORT FrequencySettings_FastHopper : public IFrequencySettings
 {
 public:
@@ -31,9 +33,9 @@ public:
     void setMinimumFrequency(double a_dFrequency);
     void setMaximumFrequency(double a_dFrequency);
 
-    /// Number of channels. The hopper stays at its minimum frequency with 0 channels,
-    /// above Limits::HopChannels, and while the lists of other hoppers use up
-    /// Limits::AllHopChannels.
+    /// Number of channels. The hopper stays at its minimum frequency in three cases:
+    /// the number is 0, it exceeds Limits::HopChannels, or all hoppers together
+    /// exceed Limits::AllHopChannels.
     [[nodiscard]] unsigned int getHoppCount() const { return m_uiHoppCount; }
     void setHoppCount(unsigned int a_uiCount);
 
@@ -52,21 +54,22 @@ public:
     [[nodiscard]] double getMaximumFrequency() const override;
     [[nodiscard]] double getFrequencyAt(unsigned int a_uiTime) const override;
 
-    /// False on purpose: displays show a fast hopper as a band.
+    /// Deliberately false: displays show a fast hopper as a band.
     [[nodiscard]] bool isTimeDependend() const override;
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;
 
-    /// A lead-in as long as the offset, then one activity per hop; hops take whole
-    /// milliseconds here. The lead-in keeps its full length and may run past the
-    /// window. The first hop may leave a gap after it or overlap it. `a_dResolution`
-    /// is not used. A hopper that cannot hop has one activity, the window.
+    /// The first activity is a lead-in as long as the offset. One activity per hop
+    /// follows; hops last whole milliseconds here. The lead-in keeps its full length
+    /// and may end after the window. The first hop may overlap the lead-in or leave
+    /// a gap after it. `a_dResolution` is not used. When the hopper cannot hop, the
+    /// window is the only activity.
     [[nodiscard]] QList<HRActivity> calculateHRActivities(unsigned int a_uiStart, unsigned int a_uiLength,
                                                           double a_dResolution) const override;
     [[nodiscard]] unsigned int activeUntil() const override;
     [[nodiscard]] bool equal(const IFrequencySettings* a_pOther) const override;
 
     /// Draws one random number, as every new object does, and builds a new channel
-    /// list when it needs one; the copy constructor draws none and shares the list.
+    /// list when it needs one. The copy constructor draws none and shares the list.
     [[nodiscard]] IFrequencySettings* clone() const override;
 
 private:
@@ -82,9 +85,9 @@ private:
     unsigned int m_uiHoppRate = 100;           ///< hops per second
     unsigned int m_uiHoppSet = 0;              ///< seed
     float m_fTimeslotOffset;                   ///< fraction of a hop
-    /// Hz, in hop order; null = not built. Copies share it.
+    /// Hz, in hop order. Null: not built. Copies share the list.
     mutable std::shared_ptr<const std::vector<double>> m_pFrequencyList;
-    mutable bool m_bLimitTraced = false; ///< an exceeded limit was traced since the last change
+    mutable bool m_bLimitTraced = false; ///< whether an exceeded limit was traced since the last change
 };
 
 } // namespace Simulation

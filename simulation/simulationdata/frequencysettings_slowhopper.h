@@ -18,16 +18,18 @@ struct FrequencyStep
 /// Hops through a table of steps that the user edits, each with a frequency and a
 /// dwell time.
 ///
-/// After the last step it stays there, restarts, or ends the emitter's activity. A
-/// new object has one step, 25 MHz for one second, and restarts. Only
-/// setFrequencySteps() can leave the table without steps; its frequency is then -1.
+/// After the last step the frequency stays there, restarts with the first step, or
+/// ends the emitter's activity. A new object has one step, 25 MHz for one second,
+/// and restarts. Only setFrequencySteps() can leave the table empty. The frequency
+/// of an empty table is -1.
 class SIMULATIONDATA_EXPORT FrequencySettings_SlowHopper : public IFrequencySettings
 {
 public:
     FrequencySettings_SlowHopper();
 
-    /// What follows the last step. Not part of equality. The names of accessor
-    /// and type differ on purpose: both are part of the interface.
+    /// The behaviour after the last step. Not part of equality. The names of the
+    /// accessor and its type are spelled differently; both are part of the
+    /// interface.
     [[nodiscard]] EndBehaviourType getEndBehavior() const { return m_eEndBehavior; }
     void setEndBehavior(EndBehaviourType a_eBehavior) { m_eEndBehavior = a_eBehavior; }
 
@@ -37,33 +39,34 @@ public:
     /// Number of steps.
     [[nodiscard]] int rows() const;
 
-    /// The frequency of a step (Hz); -1 for a row out of range, which the setter
-    /// ignores.
+    /// The frequency of a step (Hz); -1 for a row out of range. The setter ignores
+    /// such a row.
     [[nodiscard]] double getFrequency(int a_iRow) const;
     void setFrequency(int a_iRow, double a_dFrequency);
 
-    /// The dwell time of a step (ms); 0 for a row out of range, which the setter
-    /// ignores.
+    /// The dwell time of a step (ms); 0 for a row out of range. The setter ignores
+    /// such a row.
     [[nodiscard]] unsigned int getDuration(int a_iRow) const;
     void setDuration(int a_iRow, unsigned int a_uiDuration);
 
-    /// When a step begins, ms since the table's start, modulo 2^32. 0 for row 0
-    /// and below, the table's end for rows beyond it.
+    /// The beginning of a step, in ms since the start of the table, modulo 2^32. 0
+    /// for row 0 and below. Rows after the last give the end of the table.
     [[nodiscard]] unsigned int getTime(int a_iRow) const;
 
-    /// Moves the beginning of a step by changing the dwell time of the step
-    /// before. Ignored for row 0, rows out of range, and times that are not
-    /// after the beginning of the step before.
+    /// Moves the beginning of a step by changing the dwell time of the previous
+    /// step. Ignored for row 0 and rows out of range. Also ignored when the time is
+    /// not after the beginning of the previous step.
     void setTime(int a_iRow, unsigned int a_uiTime);
 
-    // Removing and inserting steps keeps the total length that was last computed:
-    // activeUntil() and activities use it until a value is set.
+    // Removing or inserting a step keeps the total length that was computed last.
+    // activeUntil() and activities use that length until a value is set.
 
-    /// Removes a step. The first one stays: ignored for row 0 and out of range.
+    /// Removes a step. Ignored for row 0, because the first step always stays, and
+    /// for rows out of range.
     void removeStep(int a_iRow);
 
-    /// Inserts a copy of a step after it; a row below 0 appends a copy of the last
-    /// step. Ignored for rows beyond the table.
+    /// Inserts a copy of a step after the step. A row below 0 appends a copy of the
+    /// last step. Ignored for rows after the last.
     void insertStep(int a_iRow);
 
     [[nodiscard]] FrequencySettingsType getType() override;
@@ -78,13 +81,14 @@ public:
     [[nodiscard]] double getFrequencyAt(unsigned int a_uiTime) const override;
     [[nodiscard]] bool isTimeDependend() const override;
 
-    /// With Inactive, the instant at which the table ends is still active.
+    /// With Inactive, the hopper is still active at the instant at which the table
+    /// ends.
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;
 
-    /// One activity per step in the window, steps without duration included.
-    /// `a_dResolution` is not used. A table without duration has one activity, the
-    /// window. A window without length inside the last step has none, unless the
-    /// table restarts. O(log n + length of the answer).
+    /// One activity per step in the window, also for steps without duration.
+    /// `a_dResolution` is not used. When the table has no duration, the window is
+    /// the only activity. A window of length 0 inside the last step has no activity,
+    /// unless the table restarts. O(log n + length of the answer).
     [[nodiscard]] QList<HRActivity> calculateHRActivities(unsigned int a_uiStart, unsigned int a_uiLength,
                                                           double a_dResolution) const override;
     [[nodiscard]] unsigned int activeUntil() const override;
@@ -103,7 +107,7 @@ private:
     QList<FrequencyStep> m_frequencySteps;
     EndBehaviourType m_eEndBehavior = EndBehaviourType::Restart;
     mutable unsigned int m_uiLength = 0;            ///< ms; 0 = not computed
-    mutable std::vector<std::uint64_t> m_stepTimes; ///< ms, begin of each step and the end; empty = not built
+    mutable std::vector<std::uint64_t> m_stepTimes; ///< ms, start of each step, then end; empty = not built
 };
 
 } // namespace Simulation

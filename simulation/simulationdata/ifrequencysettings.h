@@ -14,7 +14,7 @@ namespace Simulation {
 /// Frequencies are in Hz. Times are scenario times in ms since scenario start, 32
 /// bits. An object is owned by its emitter or network. Queries may fill caches
 /// without a lock, so one object serves one thread at a time. The order of the
-/// operations, and which of them are const, is part of the interface.
+/// operations and their const qualifiers are part of the interface.
 class SIMULATIONDATA_EXPORT IFrequencySettings
 {
 public:
@@ -22,7 +22,8 @@ public:
 
     [[nodiscard]] virtual FrequencySettingsType getType() = 0;
 
-    /// Hz. Setting the centre moves every frequency by the same amount.
+    /// The centre frequency, Hz. Setting it moves every frequency by the same
+    /// amount.
     [[nodiscard]] virtual double getCenterFrequency() const = 0;
     virtual void setCenterFrequency(double a_dFrequency) = 0;
 
@@ -33,8 +34,8 @@ public:
     /// The frequency at a scenario time (ms), Hz.
     [[nodiscard]] virtual double getFrequencyAt(unsigned int a_uiTime) const = 0;
 
-    /// Whether a display has to follow the frequency over time. The spelling
-    /// is part of the interface.
+    /// Whether a display has to follow the frequency over time. The spelling is part
+    /// of the interface.
     [[nodiscard]] virtual bool isTimeDependend() const = 0;
 
     /// Whether the frequency behaviour lets the emitter send at a scenario
@@ -42,9 +43,9 @@ public:
     [[nodiscard]] virtual bool isActiveAt(unsigned int a_uiTime) const = 0;
 
     /// The stretches of constant frequency in the window [a_uiStart, a_uiStart +
-    /// a_uiLength) (ms), in ascending order. The classes document where they leave
-    /// gaps or run past its end. `a_dResolution` (Hz) is how far a sweep may move
-    /// within one stretch. The answer ends at 2^32 ms and at
+    /// a_uiLength) (ms), in ascending order. The comments of the classes describe
+    /// gaps and stretches that end after the window. A sweep may move by
+    /// `a_dResolution` (Hz) within one stretch. The answer ends at 2^32 ms and at
     /// Limits::AnswerActivities.
     [[nodiscard]] virtual QList<HRActivity>
     calculateHRActivities(unsigned int a_uiStart, unsigned int a_uiLength, double a_dResolution) const = 0;
@@ -52,8 +53,8 @@ public:
     /// The last active scenario time (ms); 0xFFFFFFFF = without end.
     [[nodiscard]] virtual unsigned int activeUntil() const = 0;
 
-    /// Whether `a_pOther` is of the same class with the same settings; frequencies
-    /// are rounded to float and compared with compareFrequency(). False for null.
+    /// Whether `a_pOther` has the same class and the same settings. Frequencies are
+    /// rounded to float and compared with compareFrequency(). False for null.
     [[nodiscard]] virtual bool equal(const IFrequencySettings* a_pOther) const = 0;
 
     /// A copy that the caller owns.

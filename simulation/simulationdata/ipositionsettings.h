@@ -10,10 +10,10 @@ namespace Simulation {
 /// The position behaviour of an emitter, a station or a device: a site or a movement.
 ///
 /// Positions are degrees on WGS 84, longitude first. Times are scenario times in ms
-/// since scenario start, 32 bits. An object is owned by the emitter, station or
-/// device that it positions. Queries may fill caches without a lock, so one object
-/// serves one thread at a time. The order of the operations, and which of them are
-/// const, is part of the interface.
+/// since scenario start, 32 bits. An object is owned by its emitter, station or
+/// device. Queries may fill caches without a lock, so one object serves one thread
+/// at a time. The order of the operations and their const qualifiers are part of the
+/// interface.
 class SIMULATIONDATA_EXPORT IPositionSettings
 {
 public:
@@ -27,10 +27,10 @@ public:
 
     [[nodiscard]] virtual TPos getPositionAt(unsigned int a_uiTime) = 0;
 
-    /// Degrees clockwise from north, [0, 360).
+    /// The heading at a scenario time (ms), degrees clockwise from north, [0, 360).
     [[nodiscard]] virtual double headingAt(unsigned int a_uiTime) const = 0;
 
-    /// km/h.
+    /// The speed at a scenario time (ms), km/h.
     [[nodiscard]] virtual double speedAt(unsigned int a_uiTime) const = 0;
 
     /// Whether the position changes over time. The spelling is part of the
@@ -43,8 +43,8 @@ public:
     /// The last active scenario time (ms); 0xFFFFFFFF = without end.
     [[nodiscard]] virtual unsigned int activeUntil() const = 0;
 
-    /// Whether `a_pOther` is of the same class at the same position or with the
-    /// same way points. False for null.
+    /// Whether `a_pOther` has the same class and the same position or way points.
+    /// False for null.
     [[nodiscard]] virtual bool equal(const IPositionSettings* a_pOther) = 0;
 
     /// A copy that the caller owns.

@@ -16,9 +16,9 @@ class SignalShapeFile;
 class SymbolDataFile;
 
 /// Gives scenario documents access to signal packages and their data files. A
-/// document does not own its provider, which must outlive it and is called on the
-/// document's thread. While a document is being read its provider must not change
-/// that document.
+/// document does not own its provider, and the provider must outlive the document.
+/// The provider is called on the document's thread. It must not change a document
+/// that is being read.
 ///
 /// The order of the operations is part of the binary interface and must not change.
 class SIMULATIONDATA_EXPORT ISignalPackageProvider
@@ -29,15 +29,15 @@ public:
     /// Whether the provider knows the id.
     virtual bool validSignalPackageId(const QString& a_sId) = 0;
 
-    /// The package of that id, or the default package when the id is unknown. Null
-    /// only when there is no default package either.
+    /// The package with that id, or the default package when the id is unknown. Null
+    /// only when the id is unknown and there is no default package.
     virtual std::shared_ptr<SignalPackage> signalPackage(const QString& a_sId) = 0;
 
     /// The package that is used for unknown ids; null when the provider has none.
     virtual std::shared_ptr<SignalPackage> defaultSignalPackage() = 0;
 
-    /// Readers of the package's data files; null when the package has no such file.
-    /// The provider owns them: callers do not delete them.
+    /// The readers of the package's data files, null when the package has no such
+    /// file. The provider owns the readers: callers do not delete them.
     virtual SignalShapeFile* signalShapeFile(std::shared_ptr<SignalPackage> a_pPackage) = 0;
     virtual AudioFile* audioFile(std::shared_ptr<SignalPackage> a_pPackage) = 0;
     virtual SymbolDataFile* symbolDataFile(std::shared_ptr<SignalPackage> a_pPackage) = 0;

@@ -23,12 +23,12 @@ public:
     explicit LedWidget(QWidget* a_pParent = nullptr);
     ~LedWidget() override;
 
-    /// Also false when the whole widget is disabled.
+    /// Whether the lamp is on; false when the whole widget is disabled.
     [[nodiscard]] bool isLedActive() const;
     [[nodiscard]] QString text() const;
 
 public Q_SLOTS:
-    /// Also resizes the widget to fit the text.
+    /// Sets the text and resizes the widget to fit it.
     void setText(const QString& a_sText);
     void setLedActive(bool a_bActive);
 

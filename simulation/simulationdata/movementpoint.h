@@ -8,20 +8,20 @@
 
 namespace Simulation {
 
-/// One point of a movement. A major point is a way point that the user placed;
-/// the others shape the path between them, never dwell, and take the speed of
-/// the next point.
+/// One point of a movement. A major point is a way point that the user placed.
+/// Intermediate points shape the path between way points. They never dwell, and they
+/// take the speed of the next point.
 struct MovementPoint
 {
     TPos position;                   ///< degrees, longitude first
     unsigned int transitionTime = 0; ///< ms to the next point; derived, 0 at the last point
-    unsigned int dwellTime = 0;      ///< ms that the emitter stays here before it leaves
+    unsigned int dwellTime = 0;      ///< ms that the emitter stays here
     bool major = false;              ///< whether the user placed this point
     QString name;                    ///< null at unnamed intermediate points
-    double speed = 50.0;             ///< km/h with which this point is reached; <= 0 = at once
+    double speed = 50.0;             ///< km/h on the leg to this point; <= 0 = the leg takes no time
 };
 
-/// Positions are equal within 1e-10 degrees, all else exactly.
+/// Compares positions within 1e-10 degrees and all other fields exactly.
 [[nodiscard]] SIMULATIONDATA_EXPORT bool operator==(const MovementPoint& a_first,
                                                     const MovementPoint& a_second);
 

@@ -10,16 +10,16 @@
 #include <fstream>
 #include <vector>
 
-/// A pulse descriptor word of 32 bytes. The applications define its content; here
-/// its bytes are only copied.
+/// A pulse descriptor word of 32 bytes. The applications define its content; this
+/// class only copies its bytes.
 struct CPackedPDW;
 
 /// Writes or reads a file of pulse descriptor words.
 ///
-/// Records are written in blocks of up to 1000, each after a header of 32 bytes
-/// when the file is made with headers. Reading does not recognise headers: it
-/// returns 32 bytes at a time, so a header is returned as if it were a record.
-/// Files that this class shall read are written without headers.
+/// Records are written in blocks of up to 1000. With headers, a header of 32 bytes
+/// precedes each block. Reading does not recognise headers. It returns 32 bytes at a
+/// time, so it returns a header like a record. Write without headers when this class
+/// has to read the file.
 ///
 /// An object may be used by one thread at a time. Regular files only.
 class SIMULATIONDATA_EXPORT PDWFile
@@ -31,34 +31,35 @@ public:
     static constexpr std::uint32_t s_uiRecordBytes = 32;
     static constexpr std::uint32_t s_uiRecordsPerBlock = 1000;
 
-    /// Opens the file for writing, which empties it at once, or else for reading.
-    /// One trace when it cannot be opened; is_open() is false then.
+    /// Opens the file. Opening for writing empties it at once. One trace when the
+    /// file cannot be opened; is_open() is then false.
     PDWFile(const QString& a_sPath, bool a_bForWriting, bool a_bWriteHeaders);
     PDWFile(const PDWFile&) = delete;
     PDWFile& operator=(const PDWFile&) = delete;
 
-    /// A writer writes the buffered records as a last block, which may be empty.
+    /// A writer first writes the buffered records as the last block, which may be
+    /// empty.
     virtual ~PDWFile();
 
     // The name is part of the interface.
     [[nodiscard]] bool is_open() const;
 
-    /// Buffers a copy of the record; a full buffer is written first. Returns the
-    /// number of records that are now buffered, 1 to 1000. Null buffers nothing and
-    /// may return 0.
+    /// Buffers a copy of the record. A full buffer is first written to the file.
+    /// Returns the number of buffered records, 1 to 1000. Null is not buffered, and
+    /// the result may then be 0.
     int addPDW(const CPackedPDW* a_pRecord);
 
-    /// Writes the buffered records as one block, even when there are none. When
-    /// that fails (the file is not open for writing, the disk is full), the records
-    /// are dropped, and no further block is written. The first failed write of a
-    /// file is traced.
+    /// Writes the buffered records as one block, even when there are none. This
+    /// fails when the file is not open for writing or the disk is full. The records
+    /// are then dropped, and no further block is written. The first failed write of
+    /// a file is traced.
     void write();
 
-    /// Reads the next 32 bytes of the file into the record and returns 32; bytes
-    /// that the file lacks are zero. The end is noticed only when bytes are
-    /// lacking, so one record of zeros follows the last complete record. After
-    /// that, and when the file cannot be read, returns 0 and leaves the record
-    /// unchanged.
+    /// Reads the next 32 bytes of the file into the record and returns 32. When the
+    /// file has fewer bytes left, the others are zero. Only such a read detects the
+    /// end of the file, so one record of zeros follows the last complete record.
+    /// After that, returns 0 and leaves the record unchanged. The same applies when
+    /// the file cannot be read.
     int getPDW(CPackedPDW* a_pRecord);
 
 private:
@@ -66,7 +67,7 @@ private:
     struct BlockHeader
     {
         std::uint32_t magic = s_uiBlockMagic;
-        /// In a written header: size of header and records (32-bit words). Unused
+        /// Size of header and records of a written block (32-bit words). Unused
         /// between two writes.
         std::uint32_t size = s_uiHeaderBytes / sizeof(std::uint32_t);
         std::uint32_t number = 0; ///< blocks written before this one

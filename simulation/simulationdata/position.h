@@ -47,36 +47,37 @@ public:
     /// Whether the whole text matches regex() of this format and locale.
     [[nodiscard]] static bool validString(const QString& a_sText, Format a_eFormat, const QLocale& a_locale);
 
-    /// A position as text, empty for an unknown format. In the Geo forms nothing is
-    /// carried from seconds to minutes: "60" and "60.00" appear, on purpose. A
-    /// coordinate that is not finite shows as "nan" or "inf" in the first three
-    /// forms; for the others see Coord.
+    /// Returns a position as text, empty for an unknown format. The Geo forms carry
+    /// no seconds over to minutes: "60" and "60.00" occur, on purpose. A coordinate
+    /// that is not finite gives "nan" or "inf" in the first three forms. For the
+    /// other forms see Coord.
     [[nodiscard]] static QString toString(const Position_t& a_position, Format a_eFormat,
                                           const QLocale& a_locale);
     [[nodiscard]] static QString toString(double a_dLongitude, double a_dLatitude, Format a_eFormat,
                                           const QLocale& a_locale);
 
-    /// The position of a text, always finite; (0, 0) for an unknown format. Check
-    /// validString() first: the first three forms are read at fixed places, where
-    /// text that is not a number counts as 0. GeoLong reads seconds with a decimal
-    /// "." only, so those written with a decimal comma read as 0, on purpose.
+    /// Returns the position of a text. It is always finite, and (0, 0) for an
+    /// unknown format. Check validString() first: the first three forms are read at
+    /// fixed places, and text that is not a number counts as 0 there. GeoLong reads
+    /// only seconds with a decimal ".". Seconds with a decimal comma are read as 0,
+    /// on purpose.
     [[nodiscard]] static Position_t fromString(const QString& a_sText, Format a_eFormat,
                                                const QLocale& a_locale);
 
-    /// The input mask of a line edit; that of Decimal for an unknown format.
+    /// The input mask of a line edit. An unknown format gives the mask of Decimal.
     [[nodiscard]] static QString formatMask(Format a_eFormat, const QLocale& a_locale);
 
-    /// The regular expression of a valid text; that of Decimal for an unknown format.
-    /// The decimal point is written as "\x" and four hexadecimal digits, which
-    /// QRegularExpression does not read as one character: use validString() to match
-    /// a text.
+    /// The regular expression of a valid text. An unknown format gives that of
+    /// Decimal. The decimal point is written as "\x" and four hexadecimal digits.
+    /// QRegularExpression does not read these as one character, so use validString()
+    /// to match a text.
     [[nodiscard]] static QString regex(Format a_eFormat, const QLocale& a_locale);
 
     /// Every format, in order.
     [[nodiscard]] static QList<Format> formats();
 
-    /// The translated display name, "ERROR INVALID COORDINATES FORMAT" for an
-    /// unknown format.
+    /// The translated display name. An unknown format gives "ERROR INVALID
+    /// COORDINATES FORMAT".
     [[nodiscard]] static QString formatName(Format a_eFormat);
 };
 

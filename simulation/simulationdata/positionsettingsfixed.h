@@ -21,7 +21,7 @@ public:
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;
     [[nodiscard]] unsigned int activeUntil() const override;
 
-    /// Positions must be exactly equal.
+    /// Compares the positions exactly.
     [[nodiscard]] bool equal(const IPositionSettings* a_pOther) override;
     [[nodiscard]] IPositionSettings* clone() override;
 

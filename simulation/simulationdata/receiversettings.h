@@ -3,14 +3,13 @@
 
 namespace Simulation {
 
-/// The receiver of a device. The library only stores these values: their units are
-/// those on which the writing and the reading programs agree, and every value is
-/// accepted. A document keeps 6 significant digits, and 0 for a value that is not
-/// finite.
+/// The receiver of a device. The library only stores these values and accepts every
+/// value. The programs that write and read the values agree on their units. A
+/// document keeps 6 significant digits. A value that is not finite is stored as 0.
 struct ReceiverSettings
 {
-    double antennaHeight = 7.0; ///< of the antenna above its site
-    double antennaGain = 0.0;   ///< of the antenna
+    double antennaHeight = 7.0; ///< height of the antenna above its site
+    double antennaGain = 0.0;   ///< gain of the antenna
 };
 
 } // namespace Simulation

@@ -11,12 +11,12 @@
 
 namespace Simulation {
 
-/// Reads a result data file, "Signal.rdf": result items of two bytes each, at a
-/// constant rate. The stream repeats over its own length.
+/// Reads a result data file, "Signal.rdf". The file holds result items of two bytes
+/// each, at a constant rate. The stream repeats over its own length.
 ///
-/// Any thread may call; every operation locks. A new object is closed and all its
-/// values are 0. The values of the header stay after close(); a failed open() sets
-/// them to 0.
+/// Any thread may call; every operation locks. In a new object the file is closed
+/// and all values are 0. The values of the header stay after close(). A failed
+/// open() sets them to 0.
 class SIMULATIONDATA_EXPORT ResultDataFile
 {
 public:
@@ -31,9 +31,9 @@ public:
     ResultDataFile(const ResultDataFile&) = delete;
     ResultDataFile& operator=(const ResultDataFile&) = delete;
 
-    /// Opens the file, again if it is open already, and reads its header. False
-    /// after one trace, with the file closed. A file that is cut short, or whose
-    /// length() is 0, opens with one trace.
+    /// Opens the file and reads its header. A file that is open already is opened
+    /// again. Returns false after one trace, with the file closed. A file that is
+    /// cut short, or whose length() is 0, is opened with one trace.
     [[nodiscard]] bool open();
     void close();
     [[nodiscard]] bool isOpen() const;
@@ -43,8 +43,8 @@ public:
 
     [[nodiscard]] ResultDataType resultDataType() const;
 
-    /// The number of items that can be read: the header's count, or the number in
-    /// the file at open() if that is smaller.
+    /// The number of items that can be read. This is the count in the header, or the
+    /// number of items in the file at open() when that is smaller.
     [[nodiscard]] std::uint64_t itemCount() const;
 
     /// Items per second as stored in the file; may be any float, also infinite or
@@ -52,22 +52,22 @@ public:
     [[nodiscard]] float itemRate() const;
 
     /// Length of the stream (whole ms), calculated in single precision; at most
-    /// 0xFFFFFFFF. 0 when there is nothing to read: no items, a rate that is not
-    /// positive and finite, or less than a millisecond.
+    /// 0xFFFFFFFF. The length is 0 without items, with a rate that is not positive
+    /// and finite, and when the stream lasts less than a millisecond.
     [[nodiscard]] std::uint32_t length() const;
 
-    /// How many bytes the file lacked at open() compared with its header: 0 when it
-    /// is complete, negative when it had more. Saturates.
+    /// How many bytes the file lacked at open() compared with its header. 0 when the
+    /// file is complete, negative when it had more bytes. Saturates.
     [[nodiscard]] std::int64_t missingBytes() const;
 
     /// Has no effect: the stream repeats over its own length.
     void setPackageDuration(std::uint32_t a_uiDuration);
 
-    /// The bytes of the items of [start, start + duration) (ms), as stored in the
-    /// file. A span that runs past the end continues at the first item. Empty while
-    /// the file is closed, when length() is 0 and, after one trace, when the result
-    /// exceeds Limits::DataBytes. Fewer items, after one trace, when the file has
-    /// shrunk since open().
+    /// Returns the bytes of the items in [start, start + duration) (ms), as stored
+    /// in the file. A span that runs past the end continues at the first item. Empty
+    /// while the file is closed and when length() is 0. Also empty, after one trace,
+    /// when the result exceeds Limits::DataBytes. When the file has shrunk since
+    /// open(), the result has fewer items, after one trace.
     [[nodiscard]] QByteArray readResultData(std::uint32_t a_uiStart, std::uint32_t a_uiDuration);
 
 private:

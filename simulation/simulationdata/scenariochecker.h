@@ -19,29 +19,28 @@ struct ScenarioFinding
 {
     QString objectId;
     QString objectName;
-    QString ruleId;        ///< the broken rule, an id of ScenarioChecker; never changes
+    QString ruleId;        ///< the id of the broken rule, a constant of ScenarioChecker
     QString text;          ///< one English sentence: finding and repair
-    bool repaired = false; ///< whether the object is valid now, as far as this finding is concerned
+    bool repaired = false; ///< whether the repair has removed this finding from the object
 };
 
 /// Checks the objects of a scenario and repairs them in place where it can, so that
-/// a scenario can be played without further checks. Four rules:
+/// a scenario can be played without further checks. There are four rules:
 ///
 /// - Every emission of an object's own schedule has a signal package that the
-///   provider knows. Any other emission gets the provider's default package. Valid
-///   ones get the provider's own record of their package, by which its data files
-///   are read, so a superseded package is replaced by its successor; this is not a
-///   finding.
-/// - Every emitter has an id of its own, in the scenario and in the document that
-///   it was read from, because a reader merges emitters that share an id. Reported
-///   only.
+///   provider knows. Any other emission gets the provider's default package. A valid
+///   emission gets the provider's own record of its package, because data files are
+///   read by that record. A superseded package is thus replaced by its successor;
+///   this is not a finding.
+/// - Every emitter has an id of its own, in the scenario and in the document that it
+///   was read from. A reader merges emitters that share an id. Reported only.
 /// - The class of every emitter is a known one. Reported only.
 /// - Every object has its settings objects. Missing ones are replaced by those of a
 ///   new object.
 ///
-/// Members and link targets that are not among the scenario's objects are not
-/// checked. Used on the scenario's thread. A new checker accepts every class and
-/// has no findings.
+/// Members and link targets that do not belong to the scenario's objects are not
+/// checked. Used on the scenario's thread. A new checker accepts every class and has
+/// no findings.
 class SIMULATIONDATA_EXPORT ScenarioChecker
 {
 public:
@@ -51,36 +50,37 @@ public:
     static constexpr QLatin1String s_sInvalidClass{"invalid-class"};
     static constexpr QLatin1String s_sMissingSettings{"missing-settings"};
 
-    /// The provider is not owned and must outlive the checker; null disables the
-    /// rule about packages. The provider may differ from the one that the scenario
-    /// was loaded with, and should: a provider that resolves unknown ids to its
-    /// default package hides them from the check.
+    /// The provider is not owned and must outlive the checker. Null disables the rule
+    /// about packages.
+    ///
+    /// The provider may differ from the one that loaded the scenario, and should. A
+    /// provider that resolves unknown ids to its default package hides them from the
+    /// check.
     explicit ScenarioChecker(ISignalPackageProvider* a_pProvider);
 
-    /// The classes that emitters may have; the class of an emitter without one is
-    /// empty. An empty set accepts every class.
+    /// Sets the classes that emitters may have. An emitter without a class has an
+    /// empty one. An empty set accepts every class.
     void setKnownClasses(const QSet<QString>& a_classes) { m_knownClasses = a_classes; }
 
-    /// Checks all objects of the scenario, including objects that others own too,
-    /// and replaces the findings of the last run. O(n log n) in objects and
-    /// emissions; the provider is called once per package id. One trace when there
-    /// are findings.
+    /// Checks all objects of the scenario, including objects with other owners.
+    /// Replaces the findings of the last run. O(n log n) in objects and emissions.
+    /// The provider is called once per package id. One trace when there are
+    /// findings.
     void check(ScenarioDataXml& a_scenario);
 
     /// Whether the last run found emissions without a usable package, emitters that
-    /// share an id, emitters of an unknown class, or missing settings objects,
-    /// repaired or not.
+    /// share an id, emitters of an unknown class, or missing settings objects.
+    /// Repaired findings count, too.
     [[nodiscard]] bool hadInvalidSignalPackages() const { return count(s_sInvalidSignalPackage) != 0; }
     [[nodiscard]] bool hadDuplicateIds() const { return count(s_sDuplicateId) != 0; }
     [[nodiscard]] bool hadInvalidClasses() const { return count(s_sInvalidClass) != 0; }
     [[nodiscard]] bool hadNullPointerSettings() const { return count(s_sMissingSettings) != 0; }
 
     /// The findings of the last run. Emitters come before networks, each sorted by
-    /// id and name, and the findings of an object are in the order of the rules
-    /// above. There is one finding per package id, class and settings object; a
-    /// shared id is listed at the first object that has it, and an emission that
-    /// several schedules share is counted at the first. The same scenario gives the
-    /// same list.
+    /// id and name. The findings of one object are in the order of the rules above.
+    /// There is one finding per package id, class and settings object. A shared id
+    /// is listed at the first object that has it. An emission that several schedules
+    /// share is counted at the first of them. The same scenario gives the same list.
     [[nodiscard]] const QList<ScenarioFinding>& findings() const { return m_findings; }
 
 private:

@@ -21,15 +21,15 @@ class ISignalPackageProvider;
 class ScenarioNetwork;
 class SzenarioEmitter;
 
-/// The compact form of a scenario: the number of emitters and one record for each,
-/// with id, name, description, active flag, default mark, link target and class.
-/// The format does not contain the emitters' frequency, position, transmitter and
-/// emissions, the networks, or the header fields below. An ELINT emitter is read
-/// back as a plain one.
+/// The compact form of a scenario: the number of emitters and one record for each. A
+/// record holds id, name, description, active flag, default mark, link target and
+/// class. The format does not contain the emitters' frequency, position, transmitter
+/// and emissions, the networks, or the header fields below. An ELINT emitter is read
+/// back as a plain emitter.
 ///
-/// The object owns its emitters and networks jointly with other holders. When they
-/// are replaced or it is destroyed, it breaks the reference circles of those that
-/// nobody else holds. Used from one thread. A new object is empty.
+/// The object shares the ownership of its emitters and networks. When they are
+/// replaced or the object is destroyed, it breaks the reference circles of emitters
+/// and networks without another holder. Used from one thread. A new object is empty.
 class SIMULATIONDATA_EXPORT ScenarioDataBinary
 {
 public:
@@ -40,7 +40,7 @@ public:
         QString targetId;
     };
 
-    /// The provider is only stored for callers of signalPackageProvider(), because
+    /// The provider is only stored and returned by signalPackageProvider(), because
     /// records contain no packages. It is not owned and may be null.
     explicit ScenarioDataBinary(ISignalPackageProvider* a_pProvider);
     ~ScenarioDataBinary();
@@ -48,8 +48,8 @@ public:
     [[nodiscard]] ISignalPackageProvider* signalPackageProvider() const { return m_pProvider; }
 
     [[nodiscard]] QSet<std::shared_ptr<SzenarioEmitter>> scenarioEmitter() const { return m_emitters; }
-    /// Replaces the emitters; null is left out. The default emitter is reset unless
-    /// it is among the new ones.
+    /// Replaces the emitters; null is left out. A default emitter that is not among
+    /// the new ones is reset.
     void setScenarioEmitter(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters);
     [[nodiscard]] QSet<std::shared_ptr<ScenarioNetwork>> scenarioNetworks() const { return m_networks; }
     /// Replaces the networks; null is left out.
@@ -72,36 +72,40 @@ public:
     /// A default emitter that is not among the emitters is stored, but not written.
     void setDefaultEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter);
 
-    /// Writes the emitters. A link target comes before the emitters that are linked
-    /// to it, because a reader resolves links only to emitters it has read.
-    /// Otherwise the order is that of the ids, so equal scenarios give equal bytes.
-    /// In a circle of links the emitter with the smallest id comes first; its own
-    /// link is written, but a reader cannot resolve it.
+    /// Writes the emitters. A link target is written before the emitters that are
+    /// linked to it, because a reader resolves links only to emitters that it has
+    /// read. Otherwise the emitters are in the order of their ids, so equal
+    /// scenarios give equal bytes. In a circle of links the emitter with the
+    /// smallest id comes first. Its own link is written, but a reader cannot resolve
+    /// it.
     ///
-    /// False, after one trace, when no device is open for writing or it does
-    /// not accept all bytes. Also false when a reader would refuse the scenario
-    /// (Limits::DocumentBytes, Limits::ScenarioObjects); nothing is written then.
+    /// Returns false, after one trace, when no device is open for writing or the
+    /// device does not accept all bytes. Also returns false when the scenario
+    /// exceeds a limit of the reader (Limits::DocumentBytes,
+    /// Limits::ScenarioObjects). In this case no byte is written.
     bool toBinary(QIODevice* a_pDevice) const;
-    /// Empty, after one trace, when a reader would refuse it. A scenario without
-    /// emitters takes four bytes.
+    /// Returns the bytes. Empty, after one trace, when the scenario exceeds a limit
+    /// of the reader. A scenario without emitters takes four bytes.
     [[nodiscard]] QByteArray toBinary() const;
 
-    /// Reads a stream from the device's current position and does not read past its
-    /// end. The function does not wait: when the device has no bytes available, the
-    /// stream counts as ended. The emitters are added to the present ones. The
-    /// first that is marked as default becomes the default emitter; without one the
-    /// present default emitter stays. A link is resolved to the emitter of that id
-    /// that was read last, else to one that was present before; never to the
-    /// emitter itself.
+    /// Reads a stream from the current position of the device and does not read past
+    /// its end. The function does not wait: when the device has no bytes available,
+    /// the stream counts as ended. The emitters are added to the present ones. The
+    /// first emitter with a default mark becomes the default emitter. Without such
+    /// an emitter, the present default emitter stays.
     ///
-    /// True when all records of the count were read. Otherwise false after one
-    /// trace, with errorString(); complete records are kept. Memory grows with the
-    /// bytes read, not with the sizes that the stream claims.
+    /// A link is resolved to the emitter with that id that was read last. If none
+    /// was read, it is resolved to one that was present before. An emitter is never
+    /// linked to itself.
+    ///
+    /// Returns true when all announced records were read. Otherwise returns false
+    /// after one trace, with errorString(); complete records are kept. Memory grows
+    /// with the bytes read, not with the sizes that the stream claims.
     bool fromBinary(QIODevice* a_pDevice);
     bool fromBinary(const QByteArray& a_data);
 
-    /// Where and why the last reading broke off, "record 3 of 10, name: the stream
-    /// ends"; empty on success.
+    /// The record and the reason at which the last reading stopped, for example
+    /// "record 3 of 10, name: the stream ends". Empty on success.
     [[nodiscard]] QString errorString() const { return m_sErrorString; }
     /// The links of the last reading whose target was not found.
     [[nodiscard]] QList<UnresolvedLink> unresolvedLinks() const { return m_unresolvedLinks; }
@@ -113,12 +117,12 @@ private:
     [[nodiscard]] bool fitsReader(QString* a_pReason) const;
     void writeEmitter(QDataStream& a_stream, std::shared_ptr<SzenarioEmitter> a_emitter) const;
     bool readEmitters(QDataStream& a_stream);
-    /// Reads the next record and adds its emitter; null, with errorString(), when
-    /// the record is not complete.
+    /// Reads the next record and adds its emitter. Returns null, with errorString(),
+    /// when the record is not complete.
     std::shared_ptr<SzenarioEmitter> readEmitter(QDataStream& a_stream);
     void link(const std::shared_ptr<SzenarioEmitter>& a_emitter, const QString& a_sTargetId);
-    /// While reading: the emitter of that id, the last one read when there are
-    /// several; null when there is none.
+    /// While reading: the emitter with that id, or the last one read when several
+    /// have it. Null when no emitter has it.
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> emitterForId(const QString& a_sId) const;
 
     ISignalPackageProvider* m_pProvider;
@@ -133,7 +137,7 @@ private:
 
     // State of one reading
     QHash<QString, std::shared_ptr<SzenarioEmitter>> m_emittersById;
-    std::int64_t m_iStreamBytes = 0; ///< read from the device
+    std::int64_t m_iStreamBytes = 0; ///< bytes read from the device
     bool m_bDefaultRead = false;
     QString m_sErrorString;
     QList<UnresolvedLink> m_unresolvedLinks;

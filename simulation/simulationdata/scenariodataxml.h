@@ -30,68 +30,79 @@ class ScenarioReferences;
 class SzenarioEmitter;
 enum class EmitterType;
 
-/// The scenario document: the objects of one scenario, its header and its
-/// noise, read from and written to XML (root "Scenario", format version 4).
+/// The scenario document: the objects of one scenario, its header and its noise. It
+/// is read from and written to XML (root "Scenario", format version 4).
 ///
-/// Signal packages are resolved through the provider, which the document does
-/// not own and which must outlive it; without one, references to packages are
-/// dropped. The document holds its objects strongly and, when it is cleared,
-/// read again or destroyed, takes apart those that nothing else holds. Used
-/// from one thread. A new document is empty and of the current version.
+/// Signal packages are resolved through the provider. The document does not own the
+/// provider, and the provider must outlive the document. Without a provider,
+/// references to packages are dropped. The document holds its objects strongly. It
+/// releases them when it is cleared, read again or destroyed. Objects without
+/// another holder are then freed, even when they hold each other. Used from one
+/// thread. A new document is empty and of the current version.
 class SIMULATIONDATA_EXPORT ScenarioDataXml
 {
 public:
-    /// The version that is written.
+    /// The format version that is written.
     static constexpr std::uint32_t s_uiFileFormatVersion = 4;
 
     explicit ScenarioDataXml(ISignalPackageProvider* a_pProvider);
     ~ScenarioDataXml();
 
-    /// Reads a document. The former objects are released once the root is known
-    /// to be "Scenario". Returns false, and changes errorString() alone, when the
-    /// root is another, there is none, or the file cannot be read. A document
-    /// that breaks off, is malformed or exceeds a limit keeps what was read until
-    /// there and gives true: only "true and errorString() empty" is a whole one.
+    /// Reads a document. The former objects are released after the root "Scenario"
+    /// was read. Returns false when there is no root, the root has another name, or
+    /// the file cannot be read. In this case only errorString() changes.
+    ///
+    /// Reading stops where a document ends early, is malformed or exceeds a limit.
+    /// The result is then true, errorString() is set, and the part read before is
+    /// kept. Only true with an empty errorString() means that the whole document was
+    /// read.
     bool fromXml(const QByteArray& a_xml);
     bool fromXml(QIODevice* a_pDevice);
     bool fromXmlFile(const QString& a_sFile);
 
-    /// The error of the last reading or writing; of a reading "line 3, column 7:
-    /// reason", without a place when it concerns the file. Empty without an error.
+    /// The error text of the last reading or writing; empty without an error. Errors
+    /// in a document have the form "line 3, column 7: reason". Errors of the file
+    /// have no place.
     [[nodiscard]] QString errorString() const { return m_sErrorString; }
 
-    /// The ids that several emitter elements of the document last read have,
-    /// each with the number of these elements. They were read as one emitter,
-    /// the later ones over the earlier ones. Empty once other objects are set.
+    /// The ids that several emitter elements of the document last read have, each
+    /// with the number of these elements. They were read as one emitter: later
+    /// elements overwrite earlier ones. The map is empty after other objects are
+    /// set.
     [[nodiscard]] QMap<QString, qsizetype> mergedIds() const { return m_mergedIds; }
 
-    /// Writes the document. An empty persistent id is built and kept first, of
-    /// the name, the time and the machine. Objects come in the order of their
-    /// ids, emitters before networks, so equal scenarios give equal bytes.
-    /// Empty, after one trace, when that would be more than a reader accepts
-    /// (Limits::DocumentBytes): every emitter carries the whole path that it
-    /// follows. Emitters that share an id are all written, but a reader gets one
-    /// emitter for them: errorString() and one trace report it.
+    /// Writes the document. An empty persistent id is first built from the name, the
+    /// time and the machine, and kept. Objects are in the order of their ids,
+    /// emitters before networks, so equal scenarios give equal bytes.
+    ///
+    /// The result is empty, after one trace, when it would exceed
+    /// Limits::DocumentBytes: a reader would refuse such a document. Every emitter
+    /// contains the whole path that it follows, which adds to the size.
+    ///
+    /// Emitters that share an id are all written, but a reader merges them into one
+    /// emitter. errorString() and one trace report this.
     [[nodiscard]] QByteArray toXml();
-    /// The device must be open for writing; a failure is traced.
+    /// Writes to a device that is open for writing. A failure is traced.
     void toXml(QIODevice* a_pDevice);
-    /// The file is replaced whole or, with false, not at all. Only "true and
-    /// errorString() empty" is a file from which all objects come back.
+    /// Replaces the file as a whole. On failure, returns false and leaves the file
+    /// unchanged. A reader gets back all objects only when the result is true and
+    /// errorString() is empty.
     [[nodiscard]] bool toXmlFile(const QString& a_sFile);
 
     [[nodiscard]] QSet<std::shared_ptr<ScenarioObject>> scenarioObjects() const { return m_objects; }
-    /// Replaces the objects; null is left out. Default emitters that are not
-    /// among the new ones are forgotten. To take one emitter out, first remove
-    /// it where others name it (ScenarioNetwork::removeEmitter(),
-    /// SzenarioEmitter::removeLinkedEmitter(), EmissionSettings::removeEmissions()):
-    /// an id that is still named comes back as a bare emitter when the saved
-    /// document is read.
+    /// Replaces the objects; null is left out. A default emitter that is not among
+    /// the new objects is reset.
+    ///
+    /// Before you leave out an emitter, remove all references to it:
+    /// ScenarioNetwork::removeEmitter(), SzenarioEmitter::removeLinkedEmitter(),
+    /// EmissionSettings::removeEmissions(). Otherwise, reading the saved document
+    /// creates an emitter without data for the id.
     void setScenarioObjects(const QSet<std::shared_ptr<ScenarioObject>>& a_objects);
 
-    /// The emitter that applications offer first, or null; when a document
-    /// marks several, the first of them.
+    /// The emitter that applications offer first, or null. When a document marks
+    /// several emitters, the first of them.
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> getDefaultEmitter() const;
-    /// Makes this one the only default emitter; null leaves none.
+    /// Makes the emitter the only default emitter; null leaves none.
     void setDefaultEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter);
 
     [[nodiscard]] QString getName() const { return m_sName; }
@@ -103,7 +114,7 @@ public:
     /// The identity that survives renaming. The spelling is part of the interface.
     [[nodiscard]] QString getPersistantId() const { return m_sPersistantId; }
     void setPersistantId(const QString& a_sId) { m_sPersistantId = a_sId; }
-    /// How long the scenario lasts (ms); 0 when it says nothing.
+    /// The duration of the scenario (ms); 0 when it is not set.
     [[nodiscard]] std::uint32_t getDuration() const { return m_uiDuration; }
     void setDuration(std::uint32_t a_uiDuration) { m_uiDuration = a_uiDuration; }
     [[nodiscard]] const ScenarioNoiseSettings& getNoiseSettings() const { return m_noiseSettings; }
@@ -112,27 +123,30 @@ public:
     /// Whether the document that was read is older than the current version.
     [[nodiscard]] bool isOlderFileVersion() const { return m_uiFileVersion < s_uiFileFormatVersion; }
 
-    /// Objects as text, root "ScenarioObjects", for copying between scenarios,
-    /// and back (from any root). Objects that are only referred to come back as
-    /// plain emitters of that id; default marks are not written. Writing needs
-    /// no provider; emitters that share an id are reported by one trace; a text beyond Limits::DocumentBytes
-    /// is left empty, after one trace. The objects read belong to the caller, who puts them into a document
-    /// or gives them to releaseObjects().
+    /// Convert objects to text with the root "ScenarioObjects" and back, for copying
+    /// between scenarios. Reading accepts any root. Objects that the text only
+    /// refers to are read as plain emitters with that id. Default marks are not
+    /// written. Writing needs no provider. Emitters that share an id are reported by
+    /// one trace. The text is empty, after one trace, when it would exceed
+    /// Limits::DocumentBytes.
+    ///
+    /// The caller owns the objects read: put them into a document or pass them to
+    /// releaseObjects().
     [[nodiscard]] static QString xmlForObjects(const QSet<std::shared_ptr<ScenarioObject>>& a_objects,
                                                ISignalPackageProvider* a_pProvider);
     [[nodiscard]] static QSet<std::shared_ptr<ScenarioObject>>
     objectsForXml(const QString& a_sXml, ISignalPackageProvider* a_pProvider);
 
-    /// Drops objects that no document holds, and frees those that then only hold each
-    /// other, for example an emitter that is named in its own schedule. Objects that
-    /// the caller still holds elsewhere stay whole.
+    /// Drops objects that no document holds. Frees objects that only hold each
+    /// other, for example an emitter that its own schedule refers to. Objects that
+    /// the caller still holds elsewhere stay complete.
     static void releaseObjects(QSet<std::shared_ptr<ScenarioObject>>&& a_objects);
     /// The same for one object: releaseObject(std::move(object)).
     static void releaseObject(std::shared_ptr<ScenarioObject> a_object);
 
-    /// "Hierarchical" or, for every other value, "Star".
+    /// Returns "Hierarchical" for Hierarchical, otherwise "Star".
     [[nodiscard]] static QString networkTypeToString(NetworkType a_eType);
-    /// Star for "Star", Hierarchical for every other text.
+    /// Returns Star for "Star", otherwise Hierarchical.
     [[nodiscard]] static NetworkType stringToNetworkType(const QString& a_sText);
 
 private:

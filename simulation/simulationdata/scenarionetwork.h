@@ -12,25 +12,25 @@ namespace Simulation {
 
 class SzenarioEmitter;
 
-/// A network of emitters that share one frequency behaviour and take turns by one
-/// schedule. Holds its members strongly, as a set and as a list in order. The first
-/// emitter of the list is the head.
+/// A network of emitters that share one frequency behaviour and send in turn by one
+/// schedule. It holds its members strongly, as a set and as a list in order. The
+/// first emitter of the list is the head.
 ///
-/// The network does not set the reference of a member to its network: the caller
-/// does, with SzenarioEmitter::setScenarioNetwork(). A default object is black,
-/// hierarchical and empty.
+/// The network does not set the network of its members: the caller does this with
+/// SzenarioEmitter::setScenarioNetwork(). A default object is black, hierarchical
+/// and empty.
 class SIMULATIONDATA_EXPORT ScenarioNetwork : public ScenarioObject
 {
 public:
     explicit ScenarioNetwork(const QString& a_sId);
-    /// Copies the source: its name, all that the base class copies, its colour and
-    /// type, and the same members. A null source adds nothing.
+    /// Copies name, colour, type and members of the source, and all that the base
+    /// class copies. With a null source no field is copied.
     ScenarioNetwork(const QString& a_sId, const std::shared_ptr<ScenarioNetwork>& a_source);
     ~ScenarioNetwork() override;
 
     [[nodiscard]] ScenarioObjectType type() const override;
 
-    /// Also copies colour, type and the same members when the source is a network.
+    /// Also copies colour, type and members when the source is a network.
     void copy(std::shared_ptr<ScenarioObject> a_source) override;
     [[nodiscard]] std::shared_ptr<ScenarioObject> clone() override;
 
@@ -50,20 +50,21 @@ public:
     /// The member at a place, or null.
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> emitterForIndex(int a_iIndex) const;
 
-    /// Appends a member; false for null and for an emitter that is a member already.
+    /// Appends a member. Returns false for null and for an emitter that already is a
+    /// member.
     bool addEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter);
-    /// Removes a member and the emissions that name it; false when it is not a
-    /// member. When copies of this network share its groups, it gets groups of its
-    /// own first, so that the copies keep theirs.
+    /// Removes a member and its emissions. Returns false when the emitter is not a
+    /// member. Copies of this network may share its groups. Then this network first
+    /// gets its own groups, so that the groups of the copies do not change.
     bool removeEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter);
 
-    /// Makes an emitter the first member, also one that was not a member. Null is
-    /// ignored.
+    /// Makes an emitter the first member. An emitter that was not a member becomes
+    /// one. Null is ignored.
     void setHeadEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter);
     /// The first member, or null.
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> headEmitter() const;
 
-    /// The emitter of the schedule's emission at a time (ms), or null.
+    /// The emitter that the schedule names at a time (ms), or null.
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> emitterActiveAt(unsigned int a_uiTime) const;
 
 private:

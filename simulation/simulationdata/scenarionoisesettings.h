@@ -5,8 +5,8 @@
 
 namespace Simulation {
 
-/// The background noise of a whole scenario. A plain value; the numbers are stored
-/// and sent as they are, and the simulation service defines their units.
+/// The background noise of a whole scenario. A plain value. The numbers are stored
+/// and sent unchanged; the simulation service defines their units.
 class SIMULATIONDATA_EXPORT ScenarioNoiseSettings
 {
 public:

@@ -11,11 +11,11 @@
 
 namespace Simulation {
 
-/// The record of one signal package: the values of its descriptor, and those that a
-/// store takes from the package's folder.
+/// The record of one signal package: the values of its descriptor, and the values
+/// that a store takes from the package's folder.
 ///
-/// A plain value. The id of a default object is empty, which means that there is no
-/// package; its modulation is CW, all else is empty, 0 or false.
+/// A plain value. In a default object the id is empty, which means that there is no
+/// package. Its modulation is CW, and all other values are empty, 0 or false.
 class SIMULATIONDATA_EXPORT SignalPackage
 {
 public:
@@ -42,8 +42,8 @@ public:
     [[nodiscard]] std::uint32_t timestamp() const { return m_uiTimestamp; }
     void setTimestamp(std::uint32_t a_uiTimestamp) { m_uiTimestamp = a_uiTimestamp; }
 
-    /// In a unit that the author of the package chooses; descriptors do not name
-    /// it.
+    /// The bandwidth, in a unit that the author of the package chooses. Descriptors
+    /// do not contain the unit.
     [[nodiscard]] float signalBandwidth() const { return m_fSignalBandwidth; }
     void setSignalBandwidth(float a_fBandwidth) { m_fSignalBandwidth = a_fBandwidth; }
 
@@ -69,14 +69,14 @@ public:
     void setHasResultDataContent(bool a_bContent) { m_bHasResultDataContent = a_bContent; }
 
     /// Whether the analog modulation is Digital and the digital modulation has a
-    /// name. Beside another analog modulation the name is ignored.
+    /// name. With another analog modulation the name is ignored.
     [[nodiscard]] bool hasDigitalModulation() const;
 
     /// Path and name, joined by a slash.
     [[nodiscard]] QString fullName() const;
 
-    /// The id as part of a file name: each of \ / : * ? " < > | and the full
-    /// stop is replaced by "_".
+    /// Returns the id as part of a file name: "_" replaces the full stop and each of
+    /// \ / : * ? " < > |.
     [[nodiscard]] static QString cleanId(const QString& a_sId);
     [[nodiscard]] QString cleanId() const;
 

@@ -15,30 +15,30 @@ namespace Simulation {
 
 class PackageCacheFolder;
 
-/// The provider that reads packages from disk. It keeps a flat cache folder, in
-/// which the files of every package are named after its cleaned id ("<id>.xml",
-/// ".ssf", ".wav", ".sdf", ".rdf"). It fills that folder from a repository and
-/// returns packages and open data files.
+/// The provider that reads packages from disk. It fills a flat cache folder from a
+/// repository and returns packages and open data files. In this folder the files of
+/// every package are named after its cleaned id ("<id>.xml", ".ssf", ".wav", ".sdf",
+/// ".rdf").
 ///
-/// Several caches, also in several processes, may share one folder: each file is
-/// put there whole or not at all, and only files of built-in packages are ever
-/// replaced. A process that dies at any time leaves nothing that blocks the next
-/// one. Any thread may call any operation, but no operation may be called from
-/// within another. Lookups wait for a running updateCache(). A data file may be
-/// removed from the folder while it is open: its reader keeps the content.
+/// Several caches, also in several processes, may share one folder. Each file
+/// appears there complete or not at all, and only files of built-in packages are
+/// ever replaced. A process that dies at any time does not block the next one. Any
+/// thread may call any operation, but no operation may be called from within
+/// another. Lookups wait for a running updateCache(). A data file may be removed
+/// from the folder while it is open: its reader keeps the content.
 class SIMULATIONDATA_EXPORT SignalPackageCache : public ISignalPackageProvider
 {
 public:
     /// Packages that could not be copied into the cache folder.
     struct CopyFailures
     {
-        /// Number of packages that now lack a file. 0 with a reason: a folder does
-        /// not exist, or the cache could not be cleared.
+        /// Number of packages that now lack a file. 0 with a reason means that a
+        /// folder does not exist or that the cache could not be cleared.
         qsizetype packages = 0;
-        QString firstReason; ///< with the system's reason; empty when nothing failed
+        QString firstReason; ///< first error text, with the system's reason; empty without failure
     };
 
-    /// Does not access the file system. The second folder is stored as given.
+    /// Does not access the file system. The source folder is stored unchanged.
     SignalPackageCache(const QString& a_sCacheDir, const QString& a_sSourceDir);
     /// Deletes the readers.
     ~SignalPackageCache() override;
@@ -46,30 +46,32 @@ public:
     SignalPackageCache(const SignalPackageCache&) = delete;
     SignalPackageCache& operator=(const SignalPackageCache&) = delete;
 
-    /// Absolute; empty when none was given.
+    /// The absolute path of the cache folder; empty for an empty path.
     [[nodiscard]] QString cacheDir() const;
     [[nodiscard]] QString sourceDir() const { return m_sSourceDir; }
 
-    /// Whether a cache was prepared in that folder before, completely or not.
+    /// Whether a cache was prepared in the folder before, completely or not.
     [[nodiscard]] static bool isCacheFolder(const QString& a_sFolder);
 
     /// Creates the folder if it is missing, unpacks the built-in package into it,
-    /// and removes partial files of processes that died. To be called once before
-    /// any lookup. False after a trace when there is no default package then;
-    /// lookups work without it. Waits up to 30 s for another process that changes
-    /// the folder, as do all operations that change it.
+    /// and removes partial files of processes that died. Call it once before any
+    /// lookup. Returns false after a trace when there is no default package
+    /// afterwards; lookups work without it.
+    ///
+    /// Waits up to 30 s for another process that changes the folder, like all
+    /// operations that change it.
     bool prepareCacheForUse();
 
-    /// Copies all packages below a folder that are not in the cache folder yet, in
-    /// background tasks on the global thread pool, and waits for them. With
-    /// `a_bAnew` the cache is cleared first, so that packages whose content changed
-    /// under the same id are copied again. A package that cannot be copied is
-    /// skipped after a trace, see copyFailures(); one without an id is skipped
-    /// silently. When the folder does not exist, nothing changes.
+    /// Copies all packages below a folder that the cache folder does not contain
+    /// yet. Copies in background tasks on the global thread pool and waits for them.
+    /// With `a_bAnew` the cache is first cleared, so that packages with a changed
+    /// content under the same id are copied again. A package that cannot be copied
+    /// is skipped after a trace, see copyFailures(). A package without an id is
+    /// skipped silently. When the folder does not exist, the cache does not change.
     ///
-    /// A package that has the id of a built-in package, or supersedes it, replaces
-    /// it, even when the built-in one is in the cache already; then all packages
-    /// are read again.
+    /// A package with the id of a built-in package replaces it, also when the cache
+    /// already contains the built-in one. The same applies to a package that
+    /// supersedes a built-in one. All packages are then read again.
     void updateCache(const QString& a_sFolder, bool a_bAnew);
 
     /// The packages that the last prepareCacheForUse() or updateCache() could not
@@ -78,31 +80,33 @@ public:
 
     /// Removes the files of all packages from the cache folder, and the packages
     /// from memory. The built-in package stays, and so does every file that a cache
-    /// did not make. A package whose files cannot be removed stays after one trace.
-    /// Readers that were returned before stay valid and open until
-    /// deleteAllSignalpackages(); the next lookup opens the file again.
+    /// did not make. A package with files that cannot be removed stays, after one
+    /// trace. Readers returned before stay valid and open until
+    /// deleteAllSignalpackages(). The next lookup opens the file again.
     void clearCache();
 
     /// Removes all packages from memory and deletes all readers that were returned.
     /// The spelling of the name is part of the interface.
     void deleteAllSignalpackages();
 
-    /// Whether the id is that of a package in memory or in the folder, of the
-    /// default package, or of one that a package in the folder supersedes.
+    /// Whether the id belongs to a package in memory or in the folder, or to the
+    /// default package, or is superseded by a package in the folder.
     bool validSignalPackageId(const QString& a_sId) override;
 
-    /// From memory in O(log n), otherwise from the folder. The default package when
-    /// the id is unknown or its descriptor cannot be read.
+    /// Returns the package from memory in O(log n), otherwise from the folder.
+    /// Returns the default package when the id is unknown or its descriptor cannot
+    /// be read.
     std::shared_ptr<SignalPackage> signalPackage(const QString& a_sId) override;
 
     /// The built-in package, or the package of the repository with the same id.
     /// Null before prepareCacheForUse().
     std::shared_ptr<SignalPackage> defaultSignalPackage() override;
 
-    /// The same reader for every caller, until the cache is cleared. Null for a
-    /// null package and when there is no file. For a file that cannot be read the
-    /// reader is not open. Every reader keeps its file open. Its package duration
-    /// is that of the descriptor in the folder, not that of the record passed in.
+    /// Returns the same reader to every caller until the cache is cleared. Null for
+    /// a null package and when there is no file. The reader of a file that cannot be
+    /// read is not open. Every open reader keeps its file open. The package duration
+    /// of the reader is that of the descriptor in the folder, not that of
+    /// `a_pPackage`.
     SignalShapeFile* signalShapeFile(std::shared_ptr<SignalPackage> a_pPackage) override;
     AudioFile* audioFile(std::shared_ptr<SignalPackage> a_pPackage) override;
     SymbolDataFile* symbolDataFile(std::shared_ptr<SignalPackage> a_pPackage) override;

@@ -9,24 +9,24 @@
 
 namespace Simulation {
 
-/// The record of one content item of a signal package, such as its signal shape or
-/// its audio. A plain value; a default object is empty. Descriptors written by this
-/// library do not contain it.
+/// The record of one content item of a signal package, for example its signal shape
+/// or its audio. A plain value; a default object is empty. This library writes
+/// descriptors without content items.
 class SIMULATIONDATA_EXPORT SignalPackageContent
 {
 public:
     [[nodiscard]] QString name() const { return m_sName; }
     void setName(const QString& a_sName) { m_sName = a_sName; }
 
-    /// In a unit that the author of the package chooses.
+    /// The duration, in a unit that the author of the package chooses.
     [[nodiscard]] std::uint32_t duration() const { return m_uiDuration; }
     void setDuration(std::uint32_t a_uiDuration) { m_uiDuration = a_uiDuration; }
 
-    /// A decimal number in all known descriptors.
+    /// The checksum; a decimal number in all known descriptors.
     [[nodiscard]] QString checksum() const { return m_sChecksum; }
     void setChecksum(const QString& a_sChecksum) { m_sChecksum = a_sChecksum; }
 
-    /// The source that the content was made from.
+    /// The source from which the content was made.
     [[nodiscard]] QString source() const { return m_sSource; }
     void setSource(const QString& a_sSource) { m_sSource = a_sSource; }
 

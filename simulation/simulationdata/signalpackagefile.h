@@ -12,21 +12,21 @@ namespace Simulation {
 /// Reads and writes the descriptor of a signal package, "Signal.xml". Static
 /// operations only; any thread may call.
 ///
-/// A descriptor that cannot be read gives one trace and a default package, which
-/// the empty id identifies.
+/// For a descriptor that cannot be read, one line is traced and a default package is
+/// returned. Its id is empty.
 class SIMULATIONDATA_EXPORT SignalPackageFile
 {
 public:
     SignalPackageFile() = delete;
 
     /// Reads a descriptor; the package's path and content flags stay unset. Unknown
-    /// elements are skipped. A value that is missing or not a number stays at its
-    /// default, and a bandwidth that is not finite is 0. The name of the root
+    /// elements are skipped. A value that is missing or not a number keeps its
+    /// default. A bandwidth that is not finite becomes 0. The name of the root
     /// element is not checked.
     [[nodiscard]] static SignalPackage readSignalPackageDescriptor(const QByteArray& a_descriptor);
 
-    /// The descriptor as UTF-8, without path and content flags; an update id that
-    /// the package holds twice is written once.
+    /// Returns the descriptor as UTF-8, without path and content flags. An update id
+    /// that the package has twice is written once.
     [[nodiscard]] static QByteArray writeSignalPackageDescriptor(const SignalPackage& a_package);
 
     /// The same as readSignalPackageDescriptor().
@@ -35,8 +35,8 @@ public:
     /// Reads the descriptor in a regular file.
     [[nodiscard]] static SignalPackage signalPackage(const QString& a_sFile);
 
-    /// Replaces the content of the file by the package's descriptor, whole or not
-    /// at all. False after one trace; the file is unchanged then.
+    /// Replaces the content of the file by the package's descriptor. Returns false
+    /// after one trace; the file is then unchanged.
     [[nodiscard]] static bool signalPackageFile(const SignalPackage& a_package, const QString& a_sFile);
 };
 

@@ -12,8 +12,8 @@ namespace Simulation {
 /// Reads and writes a signal package in an unpacked folder. Static operations only;
 /// any thread may call.
 ///
-/// Every path may be one that a getter of DataStoreFactory returned. An empty path
-/// is not a folder.
+/// Paths may be those that the getters of DataStoreFactory return. An empty path is
+/// not a folder.
 class SIMULATIONDATA_EXPORT SignalPackageFolder
 {
 public:
@@ -36,14 +36,15 @@ public:
     [[nodiscard]] static QString symbolDataFilePath(const QString& a_sFolder);
     [[nodiscard]] static QString resultDataFilePath(const QString& a_sFolder);
 
-    /// The package that the folder's descriptor describes. Its name, however, is
-    /// that of the folder up to the first full stop, and the content flags show
-    /// which files exist. The path is not set. Without a readable descriptor the id
-    /// is empty and one line is traced; name and flags are set even then.
+    /// Returns the package that the folder's descriptor describes, with two
+    /// exceptions. The name is that of the folder up to the first full stop. The
+    /// content flags show which files exist. The path is not set. Without a readable
+    /// descriptor the id is empty and one line is traced; name and flags are still
+    /// set.
     [[nodiscard]] static SignalPackage signalPackage(const QString& a_sFolder);
 
-    /// Replaces the folder's descriptor by that of the package, whole or not at
-    /// all. False after one trace; the folder must exist.
+    /// Replaces the folder's descriptor by that of the package. Returns false after
+    /// one trace; the former descriptor is then unchanged. The folder must exist.
     [[nodiscard]] static bool setSignalPackage(const QString& a_sFolder, const SignalPackage& a_package);
 };
 

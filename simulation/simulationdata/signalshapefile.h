@@ -17,16 +17,16 @@ namespace Simulation {
 class RecordBuffer;
 
 /// Reads a signal shape file, "Signal.ssf": power spectra of a signal, taken at a
-/// fixed rate. Within the duration of the signal package, which must be set before
-/// the first spectrum is read, the recorded sequence repeats; after that duration
-/// the signal starts again.
+/// fixed rate. The recorded sequence repeats for the duration of the signal package.
+/// After that duration the signal starts again. Set the package duration before
+/// reading the first spectrum.
 ///
 /// Any thread may call; every operation locks. Only the vector that spectrum()
-/// returns is not protected: open() and readSpectrum() on another thread change it
-/// while it is read, and may change the levels between two calls. A new object is
-/// closed and all its values are 0.
+/// returns is not protected: open() and readSpectrum() on another thread may change
+/// it during reading. They may also change the levels between two calls. In a new
+/// object the file is closed and all values are 0.
 ///
-/// The values of the header stay after close(); a failed open() sets them to 0.
+/// The values of the header stay after close(). A failed open() sets them to 0.
 class SIMULATIONDATA_EXPORT SignalShapeFile
 {
 public:
@@ -36,11 +36,12 @@ public:
     SignalShapeFile(const SignalShapeFile&) = delete;
     SignalShapeFile& operator=(const SignalShapeFile&) = delete;
 
-    /// Opens the file, again if it is open already, and reads its header. The
-    /// spectrum and its levels are 0 until one is read. False after one trace: the
-    /// file is closed and the spectrum empty. A file without a record for any time
-    /// (a count or the rate is 0, or a record lasts less than a millisecond) opens
-    /// with one trace.
+    /// Opens the file and reads its header. A file that is open already is opened
+    /// again. The spectrum and its levels are 0 until a spectrum is read. Returns
+    /// false after one trace; the file is then closed and the spectrum empty.
+    ///
+    /// A file without records for any time is opened with one trace. In such a file
+    /// a count or the rate is 0, or a record lasts less than a millisecond.
     [[nodiscard]] bool open();
     void close();
     [[nodiscard]] bool isOpen() const;
@@ -50,7 +51,7 @@ public:
 
     /// 2 after a successful open().
     [[nodiscard]] std::uint32_t version() const;
-    /// (Hz)
+    /// Bandwidth of the signal (Hz).
     [[nodiscard]] std::uint32_t bandwidth() const;
     /// As stored in the file; may be any float, also infinite or not a number.
     [[nodiscard]] float basePower() const;
@@ -63,19 +64,21 @@ public:
     /// milliseconds times the number of records, modulo 2^32.
     [[nodiscard]] std::uint32_t duration() const;
 
-    /// How many bytes the file lacked at open() compared with its header: 0 when it
-    /// is complete, negative when it had more. Saturates.
+    /// How many bytes the file lacked at open() compared with its header. 0 when the
+    /// file is complete, negative when it had more bytes. Saturates.
     [[nodiscard]] std::int64_t missingBytes() const;
 
-    /// The period (ms) after which the signal starts again from the first record.
-    /// At 0, the initial value, readSpectrum() does nothing.
+    /// Sets the period (ms) after which the signal starts again with the first
+    /// record. The initial value is 0, with which readSpectrum() has no effect.
     void setPackageDuration(std::uint32_t a_uiDuration);
 
     /// Loads the spectrum for a time (ms since the start of the package). A time
-    /// within the loaded record needs no file access. Does nothing while the file
+    /// within the loaded record needs no file access. Has no effect while the file
     /// is closed or the package duration is 0, or when the file has no record for
-    /// any time. Where the file ends too early, the values that it holds are loaded
-    /// and the others stay unchanged; the first of several such reads in a row is
+    /// any time.
+    ///
+    /// When the file ends within the record, the values in the file are loaded and
+    /// the others stay unchanged. Of several such reads in a row, only the first is
     /// traced.
     void readSpectrum(std::uint32_t a_uiTime);
 
@@ -83,8 +86,8 @@ public:
     /// long as the object exists.
     [[nodiscard]] const std::vector<float>& spectrum() const { return m_spectrum; }
 
-    /// The smaller of the record's two levels, despite the name, which is part
-    /// of the interface.
+    /// The smaller of the record's two levels. The name does not match, but it is
+    /// part of the interface.
     [[nodiscard]] float maxLevelInSpectrum() const;
     /// The larger of the record's two levels.
     [[nodiscard]] float signalLevelInSpectrum() const;
@@ -121,7 +124,7 @@ private:
     std::uint64_t m_uiCurrentPos = 0; ///< offset of the loaded record; 0 = none
     std::uint32_t m_uiPackageDuration = 0;
     std::int64_t m_iMissingBytes = 0;
-    bool m_bTruncated = false; ///< the last read was too short
+    bool m_bTruncated = false; ///< whether the last read was too short
     QString m_sError;
     mutable std::mutex m_mutex;
 };

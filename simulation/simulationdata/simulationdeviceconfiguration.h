@@ -8,9 +8,10 @@
 
 namespace Simulation {
 
-/// The identity and position of a simulation device: sent when it registers, in the
-/// list of registered devices, and as the base of its confirmation. A plain value;
-/// a default object has empty texts and the position 0, 0.
+/// The identity and position of a simulation device. A device sends it when it
+/// registers. It is also part of the list of registered devices, and the
+/// confirmation is made from it. A plain value; a default object has empty texts and
+/// the position 0, 0.
 class SIMULATIONDATA_EXPORT SimulationDeviceConfiguration
 {
 public:
@@ -47,17 +48,17 @@ public:
     [[nodiscard]] double positionLatitude() const { return m_dPositionLatitude; }
     void setPositionLatitude(double a_dLatitude) { m_dPositionLatitude = a_dLatitude; }
 
-    /// The record as XML, one child of the root per field. A null base gives a new
-    /// document; otherwise the fields are added to the root of the base document. A
-    /// field whose child exists already is not written; this is deliberate.
+    /// Returns the record as XML with one child of the root per field. A null base
+    /// gives a new document. Otherwise the fields are added to the root of the base
+    /// document. A field with an existing child is not written; this is deliberate.
     /// Coordinates have 6 significant digits. Empty, after one trace, when the base
     /// cannot be read.
     [[nodiscard]] QByteArray toXml(const QByteArray& a_base = QByteArray()) const;
 
-    /// Reads the fields from the children of the root, whose name is not checked. A
-    /// field whose child is missing or is not a finite number keeps its value. True
-    /// when all fields were valid; nothing changes when the document cannot be
-    /// read.
+    /// Reads the fields from the children of the root; the name of the root is not
+    /// checked. A field keeps its value when its child is missing or, for a
+    /// coordinate, not a finite number. Returns true when all fields were valid.
+    /// When the document cannot be read, no field changes.
     [[nodiscard]] bool fromXml(const QByteArray& a_xml);
 
 private:

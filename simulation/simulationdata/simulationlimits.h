@@ -9,12 +9,12 @@
 
 namespace Simulation {
 
-/// The limits on what one input may cost. Every reader and every query whose cost
-/// depends on a file or a peer checks them: when a limit is exceeded, it fails in its
-/// ordinary way and traces one line that names the limit.
+/// The limits on the cost of one input. Every reader and every query whose cost
+/// depends on a file or a peer checks them. When a limit is exceeded, it fails in
+/// its ordinary way and traces one line with the name of the limit.
 ///
-/// The values hold for the whole process and may be read and set from any thread; set
-/// them before the first document is read.
+/// The values apply to the whole process. Any thread may read and set them. Set them
+/// before the first document is read.
 class SIMULATIONDATA_EXPORT Limits
 {
 public:
@@ -37,11 +37,11 @@ public:
         ArchiveBytes,       ///< bytes that one archive unpacks to
         ArchiveEntries,     ///< entries of an archive
         UpdateIds,          ///< update ids of a package that the cache follows
-        InflatedBytes,      ///< bytes that one compressed content may hold
+        InflatedBytes,      ///< bytes of one compressed content after decompression
         PendingBytes,       ///< bytes that wait for one peer
         DeploymentObjects,  ///< stations and devices of one deployment document
         ListedDevices,      ///< devices of a table of devices
-        AllPendingBytes,    ///< bytes that wait for all peers of a service, and their unfinished commands
+        AllPendingBytes,    ///< bytes that wait for all peers of a service, including unfinished commands
         LimitCount          ///< number of limits, not a limit
     };
 
@@ -51,7 +51,7 @@ public:
     [[nodiscard]] static std::uint64_t value(Limit a_eLimit);
 
     /// Sets the value of a limit; 0 restores the default. A value beyond the memory
-    /// of the machine protects nothing.
+    /// of the machine has no protective effect.
     static void setValue(Limit a_eLimit, std::uint64_t a_uiValue);
 
     [[nodiscard]] static std::uint64_t defaultValue(Limit a_eLimit);

@@ -25,11 +25,13 @@ class XmlElement;
 /// simulation devices. Both ends use this class: every command has a slot that sends
 /// it and a signal for its arrival.
 ///
-/// Lives on the thread of the socket's event loop. Signals are emitted from the event
-/// loop, never inside a read or a send; a slot may delete the object. Unknown,
-/// incomplete and invalid commands are traced and skipped. Bytes that are not a
-/// stream of documents are an error: it is traced once, passed to the stream error
-/// handler, and ends the reading until the next connection or setSocket().
+/// Lives on the thread of the socket's event loop. Signals are emitted from the
+/// event loop, never inside a read or a send, so a slot may delete the object.
+/// Unknown, incomplete and invalid commands are traced and skipped.
+///
+/// Bytes that are not a stream of documents are an error. The error is traced once
+/// and passed to the stream error handler. It ends the reading until the next
+/// connection or setSocket().
 ///
 /// Characters that XML forbids are removed from the texts that are sent.
 class SIMULATIONDATA_EXPORT SimulationServiceCommunication : public QObject
@@ -37,85 +39,90 @@ class SIMULATIONDATA_EXPORT SimulationServiceCommunication : public QObject
     Q_OBJECT
 
 public:
-    /// `a_pSocket` may be null, see setSocket(). There is no parent.
+    /// `a_pSocket` may be null, see setSocket(). The object has no parent.
     explicit SimulationServiceCommunication(QTcpSocket* a_pSocket);
     ~SimulationServiceCommunication() override;
 
-    /// Sends and receives over that socket from now on. The socket is not owned and
-    /// may be deleted first.
+    /// Sends and receives over the socket from now on. The socket is not owned and
+    /// may be deleted before this object.
     ///
-    /// Null ends the communication: no command is received over the current socket
-    /// any more, not even one that has arrived and waits for the event loop, and
-    /// nothing is sent. The socket's read buffer has no limit then, so the socket
-    /// detects the end of its connection even with unread bytes: close it, or read it.
-    /// Setting the same socket again starts with an empty stream. When another socket
-    /// replaces the current one, commands are sent over the new one and still received
-    /// over both; set null in between to end the former.
+    /// Null ends the communication. No command is sent or received over the current
+    /// socket any more. Commands that have arrived and wait for the event loop are not
+    /// received, either. The socket's read buffer then has no limit, so the socket
+    /// detects the end of its connection even with unread bytes. Close the socket, or
+    /// read from it.
     ///
-    /// A socket may be set once for all its connections: a new connection drops an
-    /// unfinished command of the old one.
+    /// Setting the same socket again starts with an empty stream. When another
+    /// socket replaces the current one, commands are sent over the new socket and
+    /// received over both. Set null in between to end the communication over the
+    /// former socket.
+    ///
+    /// One socket may be used for several connections without setting it again. A
+    /// new connection drops an unfinished command of the old one.
     void setSocket(QTcpSocket* a_pSocket);
 
     /// The socket in use; null if none is set or it has been deleted.
     [[nodiscard]] QTcpSocket* socket() const;
 
-    /// Whether scenarios, deployments and device descriptors are compressed; true by
-    /// default. Both ends must use the same value, because commands do not contain it.
-    /// Without compression only Latin-1 text without control characters arrives
-    /// unchanged.
+    /// Sets whether scenarios, deployments and device descriptors are compressed;
+    /// true by default. Both ends must use the same value, because commands do not
+    /// contain it. Without compression, only Latin-1 text without control characters
+    /// arrives unchanged.
     void setCompression(bool a_bOn) { m_bCompression = a_bOn; }
 
-    /// Whether a command could not be passed completely to the socket since the socket
-    /// was set or has connected: the peer does not read, has disconnected, or would
-    /// refuse the command because of its size. The peer lacks that command, so close
-    /// the connection.
+    /// Whether a command was lost since the socket was set or has connected: it could
+    /// not be passed completely to the socket. The peer does not read, has
+    /// disconnected, or would refuse the command because of its size. The peer lacks
+    /// the lost command, so close the connection.
     [[nodiscard]] bool hasLostCommands() const { return m_bLostCommands; }
 
-    /// Decides whether a command that has arrived is processed, by its name on the
-    /// wire, for example "LoadScenario", and the bytes of its document. The name is
-    /// empty when the first 256 KiB of a larger document do not show it.
+    /// Decides whether a received command is processed. The arguments are its name
+    /// in the protocol, for example "LoadScenario", and the number of bytes of its
+    /// document. The name is empty when it is not within the first 256 KiB of a
+    /// larger document.
     using CommandFilter = std::function<bool(const QString& a_sCommand, qsizetype a_iBytes)>;
 
-    /// Sets a filter that is asked once about every command, known or not, before its
-    /// parts are read and its payload is decoded. Refusing a command saves their time
-    /// and memory, which may be a thousand times those of the document. A refused
-    /// command is traced and not signalled. Without a filter, or with an empty one, all
-    /// commands are processed.
+    /// Sets a filter that is called once for every command, known or not. The call
+    /// precedes reading the parts of the command and decoding its payload. Refusing a
+    /// command saves their time and memory, which may be a thousand times those of the
+    /// document. A refused command is traced and not signalled. Without a filter, or
+    /// with an empty one, all commands are processed.
     ///
-    /// The filter is called from the event loop, on the thread of the socket. It
-    /// may send, but must neither delete this object nor set a filter or a socket.
+    /// The filter is called from the event loop, on the thread of the socket. It may
+    /// send commands. It must neither delete this object nor set a filter or a
+    /// socket.
     void setCommandFilter(CommandFilter a_filter) { m_filter = std::move(a_filter); }
 
-    /// Receives the error text, which may be long and quote bytes of the peer.
+    /// Receives the error text, which may be long and contain bytes of the peer.
     using StreamErrorHandler = std::function<void(const QString& a_sError)>;
 
-    /// Sets a handler that is called when reading from the socket in use has ended,
-    /// because its bytes are not a stream of documents or exceed a limit. It is called
-    /// once for each connection, from the event loop, after the signals of all commands
-    /// that were received before. The handler may close the socket, set another
-    /// socket or handler, or delete this object later. An empty handler is not called.
+    /// Sets a handler that is called when reading from the socket in use has ended
+    /// because of an error. The bytes are then not a stream of documents or exceed a
+    /// limit. The handler is called once for each connection, from the event loop,
+    /// after the signals of all commands received before. It may close the socket,
+    /// set another socket or handler, or delete this object later. An empty handler is not called.
     void setStreamErrorHandler(StreamErrorHandler a_handler) { m_streamErrorHandler = std::move(a_handler); }
 
-    /// The number of bytes held of a document that has arrived only in part over the
-    /// socket in use; 0 between documents and without a socket.
+    /// The number of bytes of a partly received document on the socket in use. 0
+    /// between documents and without a socket.
     [[nodiscard]] qint64 unfinishedBytes() const;
 
-    /// Sends commands through the slots of the given object.
+    /// A function that sends commands through the slots of the given object.
     using CommandSender = std::function<void(SimulationServiceCommunication&)>;
 
-    /// Returns the bytes that the slots called by the function would write to a
-    /// socket, so that a command for many peers is built and compressed once.
-    /// Compresses unless the function calls setCompression(false). Empty, after
-    /// one trace, when a command exceeds Limits::DocumentBytes.
+    /// Calls the function and returns the bytes that its commands would write to a
+    /// socket. A command for many peers is thus built and compressed once.
+    /// Compresses unless the function calls setCompression(false). Empty, after one
+    /// trace, when a command exceeds Limits::DocumentBytes.
     [[nodiscard]] static QByteArray encode(const CommandSender& a_send);
 
-    /// Writes bytes of encode() to the socket, like the slots that send. A caller that
-    /// passes them in pieces must not send anything else in between.
+    /// Writes bytes of encode() to the socket, like the slots that send. When the
+    /// bytes are passed in pieces, no other command may be sent in between.
     void sendEncoded(const QByteArray& a_bytes);
 
-    /// The text with which the service confirms a device: 28 characters, made from the
-    /// device's id, machine, machine id and type. The device compares it with the text
-    /// that it has made itself.
+    /// Returns the text with which the service confirms a device. It has 28
+    /// characters and is made from the device's id, machine, machine id and type.
+    /// The device makes the same text and compares both.
     [[nodiscard]] static QString createConfirmation(const SimulationDeviceConfiguration& a_device);
 
     // The order of signals and slots is part of the interface and must not change.
@@ -124,24 +131,25 @@ Q_SIGNALS:
     void simulationDeviceStateUpdate(const QString& a_sId, const SimulationDeviceState& a_state);
     void unregisterSimulationDevice(const QString& a_sId);
 
-    /// The descriptor is empty when it could not be decompressed, and so are a
-    /// scenario and a deployment.
+    /// A descriptor that could not be decompressed is empty. The same applies to
+    /// scenarios and deployments.
     void addJxDevice(const QString& a_sDeviceId, const QByteArray& a_jxDefinition);
     void removeJxDevice(const QString& a_sDeviceId);
 
-    /// The confirmation is as received: compare it with createConfirmation().
+    /// The confirmation is unchecked: compare it with createConfirmation().
     void acceptSimulationDevice(const QString& a_sId, const QString& a_sConfirmation);
     void loadScenario(const QByteArray& a_scenarioData);
     void unloadScenario();
     void loadDeployment(const QByteArray& a_deploymentData);
 
-    /// At the timestamp (us since 1970) the scenario time is the given one (ms).
+    /// The scenario time is `a_uiScenarioTime` (ms) at `a_uiTimestamp` (us since
+    /// 1970).
     void startScenario(quint64 a_uiTimestamp, uint a_uiScenarioTime);
     void pauseScenario(uint a_uiScenarioTime);
     void stopScenario();
     void testModeOn(bool a_bOn);
 
-    /// Fields that a device's record lacks have the values of a default one.
+    /// A field that is missing in a device's record has its default value.
     void responseSimulationDevices(const QVector<SimulationDeviceConfiguration>& a_devices);
     void commandAcquireServer();
     void commandReleaseServer();
@@ -182,7 +190,7 @@ private:
 
     QPointer<QTcpSocket> m_pSocket;
     XmlSeparator* m_pSeparator = nullptr; ///< child
-    QByteArray* m_pEncoded = nullptr;     ///< where encode() has the commands written; not owned
+    QByteArray* m_pEncoded = nullptr;     ///< collects the bytes of encode(); not owned; null = send
     CommandFilter m_filter;               ///< empty = all commands are processed
     StreamErrorHandler m_streamErrorHandler;
     bool m_bCompression = true;

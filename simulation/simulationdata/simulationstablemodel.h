@@ -12,10 +12,10 @@
 
 namespace Simulation {
 
-/// A table model of the simulation devices that are registered with the service,
-/// one row each in the order of registration. The colour of a row's text shows the
-/// state of the device's scenario data. An application updates the model on the
-/// signals of SimulationServiceCommunication.
+/// A table model of the simulation devices that are registered with the service.
+/// Each device has one row, in the order of registration. The text colour of a row
+/// shows the state of the device's scenario data. The application updates the model
+/// when SimulationServiceCommunication emits signals.
 ///
 /// Every change resets the whole model. Used on the thread of its views; a new
 /// model has no rows.
@@ -33,10 +33,10 @@ public:
     /// Always 5.
     [[nodiscard]] int columnCount(const QModelIndex& a_parent = QModelIndex()) const override;
 
-    /// The texts of a device, and for Qt::ForegroundRole a QColor: black without a
-    /// scenario, dark yellow while it loads, dark green when it is loaded, dark red
-    /// when it failed. An invalid QVariant for an unknown state, for other roles
-    /// and for an invalid index.
+    /// Returns the texts of a device. For Qt::ForegroundRole returns a QColor: black
+    /// without a scenario, dark yellow while the scenario loads, dark green when it
+    /// is loaded, dark red when it failed. Returns an invalid QVariant for an
+    /// unknown state, other roles and an invalid index.
     [[nodiscard]] QVariant data(const QModelIndex& a_index, int a_iRole = Qt::DisplayRole) const override;
 
     /// The translated names of the columns.
@@ -49,27 +49,27 @@ public:
     /// Always false: the model is read-only.
     bool setData(const QModelIndex& a_index, const QVariant& a_value, int a_iRole = Qt::EditRole) override;
 
-    /// Adds a row in the state without a scenario. A device whose id is listed
-    /// already keeps its row; its values are replaced and its state is reset.
-    /// Refused with a trace when Limits::ListedDevices is exceeded.
+    /// Adds a row in the state without a scenario. A device whose id is already
+    /// listed keeps its row; its values are replaced and its state is reset. A
+    /// device beyond Limits::ListedDevices is refused with a trace.
     void registerSimulation(const SimulationDeviceConfiguration& a_device);
 
-    /// Removes the row and the stored state, also a state without a row.
+    /// Removes the row and the stored state. Also removes a state without a row.
     void unregisterSimulation(const QString& a_sId);
 
-    /// Stores the state, also of a device without a row, for at most
-    /// Limits::ListedDevices such devices; more are refused with a trace. The
-    /// registration of the device resets such a state.
+    /// Stores the state of a device, also of a device without a row. Stores at most
+    /// Limits::ListedDevices states without a row; further ones are refused with a
+    /// trace. The registration of the device resets its state.
     void updateSimulationState(const QString& a_sId, const SimulationDeviceState& a_state);
 
     /// Sets the state of every listed device to loading, until the device reports
-    /// another.
+    /// another state.
     void setAllSimulationsLoading();
 
 private:
-    QStringList m_ids; ///< one per row, in order
+    QStringList m_ids; ///< ids of the rows, in order
     QMap<QString, SimulationDeviceConfiguration> m_configurations;
-    QMap<QString, ScenarioDataState> m_states; ///< of all rows, and of devices without a row
+    QMap<QString, ScenarioDataState> m_states; ///< of all rows and of devices without a row, by id
 };
 
 } // namespace Simulation

@@ -12,20 +12,20 @@ class QTcpSocket;
 
 namespace Simulation {
 
-/// Keeps a client's TCP connection to the simulation service open: every failed
-/// attempt and every loss of the connection is followed by a new attempt, without
+/// Keeps a client's TCP connection to the simulation service open. After every
+/// failed attempt and every loss of the connection a new attempt follows, without
 /// limit. Deleting the connector stops it.
 ///
-/// The first three attempts of a series follow each other immediately. The fourth
-/// waits 50 ms, and each further one twice as long as the one before, at most 2 s.
-/// A connection that lasted 2 s ends the series, so after its loss the next
-/// attempts start immediately. A shorter connection counts as a failed attempt, so
-/// that a port that accepts and closes does not keep a processor busy.
-/// connectToServer() also starts a series, except in a slot on the connector's own
-/// signals: there the series continues.
+/// A series of attempts begins with three attempts without a pause. The fourth waits
+/// 50 ms, and each further attempt waits twice as long as the previous one, at most
+/// 2 s. A connection that lasted 2 s ends the series, so the attempts after its loss
+/// start immediately. A shorter connection counts as a failed attempt, so that a
+/// port that accepts and closes does not keep a processor busy. connectToServer()
+/// also starts a series, but not in a slot on the connector's own signals: there the
+/// series continues.
 ///
-/// The first failure of a series is traced, and so is a failure for a different
-/// reason than the one before. Further failures for the same reason are not traced.
+/// The first failure of a series is traced. A later failure is traced only when its
+/// reason differs from that of the previous failure.
 ///
 /// Used on the thread of its event loop. It may be deleted in a slot on its own
 /// signals. A new connector does nothing until connectToServer().
@@ -34,9 +34,9 @@ class SIMULATIONDATA_EXPORT TcpServerConnector : public QObject
     Q_OBJECT
 
 public:
-    /// Host and port separated by a colon, as in "localhost:4000"; text after a
-    /// second colon is ignored. The port is 0 when it is missing or not a number of
-    /// 16 bits.
+    /// Takes host and port separated by a colon, for example "localhost:4000". Text
+    /// after a second colon is ignored. The port is 0 when it is missing or not a
+    /// number of 16 bits.
     explicit TcpServerConnector(const QString& a_sServer);
     TcpServerConnector(const QString& a_sHost, unsigned short a_uiPort);
 
@@ -45,22 +45,23 @@ public:
 
     [[nodiscard]] bool isConnected() const;
 
-    /// The socket, the same one for all connections; owned by the connector.
+    /// The socket, owned by the connector. All connections use the same socket.
     [[nodiscard]] QTcpSocket* socket() { return m_pSocket; }
 
 Q_SIGNALS:
     void connectedToServer();
 
-    /// A new attempt follows.
+    /// The connection is lost; a new attempt follows.
     void disconnectedFromServer();
 
 public Q_SLOTS:
-    /// Starts an attempt from the event loop, without the pause of the series,
-    /// unless the socket is connected or connecting. In a slot on the connector's
-    /// own signals it has no effect, because the series continues by itself.
+    /// Starts an attempt from the event loop, without the pause of the series. Has
+    /// no effect while the socket is connected or connecting. Also has no effect in
+    /// a slot on the connector's own signals, because the series continues by
+    /// itself.
     ///
-    /// Attempts on a local port on which no process listens can connect the socket
-    /// with itself; this counts as a failed attempt.
+    /// When no process listens on a local port, an attempt can connect the socket
+    /// with itself. This counts as a failed attempt.
     void connectToServer();
 
     /// Closes the connection; a new attempt follows.
@@ -84,9 +85,9 @@ private:
     QTimer m_start;                  ///< pause before the next attempt
     QElapsedTimer m_connection;      ///< time since connectedToServer()
     int m_iFailures = 0;             ///< failed attempts of the series
-    QString m_sReason;               ///< of the failure traced last; null at the start of a series
-    bool m_bAnnounced = false;       ///< connectedToServer() was the last signal
-    bool m_bEmitting = false;        ///< while this object emits a signal
+    QString m_sReason;               ///< reason of the failure traced last; null at the start of a series
+    bool m_bAnnounced = false;       ///< whether connectedToServer() was the last signal
+    bool m_bEmitting = false;        ///< whether this object is emitting a signal
 };
 
 } // namespace Simulation

@@ -7,8 +7,8 @@
 
 namespace Simulation {
 
-/// The transmitter and antenna of one emitter. A plain value; the numbers are stored
-/// and sent as they are, and the simulation service defines their units.
+/// The transmitter and antenna of one emitter. A plain value. The numbers are stored
+/// and sent unchanged; the simulation service defines their units.
 class SIMULATIONDATA_EXPORT TransmitterSettings
 {
 public:
@@ -26,8 +26,8 @@ public:
 
     /// Degrees, as stored by setAntennaDirection().
     [[nodiscard]] float getAntennaDirection() const { return m_fAntennaDirection; }
-    /// Values from 360 up are reduced by whole turns, in single precision;
-    /// smaller ones, negative ones included, are kept as they are.
+    /// Reduces values from 360 up by whole turns, in single precision. Stores
+    /// smaller values unchanged, also negative ones.
     void setAntennaDirection(float a_fDirection);
 
 private:

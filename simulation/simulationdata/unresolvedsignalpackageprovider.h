@@ -12,7 +12,7 @@
 namespace Simulation {
 
 /// The provider for documents that are loaded without a repository. It knows no id
-/// and has no default package and no data files, but keeps one package per
+/// and has neither a default package nor data files. It keeps one package per
 /// requested id, so that the ids of a document survive loading and saving. May be
 /// used by one thread at a time.
 class SIMULATIONDATA_EXPORT UnresolvedSignalPackageProvider : public ISignalPackageProvider
@@ -21,11 +21,11 @@ public:
     /// Always false.
     bool validSignalPackageId(const QString& a_sId) override;
 
-    /// A package that has this id and is otherwise empty, the same one each time.
-    /// Null for an empty id.
+    /// Returns a package that has this id and is otherwise empty. Returns the same
+    /// package for the same id, and null for an empty id.
     std::shared_ptr<SignalPackage> signalPackage(const QString& a_sId) override;
 
-    /// Always null, like the data files.
+    /// Always null. There are no data files, either.
     std::shared_ptr<SignalPackage> defaultSignalPackage() override;
     SignalShapeFile* signalShapeFile(std::shared_ptr<SignalPackage> a_pPackage) override;
     AudioFile* audioFile(std::shared_ptr<SignalPackage> a_pPackage) override;

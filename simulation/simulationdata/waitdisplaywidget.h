@@ -15,17 +15,17 @@ namespace Ui {
 class WaitDisplayWidget;
 }
 
-/// A small modal dialog for waiting: a message, a progress bar without an end,
-/// optionally a cancel button, and a time-out. A timer of its own runs while it is
-/// open.
+/// A small modal dialog for waiting. It shows a message, a progress bar without an
+/// end and, optionally, a cancel button. It has a time-out and its own timer, which
+/// runs while it is open.
 ///
-/// The cancel button is not connected: the application connects the clicked() of
-/// the child "cancelButton" to reject() if a click shall cancel.
+/// The cancel button is not connected. If a click shall cancel, the application
+/// connects clicked() of the child "cancelButton" to reject().
 ///
-/// The receivers of canceled(), timeout() and QDialog's finished(int) may delete
-/// the dialog. Those of accepted() and rejected() must not, because QDialog uses
-/// the object after emitting them. Used on the GUI thread. A new dialog is hidden
-/// and its timer is stopped.
+/// The receivers of canceled(), timeout() and QDialog's finished(int) may delete the
+/// dialog. The receivers of accepted() and rejected() must not, because QDialog uses
+/// the object after emitting these signals. Used on the GUI thread. A new dialog is
+/// hidden and its timer is stopped.
 class SIMULATIONDATA_EXPORT WaitDisplayWidget : public QDialog
 {
     Q_OBJECT
@@ -35,17 +35,17 @@ public:
     ~WaitDisplayWidget() override;
 
     /// Opens the dialog window-modally. The time-out is in seconds; 0 = none. A
-    /// time-out of more than 4,294,967 s, whose milliseconds exceed 32 bits, never
-    /// expires. When the dialog is open already, its texts and the cancel button
-    /// are updated, and it continues with its former time-out.
+    /// time-out of more than 4,294,967 s exceeds 32 bits in milliseconds and never
+    /// expires. When the dialog is already open, its texts and the cancel button are
+    /// updated, and its former time-out continues.
     void open(const QString& a_sTitle, const QString& a_sMessage, bool a_bCancelable,
               unsigned int a_uiTimeout);
 
-    /// Ends the waiting successfully: the dialog is accepted.
+    /// Ends the waiting successfully: accepts the dialog.
     void close();
 
-    /// Hides the dialog and stops the timer; doContinue() continues with the
-    /// elapsed time.
+    /// Hides the dialog and stops the timer. doContinue() continues with the elapsed
+    /// time.
     void pause();
     void doContinue();
 
@@ -53,7 +53,7 @@ Q_SIGNALS:
     /// The dialog was rejected.
     void canceled();
 
-    /// The time-out has expired. The dialog is hidden, neither accepted nor
+    /// The time-out has expired. The dialog is hidden, but neither accepted nor
     /// rejected.
     void timeout();
 
@@ -61,7 +61,7 @@ Q_SIGNALS:
     void finished();
 
 public Q_SLOTS:
-    /// Ignored while the dialog shows no cancel box.
+    /// Rejects the dialog. Ignored while the dialog shows no cancel box.
     void reject() override;
 
     /// Ends the dialog with any result and stops its timer, so that a cancelled
@@ -72,16 +72,16 @@ protected:
     void timerEvent(QTimerEvent* a_pEvent) override;
 
 private:
-    /// QDialog's overload without a message. Not for callers of this class.
+    /// Opens the dialog without a message. Not for callers of this class.
     void open() override;
 
     void startCounting();
     void stopCounting();
 
     std::unique_ptr<Ui::WaitDisplayWidget> m_form;
-    std::int32_t m_iTimer = -1;    ///< id; -1 = not running
-    std::uint32_t m_uiElapsed = 0; ///< ms
-    std::uint32_t m_uiTimeout = 0; ///< ms; 0 = none
+    std::int32_t m_iTimer = -1;    ///< timer id; -1 = not running
+    std::uint32_t m_uiElapsed = 0; ///< elapsed time in ms
+    std::uint32_t m_uiTimeout = 0; ///< time-out in ms; 0 = none
 };
 
 } // namespace Simulation

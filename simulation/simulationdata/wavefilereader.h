@@ -14,8 +14,8 @@ namespace Simulation {
 
 struct WaveContents;
 
-/// Reads RIFF/WAVE files: the format, ranges of samples, and the cue points with
-/// their labels. Supported are PCM samples (format tag 1) and extensible files (tag
+/// Reads the format, ranges of samples, and the cue points with their labels from a
+/// RIFF/WAVE file. Supports PCM samples (format tag 1), and extensible files (tag
 /// 65534) of PCM or floating-point samples.
 ///
 /// A reader may be used by one thread at a time. Before the first successful open()
@@ -36,7 +36,7 @@ public:
     {
         std::uint32_t id = 0;
         std::uint32_t position = 0; ///< frames from the start of the data
-        QString label;              ///< empty when the file has none for this id
+        QString label;              ///< empty when the file has no label for this id
     };
 
     /// Does not open the file.
@@ -45,10 +45,10 @@ public:
     WaveFileReader& operator=(const WaveFileReader&) = delete;
     ~WaveFileReader();
 
-    /// Reads everything except the samples; an open file is closed first. False
-    /// after one trace, with the error text in errorString(); the reader is closed
-    /// then. A data chunk that ends after the end of the file is cut there, see
-    /// missingBytes().
+    /// Reads everything except the samples. An open file is closed first. Returns
+    /// false after one trace; the reader is then closed, and errorString() has the
+    /// error text. A data chunk that ends after the end of the file is truncated
+    /// there, see missingBytes().
     [[nodiscard]] bool open();
     void close();
     [[nodiscard]] bool isOpen() const;
@@ -60,21 +60,21 @@ public:
     [[nodiscard]] std::uint32_t length() const;
     [[nodiscard]] const Format& format() const { return m_format; }
 
-    /// In ascending order of their ids; each id occurs once.
+    /// The cue points in ascending order of their ids. Each id occurs once.
     [[nodiscard]] const QList<CuePoint>& cuePoints() const { return m_cuePoints; }
 
-    /// How many bytes the file lacks compared with the size of its data chunk; 0
-    /// when it is complete.
+    /// How many bytes the file lacks compared with the size of its data chunk. 0
+    /// when the file is complete.
     [[nodiscard]] std::int64_t missingBytes() const { return m_iMissingBytes; }
 
-    /// Reads `a_uiCount` frames from frame `a_uiStart` on. The result has frames
-    /// times channels values, the channels of a frame next to each other. When the
-    /// range runs past the end, the start is first taken modulo length(). A range
-    /// that still runs past the end, an empty range, and a range that exceeds
-    /// Limits::DataBytes fail.
+    /// Reads `a_uiCount` frames from frame `a_uiStart` on. The result contains
+    /// frames times channels values; the channels of a frame are adjacent. When the
+    /// range runs past the end, the start is first taken modulo length(). Reading
+    /// fails when the range then still runs past the end, is empty, or exceeds
+    /// Limits::DataBytes.
     ///
-    /// False after one trace, and then the vector is empty. The memory of a vector
-    /// that is passed again is reused.
+    /// On failure returns false after one trace, and the vector is empty. The memory
+    /// of the passed vector is reused.
     ///
     /// This overload reads 16-bit PCM.
     [[nodiscard]] bool readSamples(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
@@ -84,9 +84,9 @@ public:
     [[nodiscard]] bool readSamples(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
                                    std::vector<std::uint8_t>& a_samples);
 
-    /// The same for 32-bit floating-point samples, which are returned unchanged
-    /// (also infinite ones and NaN), and for 16-bit and 8-bit PCM, scaled to [-1,
-    /// 1): sample / 32768 and (sample - 128) / 128.
+    /// The same for 32-bit floating-point samples. These are returned unchanged,
+    /// also infinite ones and NaN. 16-bit and 8-bit PCM samples are also read and
+    /// scaled to [-1, 1): sample / 32768 and (sample - 128) / 128.
     [[nodiscard]] bool readSamples(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
                                    std::vector<float>& a_samples);
 
@@ -104,9 +104,9 @@ private:
     QFile m_file;
     QString m_sError;
     Format m_format;
-    bool m_bFloat = false; ///< the samples are floating-point numbers
+    bool m_bFloat = false; ///< whether the samples are floating-point numbers
     std::int64_t m_iDataOffset = 0;
-    std::int64_t m_iDataSize = 0; ///< bytes that the file really holds
+    std::int64_t m_iDataSize = 0; ///< bytes that the file really contains
     std::int64_t m_iMissingBytes = 0;
     QList<CuePoint> m_cuePoints;
 };
