@@ -57,7 +57,6 @@ const char s_szCheckExamples[] =
     "  1  Findings, repaired or not.\n"
     "  2  Wrong usage, or a file could not be read or written; the others are checked.\n";
 
-const QString s_sRepository = QStringLiteral("repository");
 const QString s_sRepair = QStringLiteral("repair");
 const QString s_sForce = QStringLiteral("force");
 const QString s_sClass = QStringLiteral("class");

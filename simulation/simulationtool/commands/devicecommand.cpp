@@ -62,8 +62,6 @@ const QString s_sStation = QStringLiteral("station");
 const QString s_sType = QStringLiteral("type");
 const QString s_sLongitude = QStringLiteral("longitude");
 const QString s_sLatitude = QStringLiteral("latitude");
-const QString s_sRepository = QStringLiteral("repository");
-const QString s_sStep = QStringLiteral("step");
 
 struct DeviceOptions
 {

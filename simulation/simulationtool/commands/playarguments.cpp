@@ -54,10 +54,8 @@ bool readTime(const QCommandLineParser& a_parser, const QString& a_sOption, std:
 
 const QString s_sFrom = QStringLiteral("from");
 const QString s_sTo = QStringLiteral("to");
-const QString s_sStep = QStringLiteral("step");
 const QString s_sEmitter = QStringLiteral("emitter");
 const QString s_sCsv = QStringLiteral("csv");
-const QString s_sRepository = QStringLiteral("repository");
 const QString s_sCache = QStringLiteral("cache");
 
 void addPlayOptions(QCommandLineParser& a_parser)

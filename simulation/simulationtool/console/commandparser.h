@@ -11,6 +11,10 @@
 
 namespace SimulationTool {
 
+/// Options of several commands.
+inline const QString s_sRepository = QStringLiteral("repository");
+inline const QString s_sStep = QStringLiteral("step");
+
 class Output;
 
 /// The argument parser of one command, or of the program itself, with the options
