@@ -20,7 +20,7 @@ namespace Simulation {
 class SIMULATIONDATA_EXPORT ScenarioTimingHelper
 {
 public:
-    /// The time is paused and stopped at 0.
+    /// A new clock is stopped: scenario time 0, paused.
     ScenarioTimingHelper() = default;
 
     /// The wall clock (us since 1970).

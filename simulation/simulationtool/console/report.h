@@ -57,7 +57,7 @@ public:
     /// Begins a new object at the end of the document's list of that key. The text form
     /// does not show it.
     void beginItem(const char* a_szKey);
-    /// The current place becomes the document itself again.
+    /// Ends the current object: further values belong to the document itself.
     void endPlace() { closePlace(); }
     /// Adds a list of that key to the current place, so that it is written even when
     /// empty.

@@ -159,7 +159,7 @@ void SimulationService::report(ServicePeer* a_pPeer)
     for (auto it = m_devices.cbegin(); it != m_devices.cend(); ++it) {
         sendState(a_pPeer, it.key(), *it);
     }
-    // A device has received the run already.
+    // Devices receive starts and pauses as orders.
     if (!a_pPeer->isDevice()) {
         a_pPeer->report(QStringLiteral("run"), m_run);
     }
