@@ -19,8 +19,7 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/commondataxml";
 
-/// The distance (degrees) between the two points that a movement has before its points
-/// are read.
+/// A new movement has two points at this distance (degrees). Reading replaces them.
 constexpr double s_dDefaultOffset = 0.01;
 
 void traceBreakOff(const XmlDocumentReader& a_document)

@@ -238,8 +238,8 @@ void EmissionSettings::removeGroup(const GroupPtr& a_group)
 
 void EmissionSettings::clearEmptyGroups()
 {
-    // A group is checked again only when it loses a member. Until the end members are
-    // only counted, not removed from the lists. So the time is linear in the number of
+    // A group is checked again only when it loses a member. Members are only counted at
+    // first; they are removed from the lists at the end. So the time is linear in the number of
     // groups and memberships, even when groups of a chain empty each other.
     QHash<const Group*, QList<const Group*>> holders;
     QHash<const Group*, qsizetype> membersLeft;

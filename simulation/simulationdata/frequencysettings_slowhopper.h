@@ -81,8 +81,8 @@ public:
     [[nodiscard]] double getFrequencyAt(unsigned int a_uiTime) const override;
     [[nodiscard]] bool isTimeDependend() const override;
 
-    /// With Inactive, the hopper is still active at the instant at which the table
-    /// ends.
+    /// With the end behaviour Inactive, the hopper becomes inactive after the instant at
+    /// which the table ends; at that instant it is still active.
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;
 
     /// One activity per step in the window, also for steps without duration.

@@ -144,7 +144,8 @@ public:
     [[nodiscard]] double speedAt(unsigned int a_uiTime) const override;
     [[nodiscard]] bool isTimeDependend() const override;
 
-    /// With Inactive, the movement is still active at the instant at which it ends.
+    /// With the end behaviour Inactive, the movement becomes inactive after the instant
+    /// at which it ends; at that instant it is still active.
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;
     [[nodiscard]] unsigned int activeUntil() const override;
 

@@ -330,8 +330,9 @@ void TestEmissionSettings::removingMany()
     QList<EmissionPtr> emissions;
     for (int i = iCount; i-- > 0;) {
         emissions.append(emission(i, 1, i == 5 ? stays : gone));
-        // Each group of one emission is the only content of its parent. Its removal
-        // therefore also removes the parent. One group contains all parents.
+        // Each emission has its own group, which is the only member of a parent group.
+        // Removing the emission removes both groups. The group `all` contains every
+        // parent group.
         settings.addGroup(group({emissions.constLast()}));
         settings.addGroup(group({}, {settings.groups().constLast()}));
         all->groups.append(settings.groups().constLast());

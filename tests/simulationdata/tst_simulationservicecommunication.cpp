@@ -531,8 +531,8 @@ void TestSimulationServiceCommunication::replacedSocket()
     QTRY_COMPARE(log.entries().size(), 3);
     wire.communication->setSocket(other.near.get());
 
-    // The second command has arrived. The slot of the first command ends the reception
-    // before it.
+    // Both commands are sent together. The slot of the first one ends the reception, so
+    // the second one is not delivered.
     connect(wire.communication.get(), &SimulationServiceCommunication::unloadScenario, this,
             [&wire] { wire.communication->setSocket(nullptr); });
     other.sendBytes(bare("UnloadScenario") + bare("StopScenario"));

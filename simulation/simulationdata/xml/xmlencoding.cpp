@@ -304,7 +304,7 @@ qsizetype xmlAsciiBytes(QByteArrayView a_bytes)
         return (ucByte < ucFirstPrintable && !bBlank) || ucByte >= s_ucFirstNonAscii;
     };
     qsizetype i = 0;
-    // Without a branch for each byte, the compiler checks many at once.
+    // The inner loop has no branch for each byte, so the compiler can vectorise it.
     for (; a_bytes.size() - i >= iBlockBytes; i += iBlockBytes) {
         const char* const pBlock = a_bytes.data() + i;
         unsigned char ucOther = 0;

@@ -29,8 +29,9 @@ const char* find(const char* a_pFrom, const char* a_pEnd, char a_cByte)
         std::memchr(a_pFrom, a_cByte, static_cast<std::size_t>(a_pEnd - a_pFrom)));
 }
 
-/// The number of marks just before `a_pAt`, at most two. `a_iBefore` is the number
-/// of marks just before `a_pFrom`, in the previous piece.
+/// How often the character `a_cMark` occurs in direct succession before `a_pAt`, at most
+/// twice. `a_pFrom` is the start of this piece. `a_iBefore` is the number of such
+/// characters at the end of the previous piece.
 int marksBefore(const char* a_pFrom, const char* a_pAt, char a_cMark, int a_iBefore)
 {
     int iMarks = 0;

@@ -84,8 +84,8 @@ QString runKind(const ServiceController& a_controller)
     if (!timing.isStopped()) {
         return timing.isPaused() ? QStringLiteral("paused") : QStringLiteral("running");
     }
-    // Without any state the run is unknown: such a service sends states and the run only
-    // to its controller.
+    // When there are devices but no state was received, it is unknown whether a scenario
+    // runs: some services report states and runs only to their controller.
     const bool bSilent = a_controller.states().isEmpty() && !a_controller.devices().isEmpty();
     return bSilent ? s_sUnknown : QStringLiteral("stopped");
 }

@@ -21,8 +21,9 @@ class Report;
 /// written, when the file has another form.
 [[nodiscard]] std::optional<Verdict> describeCompact(Report& a_report, const InputFile& a_file);
 
-/// Lists the links whose target is not an emitter before the linking emitter. Shows
-/// only the first of many links. The scenario must have been read.
+/// Lists the unresolved links. A link is resolved only when its target is an emitter
+/// that precedes the linking emitter. Shows only the first of many links. The scenario
+/// must have been read.
 void describeUnresolvedLinks(Report& a_report, const Simulation::ScenarioDataBinary& a_scenario);
 
 } // namespace SimulationTool
