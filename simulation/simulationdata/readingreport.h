@@ -1,0 +1,100 @@
+#ifndef SIMULATIONDATA_READINGREPORT_H
+#define SIMULATIONDATA_READINGREPORT_H
+
+#include "simulationdata/checkrule.h"
+#include "simulationdata/simulationdata_export.h"
+
+#include <QLatin1String>
+#include <QList>
+#include <QMap>
+#include <QString>
+
+#include <array>
+#include <cstddef>
+#include <span>
+
+namespace Simulation {
+
+/// One place where a reader could not take a document as it is written.
+struct ReadingEntry
+{
+    QLatin1String rule; ///< the id of a rule of ReadingReport
+    Severity severity = Severity::Error;
+    /// The place in the text, each from 1; 0 when it is not known. The column counts
+    /// characters.
+    qint64 line = 0;
+    qint64 column = 0;
+    QString path;       ///< for example "Scenario/Emitter[tower]/Frequency/Fixed"
+    QString found;      ///< the text found, shortened when it is long; may contain any character
+    QString message;    ///< one English sentence: what is wrong and what was made of it
+    QString suggestion; ///< the name or value that was probably meant; empty when there is none
+};
+
+/// Everything in a document that its reader skipped, replaced or doubted. The report
+/// belongs to the last reading. It changes nothing of the result: what is read and what
+/// is returned is the same with and without it.
+///
+/// A plain value, used by one thread at a time. A new report is empty. Memory is bounded:
+/// entries beyond the first s_iMaximumEntries in the order of the document are counted
+/// only, and the texts of an entry are shortened.
+class SIMULATIONDATA_EXPORT ReadingReport
+{
+public:
+    static constexpr qsizetype s_iMaximumEntries = 1000;
+
+    // The ids of the rules; rules() describes them.
+    static constexpr QLatin1String s_sUnknownElement{"unknown-element"};
+    static constexpr QLatin1String s_sUnknownAttribute{"unknown-attribute"};
+    static constexpr QLatin1String s_sUnexpectedText{"unexpected-text"};
+    static constexpr QLatin1String s_sMissingId{"missing-id"};
+    static constexpr QLatin1String s_sMissingAttribute{"missing-attribute"};
+    static constexpr QLatin1String s_sMissingElement{"missing-element"};
+    static constexpr QLatin1String s_sNotANumber{"not-a-number"};
+    static constexpr QLatin1String s_sUnitInNumber{"unit-in-number"};
+    static constexpr QLatin1String s_sNotABoolean{"not-a-boolean"};
+    static constexpr QLatin1String s_sUnknownValue{"unknown-value"};
+    static constexpr QLatin1String s_sNotAColor{"not-a-color"};
+    static constexpr QLatin1String s_sOutOfRange{"out-of-range"};
+    static constexpr QLatin1String s_sDuplicateId{"duplicate-id"};
+    static constexpr QLatin1String s_sDuplicateElement{"duplicate-element"};
+    static constexpr QLatin1String s_sUnknownReference{"unknown-reference"};
+    static constexpr QLatin1String s_sInventedObject{"invented-object"};
+    static constexpr QLatin1String s_sCircularReference{"circular-reference"};
+    static constexpr QLatin1String s_sReplacedPackage{"replaced-package"};
+    static constexpr QLatin1String s_sDerivedValue{"derived-value"};
+    static constexpr QLatin1String s_sIgnoredValue{"ignored-value"};
+    static constexpr QLatin1String s_sOlderVersion{"older-version"};
+    static constexpr QLatin1String s_sNewerVersion{"newer-version"};
+    static constexpr QLatin1String s_sOtherRoot{"other-root"};
+    static constexpr QLatin1String s_sBrokenOff{"broken-off"};
+
+    /// All rules, in the order in which documents list them.
+    [[nodiscard]] static std::span<const CheckRule> rules();
+
+    /// The entries in the order of the document.
+    [[nodiscard]] const QList<ReadingEntry>& entries() const { return m_entries; }
+
+    [[nodiscard]] bool isEmpty() const { return m_counts.isEmpty(); }
+
+    /// The number of deviations from the rule, listed or not.
+    [[nodiscard]] qint64 count(QLatin1String a_sRule) const { return m_counts.value(a_sRule); }
+    /// The number of deviations of that severity, listed or not.
+    [[nodiscard]] qint64 count(Severity a_eSeverity) const
+    {
+        return m_severities[static_cast<std::size_t>(a_eSeverity)];
+    }
+    /// The number of deviations that are not listed.
+    [[nodiscard]] qint64 unlisted() const;
+
+    /// Counts the entry, and lists it while fewer than s_iMaximumEntries are listed.
+    void add(ReadingEntry a_entry);
+
+private:
+    QList<ReadingEntry> m_entries;
+    QMap<QLatin1String, qint64> m_counts;
+    std::array<qint64, 3> m_severities{}; ///< by Severity
+};
+
+} // namespace Simulation
+
+#endif
