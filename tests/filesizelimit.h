@@ -5,9 +5,9 @@
 
 #include <sys/resource.h>
 
-/// Limits the size (bytes) of the files of this process until it ends. The system kills
-/// the process at the first write beyond the limit, without a core file. May be called
-/// between fork and exec.
+/// Limits the size (bytes) of the files that this process writes. The limit applies until
+/// the process ends. The system kills the process at the first write beyond the limit,
+/// without a core file. May be called between fork and exec.
 inline void dieBeyondFileSize(rlim_t a_uiBytes)
 {
     const rlimit limit{a_uiBytes, a_uiBytes};
@@ -17,9 +17,9 @@ inline void dieBeyondFileSize(rlim_t a_uiBytes)
     std::signal(SIGXFSZ, SIG_DFL); // NOLINT(cert-err33-c)
 }
 
-/// Limits the size (bytes) of the files of this process, and of the processes that it
-/// starts. The limit applies during the lifetime of the object. A write beyond it fails
-/// as on a full disk, with the error text "File too large".
+/// Limits the size (bytes) of the files that this process and its child processes write.
+/// The limit applies during the lifetime of the object. A write beyond the limit fails as
+/// on a full disk, with the error text "File too large".
 class FileSizeLimit
 {
 public:

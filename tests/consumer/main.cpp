@@ -9,8 +9,8 @@
 
 static_assert(INT_MAX > 0, "the compiler's own limits.h is found");
 
-/// Loads the default scenario from the library's resources. Building or running it
-/// fails when headers, library or resources are not installed where they belong.
+/// Loads the default scenario from the library's resources. The program cannot be built
+/// or ends with an error when headers, library or resources are installed in wrong places.
 int main()
 {
     Simulation::UnresolvedSignalPackageProvider provider;

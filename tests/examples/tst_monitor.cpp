@@ -30,8 +30,8 @@ using Communication = Simulation::SimulationServiceCommunication;
 using Simulation::ScenarioDataState;
 using Simulation::SimulationDeviceConfiguration;
 
-/// A service in the test's process, with two devices. Sends states only to the peer
-/// that acquired it, and sends them before any other answer.
+/// A service in the test's process, with two devices. The service sends states only to
+/// the peer that acquired it, and sends the states before any other answer.
 class FakeService
 {
 public:
@@ -95,7 +95,7 @@ private:
     std::unique_ptr<Communication> m_peer;
 };
 
-/// The visible content of a window.
+/// A monitor window and its visible content.
 struct Seen
 {
     explicit Seen(const FakeService& a_service)
@@ -107,7 +107,7 @@ struct Seen
         window.connectToService();
     }
 
-    /// The names of the devices, each followed by its colour unless that is black.
+    /// The names of the devices. A colour other than black follows the name.
     [[nodiscard]] QString rows() const
     {
         QStringList all;
@@ -293,7 +293,7 @@ void TestMonitor::cancel()
     QTest::mouseClick(seen.button("Cancel"), Qt::LeftButton);
     QVERIFY(!seen.window.waitDialog().isVisible() && seen.button("Connect")->isVisible());
     service.listen();
-    QTest::qWait(100); // time for many attempts
+    QTest::qWait(100); // long enough for many attempts
     QVERIFY(!service.hasPeer());
     QTest::mouseClick(seen.button("Connect"), Qt::LeftButton);
     QVERIFY(seen.shows("Alpha Beta"));
@@ -375,7 +375,7 @@ void TestMonitor::picture()
     QCOMPARE(pixels(picture, isLampLit) > 20, service);
     QCOMPARE(pixels(picture, isTextOfLoaded) > 20, states);
     QVERIFY(!service || running.says(QStringLiteral("left"), 2)); // control and monitor have left
-    // A monitor without states does not acquire the control.
+    // A monitor that does not show states does not acquire the control.
     QCOMPARE(running.text().count(QStringLiteral("controls\n")), states ? 2 : 1);
 }
 

@@ -1,5 +1,6 @@
-# Installs into a scratch folder, moves the installation, runs its programs and a
-# project that uses it, and removes it. Fails at the first error.
+# Installs the library into a scratch folder and moves the installation. Then runs the
+# installed programs, builds and runs a project that uses the library, and removes the
+# installation. Fails at the first error.
 cmake_minimum_required(VERSION 3.25)
 
 set(scratch "${BUILD_DIR}/installation-test")
@@ -22,7 +23,7 @@ function(expect_below a_name a_folder a_expected)
   expect("${a_name}" "${found}" "${a_expected}")
 endfunction()
 
-# The run path for the usual layouts of an installation.
+# Checks the run path for the usual layouts of an installation.
 include("${SOURCE_DIR}/cmake/RunPath.cmake")
 foreach(row IN ITEMS
     "bin|lib|$ORIGIN/../lib" "bin|lib64|$ORIGIN/../lib64"
@@ -36,7 +37,7 @@ foreach(row IN ITEMS
   expect("run path of ${bin} for ${lib}" "${actual}" "${expected}")
 endforeach()
 
-# Installed twice, as an update does, and then moved.
+# The library is installed twice, as for an update, and then moved.
 set(prefix "${scratch}/moved here")
 foreach(time RANGE 1)
   run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${scratch}/prefix")
@@ -58,7 +59,7 @@ run("${CMAKE_COMMAND}" -S "${SOURCE_DIR}/tests/consumer" -B "${scratch}/build" -
 run("${CMAKE_COMMAND}" --build "${scratch}/build")
 run("${scratch}/build/consumer")
 
-# The removal leaves files of others, and nothing of its own.
+# The removal deletes every installed file and keeps the files of other programs.
 set(uninstall "${LIB}/cmake/SimulationData/Uninstall.cmake")
 set(headers include/simulation)
 file(WRITE "${prefix}/${BIN}/other" "")
@@ -66,7 +67,7 @@ file(WRITE "${prefix}/${headers}/.hidden" "")
 run("${CMAKE_COMMAND}" -P "${prefix}/${uninstall}")
 expect_below("left of others" "${prefix}" "${BIN};${BIN}/other;include;${headers};${headers}/.hidden")
 
-# Folders that existed before stay, even when empty.
+# The removal keeps folders that existed before the installation, even empty ones.
 set(prefix "${scratch}/shared")
 file(MAKE_DIRECTORY "${prefix}/${LIB}/cmake")
 file(GLOB_RECURSE before LIST_DIRECTORIES true RELATIVE "${prefix}" "${prefix}/*")
@@ -74,7 +75,8 @@ run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}")
 run("${CMAKE_COMMAND}" -P "${prefix}/${uninstall}")
 expect_below("left of a shared prefix" "${prefix}" "${before}")
 
-# A new prefix is removed with its content, also from a staged installation.
+# The removal deletes a prefix folder that the installation made. This also applies to
+# a staged installation (DESTDIR).
 foreach(stage IN ITEMS "" "${scratch}/stage")
   set(ENV{DESTDIR} "${stage}")
   run("${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${scratch}/alone")

@@ -21,8 +21,8 @@ enum class Way {
     Foreground,
     Background, ///< runs until the test ends
     Environment,
-    Script, ///< not run, because it changes the clone
-    Preset, ///< not run, because it rebuilds the library
+    Script, ///< not run, because the script changes the source folder
+    Preset, ///< not run, because the command rebuilds the library
 };
 
 struct Expectation
@@ -32,8 +32,8 @@ struct Expectation
     const char* szOutput = "."; ///< regular expression for the output
 };
 
-/// The commands that need more than the default check. The default check runs a command,
-/// which must print something and end with 0. A command of another program than
+/// The commands that need more than the default check. The default check runs a command
+/// and expects some output and the exit code 0. A command of another program than
 /// simulationtool, monitor or cmake always needs an entry here.
 const QMap<QString, Expectation> s_expectations{
     {QStringLiteral("./scripts/demo.sh"), {Way::Script}},
@@ -76,7 +76,7 @@ const QMap<QString, Expectation> s_expectations{
      {Way::Foreground, 0, "Pause at [0-9]+ ms sent to 2 devices"}},
 };
 
-/// The files in README.md, each named in its first line.
+/// The files that README.md contains. The first line of each file gives its name.
 const QStringList s_files{QStringLiteral("CMakeLists.txt"), QStringLiteral("author.cpp"),
                           QStringLiteral("play.cpp"), QStringLiteral("receiver.cpp"),
                           QStringLiteral("editor.cpp")};
@@ -126,8 +126,8 @@ QList<Item> readmeItems()
 
 } // namespace
 
-/// Does what README.md describes, in its order, as a new user would. Installs into a
-/// temporary home folder and runs the commands in a new folder below it.
+/// Follows README.md from beginning to end, as a new user would. Installs into a
+/// temporary home folder and runs the commands in a new folder below the home folder.
 class TestReadme : public QObject
 {
     Q_OBJECT
@@ -154,7 +154,7 @@ private:
 
     void runForeground(const QString& a_sCommand, const Expectation& a_expectation) const
     {
-        // The tested build is installed, not one in the clone.
+        // The command installs the build under test instead of "build/release".
         QString sHere = a_sCommand;
         sHere.replace(QStringLiteral("--install build/release"), QStringLiteral("--install '" BUILD_DIR "'"));
         const auto process = shell(sHere);
@@ -192,14 +192,14 @@ private:
 
     QTemporaryDir m_home;
     QProcessEnvironment m_environment = QProcessEnvironment::systemEnvironment();
-    QString m_sExports; ///< exports of the shell lines so far
+    QString m_sExports; ///< export commands of README.md so far
     std::map<QString, Background> m_background;
 
 private Q_SLOTS:
     void initTestCase()
     {
         QVERIFY(m_home.isValid() && QDir().mkpath(workFolder()));
-        // A free port, because the default one may be in use on this machine.
+        // The settings contain a free port, because the default port may be in use.
         QTcpServer server;
         QVERIFY(server.listen(QHostAddress::LocalHost));
         QFile settings(m_home.filePath(QStringLiteral("Simulation.ini")));
@@ -265,7 +265,7 @@ private Q_SLOTS:
     }
 
     /// The background programs have printed the effects of the other commands. An
-    /// interrupt signal ends them.
+    /// interrupt signal ends each background program.
     void background()
     {
         QCOMPARE(m_background.size(), 4U);
@@ -284,7 +284,7 @@ private Q_SLOTS:
         }
     }
 
-    /// Every entry of the lists above is still in README.md.
+    /// Every entry of s_files and s_expectations is still in README.md.
     void expectations()
     {
         QStringList seen;
@@ -294,7 +294,8 @@ private Q_SLOTS:
         for (const QString& expected : s_files + s_expectations.keys()) {
             QVERIFY2(seen.contains(expected), qPrintable(expected));
         }
-        QVERIFY(!QFileInfo::exists(m_home.filePath(QStringLiteral("simulation")))); // removed
+        // A command of README.md has removed the installation.
+        QVERIFY(!QFileInfo::exists(m_home.filePath(QStringLiteral("simulation"))));
     }
 };
 

@@ -1,14 +1,15 @@
-# Checks the order of the layers: no source of the library and no source of the
-# tool includes a file of a layer or folder that builds on its own; every source
-# belongs to a layer; README.md and docs/architecture.md list the same layers in
-# the same order.
+# Checks the order of the layers:
+# - No source of the library includes a file of a higher layer.
+# - No source of the tool includes a file of a higher folder of the tool.
+# - Every source of the library belongs to a layer.
+# - README.md and docs/architecture.md list the same layers in the same order.
 #
 #   cmake -DSOURCE_DIR=... -DLAYERS=layers.txt -P check.cmake
 # LAYERS has a line "layer|file" for every file of the library, lowest layer first.
 
 set(problems "")
 
-# Sets a_result to the paths of our own files that a_file includes.
+# Sets a_result to the paths of the project's files that a_file includes.
 function(own_includes a_result a_file)
   get_filename_component(folder "${a_file}" DIRECTORY)
   file(STRINGS "${a_file}" lines REGEX "^#include \"")
@@ -25,8 +26,8 @@ function(own_includes a_result a_file)
   set(${a_result} "${files}" PARENT_SCOPE)
 endfunction()
 
-# Adds a problem for every include that runs against the order. A file's rank is
-# in the variable "rank_" with its path, the name of its layer in "layer_".
+# Adds a problem for every include of a file with a higher rank. The variable
+# "rank_<path>" contains the rank of a file, and "layer_<path>" the name of its layer.
 function(check_order)
   foreach(file IN LISTS ARGN)
     own_includes(included "${file}")
@@ -39,7 +40,7 @@ function(check_order)
   set(problems "${problems}" PARENT_SCOPE)
 endfunction()
 
-# The library, by its layers
+# The files of the library, ranked by layer
 file(STRINGS "${LAYERS}" entries)
 set(layers "")
 set(files "")
@@ -66,7 +67,8 @@ endforeach()
 list(FILTER files INCLUDE REGEX "\\.(cpp|h)$")
 check_order(${files})
 
-# Private rooms: io/ knows no XML, xml/ knows no scenario.
+# Two folders have stricter rules. Files of io/ and xml/ include no file of a layer that
+# handles scenarios or deployments. Files of io/ include no file of xml/ either.
 foreach(file IN LISTS files)
   if(NOT file MATCHES "/simulationdata/(io|xml)/")
     continue()
@@ -80,7 +82,7 @@ foreach(file IN LISTS files)
   endforeach()
 endforeach()
 
-# The tool, by its folders
+# The files of the tool, ranked by folder
 set(files "")
 set(rank 100) # above every layer of the library
 foreach(room console describe programs commands)
@@ -95,7 +97,8 @@ foreach(room console describe programs commands)
 endforeach()
 check_order(${files})
 
-# What the documents list: the first column of the table that begins with "layer".
+# Compares the layers with those that the documents list. A document lists them in the
+# first column of the table whose header begins with "layer".
 foreach(document README.md docs/architecture.md)
   file(STRINGS "${SOURCE_DIR}/${document}" lines)
   set(listed "")

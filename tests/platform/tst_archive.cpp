@@ -13,7 +13,7 @@ namespace {
 
 constexpr zip_uint32_t s_uiFileMode = 0100644;
 
-/// Offsets in a zip file's end record, and in an entry of its directory.
+/// Byte offsets in the end record of a zip file, and in an entry of its directory.
 constexpr qsizetype s_iEndEntries = 10;
 constexpr qsizetype s_iEntryMethod = 10;
 constexpr qsizetype s_iEntrySize = 24;
@@ -73,7 +73,7 @@ QByteArray patched(QByteArray a_bytes, qsizetype a_iOffset, const QByteArray& a_
     return a_bytes.replace(a_iOffset, a_patch.size(), a_patch);
 }
 
-/// The relative paths of everything below a folder except folders, sorted.
+/// Returns the sorted relative paths of all entries below a folder, except folders.
 QStringList filesBelow(const QString& a_sFolder)
 {
     QStringList files;
@@ -196,8 +196,8 @@ void TestArchive::refusedEntries()
                              {QStringLiteral("device"), QByteArray(), 0020644},
                              {QStringLiteral("pipe"), QByteArray(), 0010644},
                              {QStringLiteral("encrypted"), QByteArray("evil"), s_uiFileMode, true}};
-    // The test replaces the hash signs in the finished archive. The zip library writes
-    // neither a NUL in a name nor the same name twice.
+    // The zip library writes neither a NUL in a name nor the same name twice. Two names
+    // therefore contain a hash sign, which the test replaces in the finished archive.
     for (const char* szName : {"../evil", "a/../../evil", "a/..", "../evil/", "/tmp/evil", "C:evil",
                                "..\\evil", "ev#il", "ev\nil", "./good", "a//evil", "goo#"}) {
         entries.append({QLatin1String(szName), QByteArray("evil")});
@@ -299,7 +299,8 @@ void TestArchive::boundedBytes()
     QVERIFY(archive.open(KPZip::Archive::ModeRead));
     QVERIFY(!archive.extractToFolder(QString(), target()));
     QCOMPARE(filesBelow(target()), (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
-    // The bound counts the bytes of all extractions until the archive is closed.
+    // The limit of 2500000 bytes applies to all extractions together until the archive
+    // is closed.
     QVERIFY(!archive.extractToFile(QStringLiteral("1"), path("again")));
     QVERIFY(!QFile::exists(path("again")));
     QVERIFY(archive.open(KPZip::Archive::ModeRead));

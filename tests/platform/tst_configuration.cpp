@@ -91,7 +91,7 @@ void TestConfiguration::texts_data()
     QTest::newRow("doubled server path") << QByteArray("Key=\\\\\\\\server\\\\new") << u8("\\\\server\\new");
     QTest::newRow("last backslash") << QByteArray("Key=a\\") << u8("a\\");
     QTest::newRow("two at signs, as QSettings writes one") << QByteArray("Key=@@home") << u8("@home");
-    // Would take 64 GiB if QSettings decoded it.
+    // QSettings would need 64 GiB of memory to decode this value.
     const char* const szList = "@Variant(\\0\\0\\0\\t\\xff\\xff\\xff\\xfe)";
     const QString sList = u8("@Variant(") + QString(3, QChar(0)) + u8("\t\xC3\xBF\xC3\xBF\xC3\xBF\xC3\xBE)");
     QTest::newRow("huge object") << QByteArray("Key=") + szList << sList;
@@ -188,8 +188,8 @@ void TestConfiguration::changedFile()
     save("[Ports]\nServer=1\n");
     ICfg* pFirst = create();
     ICfg* pFirstPorts = pFirst->openGroup(u8("Ports"));
-    // Changed at once and of the same size: neither the time nor the size of the file
-    // shows the change.
+    // The file changes at once and keeps its size. Neither its time nor its size shows
+    // the change.
     save("[Ports]\nServer=2\n");
     ICfg* pSecond = create();
     QCOMPARE(pSecond->openGroup(u8("Ports"))->readUnsigned(u8("Server"), 0), 2U);

@@ -13,7 +13,7 @@ constexpr int s_iUtm = Coord::s_iFormatUtm;
 constexpr int s_iMgrs = Coord::s_iFormatMgrs;
 constexpr int s_iLocator = Coord::s_iFormatMaidenhead;
 
-// Tolerances in degrees: half a cell of each form, and rounding.
+// Tolerances (degrees): half a cell of the text's grid, plus rounding.
 constexpr double s_dMetre = 1.5e-5;
 constexpr double s_dDecimetre = 1.5e-6;
 constexpr double s_dLocator = 1.0 / 24.0 + 1e-9;
@@ -95,7 +95,7 @@ void TestCoord::readsBack()
     }
 }
 
-/// Near the edge of a band, both grid forms give the same band.
+/// Near the edge of a band, the UTM and MGRS texts have the same band letter.
 void TestCoord::bandEdges()
 {
     for (int iEdge = -72; iEdge <= 72; iEdge += 8) {
@@ -132,7 +132,8 @@ void TestCoord::reads_data()
                                "32U -691608 5334757", "32U 0691608 53347571"}) {
         QTest::newRow(szText) << s_iUtm << false << 0.0 << 0.0;
     }
-    // The texts have a square of another zone, a polar position and too few digits.
+    // The first text has a square of another zone, the second a polar position, and the
+    // third too few digits.
     for (const char* szText : {"32U-AA-916083-347572", "00U-12-916083-347572", "32U-PU-91608-34757"}) {
         QTest::newRow(szText) << s_iMgrs << false << 0.0 << 0.0;
     }
@@ -141,7 +142,7 @@ void TestCoord::reads_data()
     }
 }
 
-/// The name of the row is the text. An invalid text leaves (0, 0).
+/// The name of the row is the text to read. An invalid text sets the position to (0, 0).
 void TestCoord::reads()
 {
     QFETCH(int, format);

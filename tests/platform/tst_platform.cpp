@@ -82,8 +82,8 @@ void TestPlatform::azimuth()
     QVERIFY2(std::fabs(dAzimuth - expected) <= s_dAngleTolerance, qPrintable(QString::number(dAzimuth)));
 }
 
-/// The test line of the Australian geodetic manual, Flinders Peak to Buninyong.
-/// Its ellipsoid differs from WGS 84 by 0.1 mm in the smaller axis.
+/// The test line of the Australian geodetic manual, Flinders Peak to Buninyong. The
+/// minor axis of the manual's ellipsoid differs from that of WGS 84 by 0.1 mm.
 void TestPlatform::publishedLine()
 {
     using Geodesy::decimalDegrees;

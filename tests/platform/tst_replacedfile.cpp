@@ -99,7 +99,8 @@ void TestReplacedFile::refusals()
     QVERIFY(!file.write("x") && !file.commit());
 }
 
-/// Small pieces are buffered. Large pieces keep their place in the order.
+/// Small pieces are buffered, large pieces are not. The file contains all pieces in the
+/// order in which they were written.
 void TestReplacedFile::piecesInOrder()
 {
     const QTemporaryDir folder;

@@ -40,7 +40,7 @@ inline void expectTrace(const QString& a_sPattern)
 }
 
 /// Opens a valid file. Then makes its contents invalid and opens the same object again.
-/// Then open() fails, the object is closed, and the error text contains the reason.
+/// Checks that open() fails, the object is closed, and the error text contains the reason.
 template<typename File>
 void refuse(const QString& a_sPath, const QByteArray& a_good, const QByteArray& a_bad,
             const QString& a_sReason)

@@ -13,7 +13,7 @@ using namespace Simulation;
 
 namespace {
 
-/// Returns the unformatted XML of an element "a". The operation writes its content.
+/// Returns the unformatted XML of an element "a". a_write writes the element's content.
 template<typename Write>
 QString written(const Write& a_write)
 {

@@ -71,7 +71,7 @@ void TestDefaultData::initTestCase()
     QVERIFY(archive.extractToFolder(QString(), m_folder.path()));
 }
 
-/// The generator writes the same bytes as the library's archives. The time zone, the
+/// The generator writes the archives of the library byte for byte. The time zone, the
 /// file mask and the time of the run have no effect.
 void TestDefaultData::sameBytesEverywhere()
 {

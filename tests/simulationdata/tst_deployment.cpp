@@ -32,7 +32,7 @@ DevicePtr fullDevice()
     return device;
 }
 
-/// The values of a device that a document saves, and its state.
+/// Returns the values of a device that a document saves, followed by the device's state.
 QByteArray valuesOf(const DevicePtr& a_device)
 {
     DeploymentDataXml document;

@@ -380,7 +380,8 @@ void TestDeploymentDataXml::tooMany()
     Limits::setValue(Limits::DeploymentObjects, 0);
 }
 
-/// The objects live until the last copy of the document is destroyed, in any order.
+/// The objects live until the last copy of the document is destroyed. The copies may be
+/// destroyed in any order.
 void TestDeploymentDataXml::copiesShareObjects()
 {
     auto first = std::make_unique<DeploymentDataXml>(circles());

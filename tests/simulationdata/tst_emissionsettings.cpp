@@ -182,7 +182,7 @@ void TestEmissionSettings::order()
     settings.addEmissions({old, late, late}); // "late" is added twice
     settings.addEmission(fresh);
     QCOMPARE(settings.emissions(), (QList{fresh, old, late, late}));
-    QCOMPARE(settings.emissionAt(120), old); // of equal starts, the last emission counts
+    QCOMPARE(settings.emissionAt(120), old); // of emissions with equal starts, the last one
     late->start = 100;
     settings.updateEmission(settings.emissions().constLast());
     QCOMPARE(settings.emissions(), (QList{late, fresh, old}));
@@ -264,7 +264,7 @@ void TestEmissionSettings::removingGroups()
     QVERIFY(self->groups.isEmpty()); // otherwise the group would hold itself and leak
 }
 
-/// Groups that hold each other are freed only with the last settings that contain them.
+/// Groups that hold each other are freed when no settings contain them any more.
 void TestEmissionSettings::circles()
 {
     const GroupPtr outside = group({emission(0, 1)});

@@ -10,7 +10,7 @@
 
 using namespace Simulation;
 
-// Positions are passed as either type.
+// Positions of one type are passed as the other type, so both need the same layout.
 static_assert(sizeof(TPos) == sizeof(Units::Position_t));
 static_assert(offsetof(TPos, latitude) == offsetof(Units::Position_t, latitude));
 
@@ -27,7 +27,8 @@ private Q_SLOTS:
     void geodesics();
 };
 
-/// Every value and one beyond either end; the stored numbers are part of the check.
+/// Checks every value, and one number beyond each end. The check includes the numbers of
+/// the values, because documents store these numbers.
 void TestEnumerations::texts()
 {
     QString sTexts;
@@ -70,7 +71,7 @@ void TestEnumerations::frequencies()
     QVERIFY(!compareFrequency(s_fNan, s_fNan));
 }
 
-/// Longitude and latitude must not be swapped on the way to the geodesy library.
+/// Longitude and latitude must not be swapped when they are passed to the geodesy library.
 void TestEnumerations::geodesics()
 {
     constexpr double dTolerance = 1e-6;              // degrees or kilometres

@@ -78,8 +78,8 @@ SlowHopper slowHopper(const QList<FrequencyStep>& a_steps,
     return hopper;
 }
 
-/// A slow hopper that visits each step of its table in turn: slow, but easy to
-/// verify.
+/// A reference model of the slow hopper. The model visits each step of its table in
+/// turn. This takes long, but is easy to verify.
 struct WalkedTable
 {
     QList<FrequencyStep> steps;
@@ -504,8 +504,8 @@ void TestFrequencySettings::slowHopperMatchesWalk()
                      walked.end != EndBehaviourType::Inactive || uiStart <= uiSum);
             QCOMPARE(text(hopper.calculateHRActivities(uiStart, uiLength, 1.0)),
                      text(walked.activities(uiStart, uiLength)));
-            // These operations keep the length as computed before. It then no longer
-            // fits the steps.
+            // These operations keep the computed length, which then differs from the
+            // sum of the steps.
             if (below(random, 2) == 0) {
                 const auto iRow =
                     static_cast<int>(below(random, static_cast<unsigned int>(walked.steps.size())));

@@ -103,8 +103,8 @@ void TestPDWFile::blocks()
     QVERIFY(TraceCollector::lines().isEmpty());
 }
 
-/// Without records, each call of write() writes one header. Closing the file writes one
-/// more.
+/// Without records, each call of write() writes one header. Closing the file writes
+/// another header.
 void TestPDWFile::emptyBlocks()
 {
     for (const bool bHeaders : {true, false}) {
@@ -191,7 +191,7 @@ void TestPDWFile::refused()
     QCOMPARE(content(), before);
 }
 
-/// A file that can be opened, but whose beginning cannot be read.
+/// The file can be opened, but its beginning cannot be read.
 void TestPDWFile::unreadable()
 {
     PDWFile file(QStringLiteral("/proc/self/mem"), false, false);

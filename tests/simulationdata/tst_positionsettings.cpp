@@ -23,7 +23,7 @@ constexpr double s_dNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double s_dInfinity = std::numeric_limits<double>::infinity();
 constexpr double s_dAngleTolerance = 1e-9; ///< degrees
 
-/// One degree along the equator, km: the ellipsoid's 6378.137 km times pi / 180.
+/// One degree along the equator (km): the ellipsoid's radius of 6378.137 km times pi / 180.
 constexpr double s_dEquatorDegree = 6378.137 * 3.14159265358979323846 / 180.0;
 constexpr double s_dMillisecondsPerHour = 3'600'000.0;
 
@@ -58,7 +58,8 @@ bool isNear(const TPos& a_first, const TPos& a_second)
            std::fabs(a_first.latitude - a_second.latitude) < s_dAngleTolerance;
 }
 
-/// The points as text: position, times, "M" for a way point, name, dwell and speed.
+/// The points as text: position, transition time, "M" for a way point, name, dwell time
+/// and speed. Without a_bAll, the latitude and the transition time are left out.
 QString text(const Ptp& a_settings, bool a_bAll = true)
 {
     QStringList points;
@@ -80,7 +81,8 @@ struct Whereabouts
     double speed = 0.0;
 };
 
-/// Walks the time line point by point: slow, but easy to verify.
+/// Computes the result by visiting the points in turn. This takes long, but is easy to
+/// verify.
 Whereabouts walked(const Ptp& a_settings, std::uint64_t a_uiTime)
 {
     const Path& path = a_settings.getMovments();
@@ -193,7 +195,7 @@ void TestPositionSettings::timeLine()
     QVERIFY(isNear(settings.getPositionAt(901'000), {0.25, 0.0}));
     QVERIFY(isNear(settings.getPositionAt(3'601'000), {1.0, 0.0}));
     QCOMPARE(settings.headingAt(3'600'999), 90.0);
-    QCOMPARE(settings.headingAt(3'601'000), 270.0); // dwells and already heads back
+    QCOMPARE(settings.headingAt(3'601'000), 270.0); // dwells, with the heading of the next leg
     QCOMPARE(float(settings.speedAt(3'601'000)), float(s_dEquatorDegree));
     QVERIFY(isNear(settings.getPositionAt(5'403'000U + 901'000U), {0.25, 0.0}));
     QCOMPARE(settings.activeUntil(), s_uiMax);
@@ -398,13 +400,13 @@ void TestPositionSettings::arrivalAndDeparture()
     QCOMPARE(settings.getPoint(1).dwellTime, 500U);
     QCOMPARE(settings.getArivalTime(2), uiFirst + 500 + uiDegree / 2);
     settings.setDepartureTime(1, uiFirst - 1);
-    QCOMPARE(settings.getPoint(1).dwellTime, s_uiMax); // wraps round
+    QCOMPARE(settings.getPoint(1).dwellTime, s_uiMax); // -1 ms wraps round
     settings.setDepartureTime(1, uiFirst);
 
     settings.setArivalTime(1, 1000 + 3'600'000); // one degree in one hour
     QCOMPARE(settings.getPoint(1).speed, double(float(s_dEquatorDegree)));
-    // The path from the former way point is two degrees long. The hour counts from the
-    // intermediate point.
+    // The path from the previous way point is two degrees long. The hour begins at the
+    // departure from the intermediate point.
     settings.setArivalTime(3, settings.getDepartureTime(2)); // arrives at once
     QCOMPARE(settings.getArivalTime(3), settings.getDepartureTime(2));
     settings.setArivalTime(3, settings.getDepartureTime(2) + 3'600'000);
@@ -432,8 +434,8 @@ void TestPositionSettings::arc()
         const TPos start = settings.getPoint(arc.row).position;
         settings.insertArcAfter(arc.row, arc.count, arc.angle, 1000.0);
         QCOMPARE(settings.getMovments().size(), 3 + arc.count);
-        // The arc begins at the point of the row, in the direction of the path. The
-        // direction deviates only by the convergence of the meridians over the radius.
+        // The arc begins at the point of the row, in the direction of the path. Only the
+        // convergence of the meridians within the arc's radius changes this direction.
         QVERIFY(distance(settings.getPoint(arc.row + 1).position, start) < 1e-5);
         const TPos last = settings.getPoint(arc.row + arc.count).position;
         QVERIFY(std::fabs((last.longitude - start.longitude) * s_dEquatorDegree * 1000.0 - arc.east) < 0.1);

@@ -25,7 +25,7 @@ using ObjectSet = QSet<std::shared_ptr<ScenarioObject>>;
 
 namespace {
 
-/// A provider that knows the given ids and counts the queries for each id.
+/// A provider that has the packages with the given ids and counts the queries for each id.
 class Packages : public UnresolvedSignalPackageProvider
 {
 public:
@@ -154,9 +154,9 @@ void TestScenarioChecker::packages()
     QCOMPARE(checker.findings().size(), after == ids ? texts.size() : 0);
 }
 
-/// Objects that break every rule. Among them are network members, emitters linked in a
-/// circle, and an emission shared by two networks of the same id and name. Every run
-/// lists the same findings, whatever the order of the set.
+/// The scenario has objects that break every rule. Among them are network members,
+/// emitters linked in a circle, and an emission shared by two networks of the same id and
+/// name. Every run lists the same findings, whatever the order of the set.
 void TestScenarioChecker::objects()
 {
     const QStringList expected{u"a A invalid-signal-package: 1 emission"_s,

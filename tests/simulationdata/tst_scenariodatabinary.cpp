@@ -29,7 +29,8 @@ QByteArray number(quint32 a_uiValue)
     return bytes;
 }
 
-/// An ASCII text as the stream holds it: its size (bytes) and UTF-16, big-endian.
+/// An ASCII text as it is stored in the stream: first the size (bytes), then the text in
+/// UTF-16, both big-endian.
 QByteArray text(const QByteArray& a_text)
 {
     QByteArray bytes = number(static_cast<quint32>(2 * a_text.size()));

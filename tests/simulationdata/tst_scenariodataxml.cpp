@@ -30,7 +30,8 @@ QByteArray scenario(const QByteArray& a_children, const QByteArray& a_attributes
     return "<Scenario " + a_attributes + ">" + a_children + "</Scenario>";
 }
 
-/// The object with this id and class; null for none or more than one.
+/// Returns the object with this id and class. Returns null if there is no such object or
+/// more than one.
 template<typename Object>
 std::shared_ptr<Object> find(const ObjectSet& a_objects, const char* a_szId)
 {
@@ -98,7 +99,7 @@ addEmission(EmissionSettings* a_pSettings, std::uint32_t a_uiId, std::int64_t a_
 
 } // namespace
 
-/// Reading and writing of every element of a scenario document.
+/// Tests the reading and writing of every element of a scenario document.
 class TestScenarioDataXml : public QObject
 {
     Q_OBJECT
@@ -601,7 +602,7 @@ void TestScenarioDataXml::texts()
             texts << elint->getClass() << elint->getEDWFile()
                   << elint->getTranmitterSettings()->getAntennaType()
                   << dynamic_cast<PositionSettingsPtp*>(elint->positionSettings())->getPoint(1).name
-                  << elint->emissionSettings()->groups().constFirst()->name // in the schedule of the network
+                  << elint->emissionSettings()->groups().constFirst()->name // the network's schedule
                   << elint->signalPackageAt(1)->id();
         }
     }

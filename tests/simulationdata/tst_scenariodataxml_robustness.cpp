@@ -91,7 +91,7 @@ QByteArray repeated(const QByteArray& a_text, int a_iCount)
 
 } // namespace
 
-/// Refused, broken and hostile documents, files, and the lifetime of the objects.
+/// Tests refused, broken and hostile documents, files, and the lifetime of the objects.
 class TestScenarioDataXmlRobustness : public QObject
 {
     Q_OBJECT
@@ -715,7 +715,7 @@ void TestScenarioDataXmlRobustness::tooLargeToSave()
 
 void TestScenarioDataXmlRobustness::sharedIds_data()
 {
-    QTest::addColumn<QString>("objects"); // for each object, a letter for its class and its id
+    QTest::addColumn<QString>("objects"); // for each object, the letter of its class, then its id
     QTest::addColumn<QString>("expected");
     QTest::addColumn<int>("readBack"); // number of objects
 

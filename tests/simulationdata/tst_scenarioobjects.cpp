@@ -38,14 +38,14 @@ void send(EmissionSettings* a_pSchedule, const EmitterPtr& a_emitter, std::int64
     a_pSchedule->addEmission(emission);
 }
 
-/// Links on both sides, as a document does.
+/// Links an emitter to its target on both sides, as a document does.
 void link(const EmitterPtr& a_emitter, const EmitterPtr& a_target)
 {
     a_emitter->setLinkTargetEmitter(a_target);
     a_target->addLinkedEmitter(a_emitter);
 }
 
-/// A frequency that ends with its only step, of 1000 ms.
+/// Frequency settings that end after their only step of 1000 ms.
 IFrequencySettings* endingFrequency()
 {
     auto* pSettings = new FrequencySettings_SlowHopper;
@@ -127,7 +127,7 @@ private Q_SLOTS:
     void burstsInNetwork();
 };
 
-/// A double deletion or a leak shows under the sanitizers.
+/// The sanitizers report a double deletion or a leak.
 void TestScenarioObjects::withoutSettings()
 {
     const EmitterPtr bare = emitter(QStringLiteral("bare"));
@@ -179,8 +179,8 @@ void TestScenarioObjects::copies()
     const auto elint = std::make_shared<ElintScenarioEmitter>(QStringLiteral("x"), QString());
     elint->SetEDWFile(QStringLiteral("edw"));
     elint->copy(source);
-    // The constructor uses its own id and name. It copies the visibility, but not the
-    // active flag.
+    // The constructor uses the id and name that it is given. It copies the visibility of
+    // the source, but not the active flag.
     const SzenarioEmitter constructed(QStringLiteral("c"), QStringLiteral("C"), source);
     QVERIFY(constructed.isVisibleOnMap() && constructed.isVisibleOnTimeline());
     QVERIFY(!clone->isVisibleOnMap() && !clone->isVisibleOnTimeline());
@@ -215,7 +215,7 @@ void TestScenarioObjects::copyBesides()
     network->addEmitter(target);
     network->copy(target);
     QVERIFY(network->id() == u"target" && network->containsEmitter(target));
-    // After a follower has copied its link target, it does not hold itself.
+    // A follower that has copied its link target does not hold itself.
     source->copy(target);
     QVERIFY(source->linkedEmitter().isEmpty());
     source->copy(source);
@@ -261,9 +261,9 @@ void TestScenarioObjects::networkCopies()
     QCOMPARE(ScenarioNetwork(QStringLiteral("other"), source).emitterList(), (QList{second, first}));
 }
 
-/// A clone shares the groups of its source. When one of them loses a member whose
-/// emissions are in these groups, it gets its own groups. The other one keeps the
-/// shared groups unchanged.
+/// A cloned network shares the groups of its source. When one of the two networks loses
+/// a member whose emissions are in these groups, that network gets its own groups. The
+/// other network keeps the shared groups unchanged.
 void TestScenarioObjects::clonedGroups()
 {
     for (const bool bFromClone : {true, false}) {
@@ -310,7 +310,7 @@ void TestScenarioObjects::clonedGroups()
         QVERIFY(loser->removeEmitter(stays) && keeper->removeEmitter(stays));
         QVERIFY(left[0]->emissions.isEmpty() && inner->emissions.size() == 1);
         // A destroyed schedule frees a circle of groups only if no other object holds
-        // it. This function holds it.
+        // the circle. This function holds the circle and must break it.
         outer->groups.clear();
     }
 }
@@ -538,7 +538,8 @@ void TestScenarioObjects::burstWindows_data()
     QTest::addColumn<unsigned int>("start");
     QTest::addColumn<unsigned int>("end");
     QTest::addColumn<QString>("expected");
-    // On-times 100+300 and 1000+500; frequency steps of 250, 0 and 250 ms.
+    // The emissions are 100+300 and 1000+500 (start + duration, ms). The frequency steps
+    // take 250, 0 and 250 ms.
     QTest::newRow("all") << 0U << 2000U << QStringLiteral("100+150@10 250+150@30 1000+250@10 1250+250@30");
     QTest::newRow("cut in front and behind")
         << 200U << 1100U << QStringLiteral("200+50@10 250+150@30 1000+100@10");

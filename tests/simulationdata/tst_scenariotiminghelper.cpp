@@ -54,14 +54,14 @@ void TestScenarioTimingHelper::lifecycle()
 void TestScenarioTimingHelper::arithmetic()
 {
     ScenarioTimingHelper timing;
-    timing.startScenarioTime(s_uiStart, 0xFFFF'FFFFU); // beyond 2^32 us
+    timing.startScenarioTime(s_uiStart, 0xFFFF'FFFFU); // the offset (ms) exceeds 2^32 us
     setNow(s_uiStart + 100);
     QCOMPARE(timing.scenarioTime(), 0xFFFF'FFFFU);
     setNow(s_uiStart + 2000);
     QCOMPARE(timing.scenarioTime(), 1U);
 
-    // The time spans the end of a millisecond. Only one of the two functions truncates
-    // both timestamps to milliseconds.
+    // The time spans the end of a millisecond. Unlike scenarioTime(),
+    // calculateCurrentScenarioTime() truncates both timestamps to milliseconds.
     timing.startScenarioTime(s_uiStart, 0);
     setNow(s_uiStart + 100);
     QCOMPARE(timing.scenarioTime(), 0U);

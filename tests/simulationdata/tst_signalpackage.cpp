@@ -155,8 +155,8 @@ void TestSignalPackage::writesDescriptor()
     QCOMPARE(SignalPackageFile::writeSignalPackageDescriptor(read), s_descriptor);
 }
 
-/// Descriptors of other programs have additional blocks. Their elements may have the
-/// same names as known elements.
+/// Descriptors of other programs have additional blocks. The elements in these blocks may
+/// have the same names as known elements.
 void TestSignalPackage::readsForeignDescriptor()
 {
     const SignalPackage package = SignalPackageFile::signalPackage(

@@ -101,9 +101,9 @@ private:
     QTemporaryDir m_dir;
 };
 
-/// Starts this program as another process that fills the cache folder. Its files may
-/// have at most a_iMaxBytes (0 = without limit). A larger file kills the process during
-/// a write. With a_bSurvive the write fails as on a full disk instead. The process
+/// Starts this program as another process that fills the cache folder. A file of that
+/// process may have at most a_iMaxBytes (0 = without limit). A write beyond the limit kills
+/// the process. With a_bSurvive the write fails as on a full disk instead. The process
 /// prints the number of packages that it could not copy, and the first reason.
 std::unique_ptr<QProcess> startFilling(const Folders& a_folders, qint64 a_iMaxBytes, bool a_bSurvive)
 {
@@ -282,8 +282,8 @@ void TestSignalPackageCache::supersededIds()
     }
 }
 
-// A package can take neither the id of a newer package nor the file names of the
-// default package.
+// A package replaces neither a newer package by claiming its id nor the default package
+// by using its file names.
 void TestSignalPackageCache::usurpers()
 {
     const Folders folders;
@@ -463,7 +463,7 @@ void TestSignalPackageCache::checkedScenario()
     QVERIFY(checker.findings().isEmpty());
 }
 
-/// The data files of a package are found although its descriptor holds only the id.
+/// The data files of a package are found although its descriptor contains only the id.
 void TestSignalPackageCache::checkedPlainPackage()
 {
     const Folders folders;
@@ -488,7 +488,7 @@ void TestSignalPackageCache::builtInGivesWay_data()
     QTest::addColumn<QString>("own"); // id of the user's package
     QTest::addColumn<quint32>("timestamp");
 
-    QTest::addColumn<bool>("later"); // whether the user adds it after the first update
+    QTest::addColumn<bool>("later"); // whether the user's package is added after the first update
 
     const QString sGauss = u8("9a567123-d88f-4177-9b57-b02c1ec104f7");
     for (const bool bLater : {false, true}) {
@@ -505,8 +505,8 @@ void TestSignalPackageCache::builtInGivesWay_data()
 }
 
 /// A user's package takes precedence over a built-in package. It also takes precedence
-/// over the copy of the built-in package in the repository. Both also apply in later
-/// runs.
+/// over the copy of the built-in package in the repository. Both rules also apply in
+/// later runs.
 void TestSignalPackageCache::builtInGivesWay()
 {
     QFETCH(QString, id);
@@ -536,8 +536,8 @@ void TestSignalPackageCache::builtInGivesWay()
             QCOMPARE(contents(folders.cached(qPrintable(own + u8(".ssf")))), QByteArray("mine"));
             QVERIFY(!package->hasAudioContent());                 // unlike the built-in package
             QVERIFY(!pCache->signalShapeFile(package)->isOpen()); // "mine" is not a valid shape file
-            // For an unknown id the cache returns the default package. This is the
-            // user's package if it has the default id.
+            // For an unknown id the cache returns the default package. If the user's
+            // package has the default id, the user's package is returned.
             const auto fallback = pCache->signalPackage(u8("unknown"));
             QCOMPARE(fallback, pCache->defaultSignalPackage());
             QCOMPARE(fallback->id(), s_sDefaultId);
@@ -563,7 +563,7 @@ void TestSignalPackageCache::builtInThatCannotGiveWay()
     cache.updateCache(folders.repository(), false);
     folders.addPackage("mine", s_sDefaultId, {}, "mine", 1, 10'000);
     write(folders.repository() + u8("/mine/Signal.sdf"), "mine");
-    // A folder cannot be removed as a file.
+    // A folder in place of the file prevents the removal.
     const QString sFile = folders.cache() + u'/' + s_sDefaultId;
     QVERIFY(QDir().mkdir(sFile + u8(".rdf")));
     cache.updateCache(folders.repository(), false);
@@ -698,7 +698,7 @@ void TestSignalPackageCache::cannotClear()
     SignalPackageCache cache(folders.cache(), {});
     QVERIFY(cache.prepareCacheForUse());
     cache.updateCache(folders.repository(), false);
-    // A folder cannot be removed as a file.
+    // A folder in place of the file prevents the removal.
     QVERIFY(QDir().mkdir(folders.cached("p.wav")));
     cache.clearCache();
     QVERIFY(cache.validSignalPackageId(u8("p")));
@@ -791,7 +791,8 @@ void TestSignalPackageCache::interruptedCopy()
     QCOMPARE(left.size(), 1);
     QVERIFY(!QFile::exists(folders.cached("p.ssf")));
 
-    // A temporary file of a running process, and a file with a similar name.
+    // Neither a temporary file of a running process nor a file with a similar name is
+    // removed.
     const QString sRunning = QFileInfo(temporaryName(folders.cached("p.ssf"))).fileName();
     QStringList foreign{sRunning, u8("simulationdata.notes.tmp")};
     for (const QString& sName : foreign) {

@@ -53,9 +53,9 @@ struct Header
     }
 };
 
-/// A record with a number, counted from 1. Its first value and one level are the
-/// number, and the other level is the negative number. In records with an even number,
-/// the first level is positive.
+/// The record with the given number, counted from 1. The first value of the spectrum
+/// and one level equal the number. The other level equals the negative number. In records
+/// with an even number, the first level is positive.
 QByteArray record(quint64 a_uiNumber, quint32 a_uiPoints)
 {
     const auto fNumber = static_cast<float>(a_uiNumber);

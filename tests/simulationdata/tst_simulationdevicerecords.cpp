@@ -143,8 +143,8 @@ void TestSimulationDeviceRecords::messages_data()
     QTest::newRow("cut in a character") << sShorter + sWide << sShorter;
 }
 
-/// The message is written after the state and is cut at its maximum length. The next
-/// record without a message resets it.
+/// The message is written after the state and is cut at its maximum length. Reading a
+/// record without a message removes the former message.
 void TestSimulationDeviceRecords::messages()
 {
     QFETCH(const QString, text);

@@ -122,7 +122,7 @@ private:
     std::vector<std::unique_ptr<QSignalSpy>> m_spies;
 };
 
-/// Two connected sockets: the near one has a communication, the far one sends and
+/// Two connected sockets. The near socket has a communication. The far socket sends and
 /// receives bytes.
 struct Wire
 {
@@ -298,7 +298,8 @@ void TestSimulationServiceCommunication::commands_data()
         &Peer::sendCommandRequestSimulationDevices);
 }
 
-/// A command is sent as exactly these bytes, and the same bytes emit its signal.
+/// A command is sent as exactly the bytes of its row. When the same bytes are received,
+/// the signal of the command is emitted.
 void TestSimulationServiceCommunication::commands()
 {
     QFETCH(Send, send);
@@ -322,7 +323,7 @@ void TestSimulationServiceCommunication::commands()
 void TestSimulationServiceCommunication::refused_data()
 {
     QTest::addColumn<QByteArray>("document");
-    QTest::addColumn<QString>("trace"); // progress for a command, an error for another root element
+    QTest::addColumn<QString>("trace"); // a progress trace; an error trace for another root
 
     const auto incomplete = [](const QByteArray& a_command, const char* a_szTag) {
         QTest::newRow(a_command.constData())
@@ -470,8 +471,8 @@ void TestSimulationServiceCommunication::unfinishedBytes()
     QCOMPARE(wire.communication->unfinishedBytes(), 0);
 }
 
-/// Characters that XML forbids are removed. Otherwise the peer could not read any
-/// further.
+/// Characters that XML forbids are removed. Otherwise the peer could not read the rest of
+/// the stream.
 void TestSimulationServiceCommunication::cleanedTexts()
 {
     const TraceCollector traces;
@@ -525,7 +526,8 @@ void TestSimulationServiceCommunication::replacedSocket()
 
     wire.sendBytes("<Command><Load");
     QTest::qWait(s_iQuietTime);
-    // setSocket() resets a socket even if it is already the one that is read.
+    // Commands are received over both sockets. Setting a socket again discards its
+    // unfinished command.
     wire.communication->setSocket(wire.near.get());
     wire.sendBytes(bare("StopScenario"));
     QTRY_COMPARE(log.entries().size(), 3);
@@ -610,8 +612,8 @@ void TestSimulationServiceCommunication::tooLarge()
     wire.reconnect();
     QVERIFY(!wire.communication->hasLostCommands());
 
-    // A command that a slot of connected() loses counts for the new connection. This
-    // also applies if the slot is called before that of the communication.
+    // A command that is lost in a slot of connected() counts for the new connection. This
+    // also applies if the slot is called before the communication's own slot.
     wire.communication->setSocket(nullptr);
     connect(wire.near.get(), &QTcpSocket::connected, wire.communication.get(),
             [&wire] { wire.communication->sendLoadScenario(QByteArray(200, 'x')); });
@@ -650,8 +652,9 @@ void TestSimulationServiceCommunication::encoded()
     QVERIFY(wire.communication->hasLostCommands());
 }
 
-/// The handler is called once for each connection that breaks, after the commands
-/// before the error. It is not called after the owner has removed the socket.
+/// The handler is called once for each connection with an error in its stream. The
+/// commands before the error are delivered first. The handler is not called after the
+/// owner has removed the socket.
 void TestSimulationServiceCommunication::streamError()
 {
     Wire wire;

@@ -165,8 +165,8 @@ void TestSimulationsTableModel::nothingToShow()
     QVERIFY(!model.data(kept).isValid()); // its row does not exist any more
 }
 
-/// The colour for each state from -1 to 4. A peer may send all of these states. Not
-/// every state has a colour.
+/// Checks the colour for each state from -1 to 4. A peer may send all of these states.
+/// Not every state has a colour.
 void TestSimulationsTableModel::colors()
 {
     const QVariantList expected{

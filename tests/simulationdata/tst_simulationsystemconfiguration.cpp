@@ -58,7 +58,7 @@ void TestSimulationSystemConfiguration::load(const QByteArray& a_text)
 
 void TestSimulationSystemConfiguration::defaults()
 {
-    // First without a settings file, then with an empty one.
+    // The first pass has no settings file. The second pass has an empty settings file.
     for (int i = 0; i < 2; ++i) {
         QCOMPARE(m_configuration.simulationServerAddress(), u8("127.0.0.1"));
         QCOMPARE(m_configuration.simulationCacheDirectory(), QDir::tempPath());

@@ -10,7 +10,7 @@
 
 using namespace Simulation;
 
-/// Files that hold a stream of items of equal size at a constant rate.
+/// Tests the files that contain a stream of items of equal size at a constant rate.
 class TestStreamDataFiles : public QObject
 {
     Q_OBJECT
@@ -69,7 +69,8 @@ QByteArray symbolFile(float a_fRate, quint32 a_uiCount)
            QByteArray(reinterpret_cast<const char*>(all.data()), a_uiCount);
 }
 
-/// Returns results in the same way. The value of a result is its index.
+/// Returns results from an index on. The stream has a_uiStream results and repeats. The
+/// value of a result is its index.
 QByteArray resultsFrom(quint32 a_uiFirst, quint32 a_uiCount, quint32 a_uiStream)
 {
     QByteArray answer;
@@ -276,7 +277,7 @@ void TestStreamDataFiles::opensAgain()
 
     writeFile(m_sPath, symbolFile(500.0F, 20) + "+");
     QVERIFY(file.open());
-    QVERIFY(file.open()); // without closing it
+    QVERIFY(file.open()); // the file is still open
     QCOMPARE(file.symbolRate(), 500.0F);
     QCOMPARE(file.missingBytes(), -1);
     QCOMPARE(file.readSymbols(38, 4), symbolsFrom(19, 2, 20));

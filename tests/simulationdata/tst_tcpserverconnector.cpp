@@ -135,7 +135,7 @@ void TestTcpServerConnector::cycle()
                             traced("Disconneted from", uiPort)};
     QCOMPARE(TraceCollector::lines(), round + round + round.first(2));
 
-    road.connector.reset(); // without signal or trace
+    road.connector.reset(); // emits no signal and traces no line
     QCOMPARE(disconnected.count(), 2);
     QCOMPARE(TraceCollector::lines().size(), 8);
 }
@@ -210,8 +210,8 @@ void TestTcpServerConnector::hangingUp_data()
     QTest::newRow("the application connects in every slot") << true;
 }
 
-/// The pauses also grow while the server disconnects immediately. A connection that
-/// lasts long enough resets them.
+/// The pauses also grow if the server ends each connection immediately. A connection that
+/// lasts long enough resets the pauses.
 void TestTcpServerConnector::hangingUp()
 {
     QFETCH(const bool, asks);

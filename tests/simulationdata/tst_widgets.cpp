@@ -46,8 +46,8 @@ int tick(QObject& a_dialog, int a_iMost)
     return iTicks;
 }
 
-/// A dialog in memory of the test. The memory is overwritten when a slot destroys the
-/// dialog, so that a later access crashes.
+/// A dialog in memory that the test owns. The memory is overwritten when a slot destroys
+/// the dialog, so that a later access crashes.
 class MortalDialog
 {
 public:
@@ -100,7 +100,7 @@ void TestWidgets::led()
     led.deactivateLed();
     led.activeateLed();
     QVERIFY(led.isLedActive());
-    // Called by its name, as forms and scripts do.
+    // The slot is called by its name, as forms and scripts do.
     QVERIFY(QMetaObject::invokeMethod(&led, "setLedActive", Q_ARG(bool, false)));
     QVERIFY(!led.isLedActive());
 

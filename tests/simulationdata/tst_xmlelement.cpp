@@ -263,7 +263,7 @@ void TestXmlElement::sharesUtf8()
     QString sError;
     const QByteArray utf8 = toUtf8Xml(text, &sError);
     QCOMPARE(static_cast<const void*>(utf8.constData()), static_cast<const void*>(text.constData()));
-    // Cut inside a character, as on a full disk.
+    // The text ends inside a character, as after a write to a full disk.
     QCOMPARE(toUtf8Xml("<A>\xC3", &sError), QByteArray("<A>\xC3"));
     QCOMPARE(toUtf8Xml("<A>\xF0\x9D\x84", &sError), QByteArray("<A>\xF0\x9D\x84"));
     QCOMPARE(sError, QString());

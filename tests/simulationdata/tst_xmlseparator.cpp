@@ -389,8 +389,8 @@ void TestXmlSeparator::plainDocuments()
     QCOMPARE(outcome(stream + "<z/>", {}), outcome(stream + "<z/>", {iAfterFirst}));
 }
 
-/// isPlain() returns true only for a plain document, also if others are delivered
-/// during its delivery. It returns false for a copy of the bytes.
+/// isPlain() returns true only for a plain document, even if a slot causes the delivery
+/// of further documents. For a copy of the bytes, isPlain() returns false.
 void TestXmlSeparator::plainDeliveries()
 {
     for (const bool bNested : {false, true}) {
@@ -483,7 +483,7 @@ void TestXmlSeparator::errors()
     QFETCH(QByteArray, stream);
     QFETCH(QString, error);
     if (error.isEmpty()) {
-        // U+0001 replaces a NUL, because it is an error at every place.
+        // U+0001 replaces a NUL, because the reader refuses U+0001 at every place.
         QXmlStreamReader reader(QByteArray(stream).replace('\0', '\x01'));
         while (!reader.atEnd()) {
             reader.readNext();

@@ -10,7 +10,7 @@
 
 #include <csignal>
 
-/// The program as a process that runs during the test.
+/// The command-line tool as a process. The destructor ends the process.
 class Tool
 {
 public:
@@ -56,7 +56,7 @@ private:
     QString m_sText;
 };
 
-/// A service on a port chosen by the system or the test.
+/// The tool's service. The system chooses the port, unless the test gives one.
 class Service : public Tool
 {
 public:

@@ -6,7 +6,7 @@
 #include <QString>
 #include <QStringList>
 
-/// Functions that run the program and return its output.
+/// Functions that run the command-line tool and return its output.
 
 constexpr int s_iToolTimeout = 60'000; ///< ms; instrumented builds are slow
 
@@ -17,8 +17,8 @@ struct ToolResult
     QString err;
 };
 
-/// Runs the program with these bytes on standard input. The code is -1 after a crash
-/// or the timeout.
+/// Runs the command-line tool with a_input on standard input. The code is -1 after a
+/// crash or the timeout.
 inline ToolResult runTool(const QStringList& a_arguments, const QByteArray& a_input = {})
 {
     QProcess process;

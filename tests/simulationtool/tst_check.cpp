@@ -261,7 +261,7 @@ void TestCheck::deployment()
     };
     const QString sCode = findings.isEmpty() ? u"0"_s : u"1"_s;
     QCOMPARE(checked(root + content + "</SimulationDeployment>"), findings + QStringList{sCode});
-    // A document of a newer version that breaks off also has the same findings.
+    // A document of a newer version that breaks off has two findings more.
     const QStringList broken = checked(QByteArray(root).replace("'1'", "'2'") + content);
     QCOMPARE(broken.size(), findings.size() + 3);
     QVERIFY(broken.at(0).startsWith(u"broke off: line 1") && broken.at(0).endsWith(u"[broken-off]"));
@@ -422,7 +422,8 @@ void TestCheck::repair_data()
     QTest::newRow("a folder") << whole << nothing << u"r"_s << 2 << u"r: is a folder"_s;
 }
 
-/// The repair changes only the findings. Every other byte stays the same.
+/// The repair changes only the values to which the findings refer. Every other byte stays
+/// the same.
 void TestCheck::repair()
 {
     QFETCH(QByteArray, content);
@@ -442,7 +443,8 @@ void TestCheck::repair()
     QVERIFY(code == 2 || check({file, u"--repository"_s, u"r"_s}).code == 0);
 }
 
-/// The findings exceed a pipe's buffer, so the check waits for its reader.
+/// The findings exceed the buffer of the output pipe, so the check waits until the pipe
+/// is read.
 void TestCheck::cleansUp()
 {
     QVERIFY(write(u"a.sce"_s, document()));

@@ -110,7 +110,7 @@ void TestConvert::reportsLosses_data()
 {
     QTest::addColumn<QByteArray>("input");
     QTest::addColumn<QString>("message"); ///< part of the error text; if set the exit code is 1
-    QTest::addColumn<QString>("logged");  ///< lines
+    QTest::addColumn<QString>("logged");  ///< expected lines of the output
 
     const auto add = [](const char* a_szRow, const QByteArray& a_input, const char* a_szLogged,
                         const char* a_szMessage = "") {

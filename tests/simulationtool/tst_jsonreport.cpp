@@ -168,7 +168,7 @@ void TestJsonReport::sameCodes_data()
 {
     QTest::addColumn<QString>("command");
     QTest::addColumn<int>("code");
-    QTest::addColumn<bool>("reported"); ///< on standard output
+    QTest::addColumn<bool>("reported"); ///< whether standard output has a report
 
     QTest::newRow("broken off") << u"inspect @cut.sce"_s << 1 << true;
     QTest::newRow("refused") << u"inspect @b/Signal.ssf"_s << 2 << true;

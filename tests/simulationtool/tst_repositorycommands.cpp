@@ -35,7 +35,7 @@ QByteArray bytesOf(Number a_value)
     return bytes;
 }
 
-/// The bytes, overwritten from an offset on.
+/// Returns the bytes, overwritten with the patch from an offset on.
 QByteArray patched(QByteArray a_bytes, qsizetype a_iOffset, const QByteArray& a_patch)
 {
     return a_bytes.replace(a_iOffset, a_patch.size(), a_patch);
@@ -364,7 +364,7 @@ void TestRepositoryCommands::inspectArchive_data()
     QTest::newRow("name that leads out")
         << QByteArray(zip).replace("TuK-Default/.lock", "../-Default/.lock") << 2 << qsizetype{3}
         << "refused: 0 files not unpacked, 1 unsafe (--trace names them)";
-    // A byte in the middle of the first shape file.
+    // The patch changes three bytes in the middle of the first shape file.
     QTest::newRow("changed byte") << patched(zip, zip.indexOf("Default/Signal.ssf") + 2000, "\x5A\xA5\x5A")
                                   << 2 << qsizetype{3}
                                   << "refused: 1 file not unpacked, 0 unsafe (--trace names them)";
@@ -471,8 +471,8 @@ void TestRepositoryCommands::cacheThatCannotBeFilled_data()
         << "play" << 1'000 << 2 << "/.*: cannot be used as cache folder: Cannot copy .*: File too large\n";
 }
 
-/// The error text names the cause. The check writes no repaired file, which would lose
-/// the missing package.
+/// The error text names the cause. The check writes no repaired file, because that file
+/// would lose the missing package.
 void TestRepositoryCommands::cacheThatCannotBeFilled()
 {
     QFETCH(QString, command);
@@ -495,8 +495,8 @@ void TestRepositoryCommands::cacheThatCannotBeFilled()
     QVERIFY(!QFileInfo::exists(path(QStringLiteral("mended"))));
 }
 
-/// The repository is removed while the tool waits for another user of the cache. After
-/// that, the number of packages is not known.
+/// The repository is removed while the tool waits for another user of the cache. The error
+/// text then contains no number of packages, because the tool cannot count them.
 void TestRepositoryCommands::lostRepository()
 {
     const QString sLock = path(QStringLiteral("cache/simulationdata.lock"));

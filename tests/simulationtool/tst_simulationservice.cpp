@@ -78,8 +78,8 @@ struct Peer
         return bReceived;
     }
 
-    /// Whether the service answers this peer. It answers after it has handled
-    /// everything that was sent before.
+    /// Whether the service answers this peer. The service answers after it has handled
+    /// everything that the peer sent before.
     bool isServed()
     {
         socket.write(s_ask);
@@ -470,8 +470,8 @@ void TestSimulationService::slowDeviceIsSentNewestScenario()
     QCOMPARE(device.received.count(newest), 2); // as a scenario and as a deployment
 }
 
-/// The service keeps the records of devices. They do not count as pending bytes of a
-/// peer. The limit of an id applies to its encoded form.
+/// The service keeps the records of devices. These records do not count as pending bytes
+/// of a peer. The limit of an id applies to its encoded form.
 void TestSimulationService::keptBytesBlameNobody()
 {
     Limits::setValue(Limits::AllPendingBytes, 100'000);
@@ -490,7 +490,8 @@ void TestSimulationService::keptBytesBlameNobody()
     QVERIFY(logged.logs(large.name() + QStringLiteral("dropped: it registers a device with a record of")));
 }
 
-/// The states are sent once for many requests of one turn of the event loop.
+/// The service sends the states once for all requests that it reads in one turn of the
+/// event loop.
 void TestSimulationService::statesOnceForManyRequests()
 {
     constexpr int iDevices = 100;
@@ -563,7 +564,7 @@ void TestSimulationService::tooLargeCommand()
 void TestSimulationService::burstOfConnections()
 {
     constexpr int iPeers = 300;
-    // If the queue is full, the system repeats a connection attempt after 1 s.
+    // If the queue of new connections is full, the system repeats an attempt after 1 s.
     constexpr int iMuchShorter = 900; // ms
     LoggedService logged;
     std::vector<std::unique_ptr<Peer>> peers;

@@ -553,7 +553,7 @@ void TestSimulationTool::outputFails()
     QCOMPARE(process.exitStatus(), QProcess::CrashExit);
     QCOMPARE(process.exitCode(), SIGPIPE);
     QCOMPARE(process.readAllStandardError(), QByteArray());
-    // A network program survives a closed pipe. It writes no message either.
+    // A network command of the tool survives a closed pipe. It writes no message either.
     int iPipe[2] = {};
     QCOMPARE(::pipe(iPipe), 0);
     ::close(iPipe[0]);

@@ -42,7 +42,7 @@ SimulationDeviceConfiguration deviceOf(const QString& a_sId)
     return device;
 }
 
-/// A client of a service in the test's process. Records what it receives.
+/// A client in the test's process. The client records what it receives from the service.
 struct Peer
 {
     explicit Peer(const QString& a_sPort)
@@ -96,8 +96,8 @@ struct Peer
         communication.sendSimulationDeviceStateUpdate(a_sId, state);
     }
 
-    /// Waits until the service has received everything and has answered. False after
-    /// the timeout.
+    /// Waits until the service has received everything and has answered. Returns false
+    /// after the timeout.
     bool synchronize()
     {
         const int iBefore = iAnswers;
