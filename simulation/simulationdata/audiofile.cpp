@@ -123,8 +123,8 @@ std::vector<std::int16_t> AudioFile::readSamples(std::uint64_t a_uiStart, std::u
         }
         samples.insert(samples.end(), rest.begin(), rest.end());
     }
-    // The samples read are at most one whole recording. They are repeated up to the
-    // count, unless the count is smaller.
+    // `samples` now has the first `a_uiCount` samples, but at most one whole recording.
+    // Repetitions of these samples fill the rest.
     const std::size_t uiPeriod = samples.size();
     samples.resize(static_cast<std::size_t>(a_uiCount));
     repeat(samples.data(), bytesOf(uiPeriod), bytesOf(samples.size()));

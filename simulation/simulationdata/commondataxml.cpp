@@ -19,7 +19,8 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/commondataxml";
 
-/// A new movement has two points at this distance (degrees). Reading replaces them.
+/// A new movement has two points at this distance (degrees). The points of a document
+/// replace both. When the document has no points, both remain.
 constexpr double s_dDefaultOffset = 0.01;
 
 void traceBreakOff(const XmlDocumentReader& a_document)

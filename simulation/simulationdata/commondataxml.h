@@ -51,8 +51,8 @@ public:
 
     /// Returns "STOP", "RESTART" or "INACTIVE"; "RESTART" for an unknown value.
     [[nodiscard]] static QString endBehaviorToString(EndBehaviourType a_eBehaviour);
-    /// Returns the value for one of these texts, case-sensitive; Stop for any other
-    /// text.
+    /// Returns the value for "STOP", "RESTART" or "INACTIVE", case-sensitive; Stop for
+    /// any other text.
     [[nodiscard]] static EndBehaviourType stringToEndBehavior(QStringView a_sText);
 
     /// Whether the text contains "true" in any letter case.

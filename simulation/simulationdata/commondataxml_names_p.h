@@ -5,9 +5,9 @@
 
 namespace Simulation {
 
-/// The elements and attributes of scenario and deployment documents, and the values
-/// that name kinds. Readers and writers share them. Odd spellings are part of the
-/// formats.
+/// The names of the elements and attributes of scenario and deployment documents, and
+/// the texts for types, for example "Star". Readers and writers share them. Odd
+/// spellings are part of the formats.
 
 inline const QString s_sActive = QStringLiteral("Active");
 inline const QString s_sActiveDuration = QStringLiteral("ActiveDuration");
@@ -18,7 +18,8 @@ inline const QString s_sBroadcast = QStringLiteral("Broadcast");
 inline const QString s_sChirp = QStringLiteral("Chirp");
 inline const QString s_sClass = QStringLiteral("Class");
 inline const QString s_sColor = QStringLiteral("Color");
-inline const QString s_sContionus = QStringLiteral("Contionus"); // both spellings occur before version 4
+// Before version 4, documents have the spelling "Contionus" or "Contious".
+inline const QString s_sContionus = QStringLiteral("Contionus");
 inline const QString s_sContious = QStringLiteral("Contious");
 inline const QString s_sDefault = QStringLiteral("Default");
 inline const QString s_sDescription = QStringLiteral("Description");

@@ -28,9 +28,10 @@ class SharedIds
 public:
     void add(const QString& a_sId) { ++m_counts[a_sId]; }
 
-    /// An error text for up to three shared ids; empty if no id is shared. It names
-    /// each id, shortened if it is long, the number of objects that share it, and what
-    /// to do. `a_szNoun` names the objects ("emitters").
+    /// An error text; empty if no id is shared. The text names up to three shared ids,
+    /// shortened if they are long, and for each the number of objects that share it.
+    /// Further shared ids are only counted. The text ends with what to do. `a_szNoun`
+    /// names the objects ("emitters").
     [[nodiscard]] QString text(const char* a_szNoun) const;
 
 private:

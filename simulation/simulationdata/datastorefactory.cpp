@@ -31,7 +31,8 @@ constexpr QLatin1String s_sFiles("Files");
 constexpr QLatin1String s_sRadar("Radar");
 constexpr QLatin1String s_sIcons("Icons");
 
-/// The repository that a configuration names; no value without a configuration.
+/// The path of the repository from the configuration. No value when the configuration is
+/// null or has no group "FileSystem".
 std::optional<QString> repository(ICfg* a_pCfg)
 {
     if (a_pCfg == nullptr || !a_pCfg->hasGroup(s_sFileSystem)) {
@@ -57,7 +58,8 @@ bool makeFolder(const QString& a_sFolder, QString* a_pReason)
     return false;
 }
 
-/// Creates the folders of the stores and makes them writable. False with a reason.
+/// Creates the folders of the stores and makes them writable. Returns false with a
+/// reason when a folder cannot be created.
 bool prepareFolders(const QDir& a_repository, QString* a_pReason)
 {
     for (const QLatin1String sName : {s_sSignalPackages, s_sIcons, s_sFiles}) {
@@ -72,14 +74,16 @@ bool prepareFolders(const QDir& a_repository, QString* a_pReason)
     return makeFolder(packages.absoluteFilePath(s_sDefaultPackages), a_pReason);
 }
 
-/// Copies the default data into the repository. The repository is usable without it,
-/// so errors are only traced. Returns the text of the first error, empty on success.
+/// Copies the default data into the repository. An error is traced and does not stop the
+/// copying, because the repository is usable without the data. Returns the text of the
+/// first error, empty on success.
 QString putDefaultData(const QDir& a_repository)
 {
     QString sError;
     const QDir packages(a_repository.absoluteFilePath(s_sSignalPackages));
     removeAbandonedFiles(packages.absolutePath());
-    // Older programs unpacked under this name. A crash may have left the file there.
+    // Older programs copied the archive to this file before they unpacked it. A crash may
+    // have left the file behind.
     const QString sFormer = packages.absoluteFilePath(QStringLiteral("~tmp.zip"));
     makeWritable(sFormer);
     QFile::remove(sFormer);
@@ -96,8 +100,8 @@ QString putDefaultData(const QDir& a_repository)
     removeAbandonedFiles(sFolder);
     // An existing scenario stays, because the user may have changed it.
     static_cast<void>(copyFileWhole(QStringLiteral(":/DefaultData/Default.sce.exp"), sScenario, &sReason));
-    // copyFileWhole() also gives a reason when the scenario exists, which is not an
-    // error.
+    // copyFileWhole() also sets the reason when the scenario exists already. That is not
+    // an error.
     return sError.isEmpty() && !QFileInfo::exists(sScenario) ? sReason : sError;
 }
 

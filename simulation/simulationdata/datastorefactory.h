@@ -31,11 +31,11 @@ public:
     [[nodiscard]] static QString iconStoreDir(ICfg* a_pCfg);
 
     /// The id of the default signal package: the absolute path of
-    /// "TuK-Default/Default" in the store. Empty for an empty store.
+    /// "TuK-Default/Default" in the store. Empty when `a_sStoreDir` is empty.
     [[nodiscard]] static QString defaultSignalPackage(const QString& a_sStoreDir);
 
     /// The absolute path of "Tessaro/Default.scexml" in the folder of the user's
-    /// files. Empty for an empty folder.
+    /// files. Empty when `a_sFileDir` is empty.
     [[nodiscard]] static QString defaultScenario(const QString& a_sFileDir);
 
     /// Prepares the repository: removes the folder of sessions, creates missing
@@ -45,13 +45,14 @@ public:
     ///
     /// Returns false when the repository does not exist or a folder cannot be
     /// created. The error is traced once. On the thread of a running QApplication a
-    /// message box also shows it and waits for the user. Default data that cannot be
-    /// written is traced, but the result is true.
+    /// message box also shows it and waits for the user. When the sessions cannot be
+    /// removed or default data cannot be written, the error is traced, but the result
+    /// is true.
     [[nodiscard]] static bool initializeDataStore(ICfg* a_pCfg);
 
     /// Works like the overload above and also returns the error text with the
-    /// system's reason in `*a_pError`. Default data that could not be written has an
-    /// error text, too. The text is empty when no step failed.
+    /// system's reason in `*a_pError`. Default data that cannot be written also sets
+    /// the text, although the result is true. Otherwise the text is empty.
     [[nodiscard]] static bool initializeDataStore(ICfg* a_pCfg, QString* a_pError);
 
     /// Always returns null: such a store does not exist.

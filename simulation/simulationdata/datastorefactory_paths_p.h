@@ -5,17 +5,18 @@
 
 namespace Simulation {
 
-/// The folder for the default packages, which the program unpacks into a
-/// repository.
+/// The name of the folder that contains the default packages, in the package store of
+/// a repository and in the archive from which the packages are unpacked.
 inline constexpr QLatin1String s_sDefaultPackages("TuK-Default");
 
-/// Returns the path to open for a path from a getter of DataStoreFactory. Where the
-/// separator is the slash, replaces backslashes by slashes unless the path exists as
-/// given.
+/// Converts a path from a getter of DataStoreFactory to a path that can be opened. On
+/// platforms whose separator is the slash, slashes replace the backslashes, unless the
+/// path exists as given.
 [[nodiscard]] QString resolvedStorePath(const QString& a_sPath);
 
-/// The absolute path of a file in a folder whose path a getter returned. Empty for an
-/// empty folder, which would otherwise mean the current one.
+/// The absolute path of a file in a folder. The folder's path may be one that a getter
+/// of DataStoreFactory returned. Empty when `a_sFolder` is empty, because an empty path
+/// would mean the current folder.
 [[nodiscard]] QString filePathIn(const QString& a_sFolder, const QString& a_sName);
 
 } // namespace Simulation

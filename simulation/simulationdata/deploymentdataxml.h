@@ -30,9 +30,10 @@ struct ReceiverSettings;
 /// version 1).
 ///
 /// A value type: copies share the objects but have their own maps. A document holds
-/// its objects strongly. It releases them when it is cleared, read again, assigned
-/// or destroyed. Objects without another holder are then freed, even when they hold
-/// each other. Used from one thread. A new document is empty.
+/// its objects strongly. The document releases its objects when they are replaced and
+/// when the document is read again, assigned or destroyed. Objects without another
+/// holder are then freed, even when they hold each other. Used from one thread. A new
+/// document is empty.
 class SIMULATIONDATA_EXPORT DeploymentDataXml
 {
 public:
@@ -54,10 +55,10 @@ public:
     [[nodiscard]] QString errorString() const { return m_sErrorString; }
 
     /// The ids that occur in several "Device" (or "Station") elements of the
-    /// document last read. The value is the number of elements with that id. They
-    /// were read as one object: later elements overwrite earlier ones. A station's
-    /// id inside a "Device" element does not count. The map is empty after
-    /// setDevices() (or setStations()).
+    /// document last read. The value is the number of elements with that id.
+    /// Elements with the same id were read as one object: later elements overwrite
+    /// earlier ones. A station's id inside a "Device" element does not count. The map
+    /// is empty after setDevices() (or setStations()).
     [[nodiscard]] QMap<QString, qsizetype> mergedDeviceIds() const;
     [[nodiscard]] QMap<QString, qsizetype> mergedStationIds() const;
     /// Whether the document last read has a "Station" element with this id. Without
@@ -66,8 +67,8 @@ public:
 
     /// Work like ScenarioDataXml::toXml() and toXmlFile(). A reader keeps only one
     /// of several devices (or stations) with the same id. So errorString() and one
-    /// trace report ids that are shared now or were shared when the objects were
-    /// set.
+    /// trace report each id that several objects have now, or had when the objects
+    /// were set.
     [[nodiscard]] QByteArray toXml();
     void toXml(QIODevice* a_pDevice);
     [[nodiscard]] bool toXmlFile(const QString& a_sFile);
@@ -86,7 +87,7 @@ public:
     [[nodiscard]] std::uint32_t fileFormatVersion() const { return m_uiFileFormatVersion; }
 
     /// The objects by their ids. An object keeps the key that it had when it was
-    /// read or set. The document is written in this order.
+    /// read or set. The document is written in the order of the keys.
     [[nodiscard]] const QMap<QString, std::shared_ptr<DeploymentDevice>>& devices() const
     {
         return m_devices;
@@ -96,8 +97,8 @@ public:
         return m_stations;
     }
     /// Replace the objects and key them by their ids. Null is left out. Of several
-    /// objects with the same id, only one is kept, chosen arbitrarily; the next
-    /// writing reports this.
+    /// objects with the same id, only one is kept, chosen arbitrarily; toXml() reports
+    /// such ids.
     ///
     /// Also set the stations of all devices with setStations(). Otherwise, reading
     /// the saved document gives such a station without data, at (0, 0). A reader
@@ -117,7 +118,7 @@ private:
     void writeHeader(QXmlStreamWriter& a_writer) const;
     bool readChild(QXmlStreamReader& a_reader, QStringView a_sName);
 
-    // Its objects (deploymentdataxml_objects.cpp)
+    // The objects of the document (deploymentdataxml_objects.cpp)
     void readDevice(QXmlStreamReader& a_reader);
     bool readDeviceChild(QXmlStreamReader& a_reader, QStringView a_sName,
                          const std::shared_ptr<DeploymentDevice>& a_device);
@@ -143,10 +144,11 @@ private:
     QMap<QString, std::shared_ptr<DeploymentDevice>> m_devices;
     QMap<QString, std::shared_ptr<DeploymentStation>> m_stations;
     QString m_sErrorString;
-    QString m_sSharedDevices;                   ///< error text of setDevices() for shared ids; usually empty
-    QString m_sSharedStations;                  ///< same for setStations()
-    QMap<QString, qsizetype> m_deviceElements;  ///< elements per id in the document read last
-    QMap<QString, qsizetype> m_stationElements; ///< the same
+    /// Error texts of setDevices() and setStations() for shared ids; usually empty.
+    QString m_sSharedDevices;
+    QString m_sSharedStations;
+    QMap<QString, qsizetype> m_deviceElements;  ///< "Device" elements per id, as last read
+    QMap<QString, qsizetype> m_stationElements; ///< "Station" elements per id, as last read
 };
 
 } // namespace Simulation

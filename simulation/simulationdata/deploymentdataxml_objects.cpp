@@ -18,12 +18,12 @@ namespace Simulation {
 
 namespace {
 
-/// The texts of a device that follow its icon.
+/// The elements with text that follow the icon in a "Device" element.
 const std::array<XmlField<DeploymentDevice>, 3> s_deviceTexts{{
     {QStringLiteral("Machine"), [](const DeploymentDevice& a_device) { return a_device.machine(); },
      [](DeploymentDevice& a_device, QStringView a_sText) { a_device.setMachine(a_sText.toString()); }},
-    // Written for other programs. It is not read, because only the device itself sets
-    // it.
+    // This element is written for other programs. It is not read, because only the
+    // device itself sets the configured id.
     {QStringLiteral("ConfiguredStationID"),
      [](const DeploymentDevice& a_device) { return a_device.configuredStationId(); },
      [](DeploymentDevice& /*a_device*/, QStringView /*a_sText*/) {}},
@@ -51,7 +51,8 @@ void writePosition(QXmlStreamWriter& a_writer, IPositionSettings* a_pSettings)
     a_writer.writeEndElement();
 }
 
-/// Writes the children that devices and stations have in common.
+/// Begins the element of a device or station. Writes the attributes and the icon, with
+/// which both kinds of element begin.
 void writeObjectStart(QXmlStreamWriter& a_writer, const QString& a_sElement, const DeploymentObject& a_object)
 {
     a_writer.writeStartElement(a_sElement);
@@ -81,7 +82,8 @@ std::shared_ptr<Object> DeploymentDataXml::objectForId(QXmlStreamReader& a_reade
     return *a_objects.insert(a_sId, std::make_shared<Object>(a_sId));
 }
 
-/// Reads the children that devices and stations have in common.
+/// Reads an icon or a position, the children that devices and stations have in common.
+/// Returns false for any other child.
 bool DeploymentDataXml::readObjectChild(QXmlStreamReader& a_reader, QStringView a_sName,
                                         DeploymentObject& a_object) const
 {
@@ -142,8 +144,9 @@ bool DeploymentDataXml::readDeviceChild(QXmlStreamReader& a_reader, QStringView 
     return true;
 }
 
-/// The station may have its own element later in the document, which fills the same
-/// object. A device that names several stations gets the last one.
+/// Reads the id of the device's station. The station may have its own element earlier or
+/// later in the document. That element fills the same object. A device that names
+/// several stations gets the last one.
 void DeploymentDataXml::readDeviceStation(QXmlStreamReader& a_reader,
                                           const std::shared_ptr<DeploymentDevice>& a_device)
 {
@@ -199,8 +202,8 @@ void DeploymentDataXml::readStation(QXmlStreamReader& a_reader)
         return;
     }
     ++m_stationElements[sId];
-    // A station's name is its id: the attribute "Name" changes the id, but the document
-    // still holds the station under the attribute "ID".
+    // A station's name is its id. The attribute "Name" therefore changes the id, but the
+    // key of the station in the document remains the value of the attribute "ID".
     if (const auto sName = attributes.value(s_sName); !sName.isEmpty()) {
         station->setName(sName.toString());
     }

@@ -28,8 +28,8 @@ public:
 
     [[nodiscard]] eTypes type() const override;
 
-    /// The station's position settings while the device has a station, otherwise its
-    /// own.
+    /// The station's position settings while the device has a station, otherwise the
+    /// device's own settings.
     [[nodiscard]] IPositionSettings* positionSettings() const override;
 
     void copy(std::shared_ptr<DeploymentObject> a_source) override;

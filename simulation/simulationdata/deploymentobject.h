@@ -18,7 +18,7 @@ class ObjectReleaser;
 ///
 /// Objects live in std::shared_ptr and are used from one thread. A station and its
 /// devices hold each other. The last deployment document that holds them breaks this
-/// circle. Objects outside a document are freed by
+/// circle when it releases them. Objects outside a document are freed by
 /// DeploymentDataXml::releaseObjects(). The order of the virtual operations is part
 /// of the interface.
 class SIMULATIONDATA_EXPORT DeploymentObject : public std::enable_shared_from_this<DeploymentObject>
@@ -38,10 +38,10 @@ public:
     /// Null if null was set.
     [[nodiscard]] virtual IPositionSettings* positionSettings() const { return m_pPositionSettings.get(); }
 
-    /// Copies id, name, icon and a clone of the source's own position settings. A
-    /// source of the same class also gives all other fields. Stations and devices of
-    /// the source are shared with the copy, but they do not refer to the copy. Null
-    /// or the object itself as the source changes nothing.
+    /// Copies id, name, icon and a clone of the source's own position settings. When
+    /// the source has the same class, all other fields are copied, too. This object
+    /// then shares the station or the devices of the source, but they do not refer to
+    /// this object. Null or the object itself as the source changes nothing.
     virtual void copy(std::shared_ptr<DeploymentObject> a_source);
 
     /// A new object of the same class, with everything that copy() copies.
@@ -67,8 +67,8 @@ public:
     /// Moves the object's own position and its whole path, never the station's.
     /// Without position settings the object gets a fixed position.
     void setPosition(TPos a_position);
-    /// Takes ownership of the object's own position settings and deletes the former
-    /// settings, unless both are the same object. Null removes them.
+    /// Sets the object's own position settings and takes ownership of them. Deletes
+    /// the former settings unless they are the same object. Null removes the settings.
     void setPositionSettings(IPositionSettings* a_pSettings);
 
 protected:

@@ -7,7 +7,7 @@ namespace Simulation {
 
 /// An emitter whose pulses are described by a file of emitter description words. The
 /// file replaces the schedule. The emitter is active while its active flag is set
-/// and its frequency and position are active. A default object has no file.
+/// and its frequency and position are active. A new object has no file.
 class SIMULATIONDATA_EXPORT ElintScenarioEmitter : public SzenarioEmitter
 {
 public:
@@ -16,7 +16,7 @@ public:
 
     [[nodiscard]] ScenarioObjectType type() const override;
 
-    /// Also copies the file name, which copy() does not.
+    /// Also copies the file name. copy() does not copy the file name.
     [[nodiscard]] std::shared_ptr<ScenarioObject> clone() override;
 
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;

@@ -71,7 +71,7 @@ QSet<const EmissionSettings::Emission*> emissionsOf(const QList<EmissionPtr>& a_
 EmissionSettings::Emission::~Emission()
 {
     if (emitter.use_count() == 1) {
-        // An initializer list would keep the last pointer alive during the drop.
+        // An initializer list would keep a copy of the pointer until after dropInTurn().
         std::vector<std::shared_ptr<const void>> pointers;
         pointers.push_back(std::move(emitter));
         ObjectReleaser::dropInTurn(std::move(pointers));
@@ -239,8 +239,9 @@ void EmissionSettings::removeGroup(const GroupPtr& a_group)
 void EmissionSettings::clearEmptyGroups()
 {
     // A group is checked again only when it loses a member. Members are only counted at
-    // first; they are removed from the lists at the end. So the time is linear in the number of
-    // groups and memberships, even when groups of a chain empty each other.
+    // first and are removed from the lists at the end. So the time is linear in the
+    // number of groups and memberships, even when the groups of a chain become empty one
+    // after the other.
     QHash<const Group*, QList<const Group*>> holders;
     QHash<const Group*, qsizetype> membersLeft;
     QSet<const Group*> empty;
@@ -334,8 +335,8 @@ void EmissionSettings::makeContinousActive(const std::shared_ptr<SzenarioEmitter
 
 EmissionPtr EmissionSettings::emissionAt(unsigned int a_uiTime) const
 {
-    // The last emission with start < time, both within the period. An emission is
-    // therefore active on (start, start + duration].
+    // Finds the last emission with start < time, where the time counts from the beginning
+    // of the period. An emission is therefore active on (start, start + duration].
     const std::int64_t iTime = std::int64_t{a_uiTime} % m_iDuration;
     const qsizetype iNext = lowerBound(iTime);
     if (iNext == 0) {
@@ -390,9 +391,9 @@ QList<HRActivity> EmissionSettings::calculateHRActivities(const SzenarioEmitter*
     if (m_bBroadcast) {
         return {HRActivity{a_uiStart, a_uiLength, 0.0}};
     }
-    // The walk begins in the period that contains the window's start. Its first
-    // emission is the last one that started before the window, because it may still be
-    // active.
+    // The walk begins in the period that contains the window's start. In this period it
+    // begins with the last emission that started before the window, because this
+    // emission may still be active.
     const std::int64_t iBase = a_uiStart - std::int64_t{a_uiStart} % m_iDuration;
     const qsizetype iNext = lowerBound(a_uiStart - iBase);
     return walkSchedule(m_emissions, a_pEmitter, std::max<qsizetype>(iNext - 1, 0), m_iDuration, iBase,

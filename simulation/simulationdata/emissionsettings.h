@@ -21,8 +21,8 @@ class SzenarioEmitter;
 /// groups bundle emissions and other groups. The schedule repeats with a period. In
 /// broadcast mode the schedule is ignored and the transmitter is always on.
 ///
-/// A value class. Copies share the emissions and groups, so a change inside one
-/// shows in all copies. partGroups() ends the sharing of groups. Used from one
+/// A value class. Copies share the emissions and groups, so a change of an emission or
+/// a group shows in all copies. partGroups() ends the sharing of groups. Used from one
 /// thread. A default object has no emission, an unlimited period and no broadcast.
 /// Times are milliseconds since scenario start.
 class SIMULATIONDATA_EXPORT EmissionSettings
@@ -40,7 +40,7 @@ public:
         Emission& operator=(const Emission&) = delete;
         ~Emission();
 
-        std::uint32_t id = 0;                         ///< its number in the groups of a document
+        std::uint32_t id = 0;                         ///< groups of a document refer to this number
         std::int64_t start = 0;                       ///< ms since the beginning of the period
         std::int64_t duration = 0;                    ///< ms; never active when negative
         std::shared_ptr<SzenarioEmitter> emitter;     ///< the sender; may be null
@@ -55,7 +55,7 @@ public:
         Group& operator=(const Group&) = delete;
         ~Group();
 
-        std::uint32_t id = 0; ///< its number in other groups of a document
+        std::uint32_t id = 0; ///< other groups of a document refer to this number
         QString name;
         QList<boost::shared_ptr<Group>> groups;
         QList<boost::shared_ptr<Emission>> emissions;
@@ -95,7 +95,8 @@ public:
     /// groups that are empty.
     void removeEmission(const boost::shared_ptr<Emission>& a_emission);
 
-    /// Removes all emissions of an emitter in the same way.
+    /// Removes all emissions of an emitter as removeEmission() does. Changes nothing
+    /// when the emitter has no emission.
     void removeEmissions(const std::shared_ptr<SzenarioEmitter>& a_emitter);
     /// Whether removeEmissions() for this emitter would remove an emission or an
     /// empty group from a group.
@@ -112,10 +113,10 @@ public:
     /// Removes groups without members. Repeats this for groups that lose their last
     /// member, until every group has a member.
     void clearEmptyGroups();
-    /// Gives this schedule its own groups when copies of the schedule share them.
-    /// The new groups have the same members. Members that are removed from them
-    /// later stay in the groups of the copies. The emissions stay shared. When no
-    /// copy shares the groups, they stay the same objects.
+    /// Gives this schedule its own groups when copies of the schedule share the
+    /// groups. The new groups have the same members. Removing a member from a new
+    /// group does not change the groups of the copies. The emissions stay shared.
+    /// Changes nothing when no copy shares the groups.
     void partGroups();
     /// Drops all emissions and groups.
     void clearAll();
@@ -134,25 +135,27 @@ public:
     void makeContinousActive(const std::shared_ptr<SzenarioEmitter>& a_emitter,
                              const std::shared_ptr<SignalPackage>& a_package);
 
-    /// The emission at a time (ms): the latest that started before that time. Null
-    /// when it has ended, or when none started before. O(log n).
+    /// The latest emission that started before a time (ms). Null when there is none, or
+    /// when this emission has ended. The time is taken modulo the period. O(log n).
     [[nodiscard]] boost::shared_ptr<Emission> emissionAt(unsigned int a_uiTime) const;
-    /// Whether there is an emission at a time (ms); broadcast mode does not count.
+    /// Whether emissionAt() returns an emission for a time (ms). Broadcast mode is
+    /// ignored.
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const;
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> activeEmitterAt(unsigned int a_uiTime) const;
     [[nodiscard]] std::shared_ptr<SignalPackage> signalPackageAt(unsigned int a_uiTime) const;
-    /// How long the emission at a time has been on (ms), or -1.
+    /// How long the emission at a time (ms) has been on (ms); -1 when there is none.
     [[nodiscard]] long long timeActiveAt(unsigned int a_uiTime) const;
-    /// The same for an emission that emissionAt() returned for that time.
+    /// Like the overload above, for the emission that emissionAt() returned for that
+    /// time.
     [[nodiscard]] long long timeActiveAt(unsigned int a_uiTime, const Emission& a_emission) const;
-    /// 0xFFFFFFFF: a schedule never ends.
+    /// Always 0xFFFFFFFF, because a schedule never ends.
     [[nodiscard]] unsigned int activeUntil() const;
 
     /// The on-times in the window [start, start + length) (ms) of one emitter, or of
-    /// all emitters when it is null. Their frequency is 0. The first on-time may
-    /// begin, and even end, before the window. No on-time ends after it. In
-    /// broadcast mode the result is the window itself, or empty when the schedule is
-    /// empty. The result ends at Limits::AnswerActivities.
+    /// all emitters when `a_pEmitter` is null. The frequency of an on-time is 0. The
+    /// first on-time may begin, and even end, before the window. No on-time ends after
+    /// the window. In broadcast mode the result is the window itself, or empty when
+    /// the schedule is empty. The result ends at Limits::AnswerActivities.
     [[nodiscard]] QList<HRActivity> calculateHRActivities(const SzenarioEmitter* a_pEmitter,
                                                           unsigned int a_uiStart,
                                                           unsigned int a_uiLength) const;
@@ -164,7 +167,8 @@ private:
 
     QList<boost::shared_ptr<Emission>> m_emissions;
     QList<boost::shared_ptr<Group>> m_groups;
-    /// Held by every schedule that shares these groups. Null: never copied.
+    /// Every schedule that shares these groups holds this object, so the use count is
+    /// the number of such schedules. Null when no copy has shared these groups.
     mutable std::shared_ptr<const int> m_pSharing;
     std::int64_t m_iDuration = s_iUnlimited;
     bool m_bBroadcast = false;

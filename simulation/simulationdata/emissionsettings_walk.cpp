@@ -16,9 +16,10 @@ constexpr const char* s_szSource = "simulation/simulationdata/emissionsettings_w
 using EmissionPtr = boost::shared_ptr<EmissionSettings::Emission>;
 
 /// The emissions that a walk visits, in the schedule's order. When the period repeats
-/// within the window, the emissions of one emitter are selected once. Otherwise each of
-/// perhaps millions of periods would visit the emissions of all emitters. When the
-/// period does not repeat, the walk skips the emissions of other emitters.
+/// within the window, the emissions of the emitter are selected once. Without this
+/// selection, the walk would visit the emissions of all emitters in each of perhaps
+/// millions of periods. When the period does not repeat, the walk visits all emissions
+/// and skips those of other emitters.
 class Selection
 {
 public:
@@ -41,7 +42,7 @@ public:
         }
     }
 
-    /// Where the walk begins.
+    /// Index of the emission with which the walk begins.
     [[nodiscard]] qsizetype first() const { return m_iFirst; }
     [[nodiscard]] qsizetype size() const
     {
@@ -89,7 +90,7 @@ QList<HRActivity> walkSchedule(const QList<EmissionPtr>& a_emissions, const Szen
                                std::int64_t a_iEnd)
 {
     ActivityAnswer answer(s_szSource);
-    // The period lies in the window at least twice.
+    // When this is true, at least two periods lie between the base and the window's end.
     const bool bRepeats = a_iPeriod < (a_iEnd - a_iBase) / 2;
     const Selection selection(a_emissions, a_pEmitter, a_iFirst, bRepeats);
     if (selection.size() == 0) {

@@ -5,8 +5,8 @@
 
 namespace Simulation {
 
-/// Returns the on-times of one emitter, or of all when it is null, up to the window's
-/// end (ms, at most 2^32). The schedule is sorted by start and repeats every
+/// Returns the on-times of one emitter, or of all emitters when `a_pEmitter` is null, up
+/// to `a_iEnd` (ms, at most 2^32). The schedule is sorted by start and repeats every
 /// `a_iPeriod` ms. The walk begins with the emission of index `a_iFirst` in the
 /// period that starts at `a_iBase` (ms).
 [[nodiscard]] QList<HRActivity>

@@ -119,7 +119,8 @@ bool copyEntries(const QString& a_sFrom, const QString& a_sTo)
 
 bool removeDir(const QString& a_sFolder)
 {
-    // With a slash after its name a link would be followed.
+    // cleanPath() removes a slash at the end. A link whose path ends with a slash would
+    // be followed.
     const QString sFolder = QDir::cleanPath(resolvedStorePath(a_sFolder));
     if (sFolder.isEmpty()) {
         return true;

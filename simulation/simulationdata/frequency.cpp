@@ -22,7 +22,7 @@ struct Band
     double upperEnd = 0.0; ///< Hz, not part of the band
     char16_t unit = 0;     ///< unit letter in user input, lower case
     QLatin1String prefix;
-    double divisor = 1.0; ///< Hz of one unit
+    double divisor = 1.0; ///< Hz per unit
     int decimals = 0;
 };
 
@@ -37,7 +37,7 @@ constexpr std::array<Band, 4> s_bands{{
     {std::numeric_limits<double>::infinity(), u'g', QLatin1String("G"), s_dGiga, 6},
 }};
 
-/// The band of a frequency (Hz), which decides the unit that shows it.
+/// The band that contains a frequency (Hz). The band determines the unit of the text.
 const Band& bandOf(double a_dValue)
 {
     for (const Band& band : s_bands) {
@@ -48,8 +48,9 @@ const Band& bandOf(double a_dValue)
     return s_bands.back(); // infinite or not a number
 }
 
-/// Hz of the unit that a letter names, in either case. Without a letter, Hz of the
-/// unit that shows the reference (Hz), or 1 for the reference 0.
+/// The number of Hz per unit. A letter in either case names the unit. Without a letter,
+/// the unit is the one that toString() uses for the reference (Hz), or Hz for the
+/// reference 0.
 double multiplierOf(QStringView a_sUnit, double a_dReference)
 {
     if (a_sUnit.isEmpty()) {

@@ -7,7 +7,7 @@
 
 namespace Units {
 
-/// Frequencies (Hz) to and from the text that users read and type.
+/// Converts frequencies (Hz) to and from the text that users read and type.
 ///
 /// Static operations only: an object has no state. Any thread may call; nothing
 /// throws.

@@ -103,8 +103,8 @@ QList<HRActivity> FrequencySettings_Chirp::calculateHRActivities(unsigned int a_
     if (uiPiece == 0) {
         return {{a_uiStart, a_uiLength, getFrequencyAt(a_uiStart)}};
     }
-    // Pieces count from the window's start. A piece over the end of a sweep keeps the
-    // frequency at its beginning.
+    // The first piece begins at the window's start. A piece that extends over the end of
+    // a sweep keeps the frequency of the piece's beginning.
     ActivityAnswer answer(s_szSource);
     const std::uint64_t uiEnd = windowEnd(a_uiStart, a_uiLength);
     for (std::uint64_t uiTime = a_uiStart; uiTime < uiEnd; uiTime += uiPiece) {

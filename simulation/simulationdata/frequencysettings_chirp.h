@@ -5,11 +5,12 @@
 
 namespace Simulation {
 
-/// A linear sweep from the start to the stop frequency that restarts after its
-/// duration, without end.
+/// A linear sweep from the start frequency to the stop frequency. The sweep restarts
+/// after its duration, without end.
 ///
-/// The stop may lie below the start: a downward sweep. A new object sweeps from 24 to
-/// 26 MHz in one second, at an offset drawn from the thread's random sequence.
+/// A stop frequency below the start frequency gives a downward sweep. A new object
+/// sweeps from 24 to 26 MHz in one second, at an offset drawn from the thread's random
+/// sequence.
 class SIMULATIONDATA_EXPORT FrequencySettings_Chirp : public IFrequencySettings
 {
 public:

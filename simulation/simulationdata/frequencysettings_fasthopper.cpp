@@ -24,7 +24,8 @@ constexpr std::uint64_t s_uiShuffleRounds = 8;
 /// The number of channels in all channel lists of the process.
 std::atomic<std::uint64_t> s_uiAllChannels{0};
 
-/// A channel list that counts in s_uiAllChannels until it is destroyed.
+/// Creates a channel list. s_uiAllChannels counts its channels until the list is
+/// destroyed.
 std::shared_ptr<std::vector<double>> countedList(std::size_t a_uiChannels)
 {
     auto list = std::make_unique<std::vector<double>>(a_uiChannels);
@@ -142,9 +143,9 @@ QList<HRActivity> FrequencySettings_FastHopper::calculateHRActivities(unsigned i
         return getFrequencyAt(
             toUInt32(static_cast<double>(a_uiFrom) + static_cast<double>(a_uiDuration) * 0.5));
     };
-    // A hop takes ceil(1000 / rate) whole ms, [1, 1000]. The offset is a share of it
-    // in single precision, truncated to whole ms; all later arithmetic is in
-    // integers.
+    // A hop takes ceil(1000 / rate) whole ms, [1, 1000]. The offset is a fraction of the
+    // hop. It is calculated in single precision and truncated to whole ms. All later
+    // arithmetic is in integers.
     const float fHop = std::ceil(s_fMillisecondsPerSecond / static_cast<float>(m_uiHoppRate));
     const std::uint64_t uiHop = toUInt32(fHop);
     const std::uint64_t uiOffset = toUInt32(m_fTimeslotOffset * fHop);
@@ -153,10 +154,10 @@ QList<HRActivity> FrequencySettings_FastHopper::calculateHRActivities(unsigned i
 
     ActivityAnswer answer(s_szSource);
     bool bRoom = answer.append({uiStart, uiOffset, frequencyInMiddle(uiStart, uiOffset)});
-    // Hops begin at floor((start + offset) / hop) * hop + offset. If the first one
-    // begins after the end of the lead-in, a gap remains; if it begins before, both
-    // overlap. In a window that ends before the first hop, the lead-in is the only
-    // activity.
+    // The first hop begins at floor((start + offset) / hop) * hop + offset. If it begins
+    // after the end of the lead-in, a gap remains. If it begins before that end, hop and
+    // lead-in overlap. In a window that ends before the first hop, the lead-in is the
+    // only activity.
     std::uint64_t uiHopStart = (uiStart + uiOffset) / uiHop * uiHop + uiOffset;
     while (bRoom && uiHopStart < uiEnd) {
         const std::uint64_t uiFrom = std::max(uiHopStart, uiStart);
@@ -221,6 +222,7 @@ void FrequencySettings_FastHopper::traceOnce(Limits::Limit a_eLimit) const
 {
     if (!m_bLimitTraced) {
         traceError(s_szSource, [this, a_eLimit] {
+            // Set only here, because a masked trace does not call this function.
             m_bLimitTraced = true;
             return QStringLiteral("Hop count %1 gives no channels: %2")
                 .arg(QString::number(m_uiHoppCount), Limits::exceeded(a_eLimit));
@@ -233,10 +235,11 @@ bool FrequencySettings_FastHopper::isListBuilt() const
     return m_pFrequencyList && m_pFrequencyList->size() == m_uiHoppCount;
 }
 
-/// Builds the channel list unless it has the hop count already. Channel k of n is
-/// minimum + k * (maximum - minimum) / n. The generator is seeded with the hop set;
-/// then each of 8 * n swaps i exchanges the entries i mod n and (rand() + i) mod n.
-/// Stored scenarios depend on this exact order.
+/// Builds the channel list unless it already has as many entries as the hop count.
+/// Channel k of n is minimum + k * (maximum - minimum) / n. The random generator is
+/// seeded with the hop set. Then 8 * n swaps shuffle the channels: swap i exchanges the
+/// entries i mod n and (rand() + i) mod n. Stored scenarios depend on the resulting order
+/// of the channels.
 void FrequencySettings_FastHopper::setupFrequencyList() const
 {
     if (isListBuilt()) {

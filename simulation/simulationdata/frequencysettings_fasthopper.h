@@ -58,18 +58,19 @@ public:
     [[nodiscard]] bool isTimeDependend() const override;
     [[nodiscard]] bool isActiveAt(unsigned int a_uiTime) const override;
 
-    /// The first activity is a lead-in as long as the offset. One activity per hop
-    /// follows; hops last whole milliseconds here. The lead-in keeps its full length
-    /// and may end after the window. The first hop may overlap the lead-in or leave
-    /// a gap after it. `a_dResolution` is not used. When the hopper cannot hop, the
-    /// window is the only activity.
+    /// The first activity is a lead-in; its length equals the offset. One activity per
+    /// hop follows; hops last whole milliseconds here. The lead-in keeps its full
+    /// length and may end after the window. The first hop may overlap the lead-in or
+    /// leave a gap after it. `a_dResolution` is not used. When the hopper cannot hop,
+    /// the window is the only activity.
     [[nodiscard]] QList<HRActivity> calculateHRActivities(unsigned int a_uiStart, unsigned int a_uiLength,
                                                           double a_dResolution) const override;
     [[nodiscard]] unsigned int activeUntil() const override;
     [[nodiscard]] bool equal(const IFrequencySettings* a_pOther) const override;
 
-    /// Draws one random number, as every new object does, and builds a new channel
-    /// list when it needs one. The copy constructor draws none and shares the list.
+    /// Draws one random number, as every new object does. The clone builds a channel
+    /// list of its own when a query needs the list. The copy constructor draws no
+    /// random number, and the copy shares the list.
     [[nodiscard]] IFrequencySettings* clone() const override;
 
 private:

@@ -16,8 +16,8 @@ constexpr const char* s_szSource = "simulation/simulationdata/frequencysettings_
 constexpr double s_dNoFrequency = -1.0;
 constexpr FrequencyStep s_firstStep{25'000'000.0, 1000};
 
-/// The index of the step that runs at a time (ms) before the table's end: the first
-/// whose end is later. Steps without duration never run.
+/// The index of the step that runs at a time (ms) before the table's end. It is the first
+/// step that ends after this time. Steps without duration never run.
 std::size_t stepAt(const std::vector<std::uint64_t>& a_stepTimes, std::uint64_t a_uiTime)
 {
     const auto itEnds = a_stepTimes.cbegin() + 1;
@@ -167,7 +167,7 @@ bool FrequencySettings_SlowHopper::isTimeDependend() const
 
 bool FrequencySettings_SlowHopper::isActiveAt(unsigned int a_uiTime) const
 {
-    // The end of the table itself is still active.
+    // The hopper is still active at the instant at which the table ends.
     return m_eEndBehavior != EndBehaviourType::Inactive || a_uiTime <= stepTimes().back();
 }
 
@@ -190,8 +190,8 @@ QList<HRActivity> FrequencySettings_SlowHopper::calculateHRActivities(unsigned i
         return {{a_uiStart, a_uiLength, lastFrequency()}};
     }
     // The walk counts its times from uiBase, the last multiple of the length up to the
-    // window's start. The length may differ from the true cycle, because steps were
-    // inserted or removed. The walk therefore skips whole cycles first and then steps.
+    // window's start. The length may differ from the true cycle after steps were inserted
+    // or removed. The walk therefore skips whole cycles first and then steps.
     // A window that starts exactly at the end of the length starts the table again,
     // whatever the end behaviour.
     const std::uint64_t uiOffset = a_uiStart % uiLength;
@@ -270,8 +270,8 @@ double FrequencySettings_SlowHopper::lastFrequency() const
     return getFrequency(rows() - 1);
 }
 
-/// The time (ms) at which each step begins and, as the last entry, at which the table
-/// ends: the running sum of the durations, one entry more than there are steps.
+/// The running sum of the durations (ms). There is one entry per step, the time at which
+/// the step begins, and a last entry, the time at which the table ends.
 const std::vector<std::uint64_t>& FrequencySettings_SlowHopper::stepTimes() const
 {
     if (m_stepTimes.empty()) {

@@ -15,10 +15,10 @@ struct FrequencyStep
     unsigned int duration = 0; ///< ms
 };
 
-/// Hops through a table of steps that the user edits, each with a frequency and a
+/// Hops through a table of steps that the user edits. Each step has a frequency and a
 /// dwell time.
 ///
-/// After the last step the frequency stays there, restarts with the first step, or
+/// After the last step the hopper stays at this step, restarts with the first step, or
 /// ends the emitter's activity. A new object has one step, 25 MHz for one second,
 /// and restarts. Only setFrequencySteps() can leave the table empty. The frequency
 /// of an empty table is -1.
@@ -27,9 +27,8 @@ class SIMULATIONDATA_EXPORT FrequencySettings_SlowHopper : public IFrequencySett
 public:
     FrequencySettings_SlowHopper();
 
-    /// The behaviour after the last step. Not part of equality. The names of the
-    /// accessor and its type are spelled differently; both are part of the
-    /// interface.
+    /// The behaviour after the last step. Not part of equality. The accessors and the
+    /// type spell the word differently; both spellings are part of the interface.
     [[nodiscard]] EndBehaviourType getEndBehavior() const { return m_eEndBehavior; }
     void setEndBehavior(EndBehaviourType a_eBehavior) { m_eEndBehavior = a_eBehavior; }
 
@@ -61,8 +60,8 @@ public:
     // Removing or inserting a step keeps the total length that was computed last.
     // activeUntil() and activities use that length until a value is set.
 
-    /// Removes a step. Ignored for row 0, because the first step always stays, and
-    /// for rows out of range.
+    /// Removes a step. Ignored for rows out of range and for row 0, because the first
+    /// step cannot be removed.
     void removeStep(int a_iRow);
 
     /// Inserts a copy of a step after the step. A row below 0 appends a copy of the

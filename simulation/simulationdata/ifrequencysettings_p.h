@@ -14,8 +14,9 @@
 
 namespace Simulation {
 
-/// The end of the time window [a_uiStart, a_uiStart + a_uiLength), at most 2^32:
-/// no scenario time lies beyond, and 32-bit sums would wrap.
+/// The end of the time window [a_uiStart, a_uiStart + a_uiLength) (ms), at most 2^32,
+/// because no scenario time is later. The result has 64 bits, because a 32-bit sum would
+/// wrap.
 [[nodiscard]] inline std::uint64_t windowEnd(std::uint32_t a_uiStart, std::uint32_t a_uiLength)
 {
     constexpr std::uint64_t uiTimeEnd = std::uint64_t{1} << 32;
@@ -23,8 +24,8 @@ namespace Simulation {
 }
 
 /// Collects the activities of one answer, up to Limits::AnswerActivities.
-/// `a_szSource` and `a_iLine` are the source file and line that traces name; the text
-/// must outlive this object.
+/// `a_szSource` and `a_iLine` are the source file and line that traces name.
+/// `a_szSource` must outlive this object.
 class ActivityAnswer
 {
 public:
@@ -33,9 +34,9 @@ public:
         , m_iLine(a_iLine)
     {}
 
-    /// Counts an activity and appends it, unless it has no length and `a_bKeepEmpty`
-    /// is false. False when the limit is exceeded: the activity is dropped, one trace
-    /// names the limit, and the caller must stop.
+    /// Counts an activity. Also appends the activity, unless its duration is 0 and
+    /// `a_bKeepEmpty` is false. False when the limit is exceeded: the activity is
+    /// dropped, one trace names the limit, and the caller must stop.
     [[nodiscard]] bool append(const HRActivity& a_activity, bool a_bKeepEmpty = true)
     {
         if (m_uiCalculated >= m_uiLimit) {
@@ -64,9 +65,9 @@ private:
     int m_iLine;
 };
 
-/// The time-slot offset of a new object: 0.00, 0.01, ... 0.99, so that emitters
-/// made one after the other do not sweep or hop in step. Draws one number from
-/// this thread's sequence.
+/// The time-slot offset of a new object: a random value of 0.00, 0.01, ..., 0.99. The
+/// offsets prevent emitters that are made one after the other from sweeping or hopping
+/// in step. Draws one number from this thread's random sequence.
 [[nodiscard]] inline float randomTimeslotOffset()
 {
     constexpr int iSlots = 100;

@@ -12,9 +12,9 @@ namespace Ui {
 class LedWidget;
 }
 
-/// A status lamp with a text beside it. The lamp is a picture that the widget style
-/// greys out while it is off. A new lamp is on and has the text "Text". Used on the
-/// GUI thread.
+/// A status lamp with a text beside it. The lamp is a picture. The widget style greys
+/// out the picture while the lamp is off. A new lamp is on and has the text "Text".
+/// Used on the GUI thread.
 class SIMULATIONDATA_EXPORT LedWidget : public QWidget
 {
     Q_OBJECT

@@ -9,12 +9,12 @@
 namespace Simulation {
 
 /// One point of a movement. A major point is a way point that the user placed.
-/// Intermediate points shape the path between way points. They never dwell, and they
-/// take the speed of the next point.
+/// Intermediate points shape the path between way points. Their dwell time is 0, and
+/// their speed is that of the next point.
 struct MovementPoint
 {
     TPos position;                   ///< degrees, longitude first
-    unsigned int transitionTime = 0; ///< ms to the next point; derived, 0 at the last point
+    unsigned int transitionTime = 0; ///< ms to the next point, calculated; 0 at the last point
     unsigned int dwellTime = 0;      ///< ms that the emitter stays here
     bool major = false;              ///< whether the user placed this point
     QString name;                    ///< null at unnamed intermediate points

@@ -9,9 +9,9 @@ namespace Simulation {
 
 namespace {
 
-/// The pointers of the outermost dropInTurn() on this thread; null outside of it. A
-/// plain pointer has no destructor. It can therefore still be used when objects are
-/// destroyed after the other variables of the thread.
+/// The pointers of the outermost dropInTurn() on this thread; null while no dropInTurn()
+/// runs. A plain pointer has no destructor. It can therefore still be used when objects
+/// are destroyed after the thread's other variables.
 thread_local std::vector<std::shared_ptr<const void>>* t_pQueue = nullptr;
 
 } // namespace

@@ -20,14 +20,14 @@ class ScenarioObject;
 
 /// Drops the objects of a document and frees those that then hold only each other.
 /// Shared pointers alone would never free an emitter that its own schedule names.
-/// Objects that a caller still holds, also in a copy of a set or list, stay whole. So
-/// do all objects that they reach.
+/// Objects that a caller still holds, also in a copy of a set or list, keep their
+/// members. So do all objects that are reached from those objects.
 ///
 /// This is trial deletion (Lins 1992). For every object that is reached, the references
-/// from the other reached objects are subtracted from its use count. When the
-/// difference is not 0, the object is held from outside, and it is kept with all
-/// objects that it reaches. The members of the other objects are emptied, which frees
-/// these objects. Time and memory are linear in objects and references. No function
+/// from all reached objects are subtracted from its use count. When the difference is
+/// not 0, the object is held from outside, and it is kept with all objects that it
+/// reaches. The members of the other objects are emptied, which frees these objects.
+/// Time and memory are linear in the number of objects and references. No function
 /// recurses from object to object. An instance exists for one release, on the thread
 /// that the objects belong to.
 class ObjectReleaser
@@ -44,8 +44,8 @@ public:
         releaser.takeApart();
     }
 
-    /// Gives an owner its new objects and releases the former ones. A set leaves
-    /// null out.
+    /// Gives an owner its new objects and releases the former ones. Null is not put
+    /// into a set.
     template<typename Owner>
     static void replace(Owner& a_owner, Owner a_objects)
     {
@@ -61,17 +61,19 @@ public:
     }
 
     /// Releases groups, which may hold each other in circles. The emissions of the
-    /// groups, and what these hold, are not visited.
+    /// groups, and the objects that these emissions hold, are not visited.
     static void releaseGroups(QList<boost::shared_ptr<EmissionSettings::Group>>& a_groups);
 
-    /// Drops pointers one after another, for the destructors of objects. In a chain of
-    /// a million emitters, each of which holds the last pointer to the next one, nested
-    /// destructors would overflow the stack. A call during a drop on the same thread
-    /// only appends its pointers to the pending ones.
+    /// Drops pointers one after another. Destructors of objects call this function.
+    /// Otherwise, nested destructors would overflow the stack in a chain of a million
+    /// emitters where each emitter holds the last pointer to the next. A call inside
+    /// another call on the same thread only appends its pointers to the pending
+    /// pointers of the outer call.
     static void dropInTurn(std::vector<std::shared_ptr<const void>> a_pointers);
 
-    /// An object calls this for each of its members that hold objects: a shared
-    /// pointer or a container of shared pointers. The member is counted or emptied.
+    /// An object calls this function for each of its members that hold objects. Such a
+    /// member is a shared pointer or a container of shared pointers. Counts the
+    /// references of the member, or empties the member while m_bEmptying is set.
     template<typename Object>
     void visit(std::shared_ptr<Object>& a_member)
     {
@@ -88,8 +90,8 @@ public:
             a_member.clear();
             return;
         }
-        // Copies of a container share one set of pointers, which counts as one holder.
-        // After this call the member has pointers of its own.
+        // Copies of a container share one set of pointers, so all copies together are
+        // one holder. detach() gives the member pointers of its own.
         a_member.detach();
         for (const auto& pointer : std::as_const(a_member)) {
             count(pointer);
@@ -107,7 +109,7 @@ private:
         void (ObjectReleaser::*visitMembers)(void*) = nullptr;
         long inside = 0;             ///< references from objects that were reached
         std::size_t firstTarget = 0; ///< index of its first reference in m_targets
-        bool isKept = false;         ///< reached from outside
+        bool isKept = false;         ///< held from outside, or reached from such an object
 
         [[nodiscard]] void* address() const { return object ? object.get() : record.get(); }
         [[nodiscard]] bool isHeldOutside() const

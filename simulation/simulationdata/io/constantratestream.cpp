@@ -26,12 +26,12 @@ bool isUsable(float a_fRate)
     return std::isfinite(a_fRate) && a_fRate > 0.0F;
 }
 
-/// The number of items in a time: floor(ms * rate / 1000). Saturates.
+/// The number of items in a time (ms): floor(ms * rate / 1000). Saturates at 2^64 - 1.
 std::uint64_t itemsIn(std::uint32_t a_uiMilliseconds, float a_fRate)
 {
     constexpr double dTwoTo64 = 18446744073709551616.0;
-    // The product is in single precision and the quotient in double. Writers of
-    // recordings calculate it in the same way, so the cut falls on the same item.
+    // The product is in single precision and the quotient in double precision. Writers
+    // of recordings calculate the number in the same way, so both give the same item.
     const float fProduct = static_cast<float>(a_uiMilliseconds) * a_fRate;
     const double dItems = static_cast<double>(fProduct) / static_cast<double>(s_fMillisecondsPerSecond);
     return dItems < dTwoTo64 ? static_cast<std::uint64_t>(dItems) : std::numeric_limits<std::uint64_t>::max();
@@ -93,8 +93,8 @@ ConstantRateStream::Span ConstantRateStream::span(std::uint32_t a_uiStart, std::
     if (uiLength == 0) {
         return {};
     }
-    // In a long stream the single-precision length may be rounded up. A start just
-    // below it may then lie after the last item, so the item's index is taken modulo
+    // In a long stream the single-precision length may be rounded up. A start just below
+    // this length may then lie after the last item, so the item's index is taken modulo
     // the count.
     const Span span{itemsIn(a_uiStart % uiLength, m_fRate) % m_uiCount, itemsIn(a_uiDuration, m_fRate)};
     const std::uint64_t uiBound =

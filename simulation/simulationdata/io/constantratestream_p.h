@@ -8,8 +8,9 @@
 
 namespace Simulation {
 
-/// A stream of items of equal size in a file, at a constant rate, which repeats
-/// over its own length. The file is not owned. Does not lock: one thread at a time.
+/// A stream of items of equal size in a file, at a constant rate. The stream repeats
+/// over its own length. The file is not owned. The operations do not lock: an object
+/// may be used by one thread at a time.
 class ConstantRateStream
 {
 public:
@@ -23,11 +24,11 @@ public:
     /// `a_iFirstByte` is the offset of the first item in the file.
     ConstantRateStream(QFile& a_file, qint64 a_iFirstByte, std::uint32_t a_uiItemBytes);
 
-    /// Reads the stream's header, which the first item follows. The header begins with
-    /// the rate (32-bit float) and the number of items (64 bits), both little-endian.
-    /// Items that the file does not hold are not counted. Traces once when the file
-    /// holds fewer items than the header claims or length() is 0. False with a reason
-    /// when the header is cut short.
+    /// Reads the stream's header: the `a_header.size()` bytes before the first item.
+    /// The header begins with the rate (32-bit float) and the number of items (64
+    /// bits), both little-endian. Items that the file does not hold are not counted.
+    /// Traces once when the file holds fewer items than the header claims or length()
+    /// is 0. False with a reason when the header is cut short.
     [[nodiscard]] bool readHeader(std::span<char> a_header, QString* a_pReason);
 
     /// Items per second, as the header claims.

@@ -98,7 +98,8 @@ void repeat(void* a_pTarget, qint64 a_iPeriod, qint64 a_iBytes)
 
 qint64 readAt(QFile& a_file, qint64 a_iOffset, void* a_pTarget, qint64 a_iBytes)
 {
-    // A seek past the end may succeed, or fail with a warning from QFile.
+    // The offset is checked first, because a seek past the end may succeed, or fail with
+    // a warning from QFile.
     if (a_file.pos() != a_iOffset &&
         (a_iOffset < 0 || a_iOffset > a_file.size() || !a_file.seek(a_iOffset))) {
         return 0;

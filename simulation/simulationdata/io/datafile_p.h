@@ -14,24 +14,25 @@
 
 namespace Simulation {
 
-/// Common operations of the readers of binary data files. They read by offset and
-/// check every value of a header before they use it.
+/// Common operations of the readers of binary data files. The readers read by offset
+/// and check every value of a header before they use the value.
 
-/// Opens the file for reading. Regular files only: reading from a pipe could block
-/// without limit. False with a reason.
+/// Opens a regular file for reading. Other files are refused: reading from a pipe could
+/// block without limit. Returns false with a reason when the file cannot be opened.
 [[nodiscard]] bool openDataFile(QFile& a_file, QString* a_pReason,
                                 QIODevice::OpenMode a_eMode = QIODevice::ReadOnly);
 
-/// What identifies one of our own file formats.
+/// The values that identify one of the system's own file formats.
 struct DataFileKind
 {
     const char* szName;      ///< for traces, for example "symbol data file"
     const char* szMagic;     ///< the first seven characters of a file
-    std::uint32_t uiVersion; ///< the only supported one; follows the magic
+    std::uint32_t uiVersion; ///< the only supported version; follows the magic
 };
 
 /// Opens a file of a kind, reads its header and checks the magic and the version at the
-/// header's start. False with a reason; the file may then be open or closed.
+/// header's start. On failure returns false with a reason; the file may then be open or
+/// closed.
 [[nodiscard]] bool openDataFileOfKind(QFile& a_file, const DataFileKind& a_kind, std::span<char> a_header,
                                       QString* a_pReason, QIODevice::OpenMode a_eMode = QIODevice::ReadOnly);
 
@@ -49,10 +50,9 @@ struct DataFileKind
 /// 0 when it cannot be read.
 [[nodiscard]] qint64 readAt(QFile& a_file, qint64 a_iOffset, void* a_pTarget, qint64 a_iBytes);
 
-/// Reads records of one size from a file that is open unbuffered. Records that are
-/// read one after the other are read ahead; any other access costs one seek and
-/// reads only that record. The buffer is part of the object; no memory is
-/// allocated.
+/// Reads records of one size from a file that is open unbuffered. Access in file order
+/// reads several records at once. Any other access costs one seek and reads only that
+/// record. The buffer is part of the object; no memory is allocated.
 class RecordBuffer
 {
 public:
@@ -71,8 +71,8 @@ private:
     qint64 m_iHeld = 0;
 };
 
-/// Fills `a_iBytes` bytes with repetitions of the first `a_iPeriod` bytes, at least
-/// one. Does nothing when the period covers all bytes.
+/// Fills `a_iBytes` bytes with repetitions of the first `a_iPeriod` bytes. The period
+/// must be at least 1. Does nothing when the period covers all bytes.
 void repeat(void* a_pTarget, qint64 a_iPeriod, qint64 a_iBytes);
 
 /// The little-endian number at an offset of a complete header.
@@ -127,7 +127,8 @@ struct LayoutFile
         return sError;
     }
 
-    /// The value of a getter of the reader, or the default value without a reader.
+    /// The value that a getter of the reader returns; the type's default value when
+    /// there is no reader.
     template<typename Value>
     [[nodiscard]] Value ask(Value (Reader::*a_pGetter)() const)
     {

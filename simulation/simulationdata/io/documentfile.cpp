@@ -16,7 +16,8 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/documentfile";
 constexpr qint64 s_iChunkBytes = qint64{1} << 20;
-constexpr std::uint64_t s_uiLargestDocument = std::uint64_t{1} << 40; ///< (bytes), whatever the limit
+/// The largest document (bytes), even if Limits::DocumentBytes is set higher.
+constexpr std::uint64_t s_uiLargestDocument = std::uint64_t{1} << 40;
 
 bool failToSave(const QString& a_sFile, const QString& a_sReason, QString* a_pReason)
 {
@@ -63,8 +64,8 @@ std::optional<QByteArray> readDocument(QIODevice* a_pDevice, QString* a_pReason)
     }
     QByteArray data;
     if (!a_pDevice->isSequential()) {
-        // The buffer has room for one more byte than the rest. Reading that byte shows
-        // whether the file grows meanwhile.
+        // The buffer has room for the remaining bytes and one more. Reading that byte
+        // shows whether the file grows meanwhile.
         const qint64 iRest = std::max<qint64>(a_pDevice->size() - a_pDevice->pos(), 0);
         data.reserve(static_cast<qsizetype>(std::min(iRest, iLimit)) + 1);
     }
@@ -74,6 +75,7 @@ std::optional<QByteArray> readDocument(QIODevice* a_pDevice, QString* a_pReason)
         data.resize(static_cast<qsizetype>(iHeld + iWanted));
         const qint64 iRead = a_pDevice->read(data.data() + iHeld, iWanted);
         data.resize(static_cast<qsizetype>(iHeld + std::max<qint64>(iRead, 0)));
+        // A sequential device also returns -1 at its end, for example a closed socket.
         if (iRead < 0 && !a_pDevice->isSequential()) {
             *a_pReason = a_pDevice->errorString();
             return std::nullopt;

@@ -13,8 +13,8 @@ namespace Simulation {
 /// Replaces the content of the file, whole or not at all: the old file stays when
 /// the disk is full or the process dies. The new file is made beside the old one,
 /// so the folder must be writable. Devices and folders are refused, and so is a
-/// document that is too large to be read back. False after one trace, with the
-/// reason unless `a_pReason` is null.
+/// document that is too large to be read back. On failure returns false after one
+/// trace and sets the reason, unless `a_pReason` is null.
 [[nodiscard]] bool saveDocument(const QString& a_sFile, const QByteArray& a_data,
                                 QString* a_pReason = nullptr);
 
@@ -22,11 +22,12 @@ namespace Simulation {
 /// Limits::DocumentBytes.
 [[nodiscard]] bool checkDocumentBytes(qint64 a_iBytes, QString* a_pReason);
 
-/// All bytes that the open device still holds. No value, with a reason, when they
+/// All remaining bytes of the open device. No value, with a reason, when the bytes
 /// exceed Limits::DocumentBytes or the device cannot be read.
 [[nodiscard]] std::optional<QByteArray> readDocument(QIODevice* a_pDevice, QString* a_pReason);
 
-/// Like readDocument(), for a file. It must be a regular file or a pipe, not a folder.
+/// Like readDocument(), for a file. The file must be a regular file or a pipe, not a
+/// folder.
 [[nodiscard]] std::optional<QByteArray> loadDocument(const QString& a_sFile, QString* a_pReason);
 
 } // namespace Simulation

@@ -29,8 +29,8 @@ QString lockFile(const QString& a_sFolder)
     return QDir(a_sFolder).filePath(s_sLockName);
 }
 
-/// The descriptor of the lock file, or -1 with errno. It is open for reading only
-/// when the file belongs to another user or the folder is not writable.
+/// The descriptor of the lock file, or -1 with errno. A file that must not be written is
+/// opened read-only: a file of another user, or a file in a folder that is not writable.
 int openLockFile(const QByteArray& a_name)
 {
     // Opening a pipe or a device of that name must not block the program.
@@ -51,8 +51,8 @@ bool isRegularFile(int a_iFile)
     return ::fstat(a_iFile, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-/// 0 when the lock is held, else errno: EWOULDBLOCK when another holder kept it
-/// during the whole wait.
+/// 0 when the lock has been acquired, else errno: EWOULDBLOCK when another holder kept
+/// the lock during the whole wait.
 int waitForLock(int a_iFile, std::chrono::milliseconds a_timeout)
 {
     const QDeadlineTimer deadline(a_timeout);

@@ -7,11 +7,12 @@
 
 namespace Simulation {
 
-/// Keeps other processes, and other objects in this process, from changing a folder
-/// as long as it lives. It is an advisory lock of the operating system on a file in
-/// the folder. The system releases it when the process ends, even after a crash;
-/// the content of the file does not matter. The file is never removed: otherwise
-/// two processes could lock two different files of the same name.
+/// Locks a folder while the object exists, so that no other process and no other object
+/// in this process changes the folder. The lock is an advisory lock of the operating
+/// system on a file in the folder: it excludes only code that uses FolderLock, too. The
+/// system releases the lock when the process ends, even after a crash; the content of
+/// the file does not matter. The file is never removed: otherwise two processes could
+/// lock two different files of the same name.
 class FolderLock
 {
 public:

@@ -30,7 +30,7 @@ bool isZlibHeader(QByteArrayView a_bytes)
            ((uiMethod << uiByteShift) | uiFlags) % uiCheckDivisor == 0;
 }
 
-/// A count for zlib, which counts in 32 bits.
+/// A number of bytes, at most 2^32 - 1, because zlib counts in 32 bits.
 unsigned int clampedCount(qsizetype a_iBytes)
 {
     return static_cast<unsigned int>(std::min<qsizetype>(a_iBytes, std::numeric_limits<unsigned int>::max()));
@@ -78,6 +78,7 @@ Inflater::Inflater(QByteArrayView a_stream, qsizetype a_iClaimed)
     : m_pEnd(a_stream.data() + a_stream.size())
     , m_iClaimed(a_iClaimed)
 {
+    // With this bound, doubling the buffer cannot overflow.
     constexpr std::uint64_t uiMost = std::numeric_limits<qsizetype>::max() / 4;
     m_iLimit = static_cast<qsizetype>(std::min(Limits::value(Limits::InflatedBytes), uiMost));
     // zlib only reads its input, although next_in is not const.
@@ -138,7 +139,7 @@ std::optional<QByteArray> inflateBounded(QByteArrayView a_data, QString* a_pReas
     const auto uiClaimed = qFromBigEndian<quint32>(a_data.data());
     const QByteArrayView stream = a_data.sliced(s_iLengthBytes);
     if (stream.isEmpty() && uiClaimed == 0) {
-        return QByteArray(""); // how qCompress writes an empty content
+        return QByteArray(""); // qCompress() writes empty content without a stream
     }
     if (stream.size() < s_iZlibHeaderBytes || !isZlibHeader(stream)) {
         return refused(QStringLiteral("the content is not a zlib stream"), a_pReason);

@@ -6,10 +6,10 @@
 
 namespace Simulation {
 
-/// Converts a real number to an unsigned 32-bit count, for every input. The number is
-/// truncated to a signed 64-bit integer, whose low 32 bits are the result: small
-/// negative numbers wrap round, which the times of sweeps and hops depend on. A
-/// number beyond 64 bits, and NaN, give 0.
+/// Converts a real number to an unsigned 32-bit count. The result is defined for every
+/// input. The number is truncated to a signed 64-bit integer, and the low 32 bits are the
+/// result. Small negative numbers therefore wrap round; the times of sweeps and hops
+/// depend on this. NaN and numbers beyond 64 bits give 0.
 [[nodiscard]] inline std::uint32_t toUInt32(double a_dValue)
 {
     constexpr double dTwoTo63 = 9223372036854775808.0;

@@ -7,9 +7,10 @@
 namespace Simulation {
 
 /// A queue of received bytes, which are appended at the end and taken from the front.
-/// The time is linear in the number of bytes, whatever the sizes of the pieces:
-/// taking bytes leaves a gap at the front, which is closed once it is larger than the
-/// rest. Used by one thread at a time; a default object is empty.
+/// Taking bytes leaves a gap at the front. append() closes the gap once it is larger than
+/// the remaining bytes. The total time is therefore linear in the number of bytes,
+/// whatever the sizes of the pieces. Used by one thread at a time; a default object is
+/// empty.
 class ReceiveBuffer
 {
 public:
@@ -54,7 +55,7 @@ public:
 
 private:
     QByteArray m_bytes;
-    qsizetype m_iTaken = 0; ///< the gap at the front
+    qsizetype m_iTaken = 0; ///< size of the gap at the front (bytes)
 };
 
 } // namespace Simulation

@@ -7,8 +7,8 @@
 
 namespace Simulation {
 
-/// Traces the QString that `a_message` returns when the trace mask has the category.
-/// Otherwise the function is not called, so a masked trace formats nothing.
+/// When the trace mask has the category, calls `a_message` and traces the QString that it
+/// returns. Otherwise `a_message` is not called, so a masked trace formats nothing.
 template<typename Message>
 void trace(ErrorHandler::TraceCategory a_eCategory, const char* a_szSource, const Message& a_message,
            int a_iLine = __builtin_LINE())

@@ -59,8 +59,9 @@ constexpr std::uint16_t s_uiExtensibleTag = 65534;
 constexpr unsigned int s_uiBitsPerByte = 8;
 constexpr unsigned int s_uiBitsFloat = 32;
 
-/// The last 14 bytes of a sub-format id that stands for a format tag:
-/// XXXX0000-0010-0010-8000-00AA00389B71. Its first two bytes are that tag.
+/// The last 14 bytes of a sub-format id that represents a format tag. Such an id is the
+/// GUID 0000XXXX-0000-0010-8000-00AA00389B71, where XXXX is the tag. In the file, the tag
+/// is the first two bytes of the id.
 constexpr std::array<unsigned char, 14> s_subFormatTail{0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
                                                         0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 
@@ -84,8 +85,9 @@ struct Chunk
     [[nodiscard]] qint64 next() const { return end() + size % 2; }
 };
 
-/// Labels do not declare their encoding: UTF-8 where it is valid, else Latin-1,
-/// since older programs wrote the encoding of their system.
+/// The text of a label. Labels do not declare their encoding. Bytes that are valid UTF-8
+/// are read as UTF-8, all others as Latin-1, because older programs wrote the encoding of
+/// their system.
 QString labelText(const QByteArray& a_bytes)
 {
     const QByteArrayView text(
@@ -170,7 +172,7 @@ std::optional<WaveContents> ChunkReader::read()
     return std::move(m_contents);
 }
 
-/// False when less than a header is left.
+/// False when the rest of the file is shorter than a header.
 bool ChunkReader::readHeader(qint64 a_iOffset, Chunk* a_pChunk)
 {
     std::array<char, s_iChunkHeaderBytes> header{};
@@ -294,14 +296,16 @@ bool ChunkReader::readSubFormat(const char* a_pFormat)
                       .arg(s_uiFloatTag));
 }
 
-/// A frame must consist of one sample per channel and nothing else, because all
-/// later sizes and offsets depend on it: blockAlign = channels * ceil(bits / 8).
+/// Checks that a frame consists of one sample per channel and nothing else:
+/// blockAlign = channels * ceil(bits / 8). All later sizes and offsets depend on this
+/// equation.
 bool ChunkReader::checkFormat()
 {
     const WaveFileReader::Format& format = m_contents.format;
     const unsigned int uiSampleBytes = (format.bitsPerSample + s_uiBitsPerByte - 1) / s_uiBitsPerByte;
     const std::uint64_t uiFrameBytes = std::uint64_t{format.channels} * uiSampleBytes;
-    // Floating-point samples of 8 or 16 bits must not be taken for PCM.
+    // Floating-point samples of fewer than 32 bits are refused, because they could be
+    // mistaken for PCM.
     const bool bFloat = m_contents.floatSamples && format.bitsPerSample < s_uiBitsFloat;
     return (uiFrameBytes != 0 && uiFrameBytes == format.blockAlign && !bFloat) ||
            refuse(QStringLiteral("%1 channels of %2 bits%3 do not make frames of %4 bytes")

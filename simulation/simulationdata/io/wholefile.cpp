@@ -120,8 +120,8 @@ void failToCopy(const QString& a_sReason, QString* a_pReason)
     }
 }
 
-/// Renames a file to its final name unless that name is in use. False with an empty
-/// reason when it is in use, else with the reason of the failure.
+/// Renames a file to its final name unless that name is in use. Returns false with an
+/// empty reason when the name is in use, and false with a reason after any other failure.
 bool renameWithoutReplacing(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason)
 {
     const std::filesystem::path from = nativePath(a_sFrom);
@@ -152,8 +152,8 @@ bool renameWithoutReplacing(const QString& a_sFrom, const QString& a_sTo, QStrin
 QString temporaryName(const QString& a_sFile)
 {
     static std::atomic<unsigned int> s_uiCount{0};
-    // The file's own name is not part of it, because that may already have the
-    // maximum length.
+    // The temporary name does not contain the file's own name, because the own name may
+    // already have the maximum length.
     return QFileInfo(a_sFile).dir().filePath(QStringLiteral("simulationdata.%1.%2.%3.%4.tmp")
                                                  .arg(machineText())
                                                  .arg(QCoreApplication::applicationPid())

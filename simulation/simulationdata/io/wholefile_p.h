@@ -12,28 +12,31 @@ namespace Simulation {
 /// written under a temporary name and then renamed. A process that dies or a full
 /// disk leaves no partial file under a final name. Any thread may call.
 
-/// A new name in the same folder. No other call and no other process uses it or has
-/// used it, because it contains the id of this process and a random number that the
-/// process draws once.
+/// A new path in the folder of `a_sFile`. No other call and no other process uses or has
+/// used the name: it contains the id of this process, a random number that the process
+/// draws once, and the number of the call.
 [[nodiscard]] QString temporaryName(const QString& a_sFile);
 
-/// Removes temporary files and folders that dead processes of this machine left
-/// directly in the folder. Their names are those of temporaryName(). They are
-/// recognised even when this process has the id of the dead one.
+/// Removes temporary files and folders that dead processes of this machine left directly
+/// in the folder. Only files and folders with a name of temporaryName() are removed. The
+/// random number in the name distinguishes this process from a dead process with the
+/// same id.
 void removeAbandonedFiles(const QString& a_sFolder);
 
 /// Copies a regular file or a resource, whole or not at all, and waits until the data
-/// is on the disk. The copy has the permissions of a new file. False with a reason and
-/// after a trace. A file of that name is never replaced: then the result is false with
-/// a reason, but without a trace, because another process may just have made the file.
+/// is on the disk. The copy has the permissions of a new file. On failure returns false
+/// with a reason, after a trace. An existing file is never replaced. The result is then
+/// false with a reason, but without a trace, because another process may just have made
+/// the file.
 [[nodiscard]] bool copyFileWhole(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason = nullptr);
 
 /// Renames a complete file to its final name on the same file system and replaces a
-/// file of that name. False with a reason.
+/// file of that name. On failure returns false with a reason.
 [[nodiscard]] bool replaceByRename(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason);
 
-/// Copies a file as copyFileWhole() does, but replaces an existing file. A process
-/// that has the old file open keeps it. False with a reason and after one trace.
+/// Copies a file as copyFileWhole() does, but replaces an existing file. A process that
+/// has the old file open can still read the old content. On failure returns false with a
+/// reason, after one trace.
 [[nodiscard]] bool replaceByCopy(const QString& a_sFrom, const QString& a_sTo, QString* a_pReason);
 
 /// Makes a file or folder writable by its owner; on Windows sets the four write
