@@ -84,8 +84,8 @@ int PDWFile::addPDW(const CPackedPDW* a_pRecord)
 
 void PDWFile::write()
 {
-    // A stream that is open for reading must not try to write: the failure would
-    // also stop the reading.
+    // A failed write to a stream that is open for reading would also stop the
+    // reading.
     if (m_bForWriting && m_stream.good() && m_stream.is_open()) {
         writeBlock();
         if (!m_stream.good()) {

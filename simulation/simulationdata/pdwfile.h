@@ -10,8 +10,8 @@
 #include <fstream>
 #include <vector>
 
-/// A pulse descriptor word of 32 bytes. The applications define its content; this
-/// class only copies its bytes.
+/// A pulse descriptor word of 32 bytes. The applications define its content; PDWFile
+/// only copies its bytes.
 struct CPackedPDW;
 
 /// Writes or reads a file of pulse descriptor words.
@@ -49,17 +49,17 @@ public:
     /// the result may then be 0.
     int addPDW(const CPackedPDW* a_pRecord);
 
-    /// Writes the buffered records as one block, even when there are none. This
+    /// Writes the buffered records as one block, even when there are none. Writing
     /// fails when the file is not open for writing or the disk is full. The records
     /// are then dropped, and no further block is written. The first failed write of
     /// a file is traced.
     void write();
 
     /// Reads the next 32 bytes of the file into the record and returns 32. When the
-    /// file has fewer bytes left, the others are zero. Only such a read detects the
-    /// end of the file, so one record of zeros follows the last complete record.
-    /// After that, returns 0 and leaves the record unchanged. The same applies when
-    /// the file cannot be read.
+    /// file has fewer bytes left, the rest of the record is zero. Only such a short
+    /// read detects the end of the file: after a last record that is complete, one
+    /// record of zeros is read. Every further call returns 0 and leaves the record
+    /// unchanged. The same applies when the file cannot be read.
     int getPDW(CPackedPDW* a_pRecord);
 
 private:

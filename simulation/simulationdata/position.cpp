@@ -280,7 +280,7 @@ Position_t Position::fromString(const QString& a_sText, Format a_eFormat, const 
         return fromGeoShortText(a_sText);
     default:
         Coord coord;
-        coord.SetString(a_sText, coordFormat(a_eFormat)); // (0, 0) when it fails
+        coord.SetString(a_sText, coordFormat(a_eFormat)); // (0, 0) for an invalid text
         return {coord.first(), coord.second()};
     }
 }

@@ -40,37 +40,38 @@ public:
         Maidenhead = 5, ///< JN58SD
     };
 
-    /// Whether two latitudes differ by less than 1e-8 degrees. The longitudes
-    /// are not compared, on purpose: callers rely on it.
+    /// Whether two latitudes differ by less than 1e-8 degrees. The longitudes are
+    /// not compared, on purpose: callers rely on a comparison by latitude only.
     [[nodiscard]] static bool equal(const Position_t& a_first, const Position_t& a_second);
 
     /// Whether the whole text matches regex() of this format and locale.
     [[nodiscard]] static bool validString(const QString& a_sText, Format a_eFormat, const QLocale& a_locale);
 
-    /// Returns a position as text, empty for an unknown format. The Geo forms carry
-    /// no seconds over to minutes: "60" and "60.00" occur, on purpose. A coordinate
-    /// that is not finite gives "nan" or "inf" in the first three forms. For the
-    /// other forms see Coord.
+    /// Returns a position as text, empty for an unknown format. In GeoLong and
+    /// GeoShort, seconds that round to 60 are not carried into the minutes, on
+    /// purpose: the text then has "60.00" or "60" seconds. A coordinate that is not
+    /// finite gives "nan" or "inf" in the first three forms. For the other forms see
+    /// Coord.
     [[nodiscard]] static QString toString(const Position_t& a_position, Format a_eFormat,
                                           const QLocale& a_locale);
     [[nodiscard]] static QString toString(double a_dLongitude, double a_dLatitude, Format a_eFormat,
                                           const QLocale& a_locale);
 
-    /// Returns the position of a text. It is always finite, and (0, 0) for an
-    /// unknown format. Check validString() first: the first three forms are read at
-    /// fixed places, and text that is not a number counts as 0 there. GeoLong reads
-    /// only seconds with a decimal ".". Seconds with a decimal comma are read as 0,
-    /// on purpose.
+    /// Returns the position of a text. The result is always finite. It is (0, 0) for
+    /// an unknown format. Check validString() first: the first three forms are read
+    /// at fixed places, and text that is not a number counts as 0 there. The seconds
+    /// of GeoLong need a decimal "."; seconds with a decimal comma are read as 0, on
+    /// purpose.
     [[nodiscard]] static Position_t fromString(const QString& a_sText, Format a_eFormat,
                                                const QLocale& a_locale);
 
     /// The input mask of a line edit. An unknown format gives the mask of Decimal.
     [[nodiscard]] static QString formatMask(Format a_eFormat, const QLocale& a_locale);
 
-    /// The regular expression of a valid text. An unknown format gives that of
-    /// Decimal. The decimal point is written as "\x" and four hexadecimal digits.
-    /// QRegularExpression does not read these as one character, so use validString()
-    /// to match a text.
+    /// The regular expression of a valid text. An unknown format gives the
+    /// expression of Decimal. The decimal point is written as "\x" and four
+    /// hexadecimal digits. QRegularExpression does not read these as one character,
+    /// so use validString() to match a text.
     [[nodiscard]] static QString regex(Format a_eFormat, const QLocale& a_locale);
 
     /// Every format, in order.

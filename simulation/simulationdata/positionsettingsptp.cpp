@@ -43,9 +43,9 @@ std::uint32_t travelTime(const TPos& a_from, const TPos& a_to, double a_dSpeed)
 }
 
 /// The share of a leg (a_from to a_to) at which a new point lies: the given distance
-/// over the length of the leg, both in degrees of the longitude-latitude plane. The
-/// share is 1 for a distance that is 0 or not finite. It is 0 for coincident points:
-/// they have no direction, so the new point lies on them.
+/// divided by the length of the leg, both in degrees of the longitude-latitude plane.
+/// The share is 1 for a distance that is 0 or not finite. The share is 0 for coincident
+/// points: they have no direction, so the new point lies on them.
 double shareOfLeg(const TPos& a_from, const TPos& a_to, double a_dDistance)
 {
     const double dLength = std::hypot(a_to.longitude - a_from.longitude, a_to.latitude - a_from.latitude);
@@ -76,7 +76,7 @@ PositionSettingsPtp::PositionSettingsPtp(const TPos& a_start, double a_dOffset)
     MovementPoint start;
     start.position = a_start;
     start.major = true;
-    start.speed = 0.0; // never read
+    start.speed = 0.0; // unused, because no leg leads to the first point
     MovementPoint end;
     end.position = offsetBy(a_start, a_dOffset, a_dOffset);
     end.major = true;
@@ -117,8 +117,10 @@ void PositionSettingsPtp::setPoint(int a_iRow, const MovementPoint& a_point)
     if (!hasRow(a_iRow)) {
         return;
     }
+    // a_point may be an element of the list, so its derived fields must be up to date
+    // before it is copied.
     computeLegs();
-    m_movements[a_iRow] = a_point; // a_point may be an element of the list, whose fields are up to date now
+    m_movements[a_iRow] = a_point;
     updatePoint();
 }
 
@@ -145,9 +147,9 @@ void PositionSettingsPtp::setArivalTime(int a_iRow, unsigned int a_uiTime)
     if (a_uiTime < uiDeparture) {
         return;
     }
-    // speed = distance / time. The distance counts from the previous way point, the
-    // time from the departure from the previous point. Time and speed are rounded to
-    // single precision, as in getMovementSpeed().
+    // speed = distance / time. The distance is measured from the previous way point,
+    // the time from the departure from the previous point. Time and speed are rounded
+    // to single precision, as in getMovementSpeed().
     double dDistance = 0.0;
     for (int iRow = a_iRow; iRow > 0; --iRow) {
         dDistance += distance(movements[iRow].position, movements[iRow - 1].position);
@@ -157,7 +159,7 @@ void PositionSettingsPtp::setArivalTime(int a_iRow, unsigned int a_uiTime)
     }
     const double dHours =
         static_cast<float>(a_uiTime - uiDeparture) / static_cast<double>(s_fMillisecondsPerHour);
-    // Without a speed the leg takes no time.
+    // A speed of 0 means that the leg takes no time.
     m_movements[a_iRow].speed =
         dHours > 0.0 ? static_cast<double>(static_cast<float>(dDistance / dHours)) : 0.0;
     updatePoint();
@@ -225,7 +227,7 @@ void PositionSettingsPtp::removeRow(int a_iRow)
     computeLegs();
     const MovementPoint& removed = m_movements[a_iRow];
     MovementPoint& before = m_movements[a_iRow - 1];
-    // A previous intermediate point takes the place of the way point.
+    // An intermediate point before a removed way point becomes the way point.
     if (removed.major && !before.major) {
         before.major = true;
         before.speed = removed.speed;
@@ -372,7 +374,9 @@ TPos PositionSettingsPtp::getPosition()
 
 void PositionSettingsPtp::setPosition(const TPos& a_position)
 {
-    computeLegs(); // distances change with the latitude, but the times stay
+    // The times are computed before the move and stay, although the distances change
+    // with the latitude.
+    computeLegs();
     const TPos first = m_movements.constFirst().position;
     const double dDeltaLongitude = a_position.longitude - first.longitude;
     const double dDeltaLatitude = a_position.latitude - first.latitude;
@@ -419,7 +423,8 @@ double PositionSettingsPtp::headingAt(unsigned int a_uiTime) const
 double PositionSettingsPtp::speedAt(unsigned int a_uiTime) const
 {
     if (const auto stretch = stretchAt(a_uiTime)) {
-        // The speed is that of the leg to this point, not of the leg after it.
+        // The speed is that of the leg to the point reached last, not of the leg after
+        // that point.
         return static_cast<double>(getMovementSpeed(static_cast<int>(*stretch)));
     }
     const auto time = timeInNextCycle(a_uiTime);
@@ -450,14 +455,15 @@ bool PositionSettingsPtp::equal(const IPositionSettings* a_pOther)
 
 IPositionSettings* PositionSettingsPtp::clone()
 {
-    computeLegs(); // so that the copy need not compute them again
+    computeLegs(); // the copy then need not compute the legs again
     auto pClone = std::make_unique<PositionSettingsPtp>(*this);
     pClone->m_bHandedOut = false;
     return pClone.release();
 }
 
-/// Marks the derived fields as outdated. The next query computes them. When a caller
-/// may hold a reference to the points, they are computed at once.
+/// Marks the derived fields of the points as outdated. The next query computes the
+/// fields. When a caller may hold a reference to the points, the fields are computed at
+/// once.
 void PositionSettingsPtp::updatePoint()
 {
     m_bLegsStale = true;
@@ -466,12 +472,12 @@ void PositionSettingsPtp::updatePoint()
     }
 }
 
-/// Computes the derived fields of the points unless they are up to date. Every change
-/// except a full replacement calls this first: the values that an intermediate point
-/// inherits must not depend on when they were last read.
+/// Computes the derived fields of the points unless the fields are up to date. Every
+/// change except a full replacement of the points calls this function first: the values
+/// that an intermediate point inherits must not depend on when they were last read.
 ///
 /// Runs from the last point to the first, because an intermediate point takes the speed
-/// of the next one, which may itself be intermediate.
+/// of the next point. The next point may be an intermediate point, too.
 void PositionSettingsPtp::computeLegs() const
 {
     if (!m_bLegsStale) {
@@ -491,17 +497,17 @@ void PositionSettingsPtp::computeLegs() const
     }
 }
 
-/// The points with their derived fields. Reading through this function also avoids
-/// copies of the mutable list, which a non-const access would make.
+/// The points with their derived fields. Reading through this function also avoids a
+/// copy of the list: a non-const access to the mutable list would detach it.
 const QVector<MovementPoint>& PositionSettingsPtp::points() const
 {
     computeLegs();
     return m_movements;
 }
 
-/// The time (ms) at which each point is reached and, as the last entry, at which the
-/// movement ends: the running sum of dwell and transition times, one entry more than
-/// there are points.
+/// The times (ms) at which the points are reached, one entry for each point. One more
+/// entry at the end is the time at which the movement ends. The entries are the running
+/// sum of dwell and transition times.
 const std::vector<std::uint64_t>& PositionSettingsPtp::arrivals() const
 {
     computeLegs();
@@ -518,8 +524,9 @@ const std::vector<std::uint64_t>& PositionSettingsPtp::arrivals() const
     return m_arrivals;
 }
 
-/// The row of the point at which the emitter dwells or that it left last. No value once
-/// it has reached the last point, whose dwell time is not part of the cycle.
+/// The row of the point at which the emitter dwells or that the emitter left last. No
+/// value once the emitter has reached the last point: the dwell time of that point is
+/// not part of the cycle.
 std::optional<qsizetype> PositionSettingsPtp::stretchAt(unsigned int a_uiTime) const
 {
     const std::vector<std::uint64_t>& times = arrivals();

@@ -16,11 +16,11 @@ namespace Simulation {
 /// A movement from way point to way point. At each point the emitter first dwells,
 /// then travels to the next.
 ///
-/// There is always at least one point. After the last point the movement stays
-/// there, restarts, or ends the emitter's activity. The dwell time of the last point
-/// counts only when the movement ends the activity. The first query computes the
+/// There is always at least one point. After the last point the emitter stays there,
+/// restarts from the first point, or becomes inactive. The dwell time of the last
+/// point counts only when the emitter becomes inactive. The first query computes the
 /// derived values: the transition times, and the speed and dwell time of
-/// intermediate points. So a document is read without geodesy.
+/// intermediate points. Reading a document therefore needs no geodetic calculation.
 class SIMULATIONDATA_EXPORT PositionSettingsPtp : public IPositionSettings
 {
 public:
@@ -50,8 +50,8 @@ public:
     /// When a point is reached (ms, at most 0xFFFFFFFF). 0 for row 0 and below. Rows
     /// after the last give the end of the movement. Pointers that are not null
     /// receive the range that setArivalTime() accepts: from the departure from the
-    /// previous point to 0xFFFFFFFF. For row 0 both are 0. The spelling is part of
-    /// the interface.
+    /// previous point to 0xFFFFFFFF. For row 0 both ends of the range are 0. The
+    /// spelling is part of the interface.
     unsigned int getArivalTime(int a_iRow, unsigned int* a_pMin = nullptr,
                                unsigned int* a_pMax = nullptr) const;
 
@@ -67,9 +67,10 @@ public:
     unsigned int getDepartureTime(int a_iRow, unsigned int* a_pMin = nullptr,
                                   unsigned int* a_pMax = nullptr) const;
 
-    /// Sets the dwell time of a point to the time (ms) since its arrival, modulo
-    /// 2^32. An intermediate point keeps this dwell time only until the points
-    /// change; then it is 0 again. Ignored for a row out of range.
+    /// Changes the dwell time of a point so that the point is left at a time (ms).
+    /// The dwell time becomes this time minus the arrival time, modulo 2^32. An
+    /// intermediate point keeps this dwell time only until the points change; then
+    /// its dwell time is 0 again. Ignored for a row out of range.
     void setDepartureTime(int a_iRow, unsigned int a_uiTime);
 
     /// The speed (km/h) on the leg to a point, calculated from the distance and the
@@ -83,9 +84,9 @@ public:
 
     /// Inserts a point after a row. The new point is on the straight line (in
     /// degrees) to the next point, `a_dDistance` degrees away but at most at 70 % of
-    /// the way. A distance of 0 means 70 %. A negative distance lies in the opposite
-    /// direction. With a name that is not null, the new point is a way point.
-    /// Ignored for rows below 0.
+    /// the way. A distance of 0 means 70 %. With a negative distance, the point lies
+    /// in the opposite direction. With a name that is not null, the new point is a
+    /// way point. Ignored for rows below 0.
     ///
     /// After the last row, the last leg is extended by the distance, or by its own
     /// length when the distance is 0. A named point becomes the new end. Without a
@@ -100,11 +101,11 @@ public:
     /// for rows out of range.
     void insertRowsAfter(int a_iRow, QVector<MovementPoint> a_points);
 
-    /// Inserts `a_iCount` intermediate points after a row. They lie on an arc of
-    /// `a_dRadius` metres that turns by `a_iAngle` degrees; a positive angle turns
-    /// right. The first of them lies on the point of the row. The heading at the
-    /// first row counts as north. Ignored for rows out of range, and for counts
-    /// below 1 or above Limits::ArcPoints.
+    /// Inserts `a_iCount` intermediate points after a row. The points lie on an arc
+    /// of `a_dRadius` metres that turns by `a_iAngle` degrees; a positive angle turns
+    /// right. The first new point lies on the point of the row. The heading at row 0
+    /// counts as north, because no leg leads to that row. Ignored for rows out of
+    /// range, and for counts below 1 or above Limits::ArcPoints.
     void insertArcAfter(int a_iRow, int a_iCount, int a_iAngle, double a_dRadius);
 
     /// Every point but the first can be removed.
@@ -133,8 +134,8 @@ public:
     /// query for a time takes O(log n) in the number of points.
     [[nodiscard]] TPos getPositionAt(unsigned int a_uiTime) override;
 
-    /// The azimuth at the start of the current leg. While the emitter dwells, this
-    /// is its next leg; after the end, its last leg.
+    /// The azimuth at the start of the current leg. While the emitter dwells, the
+    /// current leg is the next one; after the end, it is the last one.
     [[nodiscard]] double headingAt(unsigned int a_uiTime) const override;
 
     /// The speed (km/h) of the leg that led to the point where the emitter dwells.

@@ -18,8 +18,8 @@ constexpr DataFileKind s_kind{"result data file", "T&K-RDF", 0};
 constexpr std::size_t s_uiTypeAt = 11;
 constexpr std::size_t s_uiHeaderBytes = 12;
 
-// For a constant rate there follow the item rate (32-bit float, per second), the
-// item count (64 bits), a further value (32 bits), and the items.
+// With a constant rate, the next fields are the item rate (32-bit float, per second),
+// the item count (64 bits), a further value (32 bits), and the items.
 constexpr std::size_t s_uiFurtherValueAt = 12;
 constexpr std::size_t s_uiRateHeaderBytes = 16;
 constexpr std::uint32_t s_uiItemBytes = 2;
@@ -30,8 +30,8 @@ class ISpecificReader
 public:
     virtual ~ISpecificReader() = default;
 
-    /// Reads the type's own header, which follows the global one. False with a
-    /// reason; the reader must not be used then.
+    /// Reads the type's own header, which follows the global header. On failure,
+    /// returns false with a reason, and the reader must not be used.
     [[nodiscard]] virtual bool init(QString* a_pReason) = 0;
     [[nodiscard]] virtual std::uint32_t length() const = 0;
     [[nodiscard]] virtual QByteArray readResultData(std::uint32_t a_uiStart, std::uint32_t a_uiDuration) = 0;
@@ -84,7 +84,7 @@ struct ResultDataFile::State : LayoutFile<ISpecificReader>
 {
     using LayoutFile::LayoutFile;
 
-    /// The reader of the data type that the header names. Null with sError set.
+    /// The reader for the data type in the header. On failure, null with sError set.
     [[nodiscard]] std::unique_ptr<ISpecificReader> readHeader();
 };
 
@@ -140,8 +140,8 @@ QString ResultDataFile::errorString() const
 
 ResultDataFile::ResultDataType ResultDataFile::resultDataType() const
 {
-    // Files of any other type do not open, and without an open file the value is 0,
-    // the same type.
+    // A file of any other type cannot be opened. Without an open file the value is 0,
+    // which is DT_CBR, too.
     return DT_CBR;
 }
 

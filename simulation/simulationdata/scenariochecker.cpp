@@ -77,8 +77,8 @@ void IdRule::check(const QString& a_sId, QList<ScenarioFinding>& a_findings)
     }
 }
 
-/// The rule about missing settings: sets those of a new object, with a finding for
-/// each.
+/// The rule about missing settings objects. Each missing one is replaced by that of a
+/// new object, with one finding.
 class SettingsRule
 {
 public:
@@ -121,7 +121,7 @@ void SettingsRule::check(ScenarioObject& a_object, SzenarioEmitter* a_pEmitter,
 /// An object and the key by which its findings are sorted.
 struct Subject
 {
-    std::tuple<bool, QString, QString> key; ///< is not an emitter, id, name
+    std::tuple<bool, QString, QString> key; ///< whether it is no emitter, id, name
     ScenarioObject* object = nullptr;
     SzenarioEmitter* emitter = nullptr; ///< the object as an emitter; null when it is not one
 };
@@ -172,8 +172,8 @@ QList<ScenarioFinding> Run::checkPackages(std::span<const Subject> a_alike)
 {
     PackageRule::Tallies tallies;
     for (const Subject& subject : a_alike) {
-        // ScenarioObject::emissionSettings() returns a member's own schedule. The
-        // schedule of its network is checked with the network.
+        // The qualified call returns the own schedule of a network's member. The
+        // schedule of the network is checked with the network.
         m_packages->check(*subject.object->ScenarioObject::emissionSettings(), tallies);
     }
     QList<ScenarioFinding> findings;
@@ -196,7 +196,8 @@ QList<ScenarioFinding> Run::check(std::span<const Subject> a_alike)
         }
         m_settings.check(*subject.object, subject.emitter, others);
     }
-    // Texts of one rule have the same beginning, and the value concerned follows.
+    // The objects come from a set without order. Sorted by rule and text, the findings
+    // are the same in every run.
     std::sort(others.begin(), others.end(),
               [](const ScenarioFinding& a_first, const ScenarioFinding& a_second) {
                   return std::tie(a_first.ruleId, a_first.text) < std::tie(a_second.ruleId, a_second.text);

@@ -24,7 +24,7 @@ struct ScenarioFinding
     bool repaired = false; ///< whether the repair has removed this finding from the object
 };
 
-/// Checks the objects of a scenario and repairs them in place where it can, so that
+/// Checks the objects of a scenario and repairs them in place where possible, so that
 /// a scenario can be played without further checks. There are four rules:
 ///
 /// - Every emission of an object's own schedule has a signal package that the
@@ -33,8 +33,8 @@ struct ScenarioFinding
 ///   read by that record. A superseded package is thus replaced by its successor;
 ///   this is not a finding.
 /// - Every emitter has an id of its own, in the scenario and in the document that it
-///   was read from. A reader merges emitters that share an id. Reported only.
-/// - The class of every emitter is a known one. Reported only.
+///   was read from. A reader merges emitters that share an id. Listed, not repaired.
+/// - The class of every emitter is a known one. Listed, not repaired.
 /// - Every object has its settings objects. Missing ones are replaced by those of a
 ///   new object.
 ///
@@ -53,16 +53,16 @@ public:
     /// The provider is not owned and must outlive the checker. Null disables the rule
     /// about packages.
     ///
-    /// The provider may differ from the one that loaded the scenario, and should. A
-    /// provider that resolves unknown ids to its default package hides them from the
-    /// check.
+    /// The provider should not be the provider that loaded the scenario. A loading
+    /// provider that resolves unknown ids to its default package hides these ids
+    /// from the check.
     explicit ScenarioChecker(ISignalPackageProvider* a_pProvider);
 
-    /// Sets the classes that emitters may have. An emitter without a class has an
-    /// empty one. An empty set accepts every class.
+    /// Sets the classes that emitters may have. The class of an emitter without one
+    /// is the empty text. An empty set accepts every class.
     void setKnownClasses(const QSet<QString>& a_classes) { m_knownClasses = a_classes; }
 
-    /// Checks all objects of the scenario, including objects with other owners.
+    /// Checks all objects of the scenario, including those with further owners.
     /// Replaces the findings of the last run. O(n log n) in objects and emissions.
     /// The provider is called once per package id. One trace when there are
     /// findings.
@@ -76,11 +76,12 @@ public:
     [[nodiscard]] bool hadInvalidClasses() const { return count(s_sInvalidClass) != 0; }
     [[nodiscard]] bool hadNullPointerSettings() const { return count(s_sMissingSettings) != 0; }
 
-    /// The findings of the last run. Emitters come before networks, each sorted by
-    /// id and name. The findings of one object are in the order of the rules above.
-    /// There is one finding per package id, class and settings object. A shared id
-    /// is listed at the first object that has it. An emission that several schedules
-    /// share is counted at the first of them. The same scenario gives the same list.
+    /// The findings of the last run. Emitters come before networks; both groups are
+    /// sorted by id and name. The findings of one object are in the order of the
+    /// rules above. There is one finding per package id, class and settings object.
+    /// A shared id is listed at the first object with this id. An emission that
+    /// several schedules share is counted at the first of these schedules. The same
+    /// scenario gives the same list.
     [[nodiscard]] const QList<ScenarioFinding>& findings() const { return m_findings; }
 
 private:

@@ -52,8 +52,8 @@ bool PackageRule::isUsable(const SignalPackage& a_package)
     return m_default && m_default->id() == a_package.id();
 }
 
-/// Replaces the package by the provider's record, because only that has duration and
-/// content. A record that contains only an id is not used.
+/// Replaces the package by the provider's record, because only that record has duration
+/// and content. A record that contains only an id is not used.
 void PackageRule::takeOwnRecord(std::shared_ptr<SignalPackage>& a_package)
 {
     const std::shared_ptr<SignalPackage> own = ownRecord(a_package->id());

@@ -56,7 +56,7 @@ private:
     QHash<QString, std::shared_ptr<SignalPackage>> m_answers; ///< the provider's records, by id
     bool m_bAskedForDefault = false;
     std::shared_ptr<SignalPackage> m_default;
-    QSet<const EmissionSettings::Emission*> m_unrepaired; ///< already counted
+    QSet<const EmissionSettings::Emission*> m_unrepaired; ///< counted but not repaired
 };
 
 } // namespace Simulation

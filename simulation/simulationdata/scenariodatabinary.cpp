@@ -78,7 +78,7 @@ void ScenarioDataBinary::setDefaultEmitter(const std::shared_ptr<SzenarioEmitter
     }
 }
 
-/// Whether a reader accepts the scenario; false with a reason.
+/// Whether a reader accepts the scenario. Otherwise `a_pReason` receives the reason.
 bool ScenarioDataBinary::fitsReader(QString* a_pReason) const
 {
     constexpr qsizetype iLargestCount = std::numeric_limits<qint32>::max();

@@ -28,12 +28,13 @@ class SzenarioEmitter;
 /// back as a plain emitter.
 ///
 /// The object shares the ownership of its emitters and networks. When they are
-/// replaced or the object is destroyed, it breaks the reference circles of emitters
-/// and networks without another holder. Used from one thread. A new object is empty.
+/// replaced or the object is destroyed, emitters and networks without another owner
+/// are freed, even when they refer to each other in circles. Used from one thread. A
+/// new object is empty.
 class SIMULATIONDATA_EXPORT ScenarioDataBinary
 {
 public:
-    /// An emitter whose link target was not found when it was read.
+    /// An emitter whose link target was not found when the emitter was read.
     struct UnresolvedLink
     {
         QString emitterId;
@@ -88,15 +89,16 @@ public:
     /// of the reader. A scenario without emitters takes four bytes.
     [[nodiscard]] QByteArray toBinary() const;
 
-    /// Reads a stream from the current position of the device and does not read past
-    /// its end. The function does not wait: when the device has no bytes available,
+    /// Reads a stream from the current position of the device, but no bytes after
+    /// the stream. The function does not wait: when the device has no bytes available,
     /// the stream counts as ended. The emitters are added to the present ones. The
     /// first emitter with a default mark becomes the default emitter. Without such
     /// an emitter, the present default emitter stays.
     ///
-    /// A link is resolved to the emitter with that id that was read last. If none
-    /// was read, it is resolved to one that was present before. An emitter is never
-    /// linked to itself.
+    /// A link refers to its target by id. Among the emitters read so far, the last
+    /// one with this id becomes the target. If there is none, an emitter with this id
+    /// that was present before becomes the target. An emitter is never linked to
+    /// itself.
     ///
     /// Returns true when all announced records were read. Otherwise returns false
     /// after one trace, with errorString(); complete records are kept. Memory grows
@@ -122,7 +124,7 @@ private:
     std::shared_ptr<SzenarioEmitter> readEmitter(QDataStream& a_stream);
     void link(const std::shared_ptr<SzenarioEmitter>& a_emitter, const QString& a_sTargetId);
     /// While reading: the emitter with that id, or the last one read when several
-    /// have it. Null when no emitter has it.
+    /// emitters have the id. Null when there is no such emitter.
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> emitterForId(const QString& a_sId) const;
 
     ISignalPackageProvider* m_pProvider;

@@ -54,7 +54,8 @@ Emitters inIdOrder(const QSet<std::shared_ptr<SzenarioEmitter>>& a_emitters, con
     return emitters;
 }
 
-/// The rank of each emitter's link target; s_uiNone when the set does not contain one.
+/// The rank of each emitter's link target; s_uiNone for an emitter without a target in
+/// the set.
 std::vector<Rank> targetsOf(const Emitters& a_emitters)
 {
     QHash<const SzenarioEmitter*, Rank> ranks;

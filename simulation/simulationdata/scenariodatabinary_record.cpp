@@ -17,7 +17,7 @@ const QString s_sStreamEnds = QStringLiteral("the stream ends");
 constexpr std::int64_t s_iLengthBytes = 4;
 constexpr std::int64_t s_iFlagBytes = 1;
 constexpr std::int64_t s_iUnitBytes = sizeof(QChar);
-constexpr std::uint32_t s_uiNullText = 0xFFFFFFFF;      ///< as length: the text is null
+constexpr std::uint32_t s_uiNullText = 0xFFFFFFFF;      ///< length of a null text
 constexpr std::int64_t s_iLargestText = 0xFFFFFFFE;     ///< bytes
 constexpr qsizetype s_iPieceUnits = qsizetype{1} << 16; ///< UTF-16 units of a text that are read at once
 
@@ -90,7 +90,8 @@ public:
     }
 
 private:
-    /// A device may return fewer bytes than requested although more follow.
+    /// Reads `a_iBytes` bytes; false when the stream ends before. Reads in a loop,
+    /// because a device may return fewer bytes than requested although more follow.
     bool fill(char* a_pBytes, qsizetype a_iBytes)
     {
         while (a_iBytes > 0) {

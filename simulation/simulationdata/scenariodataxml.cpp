@@ -70,9 +70,10 @@ std::vector<const Object*> inOrder(const ObjectSet& a_objects, const TextOf& a_t
     return objects;
 }
 
-/// Reports emitters that a reader cannot distinguish. Networks do not count: a document
-/// refers to emitters only, so a reader creates a network for every network element,
-/// whatever its id.
+/// The error text for emitters that share an id, because a reader cannot distinguish
+/// them; empty without such emitters. Networks do not count: a document refers to
+/// emitters only, so a reader creates a network for every network element, whatever its
+/// id.
 QString sharedIdsOf(const ObjectSet& a_objects)
 {
     SharedIds ids;
@@ -154,14 +155,14 @@ void ScenarioDataXml::writeHeader(QXmlStreamWriter& a_writer) const
     writeNoiseSettings(a_writer, m_noiseSettings);
 }
 
-/// Reads the children of the root element. Returns an error text when the scenario is
-/// too full for emitters that appear only in references; otherwise empty.
+/// Reads the children of the root element. Returns an error text when the scenario has
+/// no room for emitters that appear only in references; otherwise an empty text.
 QString ScenarioDataXml::readChildren(QXmlStreamReader& a_reader)
 {
     ScenarioReferences references(m_objects, m_pProvider);
     forEachChild(a_reader, [&](QStringView a_sName) { return readChild(a_reader, a_sName, references); });
     const bool bWhole = references.resolve();
-    // Two elements with one id may mark the same emitter twice.
+    // Two elements with one id may mark the same emitter as a default emitter twice.
     QSet<std::shared_ptr<SzenarioEmitter>> seen;
     m_defaultEmitters.removeIf([&](const auto& a_default) {
         const bool bAgain = seen.contains(a_default);
@@ -190,8 +191,8 @@ bool ScenarioDataXml::readChild(QXmlStreamReader& a_reader, QStringView a_sName,
     return true;
 }
 
-/// Calls `a_stillReadable` after every object. False as soon as that function reports
-/// that the text is too long to be read back.
+/// Writes the objects and calls `a_stillReadable` after each. Returns false as soon as
+/// that function reports that the text is too long to be read back.
 bool ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& a_objects,
                                    const QList<std::shared_ptr<SzenarioEmitter>>& a_defaults,
                                    const std::function<bool()>& a_stillReadable)
@@ -290,7 +291,8 @@ QString ScenarioDataXml::xmlForObjects(const ObjectSet& a_objects, ISignalPackag
     }
     writer.writeEndElement();
     writer.writeEndDocument();
-    // A reader counts a byte-order mark and the bytes that it decodes.
+    // A reader converts the text to UTF-8 with a byte-order mark and counts all these
+    // bytes.
     constexpr qsizetype iMarkBytes = 3;
     if (!s_kind.isReadable(sXml.toUtf8().size() + iMarkBytes)) {
         return {};

@@ -62,13 +62,13 @@ public:
 
     /// The error text of the last reading or writing; empty without an error. Errors
     /// in a document have the form "line 3, column 7: reason". Errors of the file
-    /// have no place.
+    /// have no line and column.
     [[nodiscard]] QString errorString() const { return m_sErrorString; }
 
-    /// The ids that several emitter elements of the document last read have, each
-    /// with the number of these elements. They were read as one emitter: later
-    /// elements overwrite earlier ones. The map is empty after other objects are
-    /// set.
+    /// The ids that occur in several emitter elements of the document last read, each
+    /// with the number of its elements. Elements with the same id are read as one
+    /// emitter: later elements overwrite earlier ones. The map is empty after other
+    /// objects are set.
     [[nodiscard]] QMap<QString, qsizetype> mergedIds() const { return m_mergedIds; }
 
     /// Writes the document. An empty persistent id is first built from the name, the
@@ -77,7 +77,8 @@ public:
     ///
     /// The result is empty, after one trace, when it would exceed
     /// Limits::DocumentBytes: a reader would refuse such a document. Every emitter
-    /// contains the whole path that it follows, which adds to the size.
+    /// element contains the whole path of the emitter, also when this is the path of
+    /// its link target. This adds to the size.
     ///
     /// Emitters that share an id are all written, but a reader merges them into one
     /// emitter. errorString() and one trace report this.
@@ -96,11 +97,11 @@ public:
     /// Before you leave out an emitter, remove all references to it:
     /// ScenarioNetwork::removeEmitter(), SzenarioEmitter::removeLinkedEmitter(),
     /// EmissionSettings::removeEmissions(). Otherwise, reading the saved document
-    /// creates an emitter without data for the id.
+    /// creates an emitter with the same id but without data.
     void setScenarioObjects(const QSet<std::shared_ptr<ScenarioObject>>& a_objects);
 
     /// The emitter that applications offer first, or null. When a document marks
-    /// several emitters, the first of them.
+    /// several default emitters, this is the first of them.
     [[nodiscard]] std::shared_ptr<SzenarioEmitter> getDefaultEmitter() const;
     /// Makes the emitter the only default emitter; null leaves none.
     void setDefaultEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter);
@@ -111,7 +112,8 @@ public:
     void setAuthor(const QString& a_sAuthor) { m_sAuthor = a_sAuthor; }
     [[nodiscard]] QString getDescription() const { return m_sDescription; }
     void setDescription(const QString& a_sDescription) { m_sDescription = a_sDescription; }
-    /// The identity that survives renaming. The spelling is part of the interface.
+    /// The identity of the scenario, which does not change with the name. The
+    /// spelling is part of the interface.
     [[nodiscard]] QString getPersistantId() const { return m_sPersistantId; }
     void setPersistantId(const QString& a_sId) { m_sPersistantId = a_sId; }
     /// The duration of the scenario (ms); 0 when it is not set.
@@ -124,8 +126,8 @@ public:
     [[nodiscard]] bool isOlderFileVersion() const { return m_uiFileVersion < s_uiFileFormatVersion; }
 
     /// Convert objects to text with the root "ScenarioObjects" and back, for copying
-    /// between scenarios. Reading accepts any root. Objects that the text only
-    /// refers to are read as plain emitters with that id. Default marks are not
+    /// between scenarios. Reading accepts any root. For an id that occurs only in
+    /// references, a plain emitter with that id is created. Default marks are not
     /// written. Writing needs no provider. Emitters that share an id are reported by
     /// one trace. The text is empty, after one trace, when it would exceed
     /// Limits::DocumentBytes.
@@ -164,7 +166,7 @@ private:
                              const QList<std::shared_ptr<SzenarioEmitter>>& a_defaults,
                              const std::function<bool()>& a_stillReadable);
 
-    // Its objects (scenariodataxml_objects.cpp)
+    // The objects of the document (scenariodataxml_objects.cpp)
     void readScenarioEmitter(QXmlStreamReader& a_reader, EmitterType a_eType,
                              ScenarioReferences& a_references);
     static void writeScenarioEmitter(QXmlStreamWriter& a_writer, const SzenarioEmitter& a_emitter,

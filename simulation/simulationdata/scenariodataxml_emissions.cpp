@@ -109,7 +109,7 @@ QList<EmissionPtr> readManual(QXmlStreamReader& a_reader, EmissionSettings& a_se
 {
     QList<EmissionPtr> emissions;
     EmissionGroupsReader groups;
-    std::int64_t iTime = 0; // each element adds at most 2^33
+    std::int64_t iTime = 0; // cannot overflow: each element adds less than 2^33
     forEachChild(a_reader, [&](QStringView a_sName) {
         if (a_sName == s_sGroups) {
             groups.readGroups(a_reader);

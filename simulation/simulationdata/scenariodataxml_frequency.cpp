@@ -22,7 +22,7 @@ using SlowHopper = FrequencySettings_SlowHopper;
 
 float readOffset(QStringView a_sText)
 {
-    // An offset beyond the range of a float has no meaning.
+    // An offset beyond the range of a float has no meaning and is read as 0.
     const double dOffset = readDouble(a_sText);
     return std::isfinite(static_cast<float>(dOffset)) ? static_cast<float>(dOffset) : 0.0F;
 }

@@ -20,14 +20,14 @@ using EmissionNumbers = QHash<const EmissionSettings::Emission*, std::uint32_t>;
 class EmissionGroupsReader
 {
 public:
-    /// Reads the element on which the reader stands, up to its end.
+    /// Reads the current element up to its end.
     void readGroups(QXmlStreamReader& a_reader);
 
     /// Finds the members by their numbers among the emissions of the settings
     /// and the groups read, and adds the groups to the settings. A reference by
     /// which a group would contain itself, directly or through other groups, is
-    /// dropped with a trace. Unknown numbers are skipped. Of equal numbers the
-    /// first is used.
+    /// dropped with a trace. Unknown numbers are skipped. When several emissions or
+    /// groups have the same number, the first of them is used.
     void addTo(EmissionSettings& a_settings);
 
 private:
@@ -50,8 +50,8 @@ private:
 template<typename Record>
 [[nodiscard]] std::vector<std::uint32_t> uniqueNumbers(const QList<boost::shared_ptr<Record>>& a_records);
 
-/// Writes element "Groups", without members that are not among the emissions and
-/// groups of the settings.
+/// Writes element "Groups". A group's member is left out when it does not belong to the
+/// emissions and groups of the settings.
 void writeGroups(QXmlStreamWriter& a_writer, const EmissionSettings& a_settings,
                  const EmissionNumbers& a_emissionNumbers);
 

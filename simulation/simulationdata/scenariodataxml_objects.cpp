@@ -40,8 +40,8 @@ bool readObjectChild(ElementReading& a_reading, QStringView a_sName, ScenarioObj
             a_object.setFrequencySettings(settings.release());
         }
     } else if (a_sName == s_sEmissionSettings) {
-        // The element in a member describes the emitter's own schedule, not the
-        // network's.
+        // In a network's member, the element describes the emitter's own schedule, not
+        // the schedule of the network.
         readEmissionSettings(a_reading.reader, *a_object.ScenarioObject::emissionSettings(),
                              a_reading.references);
     } else if (a_sName == s_sSignalPackage && a_reading.references.hasProvider()) {

@@ -122,8 +122,9 @@ bool ScenarioReferences::resolve()
 
 void ScenarioReferences::resolveMembers(const Membership& a_membership)
 {
-    // Each head moves to the front when it is read, so the last head ends up first.
-    // All are moved at once: moving them one by one would cost O(n^2).
+    // The last head becomes the first member, as if each head were moved to the front
+    // when it is read. Moving them one by one would cost O(n^2), so the heads are added
+    // in reverse order instead.
     QSet<QString> heads;
     const auto join = [&](const Member& a_member) {
         const auto emitter = emitterForId(a_member.emitterId, EmitterType::Emitter);

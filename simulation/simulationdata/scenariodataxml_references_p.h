@@ -28,7 +28,7 @@ enum class EmitterType {
 /// Collects the references among the objects of a document while it is read. An
 /// element may name an emitter whose own element follows later, so references are
 /// resolved after all elements are read. An id that no element defines then gets a
-/// plain emitter. Every step costs O(1).
+/// plain emitter. Each reference costs O(1).
 class ScenarioReferences
 {
 public:
@@ -68,9 +68,9 @@ public:
     /// one adds to the schedule, a later one replaces its content.
     bool isFirst(ScheduleForm a_eForm, const EmissionSettings& a_settings);
 
-    /// Resolves all recorded references. False if the scenario has no room for all
-    /// emitters that appear only in references. References to those without room stay
-    /// empty.
+    /// Resolves all recorded references. Returns false if the scenario has no room
+    /// for all emitters that appear only in references. References to emitters without
+    /// room stay empty.
     bool resolve();
 
 private:

@@ -76,7 +76,8 @@ bool ScenarioNetwork::addEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitt
 
 bool ScenarioNetwork::removeEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter)
 {
-    const std::shared_ptr<SzenarioEmitter> emitter = a_emitter; // may be an element of the list
+    // Copied, because a_emitter may be an element of the list that changes below.
+    const std::shared_ptr<SzenarioEmitter> emitter = a_emitter;
     if (!m_emitterSet.remove(emitter)) {
         return false;
     }
@@ -92,7 +93,8 @@ bool ScenarioNetwork::removeEmitter(const std::shared_ptr<SzenarioEmitter>& a_em
 
 void ScenarioNetwork::setHeadEmitter(const std::shared_ptr<SzenarioEmitter>& a_emitter)
 {
-    const std::shared_ptr<SzenarioEmitter> emitter = a_emitter; // may be an element of the list
+    // Copied, because a_emitter may be an element of the list that changes below.
+    const std::shared_ptr<SzenarioEmitter> emitter = a_emitter;
     if (!emitter) {
         return;
     }

@@ -16,9 +16,9 @@ class SzenarioEmitter;
 /// schedule. It holds its members strongly, as a set and as a list in order. The
 /// first emitter of the list is the head.
 ///
-/// The network does not set the network of its members: the caller does this with
-/// SzenarioEmitter::setScenarioNetwork(). A default object is black, hierarchical
-/// and empty.
+/// Adding a member does not set the network of that emitter: the caller does this
+/// with SzenarioEmitter::setScenarioNetwork(). A default object is black,
+/// hierarchical and empty.
 class SIMULATIONDATA_EXPORT ScenarioNetwork : public ScenarioObject
 {
 public:

@@ -16,7 +16,7 @@ class IFrequencySettings;
 /// networks of emitters. It holds id, texts, frequency behaviour, transmission
 /// schedule and three flags.
 ///
-/// Objects live in std::shared_ptr and are used from one thread. They may refer to
+/// Objects are held by std::shared_ptr and used from one thread. They may refer to
 /// each other in circles; an emitter in its own schedule is such a circle. The last
 /// scenario document that holds the objects breaks these circles. Objects outside a
 /// document are freed by ScenarioDataXml::releaseObjects().
@@ -34,9 +34,9 @@ public:
     /// of 25 MHz, with an empty schedule. It is shown neither on the map nor on the
     /// timeline.
     explicit ScenarioObject(const QString& a_sId);
-    /// The same, and then copies from `a_source`: description, both display flags,
-    /// the schedule by value, and a clone of the frequency behaviour. With a null
-    /// source no field is copied.
+    /// Creates the object like the constructor above, with a name. Then copies from
+    /// `a_source`: description, both display flags, the schedule by value, and a
+    /// clone of the frequency behaviour. With a null source no field is copied.
     ScenarioObject(const QString& a_sId, const QString& a_sName,
                    const std::shared_ptr<ScenarioObject>& a_source);
 
@@ -73,7 +73,7 @@ public:
     virtual void copy(std::shared_ptr<ScenarioObject> a_source);
 
     /// Returns a new object of the same class with all that copy() copies. The
-    /// original does not have to live in a std::shared_ptr.
+    /// original does not have to be held by a std::shared_ptr.
     [[nodiscard]] virtual std::shared_ptr<ScenarioObject> clone() = 0;
 
     void setActive(bool a_bActive) { m_bActive = a_bActive; }

@@ -35,8 +35,9 @@ void ScenarioTimingHelper::startScenarioTime(unsigned long long a_uiTimestamp, u
     m_bPaused = false;
     m_bStopped = false;
     m_uiScenarioStartTime = 0;
-    // In 64 bits: an offset of 72 minutes exceeds 2^32 microseconds. A timestamp
-    // smaller than the offset wraps round here, and back in scenarioTime().
+    // Calculated in 64 bits, because an offset of 72 minutes exceeds 2^32 microseconds.
+    // When the timestamp is smaller than the offset, the difference wraps round here,
+    // and back in scenarioTime().
     m_uiStartTimestamp = a_uiTimestamp - a_uiOffset * s_uiMicrosecondsPerMillisecond;
 }
 

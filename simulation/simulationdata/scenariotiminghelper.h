@@ -26,9 +26,9 @@ public:
     /// The wall clock (us since 1970).
     [[nodiscard]] static unsigned long long currentTimeStamp();
 
-    /// The time since `a_uiStartTimestamp` (us) minus `a_uiOffset` (ms), in ms. Both
-    /// timestamps are first truncated to whole milliseconds, so the result may
-    /// differ from scenarioTime() by 1.
+    /// The time since `a_uiStartTimestamp` (us) minus `a_uiOffset` (ms), in ms. The
+    /// start and the current timestamp are first truncated to whole milliseconds, so
+    /// the result may differ from scenarioTime() by 1.
     [[nodiscard]] static unsigned int calculateCurrentScenarioTime(unsigned long long a_uiStartTimestamp,
                                                                    unsigned int a_uiOffset);
 

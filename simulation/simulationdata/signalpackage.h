@@ -31,7 +31,7 @@ public:
     [[nodiscard]] QString path() const { return m_sPath; }
     void setPath(const QString& a_sPath) { m_sPath = a_sPath; }
 
-    /// For display.
+    /// The name for display.
     [[nodiscard]] QString name() const { return m_sName; }
     void setName(const QString& a_sName) { m_sName = a_sName; }
 
@@ -59,8 +59,8 @@ public:
     [[nodiscard]] std::uint32_t duration() const { return m_uiDuration; }
     void setDuration(std::uint32_t a_uiDuration) { m_uiDuration = a_uiDuration; }
 
-    /// Whether the package's folder contains "Signal.wav", "Signal.sdf" and
-    /// "Signal.rdf"; not part of the descriptor.
+    /// Whether the package's folder contains "Signal.wav" (audio), "Signal.sdf"
+    /// (symbols) or "Signal.rdf" (results); not part of the descriptor.
     [[nodiscard]] bool hasAudioContent() const { return m_bHasAudioContent; }
     void setHasAudioContent(bool a_bContent) { m_bHasAudioContent = a_bContent; }
     [[nodiscard]] bool hasSymbolDataContent() const { return m_bHasSymbolDataContent; }

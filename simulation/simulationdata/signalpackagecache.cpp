@@ -167,7 +167,7 @@ std::shared_ptr<SignalPackage> SignalPackageCache::signalPackage(const QString& 
         }
     }
     const QWriteLocker locker(&m_lock);
-    // Another thread may have inserted it meanwhile.
+    // Another thread may have inserted the package meanwhile.
     if (const auto known = m_packages.find(a_sId); known != m_packages.end()) {
         return known->second;
     }
@@ -220,7 +220,7 @@ Reader* SignalPackageCache::reader(Readers<Reader>& a_readers, const SignalPacka
         }
     }
     const QWriteLocker locker(&m_lock);
-    // Another thread may have inserted it meanwhile.
+    // Another thread may have inserted the reader meanwhile.
     if (const auto known = a_readers.current.find(sId); known != a_readers.current.end()) {
         return known->second.get();
     }
@@ -247,11 +247,11 @@ std::unique_ptr<Reader> SignalPackageCache::makeReader(const SignalPackage& a_pa
     auto opened = std::make_unique<Reader>(sFile);
     const SignalPackage& described = bBuiltIn ? *m_builtIn : isOfId(cached) ? *cached : a_package;
     opened->setPackageDuration(described.duration());
-    static_cast<void>(opened->open()); // traces a failure itself
+    static_cast<void>(opened->open()); // open() traces its failure
     return opened;
 }
 
-/// Empties the maps; readers that were returned stay valid.
+/// Empties the maps of packages and readers; readers that were returned stay valid.
 void SignalPackageCache::forget()
 {
     m_packages.clear();

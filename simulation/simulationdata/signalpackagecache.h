@@ -62,8 +62,9 @@ public:
     /// operations that change it.
     bool prepareCacheForUse();
 
-    /// Copies all packages below a folder that the cache folder does not contain
-    /// yet. Copies in background tasks on the global thread pool and waits for them.
+    /// Copies all packages below a folder, except those that the cache folder already
+    /// contains. Copies in background tasks on the global thread pool and waits for
+    /// them.
     /// With `a_bAnew` the cache is first cleared, so that packages with a changed
     /// content under the same id are copied again. A package that cannot be copied
     /// is skipped after a trace, see copyFailures(). A package without an id is

@@ -58,7 +58,7 @@ void keepFirst(QString& a_sReason, const QString& a_sNext)
     }
 }
 
-/// False with a reason when the file still exists.
+/// Removes a file. Returns false with a reason when the file still exists afterwards.
 bool removeFile(const QString& a_sFile, QString* a_pReason)
 {
     QFile file(a_sFile);
@@ -141,9 +141,9 @@ std::shared_ptr<SignalPackage> PackageCacheFolder::prepare(CopyFailures* a_pFail
     return package->id().isEmpty() ? nullptr : package;
 }
 
-/// Replaces the files of an older program version. Old versions also copied the
-/// data to names that a package of the repository may now use: those copies are
-/// removed.
+/// Unpacks the built-in package over the files of an older program version. Old
+/// versions also copied the data to names that a package of the repository may now use:
+/// those copies are removed.
 void PackageCacheFolder::unpackBuiltInPackage(QString* a_pReason) const
 {
     if (!unpackResource(s_sDefaultArchive, m_sPath, QStringLiteral("/"), m_sPath, a_pReason)) {
@@ -179,7 +179,8 @@ void PackageCacheFolder::removePackages() const
             left.append(sDescriptor);
         }
     }
-    // Older programs unpacked under this name, which other programs may use, too.
+    // Older program versions left the archive under this name. Other programs may use
+    // the name, too, so only a copy of the archive is removed.
     const QString sFormer = folder.filePath(s_sArchiveName);
     if (isCopyOfResource(sFormer, s_sDefaultArchive)) {
         makeWritable(sFormer);
@@ -193,9 +194,9 @@ void PackageCacheFolder::removePackages() const
     }
 }
 
-/// The descriptor is removed last, and only when the data files are gone, because they
-/// are found through it, even after a crash. Data files without a descriptor would
-/// remain and later be taken for those of a changed package.
+/// The descriptor is removed last, and only when the data files are gone, because the
+/// data files are found through the descriptor, even after a crash. Data files without
+/// a descriptor would remain and later be taken for those of a changed package.
 bool PackageCacheFolder::removeFiles(const QString& a_sCleanId) const
 {
     QString sReason;
@@ -213,7 +214,8 @@ bool PackageCacheFolder::removeData(const QString& a_sCleanId, QString* a_pReaso
 
 PackageCacheFolder::Update PackageCacheFolder::update(const QString& a_sRepository, bool a_bAnew) const
 {
-    // Copying is safe even without the lock, because every file is put there whole.
+    // Copying is safe even without the lock, because each file appears in the folder
+    // complete or not at all.
     const FolderLock lock(m_sPath);
     Update result;
     CopyFailures& failures = result.failures;
@@ -229,8 +231,8 @@ PackageCacheFolder::Update PackageCacheFolder::update(const QString& a_sReposito
     for (PackageSource& source : sources) {
         source.cached = result.replaced ? isComplete(source.package) : source.cached;
     }
-    // Descriptors are copied first, because removePackages() finds our files by
-    // them.
+    // Descriptors are copied first, because removePackages() finds the files of a
+    // package by its descriptor.
     copyDescriptors(sources, reasons);
     QList<QFuture<QString>> tasks;
     for (std::size_t i = 0; i < reasons.size(); ++i) {
@@ -254,9 +256,10 @@ PackageCacheFolder::Update PackageCacheFolder::update(const QString& a_sReposito
 }
 
 /// A built-in package is cached only while no user's package has its id. The files
-/// of both must not be mixed, so a user's package replaces it at once, not only
-/// when the cache is cleared. A package with the built-in descriptor is the same
-/// package and is not replaced. Returns whether anything was replaced.
+/// of both must not be mixed, so a user's package replaces the built-in package at
+/// once, not only when the cache is cleared. A user's package with the built-in
+/// descriptor is the same package and replaces nothing. Returns whether anything was
+/// replaced.
 bool PackageCacheFolder::replaceBuiltIns(const QList<PackageSource>& a_sources, const FolderLock& a_lock,
                                          Reasons& a_reasons) const
 {
@@ -277,8 +280,8 @@ bool PackageCacheFolder::replaceBuiltIns(const QList<PackageSource>& a_sources, 
     return bReplaced;
 }
 
-/// The descriptor is replaced last: a process that dies before leaves the built-in
-/// one, and the next process starts again.
+/// The descriptor is replaced last: a process that dies before this leaves the built-in
+/// descriptor, and the next process repeats the replacement.
 QString PackageCacheFolder::replaceBuiltIn(const SignalPackage& a_package, const QString& a_sCleanId) const
 {
     QString sReason;
@@ -290,9 +293,9 @@ QString PackageCacheFolder::replaceBuiltIn(const SignalPackage& a_package, const
 }
 
 /// A superseded id shall resolve to the package that supersedes it, even when the older
-/// package still exists. An existing descriptor is never replaced. The update ids are
-/// therefore copied first, beginning with the newest package, and the packages' own ids
-/// last.
+/// package still exists. An existing descriptor is never replaced. The descriptors are
+/// therefore first copied under the update ids, beginning with the newest package, and
+/// then under the packages' own ids.
 void PackageCacheFolder::copyDescriptors(const QList<PackageSource>& a_sources, Reasons& a_reasons) const
 {
     std::vector<std::pair<const SignalPackage*, QString*>> missing;
@@ -324,8 +327,8 @@ QString PackageCacheFolder::copyDescriptor(const SignalPackage& a_package, const
                        file(a_sCleanId, s_szDescriptor));
 }
 
-/// Copies the data files, but only when the descriptor is there: without it
-/// removePackages() would not find them.
+/// Copies the data files, but only when the folder contains the descriptor: without a
+/// descriptor removePackages() would not find the data files.
 QString PackageCacheFolder::copyData(const SignalPackage& a_package) const
 {
     QString sReason;
@@ -359,8 +362,8 @@ bool PackageCacheFolder::isMissing(const QString& a_sFrom, const QString& a_sTo)
     return target.exists() ? source.size() > 0 : source.exists();
 }
 
-/// Copies a missing file. Returns the reason of a failure; empty when another
-/// process has copied it meanwhile.
+/// Copies a missing file. Returns the reason of a failure; empty on success, and when
+/// another process has copied the file meanwhile.
 QString PackageCacheFolder::copyMissing(const QString& a_sFrom, const QString& a_sTo)
 {
     QString sReason;

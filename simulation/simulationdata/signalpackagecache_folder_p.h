@@ -15,9 +15,10 @@ class FolderLock;
 class SignalPackage;
 struct PackageSource;
 
-/// The folder of a package cache: defines which files it contains and their names,
-/// copies them and removes them. It keeps nothing in memory. Several processes may
-/// use one folder; an operation that changes it holds its lock.
+/// The folder of a package cache. This class defines which files the folder contains
+/// and their names, copies the files and removes them. It keeps nothing in memory.
+/// Several processes may use one folder. An operation that changes the folder takes the
+/// folder's lock. When the lock is not available, update() only copies missing files.
 ///
 /// The built-in default package has files of its own, "Signal.*". Files that are
 /// named after its id belong to a package of the repository with the same id.
@@ -54,9 +55,10 @@ public:
         bool replaced = false; ///< packages read before may be outdated
     };
 
-    /// Copies files of the packages below a repository that the folder does not have
-    /// yet. With `a_bAnew` first removes all packages. A user's package replaces a
-    /// built-in package when it has or supersedes the id of that package.
+    /// Copies the files of the packages below a repository, except files that the
+    /// folder already contains. With `a_bAnew` first removes all packages. A user's
+    /// package replaces a built-in package when it has or supersedes the id of that
+    /// package.
     [[nodiscard]] Update update(const QString& a_sRepository, bool a_bAnew) const;
 
     /// Removes all packages except the built-in one. Does nothing without the lock.

@@ -36,8 +36,8 @@ public:
     explicit SupersededIds(const QList<PackageSource>& a_sources);
 
     /// The cleaned ids that shall resolve to a package. Ids of newer packages are left
-    /// out. Their number is at most Limits::UpdateIds. Their copies of the descriptor
-    /// together are at most Limits::DocumentBytes long.
+    /// out. The result has at most Limits::UpdateIds ids. The copies of the descriptor
+    /// for all these ids are together at most Limits::DocumentBytes long.
     [[nodiscard]] QStringList of(const SignalPackage& a_package) const;
 
 private:

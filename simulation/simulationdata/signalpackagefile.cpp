@@ -18,7 +18,7 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/signalpackagefile";
 
-// The names of the format.
+// The names of elements and attributes in a descriptor.
 constexpr QLatin1String s_sSignalPackage("SignalPackage");
 constexpr QLatin1String s_sFileFormatVersion("FileFormatVersion");
 constexpr QLatin1String s_sTimestamp("Timestamp");

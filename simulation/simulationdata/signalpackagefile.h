@@ -35,8 +35,8 @@ public:
     /// Reads the descriptor in a regular file.
     [[nodiscard]] static SignalPackage signalPackage(const QString& a_sFile);
 
-    /// Replaces the content of the file by the package's descriptor. Returns false
-    /// after one trace; the file is then unchanged.
+    /// Replaces the content of the file by the package's descriptor. On failure,
+    /// returns false after one trace and leaves the file unchanged.
     [[nodiscard]] static bool signalPackageFile(const SignalPackage& a_package, const QString& a_sFile);
 };
 

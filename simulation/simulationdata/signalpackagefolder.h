@@ -43,8 +43,9 @@ public:
     /// set.
     [[nodiscard]] static SignalPackage signalPackage(const QString& a_sFolder);
 
-    /// Replaces the folder's descriptor by that of the package. Returns false after
-    /// one trace; the former descriptor is then unchanged. The folder must exist.
+    /// Replaces the folder's descriptor by that of the package. On failure, returns
+    /// false after one trace and leaves the former descriptor unchanged. The folder
+    /// must exist.
     [[nodiscard]] static bool setSignalPackage(const QString& a_sFolder, const SignalPackage& a_package);
 };
 

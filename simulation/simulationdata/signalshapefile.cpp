@@ -37,7 +37,7 @@ constexpr std::uint32_t s_uiRecordHeaderBytes = 16;
 
 constexpr float s_fMillisecondsPerSecond = 1000.0F;
 
-/// A spectrum of this size (bytes) is allocated even when the file is smaller.
+/// A spectrum up to this size (bytes) is allocated even when the file is smaller.
 constexpr std::uint64_t s_uiHarmlessBytes = std::uint64_t{1024} * 1024;
 
 std::uint32_t recordDuration(std::uint32_t a_uiRecordsPerSecond)
@@ -45,8 +45,8 @@ std::uint32_t recordDuration(std::uint32_t a_uiRecordsPerSecond)
     if (a_uiRecordsPerSecond == 0) {
         return 0;
     }
-    // In single precision throughout: 25 records per second give 40 ms. In double
-    // precision the rounded quotient 0.04F would give 39.
+    // Calculated in single precision throughout: 25 records per second give 40 ms.
+    // Multiplied in double precision, the rounded quotient 0.04F would give 39 ms.
     const float fSeconds = 1.0F / static_cast<float>(a_uiRecordsPerSecond);
     return static_cast<std::uint32_t>(std::floor(fSeconds * s_fMillisecondsPerSecond));
 }
@@ -82,8 +82,8 @@ bool SignalShapeFile::open()
     return true;
 }
 
-/// Resets all values from the file; the package duration, which is set from
-/// outside, stays.
+/// Resets all values that were read from the file. The package duration, which the
+/// caller sets, stays.
 void SignalShapeFile::reset()
 {
     m_uiRecordCount = 0;
@@ -128,7 +128,7 @@ bool SignalShapeFile::readGlobalHeader()
 }
 
 /// Checks the size before memory is allocated: a header of 35 bytes can claim a
-/// spectrum of 16 GiB. False with the error text set.
+/// spectrum of 16 GiB. Returns false and sets the error text when the size is too large.
 bool SignalShapeFile::checkSpectrumSize(std::uint64_t a_uiFileSize)
 {
     const std::uint64_t uiBytes = std::uint64_t{m_uiPointsPerSpectrum} * sizeof(float);
@@ -137,7 +137,8 @@ bool SignalShapeFile::checkSpectrumSize(std::uint64_t a_uiFileSize)
                        .arg(QString::number(m_uiPointsPerSpectrum), QString::number(a_uiFileSize));
         return false;
     }
-    // The size of a record has 32 bits, even when the limit is higher.
+    // The size of a record is stored in 32 bits, so it is bounded even when the limit
+    // is higher.
     constexpr std::uint64_t uiLargest = std::numeric_limits<std::uint32_t>::max() - s_uiRecordHeaderBytes;
     if (uiBytes > std::min(Limits::value(Limits::DataBytes), uiLargest)) {
         m_sError = QStringLiteral("spectra of %1 points: %2")
@@ -260,7 +261,7 @@ void SignalShapeFile::readSpectrum(std::uint32_t a_uiTime)
     m_bTruncated = bTruncated;
 }
 
-/// False when the file ends within the record or before it.
+/// Loads the record. Returns false when the file ends within the record or before it.
 bool SignalShapeFile::readRecord(std::uint64_t a_uiPos)
 {
     constexpr std::uint64_t uiLargest = std::numeric_limits<qint64>::max() - RecordBuffer::s_iMaxRecord;

@@ -23,8 +23,8 @@ class RecordBuffer;
 ///
 /// Any thread may call; every operation locks. Only the vector that spectrum()
 /// returns is not protected: open() and readSpectrum() on another thread may change
-/// it during reading. They may also change the levels between two calls. In a new
-/// object the file is closed and all values are 0.
+/// the vector while it is read. They may also change the levels between two calls.
+/// In a new object the file is closed and all values are 0.
 ///
 /// The values of the header stay after close(). A failed open() sets them to 0.
 class SIMULATIONDATA_EXPORT SignalShapeFile
@@ -37,11 +37,12 @@ public:
     SignalShapeFile& operator=(const SignalShapeFile&) = delete;
 
     /// Opens the file and reads its header. A file that is open already is opened
-    /// again. The spectrum and its levels are 0 until a spectrum is read. Returns
-    /// false after one trace; the file is then closed and the spectrum empty.
+    /// again. The spectrum and its levels are 0 until a spectrum is read. On failure,
+    /// returns false after one trace; the file is then closed and the spectrum empty.
     ///
-    /// A file without records for any time is opened with one trace. In such a file
-    /// a count or the rate is 0, or a record lasts less than a millisecond.
+    /// A file without a usable record is opened with one trace. In such a file the
+    /// number of records, the number of points or the rate is 0, or a record lasts
+    /// less than a millisecond.
     [[nodiscard]] bool open();
     void close();
     [[nodiscard]] bool isOpen() const;
@@ -49,11 +50,12 @@ public:
     /// Why the last open() failed, in English; empty after a success.
     [[nodiscard]] QString errorString() const;
 
-    /// 2 after a successful open().
+    /// The version of the file format: 2 after a successful open().
     [[nodiscard]] std::uint32_t version() const;
     /// Bandwidth of the signal (Hz).
     [[nodiscard]] std::uint32_t bandwidth() const;
-    /// As stored in the file; may be any float, also infinite or not a number.
+    /// The base power as stored in the file; may be any float, also infinite or not a
+    /// number.
     [[nodiscard]] float basePower() const;
     /// Number of records according to the header; the file may hold fewer.
     [[nodiscard]] std::uint64_t recordCount() const;
@@ -74,8 +76,7 @@ public:
 
     /// Loads the spectrum for a time (ms since the start of the package). A time
     /// within the loaded record needs no file access. Has no effect while the file
-    /// is closed or the package duration is 0, or when the file has no record for
-    /// any time.
+    /// is closed or the package duration is 0, or when the file has no usable record.
     ///
     /// When the file ends within the record, the values in the file are loaded and
     /// the others stay unchanged. Of several such reads in a row, only the first is

@@ -8,10 +8,10 @@
 
 namespace Simulation {
 
-/// The identity and position of a simulation device. A device sends it when it
-/// registers. It is also part of the list of registered devices, and the
-/// confirmation is made from it. A plain value; a default object has empty texts and
-/// the position 0, 0.
+/// The identity and position of a simulation device. A device sends this record when
+/// the device registers. The list of registered devices consists of these records.
+/// The service makes its confirmation of a device from the device's record. A plain
+/// value; a default object has empty texts and the position 0, 0.
 class SIMULATIONDATA_EXPORT SimulationDeviceConfiguration
 {
 public:
@@ -36,7 +36,7 @@ public:
     [[nodiscard]] QString machine() const { return m_sMachine; }
     void setMachine(const QString& a_sMachine) { m_sMachine = a_sMachine; }
 
-    /// The id of that computer.
+    /// The id of the computer that the device runs on.
     [[nodiscard]] QString machineId() const { return m_sMachineId; }
     void setMachineId(const QString& a_sMachineId) { m_sMachineId = a_sMachineId; }
 

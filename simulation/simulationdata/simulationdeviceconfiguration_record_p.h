@@ -9,7 +9,7 @@
 
 namespace Simulation {
 
-/// The root of the record in the bytes; null after one trace when they cannot be
+/// The root of the record in the bytes; null after one trace when the bytes cannot be
 /// read.
 [[nodiscard]] inline XmlElement readRecord(const QByteArray& a_xml, const char* a_szSource)
 {

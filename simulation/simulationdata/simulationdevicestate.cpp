@@ -29,7 +29,7 @@ void SimulationDeviceState::setMessage(const QString& a_sMessage)
 {
     m_sMessage = a_sMessage.left(s_iMaxMessage);
     if (m_sMessage.size() < a_sMessage.size() && m_sMessage.back().isHighSurrogate()) {
-        m_sMessage.chop(1); // half of a surrogate pair
+        m_sMessage.chop(1); // the first half of a surrogate pair
     }
 }
 

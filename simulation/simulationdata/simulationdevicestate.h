@@ -24,7 +24,8 @@ enum class ScenarioDataState : std::int32_t {
 class SIMULATIONDATA_EXPORT SimulationDeviceState
 {
 public:
-    /// The state. A peer may send a number other than the four; treat it as None.
+    /// The state. A peer may send a number that is none of the four values; treat it
+    /// as None.
     [[nodiscard]] ScenarioDataState scenarioDataState() const { return m_eScenarioDataState; }
     void setScenarioDataState(ScenarioDataState a_eState) { m_eScenarioDataState = a_eState; }
 
@@ -44,8 +45,9 @@ public:
 
     /// Reads the state and the message from the children of the root; the name of
     /// the root is not checked. A record without a message clears the present
-    /// message, because that belonged to an earlier report. Returns false when the
-    /// state is missing or not a number of 32 bits; no field changes then.
+    /// message, because the present message belongs to an earlier report. Returns
+    /// false when the state is missing or not a number of 32 bits; no field changes
+    /// then.
     [[nodiscard]] bool fromXml(const QByteArray& a_xml);
 
 private:

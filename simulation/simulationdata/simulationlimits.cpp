@@ -80,8 +80,8 @@ constexpr bool isInOrder()
 }
 static_assert(isInOrder(), "the table is looked up by the limit's value");
 
-/// The values that were set; 0 = the default, so that the table needs no start-up
-/// code.
+/// The values that were set. 0 means the default value, so the table is initialised
+/// without start-up code.
 std::array<std::atomic<std::uint64_t>, Limits::LimitCount> s_values{};
 
 bool isLimit(Limits::Limit a_eLimit)

@@ -10,8 +10,8 @@
 namespace Simulation {
 
 /// The limits on the cost of one input. Every reader and every query whose cost
-/// depends on a file or a peer checks them. When a limit is exceeded, it fails in
-/// its ordinary way and traces one line with the name of the limit.
+/// depends on a file or a peer checks them. When a limit is exceeded, the reader or
+/// query fails in its ordinary way and traces one line with the name of the limit.
 ///
 /// The values apply to the whole process. Any thread may read and set them. Set them
 /// before the first document is read.

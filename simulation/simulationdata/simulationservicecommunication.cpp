@@ -12,7 +12,8 @@
 
 #include <utility>
 
-// The commands, read and written, are in simulationservicecommunication_commands.cpp.
+// The functions that read and write the commands are in
+// simulationservicecommunication_commands.cpp.
 
 namespace Simulation {
 
@@ -36,7 +37,7 @@ SimulationServiceCommunication::~SimulationServiceCommunication()
 
 void SimulationServiceCommunication::setSocket(QTcpSocket* a_pSocket)
 {
-    // Two separators on one socket would take the bytes from each other.
+    // Of two separators on one socket, each would read only a part of the bytes.
     dropSeparators(a_pSocket == nullptr ? m_pSocket.data() : a_pSocket);
     m_pSocket = a_pSocket;
     m_bLostCommands = false;
@@ -54,13 +55,14 @@ void SimulationServiceCommunication::setSocket(QTcpSocket* a_pSocket)
         m_pSeparator, &XmlSeparator::errorOccured, m_pSeparator,
         [this, pSeparator = m_pSeparator](const QString& a_sError) {
             if (pSeparator == m_pSeparator && m_streamErrorHandler) {
-                const StreamErrorHandler handler = m_streamErrorHandler; // it may set another one
+                const StreamErrorHandler handler = m_streamErrorHandler; // it may set another handler
                 handler(a_sError);
             }
         },
         Qt::QueuedConnection);
-    // Drops an unfinished document of the old connection. Users already send in slots
-    // on connected(), so this uses the change of state, which is emitted before it.
+    // Drops an unfinished document of the old connection. Slots on connected() may
+    // already send commands, so the signal stateChanged() is used: it is emitted before
+    // connected().
     connect(a_pSocket, &QTcpSocket::stateChanged, m_pSeparator,
             [this, pSeparator = m_pSeparator](QAbstractSocket::SocketState a_eState) {
                 if (a_eState == QAbstractSocket::ConnectedState) {
@@ -80,7 +82,7 @@ qint64 SimulationServiceCommunication::unfinishedBytes() const
     return m_pSeparator != nullptr ? m_pSeparator->unfinishedBytes() : 0;
 }
 
-/// Ends the reading of a socket. Null stands for sockets that have been deleted.
+/// Ends the reading from a socket. Null means all sockets that have been deleted.
 void SimulationServiceCommunication::dropSeparators(const QTcpSocket* a_pSocket)
 {
     for (XmlSeparator* const pSeparator : findChildren<XmlSeparator*>(Qt::FindDirectChildrenOnly)) {
@@ -120,7 +122,7 @@ void SimulationServiceCommunication::sendCommand(const XmlElement& a_command)
         sendEncoded(document);
         return;
     }
-    // The command is not sent, because the peer would stop reading.
+    // A command above the limit is not sent, because the peer would stop reading.
     m_bLostCommands = true;
     traceError(s_szSource, [&] {
         return QStringLiteral("Not sent: %1 of %2 bytes, %3")
@@ -129,11 +131,11 @@ void SimulationServiceCommunication::sendCommand(const XmlElement& a_command)
     });
 }
 
-/// Adds the bytes to the command and sends it.
+/// Adds the bytes to the command and sends the command.
 void SimulationServiceCommunication::sendPayload(XmlElement a_command, const QString& a_sName,
                                                  const QByteArray& a_data)
 {
-    if (isSending()) { // otherwise compressing would be wasted
+    if (isSending()) { // avoids compressing bytes that are not sent
         a_command.setChildUtf8(a_sName, compressPayload(a_data, m_bCompression));
         sendCommand(a_command);
     }
@@ -142,7 +144,8 @@ void SimulationServiceCommunication::sendPayload(XmlElement a_command, const QSt
 // NOLINTNEXTLINE(readability-identifier-naming)
 void SimulationServiceCommunication::slotXmlReceived(const QByteArray& Xml)
 {
-    // Building the tree of a large document also takes time and memory.
+    // With a filter, the names are read first: a refused command then does not cost the
+    // time and memory for building the tree of a large document.
     const std::optional<PeekedNames> peeked = m_filter ? peekedNames(Xml) : std::nullopt;
     if (peeked && !peeked->root.isEmpty() && peeked->root != QLatin1String("Command")) {
         traceError(s_szSource, [&] { return QStringLiteral("Invalid xml: ") + peeked->root; });
@@ -165,7 +168,8 @@ void SimulationServiceCommunication::slotXmlReceived(const QByteArray& Xml)
     if (!peeked && isRefused(sName, Xml.size())) {
         return;
     }
-    // The system's log filters expect these categories.
+    // The system's log filters expect processed commands among the errors, and invalid
+    // ones among the progress messages.
     if (ReceivedCommand(std::move(root), m_bCompression, this).process()) {
         traceError(s_szSource, [&] { return QStringLiteral("Processed Command/Update: %1").arg(sName); });
     } else {
@@ -192,7 +196,7 @@ void SimulationServiceCommunication::slotErrorOccured(const QString& sErrorStrin
 
 QString SimulationServiceCommunication::createConfirmation(const SimulationDeviceConfiguration& a_device)
 {
-    // Both ends hash the same text, so it must never change.
+    // Both ends hash the same text, so the form of this text must never change.
     const QStringList parts{QStringLiteral("608241937725;4410;27316;81952;64107"), a_device.id(),
                             a_device.machine(), a_device.machineId(), a_device.deviceType()};
     const QByteArray joined = parts.join(u';').toUtf8();

@@ -30,8 +30,8 @@ class XmlElement;
 /// Unknown, incomplete and invalid commands are traced and skipped.
 ///
 /// Bytes that are not a stream of documents are an error. The error is traced once
-/// and passed to the stream error handler. It ends the reading until the next
-/// connection or setSocket().
+/// and passed to the stream error handler. After the error, nothing is read until
+/// the next connection or setSocket().
 ///
 /// Characters that XML forbids are removed from the texts that are sent.
 class SIMULATIONDATA_EXPORT SimulationServiceCommunication : public QObject
@@ -65,28 +65,29 @@ public:
     [[nodiscard]] QTcpSocket* socket() const;
 
     /// Sets whether scenarios, deployments and device descriptors are compressed;
-    /// true by default. Both ends must use the same value, because commands do not
-    /// contain it. Without compression, only Latin-1 text without control characters
-    /// arrives unchanged.
+    /// true by default. Both ends must use the same value, because a command does not
+    /// contain this value. Without compression, only Latin-1 text without control
+    /// characters arrives unchanged.
     void setCompression(bool a_bOn) { m_bCompression = a_bOn; }
 
-    /// Whether a command was lost since the socket was set or has connected: it could
-    /// not be passed completely to the socket. The peer does not read, has
+    /// Whether a command was lost since the socket was set or last connected. A lost
+    /// command was not passed completely to the socket: the peer does not read, has
     /// disconnected, or would refuse the command because of its size. The peer lacks
     /// the lost command, so close the connection.
     [[nodiscard]] bool hasLostCommands() const { return m_bLostCommands; }
 
-    /// Decides whether a received command is processed. The arguments are its name
-    /// in the protocol, for example "LoadScenario", and the number of bytes of its
-    /// document. The name is empty when it is not within the first 256 KiB of a
-    /// larger document.
+    /// Decides whether a received command is processed. The arguments are the name
+    /// of the command in the protocol, for example "LoadScenario", and the number of
+    /// bytes of its document. The name is empty when it is not within the first
+    /// 256 KiB of a larger document.
     using CommandFilter = std::function<bool(const QString& a_sCommand, qsizetype a_iBytes)>;
 
-    /// Sets a filter that is called once for every command, known or not. The call
-    /// precedes reading the parts of the command and decoding its payload. Refusing a
-    /// command saves their time and memory, which may be a thousand times those of the
-    /// document. A refused command is traced and not signalled. Without a filter, or
-    /// with an empty one, all commands are processed.
+    /// Sets a filter that is called once for every command, known or not. The filter
+    /// is called before the parts of the command are read and its payload is decoded.
+    /// Refusing a command saves the time and memory of these two steps, which may be a
+    /// thousand times those for the document itself. A refused command is traced and
+    /// not signalled. Without a filter, or with an empty one, all commands are
+    /// processed.
     ///
     /// The filter is called from the event loop, on the thread of the socket. It may
     /// send commands. It must neither delete this object nor set a filter or a
@@ -99,8 +100,9 @@ public:
     /// Sets a handler that is called when reading from the socket in use has ended
     /// because of an error. The bytes are then not a stream of documents or exceed a
     /// limit. The handler is called once for each connection, from the event loop,
-    /// after the signals of all commands received before. It may close the socket,
-    /// set another socket or handler, or delete this object later. An empty handler is not called.
+    /// after the signals of all commands received before. The handler may close the
+    /// socket, set another socket or handler, or call deleteLater() on this object. An
+    /// empty handler is not called.
     void setStreamErrorHandler(StreamErrorHandler a_handler) { m_streamErrorHandler = std::move(a_handler); }
 
     /// The number of bytes of a partly received document on the socket in use. 0
@@ -189,8 +191,8 @@ private:
     void sendPayload(XmlElement a_command, const QString& a_sName, const QByteArray& a_data);
 
     QPointer<QTcpSocket> m_pSocket;
-    XmlSeparator* m_pSeparator = nullptr; ///< child
-    QByteArray* m_pEncoded = nullptr;     ///< collects the bytes of encode(); not owned; null = send
+    XmlSeparator* m_pSeparator = nullptr; ///< a child of this object
+    QByteArray* m_pEncoded = nullptr;     ///< target of encode(), not owned; null = bytes are sent
     CommandFilter m_filter;               ///< empty = all commands are processed
     StreamErrorHandler m_streamErrorHandler;
     bool m_bCompression = true;

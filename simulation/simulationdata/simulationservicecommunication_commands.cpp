@@ -13,8 +13,8 @@
 namespace Simulation {
 
 // The commands of the protocol, each reader above its writer. A reader returns false,
-// without a signal, when a part is missing or does not convert. After its signal a
-// reader does not use the receiver, because a slot may have deleted it.
+// without a signal, when a part is missing or cannot be converted. After its signal a
+// reader does not use the receiver, because a slot may have deleted the receiver.
 
 namespace {
 
@@ -76,7 +76,7 @@ bool readBare(ReceivedCommand& a_received)
     return true;
 }
 
-/// Reads a command whose one part is a payload.
+/// Reads a command whose only part is a payload.
 template<auto Signal, const QLatin1String& Name>
 bool readPayload(ReceivedCommand& a_received)
 {
@@ -269,8 +269,9 @@ void Communication::sendTestModeOn(bool a_bOn)
     sendCommand(command);
 }
 
-/// A device whose record lacks fields is added with their default values, and so is one
-/// whose record is not XML. There may be many such records, so one trace reports all.
+/// A device is added even when its record lacks fields or is not XML; missing fields get
+/// their default values. One trace reports all records that are not XML, because there
+/// may be many.
 static bool readResponseSimulationDevices(ReceivedCommand& a_received)
 {
     QVector<SimulationDeviceConfiguration> devices;

@@ -13,15 +13,16 @@ namespace Simulation {
 
 class SimulationServiceCommunication;
 
-/// The names of a document's root and of the first element in it. Empty when the
-/// first 256 KiB do not show them.
+/// The names of a document's root and of the first element in the root. A name is empty
+/// when it is not within the first 256 KiB.
 struct PeekedNames
 {
     QString root;
     QString command;
 };
 
-/// No value for a short document: reading it whole costs no more.
+/// Reads the names at the beginning of a document, without the rest. No value for a
+/// short document, because reading a short document as a whole costs no more.
 [[nodiscard]] std::optional<PeekedNames> peekedNames(const QByteArray& a_document);
 
 /// A received command and the signal that it triggers.
@@ -32,14 +33,14 @@ public:
 
     [[nodiscard]] const XmlElement& element() const { return m_element; }
 
-    /// Decodes the child's text; empty after one trace when that fails. Releases the
-    /// document before decoding, because both may be large. Read all other parts first,
-    /// and keep no other handle to the document.
+    /// Decodes the text of a child; empty after one trace when decoding fails. Releases
+    /// the document before decoding, because document and payload may be large. Read all
+    /// other parts first, and keep no other handle to the document.
     [[nodiscard]] QByteArray takePayload(QLatin1String a_name);
 
-    /// Checks the complete command and emits its signal. False, without a signal, when
-    /// the command is unknown or incomplete or contains a value that does not convert.
-    /// A slot may have deleted the receiver afterwards.
+    /// Checks the complete command and emits its signal. Returns false, without a
+    /// signal, when the command is unknown or incomplete or contains a value that cannot
+    /// be converted. When the call returns, a slot may have deleted the receiver.
     bool process();
 
     /// The object whose signals are to be emitted.
@@ -51,14 +52,15 @@ private:
     SimulationServiceCommunication* m_pReceiver;
 };
 
-/// Returns the bytes as the text of an XML element in UTF-8. Compressed: Base64 of
-/// qCompress(). Otherwise each byte is one Latin-1 character.
+/// Returns the bytes as the text of an XML element in UTF-8. With compression, the text
+/// is the Base64 of qCompress(). Without it, each byte is one Latin-1 character.
 [[nodiscard]] QByteArray compressPayload(const QByteArray& a_data, bool a_bCompress);
 
-/// Returns the bytes of such a text. Empty, with the error text in `*a_pError`, when
-/// they cannot be decompressed or exceed Limits::InflatedBytes.
+/// Returns the bytes of a text that compressPayload() made. Empty, with the error text
+/// in `*a_pError`, when the bytes cannot be decompressed or exceed
+/// Limits::InflatedBytes.
 ///
-/// Takes the text over, so that only the text and the result are in memory at a time.
+/// Empties `a_text`, so that only the text and the result are in memory at a time.
 [[nodiscard]] QByteArray uncompressPayload(QByteArray&& a_text, bool a_bCompressed, QString* a_pError);
 
 } // namespace Simulation

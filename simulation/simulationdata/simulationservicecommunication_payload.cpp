@@ -18,7 +18,7 @@ QByteArray uncompressPayload(QByteArray&& a_text, bool a_bCompressed, QString* a
         const QByteArray text = std::exchange(a_text, {});
         return QString::fromUtf8(text).toLatin1();
     }
-    // Decoded in place.
+    // fromBase64() decodes an rvalue in place.
     const QByteArray compressed = QByteArray::fromBase64(std::exchange(a_text, {}));
     return inflateBounded(compressed, a_pError).value_or(QByteArray());
 }

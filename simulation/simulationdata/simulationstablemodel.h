@@ -33,10 +33,11 @@ public:
     /// Always 5.
     [[nodiscard]] int columnCount(const QModelIndex& a_parent = QModelIndex()) const override;
 
-    /// Returns the texts of a device. For Qt::ForegroundRole returns a QColor: black
-    /// without a scenario, dark yellow while the scenario loads, dark green when it
-    /// is loaded, dark red when it failed. Returns an invalid QVariant for an
-    /// unknown state, other roles and an invalid index.
+    /// For Qt::DisplayRole returns the text of a column. For Qt::ForegroundRole
+    /// returns a QColor: black without a scenario, dark yellow while the scenario is
+    /// being loaded, dark green when it is loaded, dark red when loading failed.
+    /// Returns an invalid QVariant for an unknown state, other roles and an invalid
+    /// index.
     [[nodiscard]] QVariant data(const QModelIndex& a_index, int a_iRole = Qt::DisplayRole) const override;
 
     /// The translated names of the columns.
@@ -49,7 +50,7 @@ public:
     /// Always false: the model is read-only.
     bool setData(const QModelIndex& a_index, const QVariant& a_value, int a_iRole = Qt::EditRole) override;
 
-    /// Adds a row in the state without a scenario. A device whose id is already
+    /// Adds a row for the device, with the state None. A device whose id is already
     /// listed keeps its row; its values are replaced and its state is reset. A
     /// device beyond Limits::ListedDevices is refused with a trace.
     void registerSimulation(const SimulationDeviceConfiguration& a_device);

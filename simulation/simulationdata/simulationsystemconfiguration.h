@@ -16,8 +16,8 @@ namespace Simulation {
 /// stay valid until the process ends. May be used by one thread at a time.
 ///
 /// Before loadConfiguation() every value is the default, and there are no stores.
-/// The settings are in "Simulation.ini". CfgCenter::CreateCfg() describes the
-/// folders in which the file is searched:
+/// CfgCenter::CreateCfg() describes the folders in which the settings file
+/// "Simulation.ini" is searched. An example of the file:
 ///
 ///     SimulationServer=127.0.0.1
 ///     SimulationCache=/var/cache/simulation
@@ -59,7 +59,7 @@ public:
     /// Reads latitude and longitude (degrees, north and east positive) from a text. The
     /// values are always finite. The first of these forms that matches is used:
     /// - "Coord 48.1 11.5": decimal degrees, latitude first. The values are set, but
-    ///   the result is false, deliberately: callers recognise this form by it.
+    ///   the result is false, deliberately: callers recognise this form by that result.
     /// - "E011.500000 N48.100000": a letter and a number, twice, longitude first.
     ///   Degree signs are added. The text is then read at fixed places, like the
     ///   decimal form of Units::Position. The decimal mark is a point or a comma,

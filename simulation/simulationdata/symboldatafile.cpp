@@ -14,16 +14,16 @@ constexpr const char* s_szSource = "simulation/simulationdata/symboldatafile";
 
 constexpr DataFileKind s_kind{"symbol data file", "T&K-SDF", 0};
 
-// The global header: magic (7 bytes), version (32 bits), 16 bytes that we do not
-// use (11 to 26), symbol valency and layout (8 bits each).
+// The global header: magic (7 bytes), version (32 bits), 16 unused bytes (11 to 26),
+// symbol valency and layout (8 bits each).
 constexpr std::size_t s_uiValencyAt = 27;
 constexpr std::size_t s_uiLayoutAt = 28;
 constexpr std::size_t s_uiHeaderBytes = 29;
 
 constexpr std::uint8_t s_uiConstantRate = 0;
 
-// For a constant rate there follow the symbol rate (32-bit float, per second), the
-// symbol count (64 bits), and the symbols.
+// With a constant rate, the next fields are the symbol rate (32-bit float, per
+// second), the symbol count (64 bits), and the symbols.
 constexpr std::size_t s_uiRateHeaderBytes = 12;
 constexpr std::uint32_t s_uiSymbolBytes = 1;
 
@@ -33,8 +33,8 @@ class ISpecificReader
 public:
     virtual ~ISpecificReader() = default;
 
-    /// Reads the layout's own header, which follows the global one. False with a
-    /// reason; the reader must not be used then.
+    /// Reads the layout's own header, which follows the global header. On failure,
+    /// returns false with a reason, and the reader must not be used.
     [[nodiscard]] virtual bool init(QString* a_pReason) = 0;
     [[nodiscard]] virtual std::vector<std::uint8_t> readSymbols(std::uint32_t a_uiStart,
                                                                 std::uint32_t a_uiDuration) = 0;
@@ -45,7 +45,7 @@ public:
     [[nodiscard]] virtual std::int64_t missingBytes() const = 0;
 };
 
-/// The layout of constant symbol rate.
+/// The reader for the layout with a constant symbol rate.
 class CBRReader : public ISpecificReader
 {
 public:
@@ -85,7 +85,7 @@ struct SymbolDataFile::State : LayoutFile<ISpecificReader>
 {
     using LayoutFile::LayoutFile;
 
-    /// The reader of the layout that the header names. Null with sError set.
+    /// The reader for the layout in the header. On failure, null with sError set.
     [[nodiscard]] std::unique_ptr<ISpecificReader> readHeader();
 
     QString sModulation;

@@ -28,8 +28,8 @@ public:
     SymbolDataFile& operator=(const SymbolDataFile&) = delete;
 
     /// Opens the file and reads its header. A file that is open already is opened
-    /// again. Returns false after one trace, with the file closed. A file that is
-    /// cut short, or whose length() is 0, is opened with one trace.
+    /// again. On failure, returns false after one trace, and the file is closed. A
+    /// file that is cut short, or whose length() is 0, is opened with one trace.
     [[nodiscard]] bool open();
     void close();
     [[nodiscard]] bool isOpen() const;

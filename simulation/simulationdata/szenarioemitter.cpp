@@ -27,7 +27,8 @@ void linksChanged()
     s_uiLinkEpoch.fetch_add(1, std::memory_order_relaxed);
 }
 
-/// The part of an activity in [from, to) ms. Its length is 0 when no part lies there.
+/// The part of an activity in [from, to) ms. Its duration is 0 when the activity lies
+/// outside.
 HRActivity clipped(const HRActivity& a_activity, std::uint64_t a_uiFrom, std::uint64_t a_uiTo)
 {
     HRActivity result = a_activity;
@@ -101,7 +102,7 @@ void SzenarioEmitter::takeFrom(const SzenarioEmitter& a_source)
                                  ? std::make_unique<TransmitterSettings>(*a_source.m_pTransmitterSettings)
                                  : nullptr;
     m_pPositionSettings.reset(a_source.m_pPositionSettings ? a_source.m_pPositionSettings->clone() : nullptr);
-    // The source may be linked to this emitter, which must not become linked to
+    // The source may be linked to this emitter. This emitter must not become linked to
     // itself.
     const bool bSelf = a_source.m_linkTarget.lock().get() == this;
     m_linkTarget = bSelf ? std::weak_ptr<SzenarioEmitter>() : a_source.m_linkTarget;

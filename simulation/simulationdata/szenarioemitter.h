@@ -120,8 +120,8 @@ public:
     [[nodiscard]] double getFrequencyAt(unsigned int a_uiTime) const;
     [[nodiscard]] TPos getPositionAt(unsigned int a_uiTime) const;
     [[nodiscard]] double headingAt(unsigned int a_uiTime) const;
-    /// How long the emitter has been sending (ms), or -1. In a network, the emission
-    /// must name this emitter.
+    /// How long the emitter has been sending (ms); -1 without an emission at the
+    /// time. In a network, the emission must name this emitter.
     [[nodiscard]] long long timeActiveAt(unsigned int a_uiTime) const;
     /// The signal package that the emitter sends, or null. In a network, the
     /// emission must name this emitter.
@@ -132,11 +132,11 @@ public:
     struct Transmission
     {
         bool isActive = false;
-        long long timeActive = -1; ///< ms, or -1
+        long long timeActive = -1; ///< ms; -1 without an emission
         std::shared_ptr<SignalPackage> signalPackage;
     };
-    /// Returns all three with one search in the schedule. A class that overrides
-    /// isActiveAt() overrides this as well.
+    /// Returns the three values of Transmission with one search in the schedule. A
+    /// class that overrides isActiveAt() overrides transmissionAt() as well.
     [[nodiscard]] virtual Transmission transmissionAt(unsigned int a_uiTime) const;
 
     /// The on-times of the schedule in [start, end) (ms), divided into frequency
@@ -147,7 +147,8 @@ public:
                                                     double a_dFactor) const;
 
 protected:
-    /// Whether flag, frequency and position are active at a time (ms).
+    /// Whether the active flag is set, and frequency and position are active at a time
+    /// (ms).
     [[nodiscard]] bool isReadyAt(unsigned int a_uiTime) const;
 
     /// Copies from another emitter all that copy() copies.
