@@ -11,7 +11,8 @@
 namespace {
 
 /// With --trace, writes the messages of the toolkit and the library, one line each.
-/// Without it, drops them, because the commands report errors to the user themselves.
+/// Without --trace, drops them, because the commands report errors to the user
+/// themselves.
 void traceMessage(QtMsgType /*a_eType*/, const QMessageLogContext& /*a_context*/, const QString& a_sMessage)
 {
     if (ErrorHandler::Instance().traceMask() != 0) {

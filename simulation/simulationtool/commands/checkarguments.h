@@ -9,7 +9,7 @@ namespace SimulationTool {
 
 class Output;
 
-/// The command "check": reads the arguments, the command's name first, and runs it.
+/// Runs the command "check" with its arguments, which begin with the command's name.
 [[nodiscard]] ExitCode check(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

@@ -40,9 +40,9 @@ QString lossOf(const Simulation::ScenarioDataXml& a_scenario, const QByteArray& 
     return documentLoss(a_source, a_written, Notes::Count);
 }
 
-/// Saves the content in a new file, whose name is `a_sFile` with "~" added. Returns
-/// the new name. When that file exists already or cannot be written, writes one line
-/// to standard error and returns no value.
+/// Saves the content in a new file, whose name is the canonical path of `a_sFile` with
+/// "~" added. Returns the new name. When the new file exists already or cannot be
+/// written, writes one line to standard error and returns no value.
 std::optional<QString> keepFormer(const QString& a_sFile, const QByteArray& a_content)
 {
     const QString sBackup = QFileInfo(a_sFile).canonicalFilePath() + u'~';
@@ -61,8 +61,8 @@ bool isOfDocument(const QString& a_sRule)
     return a_sRule == u"broken-off" || a_sRule == u"newer-version" || a_sRule == u"not-read";
 }
 
-/// Knows the ids of a repository, but keeps every emission's own package record, so
-/// that a repaired document names the same packages as before.
+/// Accepts the package ids of a repository, but leaves each emission its own package
+/// record. A repaired document therefore names the same packages as before.
 class KnownIds : public Simulation::UnresolvedSignalPackageProvider
 {
 public:
@@ -84,7 +84,7 @@ private:
 };
 
 /// Checks files one after another against the same packages and classes, and counts
-/// the findings. Owns neither options, packages nor output.
+/// the findings. Does not own the options, the packages and the output.
 class FileCheck
 {
 public:
@@ -169,9 +169,9 @@ CheckFindings FileCheck::scenarioFindings(Simulation::ScenarioDataXml& a_scenari
     return findings;
 }
 
-/// Whether the repaired scenario, which lacks `a_sLoss`, may be written. It may
-/// replace its input file only if `a_sLoss` is empty, or with --force, which saves the
-/// former file first.
+/// Whether the repaired scenario, which lacks `a_sLoss`, may be written. It may replace
+/// its input file only if `a_sLoss` is empty, or with --force. With --force, saves the
+/// former file.
 bool FileCheck::mayReplace(const InputFile& a_file, const QString& a_sLoss, const QByteArray& a_source)
 {
     if (a_sLoss.isEmpty() || !a_file.isSameAs(m_options.repairFile)) {
@@ -325,13 +325,13 @@ ExitCode runCheck(const CheckOptions& a_options, Output& a_output)
     if (a_options.repository.isEmpty()) {
         return FileCheck(a_options, nullptr, nullptr, a_output).run();
     }
-    catchInterruptions(); // the temporary cache must be removed
+    catchInterruptions(); // so that an interrupted check removes the temporary cache
     RepositoryPackages packages;
-    // The repair would replace a package that is missing in the cache.
+    // With an incomplete cache, the repair would replace packages that the repository has.
     if (!packages.open(a_options.repository, {}) || !packages.isComplete()) {
         return ExitCode::Unusable;
     }
-    // A repair against a folder without packages would replace the package of every
+    // With a folder without packages, the repair would replace the package of every
     // emission.
     if (Simulation::SignalPackageFolder::list(packageStoreOf(a_options.repository)).isEmpty()) {
         complain(QStringLiteral("%1: holds no signal packages").arg(a_options.repository));

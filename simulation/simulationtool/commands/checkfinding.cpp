@@ -89,8 +89,8 @@ void checkPosition(CheckFindings& a_findings, const auto& a_object,
     }
 }
 
-/// Whether the settings hold a position other than 0/0. A device whose document has no
-/// position is at 0/0.
+/// Whether the settings contain a position other than 0/0. A device whose document has
+/// no position is at 0/0.
 bool isPlaced(Simulation::IPositionSettings* a_pSettings)
 {
     const auto isElsewhere = [](const Simulation::TPos& a_position) {
@@ -178,7 +178,7 @@ CheckFindings placeFindings(const Simulation::ScenarioDataXml& a_scenario)
 {
     CheckFindings findings;
     for (const auto& emitter : emittersOf(a_scenario)) {
-        // An emitter that follows another one has its position.
+        // An emitter that follows another emitter has the position of that emitter.
         if (!emitter->linkTargetEmitter()) {
             checkPosition(findings, *emitter, emitter->ownPositionSettings());
         }

@@ -30,8 +30,8 @@ using CheckFindings = QList<CheckFinding>;
 [[nodiscard]] CheckFindings brokenOffFindings(const QString& a_sError);
 
 /// Lists the parts of a document that its reader ignored, as one finding. `a_written`
-/// is the document as written after reading. When it is empty, the ignored parts are
-/// not known, and the result is empty.
+/// is the document as written after reading. When `a_written` is empty, the ignored
+/// parts are not known, and the result is empty.
 [[nodiscard]] CheckFindings unreadFindings(const QByteArray& a_document, const QByteArray& a_written);
 
 /// The emitters of a scenario with a position out of range.

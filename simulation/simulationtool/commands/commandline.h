@@ -9,8 +9,9 @@ namespace SimulationTool {
 
 class Output;
 
-/// Reads the program's arguments, the program's name first, and runs the command.
-/// Reports wrong usage as one line on standard error. The caller finishes the output.
+/// Reads the program's arguments and runs the command. The first argument is the
+/// program's name. Reports wrong usage as one line on standard error. The caller
+/// finishes the output.
 [[nodiscard]] ExitCode runCommandLine(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

@@ -17,8 +17,8 @@ namespace SimulationTool {
 
 namespace {
 
-/// Waits until the service has received the sent order, and reports it. For orders
-/// that devices do not confirm.
+/// Waits until the service has received the sent order, and reports the order as sent.
+/// For orders that devices do not confirm.
 ExitCode finishOrder(ServiceController& a_controller, const QString& a_sOrder, Report& a_report)
 {
     if (!a_controller.synchronize()) {
@@ -59,7 +59,7 @@ ExitCode deploy(ServiceController& a_controller, const OrderArgument& a_argument
 
 ExitCode start(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report)
 {
-    // Continues after a pause, otherwise starts at 0 ms.
+    // Without a given time, continues at the time of a pause, otherwise starts at 0 ms.
     const auto& timing = a_controller.timing();
     const std::uint32_t uiPaused = timing.isPaused() ? timing.scenarioTime() : 0;
     const std::uint32_t uiTime = a_argument.time.value_or(uiPaused);
@@ -120,7 +120,7 @@ QString scenarioError(const QByteArray& a_content)
     return scenario.errorString();
 }
 
-/// The same for a deployment.
+/// The error text for bytes that are not a complete deployment; empty when they are.
 QString deploymentError(const QByteArray& a_content)
 {
     Simulation::DeploymentDataXml deployment;

@@ -43,8 +43,8 @@ struct ControlAction
 
 extern const std::array<ControlAction, 9> s_controlActions;
 
-/// Reads the file of the argument and checks that it is a complete document of that
-/// kind. False after one line on standard error.
+/// Reads the file of the argument, and checks that the file is a complete document of
+/// the kind. False after one line on standard error.
 [[nodiscard]] bool readOrderFile(ControlAction::Takes a_eKind, OrderArgument& a_argument);
 
 } // namespace SimulationTool

@@ -77,8 +77,8 @@ ExitCode runControl(const ControlAction& a_action, const OrderArgument& a_argume
         if (a_action.acquires) {
             controller.acquire();
         }
-        // The service first sends the states and the run to a new controller, and then this
-        // answer.
+        // A new controller receives the states and the run of the scenario before the
+        // answer that synchronize() waits for.
         if (controller.synchronize()) {
             eCode = a_action.run(controller, a_argument, a_report);
         }

@@ -9,7 +9,7 @@ namespace SimulationTool {
 
 class Output;
 
-/// The command "control": reads the arguments, the command's name first, and runs it.
+/// Runs the command "control" with its arguments, which begin with the command's name.
 [[nodiscard]] ExitCode control(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

@@ -43,7 +43,7 @@ ReportValue stateValue(const ServiceController& a_controller, const QString& a_s
                  : ReportValue(s_sUnknown, QJsonValue::Null);
 }
 
-/// The counts of the last line, for programs.
+/// Reports for programs the counts that people read in the last line of the report.
 void writeCounts(const ServiceController& a_controller, const char* a_szKey, qsizetype a_iCount,
                  Report& a_report)
 {

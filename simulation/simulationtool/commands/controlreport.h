@@ -19,7 +19,7 @@ namespace SimulationTool {
 class Report;
 class ServiceController;
 
-/// How "control" reports devices, for people and for programs.
+/// The reports of the command "control" about devices, for people and for programs.
 
 /// The texts for an order that devices confirm, and the function that derives the
 /// outcome from an answer.

@@ -143,8 +143,8 @@ bool hasSameTexts(const SzenarioEmitter& a_first, const SzenarioEmitter& a_secon
            a_first.getClass() == a_second.getClass() && a_first.isActive() == a_second.isActive();
 }
 
-/// The reason why a read-back emitter differs from the original; empty when it does
-/// not.
+/// The reason why a read-back emitter differs from the original; empty when both are
+/// equal.
 QString changeReason(const SzenarioEmitter& a_emitter, const SzenarioEmitter* a_pBack, bool a_bSharesId)
 {
     if (a_bSharesId) {

@@ -9,7 +9,7 @@ namespace SimulationTool {
 
 class Output;
 
-/// The command "demo": reads the arguments, the command's name first, and runs it.
+/// Runs the command "demo" with its arguments, which begin with the command's name.
 [[nodiscard]] ExitCode demo(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

@@ -77,12 +77,12 @@ QString configuredStore()
     Simulation::SimulationSystemConfiguration configuration;
     configuration.loadConfiguation();
     QString sStore = configuration.signalPackageStoreDir();
-    sStore.replace(u'\\', u'/');
+    sStore.replace(u'\\', u'/'); // the library separates the last folder by a backslash
     return QFileInfo(sStore).isDir() ? sStore : QString();
 }
 
-/// Opens the repository; without one, an empty folder, so that only the default
-/// package is available.
+/// Opens the repository. Without a repository, opens an empty folder, so that only the
+/// default package is available.
 bool openPackages(RepositoryPackages& a_packages, const QString& a_sRepository)
 {
     if (!a_sRepository.isEmpty()) {
@@ -133,9 +133,9 @@ ExitCode runDevice(const DeviceOptions& a_options, Output& a_output)
     return packages.isComplete() ? ExitCode::Ok : ExitCode::Findings;
 }
 
-/// The error text for an option whose text cannot identify a device; empty when it
-/// can. The service must return the text unchanged, and different texts must look
-/// different in a log.
+/// The error text for an option whose text cannot identify a device; empty for a
+/// suitable text. The service must return the text unchanged, and different texts must
+/// look different in a log.
 QString nameError(const QString& a_sOption, const QString& a_sText)
 {
     if (a_sText.trimmed().isEmpty()) {
@@ -147,8 +147,8 @@ QString nameError(const QString& a_sOption, const QString& a_sText)
                      .arg(a_sOption, QString::number(s_iMaxName));
 }
 
-/// Reads degrees in [-a_dMax, a_dMax]; without the option they stay unchanged. False
-/// with an error text for any other text.
+/// Reads degrees in [-a_dMax, a_dMax]; without the option `a_dDegrees` stays unchanged.
+/// False, with an error text, for any other text.
 bool readDegrees(const QCommandLineParser& a_parser, const QString& a_sOption, double a_dMax,
                  double& a_dDegrees, QString& a_sReason)
 {
@@ -166,7 +166,8 @@ bool readDegrees(const QCommandLineParser& a_parser, const QString& a_sOption, d
     return true;
 }
 
-/// Reads the record that the device registers with. False with an error text.
+/// Reads the record that the device registers with. False, with an error text, when an
+/// option is wrong.
 bool readRecord(const QCommandLineParser& a_parser, Simulation::SimulationDeviceConfiguration& a_record,
                 QString& a_sReason)
 {
@@ -225,7 +226,7 @@ std::optional<DeviceOptions> readDeviceOptions(const QCommandLineParser& a_parse
     return options;
 }
 
-/// The options that describe the device itself.
+/// Adds the options that describe the device itself.
 void addRecordOptions(QCommandLineParser& a_parser)
 {
     a_parser.addOptions({

@@ -9,8 +9,8 @@ namespace SimulationTool {
 
 class Output;
 
-/// The command "device": reads the arguments, the command's name first, and runs the
-/// device until the process is interrupted or its output cannot be written.
+/// Runs the command "device" with its arguments, which begin with the command's name.
+/// The device runs until the process is interrupted or the output cannot be written.
 [[nodiscard]] ExitCode device(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

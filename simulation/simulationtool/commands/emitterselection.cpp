@@ -26,8 +26,8 @@ qsizetype slips(const QString& a_sFirst, const QString& a_sSecond, qsizetype a_i
         return a_iLimit;
     }
     // Keeps one row of the table of Wagner and Fischer (Journal of the ACM 21, 1974):
-    // row[i] is the distance of the letters read so far to the first i letters of the
-    // second text.
+    // row[i] is the edit distance between the letters read so far and the first i letters
+    // of the second text.
     std::vector<qsizetype> row(static_cast<std::size_t>(a_sSecond.size()) + 1);
     std::iota(row.begin(), row.end(), 0);
     for (const QChar cFirst : a_sFirst) {

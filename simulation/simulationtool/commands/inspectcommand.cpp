@@ -28,7 +28,7 @@ namespace {
 /// A kind of file other than a scenario.
 struct Kind
 {
-    bool (*recognises)(const QByteArray& a_head); ///< from the file's first bytes
+    bool (*recognises)(const QByteArray& a_head); ///< judges by the file's first bytes
     const char* ending; ///< file name ending, used when no kind recognises the first bytes; empty: none
     Verdict (*describe)(Report& a_report, const InputFile& a_file);
 };
@@ -71,7 +71,7 @@ const Kind* kindOf(const InputFile& a_file)
 }
 
 /// Describes a file or package folder. A file of unknown kind is read as a scenario;
-/// no value when that fails.
+/// no value when the file is not a scenario either.
 std::optional<Verdict> describe(Report& a_report, const InputFile& a_file)
 {
     if (QFileInfo(a_file.path()).isDir()) {

@@ -41,7 +41,7 @@ const char s_szPlayExamples[] =
     "  2  Wrong usage, or something could not be read or written.\n";
 
 /// Reads an option as a time (ms) of at least `a_uiMin`. Without the option the time
-/// stays unchanged. False with an error text.
+/// stays unchanged. False, with an error text, for a wrong time.
 bool readTime(const QCommandLineParser& a_parser, const QString& a_sOption, std::uint32_t a_uiMin,
               std::optional<std::uint32_t>& a_time, QString& a_sReason)
 {

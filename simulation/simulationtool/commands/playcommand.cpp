@@ -108,8 +108,8 @@ private:
     RepositoryPackages* m_pPackages;
     Output& m_output;
     Report m_report;
-    /// Declared before m_emitters, so that it is destroyed after it. Its destructor
-    /// releases only objects that no other owner holds.
+    /// Declared before m_emitters, so that the scenario is destroyed last. Its destructor
+    /// releases only objects without another owner.
     std::unique_ptr<Simulation::ScenarioDataXml> m_scenario;
     Emitters m_emitters;
     std::uint32_t m_uiTo = 0; ///< ms
@@ -157,7 +157,7 @@ QJsonObject Play::summary(const Verdict& a_verdict) const
             {QStringLiteral("problems"), QJsonArray::fromStringList(problems)}};
 }
 
-/// `a_provider` is m_pPackages, if not null.
+/// `a_provider` is the object of m_pPackages, unless m_pPackages is null.
 ExitCode Play::run(Simulation::ISignalPackageProvider& a_provider)
 {
     m_scenario = std::make_unique<Simulation::ScenarioDataXml>(&a_provider);
@@ -188,7 +188,7 @@ ExitCode runPlay(const PlayOptions& a_options, Output& a_output)
         Simulation::UnresolvedSignalPackageProvider unresolved;
         return Play(a_options, file, nullptr, a_output).run(unresolved);
     }
-    catchInterruptions(); // a temporary cache must be removed
+    catchInterruptions(); // so that an interrupted play removes a temporary cache
     RepositoryPackages packages;
     if (!packages.open(a_options.repository, a_options.cache)) {
         return ExitCode::Unusable;

@@ -23,8 +23,8 @@ struct PlayOptions
     std::optional<std::uint32_t> to; ///< no value = the scenario's duration, at most 10 s
     std::uint32_t step = 100;        ///< at least 1
     QString csvFile;                 ///< empty = a table on the output, "-" = the output
-    QString repository;              ///< folder to resolve packages from; empty = none, without levels
-    QString cache;                   ///< folder that is kept; empty = a temporary one
+    QString repository;              ///< folder with packages; empty = no packages and no levels
+    QString cache;                   ///< kept folder of copied packages; empty = a temporary one
     QStringList emitters;            ///< ids or names of the emitters to play; empty = all
     ReportForm form = ReportForm::Text;
 };

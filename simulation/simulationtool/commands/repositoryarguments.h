@@ -9,8 +9,8 @@ namespace SimulationTool {
 
 class Output;
 
-/// The command "repository": reads the arguments, the command's name first, and runs
-/// the action.
+/// Runs an action of the command "repository". The arguments begin with the command's
+/// name.
 [[nodiscard]] ExitCode repository(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

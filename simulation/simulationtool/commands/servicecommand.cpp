@@ -55,7 +55,8 @@ ExitCode runService(const QHostAddress& a_address, std::uint16_t a_uiPort, std::
                     Output& a_output)
 {
     using Simulation::Limits;
-    // Refuses contents that would inflate to more than the document limit of the devices.
+    // Refuses compressed documents that would exceed the devices' document limit when
+    // decompressed.
     Limits::setValue(Limits::InflatedBytes, Limits::value(Limits::DocumentBytes));
     InterruptibleLoop loop;
     SimulationService simulationService(a_timeout);

@@ -9,8 +9,8 @@ namespace SimulationTool {
 
 class Output;
 
-/// The command "service": reads the arguments, the command's name first, and runs the
-/// service until the process is interrupted.
+/// Runs the command "service" with its arguments, which begin with the command's name.
+/// The service runs until the process is interrupted.
 [[nodiscard]] ExitCode service(const QStringList& a_arguments, Output& a_output);
 
 } // namespace SimulationTool

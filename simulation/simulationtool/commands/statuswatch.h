@@ -18,8 +18,8 @@ class ServiceController;
 class StatusWatch
 {
 public:
-    /// Owns neither. The controller must be connected and must not have acquired the
-    /// service.
+    /// Owns neither argument. The controller must be connected and must not have acquired
+    /// the service.
     StatusWatch(ServiceController& a_controller, Report& a_report);
 
     /// Runs until the process is interrupted, and then returns Ok. Returns Unusable when

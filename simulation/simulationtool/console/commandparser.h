@@ -11,7 +11,7 @@
 
 namespace SimulationTool {
 
-/// Options of several commands.
+/// The names of options that several commands have.
 inline const QString s_sRepository = QStringLiteral("repository");
 inline const QString s_sStep = QStringLiteral("step");
 
@@ -23,8 +23,8 @@ class Output;
 class CommandParser
 {
 public:
-    /// `a_sCommand` is empty for the program itself. `a_sUsage` follows it in the
-    /// first line of the help. `a_szExamples` must live as long as the parser.
+    /// `a_sCommand` is empty for the program itself. `a_sUsage` follows the command in
+    /// the first line of the help. `a_szExamples` must live as long as the parser.
     CommandParser(const QString& a_sCommand, const QString& a_sUsage, const char* a_szDescription,
                   const char* a_szExamples);
 
@@ -34,8 +34,8 @@ public:
     /// when the command ends here: the help was shown, or the usage was wrong. No
     /// value when the command may run.
     [[nodiscard]] std::optional<ExitCode> parse(const QStringList& a_arguments, Output& a_output);
-    /// The same for a command with subcommands: stops at the first positional
-    /// argument, and leaves the rest to the subcommand.
+    /// Reads the arguments of a command with subcommands: like parse(), but stops at the
+    /// first positional argument, and leaves the rest to the subcommand.
     [[nodiscard]] std::optional<ExitCode> parseBefore(const QStringList& a_arguments, Output& a_output);
 
     /// Reports wrong usage as one line on standard error and returns Unusable.

@@ -3,12 +3,12 @@
 
 namespace SimulationTool {
 
-/// The program's exit status. Scripts rely on the values. The higher value is the
-/// more severe one.
+/// The program's exit status. Scripts rely on the values. A higher value is more
+/// severe.
 enum class ExitCode : int {
     Ok = 0,
     Findings = 1, ///< done, but something is broken, missing or inconsistent
-    Unusable = 2, ///< wrong usage, or input or a request was refused, or a file could not be read or written
+    Unusable = 2, ///< wrong usage, refused input or request, or an unreadable or unwritable file
 };
 
 } // namespace SimulationTool

@@ -34,7 +34,8 @@ QString temporaryError(const QFile& a_temporary)
         .arg(a_temporary.errorString());
 }
 
-/// Copies all that is left to read. Returns the error text, empty on success.
+/// Copies the unread rest of `a_from`, until an interruption. Returns the error text;
+/// empty on success and after an interruption.
 QString copyError(QFile& a_from, QFile& a_to, std::uint64_t a_uiMaxBytes)
 {
     std::uint64_t uiBytes = 0;
@@ -81,8 +82,8 @@ bool InputFile::prepare(std::uint64_t a_uiMaxBytes)
     } else {
         sError = copyError(input, *m_copy, a_uiMaxBytes);
     }
-    // The temporary file has no name on the disk, so no other process opens it and
-    // none is left after a crash. Readers open it by its descriptor.
+    // The temporary file has no name on the disk, so no other process opens it, and no
+    // file is left after a crash. Readers open it by its descriptor.
     m_sPath = QStringLiteral("/proc/self/fd/%1").arg(m_copy->handle());
     if (!sError.isEmpty()) {
         complain(QStringLiteral("%1: %2").arg(name(), sError));

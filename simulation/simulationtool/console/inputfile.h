@@ -25,8 +25,8 @@ public:
     InputFile& operator=(const InputFile&) = delete;
 
     /// Copies standard input or a named pipe, and does nothing for other files.
-    /// False, after one line on standard error, when it cannot be read or copied or
-    /// exceeds the limit (bytes). False without a line when interrupted.
+    /// False, after one line on standard error, when the input cannot be read or copied,
+    /// or exceeds the limit (bytes). False without a line when interrupted.
     [[nodiscard]] bool prepare(std::uint64_t a_uiMaxBytes);
 
     /// The path for readers; valid after prepare().
@@ -34,12 +34,12 @@ public:
     /// The name for messages: the argument, or "standard input".
     [[nodiscard]] QString name() const;
     [[nodiscard]] bool isStandardInput() const;
-    /// Whether another name leads to the same file. True also when standard input is
-    /// redirected from that file.
+    /// Whether `a_sFile` names the same file. True also when standard input is redirected
+    /// from `a_sFile`.
     [[nodiscard]] bool isSameAs(const QString& a_sFile) const;
     /// All bytes; empty when they cannot be read.
     [[nodiscard]] QByteArray content() const;
-    /// The first bytes (at most 4096). Empty unless it is a regular file, because
+    /// The first bytes (at most 4096). Empty unless the input is a regular file, because
     /// reading from a pipe removes the bytes.
     [[nodiscard]] QByteArray head() const;
 

@@ -15,7 +15,7 @@ InterruptibleLoop::InterruptibleLoop()
     }
     m_notifier = std::make_unique<QSocketNotifier>(interruptionDescriptor(), QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, &m_loop, [this] {
-        m_notifier->setEnabled(false); // the descriptor stays readable
+        m_notifier->setEnabled(false); // the descriptor stays readable and would activate it again
         m_loop.quit();
     });
 }

@@ -7,14 +7,15 @@ namespace SimulationTool {
 /// SIGTERM and SIGPIPE instead of being killed by them, stops at the next check, and
 /// cleans up. The second signal of a kind kills the process at once, except SIGPIPE.
 
-/// From now on notes these signals instead of ending the process.
+/// From now on SIGHUP, SIGINT, SIGTERM and SIGPIPE are noted instead of ending the
+/// process. A signal that the process ignores stays ignored.
 void catchInterruptions();
 
 /// From now on a write to a closed pipe fails instead of ending the process. For
 /// programs that outlive the readers of their logs. Call before catchInterruptions().
 void ignoreClosedPipes();
 
-/// Whether such a signal was received.
+/// Whether one of the signals of catchInterruptions() was received.
 [[nodiscard]] bool isInterrupted();
 
 /// A file descriptor that becomes readable when a signal is received, and stays

@@ -16,7 +16,7 @@ constexpr int s_iHexadecimal = 16;
 constexpr int s_iEscapeDigits = 4;
 
 /// Escapes characters that JSON allows in strings although they can control a
-/// terminal. Outside of strings only line ends occur, and these are kept.
+/// terminal. Keeps line ends: they are the only control characters outside of strings.
 QString escaped(const QByteArray& a_json)
 {
     const QString sJson = QString::fromUtf8(a_json);

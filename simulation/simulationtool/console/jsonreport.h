@@ -11,19 +11,20 @@ namespace SimulationTool {
 
 /// Building blocks of the JSON reports (option --json, see report.h). A command
 /// writes one JSON document, or one object per line while it follows events. Keys
-/// name the units ("duration_ms"); docs/json.md lists all keys. Errors stay one line
-/// on standard error.
+/// name the units ("duration_ms"); docs/json.md lists all keys. Errors are still
+/// reported as one line on standard error.
 
 /// The object as one line without a line end. Characters that can control a terminal
 /// are escaped, so the line is safe to show anywhere.
 [[nodiscard]] QString jsonLine(const QJsonObject& a_object);
-/// The same, indented over several lines, with a final line end.
+/// The object indented over several lines, with a final line end. Characters that can
+/// control a terminal are escaped.
 [[nodiscard]] QString jsonDocument(const QJsonObject& a_object);
 
 /// The number; null when it is not finite, which JSON cannot express.
 [[nodiscard]] QJsonValue jsonNumber(double a_dValue);
-/// The same, with the fewest digits that read back as the same single-precision
-/// number.
+/// The number, with the fewest digits that read back as the same single-precision
+/// number; null when it is not finite.
 [[nodiscard]] QJsonValue jsonNumber(float a_fValue);
 /// A count or an id, exact up to 2^63 - 1; larger values are rounded.
 [[nodiscard]] QJsonValue jsonCount(std::uint64_t a_uiCount);

@@ -9,7 +9,7 @@ namespace SimulationTool {
 
 /// Limits the log lines that peers cause, so that no peer can fill the disk. Passes
 /// 100 lines in 10 s and drops the others; after the 10 s one line reports how many
-/// were dropped. Used on its own thread.
+/// were dropped. Used on the thread to which the object belongs.
 class LogLimit : public QObject
 {
     Q_OBJECT

@@ -94,7 +94,7 @@ QString timeStamp(std::uint64_t a_uiMicroseconds)
 void prepareStandardStreams()
 {
     static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
-    // Standard output is opened for reading only, so that writing to it fails.
+    // A closed standard output is opened for reading only, so that writing to it fails.
     constexpr int s_iModes[] = {O_RDONLY, O_RDONLY, O_WRONLY};
     for (int iStream = STDIN_FILENO; iStream <= STDERR_FILENO; ++iStream) {
         if (::fcntl(iStream, F_GETFD) < 0 && ::open("/dev/null", s_iModes[iStream]) != iStream) {

@@ -48,8 +48,8 @@ void writeLog(const QString& a_sMessage);
 [[nodiscard]] QString timeStamp(std::uint64_t a_uiMicroseconds);
 
 /// Lets the program end silently when the reader of its output closes the pipe. Opens
-/// closed standard streams on /dev/null, so that no file opened later takes their
-/// place. Call before anything else.
+/// closed standard streams on /dev/null, so that no file opened later gets their
+/// descriptors. Call before anything else.
 void prepareStandardStreams();
 
 } // namespace SimulationTool

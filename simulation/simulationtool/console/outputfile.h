@@ -10,10 +10,10 @@ namespace SimulationTool {
 
 /// Replaces the file's content. Reports an error as one line on standard error and
 /// returns Unusable; the old file stays. After an interruption also returns Unusable
-/// and keeps the old file, without a line.
+/// and keeps the old file, but reports nothing.
 [[nodiscard]] ExitCode replaceFile(const QString& a_sFile, const QByteArray& a_data);
 
-/// Whether two names lead to the same file. False when the first name is empty or
+/// Whether two names denote the same file. False when the first name is empty or
 /// names no file.
 [[nodiscard]] bool isSameFile(const QString& a_sFirst, const QString& a_sSecond);
 

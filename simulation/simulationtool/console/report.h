@@ -17,10 +17,10 @@ namespace SimulationTool {
 
 class Output;
 
-/// The reader of a report.
+/// The form of a report.
 enum class ReportForm {
-    Text, ///< people: headings, labelled values and tables, written as they arrive
-    Json, ///< programs: one JSON document, written by finish()
+    Text, ///< for people: headings, labelled values and tables, written as they arrive
+    Json, ///< for programs: one JSON document, written by finish()
 };
 
 /// Adds the option --json to a command.
@@ -35,7 +35,7 @@ void addJsonOption(QCommandLineParser& a_parser);
 
 /// Writes the report of a command, as text for people or as JSON for programs, to an
 /// output that it does not own. The command reports every fact once, with a label for
-/// people and a key for programs. A fact with a null key is left out for programs.
+/// people and a key for programs. JSON omits a fact whose key is null.
 ///
 /// In JSON a fact is added to the current place: the document itself, or the object
 /// that the latest heading with a key began.
@@ -49,10 +49,10 @@ public:
     /// A heading in the first column, after an empty line unless it is the first. The
     /// current place becomes the document itself.
     void heading(const QString& a_sText);
-    /// The same; the current place becomes the document's object of that key.
+    /// A heading as above; the current place becomes the document's object of that key.
     void heading(const QString& a_sText, const char* a_szKey);
-    /// The same; the current place becomes a new object at the end of the document's
-    /// list of that key.
+    /// A heading as above; the current place becomes a new object at the end of the
+    /// document's list of that key.
     void itemHeading(const QString& a_sText, const char* a_szKey);
     /// Begins a new object at the end of the document's list of that key. The text form
     /// does not show it.
@@ -67,14 +67,14 @@ public:
     void field(const char* a_szKey, const QString& a_sLabel, const ReportValue& a_value);
     /// A value for programs only; people read it in the text of another fact.
     void value(const char* a_szKey, const QJsonValue& a_value);
-    /// A field about the whole report, which belongs to the document itself. An empty
-    /// line separates it, unless the report consists of one heading with fields only.
+    /// A field about the whole report. In JSON it belongs to the document itself. An empty
+    /// line precedes it, unless the report has only one heading and no table().
     void conclusion(const char* a_szKey, const QString& a_sLabel, const ReportValue& a_value);
     /// A line for people only.
     void line(const QString& a_sText);
     /// For programs: appends an object to the current place's list of that key.
     void record(const char* a_szKey, const QJsonObject& a_object);
-    /// The same, with a line for people.
+    /// For programs: appends an object as above. For people: writes a line.
     void record(const char* a_szKey, const QJsonObject& a_object, const QString& a_sText);
 
     /// Writes one event of a followed stream at once: the text for people, or the object
@@ -85,9 +85,9 @@ public:
     /// A table without indentation; for programs a list of objects. A table without
     /// rows is not shown to people.
     void plainTable(const char* a_szKey, const QList<TextColumn>& a_columns, const QList<ReportRow>& a_rows);
-    /// The same, indented.
+    /// A table as above, but indented.
     void table(const char* a_szKey, const QList<TextColumn>& a_columns, const QList<ReportRow>& a_rows);
-    /// The same with a title line.
+    /// An indented table with a title line.
     void titledTable(const char* a_szKey, const QString& a_sTitle, const QList<TextColumn>& a_columns,
                      const QList<ReportRow>& a_rows);
 
@@ -109,10 +109,10 @@ private:
     ReportForm m_eForm;
     bool m_bFirst = true;
     bool m_bEvents = false;    ///< an event was written
-    bool m_bOnlyFields = true; ///< no table since the first heading
+    bool m_bOnlyFields = true; ///< one heading at most, and no table() yet
 
-    // The JSON document. Lists are kept apart, because taking one out of a
-    // QJsonObject to append to it would copy it.
+    // The JSON document. The lists are separate members, because appending to a list
+    // inside a QJsonObject would copy the list.
     QJsonObject m_document;
     QMap<QString, QJsonArray> m_lists; ///< the document's lists
     QJsonObject m_place;               ///< the current place, unless that is the document

@@ -7,8 +7,8 @@
 
 namespace SimulationTool {
 
-/// One value of a report, as text for people and as JSON for programs. Both are made
-/// in one place, so they cannot differ.
+/// One value of a report in two forms: as text for people and as JSON for programs. Both
+/// forms are made in one place, so they cannot differ.
 struct ReportValue
 {
     /// A text for both; an empty one is null for programs.
@@ -22,7 +22,9 @@ struct ReportValue
 
 using ReportRow = QList<ReportValue>;
 
-/// Values with their usual texts.
+// Values with their usual texts
+
+/// A count without a noun: "2".
 [[nodiscard]] ReportValue countValue(quint64 a_uiCount);
 /// A count with its noun in the text: "2 bytes".
 [[nodiscard]] ReportValue countValue(quint64 a_uiCount, const char* a_szNoun);
@@ -31,9 +33,9 @@ using ReportRow = QList<ReportValue>;
 /// The shortest text that reads back as the same number.
 [[nodiscard]] ReportValue numberValue(double a_dNumber);
 [[nodiscard]] ReportValue numberValue(float a_fNumber);
-/// Fixed decimals in the text, full precision for programs.
+/// A number with fixed decimals in the text and full precision in JSON.
 [[nodiscard]] ReportValue numberValue(double a_dNumber, int a_iDecimals);
-/// "yes" and "no", true and false.
+/// "yes" or "no" in the text, true or false in JSON.
 [[nodiscard]] ReportValue flagValue(bool a_bFlag);
 /// A frequency (Hz): the text uses Hz, kHz, MHz or GHz, JSON uses Hz.
 [[nodiscard]] ReportValue frequencyValue(double a_dFrequency);

@@ -30,7 +30,8 @@ bool isPlain(QChar a_cUnit)
     return a_cUnit >= QChar(s_cFirstPrintable) && a_cUnit < QChar(s_cDelete);
 }
 
-/// Line and paragraph separators are not harmless, because they break lines.
+/// Whether the character is printable and keeps the line whole. Line and paragraph
+/// separators are printable, but break lines.
 bool isHarmless(char32_t a_cCodePoint)
 {
     const QChar::Category eCategory = QChar::category(a_cCodePoint);

@@ -12,7 +12,8 @@ struct TextColumn
 {
     QString title;
     bool alignRight = false;
-    /// Columns; longer cells are cut. 0 = without limit, for the last column.
+    /// Maximum width of the cells (characters); longer cells are cut. 0 = no limit, for
+    /// short values and for the last column.
     qsizetype maxWidth = 0;
     /// The JSON key; null: the column is for people only.
     const char* key = nullptr;
@@ -31,11 +32,10 @@ public:
     /// whole, but a wide cell shifts the cells to its right.
     void fit(const QStringList& a_cells);
 
-    /// The line of titles, and the line of dashes below it.
+    /// The line of titles, and the line of dashes below it; both without a line end.
     [[nodiscard]] QString titles() const;
     [[nodiscard]] QString rule() const;
-    /// One row as a line; like the others, without a line end. Missing cells are
-    /// empty.
+    /// One row as a line, without a line end. Missing cells are empty.
     [[nodiscard]] QString row(const QStringList& a_cells) const;
 
 private:

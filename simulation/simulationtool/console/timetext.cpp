@@ -19,8 +19,8 @@ constexpr std::array<TimeUnit, 5> s_units{
 
 constexpr qsizetype s_iMaxDigits = 12; ///< on each side of the point, so that no product overflows 64 bits
 
-/// Converts the digits after the decimal point to milliseconds. The unit is in ms. No
-/// value when the result is not a whole number.
+/// Converts the digits after the decimal point to milliseconds. `a_uiUnit` is the
+/// length of the unit (ms). No value when the result is not a whole number.
 std::optional<std::uint64_t> fractionOf(const QString& a_sDigits, std::uint64_t a_uiUnit)
 {
     std::uint64_t uiScale = 1;

@@ -12,7 +12,7 @@ namespace SimulationTool {
 struct NumberRange
 {
     QString name;     ///< the option or argument, for example "--step"
-    const char* unit; ///< follows "a whole number": " of milliseconds", or ""
+    const char* unit; ///< follows "a whole number" in the error text: " of seconds", or ""
     std::uint32_t min = 0;
     std::uint32_t max = UINT32_MAX;
 };

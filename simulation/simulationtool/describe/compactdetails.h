@@ -22,7 +22,7 @@ class Report;
 [[nodiscard]] std::optional<Verdict> describeCompact(Report& a_report, const InputFile& a_file);
 
 /// Lists the unresolved links. A link is resolved only when its target is an emitter
-/// that precedes the linking emitter. Shows only the first of many links. The scenario
+/// that precedes the linking emitter. Shows at most the first 20 links. The scenario
 /// must have been read.
 void describeUnresolvedLinks(Report& a_report, const Simulation::ScenarioDataBinary& a_scenario);
 

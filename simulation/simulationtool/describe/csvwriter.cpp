@@ -39,8 +39,8 @@ bool CsvWriter::writeRow(const QStringList& a_fields)
     if (!m_bStandardOutput) {
         return m_file.write((sLine + sEnd).toUtf8());
     }
-    // A terminal gets control characters of ids spelled out; a program gets ids
-    // unchanged.
+    // Ids may contain control characters. These are spelled out on a terminal; a program
+    // receives the ids unchanged.
     m_output.write((m_bTerminal ? terminalText(sLine) : sLine) + sEnd);
     return m_output.isOk();
 }

@@ -16,8 +16,8 @@ namespace SimulationTool {
 class InputFile;
 class Report;
 
-/// A data file of a package: its header in one line, and the verdict on it. The data
-/// themselves are not read.
+/// A data file of a package: its header in one line, and the verdict on the file. The
+/// data themselves are not read.
 struct DataFileSummary
 {
     QString text; ///< empty when the file is refused

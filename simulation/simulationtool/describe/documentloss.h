@@ -6,7 +6,8 @@
 
 namespace SimulationTool {
 
-/// Comments and processing instructions of a document, which all readers ignore.
+/// Whether notes count as parts of a document. Notes are comments and processing
+/// instructions, which all readers ignore.
 enum class Notes {
     Ignore,
     Count,
@@ -14,9 +15,9 @@ enum class Notes {
 
 /// Lists the parts of a source document that the written document lacks: elements,
 /// attributes with a value and, with Notes::Count, notes. Returns one line that names
-/// the first three kinds, each with its count, and the total when there are more;
-/// empty when nothing is lost. Both documents must be well-formed. The timing of
-/// older formats is not a loss: it is written as emissions.
+/// the first three kinds, each with its count. The line also contains the total when
+/// there are more kinds. Empty when nothing is lost. Both documents must be
+/// well-formed. The timing of older formats is not a loss: it is written as emissions.
 [[nodiscard]] QString documentLoss(const QByteArray& a_source, const QByteArray& a_written, Notes a_eNotes);
 
 } // namespace SimulationTool

@@ -11,8 +11,8 @@ namespace SimulationTool {
 
 class Report;
 
-/// A table of losses or findings. Their number has no limit: only the first 20 rows
-/// are kept and shown, and the title counts all.
+/// A table of losses or findings. Any number of rows may be added: only the first 20
+/// are kept and shown, and the title contains the total number.
 class LostTable
 {
 public:

@@ -184,7 +184,7 @@ void describeTransmitter(Report& a_report, const Simulation::TransmitterSettings
         {QStringLiteral("height_over_ground"), jsonNumber(a_pSettings->getAntennaHeight())},
         {QStringLiteral("direction_degrees"), jsonNumber(a_pSettings->getAntennaDirection())},
         {QStringLiteral("type"), jsonText(a_pSettings->getAntennaType())}};
-    // The type comes last, because only it may contain any text.
+    // The type is last, because it is free text: it may also contain commas.
     a_report.field(
         "antenna", QStringLiteral("Antenna"),
         {QStringLiteral("gain %1, height over ground %2, direction %3 degrees, type ")

@@ -14,12 +14,12 @@ namespace SimulationTool {
 
 class Report;
 
-/// A frequency behaviour in one line, in JSON an object with its "kind". Without
-/// settings the text is empty and JSON null.
+/// A frequency behaviour: one line of text, and in JSON an object with its "kind".
+/// Without settings the text is empty and the JSON value is null.
 [[nodiscard]] ReportValue frequencySummary(Simulation::IFrequencySettings* a_pSettings);
-/// The same for a position (degrees, longitude first).
+/// A position (degrees, longitude first) in the same two forms.
 [[nodiscard]] ReportValue positionSummary(Simulation::IPositionSettings* a_pSettings);
-/// The same for an emitter; a linked emitter shows the emitter that it follows.
+/// The position of an emitter; for a linked emitter, the emitter that it follows.
 [[nodiscard]] ReportValue positionSummary(const Simulation::SzenarioEmitter& a_emitter);
 
 /// Describe one object with all its settings and relations, under a heading of its

@@ -14,11 +14,12 @@ namespace SimulationTool {
 class InputFile;
 class Report;
 
-/// The modulation for display: the digital one by its name.
+/// The name of the digital modulation, if the package has one; otherwise the name of
+/// the analogue modulation.
 [[nodiscard]] QString modulationText(const Simulation::SignalPackage& a_package);
 
 /// Describes a signal package in a folder: its descriptor, then its data files. The
-/// caller has written a heading and writes the returned verdict. `a_sTitle` is shown
+/// caller writes a heading before and the returned verdict after. `a_sTitle` is shown
 /// as the folder.
 [[nodiscard]] Verdict describePackageFolder(Report& a_report, const QString& a_sFolder,
                                             const QString& a_sTitle);

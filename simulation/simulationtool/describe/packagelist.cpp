@@ -34,7 +34,8 @@ ListedPackage readPackage(const QString& a_sFolder, const QString& a_sRelative)
     return listed;
 }
 
-/// Finds packages with the same clean id: a cache can use only one of them.
+/// Adds a problem to every package that has the clean id of an earlier one: a cache can
+/// use only one of them.
 void findSameIds(QList<ListedPackage>& a_packages)
 {
     QHash<QString, QString> folders;

@@ -14,7 +14,7 @@ struct ListedPackage
 {
     QString folder; ///< relative to the folder that was searched
     QString id;
-    QString cleanId; ///< base name of its files in a cache
+    QString cleanId; ///< base name of the package's files in a cache
     QString name;
     QString modulation;
     float bandwidth = 0.0F;

@@ -42,7 +42,7 @@ QString PackageUse::warning()
 
 std::shared_ptr<Simulation::SignalPackage> PackageUse::signalPackage(const QString& a_sId)
 {
-    // An emission without a package id means the default package.
+    // An emission without a package id uses the default package.
     if (!a_sId.isEmpty() && !m_ids.contains(a_sId)) {
         m_ids.insert(a_sId);
         if (!validSignalPackageId(a_sId)) {

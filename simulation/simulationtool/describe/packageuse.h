@@ -10,12 +10,12 @@
 namespace SimulationTool {
 
 /// Forwards to another provider. Records the ids that a scenario requested, and those
-/// of them that the provider does not know. Loaded emissions do not show this: they
-/// name only the replacement packages. Used on the provider's thread.
+/// of them that the provider does not know. The loaded emissions name only the
+/// replacement packages, not the unknown ids. Used on the provider's thread.
 class PackageUse : public ForwardingPackages
 {
 public:
-    /// The provider is not owned and must live longer.
+    /// The provider is not owned and must outlive this object.
     explicit PackageUse(Simulation::ISignalPackageProvider& a_provider);
 
     /// Forgets the recorded ids, before another scenario is loaded.

@@ -27,8 +27,8 @@ QString descriptorError(const QString& a_sFile)
                                                                             : QStringLiteral("names no id");
 }
 
-/// Adds a problem. The verdict on the package is its most severe problem, of equally
-/// severe ones the first.
+/// Adds a problem. The verdict on the package is its most severe problem; among equally
+/// severe problems, it is the first.
 void addProblem(PackageVerdict& a_verdict, const QString& a_sText, ExitCode a_eCode)
 {
     a_verdict.problems.append(a_sText);

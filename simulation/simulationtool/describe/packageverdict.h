@@ -25,8 +25,8 @@ struct PackageVerdict
 {
     Simulation::SignalPackage package;
     Verdict descriptor;
-    QList<PackageFileVerdict> files; ///< the existing ones
-    Verdict worst;                   ///< of the package as a whole
+    QList<PackageFileVerdict> files; ///< the data files that exist
+    Verdict worst;                   ///< on the whole package: its most severe problem
     QStringList problems;            ///< every problem in a few words; empty when the package is in order
 };
 
@@ -36,9 +36,9 @@ struct PackageVerdict
 /// The verdict on a descriptor file from which this package was read.
 [[nodiscard]] Verdict descriptorVerdict(const Simulation::SignalPackage& a_package, const QString& a_sFile);
 
-/// The reason why the spectra of a package cannot be played although they are
-/// readable; empty when they can. Spectra repeat over the package's duration, so a
-/// package without a duration cannot be played.
+/// The reason why the readable spectra of a package cannot be played; empty when they
+/// can be played. Spectra repeat over the package's duration, so a package without a
+/// duration cannot be played.
 [[nodiscard]] QString durationError(const Simulation::SignalPackage& a_package);
 
 } // namespace SimulationTool

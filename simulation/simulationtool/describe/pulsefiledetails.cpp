@@ -49,7 +49,7 @@ struct Walk
     }
 
     std::uint64_t blocks = 0;
-    std::uint64_t records = 0;      ///< complete ones
+    std::uint64_t records = 0;      ///< complete records
     std::uint64_t missingBytes = 0; ///< of the last block
     std::uint64_t errorCount = 0;
     QStringList errors;  ///< the first s_uiShownErrors
@@ -110,6 +110,7 @@ Walk walkBlocks(PDWFile& a_file, std::uint64_t a_uiBytes)
         const std::uint64_t uiRecords = wordOf(word, s_uiCountWord);
         const std::uint64_t uiThere = std::min(uiRecords, a_uiBytes / PDWFile::s_uiRecordBytes);
         for (std::uint64_t i = 0; i < uiThere && a_file.getPDW(&word) != 0; ++i) {
+            // The records are only read to reach the next header.
         }
         walk.records += uiThere;
         if (uiThere < uiRecords) {

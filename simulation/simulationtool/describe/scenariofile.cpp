@@ -41,7 +41,7 @@ QList<std::shared_ptr<Object>> ordered(const Objects& a_all)
 }
 
 /// Whether these bytes may begin a compact scenario: they do not begin like an XML
-/// document, and their count is within the limit.
+/// document, and the number of objects in the first four bytes is within the limit.
 bool mayBeCompact(const QByteArray& a_head)
 {
     constexpr std::array<QByteArrayView, 3> byteOrderMarks{
@@ -85,8 +85,8 @@ std::optional<Verdict> loadCompact(Simulation::ScenarioDataBinary& a_scenario, c
     if (bWhole && uiLeft == 0) {
         return Verdict();
     }
-    // A file without a complete record is a compact scenario only if it ends too
-    // early.
+    // A file without a complete record is a compact scenario only if the file ends
+    // within the first record.
     if (a_scenario.scenarioEmitter().isEmpty() && (bWhole || !file.atEnd())) {
         return std::nullopt;
     }

@@ -29,20 +29,21 @@ class InputFile;
 /// The verdict on a document that was read, from its reader's error text.
 [[nodiscard]] Verdict documentVerdict(const QString& a_sError);
 
-/// Reads a scenario of the compact form, which has no signature. Accepts a file that
-/// its count and records fill exactly, that has at least one complete record, or that
-/// ends within the first record. Returns no value for any other file. Reads only
-/// regular files that do not begin like an XML document. The scenario must be empty.
+/// Reads a scenario of the compact form, which has no signature. Accepts a file in three
+/// cases: the count and the records fill it exactly, it has at least one complete
+/// record, or it ends within the first record. Returns no value for any other file.
+/// Reads only regular files that do not begin like an XML document. The scenario must
+/// be empty.
 [[nodiscard]] std::optional<Verdict> loadCompact(Simulation::ScenarioDataBinary& a_scenario,
                                                  const QString& a_sFile);
 
-/// The emitters of both kinds, ordered by id.
+/// All emitters, ELINT emitters included, ordered by id, then name.
 [[nodiscard]] QList<std::shared_ptr<Simulation::SzenarioEmitter>>
 emittersOf(const Simulation::ScenarioDataXml& a_scenario);
 [[nodiscard]] QList<std::shared_ptr<Simulation::SzenarioEmitter>>
 emittersOf(const Simulation::ScenarioDataBinary& a_scenario);
 
-/// The networks, ordered by id.
+/// The networks, ordered by id, then name.
 [[nodiscard]] QList<std::shared_ptr<Simulation::ScenarioNetwork>>
 networksOf(const Simulation::ScenarioDataXml& a_scenario);
 

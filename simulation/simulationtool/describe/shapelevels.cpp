@@ -17,7 +17,7 @@ constexpr std::uint64_t s_uiShownRecords = 10;
 constexpr std::uint64_t s_uiRecordHeaderBytes = 16;
 
 /// Levels are shown only for files with at most this number of records. A record lasts
-/// at most 1 s, so their duration (ms) fits into 32 bits.
+/// at most 1 s, so the duration of such a file (ms) fits into 32 bits.
 constexpr std::uint64_t s_uiMaxRecords = 4'000'000;
 
 /// The number of records that are complete in the file.

@@ -20,7 +20,8 @@ struct Verdict
 [[nodiscard]] Verdict refusedVerdict(const QString& a_sReason);
 
 /// The verdict on a file's size, from the number of bytes that the header declares but
-/// the file lacks. The number is negative when the file has more bytes than declared.
+/// the file lacks. The number is negative when the file has more bytes than declared,
+/// and INT64_MAX when the header declares more bytes than a file can contain.
 [[nodiscard]] Verdict sizeVerdict(std::int64_t a_iMissingBytes);
 
 /// The more severe of two codes.

@@ -5,12 +5,12 @@
 
 namespace SimulationTool {
 
-/// The service's handling of a command.
+/// How the service handles a command.
 enum class CommandKind {
     Useless,         ///< ignored
     Request,         ///< served for every peer
-    Order,           ///< passed on, for the controller only
-    OrderWithPayload ///< the same; may be as large as a document
+    Order,           ///< passed on to the devices; accepted from the controller only
+    OrderWithPayload ///< an order that may be as large as a document
 };
 
 /// The kind of a command, from its name in the protocol.

@@ -31,7 +31,7 @@ using Simulation::ScenarioDataState;
 
 constexpr std::chrono::milliseconds s_timeout(10'000);
 constexpr std::uint32_t s_uiStep = 1000;         ///< ms
-constexpr std::uint32_t s_uiEnd = 10'000;        ///< ms, included as a step
+constexpr std::uint32_t s_uiEnd = 10'000;        ///< ms, the time of the last step
 constexpr std::uint32_t s_uiShownEvery = 5000;   ///< ms
 constexpr std::uint64_t s_uiMicroseconds = 1000; ///< in a millisecond
 constexpr Simulation::TPos s_pier{9.95, 53.54};  ///< position of the demo's station (degrees, longitude
@@ -97,7 +97,8 @@ bool DemoRoad::makeRepository()
                        .arg(m_folder.path(), sReason);
         return false;
     }
-    const QString sStore = packageStoreOf(m_folder.path()); // the folder exists only now
+    // Not earlier, because initializeDataStore() makes the folder of the packages.
+    const QString sStore = packageStoreOf(m_folder.path());
     const auto uiPackages = static_cast<quint64>(Simulation::SignalPackageFolder::list(sStore).size());
     log(QStringLiteral("demo"),
         QStringLiteral("repository with %1 in a temporary folder").arg(counted(uiPackages, "package")));
@@ -157,7 +158,8 @@ bool DemoRoad::acquire()
 /// Deploys both devices at one station.
 bool DemoRoad::deploy()
 {
-    Simulation::DeploymentDataXml deployment; // destroyed last, because it releases its objects
+    // Destroyed last, because its destructor releases only objects without another owner.
+    Simulation::DeploymentDataXml deployment;
     const auto station = std::make_shared<Simulation::DeploymentStation>(QStringLiteral("pier"));
     station->setPosition(s_pier);
     QSet<std::shared_ptr<Simulation::DeploymentDevice>> devices;
@@ -199,7 +201,8 @@ bool DemoRoad::loadScenario()
     return iLoaded == std::ssize(m_devices);
 }
 
-/// Keeps all values of a step, and shows rows of the first device every 5 s.
+/// Keeps all values of a step. For the first device, also shows its rows every 5 s of
+/// scenario time.
 void DemoRoad::notePlayed(Device& a_device, std::uint32_t a_uiTime)
 {
     QStringList values{QString::number(a_uiTime)};

@@ -23,11 +23,12 @@ namespace SimulationTool {
 class Report;
 class Sink;
 
-/// Runs a scenario from an editor to two devices, with all programs in this process.
-/// They communicate over the loopback interface. They share a clock that the steps
-/// move, so that no step waits for the scenario's time.
+/// The demo: an editor sends a scenario through a service to two devices, which play it.
+/// All these programs run in this process and communicate over the loopback interface.
+/// They share a clock that the demo sets, so that no step waits for real time to pass.
 ///
-/// Replaces the process's clock (VelaOS) during its life. Used on the main thread.
+/// The object replaces the clock of the process (VelaOS) while it exists. Used on the
+/// main thread.
 class DemoRoad : public QObject
 {
     Q_OBJECT

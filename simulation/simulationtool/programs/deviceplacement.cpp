@@ -18,7 +18,7 @@ namespace {
 
 using DevicePointer = std::shared_ptr<Simulation::DeploymentDevice>;
 
-/// Ids and names are limited, because the service refuses large records.
+/// The maximum length of a station's id, because the service refuses large records.
 constexpr qsizetype s_iMaxStation = 255; ///< characters
 
 QString stationOf(const Simulation::DeploymentDevice& a_device)

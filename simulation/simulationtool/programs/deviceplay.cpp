@@ -35,7 +35,7 @@ DevicePlay::~DevicePlay() = default;
 
 bool DevicePlay::begin()
 {
-    constexpr std::uint32_t uiAnyTime = 99'999'999; // ms, more than a day
+    constexpr std::uint32_t uiAnyTime = 99'999'999; // ms; its digits suffice for more than a day
     QStringList ids;
     std::transform(m_device.emitters().cbegin(), m_device.emitters().cend(), std::back_inserter(ids),
                    [](const auto& a_emitter) { return a_emitter->id(); });

@@ -21,11 +21,11 @@ class SimulationDevice;
 [[nodiscard]] Simulation::SimulationDeviceConfiguration localDevice(const QString& a_sId,
                                                                     const QString& a_sName);
 
-/// Writes the rows of every step that a device plays to an output.
+/// Writes rows to an output for every step that a device plays.
 class DevicePlay
 {
 public:
-    /// Owns none of them. Without packages (null) no levels are shown.
+    /// Owns none of its arguments. Without packages (null) no levels are shown.
     DevicePlay(SimulationDevice& a_device, RepositoryPackages* a_pPackages, Output& a_output);
     ~DevicePlay();
     DevicePlay(const DevicePlay&) = delete;

@@ -9,7 +9,7 @@ namespace SimulationTool {
 
 namespace {
 
-/// The memory of an entry (bytes), without the bytes of its command; an estimate.
+/// The estimated memory of an entry (bytes), without the bytes of its command.
 constexpr qint64 s_iEntryBytes = 128;
 
 } // namespace
@@ -57,7 +57,8 @@ void Outbox::append(const OutgoingCommandPtr& a_pCommand)
     }
 }
 
-/// Removes the waiting commands that a command of this kind supersedes.
+/// Removes the waiting commands that a command of this kind supersedes. An
+/// unregistration instead protects all waiting commands from removal.
 void Outbox::supersede(OutgoingKind a_eKind)
 {
     switch (a_eKind) {
@@ -81,9 +82,9 @@ void Outbox::supersede(OutgoingKind a_eKind)
     }
 }
 
-/// Removes the waiting scenario and the starts and pauses after it. Visits only
-/// the entries from that scenario on. The next scenario is appended after them, so each
-/// entry is visited at most once, however many scenarios are appended.
+/// Removes the waiting scenario, and the starts and pauses after it. Visits only the
+/// entries from that scenario on. The next scenario is appended after all of these
+/// entries, so each entry is visited at most once, however many scenarios are appended.
 void Outbox::removeScenario()
 {
     auto it = std::exchange(m_scenario, m_entries.end());
@@ -154,7 +155,7 @@ QByteArray Outbox::take(qsizetype a_iMost)
 void Outbox::keepFirst()
 {
     const auto first = m_entries.begin();
-    // The report of this key may be a later entry, appended after an unregistration.
+    // m_reports may contain a later entry for this key, appended after an unregistration.
     if (const auto it = m_reports.constFind(first->key); it != m_reports.constEnd() && *it == first) {
         m_reports.erase(it);
     }

@@ -17,12 +17,13 @@ enum class OutgoingKind {
     ScenarioUnload,
     ScenarioRun, ///< a start or a pause of the loaded scenario
     DeploymentLoad,
-    Unregistration, ///< after it the device ignores orders until it is confirmed again
+    Unregistration, ///< the device then ignores orders until the service confirms it again
 };
 
-/// A command that waits for one or more peers, which share its bytes. A counter sums
-/// the bytes that wait for all peers. It includes the command once, while at least one
-/// outbox holds it. A command that is only kept for later does not count.
+/// A command that waits for one or more peers. All of them share its bytes. A counter
+/// sums the bytes that wait for all peers. The counter includes a command once, while at
+/// least one outbox contains the command. A command that is only kept for devices that
+/// register later is not included.
 class OutgoingCommand
 {
 public:
@@ -35,7 +36,7 @@ public:
     [[nodiscard]] const QByteArray& bytes() const { return m_bytes; }
     [[nodiscard]] OutgoingKind kind() const { return m_eKind; }
 
-    /// Whether at least one outbox holds it.
+    /// Whether at least one outbox contains this command.
     [[nodiscard]] bool isWaiting() const { return m_iOutboxes > 0; }
 
     // Called in pairs, by outboxes only
@@ -46,7 +47,7 @@ private:
     const QByteArray m_bytes;
     const std::shared_ptr<qint64> m_pTotal; ///< bytes that wait for all peers
     const OutgoingKind m_eKind;
-    mutable qsizetype m_iOutboxes = 0; ///< number of outbox entries that hold it
+    mutable qsizetype m_iOutboxes = 0; ///< number of outbox entries with this command
 };
 
 /// Null, or a command that is not empty.
@@ -55,24 +56,24 @@ using OutgoingCommandPtr = std::shared_ptr<const OutgoingCommand>;
 /// The commands that wait for one peer to read them, in sending order. Owned by the
 /// peer; used on its thread.
 ///
-/// For a peer that reads slowly, only the newest of each report and document is held.
-/// A command that was partly taken stays. A new command has this effect on the other
-/// commands that wait before it:
+/// For a peer that reads slowly, only the newest report of each key and the newest
+/// document of each kind wait. A command of which a part was taken is not removed. A new
+/// command has this effect on the other commands that already wait:
 ///
-///   a report             replaces the earlier report with its key,
-///   a scenario, and an   remove the earlier scenario, and the starts and pauses
-///   unload               after it, which would otherwise apply to another scenario,
-///   a deployment         removes the earlier deployment, and
-///   an unregistration    protects all of them from removal and replacement by later
-///                        commands, because the peer may ignore these.
+///   a report             replaces the waiting report with the same key;
+///   a scenario or        removes the waiting scenario, and the starts and pauses after
+///   an unload            that scenario, because they would apply to another scenario;
+///   a deployment         removes the waiting deployment;
+///   an unregistration    protects all waiting commands from removal and replacement by
+///                        later commands, because the peer may ignore the later ones.
 ///
-/// All other commands stay, in their order. Stops and unloads always stay: they are
-/// small, and a run ends as early as it would without removals.
+/// All other commands keep their order. Stops and unloads are never removed: they are
+/// small, and with them every run ends as early as it would without any removal.
 ///
-/// A device therefore ends in the same state as after the whole sequence. Each
-/// scenario replaces the loaded one, even when the new one cannot be read, and only
-/// the newest deployment sets the device's place. Every start applies to the scenario
-/// for which it was sent.
+/// A device therefore ends in the same state as if it had received every command. Each
+/// scenario replaces the loaded scenario, even when the new one cannot be read. Only the
+/// newest deployment sets the device's place. Every start applies to the scenario for
+/// which it was sent.
 class Outbox
 {
 public:
@@ -86,8 +87,8 @@ public:
     void append(const OutgoingCommandPtr& a_pCommand);
 
     /// Replaces the waiting report with this key. Appends the command when there is no
-    /// such report, a part of it was taken already, or an unregistration follows it.
-    /// The key must not be empty. Ignores null.
+    /// such report, when a part of that report was taken already, or when an
+    /// unregistration follows that report. The key must not be empty. Ignores null.
     void report(const QString& a_sKey, const OutgoingCommandPtr& a_pCommand);
 
     [[nodiscard]] bool isEmpty() const { return m_entries.empty(); }
@@ -123,7 +124,7 @@ private:
     // Entries that may be superseded
     QHash<QString, Entries::iterator> m_reports;      ///< by key
     Entries::iterator m_scenario = m_entries.end();   ///< a waiting scenario; end() without one
-    Entries::iterator m_deployment = m_entries.end(); ///< end() without one
+    Entries::iterator m_deployment = m_entries.end(); ///< a waiting deployment; end() without one
 
     qsizetype m_iTaken = 0; ///< taken bytes of the first entry
     qint64 m_iBytes = 0;

@@ -23,7 +23,8 @@ constexpr int s_iFrequencyDecimals = 6;  ///< for MHz; resolves 1 Hz
 constexpr int s_iCoordinateDecimals = 6; ///< for degrees; resolves 0.1 m
 constexpr int s_iMotionDecimals = 1;     ///< for degrees and km/h
 
-/// The columns of all forms. CSV files and JSON use their keys.
+/// The columns of tables, CSV files and JSON documents. CSV files and JSON documents use
+/// the columns' keys.
 QList<TextColumn> momentColumns(bool a_bLevels)
 {
     QList<TextColumn> columns{{QStringLiteral("Time (ms)"), true, 0, "time_ms"},
@@ -102,7 +103,7 @@ public:
         return m_report.isOk();
     }
 
-    // The owner of the output checks it for errors.
+    // The owner of the output checks the output for errors.
     bool end(bool a_bOk, const QJsonObject& /*a_summary*/) override { return a_bOk; }
 
 private:
@@ -112,7 +113,7 @@ private:
     TextTable m_table;
 };
 
-/// Writes the document while it grows, because a play may last for days.
+/// Writes each row of the document as it arrives, because a play may last for days.
 class JsonSink : public Sink
 {
 public:
@@ -125,6 +126,7 @@ public:
 
     bool begin() override
     {
+        // Without its closing brace: the rows and the summary continue the header's object.
         m_output.write(jsonLine(m_header).chopped(1) + QStringLiteral(",\"rows\":["));
         return m_output.isOk();
     }
@@ -235,7 +237,8 @@ Moment::Moment(const Simulation::SzenarioEmitter& a_emitter, std::uint32_t a_uiT
     }
     const Simulation::SzenarioEmitter::Transmission sent = a_emitter.transmissionAt(a_uiTime);
     active = sent.isActive;
-    // The schedule names a package even while its emitter is inactive or has ended.
+    // The schedule names a package even when the emitter is inactive, for example because
+    // its movement or its frequency steps have ended.
     if (sent.isActive && sent.signalPackage) {
         packageId = sent.signalPackage->id();
         if (a_pPackages != nullptr) {

@@ -35,7 +35,8 @@ struct Moment
     double heading;             ///< degrees
     double speed = 0.0;         ///< km/h; -1 before the end of the first leg
     QString packageId;          ///< id of the sent package; empty without one
-    std::optional<float> level; ///< at the time since the emission's start; no value without a signal shape
+    std::optional<float> level; ///< of the package, at the time since the emission began; no
+                                ///< value without a signal shape
 };
 
 /// The target of a play's rows.
@@ -49,8 +50,9 @@ public:
 
     [[nodiscard]] virtual bool begin() = 0;
     [[nodiscard]] virtual bool add(const QString& a_sEmitterId, const Moment& a_moment) = 0;
-    /// Finishes the output and reports its errors on standard error. False when
-    /// `a_bOk` is false or on an error. The summary follows the rows in JSON.
+    /// Finishes the output and reports its errors on standard error. `a_bOk` is false when
+    /// not all rows were written. Returns false when `a_bOk` is false or on an error. The
+    /// summary follows the rows in JSON.
     [[nodiscard]] virtual bool end(bool a_bOk, const QJsonObject& a_summary) = 0;
 };
 
@@ -70,7 +72,7 @@ struct CsvTarget
     QJsonObject header; ///< header of the report about the file
 };
 /// Writes the rows of a CSV file. end() adds their number to the report and finishes
-/// it.
+/// the report, unless the target is standard output.
 [[nodiscard]] std::unique_ptr<Sink> makeCsvSink(Report& a_report, Output& a_output, const CsvTarget& a_target,
                                                 bool a_bLevels);
 

@@ -46,7 +46,7 @@ QString cacheError(const QString& a_sCache, const QString& a_sRepository)
         return QStringLiteral("lies in the repository: choose another --cache");
     }
     // A cache folder also looks like a signal package, because it contains the files of
-    // the built-in one.
+    // the built-in package.
     return Simulation::SignalPackageFolder::isValid(a_sCache) &&
                    !Simulation::SignalPackageCache::isCacheFolder(a_sCache)
                ? QStringLiteral("is a signal package, not a cache: choose another --cache")
@@ -187,7 +187,7 @@ ExitCode RepositoryPackages::finish()
 
 std::shared_ptr<Simulation::SignalPackage> RepositoryPackages::signalPackage(const QString& a_sId)
 {
-    // An emission without a package id means the default package.
+    // An emission without a package id uses the default package.
     if (!a_sId.isEmpty() && !m_unknownIds.contains(a_sId) && !validSignalPackageId(a_sId)) {
         m_unknownIds.insert(a_sId);
         log(QStringLiteral("package %1 is not in the repository: the default package is used").arg(a_sId));

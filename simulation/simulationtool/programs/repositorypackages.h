@@ -35,10 +35,10 @@ public:
     RepositoryPackages(const RepositoryPackages&) = delete;
     RepositoryPackages& operator=(const RepositoryPackages&) = delete;
 
-    /// Fills the cache from a repository. Without a cache folder it uses a temporary
-    /// one, which is removed with this object. False after one line on standard
-    /// error. Packages that could not be copied are reported, but are not an error,
-    /// see isComplete().
+    /// Fills the cache from a repository. When `a_sCache` is empty, uses a temporary
+    /// folder, which is removed with this object. False after one line on standard
+    /// error. Packages that could not be copied are reported, but are not an error; see
+    /// isComplete().
     [[nodiscard]] bool open(const QString& a_sRepository, const QString& a_sCache);
 
     /// Whether every package of the repository is in the cache.
@@ -53,8 +53,8 @@ public:
                                                std::int64_t a_iTime);
 
     /// The problems of the repository's package with this id, as the list of packages
-    /// shows them; empty when it has none. The first call reads the headers of all
-    /// packages.
+    /// shows them; empty when the package has no problems. The first call reads the
+    /// headers of all packages.
     [[nodiscard]] QStringList problemsOf(const QString& a_sId);
 
     /// The first 20 messages reported so far.

@@ -17,7 +17,7 @@ struct ServerAddress
     QString host; ///< name or address
     std::uint16_t port = 0;
 
-    /// "localhost:57400", "[::1]:57400"
+    /// The address as one text: "localhost:57400", "[::1]:57400".
     [[nodiscard]] QString text() const;
 };
 
@@ -25,7 +25,7 @@ struct ServerAddress
 void addServerOption(QCommandLineParser& a_parser);
 
 /// The address of the option --server. The option, or its port, defaults to the
-/// settings of this machine. No value, with an error text, when it is wrong.
+/// settings of this machine. No value, with an error text, when the option is wrong.
 [[nodiscard]] std::optional<ServerAddress> readServerOption(const QCommandLineParser& a_parser,
                                                             QString& a_sReason);
 

@@ -25,9 +25,10 @@
 namespace SimulationTool {
 
 /// A client that controls the devices of a service, as an editor does. Connects once.
-/// Its operations run an event loop until they are done. They return false, with
-/// problem(), when the service does not answer or makes no progress for the timeout,
-/// and when the process is interrupted. Used on one thread.
+/// An operation runs an event loop until the operation is done. It returns false, with
+/// problem(), when the connection fails, or when the service does not answer or makes no
+/// progress for the timeout. It also returns false, without problem(), when the process
+/// is interrupted. Used on one thread.
 class ServiceController : public QObject
 {
     Q_OBJECT
@@ -46,7 +47,7 @@ public:
     [[nodiscard]] bool connectToService(const ServerAddress& a_server);
 
     /// Acquires the service. Without this call the controller is read-only, and receives
-    /// the states and the run with every synchronize().
+    /// the states of the devices and the run of the scenario with every synchronize().
     void acquire();
 
     /// Sends orders; call synchronize() after them.
@@ -70,8 +71,8 @@ public:
     /// The answers to the last order of sendAndConfirm().
     [[nodiscard]] const Answers& answers() const { return m_answers; }
 
-    /// Waits for a time. False when the connection ended, with problem(), or the
-    /// process was interrupted.
+    /// Waits for a time. False, with problem(), when the connection ended. False also when
+    /// the process was interrupted.
     [[nodiscard]] bool idle(std::chrono::milliseconds a_time);
 
     /// Releases the service, and closes the connection after everything was sent.
@@ -82,10 +83,10 @@ public:
     {
         return m_devices;
     }
-    /// The states reported since the service was acquired or a scenario sent; without
-    /// control, those reported with the last list.
+    /// The states reported since the service was acquired or a scenario was sent. Without
+    /// control, the states reported with the last device list.
     [[nodiscard]] const States& states() const { return m_states; }
-    /// The scenario time as last reported by the service; stopped before.
+    /// The scenario time as last reported by the service; stopped before the first report.
     [[nodiscard]] const Simulation::ScenarioTimingHelper& timing() const { return m_timing; }
 
 private:

@@ -60,8 +60,8 @@ void ServicePeer::connectSocket()
     m_pSocket->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
     m_pSocket->setReadBufferSize(s_iReadBytes);
     m_communication.setSocket(m_pSocket);
-    // This slot runs after the communication's slot, which has then read the received
-    // bytes.
+    // The communication's slot was connected first, so it has already read the received
+    // bytes when this slot runs.
     connect(m_pSocket, &QTcpSocket::readyRead, this, &ServicePeer::noteReceived);
     connect(m_pSocket, &QTcpSocket::bytesWritten, this, [this] {
         m_sending.note(!m_outbox.isEmpty() || m_pSocket->bytesToWrite() > 0);

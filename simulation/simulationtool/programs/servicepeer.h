@@ -19,9 +19,8 @@ class QTcpSocket;
 
 namespace SimulationTool {
 
-/// One connection of the service: an editor, or a program with one or more devices.
-/// It ends with lost(); then its owner closes and deletes it. Used on the service's
-/// thread.
+/// One connection of the service: an editor, or a program with one or more devices. After
+/// the signal lost() the owner closes and deletes the peer. Used on the service's thread.
 ///
 /// Every peer is read and written in small pieces, so that a peer with much traffic
 /// does not delay the others.
@@ -44,8 +43,8 @@ public:
     /// runs again.
     void send(const OutgoingCommandPtr& a_pCommand);
 
-    /// The same for a report, which replaces a waiting report with the same key (see
-    /// Outbox).
+    /// Queues a report, which replaces a waiting report with the same key (see Outbox).
+    /// Nothing is sent before the event loop runs again.
     void report(const QString& a_sKey, const OutgoingCommandPtr& a_pCommand);
 
     /// The bytes that the service holds for this peer: an unfinished received command, and
@@ -71,8 +70,9 @@ Q_SIGNALS:
     /// The pending bytes of all peers may have increased.
     void pendingGrew();
 
-    /// The connection has ended. The reason is empty when the peer closed it.
-    /// Everything that it sent before has been received.
+    /// The connection has ended, or must be closed after an error. The reason is empty
+    /// when the peer closed the connection; everything that the peer sent before has then
+    /// been received.
     void lost(const QString& a_sReason);
 
 private Q_SLOTS:
@@ -97,7 +97,7 @@ private:
     StallWatch m_receiving;
     StallWatch m_sending;
     bool m_bWriteScheduled = false;
-    bool m_bWriting = false;
+    bool m_bWriting = false; ///< while true, bytesWritten does not fill the socket: a turn must end
 };
 
 } // namespace SimulationTool

@@ -23,7 +23,7 @@ using Communication = Simulation::SimulationServiceCommunication;
 using Simulation::ScenarioDataState;
 using Simulation::TcpServerConnector;
 
-constexpr std::uint64_t s_uiMaxSleep = 60'000; ///< ms; limited because the clock may be set
+constexpr std::uint64_t s_uiMaxSleep = 60'000; ///< ms; limited, because the clock may be changed
 constexpr qsizetype s_iMaxJxDevices = 4096;
 constexpr qsizetype s_iMaxJxId = 1024;                           ///< characters
 constexpr std::int64_t s_iMicroseconds = 1000;                   ///< in a millisecond
@@ -69,7 +69,8 @@ void SimulationDevice::connectToService(const ServerAddress& a_server)
 {
     m_communication.setSocket(nullptr);
     m_connector = std::make_unique<TcpServerConnector>(a_server.host, a_server.port);
-    m_communication.setSocket(m_connector->socket()); // used for all connections of the connector
+    // The connector uses this socket for all its connections.
+    m_communication.setSocket(m_connector->socket());
     connect(m_connector->socket(), &QTcpSocket::errorOccurred, this, &SimulationDevice::slotNotConnected);
     connect(m_connector.get(), &TcpServerConnector::connectedToServer, this,
             &SimulationDevice::slotConnected);
@@ -225,8 +226,8 @@ void SimulationDevice::connectRunOrders()
     });
 }
 
-/// Places the device by this deployment alone. A device that connects late or reads
-/// slowly receives only the newest deployment.
+/// Places the device by this deployment alone, because a device that connects late or
+/// reads slowly receives only the newest deployment.
 void SimulationDevice::deploy(const QByteArray& a_deployment)
 {
     m_deployment = a_deployment;
@@ -243,7 +244,7 @@ void SimulationDevice::deploy(const QByteArray& a_deployment)
     }
     if (placed.toXml() != m_configuration.toXml()) {
         m_configuration = placed;
-        registerDevice(); // before the report: its reader requests the new place
+        registerDevice(); // before the report, whose receiver then requests the new place
     }
     reportEvent(sEvent);
 }
@@ -252,7 +253,7 @@ void SimulationDevice::load(const QByteArray& a_scenario)
 {
     unload();
     setState(ScenarioDataState::Loading);
-    m_connector->socket()->flush(); // sends the state now, because the reading may take long
+    m_connector->socket()->flush(); // sends the state now: reading the scenario may take long
     m_packages.clear();
     m_scenario = std::make_unique<Simulation::ScenarioDataXml>(&m_packages);
     const bool bRead = m_scenario->fromXml(a_scenario);
@@ -374,7 +375,7 @@ void SimulationDevice::playDue()
         return;
     }
     // The start may be in the future, deliberately or because clocks of two machines
-    // differ. Before it the scenario time has no meaning.
+    // differ. Before the start the scenario time has no meaning.
     const auto iAhead =
         static_cast<std::int64_t>(m_uiBegin - Simulation::ScenarioTimingHelper::currentTimeStamp());
     if (iAhead > 0) {
@@ -428,7 +429,8 @@ void SimulationDevice::endPlay(const QString& a_sReason)
     m_report.event = a_sReason;
     const bool bPlayed = std::exchange(m_bPlaying, false);
     const std::uint32_t uiDue = m_lastStep ? *m_lastStep + 1 : 0;
-    // After a clock was set back, some steps are played twice.
+    // After the clock was set back, steps are played again. Then m_uiPlayed may exceed
+    // uiDue.
     const std::uint32_t uiLeftOut = uiDue - std::min(uiDue, m_uiPlayed);
     m_log.log(bPlayed ? QStringLiteral("%1: %2 played, %3 left out")
                             .arg(a_sReason, counted(m_uiPlayed, "step"), QString::number(uiLeftOut))

@@ -51,8 +51,8 @@ class SimulationDevice : public QObject
 public:
     using Emitters = QList<std::shared_ptr<Simulation::SzenarioEmitter>>;
 
-    /// The provider is not owned and must live longer. The time between two
-    /// steps (ms) is at least 1.
+    /// The provider is not owned and must outlive this object. `a_uiStep` is the time
+    /// between two steps (ms, at least 1).
     SimulationDevice(const Simulation::SimulationDeviceConfiguration& a_configuration,
                      Simulation::ISignalPackageProvider& a_provider, std::uint32_t a_uiStep);
     ~SimulationDevice() override;
@@ -77,16 +77,16 @@ public:
     /// The end of the scenario (ms); 0 when it has none.
     [[nodiscard]] std::uint32_t duration() const;
 
-    /// The last received deployment, unchanged; empty before.
+    /// The last received deployment, unchanged; empty before the first deployment.
     [[nodiscard]] const QByteArray& deployment() const { return m_deployment; }
 
-    /// Plays the due steps. The device calls it on a timer; a program that moves the
-    /// clock must call it as well.
+    /// Plays the due step. The device calls playDue() on a timer; a program that sets the
+    /// clock itself must also call playDue().
     void playDue();
 
 Q_SIGNALS:
-    /// One line for the log; frequent lines are dropped. It contains texts of peers,
-    /// which may control a terminal.
+    /// One line for the log; frequent lines are dropped. The line contains texts of peers,
+    /// whose characters may control a terminal.
     void logged(const QString& a_sLine);
 
     void playBegins();
@@ -122,7 +122,7 @@ private:
 
     const Simulation::SimulationDeviceConfiguration m_undeployed; ///< with the configured place
     Simulation::SimulationDeviceConfiguration m_configuration;
-    PackageUse m_packages; ///< outlives the scenario
+    PackageUse m_packages; ///< declared before m_scenario, which uses it until the end
     QString m_sPackageRemark;
     QString m_sPackageError;
     const std::uint32_t m_uiStep; ///< ms

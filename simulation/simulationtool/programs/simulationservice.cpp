@@ -25,7 +25,7 @@ using Simulation::SimulationDeviceConfiguration;
 using Simulation::SimulationDeviceState;
 
 constexpr int s_iAcceptAgain = 1000;                ///< ms
-constexpr qsizetype s_iMaxRecordBytes = 16'384;     ///< of a device's list entry; usual entries have 1000
+constexpr qsizetype s_iMaxRecordBytes = 16'384;     ///< of a device's list entry; usual: 1000 bytes
 constexpr qsizetype s_iMaxDevices = 4096;           ///< so that the list stays within the document limit
 constexpr qsizetype s_iMaxCommandBytes = 1'048'576; ///< of a command without a payload
 
@@ -251,7 +251,7 @@ void SimulationService::registerDevice(ServicePeer* a_pPeer, const QString& a_sI
     Device& device = m_devices[a_sId];
     ServicePeer* const pFormer = std::exchange(device.peer, a_pPeer);
     SimulationDeviceConfiguration listed = a_configuration;
-    listed.setId(a_sId); // devices are found by this id, even when the record has another
+    listed.setId(a_sId); // devices are found by this id, even when the record has another id
     if (pFormer == nullptr || listed.toXml() != device.configuration.toXml()) {
         device.configuration = listed;
         m_deviceList.reset();
@@ -283,7 +283,8 @@ QString SimulationService::registrationError(const QString& a_sId,
     }
     SimulationDeviceConfiguration listed = a_configuration;
     listed.setId(a_sId);
-    // The size as sent: with the escaping in the list and the id in attributes.
+    // Measures the record as it is sent: escaped in the device list, and with the id in
+    // the attributes of a state update.
     const qsizetype iBytes = Communication::encode([&](Communication& a_to) {
                                  a_to.sendResponseSimulationDevices({listed});
                                  a_to.sendSimulationDeviceStateUpdate(a_sId, SimulationDeviceState());
@@ -351,8 +352,8 @@ void SimulationService::sendState(ServicePeer* a_pPeer, const QString& a_sId, co
     a_pPeer->report(QStringLiteral("state ") + a_sId, a_device.stateUpdate);
 }
 
-/// A command for one or more peers; null, after one trace, when it exceeds
-/// Limits::DocumentBytes.
+/// A command for one or more peers; null, after one trace message, when the command
+/// exceeds Limits::DocumentBytes.
 OutgoingCommandPtr SimulationService::encoded(const CommandSender& a_send, OutgoingKind a_eKind) const
 {
     QByteArray bytes = Communication::encode(a_send);

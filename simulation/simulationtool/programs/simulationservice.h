@@ -31,24 +31,24 @@ class ServicePeer;
 
 /// The centre of the simulation. Devices register with it. One program, the
 /// controller, receives their states and sends orders, which the service passes on to
-/// all devices. The controller is the last program that acquired the service. When it
-/// releases the service or disconnects, the program that acquired the service before
-/// it controls again, if it is still connected.
+/// all devices. The controller is the last program that acquired the service. When the
+/// controller releases the service or disconnects, control returns to the program that
+/// acquired the service before, unless that program has released it or disconnected.
 ///
 /// The service keeps what a device that registers late needs: the deployment, the
 /// scenario, the test mode, and the run of the scenario. A program that becomes the
 /// controller receives the states of the devices and the run. A program without
-/// control receives both before every list of devices that it requests. An id that
-/// registers again belongs to the newest peer: a device whose machine lost the
-/// connection must not wait for the end of the old one.
+/// control receives the states and the run before every list of devices that it
+/// requests. When a device id is registered again, it belongs to the newest peer: a
+/// device whose machine lost the connection must not wait until the old connection ends.
 ///
 /// No peer is trusted. A peer is dropped, without effect on the others, when it sends
-/// unreadable bytes, does not read, leaves a command unfinished or registers too much.
-/// For a peer that reads slowly, only the newest state of each device, the newest
-/// scenario and the newest deployment wait (see Outbox). Limits::AllPendingBytes
-/// limits the bytes that the service holds for all peers together: unfinished
-/// commands, and commands that wait to be read. When it is exceeded, the peer with the
-/// most bytes is dropped. Used on one thread.
+/// unreadable bytes, does not read, leaves a command unfinished, or registers a device
+/// that the service refuses. For a peer that reads slowly, only the newest state of each
+/// device, the newest scenario and the newest deployment wait (see Outbox).
+/// Limits::AllPendingBytes limits the bytes that the service holds for all peers
+/// together: unfinished commands, and commands that wait to be read. When this limit is
+/// exceeded, the peer with the most bytes is dropped. Used on one thread.
 class SimulationService : public QObject
 {
     Q_OBJECT
@@ -70,8 +70,8 @@ public:
     [[nodiscard]] QString errorString() const { return m_server.errorString(); }
 
 Q_SIGNALS:
-    /// One line for the log. It contains texts of peers, which may control a
-    /// terminal.
+    /// One line for the log. The line contains texts of peers, whose characters may
+    /// control a terminal.
     void logged(const QString& a_sLine);
 
 private Q_SLOTS:
@@ -90,7 +90,7 @@ private:
 
     struct LostPeer
     {
-        QPointer<ServicePeer> peer; ///< null when it was deleted meanwhile
+        QPointer<ServicePeer> peer; ///< null when the peer was deleted meanwhile
         QString reason;
     };
 

@@ -43,7 +43,8 @@ void SimulationService::connectController(ServicePeer* a_pPeer)
 void SimulationService::connectOrders(ServicePeer* a_pPeer)
 {
     const Communication* const pFrom = &a_pPeer->communication();
-    // Passes an order on, and keeps it for devices that register late.
+    // Passes an order on. With `a_pKept`, keeps the command for devices that register
+    // late.
     const auto order = [this, a_pPeer](const char* a_szName, OutgoingKind a_eKind,
                                        OutgoingCommandPtr* a_pKept, const CommandSender& a_send) {
         const OutgoingCommandPtr pCommand = passOn(a_pPeer, QLatin1String(a_szName), a_eKind, a_send);
@@ -135,7 +136,7 @@ void SimulationService::slotAnswer()
     m_bAnswerScheduled = false;
     const QHash<ServicePeer*, Answer> answers = std::exchange(m_answers, {});
     for (auto it = answers.cbegin(); it != answers.cend(); ++it) {
-        if (m_peers.contains(it.key())) { // it may have been dropped meanwhile
+        if (m_peers.contains(it.key())) { // the peer may have been dropped meanwhile
             sendAnswer(it.key(), *it);
         }
     }

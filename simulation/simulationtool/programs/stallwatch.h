@@ -9,8 +9,8 @@
 
 namespace SimulationTool {
 
-/// Detects that something waits without progress for a time. note() is cheap: it does
-/// not restart a running timer. Used on its own thread.
+/// Detects a wait without progress that lasts for a time limit. note() is cheap: it does
+/// not restart a running timer. Used on the thread to which the object belongs.
 class StallWatch : public QObject
 {
     Q_OBJECT
