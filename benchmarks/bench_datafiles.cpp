@@ -63,7 +63,8 @@ std::size_t readBare(const QString& a_sPath, qsizetype a_iHeaderBytes, std::vect
     return uiBytes;
 }
 
-/// Reads all spectra of a file in order; the argument is the points per spectrum.
+/// Reads all spectra of a file in order; the argument is the number of points per
+/// spectrum.
 void readSpectra(benchmark::State& a_state)
 {
     constexpr quint32 uiRecordMs = 100;
@@ -105,7 +106,7 @@ BENCHMARK(readSpectra)
     ->Unit(benchmark::kMillisecond)
     ->MinTime(2.0);
 
-/// Reads all symbols of a file in order, one second per call; the argument is their
+/// Reads all symbols of a file in order, one second per call; the argument is the symbol
 /// rate (1/s).
 void readSymbols(benchmark::State& a_state)
 {

@@ -27,7 +27,7 @@ class Loopback
 public:
     Loopback()
     {
-        // Off, because every processed command is traced as an error.
+        // Traces are off, because every processed command is traced as an error.
         ErrorHandler::Instance().setTraceMask(0);
         static int s_iArguments = 0;
         if (QCoreApplication::instance() == nullptr) {
@@ -66,7 +66,7 @@ public:
     std::unique_ptr<SimulationServiceCommunication> service;
 };
 
-/// A document like a scenario's: compression shrinks it to about a fifth.
+/// A document like that of a scenario. Compression shrinks it to about a fifth.
 QByteArray scenarioOf(qsizetype a_iBytes)
 {
     QRandomGenerator random(1);
@@ -120,7 +120,8 @@ void sendNoise(benchmark::State& a_state)
 }
 BENCHMARK(sendNoise)->Arg(16)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(3.0);
 
-/// The time (s) to send the same number of bytes over a bare pair of sockets.
+/// The time (s) to send the command `s_iCommands` times over a pair of sockets, without
+/// the library.
 double bareSeconds(const QByteArray& a_command)
 {
     QTcpServer server;

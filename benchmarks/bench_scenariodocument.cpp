@@ -159,7 +159,7 @@ void loadScenario(benchmark::State& a_state)
             }
         },
         [&] {
-            // Taking the scenario apart afterwards is not part of loading it.
+            // The time to destroy the document afterwards is not measured.
             const auto document = std::make_unique<ScenarioDataXml>(&scenario.provider);
             return secondsOf([&] { benchmark::DoNotOptimize(document->fromXml(xml)); });
         });
@@ -236,7 +236,7 @@ void loadCompact(benchmark::State& a_state)
     compare(
         a_state, data.size(), [&] { benchmark::DoNotOptimize(readBare(data)); },
         [&] {
-            // Taking the scenario apart afterwards is not part of loading it.
+            // The time to destroy the document afterwards is not measured.
             const auto read = std::make_unique<ScenarioDataBinary>(&provider);
             return secondsOf([&] { benchmark::DoNotOptimize(read->fromBinary(data)); });
         });

@@ -17,14 +17,14 @@ namespace {
 
 constexpr int s_iIdleMs = 5000;
 constexpr int s_iSettleMs = 500;        ///< from the beginning of an attack to the first start
-constexpr int s_iCrowdMs = 10'000;      ///< the same when thousands of devices register first
+constexpr int s_iCrowdMs = 10'000;      ///< settling time when thousands of devices register first
 constexpr int s_iStarts = 20;           ///< measured during one attack
 constexpr int s_iIntervalMs = 100;      ///< between two starts
 constexpr double s_dOverdueMs = 5000.0; ///< a measurement is given up after this time
 constexpr double s_dHalf = 0.5;
 constexpr std::int64_t s_iMebi = 1'048'576;
-constexpr double s_dLongestMs = 100.0;  ///< goal
-constexpr double s_dMostMemory = 256.0; ///< MiB, goal
+constexpr double s_dLongestMs = 100.0;  ///< goal for the longest delay
+constexpr double s_dMostMemory = 256.0; ///< MiB, goal for the peak memory
 
 struct Scene
 {

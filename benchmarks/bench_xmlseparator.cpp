@@ -97,7 +97,8 @@ double separatorSeconds(const QByteArray& a_stream, qsizetype a_iSegment, qsizet
 }
 
 /// Reads a stream of equal documents of `range(0)` bytes each in segments of
-/// `range(1)` bytes. "speed" is our speed divided by the bare reader's.
+/// `range(1)` bytes. "speed" is the separator's speed divided by that of a bare stream
+/// reader.
 void separate(benchmark::State& a_state, QByteArray (*a_pMake)(qsizetype))
 {
     int iArguments = 0;

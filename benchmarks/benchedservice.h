@@ -25,13 +25,13 @@ public:
     BenchedService(const BenchedService&) = delete;
     BenchedService& operator=(const BenchedService&) = delete;
 
-    /// 0 when the service did not start.
+    /// The port of the service; 0 when the service did not start.
     [[nodiscard]] quint16 port() const { return m_uiPort; }
 
-    /// Processor time so far (ms); -1 when it is not known.
+    /// Processor time of the service so far (ms); -1 when it is not known.
     [[nodiscard]] double processorTime() const;
 
-    /// The peak of its resident memory so far (MiB); -1 when it is not known.
+    /// Peak of the service's resident memory so far (MiB); -1 when it is not known.
     [[nodiscard]] double peakMemory() const;
 
 private:
@@ -39,14 +39,14 @@ private:
     quint16 m_uiPort = 0;
 };
 
-/// Conforming devices of a service, and a program that controls it. They run in the
-/// caller's event loop.
+/// Conforming devices of a service, and a program that controls the service. Devices and
+/// program run in the caller's event loop.
 class BenchedPeers
 {
 public:
     static constexpr int s_iDevices = 200;
 
-    /// Connects and registers everything. Check isReady().
+    /// Connects and registers the devices. Check isReady() afterwards.
     explicit BenchedPeers(quint16 a_uiPort);
 
     /// Whether each device was accepted.
@@ -57,7 +57,7 @@ public:
     [[nodiscard]] std::optional<double> start();
 
     /// Lets a device report another state and waits until the controller has received
-    /// it. Returns the time (ms); no value after 5 s.
+    /// that state. Returns the time (ms); no value after 5 s.
     [[nodiscard]] std::optional<double> news();
 
     /// The number of times that the service dropped the controller, which then

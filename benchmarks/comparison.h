@@ -16,9 +16,10 @@ double secondsOf(const Work& a_work)
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
-/// Runs the bare work and ours in turn, and reports both times (ms) and their ratio.
-/// Ours is timed as a whole, unless it returns the duration of the measured part (s).
-/// For benchmarks with manual time.
+/// Runs `a_ours`, which uses the library, and `a_bare`, the same work without the
+/// library, in turn. Reports both times (ms) and their ratio. `a_ours` is timed as a
+/// whole, unless it returns the duration of the measured part (s). For benchmarks with
+/// manual time.
 template<typename Bare, typename Ours>
 void compare(benchmark::State& a_state, std::int64_t a_iBytes, const Bare& a_bare, const Ours& a_ours)
 {

@@ -9,12 +9,12 @@
 #include <thread>
 #include <vector>
 
-/// The actions of one attacking peer. They run on their own thread until the flag is
-/// set.
+/// The actions of one attacking peer. The actions run on their own thread until `a_bEnd`
+/// is set.
 using Attack = std::function<void(std::uint16_t a_uiPort, const std::atomic<bool>& a_bEnd)>;
 
-/// Several peers that run the same attack, each on its own thread. They end with the
-/// object.
+/// Several peers that run the same attack, each on its own thread. The threads end with
+/// the object.
 class Attackers
 {
 public:
@@ -28,8 +28,8 @@ private:
     std::vector<std::thread> m_threads;
 };
 
-/// Sends the first bytes once and the others repeatedly, and reconnects after being
-/// dropped. `a_bRead` selects whether it reads the received bytes.
+/// Sends `a_once` once and then `a_always` repeatedly. Reconnects when the service has
+/// dropped the peer. `a_bRead` selects whether the peer reads the received bytes.
 [[nodiscard]] Attack repeat(const QByteArray& a_once, const QByteArray& a_always, bool a_bRead);
 
 /// Sends a document of this size (bytes) without its end, and waits.
@@ -47,7 +47,8 @@ private:
 /// fixed.
 [[nodiscard]] Attack crowd(int a_iDevices, const QByteArray& a_always);
 
-// Commands of attackers
+// Commands of attackers. bomb() is a scenario that grows to `a_iBytes` bytes when the
+// service uncompresses it.
 [[nodiscard]] QByteArray registration(const QByteArray& a_id, const char* a_szName = "");
 [[nodiscard]] QByteArray stateUpdate(const char* a_szId, int a_iState);
 [[nodiscard]] QByteArray bomb(std::int64_t a_iBytes);

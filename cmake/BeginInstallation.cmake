@@ -1,5 +1,5 @@
-# Runs before the files are installed: finds the folders that the installation will
-# make, the topmost of each branch, for Uninstall.cmake to remove.
+# Runs before the files are installed. Lists the topmost folder of each branch that the
+# installation will make, so that Uninstall.cmake can remove these folders.
 # simulationOwnFolders belong to this project alone, simulationSharedFolders do not.
 if(CMAKE_INSTALL_PREFIX MATCHES ";")
   message(FATAL_ERROR "Nothing was installed: CMake cannot handle the semicolon in the prefix "
@@ -19,7 +19,7 @@ foreach(folder IN LISTS simulationOwnFolders simulationSharedFolders)
 endforeach()
 
 # A staged installation is moved later to a place where shared folders may exist, so
-# only the own folders are removed.
+# only the project's own folders are listed.
 if(NOT "$ENV{DESTDIR}" STREQUAL "")
   list(TRANSFORM simulationOwnFolders PREPEND "${CMAKE_INSTALL_PREFIX}/" OUTPUT_VARIABLE simulationNewFolders)
 endif()

@@ -30,9 +30,9 @@ if(SIMULATION_SANITIZE)
   add_link_options(${sanitizers})
 endif()
 
-# Headers that most sources include are compiled once: parsing them again takes a
-# third of the time of a build. Every source still includes what it uses;
-# scripts/lint.sh reads the sources without these.
+# Headers that most sources include are compiled once, because parsing them in every
+# source takes a third of the time of a build. Every source still includes what it uses:
+# scripts/lint.sh reads the sources without precompiled headers.
 function(simulation_make_precompiled_headers)
   file(WRITE "${CMAKE_BINARY_DIR}/precompiled.cpp" "")
   add_library(simulation_precompiled OBJECT "${CMAKE_BINARY_DIR}/precompiled.cpp")
@@ -44,7 +44,8 @@ function(simulation_make_precompiled_headers)
   set_target_properties(simulation_precompiled PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF)
 endfunction()
 
-# For a target that links the libraries above.
+# Lets a target use the precompiled headers. The target must link the libraries that
+# were passed to simulation_make_precompiled_headers().
 function(simulation_use_precompiled_headers a_target)
   target_precompile_headers(${a_target} REUSE_FROM simulation_precompiled)
 endfunction()

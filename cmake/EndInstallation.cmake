@@ -1,6 +1,6 @@
-# Runs after the files are installed: writes the two lists that Uninstall.cmake reads,
-# with paths relative to it, so that the prefix may be moved. Keeps the entries of
-# earlier installations.
+# Runs after the files are installed and writes the two lists that Uninstall.cmake
+# reads. The paths are relative to that script's folder, so that the prefix may be moved.
+# Entries of earlier installations are kept.
 
 function(note_installed a_file a_paths)
   cmake_path(ABSOLUTE_PATH simulationPackageDir BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" OUTPUT_VARIABLE base)

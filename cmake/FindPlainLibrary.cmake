@@ -5,7 +5,7 @@
 #   find_plain_library(NAME HEADER header LIBRARIES name...
 #     VERSION_HEADER header VERSION_MACRO macro)
 #
-# The macro's value is a string that begins with the version.
+# The value of VERSION_MACRO is a string that begins with the version.
 include(FindPackageHandleStandardArgs)
 
 macro(find_plain_library a_name)

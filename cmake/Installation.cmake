@@ -1,4 +1,5 @@
-# The run path of installed programs, and the lists for their removal.
+# The run path of installed programs, and the lists of installed files and folders for
+# Uninstall.cmake.
 include(RunPath)
 
 # Programs find the library relative to their own folder, so that an installation

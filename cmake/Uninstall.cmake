@@ -30,7 +30,8 @@ endfunction()
 function(remove_empty_folders a_folder)
   foreach(made IN LISTS madeFolders)
     cmake_path(ABSOLUTE_PATH made BASE_DIRECTORY "${base}" NORMALIZE)
-    string(REGEX REPLACE "/$" "" made "${made}") # so that it is a prefix of itself
+    # With a slash at the end, a folder would not be found as a prefix of itself.
+    string(REGEX REPLACE "/$" "" made "${made}")
     set(folder "${a_folder}")
     cmake_path(IS_PREFIX made "${folder}" isMade)
     while(isMade)

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds the release and runs all benchmarks. Every figure is printed with the bare
-# cost of the same work in the same run, and their ratio.
+# Builds the release and runs all benchmarks. Most benchmarks also measure the bare cost,
+# that is the same work without this library, in the same run. They print both figures
+# and their ratio. Arguments are passed to every benchmark.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds the release, makes a repository of signal packages, plays the default
 # scenario with them, and sends it from an editor through the service to two devices.
-# Shows the first lines and the last line of each step's output; build/demo keeps all
-# of it. Arguments are passed to "simulationtool play".
+# Shows the first lines and the last line of each step's output; build/demo contains the
+# whole output. Arguments are passed to "simulationtool play".
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -11,7 +11,7 @@ cd "$(dirname "$0")/.."
 
 scripts/setup.sh lint
 build=build/debug
-clean=$build/lint # an empty file for each checked state of a source without findings
+clean=$build/lint # one empty file for each state of a source that had no findings
 if [ "${1:-}" = --anew ]; then
     rm -rf "$clean"
     shift
@@ -28,20 +28,21 @@ cmake --preset debug -DSIMULATION_BUILD_BENCHMARKS=ON >/dev/null
 cmake --build --preset debug
 
 scratch=$(mktemp -d)
-# The compile commands without the precompiled headers, which only the compiler can
-# read and which hide that an include is missing.
+# The compile commands without the precompiled headers. Only the compiler can read these
+# headers, and they would hide that an include is missing.
 sed -E 's/-Winvalid-pch -include [^ ]*cmake_pch\.hxx//g' "$build/compile_commands.json" >"$scratch/compile_commands.json"
 trap 'rm -rf "$scratch"' EXIT
 
-# The largest sources first, so that the long checks begin early and all processors
-# stay busy to the end. tests/consumer is a project of its own without compile
+# The largest sources are checked first, so that the long checks begin early and all
+# processors stay busy to the end. tests/consumer is a project of its own without compile
 # commands in this build.
 sources=("$@")
 [ $# -gt 0 ] || mapfile -t sources < <(own_sources '*.cpp' ':!tests/consumer' | xargs ls -S)
 
-# The inputs of clang-tidy that are not files of the project.
+# The inputs of clang-tidy that all sources share: its settings and the installed
+# packages.
 common=$(cat .clang-tidy <(dpkg-query --show) | sha256sum)
-# One line for every source and every file of the project that it depends on.
+# Lists each source with every file of the project that it depends on, one pair a line.
 ninja -C "$build" -t deps | awk -v build="$build" '
     /^[^ ]/ { source = ""; next }
     NF == 0 { next }

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Takes pictures of the monitor example: light and dark, with long names, with 200
-# devices, and while it waits. The argument is the folder for them, by default
-# build/pictures. Needs no screen; QT_QPA_PLATFORM=xcb uses the current one.
+# devices, and while it waits. The argument is the folder of the pictures, by default
+# build/pictures. Needs no screen; with QT_QPA_PLATFORM=xcb the current screen is used.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -21,15 +21,15 @@ stop_service() {
 }
 trap 'stop_service; rm -rf "$scratch"' EXIT
 
-# Starts a service, and connects to it on descriptor 3, over which all devices of a
-# picture are registered.
+# Starts a service and connects file descriptor 3 to it. All devices of a picture are
+# registered over this connection.
 start_service() {
     stop_service
     : >"$scratch/out"
     "$bin/simulationtool" service --address 127.0.0.1 --port 0 >"$scratch/out" 2>"$scratch/log" &
     service=$!
     until grep --quiet port "$scratch/out"; do
-        kill -0 "$service" # stop when the service has ended
+        kill -0 "$service" # ends this script when the service has ended
         sleep 0.1
     done
     port=$(grep --only-matching '[0-9]*$' "$scratch/out")

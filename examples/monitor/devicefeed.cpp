@@ -115,8 +115,8 @@ void DeviceFeed::takeList(const QVector<SimulationDeviceConfiguration>& a_device
     Q_EMIT updated();
 }
 
-/// Does not update the row of an unchanged device: the table would redraw it and
-/// reset the device's state.
+/// Adds or updates the row of a device. The row of an unchanged device is not updated:
+/// the table would redraw the row and reset the device's state.
 void DeviceFeed::takeDevice(const SimulationDeviceConfiguration& a_device)
 {
     const QString sId = a_device.id();

@@ -18,11 +18,11 @@ namespace Monitor {
 
 /// Fills a table model with the devices that are registered with a service.
 ///
-/// A service returns its list of devices to every program that requests it. It sends
-/// changes of device states only to the program that acquired it last. Acquiring takes
-/// the control from its former owner. Therefore this class acquires the service only
-/// to follow the states. It requests the list every 2 s. Used on the thread of the
-/// model's views.
+/// A service returns its list of devices to every program that requests the list. The
+/// service sends changes of device states only to the program that acquired the service
+/// last. Acquiring takes the control from the former owner. Therefore this class acquires
+/// the service only to follow the states. The class requests the list again 2 s after
+/// each answer. Used on the thread of the model's views.
 class DeviceFeed : public QObject
 {
     Q_OBJECT
@@ -38,8 +38,8 @@ public:
     /// table.
     void setSocket(QTcpSocket* a_pSocket);
 
-    /// On acquires the service and off releases it; later connections do the same. Off
-    /// also clears the shown states, because they are no longer updated.
+    /// True acquires the service, now and after every later connection. False releases
+    /// the service and clears the shown states, because they are no longer updated.
     void setFollowingStates(bool a_bOn);
     [[nodiscard]] bool isFollowingStates() const { return m_bFollowing; }
 

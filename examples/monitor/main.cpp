@@ -90,7 +90,7 @@ void addOptions(QCommandLineParser& a_parser)
 }
 
 /// Writes the help if an argument requests it. Called before the GUI application
-/// exists, because that needs a display.
+/// exists, because a GUI application needs a display.
 bool showHelp(int a_iArguments, char* a_arguments[])
 {
     const QCoreApplication application(a_iArguments, a_arguments);

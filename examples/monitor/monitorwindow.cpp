@@ -186,8 +186,8 @@ void MonitorWindow::disconnected()
     Q_EMIT updated();
 }
 
-/// Aborts the connection, because its further bytes cannot be read. The connector
-/// starts a new one.
+/// Aborts the connection, because its further bytes cannot be read. The connector then
+/// starts a new attempt.
 void MonitorWindow::abandonConnection(const QString& a_sError)
 {
     m_sUnreadable = a_sError.simplified().left(s_iMaxError);

@@ -22,11 +22,12 @@ class QTableView;
 namespace Monitor {
 
 /// A window with the devices of a simulation service and a lamp for the connection. A
-/// waiting dialog is shown while it connects. Cancelling it ends the attempts; the
-/// window stays and shows a button that connects again.
+/// waiting dialog is shown while the window connects. Cancelling the dialog ends the
+/// attempts; the window stays open and shows a button that connects again.
 ///
-/// When the service sends unreadable bytes, the connection is closed like a lost one.
-/// The status bar shows the error until a service can be read again.
+/// When the service sends unreadable bytes, the window closes the connection and connects
+/// again, as after a lost connection. The status bar shows the error until a service can
+/// be read again.
 class MonitorWindow : public QMainWindow
 {
     Q_OBJECT
@@ -67,7 +68,7 @@ private:
     QTimer m_refresh;                                            ///< runs while an update has to be shown
     bool m_bConnected = false;
     QString m_sUnreadable;      ///< why the last connection was given up; empty once a service is read again
-    bool m_bColumnsFit = false; ///< the column widths are set and belong to the user
+    bool m_bColumnsFit = false; ///< column widths are set; now only the user changes them
 
     // Children
     QTableView* m_pTable;

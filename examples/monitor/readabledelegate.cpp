@@ -39,9 +39,9 @@ double contrast(const QColor& a_first, const QColor& a_second)
 
 QColor readable(const QColor& a_color, const QPalette& a_palette)
 {
-    // Of the palette's backgrounds the window colour gives texts the least contrast. A
-    // colour that is readable on it is also readable in tables, so a state has one colour
-    // in the whole window.
+    // Of the palette's backgrounds, the window colour gives texts the least contrast. A
+    // text colour that is readable on the window colour is also readable in tables. So a
+    // state has one colour in the whole window.
     const QColor ground = a_palette.color(QPalette::Window);
     if (contrast(a_color, ground) >= s_dContrast) {
         return a_color;

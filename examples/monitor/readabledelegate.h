@@ -7,9 +7,9 @@
 
 namespace Monitor {
 
-/// Returns the colour unchanged if texts in it have enough contrast in windows of this
-/// palette. Otherwise makes it lighter or darker until the contrast suffices, and
-/// replaces black and greys by the palette's text colour.
+/// Returns the colour unchanged if texts in that colour have enough contrast in windows
+/// of this palette. Otherwise makes the colour lighter or darker until the contrast
+/// suffices, and replaces black and greys by the palette's text colour.
 [[nodiscard]] QColor readable(const QColor& a_color, const QPalette& a_palette);
 
 /// Paints a table's texts in the colours of its model, adjusted by readable(). The

@@ -11,7 +11,7 @@ class MonitorWindow;
 
 /// Writes one picture of a window to a file. Then ends the program with exit code 0,
 /// or 1 when the file cannot be written. Takes the picture 0.7 s after the last update
-/// from the service. Without a connection, takes it after 3 s, with the waiting
+/// from the service. Without a connection, takes the picture after 3 s, with the waiting
 /// dialog. The window is not owned.
 class WindowPicture : public QObject
 {

@@ -30,7 +30,7 @@ double normalised(double a_dAzimuth)
     return dTurned >= s_dFullCircle ? 0.0 : dTurned + 0.0;
 }
 
-/// The geodesic between two points. In the default object there is no geodesic.
+/// The geodesic between two points. A default object means that there is no geodesic.
 struct Way
 {
     double metres = s_dNotANumber;
@@ -38,7 +38,8 @@ struct Way
 };
 
 // GeographicLib takes the latitude first and may throw exceptions. Only the next two
-// functions call it. They swap the coordinates and return NaN after an exception.
+// functions call GeographicLib. They swap the coordinates and return NaN after an
+// exception.
 
 /// The inverse geodesic problem: length and start azimuth of the shortest line.
 Way wayBetween(const Point& a_from, const Point& a_to)

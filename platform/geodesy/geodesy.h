@@ -6,8 +6,8 @@
 /// Geodesics on the WGS 84 ellipsoid. Points are longitude first everywhere.
 ///
 /// The geodesics are those of C. F. F. Karney, "Algorithms for geodesics",
-/// J. Geodesy 87 (2013), accurate to about 15 nanometres. Nothing here throws;
-/// any thread may call.
+/// J. Geodesy 87 (2013), accurate to about 15 nanometres. No function throws. Any
+/// thread may call every function.
 namespace Geodesy {
 
 /// A point on the ellipsoid, longitude first. Any longitude is taken modulo 360. A
@@ -27,10 +27,11 @@ struct Point
 /// lies outside the globe or is NaN.
 [[nodiscard]] SIMULATIONDATA_EXPORT double distance(const Point& a_from, const Point& a_to);
 
-/// The end of a geodesic. It starts at `a_start` in the direction `a_dAzimuth`
-/// (degrees clockwise from north) and is `a_dDistance` kilometres long. A negative
-/// length runs backwards. The longitude is in [-180, 180]. Both coordinates are NaN
-/// when the start lies outside the globe or an argument is not finite.
+/// The end of a geodesic. The geodesic starts at `a_start` in the direction
+/// `a_dAzimuth` (degrees clockwise from north) and is `a_dDistance` kilometres long. A
+/// negative length means the opposite direction. The longitude of the end is in
+/// [-180, 180]. Both coordinates are NaN when the start lies outside the globe or an
+/// argument is not finite.
 [[nodiscard]] SIMULATIONDATA_EXPORT Point destination(const Point& a_start, double a_dAzimuth,
                                                       double a_dDistance);
 

@@ -37,8 +37,8 @@ constexpr qsizetype s_iMgrsZone = 3;
 constexpr qsizetype s_iMgrsSquare = 2;
 constexpr qsizetype s_iMgrsLength = s_iMgrsZone + s_iMgrsSquare + 2 * s_iMgrsDigits;
 
-/// Each axis has 18 fields of 10 squares of 24 subsquares. A cell is therefore 5
-/// minutes of arc wide and 2.5 minutes high.
+/// In the Maidenhead form each axis has 18 fields of 10 squares of 24 subsquares. A
+/// subsquare, here called cell, is therefore 5 minutes of arc wide and 2.5 minutes high.
 constexpr int s_iFields = 18;
 constexpr int s_iSquares = 10;
 constexpr int s_iSubsquares = 24;
@@ -48,7 +48,8 @@ constexpr double s_dCellsPerLatitude = s_iCells / s_dHalfCircle;
 constexpr qsizetype s_iMaidenheadLength = 6;
 constexpr double s_dCellCentre = 0.5;
 
-/// A UTM position, with the false easting and northing of its zone and hemisphere.
+/// A UTM position. The false easting and false northing of its zone and hemisphere are
+/// included.
 struct GridPoint
 {
     int zone = UTMUPS::INVALID;
@@ -125,8 +126,8 @@ QString utmText(const Coord& a_coord)
            metresText(point->easting) + u' ' + metresText(point->northing);
 }
 
-/// Reads "32U 0691928 5335080", upper case. The band is only used for the
-/// hemisphere.
+/// Reads a text such as "32U 0691928 5335080", in upper case. The band is only used for
+/// the hemisphere.
 std::optional<Coord> fromUtmText(QStringView a_sText)
 {
     constexpr qsizetype iEastingAt = 4;
@@ -166,7 +167,8 @@ QString mgrsText(const Coord& a_coord)
     return sText;
 }
 
-/// Reads "32U-PU-919280-350802", upper case, as the centre of the cell.
+/// Reads a text such as "32U-PU-919280-350802", in upper case. Returns the centre of the
+/// cell.
 std::optional<Coord> fromMgrsText(const QString& a_sText)
 {
     const QStringList parts = a_sText.split(u'-');
@@ -195,9 +197,9 @@ QString maidenheadText(const Coord& a_coord)
     const double dLongitude = std::remainder(a_coord.first(), s_dFullCircle);
     const double dEast = dLongitude >= s_dHalfCircle ? 0.0 : dLongitude + s_dHalfCircle;
     const int iEast = cell(dEast * s_dCellsPerLongitude);
-    // Cells count from longitude -180 and latitude -90. Field, square and subsquare
-    // are the digits of the cell number to the bases 18, 10 and 24, each for the
-    // longitude first.
+    // Cells are counted from longitude -180 and latitude -90. Field, square and
+    // subsquare are the digits of the cell number in the bases 18, 10 and 24. Each is
+    // written for the longitude first, then for the latitude.
     const int iNorth = cell((a_coord.second() + s_dMaximumLatitude) * s_dCellsPerLatitude);
     QString sText;
     for (const int iCell : {iEast, iNorth}) {
@@ -213,7 +215,8 @@ QString maidenheadText(const Coord& a_coord)
 }
 
 /// The cell number on one axis; no value for an invalid character. The characters of
-/// field, square and subsquare are two places apart.
+/// field, square and subsquare are two places apart, because those of the other axis are
+/// between them.
 std::optional<int> maidenheadCell(QStringView a_sText)
 {
     const std::optional<int> field = indexOf(a_sText[0], u'A', s_iFields);
@@ -225,7 +228,7 @@ std::optional<int> maidenheadCell(QStringView a_sText)
     return (*field * s_iSquares + *square) * s_iSubsquares + *subsquare;
 }
 
-/// Reads "JN58SD", upper case, as the centre of the cell.
+/// Reads a text such as "JN58SD", in upper case. Returns the centre of the cell.
 std::optional<Coord> fromMaidenheadText(QStringView a_sText)
 {
     if (a_sText.size() != s_iMaidenheadLength) {

@@ -7,15 +7,15 @@
 
 /// A geographic position on WGS 84 that can be written and read in grid forms.
 ///
-/// A plain value; a default object is the position (0, 0). Nothing here throws.
+/// A plain value; a default object is the position (0, 0). No operation throws.
 /// Texts are written in upper case and read in either case. The forms, with examples
 /// for longitude 11.58, latitude 48.14:
 /// - UTM "32U 0691928 5335080": zone, latitude band, easting and northing, rounded
 ///   to whole metres. Northings just south of the equator are cut to 9999999.
 ///   Reading uses the band letter only for the hemisphere.
 /// - MGRS "32U-PU-919280-350802": zone and band, 100 km square, easting and northing
-///   in units of 0.1 m, truncated. It is read as the centre of its cell.
-/// - Maidenhead "JN58SD": a cell of 5 by 2.5 minutes of arc. It is read as the
+///   in units of 0.1 m, truncated. The text is read as the centre of its cell.
+/// - Maidenhead "JN58SD": a cell of 5 by 2.5 minutes of arc. The text is read as the
 ///   centre of its cell.
 class SIMULATIONDATA_EXPORT Coord
 {

@@ -46,8 +46,9 @@ private:
 
 /// Writes one trace line to the logging category "simulation.trace", with the source
 /// name and line as its place. Does not check the trace mask: the caller does.
-/// Control characters are written as blanks. `a_szSource` must outlive the call and
-/// name the source file as "simulation/simulationdata/" and its base name.
+/// Control characters are written as blanks. `a_szSource` must outlive the call. It
+/// names the source file by folder and base name, for example
+/// "simulation/simulationdata/position".
 // The name is part of the base library's interface.
 // NOLINTNEXTLINE(bugprone-reserved-identifier)
 SIMULATIONDATA_EXPORT void _Q_Trace(const QString& a_sMessage, const char* a_szSource, int a_iLine);

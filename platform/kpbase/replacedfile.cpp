@@ -12,8 +12,9 @@ namespace {
 
 constexpr qint64 s_iBufferBytes = qint64{64} * 1024;
 
-/// Returns false, with the error text, when the disk is full or fails. On a network
-/// disk only fsync() reports this. File systems that cannot sync are accepted.
+/// Waits until the file is on the disk. Returns false, with the error text, when the
+/// disk is full or fails. On a network disk only fsync() reports these errors. File
+/// systems that cannot sync are accepted.
 bool syncToDisk(const QFileDevice& a_file, QString* a_pReason)
 {
 #ifdef Q_OS_UNIX
@@ -43,8 +44,8 @@ bool writeAll(QIODevice& a_device, const char* a_pBytes, qint64 a_iBytes)
 bool writeThrough(QIODevice& a_device, const QByteArray& a_data)
 {
     auto* const pFile = qobject_cast<QFileDevice*>(&a_device);
-    // A flush that writes only a part of the bytes has no error text. The next flush
-    // has one.
+    // A flush that writes only a part of the bytes fails without an error text. The
+    // next flush sets the error text.
     return writeAll(a_device, a_data.constData(), a_data.size()) &&
            (pFile == nullptr || pFile->flush() || pFile->flush());
 }

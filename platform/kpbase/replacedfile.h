@@ -11,10 +11,10 @@ class QFileDevice;
 class QIODevice;
 
 // These classes and functions write files. Every failure sets the system's error
-// text, for example "No space left on device", in errorString(). When a disk becomes
-// full, it first accepts a part of a write without an error. It reports the error
-// only when it accepts no byte. So the rest of a partial write is always written
-// again.
+// text, for example "No space left on device", in errorString(). A disk that becomes
+// full first accepts a part of a write without an error. The disk reports the error
+// only when it accepts no byte. Therefore, after a partial write, the rest is always
+// passed to the disk again.
 
 /// Writes all bytes. Returns false when the device does not accept them; the error
 /// text is in the device's errorString().

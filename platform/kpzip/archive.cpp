@@ -64,9 +64,9 @@ QString shown(const QString& a_sName)
     return sShown;
 }
 
-/// Traces the entries that are not unpacked. The first ones are traced individually,
-/// then only the number of the others is traced, so that no archive can fill the
-/// trace.
+/// Traces the entries that are not unpacked. Only the first entries are traced
+/// individually, so that no archive can fill the trace. When there are more, the number
+/// of all refused entries is traced at the end.
 class EntryTraces
 {
 public:

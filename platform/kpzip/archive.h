@@ -20,8 +20,8 @@ struct ZipDirectory;
 /// entries, entries with an unknown compression method, and entries whose names lead
 /// out of the target folder. The rest is unpacked.
 ///
-/// A file gets its final name only when it is complete. It replaces a file of that
-/// name. Links at the target are never followed. Every failure is traced, and
+/// A file gets its final name only when it is complete, and then replaces an existing
+/// file of that name. Links at the target are never followed. Every failure is traced, and
 /// errorString() keeps its error text. An object belongs to one thread.
 class SIMULATIONDATA_EXPORT Archive
 {
@@ -35,9 +35,9 @@ public:
     Archive(const Archive&) = delete;
     Archive& operator=(const Archive&) = delete;
 
-    /// Sets the limits for the next open(). The first is the number of bytes that
-    /// may be written while the archive is open, whatever sizes it declares. The
-    /// second is the number of its entries. By default 1 GiB and 100,000.
+    /// Sets the limits for the next open(). `a_uiBytes` limits the bytes that may be
+    /// written while the archive is open, whatever sizes the archive declares.
+    /// `a_uiEntries` limits the number of its entries. By default 1 GiB and 100,000.
     void setBounds(std::uint64_t a_uiBytes, std::uint64_t a_uiEntries);
 
     /// Opens a regular file. An archive that is open is closed first. Returns false

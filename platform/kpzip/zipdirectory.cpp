@@ -29,13 +29,14 @@ constexpr qsizetype s_iLocator64Offset = 8;
 
 constexpr char s_szEnd64[] = "PK\x06\x06";
 constexpr qint64 s_iEnd64Size = 56;
-constexpr qsizetype s_iEnd64Fields = 32; ///< the same, 64 bits each
+constexpr qsizetype s_iEnd64Fields = 32; ///< entries, bytes and offset (64 bits each)
 
 constexpr qint64 s_iSignatureSize = 4;
 constexpr qint64 s_iLongestComment = 0xFFFF;
 
-/// The directory may take this number of bytes per allowed entry, and always the
-/// minimum below. An entry usually takes some 100 bytes; the format allows 196,000.
+/// The directory may take this number of bytes per allowed entry. A directory up to the
+/// minimum below is never too large. An entry usually takes some 100 bytes; the format
+/// allows 196,000.
 constexpr std::uint64_t s_uiEntryBytes = 1024;
 constexpr std::uint64_t s_uiLeastDirectoryBytes = std::uint64_t{1} << 20U;
 
@@ -56,8 +57,8 @@ Number numberAt(const QByteArray& a_record, qsizetype a_iOffset)
                : Number{0};
 }
 
-/// Returns the bytes at an offset of the file. Beyond the end of the file there are
-/// fewer, or none.
+/// Returns the bytes at an offset of the file: fewer than `a_iSize`, or none, where the
+/// file ends.
 QByteArray recordAt(QFile& a_file, std::uint64_t a_uiOffset, qint64 a_iSize)
 {
     const auto uiFile = static_cast<std::uint64_t>(std::max<qint64>(a_file.size(), 0));
@@ -70,8 +71,8 @@ bool isRecord(const QByteArray& a_record, const char* a_szSignature, qint64 a_iS
     return a_record.size() == a_iSize && a_record.startsWith(a_szSignature);
 }
 
-/// Reads the fields of an end record, which follow each other. Returns no value when
-/// the bytes are not such a record.
+/// Reads the adjacent fields of an end record. Returns no value when the bytes are not
+/// such a record.
 template<typename Entries, typename Size>
 std::optional<EndRecord> endRecordOf(const QByteArray& a_record, const char* a_szSignature, qint64 a_iSize,
                                      qsizetype a_iFields)
@@ -84,8 +85,8 @@ std::optional<EndRecord> endRecordOf(const QByteArray& a_record, const char* a_s
                      numberAt<Size>(a_record, iBytes + qsizetype{sizeof(Size)})};
 }
 
-/// Reads the end record at an offset of the file's tail. Reads its 64-bit form when
-/// a locator precedes it.
+/// Reads the end record at an offset of the file's tail. When a locator precedes the
+/// record, reads the record's 64-bit form.
 std::optional<EndRecord> endRecordAt(QFile& a_file, const QByteArray& a_tail, qsizetype a_iOffset)
 {
     const QByteArray locator = a_iOffset >= s_iLocator64Size
@@ -113,7 +114,7 @@ bool pointsAtDirectory(QFile& a_file, const EndRecord& a_end, std::uint64_t a_ui
 }
 
 /// Finds the end record. The zip library loads the directories of all end records
-/// before it chooses one, so a file with two of them is refused.
+/// before it chooses one, so a file with two directories is refused.
 std::optional<EndRecord> findEndRecord(QFile& a_file, QString* a_pReason)
 {
     const qint64 iTail = std::min(a_file.size(), s_iLongestComment + s_iEndSize + s_iLocator64Size);
@@ -153,7 +154,7 @@ bool staysInBounds(const EndRecord& a_end, std::uint64_t a_uiMaxEntries, QString
     return true;
 }
 
-/// The name of an entry and the number of bytes that it takes in the directory.
+/// The name of an entry and the number of bytes that the entry takes in the directory.
 struct DirectoryEntry
 {
     QByteArray name;

@@ -26,7 +26,8 @@ struct Centre
 {
     std::mutex mutex; ///< guards the rest
     QString folder;   ///< empty = the default folders
-    /// By the text of the file, so loading unchanged settings again takes no memory.
+    /// The settings by the text of their file: loading unchanged settings again takes no
+    /// further memory.
     std::map<QByteArray, std::unique_ptr<SettingsStore>> stores;
 };
 

@@ -8,7 +8,7 @@
 class ICfg;
 
 /// The identity of this machine and the settings of its programs. Static operations
-/// only; any thread may call.
+/// only; any thread may call them.
 class SIMULATIONDATA_EXPORT CfgCenter
 {
 public:
@@ -19,10 +19,11 @@ public:
     /// never empty.
     [[nodiscard]] static QString GetMachineId();
 
-    /// Returns the current settings of that name, from the file "<name>.ini". Its
-    /// folder is that of SetFolder(), else that of the environment variable
-    /// SIMULATION_CONFIG_DIR. Otherwise it is the sub-folder "simulation" of the
-    /// platform's folders for settings, the user's first.
+    /// Returns the current settings of that name, from the file "<name>.ini". The
+    /// file's folder is the one set by SetFolder(), else the one in the environment
+    /// variable SIMULATION_CONFIG_DIR. Without these, the file is searched in the
+    /// sub-folder "simulation" of the platform's settings folders, the user's folder
+    /// first.
     ///
     /// The file is UTF-8 in the INI form of QSettings with two exceptions, because
     /// people type these files. A value with commas is one text. A Windows path

@@ -79,15 +79,16 @@ QByteArray quotedValue(QByteArrayView a_value)
     return quoted + (bEscaped ? "\\\"\n" : "\"\n");
 }
 
-/// Returns the line in the form that QSettings reads as one section or value. Empty
-/// for any other line.
+/// Returns a line with a section or a value in the form that QSettings reads. Returns an
+/// empty text for any other line.
 QByteArray cleanLine(QByteArrayView a_line)
 {
     const qsizetype iEquals = a_line.indexOf('=');
     const bool bSection = a_line.startsWith('[');
     const QByteArrayView name = bSection ? a_line : a_line.first(iEquals < 0 ? 0 : iEquals).trimmed();
-    // QSettings would continue a quote outside a value on the following lines. It
-    // would also continue a section name that ends in a backslash on the next line.
+    // Such lines are dropped. After a quote outside a value, QSettings would read the
+    // following lines as part of the quoted text. After a section name that ends in a
+    // backslash, it would read the next line as part of the name.
     if (name.isEmpty() || name.contains('"') || name.startsWith(';') || name.endsWith('\\')) {
         return {};
     }

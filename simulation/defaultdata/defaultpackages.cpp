@@ -46,8 +46,8 @@ double bell(double a_dOffset, double a_dCentre, double a_dWidth)
     return std::exp(-0.5 * dDistance * dDistance);
 }
 
-/// A slow variation around 1. It sums two sines that are not symmetric to each
-/// other, so that no two neighbouring records are alike.
+/// A slow variation around 1. The variation is the sum of two sines that are not
+/// symmetric to each other, so that no two neighbouring records are alike.
 double breath(double a_dPhase)
 {
     return 1.0 + 0.25 * std::sin(a_dPhase) + 0.1 * std::sin(3.0 * a_dPhase + 1.0);

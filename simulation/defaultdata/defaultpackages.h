@@ -17,9 +17,9 @@ struct Package
     QByteArray descriptor;  ///< "Signal.xml"
 };
 
-/// The three default packages: "Default" is a voice, "Gauss 10kHz" bursts of noise,
-/// "Rect 10kHz" a keyed tone. They are calculated, with the same result on every
-/// machine.
+/// The three default packages: "Default" contains a voice, "Gauss 10kHz" bursts of noise,
+/// and "Rect 10kHz" a keyed tone. The signals are calculated, with the same result on
+/// every machine.
 [[nodiscard]] QList<Package> defaultPackages();
 
 } // namespace DefaultData

@@ -27,8 +27,8 @@ struct Descriptor
     Content audio;
 };
 
-/// The content of "Signal.xml". It has more elements than the library reads,
-/// because other programs check the data files against them.
+/// The content of "Signal.xml". The descriptor has more elements than the library reads.
+/// Other programs use these elements to check the data files.
 [[nodiscard]] QByteArray writeDescriptor(const Descriptor& a_descriptor);
 
 } // namespace DefaultData

@@ -1,6 +1,6 @@
-// Makes the default signal packages that the library contains as resources:
+// Makes the default signal packages that the library contains as resources.
 //   makedefaultdata FOLDER
-// writes into the folder, which is created when it is missing:
+// Writes these files into the folder, which is created when it is missing:
 // - TuK-Default.zip: the library of all default packages,
 // - Default.zip: only the files of the package "Default",
 // - Descriptors/<id>.xml: the descriptor of each package.
@@ -26,8 +26,8 @@ void appendFiles(QList<ZipEntry>& a_entries, const QString& a_sFolder, const Pac
     a_entries.append({a_sFolder + QStringLiteral("Signal.xml"), a_package.descriptor});
 }
 
-/// The folder of a library contains two empty marker files: ".library", and
-/// ".lock", which means that users do not edit it.
+/// The folder of a library contains two empty marker files, ".library" and ".lock". The
+/// file ".lock" means that users do not edit the library.
 QList<ZipEntry> libraryEntries(const QList<Package>& a_packages)
 {
     const QString sTop = QStringLiteral("TuK-Default/");

@@ -21,8 +21,8 @@ struct SignalShape
 /// The content of "Signal.ssf", in the layout that SignalShapeFile reads. The values of
 /// a spectrum are multiples of the base power, from the lowest to the highest
 /// frequency. Level A of a record is its highest value (the signal), level B its lowest
-/// (the noise floor). A reader therefore gets the signal-to-noise ratio without the
-/// points.
+/// (the noise floor). A reader therefore gets the signal-to-noise ratio without reading
+/// the points.
 [[nodiscard]] QByteArray writeSignalShape(const SignalShape& a_shape);
 
 } // namespace DefaultData

@@ -27,8 +27,8 @@ struct ZipDiscarder
 };
 using Zip = std::unique_ptr<zip_t, ZipDiscarder>;
 
-/// The index of the new entry; negative on failure. The bytes must stay valid until
-/// the archive is closed.
+/// Adds an entry and returns its index; negative on failure. The bytes must stay valid
+/// until the archive is closed.
 zip_int64_t add(zip_t* a_pZip, const ZipEntry& a_entry, bool a_bFolder)
 {
     const QByteArray name = a_entry.name.toUtf8();
@@ -80,7 +80,7 @@ bool writeZip(const QString& a_sFile, const QList<ZipEntry>& a_entries, QString*
         *a_pReason = QString::fromUtf8(zip_strerror(zip.get()));
         return false;
     }
-    // zip_close() has freed it.
+    // zip_close() has freed the archive.
     static_cast<void>(zip.release());
     return true;
 }

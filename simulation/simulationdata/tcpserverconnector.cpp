@@ -36,8 +36,9 @@ std::chrono::milliseconds pauseAfter(int a_iFailures)
 }
 
 /// Whether the socket is connected with itself. Attempts on a port of this machine use
-/// changing source ports. When the source port is the target port, TCP connects the
-/// socket with itself. That would also keep the server from listening on the port.
+/// changing source ports. When the source port equals the target port, TCP connects the
+/// socket with itself. Such a connection would prevent the server from listening on the
+/// port.
 bool isOwnPeer(const QTcpSocket& a_socket)
 {
     return a_socket.localPort() == a_socket.peerPort() && a_socket.localAddress() == a_socket.peerAddress();
@@ -70,7 +71,8 @@ TcpServerConnector::TcpServerConnector(const QString& a_sHost, unsigned short a_
     connect(m_pSocket, &QTcpSocket::connected, this, &TcpServerConnector::slotConnected);
     connect(m_pSocket, &QTcpSocket::errorOccurred, this, &TcpServerConnector::slotError);
     connect(m_pSocket, &QTcpSocket::disconnected, this, &TcpServerConnector::slotDisconnected);
-    // Only this signal is emitted when the socket's user aborts an attempt.
+    // When an application aborts an attempt through socket(), the socket emits only
+    // this signal.
     connect(m_pSocket, &QTcpSocket::stateChanged, this, [this](QAbstractSocket::SocketState a_eState) {
         if (a_eState == QAbstractSocket::UnconnectedState) {
             startAgain();
@@ -98,8 +100,9 @@ bool TcpServerConnector::isConnected() const
 void TcpServerConnector::connectToServer()
 {
     trace(ErrorHandler::TraceProgress, s_szSource, [this] { return tryText(); });
-    // A slot may call this on every signal; that must not bypass the pauses. During a
-    // signal the socket is connected or the next attempt is already scheduled.
+    // A slot may call this function at every signal. Such calls must not bypass the
+    // pauses. While a signal is emitted, the socket is connected or the next attempt is
+    // already scheduled.
     if (!m_bEmitting) {
         m_iFailures = 0;
         m_sReason.clear();
@@ -143,7 +146,7 @@ void TcpServerConnector::slotDisconnected()
     if (!std::exchange(m_bAnnounced, false)) {
         return; // the socket was connected with itself
     }
-    // The spelling is part of the interface: logs are searched for it.
+    // The spelling "Disconneted" is part of the interface: logs are searched for it.
     trace(ErrorHandler::TraceProgress, s_szSource, [this] {
         return QStringLiteral("Disconneted from: %1:%2").arg(m_sHost, QString::number(m_uiPort));
     });
@@ -154,9 +157,9 @@ void TcpServerConnector::slotDisconnected()
 
 void TcpServerConnector::slotStartConnection()
 {
-    // A socket that is connecting or closing would report an error at once, which
-    // would schedule another start. When it becomes unconnected, the next start is
-    // scheduled anyway.
+    // connectToHost() on a socket that is connecting or closing would report an error
+    // at once, and the error would schedule another start. The next start is scheduled
+    // anyway when the socket becomes unconnected.
     const QAbstractSocket::SocketState eState = m_pSocket->state();
     if (eState == QAbstractSocket::UnconnectedState || eState == QAbstractSocket::BoundState) {
         m_pSocket->connectToHost(m_sHost, m_uiPort, QIODevice::ReadWrite);
@@ -168,8 +171,8 @@ QString TcpServerConnector::tryText() const
     return QStringLiteral("Try to connect to: %1:%2").arg(m_sHost, QString::number(m_uiPort));
 }
 
-/// Traces a failure unless its reason equals that of the previous failure, because
-/// attempts fail as long as there is no server.
+/// Traces a failure unless its reason equals that of the previous failure. Otherwise
+/// every attempt would write a trace as long as there is no server.
 void TcpServerConnector::traceFailure(const QString& a_sReason)
 {
     if (m_sReason == a_sReason) {

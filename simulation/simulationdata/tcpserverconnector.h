@@ -18,17 +18,17 @@ namespace Simulation {
 ///
 /// A series of attempts begins with three attempts without a pause. The fourth waits
 /// 50 ms, and each further attempt waits twice as long as the previous one, at most
-/// 2 s. A connection that lasted 2 s ends the series, so the attempts after its loss
-/// start immediately. A shorter connection counts as a failed attempt, so that a
-/// port that accepts and closes does not keep a processor busy. connectToServer()
-/// also starts a series, but not in a slot on the connector's own signals: there the
-/// series continues.
+/// 2 s. A connection that lasted 2 s ends the series, and its loss begins a new series.
+/// A shorter connection counts as a failed attempt, so that a port that accepts and
+/// closes does not keep a processor busy. connectToServer() also begins a new series,
+/// except in a slot connected to the connector's own signals: there the series continues.
 ///
 /// The first failure of a series is traced. A later failure is traced only when its
 /// reason differs from that of the previous failure.
 ///
-/// Used on the thread of its event loop. It may be deleted in a slot on its own
-/// signals. A new connector does nothing until connectToServer().
+/// The connector is used on its own thread, which runs an event loop. A slot connected
+/// to the connector's own signals may delete it. A new connector does nothing until
+/// connectToServer().
 class SIMULATIONDATA_EXPORT TcpServerConnector : public QObject
 {
     Q_OBJECT
@@ -57,8 +57,8 @@ Q_SIGNALS:
 public Q_SLOTS:
     /// Starts an attempt from the event loop, without the pause of the series. Has
     /// no effect while the socket is connected or connecting. Also has no effect in
-    /// a slot on the connector's own signals, because the series continues by
-    /// itself.
+    /// a slot connected to the connector's own signals, because the series continues
+    /// by itself.
     ///
     /// When no process listens on a local port, an attempt can connect the socket
     /// with itself. This counts as a failed attempt.
@@ -85,7 +85,7 @@ private:
     QTimer m_start;                  ///< pause before the next attempt
     QElapsedTimer m_connection;      ///< time since connectedToServer()
     int m_iFailures = 0;             ///< failed attempts of the series
-    QString m_sReason;               ///< reason of the failure traced last; null at the start of a series
+    QString m_sReason;               ///< reason traced last; null in a new series and after connecting
     bool m_bAnnounced = false;       ///< whether connectedToServer() was the last signal
     bool m_bEmitting = false;        ///< whether this object is emitting a signal
 };

@@ -22,10 +22,10 @@ struct TPos
 /// latitude lies outside [-90, 90].
 [[nodiscard]] SIMULATIONDATA_EXPORT double distance(const TPos& a_from, const TPos& a_to);
 
-/// The end of a geodesic. It starts at `a_start` in the direction `a_dAzimuth`
-/// (degrees clockwise from north) and is `a_dDistance` kilometres long. The
-/// longitude is in [-180, 180]. Both coordinates are NaN when the latitude of the
-/// start lies outside [-90, 90] or an argument is not finite.
+/// The end of a geodesic. The geodesic starts at `a_start` in the direction
+/// `a_dAzimuth` (degrees clockwise from north) and is `a_dDistance` kilometres long.
+/// The longitude of the end is in [-180, 180]. Both coordinates are NaN when the
+/// latitude of the start lies outside [-90, 90] or an argument is not finite.
 [[nodiscard]] SIMULATIONDATA_EXPORT TPos position(const TPos& a_start, double a_dAzimuth, double a_dDistance);
 
 } // namespace Simulation

@@ -7,8 +7,9 @@
 
 namespace Simulation {
 
-/// The transmitter and antenna of one emitter. A plain value. The numbers are stored
-/// and sent unchanged; the simulation service defines their units.
+/// The transmitter and antenna of one emitter. A plain value. All numbers except the
+/// antenna direction are stored and sent unchanged. The simulation service defines
+/// their units.
 class SIMULATIONDATA_EXPORT TransmitterSettings
 {
 public:
@@ -26,8 +27,8 @@ public:
 
     /// Degrees, as stored by setAntennaDirection().
     [[nodiscard]] float getAntennaDirection() const { return m_fAntennaDirection; }
-    /// Reduces values from 360 up by whole turns, in single precision. Stores
-    /// smaller values unchanged, also negative ones.
+    /// Stores a direction in degrees. Values from 360 up are reduced by whole turns,
+    /// in single precision. Smaller values, also negative ones, are stored unchanged.
     void setAntennaDirection(float a_fDirection);
 
 private:

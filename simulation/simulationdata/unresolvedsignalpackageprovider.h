@@ -11,10 +11,10 @@
 
 namespace Simulation {
 
-/// The provider for documents that are loaded without a repository. It knows no id
-/// and has neither a default package nor data files. It keeps one package per
-/// requested id, so that the ids of a document survive loading and saving. May be
-/// used by one thread at a time.
+/// The provider for documents that are loaded without a repository. For this provider
+/// no id is valid, and there are neither a default package nor data files. The provider
+/// keeps one package per requested id, so that saving a loaded document writes the same
+/// ids. May be used by one thread at a time.
 class SIMULATIONDATA_EXPORT UnresolvedSignalPackageProvider : public ISignalPackageProvider
 {
 public:
@@ -25,7 +25,7 @@ public:
     /// package for the same id, and null for an empty id.
     std::shared_ptr<SignalPackage> signalPackage(const QString& a_sId) override;
 
-    /// Always null. There are no data files, either.
+    /// Always null: this provider has neither a default package nor data files.
     std::shared_ptr<SignalPackage> defaultSignalPackage() override;
     SignalShapeFile* signalShapeFile(std::shared_ptr<SignalPackage> a_pPackage) override;
     AudioFile* audioFile(std::shared_ptr<SignalPackage> a_pPackage) override;

@@ -12,9 +12,10 @@ namespace Simulation {
 namespace {
 
 constexpr std::int32_t s_iNoTimer = -1;
-constexpr std::int32_t s_iTick = 100;                                            ///< ms
-constexpr std::uint32_t s_uiSecond = 1000;                                       ///< ms
-constexpr std::uint32_t s_uiForEver = std::numeric_limits<std::uint32_t>::max(); ///< no limit; saturates here
+constexpr std::int32_t s_iTick = 100;      ///< ms
+constexpr std::uint32_t s_uiSecond = 1000; ///< ms
+/// A time-out (ms) that never expires. The elapsed time stops growing at this value.
+constexpr std::uint32_t s_uiForEver = std::numeric_limits<std::uint32_t>::max();
 
 std::uint32_t milliseconds(unsigned int a_uiSeconds)
 {
@@ -35,9 +36,9 @@ WaitDisplayWidget::WaitDisplayWidget(QWidget* a_pParent)
     flags &= ~(Qt::WindowCloseButtonHint | Qt::WindowContextHelpButtonHint);
     flags |= Qt::CustomizeWindowHint | Qt::WindowSystemMenuHint;
     setWindowFlags(flags);
-    // QDialog uses the object after rejected(), so a receiver of rejected() must not
-    // delete the dialog. QDialog emits finished() later in the same call and does not
-    // use the object after it.
+    // canceled() is emitted on finished(), not on rejected(), so that its receivers may
+    // delete the dialog. QDialog still uses the object after rejected(). It emits
+    // finished() later in the same call and does not use the object after that.
     connect(this, &QDialog::finished, this, [this](int a_iResult) {
         if (a_iResult == Rejected) {
             Q_EMIT canceled();

@@ -15,12 +15,12 @@ namespace Ui {
 class WaitDisplayWidget;
 }
 
-/// A small modal dialog for waiting. It shows a message, a progress bar without an
-/// end and, optionally, a cancel button. It has a time-out and its own timer, which
-/// runs while it is open.
+/// A small modal dialog for waiting. The dialog shows a message, a progress bar that
+/// restarts at its end and, optionally, a cancel button. The dialog has a time-out. Its
+/// timer runs while the dialog is open.
 ///
-/// The cancel button is not connected. If a click shall cancel, the application
-/// connects clicked() of the child "cancelButton" to reject().
+/// The cancel button is not connected. To let a click cancel the dialog, the
+/// application connects clicked() of the child "cancelButton" to reject().
 ///
 /// The receivers of canceled(), timeout() and QDialog's finished(int) may delete the
 /// dialog. The receivers of accepted() and rejected() must not, because QDialog uses
@@ -44,8 +44,8 @@ public:
     /// Ends the waiting successfully: accepts the dialog.
     void close();
 
-    /// Hides the dialog and stops the timer. doContinue() continues with the elapsed
-    /// time.
+    /// pause() hides the dialog and stops the timer. doContinue() shows the dialog
+    /// again, and the timer continues from the elapsed time.
     void pause();
     void doContinue();
 
@@ -61,7 +61,7 @@ Q_SIGNALS:
     void finished();
 
 public Q_SLOTS:
-    /// Rejects the dialog. Ignored while the dialog shows no cancel box.
+    /// Rejects the dialog. Has no effect while the cancel button is not visible.
     void reject() override;
 
     /// Ends the dialog with any result and stops its timer, so that a cancelled
@@ -72,7 +72,8 @@ protected:
     void timerEvent(QTimerEvent* a_pEvent) override;
 
 private:
-    /// Opens the dialog without a message. Not for callers of this class.
+    /// Opens the dialog without setting its message or starting its timer. Private,
+    /// because callers use the other open().
     void open() override;
 
     void startCounting();

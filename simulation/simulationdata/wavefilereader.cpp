@@ -21,7 +21,7 @@ constexpr const char* s_szSource = "simulation/simulationdata/wavefilereader";
 constexpr std::uint16_t s_uiBits8 = 8;
 constexpr std::uint16_t s_uiBits16 = 16;
 constexpr std::uint16_t s_uiBitsFloat = 32;
-constexpr int s_iSilence8 = 128;       // the middle of 8-bit samples
+constexpr int s_iSilence8 = 128;       // value of silence in 8-bit samples
 constexpr float s_fScale8 = 128.0F;    // full scale of 8-bit samples
 constexpr float s_fScale16 = 32768.0F; // full scale of 16-bit samples
 
@@ -159,8 +159,8 @@ bool WaveFileReader::readSamples(std::uint64_t a_uiStart, std::uint64_t a_uiCoun
     return true;
 }
 
-/// Reads the samples unconverted into the last bytes of the vector. `a_bFits`: the
-/// format of the file suits the type.
+/// Reads the samples unconverted into the last bytes of the vector. `a_bFits` is whether
+/// samples in the file's format can be returned as `Value`.
 template<typename Value>
 bool WaveFileReader::readRange(std::uint64_t a_uiStart, std::uint64_t a_uiCount, bool a_bFits,
                                std::vector<Value>& a_samples)
@@ -190,8 +190,8 @@ bool WaveFileReader::readRange(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
     return false;
 }
 
-/// Finds the bytes of a range; false with a reason when the file does not have
-/// them. `a_uiValueBytes` is the size of one value of the result.
+/// Finds the bytes of a range in the file. False with a reason when the range cannot be
+/// read. `a_uiValueBytes` is the size of one value of the result.
 bool WaveFileReader::findRange(std::uint64_t a_uiStart, std::uint64_t a_uiCount, std::uint64_t a_uiValueBytes,
                                Range* a_pRange, QString* a_pReason) const
 {

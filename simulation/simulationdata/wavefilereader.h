@@ -45,10 +45,10 @@ public:
     WaveFileReader& operator=(const WaveFileReader&) = delete;
     ~WaveFileReader();
 
-    /// Reads everything except the samples. An open file is closed first. Returns
-    /// false after one trace; the reader is then closed, and errorString() has the
-    /// error text. A data chunk that ends after the end of the file is truncated
-    /// there, see missingBytes().
+    /// Reads everything except the samples. An open file is closed first. On failure
+    /// writes one trace and returns false. The reader is then closed, and
+    /// errorString() has the error text. A data chunk that ends after the end of the
+    /// file is truncated there, see missingBytes().
     [[nodiscard]] bool open();
     void close();
     [[nodiscard]] bool isOpen() const;
@@ -80,13 +80,13 @@ public:
     [[nodiscard]] bool readSamples(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
                                    std::vector<std::int16_t>& a_samples);
 
-    /// The same for 8-bit PCM, in which 128 is silence.
+    /// Works like the first overload, but reads 8-bit PCM. The value 128 is silence.
     [[nodiscard]] bool readSamples(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
                                    std::vector<std::uint8_t>& a_samples);
 
-    /// The same for 32-bit floating-point samples. These are returned unchanged,
-    /// also infinite ones and NaN. 16-bit and 8-bit PCM samples are also read and
-    /// scaled to [-1, 1): sample / 32768 and (sample - 128) / 128.
+    /// Works like the first overload, but returns floats. 32-bit floating-point
+    /// samples are returned unchanged, also infinite ones and NaN. 16-bit and 8-bit
+    /// PCM samples are scaled to [-1, 1): sample / 32768 and (sample - 128) / 128.
     [[nodiscard]] bool readSamples(std::uint64_t a_uiStart, std::uint64_t a_uiCount,
                                    std::vector<float>& a_samples);
 

@@ -65,7 +65,7 @@ QString errorText(QByteArrayView a_text, QByteArrayView* a_pRoot)
     const bool bValid = validator.validate();
     if (!bValid || !validator.isPlain()) {
         // An exceeded limit is reported before any other error, and only the scanner
-        // knows the limits of document types.
+        // checks the limits of document types.
         XmlScanner scanner;
         scanner.feed(a_text);
         if (scanner.hasError()) {
@@ -80,7 +80,8 @@ QString errorText(QByteArrayView a_text, QByteArrayView* a_pRoot)
     return {};
 }
 
-/// Null with the error text when the parser refuses the bytes of a root element.
+/// Parses the bytes of a root element. Null with the error text when the parser refuses
+/// the bytes.
 std::shared_ptr<pugi::xml_document> loadRoot(QByteArrayView a_root, QString* a_pError)
 {
     auto pDocument = std::make_shared<pugi::xml_document>();
@@ -93,7 +94,8 @@ std::shared_ptr<pugi::xml_document> loadRoot(QByteArrayView a_root, QString* a_p
     return pDocument;
 }
 
-/// Null with the error text when the bytes are refused.
+/// Decodes, checks and parses a document. Null with the error text when the bytes are
+/// refused.
 std::shared_ptr<pugi::xml_document> load(const QByteArray& a_bytes, QString* a_pError)
 {
     if (!checkDocumentBytes(a_bytes.size(), a_pError)) {
@@ -109,7 +111,8 @@ std::shared_ptr<pugi::xml_document> load(const QByteArray& a_bytes, QString* a_p
     if (!a_pError->isEmpty()) {
         return nullptr;
     }
-    // The parser gets the root element only: what surrounds it is checked already.
+    // The parser gets only the root element: the rest of the document is checked
+    // already.
     return loadRoot(root, a_pError);
 }
 
@@ -198,7 +201,7 @@ void XmlElement::setChildUtf8(const QString& a_sName, const QByteArray& a_text)
 
 QString XmlElement::attribute(const QString& a_sName) const
 {
-    // The comparison would end at a NUL inside the name.
+    // Only XML names are compared: in other names the comparison would end at a NUL.
     const QByteArray name = a_sName.toUtf8();
     const pugi::xml_attribute attribute =
         isXmlName(name) ? pugi::xml_node(m_pNode).attribute(name.constData()) : pugi::xml_attribute();

@@ -33,8 +33,8 @@ public:
 
     /// Returns the root element of a document. A text that is not well formed or
     /// exceeds a limit (see Limits) is refused. The result is then null, and
-    /// `*a_pError` (may be null) is the error text, with line and column where
-    /// known. The encoding is that of the byte-order mark, else the declared one,
+    /// `*a_pError` is the error text, with line and column where known. `a_pError`
+    /// may be null. The encoding is that of the byte-order mark, else the declared one,
     /// else UTF-8. A document type is skipped, and entities that it declares are
     /// unknown.
     [[nodiscard]] static XmlElement parse(const QByteArray& a_bytes, QString* a_pError = nullptr);
@@ -54,7 +54,7 @@ public:
     /// child, and empty but not null when the child has no text.
     [[nodiscard]] QString childText(const QString& a_sName = QString()) const;
 
-    /// Returns the same text as UTF-8, which saves memory with large texts.
+    /// Works like childText(), but returns UTF-8. Large texts then take less memory.
     [[nodiscard]] QByteArray childUtf8(const QString& a_sName = QString()) const;
 
     /// Returns the child text as a decimal number. When it is not a number or does
@@ -65,13 +65,13 @@ public:
     /// other text gives false and sets `*a_pOk` to false.
     [[nodiscard]] bool childBool(const QString& a_sName, bool* a_pOk = nullptr) const;
 
-    /// Appends a child element with that text. A child with that name that already
-    /// exists is not changed, and the value is dropped. This is deliberate: messages
-    /// are written once and never edited. Characters that XML forbids are left out.
+    /// Appends a child element with that text. Has no effect when a child with that
+    /// name already exists, because messages are written once and never edited.
+    /// Characters that XML forbids are left out.
     void setChildText(const QString& a_sName, const QString& a_sValue);
 
-    /// The same with a UTF-8 text, which saves memory with large texts of plain
-    /// ASCII.
+    /// Works like setChildText(), but takes UTF-8. Large texts of plain ASCII then
+    /// take less memory.
     void setChildUtf8(const QString& a_sName, const QByteArray& a_text);
 
     /// The value of the attribute; null when there is no such attribute.
@@ -101,7 +101,7 @@ public:
     /// indented by four blanks. Attributes are in the order in which they were set.
     /// An element with only text is on one line, and a line feed ends the document.
     /// White space between elements is dropped, unless there is other text beside
-    /// it. Empty for a null object.
+    /// the elements. Empty for a null object.
     [[nodiscard]] QByteArray toByteArray() const;
 
 private:

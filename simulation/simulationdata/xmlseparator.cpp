@@ -18,12 +18,12 @@ namespace {
 constexpr const char* s_szSource = "simulation/simulationdata/xmlseparator";
 
 constexpr qsizetype s_iLengthBytes = 4;
-/// The size of a socket's read buffer, and so the most bytes that are split before
-/// other events are handled. Queued documents may take much more memory: the shortest
-/// ones about 60 times their size.
+/// The size of a socket's read buffer (bytes). No more bytes are split before other
+/// events are handled. Queued documents may take much more memory: the shortest
+/// documents about 60 times their size.
 constexpr qint64 s_iSocketBytes = 65'536;
 
-/// Whether both share the same bytes in memory.
+/// Whether both arrays share the same bytes in memory.
 bool isSame(const QByteArray& a_one, const QByteArray& a_other)
 {
     return a_one.constData() == a_other.constData() && a_one.size() == a_other.size();
@@ -124,8 +124,8 @@ void XmlSeparator::connectDevice()
     }
 }
 
-/// Schedules a read of bytes that the device already holds. The device emits no
-/// readyRead() for them any more.
+/// Schedules a read of bytes that the device already holds. The device emits no further
+/// readyRead() for these bytes.
 void XmlSeparator::scheduleRead()
 {
     m_readTimer.start(0, this);
@@ -137,8 +137,9 @@ void XmlSeparator::readNewData()
         reportError();
         return;
     }
-    // Frames are taken one at a time. If more bytes were read before each frame, a peer
-    // that sends short frames could fill the memory with the rest.
+    // Frames are taken one at a time, and the device is read only when the buffer does
+    // not contain a whole frame. Otherwise a peer that sends short frames could fill the
+    // memory with bytes that are not split yet.
     if (!isFramed() || m_buffer.size() < s_iLengthBytes || m_buffer.size() < frameBytes()) {
         takeUp();
     }
@@ -203,7 +204,8 @@ void XmlSeparator::takeDocuments()
 /// Receivers may have deleted the object when the function returns.
 void XmlSeparator::deliver(const QByteArray& a_document)
 {
-    // An event loop inside a slot delivers the next document inside this delivery.
+    // When a slot runs its own event loop, the next document is delivered inside this
+    // delivery.
     const QByteArray outer = std::exchange(m_delivered, {});
     if (!m_plain.empty() && isSame(m_plain.front(), a_document)) {
         m_delivered = std::move(m_plain.front());
@@ -268,8 +270,8 @@ void XmlSeparator::timerEvent(QTimerEvent* a_pEvent)
     readNewData();
 }
 
-/// False after an error. A payload that is not compressed is returned unchanged;
-/// from then on compression is off in both directions.
+/// Uncompresses the payload in place. False after an error. A payload that is not
+/// compressed stays unchanged; from then on compression is off in both directions.
 bool XmlSeparator::uncompress(QByteArray* a_pPayload)
 {
     QString sReason;
@@ -334,8 +336,8 @@ bool XmlSeparator::sendXml(const QByteArray& Xml) // NOLINT(readability-identifi
 
 // Errors
 
-/// Reports the error; always false. Receivers may have deleted the object when the
-/// function returns, and they trace the error.
+/// Reports the error; always false. The receivers trace the error. They may have deleted
+/// the object when the function returns.
 bool XmlSeparator::fail(QString a_sError)
 {
     m_buffer.clear(); // the rest of the stream cannot be read

@@ -17,14 +17,14 @@
 /// documents to it.
 ///
 /// The device is not owned and may be deleted first. The object is used on the thread
-/// of the device. Documents are delivered from its event loop, so a receiver may call
-/// any method or delete the object with deleteLater(). Time is linear in the bytes,
-/// whatever the pieces in which they are received.
+/// of the device. Documents are delivered from the thread's event loop, so a receiver
+/// may call any method or delete the object with deleteLater(). Time is linear in the
+/// bytes, whatever the pieces in which they are received.
 ///
-/// The peer is not trusted. Limits bound the memory that the peer can fill: a document,
-/// a frame and its content, and bytes that wait to be written. The read buffer of a
-/// socket, when it is unlimited, is limited to 64 KiB while the separator uses the
-/// socket, so that a peer that keeps sending during a pause is blocked.
+/// The peer is not trusted. Limits bound the memory that the peer can fill: the size of
+/// a document, of a frame and of its content, and of the bytes that wait to be written.
+/// An unlimited read buffer of a socket is limited to 64 KiB while the separator uses
+/// the socket. A peer that keeps sending during a pause is then blocked.
 ///
 /// A socket whose read buffer is full does not notice that its peer has closed the
 /// connection. After an error, when the separator no longer reads, a full buffer is
@@ -39,8 +39,8 @@ public:
     enum FramingMode : int {
         AutoDetect = 0,                ///< determined once from the first four bytes
         PlainXml = 1,                  ///< documents one after the other
-        LengthPrefixedBigEndian = 2,   ///< each after its length, 4 bytes, most significant first
-        LengthPrefixedLittleEndian = 3 ///< as before, least significant first
+        LengthPrefixedBigEndian = 2,   ///< each document follows its 4-byte length, big-endian
+        LengthPrefixedLittleEndian = 3 ///< each document follows its 4-byte length, little-endian
     };
 
     /// The first overload uses PlainXml. Bytes that the device already holds are read
@@ -54,23 +54,25 @@ public:
     /// delivered.
     void detach();
 
-    /// Null when it was deleted, and after detach().
+    /// The device; null when the device was deleted, and after detach().
     [[nodiscard]] QIODevice* device() const { return m_pDevice.data(); }
 
-    /// Whether documents are sent compressed, in frames only; off by default. An
-    /// incoming frame that is not compressed switches compression off.
+    /// Whether documents are sent compressed; off by default. Only documents in frames
+    /// are ever compressed. An incoming frame that is not compressed switches
+    /// compression off.
     void setCompressOutgoing(bool a_bOn) { m_bCompressOutgoing = a_bOn; }
 
-    /// From 0 (none) to 9 (best); -1, the default, lets zlib choose.
+    /// Compression level from 0 (none) to 9 (best); -1, the default, lets zlib choose.
     void setCompressionLevel(int a_iLevel) { m_iCompressionLevel = a_iLevel; }
     [[nodiscard]] int compressionLevel() const { return m_iCompressionLevel; }
 
     /// The number of held bytes of an incomplete document or frame.
     [[nodiscard]] qint64 unfinishedBytes() const { return m_splitter.bytes() + m_buffer.size(); }
 
-    /// Whether the document, which is the argument of xmlReceived(), is known to be
-    /// plain (see XmlValidator::plainDocumentBytes()). True only while it is being
-    /// delivered, and never for a copy of its bytes.
+    /// Whether the document is known to be plain (see
+    /// XmlValidator::plainDocumentBytes()). `a_document` is the argument of
+    /// xmlReceived(). True only while that document is being delivered, and never for a
+    /// copy of its bytes.
     [[nodiscard]] bool isPlain(const QByteArray& a_document) const;
 
     // The names are part of the meta-object and keep their spelling.
@@ -83,19 +85,20 @@ Q_SIGNALS:
     /// The stream cannot be read any further; the argument is the reader's error text
     /// or the exceeded limit. Reading is paused. Until reset(), resume() reports the
     /// same error again. Up to 64 KiB that are received meanwhile stay in the device
-    /// for reset(); a socket that receives more loses them.
+    /// for reset(). When a socket receives more, these bytes are lost.
     void errorOccured(const QString& sErrorString);
 
     /// Internal: queues a document for xmlReceived().
     void queued_xmlReceived(const QByteArray& Xml);
 
 public Q_SLOTS:
-    /// Writes one document. False when the framing is not known yet, or when the
-    /// device cannot be written to or accepts only a part. Also false, with nothing
-    /// written, when more than Limits::PendingBytes would then wait.
+    /// Writes one document. False when the framing is not known yet, when the document
+    /// is too long for a frame, or when the device cannot be written to or accepts only
+    /// a part. Also false, with nothing written, when more than Limits::PendingBytes
+    /// would then wait to be written.
     bool sendXml(const QByteArray& Xml);
 
-    /// Call resume() or pause().
+    /// These slots resume or pause reading, according to the argument.
     void setEnabled(bool bEnabled);
     void setDisabled(bool bDisabled);
     // NOLINTEND(readability-identifier-naming)
@@ -108,9 +111,9 @@ public Q_SLOTS:
     /// meanwhile.
     void resume();
 
-    /// Drops the error and the bytes that were read but are not yet split into
-    /// documents, and continues with the bytes that the device holds or receives next.
-    /// The framing and the compression stay.
+    /// Drops the error, and the bytes that were read but are not yet split into
+    /// documents. Reading continues with the bytes that the device holds or receives
+    /// next. The framing and the compression do not change.
     void reset();
 
 protected:
@@ -148,7 +151,7 @@ private:
     std::deque<QByteArray> m_plain; ///< the plain ones among the queued documents
     QByteArray m_delivered;         ///< the plain document that is being delivered
     QBasicTimer m_readTimer;        ///< schedules a read from the event loop
-    bool m_bReporting = false;      ///< while errorOccured() is emitted
+    bool m_bReporting = false;      ///< whether errorOccured() is being emitted
     QString m_sError;               ///< empty without an error
 };
 

@@ -15,7 +15,7 @@ namespace Simulation {
 
 namespace {
 
-constexpr qsizetype s_iShownCharacters = 40; ///< of an unexpected root name in an error text
+constexpr qsizetype s_iShownCharacters = 40; ///< characters of a wrong root name in an error text
 
 } // namespace
 

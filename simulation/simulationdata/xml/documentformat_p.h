@@ -15,16 +15,16 @@ namespace Simulation {
 
 class XmlDocumentReader;
 
-/// One kind of document, recognised by its root element, and what all kinds have in
-/// common when they are read and written. An operation that fails returns false or
-/// no value, writes one trace and sets `*a_pError` to the error text: "line 3,
-/// column 7: reason" when the place is known. An object never changes, so any
-/// thread may use it.
+/// One kind of document, recognised by its root element. The class contains the steps of
+/// reading and writing that all kinds have in common. An operation that fails returns
+/// false or no value, writes one trace and sets `*a_pError` to the error text: "line 3,
+/// column 7: reason" when the place is known. An object never changes, so any thread may
+/// use it.
 class DocumentKind
 {
 public:
-    /// Whether the text written so far is still within Limits::DocumentBytes, so
-    /// that it can be read back; false after one trace.
+    /// Returns whether the text written so far is still within Limits::DocumentBytes,
+    /// so that it can be read back. Otherwise writes one trace and returns false.
     using StillReadable = std::function<bool()>;
 
     /// `a_szSource` and `a_sName` ("Scenario") are shown in traces; `a_sRoot` is
@@ -36,37 +36,41 @@ public:
     [[nodiscard]] std::optional<QByteArray> load(const QString& a_sFile, QString* a_pError) const;
     [[nodiscard]] std::optional<QByteArray> load(QIODevice* a_pDevice, QString* a_pError) const;
 
-    /// Calls `a_readRoot` with the reader on the start of the root element, after
-    /// checking that element's name. `a_readRoot` returns the error that kept it
-    /// from reading everything, or an empty string.
+    /// Checks the name of the root element and calls `a_readRoot` with the reader on
+    /// the start of that element. `a_readRoot` returns the error that stopped its
+    /// reading, or an empty string.
     ///
-    /// False, without the call, when there is no such root element. True otherwise,
-    /// even when the document broke off: then the error text is set after one
-    /// trace. It is empty when the whole document was read.
+    /// Returns false, without calling `a_readRoot`, when there is no root element of
+    /// that name. Returns true otherwise, even when the document breaks off. The error
+    /// text is then set, after one trace. When the whole document was read, the error
+    /// text is empty.
     [[nodiscard]] bool read(const QByteArray& a_xml, QString* a_pError,
                             const std::function<QString(QXmlStreamReader&)>& a_readRoot) const;
 
-    /// Sets the error text, and returns false.
+    /// Writes one trace, sets the error text and returns false.
     bool refuse(const QString& a_sReason, QString* a_pError) const;
 
-    /// The document, in which `a_writeRoot` writes the content of the root element.
+    /// Returns the document. `a_writeRoot` writes the content of the root element.
     /// Between objects `a_writeRoot` calls its second argument to check whether the
-    /// text is still short enough, and returns false to give up. Empty, after one
-    /// trace, when the text exceeds Limits::DocumentBytes.
+    /// text is still short enough, and returns false when the text is too long. The
+    /// document is empty, after one trace, when the text exceeds
+    /// Limits::DocumentBytes.
     [[nodiscard]] QByteArray
     text(const std::function<bool(QXmlStreamWriter&, const StillReadable&)>& a_writeRoot) const;
 
-    /// Returns the document unchanged and sets the error text of writing it. For an
-    /// empty document this is the exceeded limit, else `a_sSharedIds`. `a_sSharedIds`
-    /// lists the ids that several objects share and is traced unless it is empty.
+    /// Returns the document unchanged and sets the error text of writing. For an empty
+    /// document the error text is the exceeded limit, else `a_sSharedIds`.
+    /// `a_sSharedIds` lists the ids that several objects share. It is traced unless it
+    /// is empty.
     [[nodiscard]] QByteArray finished(const QByteArray& a_xml, const QString& a_sSharedIds,
                                       QString* a_pError) const;
 
     /// Writes the bytes to the device. A failure is traced and sets the error text;
-    /// success leaves it unchanged.
+    /// success leaves the error text unchanged.
     void write(QIODevice* a_pDevice, const QByteArray& a_xml, QString* a_pError) const;
 
-    /// Whether a document of that size can be read back; false after one trace.
+    /// Whether a document of that size can be read back. Writes one trace when it
+    /// cannot.
     [[nodiscard]] bool isReadable(qint64 a_iBytes) const;
 
 private:
@@ -77,9 +81,9 @@ private:
     QString m_sRoot;
 };
 
-/// Reads what follows the root element. Returns the error that kept the document from
-/// being read whole; empty when there is none. An error of the XML text takes
-/// precedence over `a_sReadError`, the error of the content that was read.
+/// Reads the text after the root element. Returns the error because of which the
+/// document is not read whole; empty when there is none. An error of the XML text takes
+/// precedence over `a_sError`, the error of the content that was read.
 [[nodiscard]] QString errorOf(XmlDocumentReader& a_document, const QString& a_sError);
 
 } // namespace Simulation

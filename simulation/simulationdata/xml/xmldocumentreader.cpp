@@ -12,8 +12,9 @@ XmlDocumentReader::XmlDocumentReader(const QString& a_sText)
 
 XmlDocumentReader::XmlDocumentReader(const QByteArray& a_data)
 {
-    // Our names have no prefixes. Resolving a prefix takes time in proportion to
-    // the number of namespace declarations, which the document chooses.
+    // Names in our documents have no prefixes. Resolving a prefix takes time in
+    // proportion to the number of namespace declarations. A hostile document could
+    // contain many of them.
     m_stream.setNamespaceProcessing(false);
 
     if (!checkDocumentBytes(a_data.size(), &m_sError)) {
@@ -41,7 +42,7 @@ void XmlDocumentReader::readToEnd()
 QString XmlDocumentReader::errorString() const
 {
     if (!m_stream.hasError()) {
-        // The cut-off text may have followed the root element.
+        // The text may have been cut off after the root element.
         return m_stream.atEnd() ? m_sError : QString();
     }
     const bool bCutShort = m_stream.error() == QXmlStreamReader::PrematureEndOfDocumentError;

@@ -9,7 +9,7 @@ namespace Simulation {
 
 /// A stream reader over one whole document from an untrusted source. The text is
 /// decoded and checked against the limits first. A text that exceeds a limit is cut off
-/// there, as if the document ended. One object is used by one thread at a time.
+/// at that place, as if the document ended. One object is used by one thread at a time.
 class XmlDocumentReader
 {
 public:
@@ -20,7 +20,7 @@ public:
 
     [[nodiscard]] QXmlStreamReader& stream() { return m_stream; }
 
-    /// Reads what follows the root element, where only comments and processing
+    /// Reads the text after the root element, where only comments and processing
     /// instructions are allowed.
     void readToEnd();
 

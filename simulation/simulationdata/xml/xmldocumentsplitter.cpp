@@ -14,7 +14,7 @@ namespace Simulation {
 namespace {
 
 /// The size of a piece for the reader (bytes). The reader first decodes the whole
-/// piece, which is fastest while the result fits the processor's cache.
+/// piece. Decoding is fastest while the result fits the processor's cache.
 constexpr std::int64_t s_iPieceBytes = 16'384;
 
 /// The reader returns no token before it has received this number of bytes.
@@ -30,8 +30,8 @@ bool isWide(QByteArrayView a_start)
 }
 
 /// The number of bytes at the end that cannot be interpreted without the next byte.
-/// They are the start of a UTF-8 character, or brackets that may belong to "]]>", which
-/// the reader recognises only as a whole.
+/// These bytes are the start of a UTF-8 character, or brackets that may belong to "]]>".
+/// The reader recognises "]]>" only as a whole.
 qsizetype unfinishedBytes(QByteArrayView a_bytes)
 {
     // Lead bytes from leads[i] on belong to characters that are longer than i bytes.
@@ -102,7 +102,7 @@ std::optional<QByteArray> XmlDocumentSplitter::takeDocument()
 /// long.
 qsizetype XmlDocumentSplitter::plainDocumentBytes()
 {
-    if (!m_sError.isEmpty() || m_scanner.bytes() > 0) { // the scanner may have begun with it
+    if (!m_sError.isEmpty() || m_scanner.bytes() > 0) { // the scanner has begun with the document
         return 0;
     }
     skipBlanks();
@@ -157,14 +157,14 @@ bool XmlDocumentSplitter::parse(qsizetype a_iBytes)
     m_document.append(piece);
     const qsizetype iReference = piece.lastIndexOf('&');
     const qsizetype iReferenceEnd = piece.lastIndexOf(';');
-    if (iReference != iReferenceEnd) { // correct in text; other places do not matter
+    if (iReference != iReferenceEnd) { // correct in text, and the flag is used only there
         m_bInReference = iReference > iReferenceEnd;
     }
     if (isWide(m_document)) {
         return fail(QStringLiteral("The document is not in UTF-8 or a single-byte encoding."));
     }
-    // The reader decodes a whole piece before it reads any of it. After bytes that it
-    // cannot decode, it waits for more without limit.
+    // The reader decodes a whole piece before it reads the first byte. After bytes that
+    // cannot be decoded, the reader waits for more bytes without limit.
     const qsizetype iDecodable = m_bLatin1 ? piece.size() : utf8Part(piece).size();
     QString sError = readerError(piece.left(iDecodable));
     if (sError.isEmpty() && m_bLatin1 && iDecodable < piece.size()) {
@@ -178,10 +178,10 @@ bool XmlDocumentSplitter::parse(qsizetype a_iBytes)
 
 QString XmlDocumentSplitter::readerError(QByteArray a_piece)
 {
-    // The reader may take a zero byte for the end of the received bytes. The byte is
+    // The reader may mistake a zero byte for the end of the received bytes. The byte is
     // replaced by another forbidden character, which the reader refuses everywhere.
     m_reader->addData(a_piece.replace('\0', '\x01'));
-    do { // an earlier lack of bytes is still set as an error
+    do { // once at least: an earlier lack of bytes is still set as an error
         m_reader->readNext();
         if (m_reader->isStartDocument() && !adoptEncoding(m_reader->documentEncoding())) {
             return QStringLiteral("Encoding %1 is unsupported in a stream of documents.")
@@ -217,13 +217,14 @@ void XmlDocumentSplitter::startDocument()
     m_bDeclared = false;
     m_bLatin1 = false;
     m_bInReference = false;
-    // Our names have no prefixes. Resolving a prefix takes time in proportion to
-    // the number of namespace declarations, which the peer chooses.
+    // Names in our documents have no prefixes. Resolving a prefix takes time in
+    // proportion to the number of namespace declarations. A hostile peer could send many
+    // of them.
     m_reader->setNamespaceProcessing(false);
 }
 
-/// Sets the error; always false. The bytes read are dropped, so that a peer cannot
-/// make us keep them.
+/// Sets the error; always false. The received bytes are dropped, so that a peer cannot
+/// fill the memory with them.
 bool XmlDocumentSplitter::fail(QString a_sError)
 {
     clear();

@@ -20,8 +20,8 @@ namespace Simulation {
 /// them. A document ends with the tag that closes its outermost element. A scanner
 /// finds that tag first, so that a stream reader can be given many tags at once but
 /// none of the next document. The reader checks whether a document is well formed.
-/// A short plain document that has arrived whole needs neither: it is recognised and
-/// checked at once.
+/// A short plain document that has arrived whole needs neither scanner nor reader: a
+/// validator recognises and checks it in one step.
 ///
 /// The documents and the error do not depend on the pieces in which the bytes are
 /// received, and the time is linear in the bytes. Documents are UTF-8, with or
@@ -41,10 +41,10 @@ public:
     [[nodiscard]] std::optional<QByteArray> takeDocument();
 
     /// Whether the document that takeDocument() returned last is plain (see
-    /// XmlValidator::plainDocumentBytes()). A long one never counts as plain.
+    /// XmlValidator::plainDocumentBytes()). A long document never counts as plain.
     [[nodiscard]] bool isPlain() const { return m_bPlain; }
 
-    /// Bytes held of the current, incomplete document.
+    /// Number of stored bytes of the current, incomplete document.
     [[nodiscard]] qsizetype bytes() const { return m_document.size() + m_buffer.size(); }
 
     /// The error of the stream reader or the exceeded limit; empty without an error.
@@ -69,7 +69,7 @@ private:
     ReceiveBuffer m_buffer;      ///< bytes not yet passed to the reader
     QByteArray m_document;       ///< bytes of the current document taken from m_buffer
     bool m_bDeclared = false;    ///< the current document declares its encoding
-    bool m_bLatin1 = false;      ///< it declares Latin-1
+    bool m_bLatin1 = false;      ///< the current document declares Latin-1
     bool m_bInReference = false; ///< the reader may be inside an unfinished reference
     bool m_bPlain = false;       ///< the document returned last is plain
     QString m_sError;

@@ -19,7 +19,7 @@ constexpr int s_iLongestCharacter = 4;
 struct DeclaredEncoding
 {
     qsizetype offset = 0; ///< of the word "encoding"
-    qsizetype length = 0; ///< up to and including the closing quote; 0 when there is none
+    qsizetype length = 0; ///< up to and including the closing quote; 0 without this attribute
     QByteArray name;
 };
 
@@ -31,7 +31,8 @@ qsizetype skipBlanks(QByteArrayView a_bytes, qsizetype a_iFrom)
     return a_iFrom;
 }
 
-/// Reads the declaration loosely: the parser reports what is invalid in it.
+/// Reads the encoding from the XML declaration at the start. Does not check the
+/// declaration, because the parser reports errors in it.
 DeclaredEncoding declaredEncoding(QByteArrayView a_bytes)
 {
     constexpr QByteArrayView opening("<?xml");
@@ -80,8 +81,8 @@ bool is(const QByteArray& a_name, QByteArrayView a_expected)
     return a_name.compare(a_expected, Qt::CaseInsensitive) == 0;
 }
 
-/// Returns the bytes before an invalid one. The error text contains the place of that
-/// byte.
+/// Returns the bytes before the invalid byte at `a_iOffset`. Sets the error text, which
+/// contains the place of that byte.
 QByteArray cutAt(const QByteArray& a_bytes, qsizetype a_iOffset, const QString& a_sReason, QString* a_pError)
 {
     *a_pError = xmlErrorText(advanced({}, QByteArrayView(a_bytes).first(a_iOffset)), a_sReason);
@@ -202,8 +203,9 @@ struct Range
     char32_t last;
 };
 
-/// The characters beyond ASCII that may begin a name, and those that may also
-/// follow: Extensible Markup Language 1.0, fifth edition, productions 4 and 4a.
+/// The characters beyond ASCII that may begin a name, and further ones that may only
+/// follow the first character: Extensible Markup Language 1.0, fifth edition,
+/// productions 4 and 4a.
 constexpr std::array<Range, 12> s_nameStarts{{{0xC0, 0xD6},
                                               {0xD8, 0xF6},
                                               {0xF8, 0x2FF},

@@ -33,9 +33,9 @@ struct Utf8Character
 /// the pattern of zero bytes at its start, else the declared one, else UTF-8.
 ///
 /// A text that is UTF-8 already is returned unchanged, sharing its bytes and
-/// including its mark. Any other text is returned without a mark, and the encoding
-/// in its declaration is replaced by blanks, so that a parser takes it as UTF-8 and
-/// columns do not shift.
+/// including its mark. Any other text is returned without a mark. In both cases a
+/// declared encoding other than UTF-8 is replaced by blanks. A parser then reads the text
+/// as UTF-8, and columns do not shift.
 ///
 /// `*a_pError` is empty on success. Otherwise it is the error text with its place
 /// ("line 3, column 7: ..."), and only the text before the error is returned: none
@@ -45,8 +45,8 @@ struct Utf8Character
 [[nodiscard]] QByteArray toUtf8Xml(const QByteArray& a_bytes, QString* a_pError);
 
 /// The length (bytes) of the XML 1.0 name, colons included, at the start of the
-/// UTF-8 text; 0 when there is none. `a_bFirst`: the first character must be one
-/// that may begin a name.
+/// UTF-8 text; 0 when there is none. `a_bFirst` is whether the first character must be
+/// one that may begin a name.
 [[nodiscard]] qsizetype xmlNameLength(QByteArrayView a_bytes, bool a_bFirst = true);
 
 /// Whether the whole text is one XML 1.0 name.
@@ -60,7 +60,7 @@ struct XmlPosition
     qint64 column = 1;
 };
 
-/// The place after the bytes that follow `a_start`.
+/// The place after `a_bytes` when their first byte is at `a_start`.
 [[nodiscard]] inline XmlPosition advanced(XmlPosition a_start, QByteArrayView a_bytes)
 {
     constexpr int iLeadMask = 0xC0;

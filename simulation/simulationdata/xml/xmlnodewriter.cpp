@@ -9,9 +9,9 @@ namespace {
 constexpr qsizetype s_iIndent = 4; ///< blanks per level
 constexpr const char* s_szBlanks = " \t\r\n";
 
-/// The escaped form of a character, null when it is written unchanged. A reader
-/// turns a bare carriage return into a line feed, and in an attribute value any
-/// line break or tab into a blank, so these are written as character references.
+/// The escaped form of a character, null when it is written unchanged. A reader turns a
+/// bare carriage return into a line feed. In an attribute value it turns any line break
+/// or tab into a blank. Therefore these characters are written as character references.
 const char* escaped(char a_cByte, bool a_bInValue)
 {
     switch (a_cByte) {

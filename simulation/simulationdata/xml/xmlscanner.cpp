@@ -160,7 +160,7 @@ const char* XmlScanner::scan(const char* a_pFrom, const char* a_pEnd)
 
 const char* XmlScanner::scanText(const char* a_pFrom, const char* a_pEnd)
 {
-    // Most tags follow another tag or a few blanks.
+    // Many tags directly follow another tag. These need no search.
     const char* const pOpen = *a_pFrom == '<' ? a_pFrom : find(a_pFrom, a_pEnd, '<');
     if (pOpen == nullptr) {
         return a_pEnd;
@@ -321,8 +321,8 @@ void XmlScanner::offend(Limits::Limit a_eLimit)
     m_error = {m_iOpen, position.line, position.column, a_eLimit, Limits::exceeded(a_eLimit)};
 }
 
-/// Sets the error for a limit that is exceeded at this byte of the construct. A parser
-/// gets all bytes before it, whatever the pieces in which they were fed.
+/// Sets the error for a limit that is exceeded at `a_pByte` of the construct. A parser
+/// gets all bytes before that byte, whatever the pieces in which they were fed.
 void XmlScanner::offendAt(const char* a_pByte, Limits::Limit a_eLimit)
 {
     offend(a_eLimit);

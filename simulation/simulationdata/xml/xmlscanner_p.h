@@ -13,11 +13,11 @@ namespace Simulation {
 
 /// Finds the end of a declaration such as "<!DOCTYPE ... [ ... ]>", whose first
 /// bytes up to and including "<!" are already consumed. A '>' inside quotes,
-/// comments, processing instructions or brackets does not end it.
+/// comments, processing instructions or brackets does not end the declaration.
 class XmlDeclarationEnd
 {
 public:
-    /// `a_bInBrackets`: a '[' was consumed as well.
+    /// `a_bInBrackets` is whether a '[' after "<!" was consumed as well.
     explicit XmlDeclarationEnd(bool a_bInBrackets = false)
         : m_uiBrackets(a_bInBrackets ? 1 : 0)
     {}
@@ -40,11 +40,11 @@ private:
     std::uint64_t m_uiEntities = 0;
 };
 
-/// Finds where an XML text exceeds a limit before a parser reads that tag. The limits
-/// are nesting depth, attributes of one element, bytes and entities of a document type.
-/// In a stream of documents the scanner also finds where a document ends. The bytes of
-/// several document types are added up, because a lenient parser also accepts document
-/// types inside elements and keeps the rules of all.
+/// Finds where an XML text exceeds a limit, before a parser reads that place. The limits
+/// are nesting depth, attributes of one element, and bytes and entities of a document
+/// type. In a stream of documents the scanner also finds where a document ends. The
+/// bytes of several document types are added up, because a lenient parser also accepts
+/// document types inside elements and keeps the rules of all of them.
 ///
 /// The text is fed in pieces of any size, as UTF-8 or any encoding that contains ASCII.
 /// Time is linear in the bytes and memory is constant. The scanner does not check

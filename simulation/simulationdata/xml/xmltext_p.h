@@ -12,8 +12,8 @@ namespace Simulation {
 
 /// The text without the characters that XML 1.0 forbids: control characters except
 /// tab, line feed and carriage return, U+FFFE, U+FFFF and lone surrogates. A
-/// document that contained one could not be read back. A clean text is returned
-/// unchanged.
+/// document that contained such a character could not be read back. A clean text is
+/// returned unchanged.
 [[nodiscard]] QString cleanXmlText(const QString& a_sText);
 
 /// A coordinate (degrees) as text: 14 significant digits, general format, "." as
@@ -21,7 +21,7 @@ namespace Simulation {
 /// 0.
 [[nodiscard]] QString coordinateText(double a_dDegrees);
 
-/// Any other real number as text in the same way: 6 significant digits.
+/// Any other real number as text, like coordinateText() but with 6 significant digits.
 [[nodiscard]] QString numberText(double a_dValue);
 
 /// "true" or "false".
@@ -33,9 +33,9 @@ namespace Simulation {
 [[nodiscard]] std::uint32_t readUInt32(QStringView a_sText);
 [[nodiscard]] std::int64_t readInt64(QStringView a_sText);
 
-/// Write like the operations of QXmlStreamWriter, but clean the text first. A carriage
-/// return in element text is written as a character reference, because a reader turns a
-/// bare one into a line feed.
+/// These functions write like the operations of QXmlStreamWriter, but clean the text
+/// first. A carriage return in element text is written as a character reference, because
+/// a reader turns a bare carriage return into a line feed.
 void writeXmlAttribute(QXmlStreamWriter& a_writer, const QString& a_sName, const QString& a_sValue);
 void writeXmlCharacters(QXmlStreamWriter& a_writer, const QString& a_sText);
 void writeXmlTextElement(QXmlStreamWriter& a_writer, const QString& a_sName, const QString& a_sText);

@@ -147,7 +147,7 @@ bool XmlValidator::declaration()
     if (!attributes() || !skip(s_instructionEnd)) {
         return fail(m_iPos, QStringLiteral("malformed XML declaration"));
     }
-    // The order is fixed; all except the version are optional.
+    // The order of the attributes is fixed; all except "version" are optional.
     auto it = m_names.cbegin();
     for (const QByteArrayView part :
          {QByteArrayView("version"), QByteArrayView("encoding"), QByteArrayView("standalone")}) {
@@ -324,7 +324,7 @@ bool XmlValidator::attribute()
     if (!isAt('"') && !isAt('\'')) {
         return fail(m_iPos, QStringLiteral("the value of attribute \"%1\" has no quotes").arg(shown(key)));
     }
-    if (m_names.size() > m_uiMaxAttributes && m_uiElements > 0) { // not of the XML declaration
+    if (m_names.size() > m_uiMaxAttributes && m_uiElements > 0) { // not in the XML declaration
         return fail(m_iPos, Limits::exceeded(Limits::ElementAttributes));
     }
     const char cQuote = m_bytes[m_iPos++];
@@ -474,7 +474,7 @@ bool XmlValidator::skip(QByteArrayView a_text)
     return bAt;
 }
 
-/// Whether there were blanks.
+/// Skips blanks. Returns whether there were any.
 bool XmlValidator::skipBlanks()
 {
     const qsizetype iStart = m_iPos;

@@ -10,10 +10,10 @@
 namespace Simulation {
 
 /// Checks whether UTF-8 bytes without a byte-order mark are a well-formed XML document.
-/// The parser of XmlElement also accepts many documents that are not. Linear in the
-/// bytes, not recursive; memory grows only with the depth. Exceeding
-/// Limits::RecordElements, NestingDepth or ElementAttributes is an error, too. One
-/// object checks one document.
+/// The check is needed because the parser of XmlElement also accepts many malformed
+/// documents. Time is linear in the bytes. The check is not recursive, and its memory
+/// grows only with the nesting depth. Exceeding Limits::RecordElements, NestingDepth or
+/// ElementAttributes is an error, too. One object checks one document.
 ///
 /// A document type is skipped: entities that it defines are unknown, and a reference to
 /// one is an error.
@@ -28,8 +28,9 @@ public:
 
     /// The size (bytes) of the plain document at the start of the bytes; 0 when there
     /// is none or its end is missing. Called instead of validate(). A document is plain
-    /// when all parsers read it alike: a well-formed element of tags, text and
-    /// references, whose names are ASCII without colons and not very long.
+    /// when all parsers read it alike. A plain document is a well-formed element that
+    /// contains only tags, text and references. Its names are ASCII, contain no colon
+    /// and have at most 1000 bytes.
     [[nodiscard]] qsizetype plainDocumentBytes();
 
     /// Whether a valid document is plain and has at most blanks around it.
@@ -74,14 +75,14 @@ private:
     QByteArrayView m_bytes;
     qsizetype m_iPos = 0;
     std::vector<QByteArrayView> m_open;  ///< names of the open elements
-    std::vector<QByteArrayView> m_names; ///< attributes of the current tag
-    QByteArrayView m_firstValue;         ///< of the first attribute
+    std::vector<QByteArrayView> m_names; ///< attribute names of the current tag
+    QByteArrayView m_firstValue;         ///< value of the first attribute of the current tag
     QByteArrayView m_root;
     std::uint64_t m_uiElements = 0;
     const std::uint64_t m_uiMaxElements;
     const std::uint64_t m_uiMaxDepth;
     const std::uint64_t m_uiMaxAttributes;
-    bool m_bPlain = true; ///< so far
+    bool m_bPlain = true; ///< whether the bytes read so far are plain
     qsizetype m_iError = 0;
     QString m_sReason;
 };

@@ -15,10 +15,10 @@ namespace Simulation {
 void skipElement(QXmlStreamReader& a_reader);
 
 /// Calls `a_handler` for each child element of the current element, up to that
-/// element's end. The reader is then on the child's start; the argument is the
-/// child's name, valid until the reader moves. The handler either reads the child
-/// to its end and returns true, or does not move the reader and returns false,
-/// which skips the child.
+/// element's end. At each call the reader is on the child's start. The argument is the
+/// child's name, valid until the reader moves. The handler either reads the child to
+/// its end and returns true, or does not move the reader and returns false. In the
+/// second case the child is skipped.
 template<typename Handler>
 void forEachChild(QXmlStreamReader& a_reader, const Handler& a_handler)
 {
@@ -36,9 +36,9 @@ inline void skipChildren(QXmlStreamReader& a_reader)
 }
 
 /// The text of the current element, up to its end. Child elements are skipped, so
-/// that an unexpected one does not make the rest of the document unreadable. No
-/// value when the document breaks off inside: half of a number is a different
-/// number.
+/// that an unexpected child does not make the rest of the document unreadable. No
+/// value when the document breaks off inside the element: half of a number would be
+/// read as a different number.
 [[nodiscard]] std::optional<QString> elementText(QXmlStreamReader& a_reader);
 
 /// One value of a record, stored as a child element with text. An array of these
@@ -51,8 +51,8 @@ struct XmlField
     void (*read)(Record& a_record, QStringView a_sText);
 };
 
-/// Reads the current child element into the field of its name; false, with the
-/// reader unmoved, when there is no such field.
+/// Reads the current child element into the field of its name. Returns false, and does
+/// not move the reader, when there is no such field.
 template<typename Record, typename Fields>
 bool readXmlField(QXmlStreamReader& a_reader, QStringView a_sName, const Fields& a_fields, Record& a_record)
 {
