@@ -188,8 +188,8 @@ void TestConfiguration::changedFile()
     save("[Ports]\nServer=1\n");
     ICfg* pFirst = create();
     ICfg* pFirstPorts = pFirst->openGroup(u8("Ports"));
-    // The file changes at once and keeps its size. Neither its time nor its size shows
-    // the change.
+    // The file changes immediately after it was read, and keeps its size. Neither its time
+    // nor its size shows the change.
     save("[Ports]\nServer=2\n");
     ICfg* pSecond = create();
     QCOMPARE(pSecond->openGroup(u8("Ports"))->readUnsigned(u8("Server"), 0), 2U);

@@ -182,7 +182,7 @@ void TestEmissionSettings::order()
     settings.addEmissions({old, late, late}); // "late" is added twice
     settings.addEmission(fresh);
     QCOMPARE(settings.emissions(), (QList{fresh, old, late, late}));
-    QCOMPARE(settings.emissionAt(120), old); // of emissions with equal starts, the last one
+    QCOMPARE(settings.emissionAt(120), old); // the last of the emissions with equal starts
     late->start = 100;
     settings.updateEmission(settings.emissions().constLast());
     QCOMPARE(settings.emissions(), (QList{late, fresh, old}));
@@ -308,7 +308,9 @@ void TestEmissionSettings::longChains()
     }
     settings.addGroup(next);
     next.reset();
-    settings.clearEmptyGroups(); // removes the innermost group from the list only
+    // Removes the innermost group from the list, but not from the group that holds it,
+    // because that group is not in the list.
+    settings.clearEmptyGroups();
     QCOMPARE(settings.groups().size(), 1);
     settings.clearAll();
 

@@ -405,14 +405,14 @@ void TestPositionSettings::arrivalAndDeparture()
 
     settings.setArivalTime(1, 1000 + 3'600'000); // one degree in one hour
     QCOMPARE(settings.getPoint(1).speed, double(float(s_dEquatorDegree)));
-    // The path from the previous way point is two degrees long. The hour begins at the
-    // departure from the intermediate point.
-    settings.setArivalTime(3, settings.getDepartureTime(2)); // arrives at once
+    // The path from the previous way point is two degrees long. The hour of the second
+    // call begins at the departure from the intermediate point.
+    settings.setArivalTime(3, settings.getDepartureTime(2)); // the last leg takes no time
     QCOMPARE(settings.getArivalTime(3), settings.getDepartureTime(2));
     settings.setArivalTime(3, settings.getDepartureTime(2) + 3'600'000);
     QVERIFY(std::fabs(settings.getPoint(3).speed - 2.0 * s_dEquatorDegree) < 0.001);
 
-    settings.setMovementSpeed(3, -1.0F); // both legs take no time
+    settings.setMovementSpeed(3, -1.0F); // both legs to the way point take no time
     QCOMPARE(settings.getMovementSpeed(3), -1.0F);
     QCOMPARE(settings.getArivalTime(3), settings.getDepartureTime(1));
 }

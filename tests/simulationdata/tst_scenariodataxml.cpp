@@ -501,7 +501,7 @@ void TestScenarioDataXml::numbersAreUnique()
     group->emissions.append(EmissionSettings::createEmission()); // not in the schedule
     group->emissions.removeFirst();
     pSettings->addGroup(group);
-    pSettings->addGroup(group); // has no effect
+    pSettings->addGroup(group); // the list has the group twice, the document once
     pSettings->addGroup(EmissionSettings::createGroup());
     const QString sBefore = schedule(*pSettings);
     ScenarioDataXml document(nullptr);

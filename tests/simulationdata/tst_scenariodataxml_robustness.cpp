@@ -249,7 +249,7 @@ void TestScenarioDataXmlRobustness::brokenOff()
     QVERIFY2(document.errorString().startsWith(error), qPrintable(document.errorString()));
     QCOMPARE(document.getName(), QStringLiteral("N"));
     QCOMPARE(findEmitter(document, "e")->getClass(), QStringLiteral("C"));
-    QVERIFY(findEmitter(document, "e")->isLinked()); // references are resolved nevertheless
+    QVERIFY(findEmitter(document, "e")->isLinked()); // references are resolved despite the error
     QCOMPARE(findEmitter(document, "e")->getFrequencyAt(0), 25e6);
     QCOMPARE(findEmitter(document, "e")->getPositionAt(0).latitude, 0.0);
     QCOMPARE(document.getDescription(), QStringLiteral("D"));

@@ -306,7 +306,8 @@ void TestScenarioObjects::clonedGroups()
         const auto left = loser->emissionSettings()->groups();
         QVERIFY(left.size() == 2 && left[0]->name == u"inner" && left[0]->emissions.size() == 1);
         QVERIFY(left[1]->groups == left && left[1]->emissions.isEmpty());
-        // After the groups were separated, they remain the same objects.
+        // The removal of `gone` gave `loser` its own groups. The next removal changes the
+        // groups of each network and does not copy them again.
         QVERIFY(loser->removeEmitter(stays) && keeper->removeEmitter(stays));
         QVERIFY(left[0]->emissions.isEmpty() && inner->emissions.size() == 1);
         // A destroyed schedule frees a circle of groups only if no other object holds

@@ -162,7 +162,7 @@ void TestSimulationsTableModel::nothingToShow()
     QVERIFY(!model.data(QModelIndex()).isValid());
     QCOMPARE(model.rowCount(kept), 0);
     model.unregisterSimulation(QStringLiteral("a"));
-    QVERIFY(!model.data(kept).isValid()); // its row does not exist any more
+    QVERIFY(!model.data(kept).isValid()); // the row of `kept` does not exist any more
 }
 
 /// Checks the colour for each state from -1 to 4. A peer may send all of these states.

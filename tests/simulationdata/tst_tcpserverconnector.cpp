@@ -94,7 +94,7 @@ void TestTcpServerConnector::address()
     const auto tried = [](const char* a_szAddress) {
         TraceCollector::lines().clear();
         TcpServerConnector connector(QString::fromLatin1(a_szAddress));
-        connector.connectToServer(); // must not start inside the call
+        connector.connectToServer(); // the attempt must not start inside the call
         const bool bAtOnce = connector.socket()->state() != QAbstractSocket::UnconnectedState;
         return bAtOnce ? QString() : TraceCollector::lines().join(u' ').section(u' ', 4, 4);
     };

@@ -184,7 +184,8 @@ void TestConvert::inspectsCompact()
     const QString sFile = write(QStringLiteral("in"), content);
     const ToolResult result = runTool({s_sInspect, sFile});
     QCOMPARE(result.code, code);
-    // Any other file is read as a document. If this fails, one line reports the error.
+    // A file that is not a compact scenario is read as a document. If this fails, one line
+    // reports the error.
     QCOMPARE(result.err.count(u'\n'), code == 2 ? 1 : 0);
     QCOMPARE(result.out.contains(QStringLiteral("Compact")), !lastLine.isEmpty());
     if (lastLine.isEmpty()) {

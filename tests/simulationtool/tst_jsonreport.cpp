@@ -181,7 +181,7 @@ void TestJsonReport::sameCodes_data()
     QTest::newRow("usage") << u"repository init"_s << 2 << false;
 }
 
-/// The option changes neither exit code nor errors.
+/// The option --json changes neither exit code nor errors.
 void TestJsonReport::sameCodes()
 {
     QFETCH(QString, command);

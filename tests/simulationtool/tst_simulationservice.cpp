@@ -42,8 +42,8 @@ QByteArray registration(const QByteArray& a_id, const QString& a_sName = {})
            configuration.toXml().replace('<', "&lt;") + "</SimulationDevice></RegisterSimulation></Command>";
 }
 
-/// Runs the event loop until the condition holds. There is no pause between turns,
-/// because the service reads only a few bytes of a peer in each turn.
+/// Runs the event loop until the condition holds. There is no fixed pause between two
+/// turns, because the service reads only a few bytes of a peer in each turn.
 template<typename Condition>
 bool waitFor(const Condition& a_condition)
 {
@@ -279,7 +279,7 @@ void TestSimulationService::outboxCounts()
             outboxes.back()->append(pCommand);
             QVERIFY(outboxes.back()->bytes() > 1'000'000 && outboxes.back()->bytes() < 1'001'000);
         }
-        QVERIFY(*pTotal > 1'000'000 && *pTotal < 1'100'000); // the bytes are shared
+        QVERIFY(*pTotal > 1'000'000 && *pTotal < 1'100'000); // all outboxes share the bytes
         QCOMPARE(outboxes[0]->take(3'000'000).size(), 2'000'000);
         outboxes[1]->clear();
     }
@@ -346,7 +346,9 @@ void TestSimulationService::controllerIsNotEvicted()
     controller.socket.setReadBufferSize(1);
     controller.socket.write(s_acquire);
     QVERIFY(logged.logs(controller.name() + QStringLiteral("controls")));
-    attacker.socket.write((s_acquire + s_release).repeated(10'000)); // 330 MB of states
+    // With a separate report after each release, the controller would receive 330 MB of
+    // states.
+    attacker.socket.write((s_acquire + s_release).repeated(10'000));
     QVERIFY(attacker.isServed());
     QCOMPARE(logged.lines.filter(QStringLiteral("dropped")), QStringList());
     controller.socket.setReadBufferSize(0);

@@ -309,7 +309,8 @@ ExitCode FileCheck::run()
         InputFile file(sFile);
         progress.setWork(QStringLiteral("checking ") + file.name());
         eCode = worse(eCode, check(file));
-        // An interruption is not reported as an error.
+        // Neither an error text nor the summary is written here: main() ends an interrupted
+        // process by the signal, and reports an error of the output.
         if (isInterrupted() || !m_output.isOk()) {
             return ExitCode::Unusable;
         }

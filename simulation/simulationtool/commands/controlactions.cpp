@@ -59,7 +59,8 @@ ExitCode deploy(ServiceController& a_controller, const OrderArgument& a_argument
 
 ExitCode start(ServiceController& a_controller, const OrderArgument& a_argument, Report& a_report)
 {
-    // Without a given time, continues at the time of a pause, otherwise starts at 0 ms.
+    // Without a given time, a paused scenario continues at the time of its pause. Any other
+    // scenario starts at 0 ms.
     const auto& timing = a_controller.timing();
     const std::uint32_t uiPaused = timing.isPaused() ? timing.scenarioTime() : 0;
     const std::uint32_t uiTime = a_argument.time.value_or(uiPaused);

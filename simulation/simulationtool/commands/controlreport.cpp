@@ -43,7 +43,8 @@ ReportValue stateValue(const ServiceController& a_controller, const QString& a_s
                  : ReportValue(s_sUnknown, QJsonValue::Null);
 }
 
-/// Reports for programs the counts that people read in the last line of the report.
+/// Reports two counts for programs. People read these counts in the last line of the
+/// report.
 void writeCounts(const ServiceController& a_controller, const char* a_szKey, qsizetype a_iCount,
                  Report& a_report)
 {
@@ -98,7 +99,7 @@ QString runText(const ServiceController& a_controller)
         if (timing.isPaused()) {
             return QStringLiteral("paused") + sTime;
         }
-        // The devices may have refused the start or reached the end.
+        // The devices may have refused the start or reached the end of the scenario.
         const auto& states = a_controller.states();
         const bool bPlays = std::any_of(states.cbegin(), states.cend(),
                                         [](const auto& a_state) { return reportsPlay(a_state.message()); });

@@ -53,7 +53,7 @@ void reportStatus(const ServiceController& a_controller, Report& a_report);
 /// The run state for programs: "running", "paused", "stopped", "unknown".
 [[nodiscard]] QString runKind(const ServiceController& a_controller);
 /// The run state for people: "running at 5000 ms", "paused at 5000 ms", "not running"
-/// or "unknown". A remark follows when no device reports that it plays.
+/// or "unknown". A remark follows "running" when no device reports that it plays.
 [[nodiscard]] QString runText(const ServiceController& a_controller);
 
 /// The state of a device as reported by the service; no value when it reported none.

@@ -82,8 +82,8 @@ QJsonObject headerOf(const PlayOptions& a_options, const InputFile& a_file, std:
             {QStringLiteral("step_ms"), jsonCount(a_options.step)}};
 }
 
-/// One play: the scenario, its window and emitters, the sink of its rows, and the
-/// packages. The packages are null without a repository. Owns the scenario only.
+/// One play: loads the scenario, and writes the rows of its window and emitters to a
+/// sink. The packages are null without a repository. Owns the scenario only.
 class Play
 {
 public:
@@ -167,7 +167,8 @@ ExitCode Play::run(Simulation::ISignalPackageProvider& a_provider)
     }
     const std::unique_ptr<Sink> sink = makeSink();
     const bool bPlayed = playInto(*sink, m_options, m_uiTo, m_emitters, m_pPackages);
-    // An interruption is not reported as an error.
+    // After an interruption, neither an error text nor the summary is written: main()
+    // ends the process by the signal.
     return !isInterrupted() && sink->end(bPlayed, summary(*loaded)) ? loaded->code : ExitCode::Unusable;
 }
 

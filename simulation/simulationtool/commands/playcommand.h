@@ -30,9 +30,9 @@ struct PlayOptions
 };
 
 /// Plays a scenario over [from, to) and writes one row per time and emitter. The
-/// emitters are ordered by id. Rows are written at once, so memory does not grow with
-/// the window. When interrupted, removes its temporary files and returns Unusable; see
-/// interruption.h.
+/// emitters are ordered by id. Each row is written immediately, so memory does not grow
+/// with the window. When interrupted, removes its temporary files and returns Unusable;
+/// see interruption.h.
 [[nodiscard]] ExitCode runPlay(const PlayOptions& a_options, Output& a_output);
 
 } // namespace SimulationTool

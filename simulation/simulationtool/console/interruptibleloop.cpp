@@ -15,7 +15,8 @@ InterruptibleLoop::InterruptibleLoop()
     }
     m_notifier = std::make_unique<QSocketNotifier>(interruptionDescriptor(), QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, &m_loop, [this] {
-        m_notifier->setEnabled(false); // the descriptor stays readable and would activate it again
+        // The descriptor stays readable and would activate the notifier again.
+        m_notifier->setEnabled(false);
         m_loop.quit();
     });
 }

@@ -17,8 +17,8 @@ class Output
 public:
     Output();
 
-    /// Writes a text with its own line ends. It must already be safe for a terminal
-    /// (see terminaltext.h).
+    /// Writes a text with its own line ends. The text must already be safe for a
+    /// terminal (see terminaltext.h).
     void write(const QString& a_sText);
     /// False after a failed write; the caller should stop then.
     [[nodiscard]] bool isOk() const { return m_bOk; }

@@ -77,9 +77,9 @@ public:
     /// For programs: appends an object as above. For people: writes a line.
     void record(const char* a_szKey, const QJsonObject& a_object, const QString& a_sText);
 
-    /// Writes one event of a followed stream at once: the text for people, or the object
-    /// on one line for programs. After an event, finish() writes no document. False once
-    /// the output failed.
+    /// Writes one event of a followed stream immediately: the text for people, or the
+    /// object on one line for programs. After an event, finish() writes no document. False
+    /// once the output failed.
     [[nodiscard]] bool event(const QJsonObject& a_object, const QString& a_sText);
 
     /// A table without indentation; for programs a list of objects. A table without

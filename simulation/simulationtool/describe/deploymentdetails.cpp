@@ -22,7 +22,7 @@ void describeHeader(Report& a_report, const Simulation::DeploymentDataXml& a_dep
     a_report.field("name", QStringLiteral("Name"), a_deployment.name());
     a_report.field("author", QStringLiteral("Author"), a_deployment.author());
     a_report.field("description", QStringLiteral("Description"), a_deployment.description());
-    // This spelling is the format's.
+    // The format spells this attribute "PersistantId".
     a_report.field("persistant_id", QStringLiteral("PersistantId"), a_deployment.persistantId());
     a_report.field("file_version", QStringLiteral("File version"),
                    countValue(a_deployment.fileFormatVersion()));

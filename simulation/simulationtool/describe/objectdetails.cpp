@@ -194,7 +194,8 @@ void describeTransmitter(Report& a_report, const Simulation::TransmitterSettings
          antenna});
 }
 
-/// The fields that emitters and networks share, from name to activity.
+/// Reports the values that emitters and networks share: id (for programs only), name,
+/// description and activity.
 void describeIdentity(Report& a_report, const Simulation::ScenarioObject& a_object)
 {
     a_report.value("id", a_object.id());

@@ -17,7 +17,7 @@ class Report;
 /// A frequency behaviour: one line of text, and in JSON an object with its "kind".
 /// Without settings the text is empty and the JSON value is null.
 [[nodiscard]] ReportValue frequencySummary(Simulation::IFrequencySettings* a_pSettings);
-/// A position (degrees, longitude first) in the same two forms.
+/// A position (degrees, longitude first) in the two forms of frequencySummary().
 [[nodiscard]] ReportValue positionSummary(Simulation::IPositionSettings* a_pSettings);
 /// The position of an emitter; for a linked emitter, the emitter that it follows.
 [[nodiscard]] ReportValue positionSummary(const Simulation::SzenarioEmitter& a_emitter);

@@ -97,7 +97,8 @@ bool DemoRoad::makeRepository()
                        .arg(m_folder.path(), sReason);
         return false;
     }
-    // Not earlier, because initializeDataStore() makes the folder of the packages.
+    // packageStoreOf() is not called earlier, because initializeDataStore() makes the folder
+    // of the packages.
     const QString sStore = packageStoreOf(m_folder.path());
     const auto uiPackages = static_cast<quint64>(Simulation::SignalPackageFolder::list(sStore).size());
     log(QStringLiteral("demo"),
@@ -201,8 +202,8 @@ bool DemoRoad::loadScenario()
     return iLoaded == std::ssize(m_devices);
 }
 
-/// Keeps all values of a step. For the first device, also shows its rows every 5 s of
-/// scenario time.
+/// Keeps all values of a step. For the first device, also shows the rows of a step every
+/// 5 s of scenario time.
 void DemoRoad::notePlayed(Device& a_device, std::uint32_t a_uiTime)
 {
     QStringList values{QString::number(a_uiTime)};

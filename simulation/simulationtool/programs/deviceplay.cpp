@@ -52,7 +52,7 @@ bool DevicePlay::add(std::uint32_t a_uiTime)
             return false;
         }
     }
-    return m_output.finish(); // so that rows can be read at once
+    return m_output.finish(); // so that the rows can be read immediately
 }
 
 } // namespace SimulationTool

@@ -20,10 +20,10 @@ enum class OutgoingKind {
     Unregistration, ///< the device then ignores orders until the service confirms it again
 };
 
-/// A command that waits for one or more peers. All of them share its bytes. A counter
-/// sums the bytes that wait for all peers. The counter includes a command once, while at
-/// least one outbox contains the command. A command that is only kept for devices that
-/// register later is not included.
+/// A command that waits for one or more peers. The outboxes of these peers share the
+/// bytes of the command. A counter sums the bytes that wait for all peers. The counter
+/// includes a command once, while at least one outbox contains the command. A command
+/// that is only kept for devices that register later is not included.
 class OutgoingCommand
 {
 public:

@@ -125,8 +125,8 @@ void ServicePeer::scheduleWrite()
     QMetaObject::invokeMethod(this, "slotWrite", Qt::QueuedConnection);
 }
 
-/// Sends the bytes of one turn. The rest follows whenever the socket has written
-/// something.
+/// Fills the socket's buffer up to s_iWriteBytes, flushes the socket, and fills the
+/// buffer again. The rest follows whenever the socket has written something.
 void ServicePeer::slotWrite()
 {
     m_bWriteScheduled = false;

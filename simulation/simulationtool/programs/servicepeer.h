@@ -97,7 +97,7 @@ private:
     StallWatch m_receiving;
     StallWatch m_sending;
     bool m_bWriteScheduled = false;
-    bool m_bWriting = false; ///< while true, bytesWritten does not fill the socket: a turn must end
+    bool m_bWriting = false; ///< true: bytesWritten must not fill the socket, so that a turn ends
 };
 
 } // namespace SimulationTool

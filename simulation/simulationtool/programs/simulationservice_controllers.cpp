@@ -112,9 +112,9 @@ void SimulationService::acquire(ServicePeer* a_pPeer)
 }
 
 /// Lists are sent from the event loop, so that several changed records and requests
-/// need only one new list. The first report to a peer is sent at once. Later reports
-/// are sent from the event loop as well, so that the states are collected once for a
-/// peer that acquires and releases repeatedly.
+/// need only one new list. A report is sent immediately when no answer to the peer is
+/// pending. Otherwise the report is sent from the event loop as well, so that the states
+/// are collected once for a peer that acquires and releases repeatedly.
 void SimulationService::answer(ServicePeer* a_pPeer, const Answer& a_answer)
 {
     if (const auto it = m_answers.find(a_pPeer); it != m_answers.end()) {
