@@ -46,7 +46,7 @@ double quantile(std::vector<double> a_values, double a_dPart)
     return a_values[static_cast<std::size_t>(uiLast * a_dPart)];
 }
 
-/// False when the service does not accept its devices.
+/// Prints the measured times. False when the service does not accept the devices.
 bool measureIdle()
 {
     const BenchedService service;

@@ -60,8 +60,8 @@ public:
     /// that state. Returns the time (ms); no value after 5 s.
     [[nodiscard]] std::optional<double> news();
 
-    /// The number of times that the service dropped the controller, which then
-    /// reconnects.
+    /// How often the service has dropped the controller. start() connects the controller
+    /// again.
     [[nodiscard]] int evictions() const { return m_iEvictions; }
 
 private:
@@ -80,7 +80,7 @@ private:
     std::vector<std::unique_ptr<Device>> m_devices;
     QTcpSocket m_controller;
     QByteArray m_received; ///< last bytes that the controller received
-    int m_iReported = 0;   ///< the state that the first device reported last
+    int m_iReported = 0;   ///< the last state that the first device reported
     int m_iKnown = 0;      ///< the newest state that the controller received
     quint64 m_uiStart = 0; ///< the number of the newest start
     QElapsedTimer m_sinceStart;

@@ -70,7 +70,7 @@ void raiseDescriptors()
     setrlimit(RLIMIT_NOFILE, &descriptors);
 }
 
-/// Connects all sockets at once and stores the time that each takes (ms).
+/// Connects all sockets at the same time and stores the time that each takes (ms).
 void connectAll(std::vector<pollfd>& a_sockets, std::uint16_t a_uiPort, const std::atomic<bool>& a_bEnd,
                 std::vector<double>& a_times)
 {

@@ -35,15 +35,15 @@ private:
 /// Sends a document of this size (bytes) without its end, and waits.
 [[nodiscard]] Attack unfinished(std::int64_t a_iBytes);
 
-/// Connects many sockets at once, waits until all are connected, closes all, and
-/// repeats that. Stores the time that each socket needs to connect (ms) in
-/// `*a_pTimes`. Read the times only after the attackers have ended. For one attacker
-/// only.
+/// Connects many sockets at the same time, waits until all are connected, closes all,
+/// and repeats that. Stores the time that each socket needs to connect (ms) in
+/// `*a_pTimes`. No lock protects `*a_pTimes`: use a single attacker, and read the times
+/// after it has ended.
 [[nodiscard]] Attack burst(int a_iConnections, std::vector<double>* a_pTimes);
 
 /// Connects and registers this number of devices. Then the first device sends
 /// `a_always` repeatedly and reads the received bytes, unless `a_always` is empty. The
-/// others do not read. For one attacker only, because the ids of the devices are
+/// other devices do not read. Use a single attacker, because the ids of the devices are
 /// fixed.
 [[nodiscard]] Attack crowd(int a_iDevices, const QByteArray& a_always);
 

@@ -1,6 +1,7 @@
-# Runs before the files are installed. Lists the topmost folder of each branch that the
-# installation will make, so that Uninstall.cmake can remove these folders.
-# simulationOwnFolders belong to this project alone, simulationSharedFolders do not.
+# Runs before the files are installed. For each folder of the installation, lists the
+# topmost folder of its path that does not exist yet. The installation will make these
+# folders, and Uninstall.cmake can remove them. simulationOwnFolders belong to this
+# project alone, simulationSharedFolders do not.
 if(CMAKE_INSTALL_PREFIX MATCHES ";")
   message(FATAL_ERROR "Nothing was installed: CMake cannot handle the semicolon in the prefix "
     "${CMAKE_INSTALL_PREFIX}. Choose another.")

@@ -8,12 +8,12 @@ cd "$(dirname "$0")/.."
 
 tool=build/release/bin/simulationtool
 folder=build/demo
-lines=10 # first lines shown of each step, so that the whole output stays short
+lines=10 # first lines shown of each step, so that this script prints little
 rm -rf "$folder"
 mkdir -p "$folder"
 
 # step NAME COMMAND...: runs the command, writes its output to NAME.txt and shows the
-# beginning.
+# first lines and the last line of the output.
 step() {
     local file=$folder/$1.txt
     echo "$1: ${*:2}"

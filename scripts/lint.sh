@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Checks the format of all sources of the project, then runs clang-tidy on them.
 # Fails on any finding. Makes the debug build first, because clang-tidy uses its
-# compile commands and generated sources. Skips a source without findings until
-# the source, a header that it includes, its compile command, .clang-tidy or a
-# Debian package changes.
+# compile commands and generated sources. clang-tidy skips a source that had no
+# findings, until the source, a header that it includes, its compile command,
+# .clang-tidy or a Debian package changes.
 #
-#   scripts/lint.sh [--anew] [SOURCE...]    --anew: skips none
+#   scripts/lint.sh [--anew] [SOURCE...]    --anew: skips no source
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -28,8 +28,8 @@ cmake --preset debug -DSIMULATION_BUILD_BENCHMARKS=ON >/dev/null
 cmake --build --preset debug
 
 scratch=$(mktemp -d)
-# The compile commands without the precompiled headers. Only the compiler can read these
-# headers, and they would hide that an include is missing.
+# The compile commands without the precompiled headers. Only the compiler that wrote these
+# headers can read them, and they would hide that an include is missing.
 sed -E 's/-Winvalid-pch -include [^ ]*cmake_pch\.hxx//g' "$build/compile_commands.json" >"$scratch/compile_commands.json"
 trap 'rm -rf "$scratch"' EXIT
 

@@ -146,7 +146,7 @@ void DeviceFeed::takeState(const QString& a_sId, const SimulationDeviceState& a_
 {
     if (!m_bFollowing || (!m_states.contains(a_sId) && static_cast<std::uint64_t>(m_states.size()) >=
                                                            Limits::value(Limits::ListedDevices))) {
-        return; // the state was sent before the release, or exceeds the limit
+        return; // sent before the release, or too many states are stored
     }
     m_states[a_sId] = a_state;
     if (m_devices.contains(a_sId)) {

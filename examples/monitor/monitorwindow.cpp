@@ -242,10 +242,10 @@ void MonitorWindow::showCounts()
     m_pCounts->setText(parts.join(QStringLiteral(" &nbsp; ")));
 }
 
-/// Sets the column widths when the table gets its first rows; later only the user
-/// changes them. Each text column gets at most an equal share of the width, so that a
-/// long name does not push other columns out of the window. The first column gets the
-/// rest.
+/// Sets the column widths when the table gets its first rows after a connection. After
+/// that, only the user changes the widths. Each text column gets at most an equal share
+/// of the width, so that a long name does not push other columns out of the window. The
+/// first column gets the rest.
 void MonitorWindow::fitColumns()
 {
     if (m_bColumnsFit || m_feed.model().rowCount() == 0) {

@@ -47,7 +47,8 @@ WindowPicture::WindowPicture(MonitorWindow& a_window, const QString& a_sFile)
 
 void WindowPicture::wait()
 {
-    // Connections that end at once must not restart the timer without limit.
+    // Connections that end right after they begin must not restart the timer again and
+    // again.
     if (m_window.isConnected() || !m_quiet.isActive()) {
         m_quiet.start(m_window.isConnected() ? s_iQuiet : s_iNobodyThere);
     }

@@ -20,11 +20,11 @@ struct Point
 
 /// The azimuth at `a_from` of the geodesic to `a_to`, in degrees clockwise from
 /// north, [0, 360). 0 for coincident points, and when a point lies outside the globe
-/// or is NaN.
+/// or is not finite.
 [[nodiscard]] SIMULATIONDATA_EXPORT double azimuth(const Point& a_from, const Point& a_to);
 
 /// The length of the geodesic between two points, in kilometres. NaN when a point
-/// lies outside the globe or is NaN.
+/// lies outside the globe or is not finite.
 [[nodiscard]] SIMULATIONDATA_EXPORT double distance(const Point& a_from, const Point& a_to);
 
 /// The end of a geodesic. The geodesic starts at `a_start` in the direction

@@ -10,9 +10,9 @@
 class QFileDevice;
 class QIODevice;
 
-// These classes and functions write files. Every failure sets the system's error
-// text, for example "No space left on device", in errorString(). A disk that becomes
-// full first accepts a part of a write without an error. The disk reports the error
+// These classes and functions write files. Every failure is reported with an error text,
+// for example the system's "No space left on device". A disk that becomes full first
+// accepts a part of a write without an error. The disk reports the error
 // only when it accepts no byte. Therefore, after a partial write, the rest is always
 // passed to the disk again.
 

@@ -31,9 +31,9 @@ public:
     /// A file that cannot be read or is larger than 1 MiB is traced and has no
     /// settings, either.
     ///
-    /// Never null. CfgCenter owns the object, which stays valid until the process
-    /// ends. Its values never change. `a_iView` and `a_sText` are ignored: there is
-    /// only one store.
+    /// The result is never null. CfgCenter owns the object, which stays valid until the
+    /// process ends. Its values never change. `a_iView` and `a_sText` have no effect: the
+    /// name alone selects the settings.
     [[nodiscard]] static ICfg* CreateCfg(const QString& a_sName, int a_iView, const QString& a_sText);
 
     /// Sets the folder of the settings files for later calls of CreateCfg(). An

@@ -5,8 +5,8 @@
 
 #include <QString>
 
-/// A group of named settings, read only. Its values never change: call
-/// CfgCenter::CreateCfg() again for newer ones.
+/// A read-only group of named settings. The values never change: call
+/// CfgCenter::CreateCfg() again for newer values.
 ///
 /// The objects of CfgCenter may be used from any thread.
 class SIMULATIONDATA_EXPORT ICfg

@@ -86,9 +86,10 @@ QByteArray cleanLine(QByteArrayView a_line)
     const qsizetype iEquals = a_line.indexOf('=');
     const bool bSection = a_line.startsWith('[');
     const QByteArrayView name = bSection ? a_line : a_line.first(iEquals < 0 ? 0 : iEquals).trimmed();
-    // Such lines are dropped. After a quote outside a value, QSettings would read the
-    // following lines as part of the quoted text. After a section name that ends in a
-    // backslash, it would read the next line as part of the name.
+    // Drops comments, and lines whose name is empty, contains a quote or ends in a
+    // backslash. After a quote outside a value, QSettings would read the following lines as
+    // part of the quoted text. After a section name that ends in a backslash, it would read
+    // the next line as part of the name.
     if (name.isEmpty() || name.contains('"') || name.startsWith(';') || name.endsWith('\\')) {
         return {};
     }

@@ -121,7 +121,7 @@ double beepSound(double a_dTime, std::uint32_t& /*a_uiNoise*/)
 struct Recipe
 {
     const char* name;
-    const char* id; ///< scenarios refer to it: must never change
+    const char* id; ///< scenarios refer to this id, so it must never change
     std::uint32_t points;
     double (*shape)(double a_dOffset, double a_dPhase);
     double (*sound)(double a_dTime, std::uint32_t& a_uiNoise);

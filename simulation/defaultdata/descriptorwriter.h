@@ -28,7 +28,7 @@ struct Descriptor
 };
 
 /// The content of "Signal.xml". The descriptor has more elements than the library reads.
-/// Other programs use these elements to check the data files.
+/// Other programs use the additional elements to check the data files.
 [[nodiscard]] QByteArray writeDescriptor(const Descriptor& a_descriptor);
 
 } // namespace DefaultData

@@ -14,7 +14,7 @@ struct ZipEntry
     QByteArray bytes;
 };
 
-/// Writes a zip file in place of an existing one. The same entries in the same order
+/// Writes a zip file and replaces an existing file. The same entries in the same order
 /// give the same bytes, regardless of clock, time zone and umask. On failure returns
 /// false, keeps the old file unchanged and sets `*a_pReason`.
 [[nodiscard]] bool writeZip(const QString& a_sFile, const QList<ZipEntry>& a_entries, QString* a_pReason);

@@ -28,7 +28,7 @@ public:
     ~AudioFile() = default;
 
     /// Opens the file and reads its header. A file that is open already is opened
-    /// again. Returns false after one trace; the file is then closed, and
+    /// again. On failure, returns false after one trace; the file is then closed, and
     /// errorString() has the error text.
     [[nodiscard]] bool open();
     [[nodiscard]] bool isOpen() const;

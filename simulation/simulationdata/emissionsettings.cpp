@@ -193,7 +193,8 @@ bool EmissionSettings::removalChangesGroups(const std::shared_ptr<SzenarioEmitte
 
 void EmissionSettings::removeEmissions(const std::shared_ptr<SzenarioEmitter>& a_emitter)
 {
-    const std::shared_ptr<SzenarioEmitter> emitter = a_emitter; // may be the member of an emission
+    // `a_emitter` may be the member of an emission that is removed.
+    const std::shared_ptr<SzenarioEmitter> emitter = a_emitter;
     const QSet<const Emission*> removed = emissionsOf(m_emissions, emitter);
     if (removed.isEmpty()) {
         return;
@@ -238,8 +239,8 @@ void EmissionSettings::removeGroup(const GroupPtr& a_group)
 
 void EmissionSettings::clearEmptyGroups()
 {
-    // A group is checked again only when it loses a member. Members are only counted at
-    // first and are removed from the lists at the end. So the time is linear in the
+    // A group is checked again only when it loses a member. At first the members are
+    // counted; they are removed from the lists at the end. So the time is linear in the
     // number of groups and memberships, even when the groups of a chain become empty one
     // after the other.
     QHash<const Group*, QList<const Group*>> holders;
@@ -371,8 +372,8 @@ long long EmissionSettings::timeActiveAt(unsigned int a_uiTime) const
 
 long long EmissionSettings::timeActiveAt(unsigned int a_uiTime, const Emission& a_emission) const
 {
-    // An active emission started at most its own duration ago, so the
-    // difference fits.
+    // An active emission started at most its own duration ago, so the difference fits
+    // into 64 bits.
     return std::int64_t{a_uiTime} % m_iDuration - a_emission.start;
 }
 

@@ -82,7 +82,7 @@ public:
     /// is ignored.
     void addEmission(const boost::shared_ptr<Emission>& a_emission);
 
-    /// Inserts many emissions at once, in O(n log n). Emissions with the same start
+    /// Inserts many emissions in O(n log n). Emissions with the same start
     /// keep the given order. The result equals adding them one by one from the last
     /// to the first.
     void addEmissions(const QList<boost::shared_ptr<Emission>>& a_emissions);
@@ -155,7 +155,8 @@ public:
     /// all emitters when `a_pEmitter` is null. The frequency of an on-time is 0. The
     /// first on-time may begin, and even end, before the window. No on-time ends after
     /// the window. In broadcast mode the result is the window itself, or empty when
-    /// the schedule is empty. The result ends at Limits::AnswerActivities.
+    /// the schedule is empty. The result has at most
+    /// Limits::AnswerActivities on-times.
     [[nodiscard]] QList<HRActivity> calculateHRActivities(const SzenarioEmitter* a_pEmitter,
                                                           unsigned int a_uiStart,
                                                           unsigned int a_uiLength) const;

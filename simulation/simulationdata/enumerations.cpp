@@ -54,7 +54,7 @@ QString textOf(const Table& a_table, Enumeration a_eValue, QStringView a_sUnknow
 
 bool compareFrequency(float a_fFirst, float a_fSecond)
 {
-    // Kept in single precision: the difference is rounded before it is compared.
+    // The difference is stored in single precision, so it is rounded before it is compared.
     const float fDifference = a_fFirst - a_fSecond;
     const float fMagnitude = std::fabs(fDifference);
     return s_dFrequencyTolerance > static_cast<double>(fMagnitude);

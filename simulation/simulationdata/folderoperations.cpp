@@ -68,7 +68,7 @@ bool isInside(const QString& a_sPath, const QString& a_sFolder)
     return pathError || folderError || difference.first == folder.end();
 }
 
-/// The copy has the same target text; a relative target is relative to the new
+/// Copies a link with its target text. A relative target is then relative to the new
 /// place.
 bool copyLink(const QFileInfo& a_link, const QString& a_sTo)
 {
@@ -130,7 +130,7 @@ bool removeDir(const QString& a_sFolder)
     const std::filesystem::file_status status = std::filesystem::symlink_status(folder, error);
     const bool bHere = std::filesystem::is_directory(status) || std::filesystem::is_symlink(status);
     if (bHere) {
-        // Links are removed themselves, whatever they point to.
+        // remove_all() removes a link itself, not the target of the link.
         std::filesystem::remove_all(folder, error);
     } else if (std::filesystem::exists(status) || status.type() == std::filesystem::file_type::not_found) {
         error.clear();

@@ -64,7 +64,8 @@ double multiplierOf(QStringView a_sUnit, double a_dReference)
     return 1.0;
 }
 
-/// Compiled on first use, which may be before s_sRegex is initialised.
+/// The compiled pattern. It is compiled on first use, which may be before s_sRegex is
+/// initialised.
 const QRegularExpression& expression()
 {
     static const QRegularExpression s_expression(QRegularExpression::anchoredPattern(s_sPattern),

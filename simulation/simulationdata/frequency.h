@@ -15,7 +15,8 @@ class SIMULATIONDATA_EXPORT Frequency
 {
 public:
     /// The pattern of a frequency that a user types: a number and an optional unit
-    /// letter. Text after the unit letter is ignored. Valid once main() runs.
+    /// letter. Text after the unit letter is ignored. Do not use the pattern before main()
+    /// begins.
     static const QString s_sRegex;
 
     /// Whether two frequencies (Hz) differ by less than 1e-6 Hz.

@@ -222,7 +222,8 @@ void FrequencySettings_FastHopper::traceOnce(Limits::Limit a_eLimit) const
 {
     if (!m_bLimitTraced) {
         traceError(s_szSource, [this, a_eLimit] {
-            // Set only here, because a masked trace does not call this function.
+            // The flag is set here, because this function is called only when the trace is
+            // written.
             m_bLimitTraced = true;
             return QStringLiteral("Hop count %1 gives no channels: %2")
                 .arg(QString::number(m_uiHoppCount), Limits::exceeded(a_eLimit));

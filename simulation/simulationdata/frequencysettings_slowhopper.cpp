@@ -16,8 +16,9 @@ constexpr const char* s_szSource = "simulation/simulationdata/frequencysettings_
 constexpr double s_dNoFrequency = -1.0;
 constexpr FrequencyStep s_firstStep{25'000'000.0, 1000};
 
-/// The index of the step that runs at a time (ms) before the table's end. It is the first
-/// step that ends after this time. Steps without duration never run.
+/// The index of the step that runs at a time (ms from the table's start). The time must be
+/// before the table's end. The result is the first step that ends after the time. Steps
+/// without duration never run.
 std::size_t stepAt(const std::vector<std::uint64_t>& a_stepTimes, std::uint64_t a_uiTime)
 {
     const auto itEnds = a_stepTimes.cbegin() + 1;

@@ -45,8 +45,8 @@ public:
     /// The stretches of constant frequency in the window [a_uiStart, a_uiStart +
     /// a_uiLength) (ms), in ascending order. The comments of the classes describe
     /// gaps and stretches that end after the window. A sweep may move by
-    /// `a_dResolution` (Hz) within one stretch. The answer ends at 2^32 ms and at
-    /// Limits::AnswerActivities.
+    /// `a_dResolution` (Hz) within one stretch. The window is cut off at 2^32 ms. The
+    /// answer has at most Limits::AnswerActivities stretches.
     [[nodiscard]] virtual QList<HRActivity>
     calculateHRActivities(unsigned int a_uiStart, unsigned int a_uiLength, double a_dResolution) const = 0;
 

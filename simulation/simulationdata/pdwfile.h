@@ -21,7 +21,7 @@ struct CPackedPDW;
 /// time, so it returns a header like a record. Write without headers when this class
 /// has to read the file.
 ///
-/// An object may be used by one thread at a time. Regular files only.
+/// An object may be used by one thread at a time. Only regular files are opened.
 class SIMULATIONDATA_EXPORT PDWFile
 {
 public:
@@ -31,7 +31,7 @@ public:
     static constexpr std::uint32_t s_uiRecordBytes = 32;
     static constexpr std::uint32_t s_uiRecordsPerBlock = 1000;
 
-    /// Opens the file. Opening for writing empties it at once. One trace when the
+    /// Opens the file. Opening for writing also empties the file. Traces once when the
     /// file cannot be opened; is_open() is then false.
     PDWFile(const QString& a_sPath, bool a_bForWriting, bool a_bWriteHeaders);
     PDWFile(const PDWFile&) = delete;

@@ -23,7 +23,7 @@ struct Position_t
     double latitude;  ///< degrees, north positive
 };
 
-/// Positions to and from the text that users read and type.
+/// Converts positions to and from the text that users read and type.
 ///
 /// Static operations only: an object has no state. Any thread may call; nothing
 /// throws.

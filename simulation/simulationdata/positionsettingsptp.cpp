@@ -462,8 +462,8 @@ IPositionSettings* PositionSettingsPtp::clone()
 }
 
 /// Marks the derived fields of the points as outdated. The next query computes the
-/// fields. When a caller may hold a reference to the points, the fields are computed at
-/// once.
+/// fields. When a caller may hold a reference to the points, the fields are computed
+/// immediately.
 void PositionSettingsPtp::updatePoint()
 {
     m_bLegsStale = true;
@@ -525,7 +525,7 @@ const std::vector<std::uint64_t>& PositionSettingsPtp::arrivals() const
 }
 
 /// The row of the point at which the emitter dwells or that the emitter left last. No
-/// value once the emitter has reached the last point: the dwell time of that point is
+/// value when the emitter has reached the last point: the dwell time of that point is
 /// not part of the cycle.
 std::optional<qsizetype> PositionSettingsPtp::stretchAt(unsigned int a_uiTime) const
 {

@@ -15,28 +15,28 @@
 
 namespace Simulation {
 
-/// One place where a reader could not take a document as it is written.
+/// One deviation: a place of a document that its reader skipped, replaced or doubted.
 struct ReadingEntry
 {
     QLatin1String rule; ///< the id of a rule of ReadingReport
     Severity severity = Severity::Error;
-    /// The place in the text, each from 1; 0 when it is not known. The column counts
-    /// characters.
+    /// The place in the text: line and column, both counted from 1. 0 when the place is not
+    /// known. The column counts characters.
     qint64 line = 0;
     qint64 column = 0;
     QString path;       ///< for example "Scenario/Emitter[tower]/Frequency/Fixed"
     QString found;      ///< the text found, shortened when it is long; may contain any character
-    QString message;    ///< one English sentence: what is wrong and what was made of it
+    QString message;    ///< one English sentence: what is wrong and what the reader did
     QString suggestion; ///< the name or value that was probably meant; empty when there is none
 };
 
 /// Everything in a document that its reader skipped, replaced or doubted. The report
-/// belongs to the last reading. It changes nothing of the result: what is read and what
-/// is returned is the same with and without it.
+/// belongs to the last reading. Reading with a report and reading without one give the
+/// same document and the same result.
 ///
 /// A plain value, used by one thread at a time. A new report is empty. Memory is bounded:
 /// entries beyond the first s_iMaximumEntries in the order of the document are counted
-/// only, and the texts of an entry are shortened.
+/// but not listed, and the texts of an entry are shortened.
 class SIMULATIONDATA_EXPORT ReadingReport
 {
 public:
@@ -68,7 +68,7 @@ public:
     static constexpr QLatin1String s_sOtherRoot{"other-root"};
     static constexpr QLatin1String s_sBrokenOff{"broken-off"};
 
-    /// All rules, in the order in which documents list them.
+    /// All rules, in the order for display.
     [[nodiscard]] static std::span<const CheckRule> rules();
 
     /// The entries in the order of the document.

@@ -19,7 +19,7 @@ constexpr std::int64_t s_iFlagBytes = 1;
 constexpr std::int64_t s_iUnitBytes = sizeof(QChar);
 constexpr std::uint32_t s_uiNullText = 0xFFFFFFFF;      ///< length of a null text
 constexpr std::int64_t s_iLargestText = 0xFFFFFFFE;     ///< bytes
-constexpr qsizetype s_iPieceUnits = qsizetype{1} << 16; ///< UTF-16 units of a text that are read at once
+constexpr qsizetype s_iPieceUnits = qsizetype{1} << 16; ///< UTF-16 units per read of a text
 
 /// A text or a flag of a record.
 struct Field

@@ -76,8 +76,8 @@ bool SignalPackageCache::prepareCacheForUse()
 }
 
 /// Determines the default package: the package in the folder that has the built-in
-/// package's id, else the built-in package. The folder is read only until it has
-/// such a package.
+/// package's id, else the built-in package. While such a package from the folder is known,
+/// the folder is not searched again.
 void SignalPackageCache::resolveDefault()
 {
     if (!m_builtIn) {

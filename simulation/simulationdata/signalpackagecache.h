@@ -16,13 +16,13 @@ namespace Simulation {
 class PackageCacheFolder;
 
 /// The provider that reads packages from disk. It fills a flat cache folder from a
-/// repository and returns packages and open data files. In this folder the files of
+/// repository and returns packages and open data files. In the cache folder the files of
 /// every package are named after its cleaned id ("<id>.xml", ".ssf", ".wav", ".sdf",
 /// ".rdf").
 ///
 /// Several caches, also in several processes, may share one folder. Each file
-/// appears there complete or not at all, and only files of built-in packages are
-/// ever replaced. A process that dies at any time does not block the next one. Any
+/// appears there complete or not at all. Only files of built-in packages and empty files
+/// are ever replaced. A process that dies at any time does not block the next one. Any
 /// thread may call any operation, but no operation may be called from within
 /// another. Lookups wait for a running updateCache(). A data file may be removed
 /// from the folder while it is open: its reader keeps the content.
@@ -58,8 +58,8 @@ public:
     /// lookup. Returns false after a trace when there is no default package
     /// afterwards; lookups work without it.
     ///
-    /// Waits up to 30 s for another process that changes the folder, like all
-    /// operations that change it.
+    /// Waits up to 30 s for another process that changes the folder. All operations that
+    /// change the folder do this.
     bool prepareCacheForUse();
 
     /// Copies all packages below a folder, except those that the cache folder already

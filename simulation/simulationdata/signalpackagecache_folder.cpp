@@ -256,8 +256,8 @@ PackageCacheFolder::Update PackageCacheFolder::update(const QString& a_sReposito
 }
 
 /// A built-in package is cached only while no user's package has its id. The files
-/// of both must not be mixed, so a user's package replaces the built-in package at
-/// once, not only when the cache is cleared. A user's package with the built-in
+/// of both must not be mixed, so a user's package replaces the built-in package
+/// immediately, even when the cache is not cleared. A user's package with the built-in
 /// descriptor is the same package and replaces nothing. Returns whether anything was
 /// replaced.
 bool PackageCacheFolder::replaceBuiltIns(const QList<PackageSource>& a_sources, const FolderLock& a_lock,

@@ -52,7 +52,8 @@ public:
     struct Update
     {
         CopyFailures failures;
-        bool replaced = false; ///< packages read before may be outdated
+        /// Whether a built-in package was replaced. Packages read before may then be outdated.
+        bool replaced = false;
     };
 
     /// Copies the files of the packages below a repository, except files that the

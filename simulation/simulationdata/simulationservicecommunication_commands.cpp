@@ -55,7 +55,7 @@ constexpr QLatin1String s_on("On");
 constexpr QLatin1String s_device("Device");
 constexpr QLatin1String s_data("Data");
 
-/// A document that contains only the command.
+/// Creates a document that contains the command alone. Returns the command's element.
 XmlElement newCommand(QLatin1String a_name)
 {
     return XmlElement::create(s_root).appendChild(a_name);

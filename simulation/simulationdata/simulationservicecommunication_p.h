@@ -60,7 +60,7 @@ private:
 /// in `*a_pError`, when the bytes cannot be decompressed or exceed
 /// Limits::InflatedBytes.
 ///
-/// Empties `a_text`, so that only the text and the result are in memory at a time.
+/// Empties `a_text`, so that the memory of the text is reused or freed.
 [[nodiscard]] QByteArray uncompressPayload(QByteArray&& a_text, bool a_bCompressed, QString* a_pError);
 
 } // namespace Simulation

@@ -141,8 +141,8 @@ public:
 
     /// The on-times of the schedule in [start, end) (ms), divided into frequency
     /// activities. `a_dFactor` (Hz) is the resolution of a chirp. No activity lies
-    /// outside the window or its on-time. The answer ends at
-    /// Limits::AnswerActivities.
+    /// outside the window or its on-time. The answer has at most
+    /// Limits::AnswerActivities activities.
     [[nodiscard]] QList<HRActivity> calculateBursts(unsigned int a_uiStart, unsigned int a_uiEnd,
                                                     double a_dFactor) const;
 

@@ -157,9 +157,9 @@ void TcpServerConnector::slotDisconnected()
 
 void TcpServerConnector::slotStartConnection()
 {
-    // connectToHost() on a socket that is connecting or closing would report an error
-    // at once, and the error would schedule another start. The next start is scheduled
-    // anyway when the socket becomes unconnected.
+    // connectToHost() on a socket that is connecting or closing would immediately report
+    // an error, and the error would schedule another start. That start is not needed: the
+    // next start is scheduled when the socket becomes unconnected.
     const QAbstractSocket::SocketState eState = m_pSocket->state();
     if (eState == QAbstractSocket::UnconnectedState || eState == QAbstractSocket::BoundState) {
         m_pSocket->connectToHost(m_sHost, m_uiPort, QIODevice::ReadWrite);

@@ -201,7 +201,8 @@ void XmlElement::setChildUtf8(const QString& a_sName, const QByteArray& a_text)
 
 QString XmlElement::attribute(const QString& a_sName) const
 {
-    // Only XML names are compared: in other names the comparison would end at a NUL.
+    // A name that XML does not allow is not compared, because a NUL in it would end the
+    // comparison.
     const QByteArray name = a_sName.toUtf8();
     const pugi::xml_attribute attribute =
         isXmlName(name) ? pugi::xml_node(m_pNode).attribute(name.constData()) : pugi::xml_attribute();

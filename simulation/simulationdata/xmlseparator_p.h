@@ -107,8 +107,8 @@ public Q_SLOTS:
     /// before are still delivered.
     void pause();
 
-    /// Continues reading, beginning at once with the bytes that were received
-    /// meanwhile.
+    /// Continues reading, beginning immediately with the bytes that were received during
+    /// the pause.
     void resume();
 
     /// Drops the error, and the bytes that were read but are not yet split into

@@ -31,7 +31,8 @@ std::uint64_t itemsIn(std::uint32_t a_uiMilliseconds, float a_fRate)
 {
     constexpr double dTwoTo64 = 18446744073709551616.0;
     // The product is in single precision and the quotient in double precision. Writers
-    // of recordings calculate the number in the same way, so both give the same item.
+    // of recordings calculate the number in the same way, so writers and this reader find
+    // the same item.
     const float fProduct = static_cast<float>(a_uiMilliseconds) * a_fRate;
     const double dItems = static_cast<double>(fProduct) / static_cast<double>(s_fMillisecondsPerSecond);
     return dItems < dTwoTo64 ? static_cast<std::uint64_t>(dItems) : std::numeric_limits<std::uint64_t>::max();

@@ -51,7 +51,7 @@ struct DataFileKind
 [[nodiscard]] qint64 readAt(QFile& a_file, qint64 a_iOffset, void* a_pTarget, qint64 a_iBytes);
 
 /// Reads records of one size from a file that is open unbuffered. Access in file order
-/// reads several records at once. Any other access costs one seek and reads only that
+/// reads several records in one read. Any other access costs one seek and reads a single
 /// record. The buffer is part of the object; no memory is allocated.
 class RecordBuffer
 {
@@ -147,7 +147,7 @@ struct LayoutFile
     }
 
     QFile file;
-    std::unique_ptr<Reader> pReader; ///< set while the file is open; kept by close()
+    std::unique_ptr<Reader> pReader; ///< set by a successful open(); kept by close()
     QString sError;                  ///< why the last open() failed
     std::mutex mutex;
 };

@@ -9,7 +9,7 @@ namespace Simulation {
 
 /// Locks a folder while the object exists, so that no other process and no other object
 /// in this process changes the folder. The lock is an advisory lock of the operating
-/// system on a file in the folder: it excludes only code that uses FolderLock, too. The
+/// system on a file in the folder: it excludes only code that also uses FolderLock. The
 /// system releases the lock when the process ends, even after a crash; the content of
 /// the file does not matter. The file is never removed: otherwise two processes could
 /// lock two different files of the same name.

@@ -7,7 +7,7 @@
 namespace Simulation {
 
 /// A queue of received bytes, which are appended at the end and taken from the front.
-/// Taking bytes leaves a gap at the front. append() closes the gap once it is larger than
+/// Taking bytes leaves a gap at the front. append() closes a gap that is larger than
 /// the remaining bytes. The total time is therefore linear in the number of bytes,
 /// whatever the sizes of the pieces. Used by one thread at a time; a default object is
 /// empty.

@@ -13,7 +13,7 @@ namespace Simulation {
 /// other process uses. Every file is then moved to its place, which must be on the same
 /// file system. The work files are always removed; those that remain after a crash are
 /// removed by removeAbandonedFiles(). Limits::ArchiveBytes and Limits::ArchiveEntries
-/// bound what is unpacked. On failure returns false after a trace and with a reason;
+/// limit the unpacked data. On failure returns false after a trace and with a reason;
 /// when some files cannot be moved, the others are still moved. Any thread may call.
 [[nodiscard]] bool unpackResource(const QString& a_sResource, const QString& a_sWorkFolder,
                                   const QString& a_sFolder, const QString& a_sTarget,

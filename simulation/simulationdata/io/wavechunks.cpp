@@ -76,8 +76,8 @@ constexpr qint64 s_iLabelIdBytes = 4;
 struct Chunk
 {
     std::uint32_t id = 0;
-    qint64 start = 0; ///< offset of its body in the file
-    qint64 size = 0;  ///< of its body, as claimed
+    qint64 start = 0; ///< offset of the chunk's body in the file
+    qint64 size = 0;  ///< bytes of the body, as claimed
 
     [[nodiscard]] qint64 end() const { return start + size; }
 

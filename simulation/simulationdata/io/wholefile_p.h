@@ -9,8 +9,8 @@
 namespace Simulation {
 
 /// Operations that put files into folders that several processes fill: each file is
-/// written under a temporary name and then renamed. A process that dies or a full
-/// disk leaves no partial file under a final name. Any thread may call.
+/// written under a temporary name and then renamed. Neither a process that dies nor a
+/// full disk leaves a partial file under a final name. Any thread may call.
 
 /// A new path in the folder of `a_sFile`. No other call and no other process uses or has
 /// used the name: it contains the id of this process, a random number that the process
