@@ -3,18 +3,63 @@
 
 #include "simulationdata/tpos.h"
 
+#include "simulationdata/enumerations.h"
+#include "simulationdata/movementpoint.h"
+#include "simulationdata/xml/xmlwalk_p.h"
+
 #include <QHash>
 #include <QString>
+#include <QVector>
 
-class QXmlStreamReader;
+#include <cstdint>
+#include <limits>
+#include <memory>
 
 namespace Simulation {
 
-/// Reads a coordinate (degrees) from two child elements of the given names, in any order;
-/// a missing or unreadable one is 0. The reader is positioned as for the operations of
-/// CommonDataXml.
-[[nodiscard]] TPos readCoordinate(QXmlStreamReader& a_reader, const QString& a_sLongitude,
-                                  const QString& a_sLatitude);
+class IPositionSettings;
+
+/// Ranges of values in the documents, and their units.
+inline constexpr XmlRange s_milliseconds{0.0, 4294967295.0, false, "milliseconds"};
+inline constexpr XmlRange s_longMilliseconds{0.0, std::numeric_limits<double>::infinity(), false, "milliseconds"};
+inline constexpr XmlRange s_frequencies{0.0, std::numeric_limits<double>::infinity(), true, "Hz"};
+inline constexpr XmlRange s_fractions{0.0, 1.0, false, ""};
+inline constexpr XmlRange s_notNegative{0.0, std::numeric_limits<double>::infinity(), false, ""};
+
+/// The readers read the children of the current element, up to its end. The writers write
+/// the children. Both are the operations of CommonDataXml on the documents' own reader
+/// and writer.
+[[nodiscard]] std::unique_ptr<IPositionSettings> readPositionSettings(XmlReader& a_reader);
+void writePositionSettings(XmlWriter& a_writer, IPositionSettings* a_pSettings);
+
+/// The numbers of a coordinate (degrees), as elements "Lon" and "Lat".
+extern const XmlField<TPos> s_coordinateFields[2];
+
+[[nodiscard]] QVector<MovementPoint> readMovements(XmlReader& a_reader);
+void writeMovements(XmlWriter& a_writer, const QVector<MovementPoint>& a_movements);
+
+/// Reads the attribute "EndBehavior", the only one of the current element. Stop when it
+/// is missing or unknown.
+[[nodiscard]] EndBehaviourType readEndBehavior(XmlReader& a_reader);
+
+/// The text of the current element, which is then read; the former text when the document
+/// breaks off.
+[[nodiscard]] QString readText(XmlReader& a_reader, const QString& a_sFormer = {});
+
+/// The value of an attribute whose presence alone counts: always true. Another value than
+/// "true" is reported.
+[[nodiscard]] bool readMark(XmlReader& a_reader, const XmlText& a_value);
+
+/// The version of the format; a newer one than `a_uiKnown` and an older one are reported.
+[[nodiscard]] std::uint32_t readVersion(XmlReader& a_reader, const XmlText& a_value, std::uint32_t a_uiKnown);
+/// Reports that the root element, which was started last, names no version.
+void reportMissingVersion(XmlReader& a_reader);
+
+/// Report the element that was started last: it lacks its id, or it has no effect.
+void reportMissingId(XmlReader& a_reader);
+void reportIgnoredElement(XmlReader& a_reader, const char* a_szMessage);
+/// Reports an id that an earlier element has: both elements are read as one object.
+void reportMerged(XmlReader& a_reader, const XmlText& a_id);
 
 /// A new persistent id for a document: its name, the time in whole seconds since
 /// 1970-01-01 UTC and the machine's id, joined by "-". Characters that XML forbids are

@@ -7,11 +7,9 @@
 #include "simulationdata/deploymentstation.h"
 #include "simulationdata/io/documentfile_p.h"
 #include "simulationdata/xml/documentformat_p.h"
-#include "simulationdata/xml/xmltext_p.h"
 #include "simulationdata/xml/xmlwalk_p.h"
 
 #include <QStringList>
-#include <QXmlStreamWriter>
 
 #include <algorithm>
 #include <utility>
@@ -21,7 +19,7 @@ namespace Simulation {
 namespace {
 
 const DocumentKind s_kind("simulation/simulationdata/deploymentdataxml", QStringLiteral("Deployment"),
-                          QStringLiteral("SimulationDeployment"));
+                          QLatin1String("SimulationDeployment"));
 
 /// The error text of SharedIds for the objects.
 template<typename Objects>
@@ -72,6 +70,7 @@ DeploymentDataXml& DeploymentDataXml::operator=(const DeploymentDataXml& a_other
         m_devices = a_other.m_devices;
         m_stations = a_other.m_stations;
         m_sErrorString = a_other.m_sErrorString;
+        m_report = a_other.m_report;
         m_sSharedDevices = a_other.m_sSharedDevices;
         m_sSharedStations = a_other.m_sSharedStations;
         m_deviceElements = a_other.m_deviceElements;
@@ -96,22 +95,22 @@ void DeploymentDataXml::clear()
 
 bool DeploymentDataXml::fromXmlFile(const QString& a_sFile)
 {
-    const std::optional<QByteArray> xml = s_kind.load(a_sFile, &m_sErrorString);
+    const std::optional<QByteArray> xml = s_kind.load(a_sFile, &m_sErrorString, &m_report);
     return xml && fromXml(*xml);
 }
 
 bool DeploymentDataXml::fromXml(QIODevice* a_pDevice)
 {
-    const std::optional<QByteArray> xml = s_kind.load(a_pDevice, &m_sErrorString);
+    const std::optional<QByteArray> xml = s_kind.load(a_pDevice, &m_sErrorString, &m_report);
     return xml && fromXml(*xml);
 }
 
 bool DeploymentDataXml::fromXml(const QByteArray& a_xml)
 {
-    return s_kind.read(a_xml, &m_sErrorString, [this](QXmlStreamReader& a_reader) {
+    return s_kind.read(a_xml, &m_sErrorString, &m_report, [this](XmlReader& a_reader) {
         clear();
-        readHeader(a_reader.attributes());
-        forEachChild(a_reader, [&](QStringView a_sName) { return readChild(a_reader, a_sName); });
+        readHeader(a_reader);
+        readChildren(a_reader);
         return QString();
     });
 }
@@ -137,7 +136,7 @@ QByteArray DeploymentDataXml::toXml()
         m_sPersistantId = createPersistentId(m_sName);
     }
     const QByteArray xml =
-        s_kind.text([this](QXmlStreamWriter& a_writer, const DocumentKind::StillReadable& a_stillReadable) {
+        s_kind.text([this](XmlWriter& a_writer, const DocumentKind::StillReadable& a_stillReadable) {
             writeHeader(a_writer);
             return std::all_of(m_devices.cbegin(), m_devices.cend(),
                                [&](const auto& a_device) {
@@ -191,36 +190,37 @@ void DeploymentDataXml::releaseObject(std::shared_ptr<DeploymentObject> a_object
     ObjectReleaser::release(a_object);
 }
 
-void DeploymentDataXml::readHeader(const QXmlStreamAttributes& a_attributes)
+void DeploymentDataXml::readHeader(XmlReader& a_reader)
 {
-    m_uiFileFormatVersion = readUInt32(a_attributes.value(s_sFileFormatVersion));
-    m_sName = a_attributes.value(s_sName).toString();
-    m_sAuthor = a_attributes.value(s_sAuthor).toString();
-    m_sPersistantId = a_attributes.value(s_sPersistantId).toString();
-    m_sDescription = a_attributes.value(s_sDescription).toString();
-}
-
-void DeploymentDataXml::writeHeader(QXmlStreamWriter& a_writer) const
-{
-    a_writer.writeAttribute(s_sFileFormatVersion, QString::number(s_uiFileFormatVersion));
-    writeXmlAttribute(a_writer, s_sName, m_sName);
-    writeXmlAttribute(a_writer, s_sAuthor, m_sAuthor);
-    writeXmlAttribute(a_writer, s_sPersistantId, m_sPersistantId);
-    writeXmlTextElement(a_writer, s_sDescription, m_sDescription);
-}
-
-bool DeploymentDataXml::readChild(QXmlStreamReader& a_reader, QStringView a_sName)
-{
-    if (a_sName == s_sDevice) {
-        readDevice(a_reader);
-    } else if (a_sName == s_sStation) {
-        readStation(a_reader);
-    } else if (a_sName == s_sDescription) {
-        m_sDescription = elementText(a_reader).value_or(m_sDescription);
-    } else {
-        return false;
+    static const XmlAttributeField<DeploymentDataXml> s_fields[] = {
+        {s_sFileFormatVersion,
+         [](XmlReader& a_fieldReader, const XmlText& a_value, DeploymentDataXml& a_deployment) {
+             a_deployment.m_uiFileFormatVersion = readVersion(a_fieldReader, a_value, s_uiFileFormatVersion);
+         }},
+        {s_sName, [](XmlReader& /*a_reader*/, const XmlText& a_value,
+                     DeploymentDataXml& a_deployment) { a_deployment.m_sName = a_value.string(); }},
+        {s_sAuthor, [](XmlReader& /*a_reader*/, const XmlText& a_value,
+                       DeploymentDataXml& a_deployment) { a_deployment.m_sAuthor = a_value.string(); }},
+        {s_sPersistantId, [](XmlReader& /*a_reader*/, const XmlText& a_value,
+                             DeploymentDataXml& a_deployment) { a_deployment.m_sPersistantId = a_value.string(); }},
+        {s_sDescription, [](XmlReader& /*a_reader*/, const XmlText& a_value,
+                            DeploymentDataXml& a_deployment) { a_deployment.m_sDescription = a_value.string(); }},
+    };
+    m_uiFileFormatVersion = 0;
+    m_sName = m_sAuthor = m_sPersistantId = m_sDescription = QString();
+    if (a_reader.attribute(s_sFileFormatVersion) == nullptr) {
+        reportMissingVersion(a_reader);
     }
-    return true;
+    readXmlAttributes(a_reader, *this, s_fields);
+}
+
+void DeploymentDataXml::writeHeader(XmlWriter& a_writer) const
+{
+    a_writer.wholeAttribute(s_sFileFormatVersion, s_uiFileFormatVersion);
+    a_writer.attribute(s_sName, m_sName);
+    a_writer.attribute(s_sAuthor, m_sAuthor);
+    a_writer.attribute(s_sPersistantId, m_sPersistantId);
+    a_writer.textElement(s_sDescription, m_sDescription);
 }
 
 } // namespace Simulation

@@ -1,6 +1,7 @@
 #ifndef SIMULATIONDATA_DEPLOYMENTDATAXML_H
 #define SIMULATIONDATA_DEPLOYMENTDATAXML_H
 
+#include "simulationdata/readingreport.h"
 #include "simulationdata/simulationdata_export.h"
 #include "simulationdata/tpos.h"
 
@@ -8,22 +9,21 @@
 #include <QMap>
 #include <QSet>
 #include <QString>
-#include <QStringView>
 
 #include <cstdint>
 #include <memory>
 
 class QIODevice;
-class QXmlStreamAttributes;
-class QXmlStreamReader;
-class QXmlStreamWriter;
 
 namespace Simulation {
 
 class DeploymentDevice;
 class DeploymentObject;
 class DeploymentStation;
+class XmlReader;
+class XmlWriter;
 struct ReceiverSettings;
+struct XmlText;
 
 /// The deployment document: the stations and devices of one deployment and its
 /// header, read from and written to XML (root "SimulationDeployment", format
@@ -53,6 +53,9 @@ public:
 
     /// Works like ScenarioDataXml::errorString().
     [[nodiscard]] QString errorString() const { return m_sErrorString; }
+
+    /// Works like ScenarioDataXml::report().
+    [[nodiscard]] const ReadingReport& report() const { return m_report; }
 
     /// The ids that occur in several "Device" (or "Station") elements of the
     /// document last read. The value is the number of elements with that id.
@@ -114,26 +117,22 @@ public:
 private:
     // The document as a whole (deploymentdataxml.cpp)
     void clear();
-    void readHeader(const QXmlStreamAttributes& a_attributes);
-    void writeHeader(QXmlStreamWriter& a_writer) const;
-    bool readChild(QXmlStreamReader& a_reader, QStringView a_sName);
+    void readHeader(XmlReader& a_reader);
+    void writeHeader(XmlWriter& a_writer) const;
 
-    // The objects of the document (deploymentdataxml_objects.cpp)
-    void readDevice(QXmlStreamReader& a_reader);
-    bool readDeviceChild(QXmlStreamReader& a_reader, QStringView a_sName,
-                         const std::shared_ptr<DeploymentDevice>& a_device);
-    void readDeviceStation(QXmlStreamReader& a_reader, const std::shared_ptr<DeploymentDevice>& a_device);
-    static void writeDevice(QXmlStreamWriter& a_writer, const DeploymentDevice& a_device);
-    static void readReceiverSettings(QXmlStreamReader& a_reader, ReceiverSettings& a_settings);
-    static void writeReceiverSettings(QXmlStreamWriter& a_writer, const ReceiverSettings& a_settings);
-    void readStation(QXmlStreamReader& a_reader);
-    static void writeStation(QXmlStreamWriter& a_writer, const DeploymentStation& a_station);
-    bool readObjectChild(QXmlStreamReader& a_reader, QStringView a_sName, DeploymentObject& a_object) const;
-    [[nodiscard]] static TPos readPosition(QXmlStreamReader& a_reader);
+    // Its objects (deploymentdataxml_objects.cpp)
+    struct Reading;
+    static void writeDevice(XmlWriter& a_writer, const DeploymentDevice& a_device);
+    static void writeReceiverSettings(XmlWriter& a_writer, const ReceiverSettings& a_settings);
+    static void writeStation(XmlWriter& a_writer, const DeploymentStation& a_station);
+    void readChildren(XmlReader& a_reader);
+    void readDevice(XmlReader& a_reader, Reading& a_reading);
+    void readStation(XmlReader& a_reader);
+    [[nodiscard]] static TPos readPosition(XmlReader& a_reader);
+    void readObjectPosition(XmlReader& a_reader, DeploymentObject& a_object) const;
 
     template<typename Object>
-    std::shared_ptr<Object> objectForId(QXmlStreamReader& a_reader,
-                                        QMap<QString, std::shared_ptr<Object>>& a_objects,
+    std::shared_ptr<Object> objectForId(XmlReader& a_reader, QMap<QString, std::shared_ptr<Object>>& a_objects,
                                         const QString& a_sId) const;
 
     QString m_sName;
@@ -144,6 +143,7 @@ private:
     QMap<QString, std::shared_ptr<DeploymentDevice>> m_devices;
     QMap<QString, std::shared_ptr<DeploymentStation>> m_stations;
     QString m_sErrorString;
+    ReadingReport m_report;
     /// Error texts of setDevices() and setStations() for shared ids; usually empty.
     QString m_sSharedDevices;
     QString m_sSharedStations;

@@ -2,71 +2,183 @@
 
 #include "commondataxml_names_p.h"
 #include "commondataxml_p.h"
-#include "simulationdata/commondataxml.h"
 #include "simulationdata/deploymentdevice.h"
 #include "simulationdata/deploymentstation.h"
 #include "simulationdata/ipositionsettings.h"
 #include "simulationdata/simulationlimits.h"
-#include "simulationdata/xml/xmltext_p.h"
-#include "simulationdata/xml/xmlwalk_p.h"
 
-#include <QXmlStreamWriter>
-
-#include <array>
+#include <QHash>
 
 namespace Simulation {
 
 namespace {
 
-/// The elements with text that follow the icon in a "Device" element.
-const std::array<XmlField<DeploymentDevice>, 3> s_deviceTexts{{
-    {QStringLiteral("Machine"), [](const DeploymentDevice& a_device) { return a_device.machine(); },
-     [](DeploymentDevice& a_device, QStringView a_sText) { a_device.setMachine(a_sText.toString()); }},
-    // This element is written for other programs. It is not read, because only the
-    // device itself sets the configured id.
-    {QStringLiteral("ConfiguredStationID"),
-     [](const DeploymentDevice& a_device) { return a_device.configuredStationId(); },
-     [](DeploymentDevice& /*a_device*/, QStringView /*a_sText*/) {}},
-    {QStringLiteral("DeviceType"), [](const DeploymentDevice& a_device) { return a_device.deviceType(); },
-     [](DeploymentDevice& a_device, QStringView a_sText) { a_device.setDeviceType(a_sText.toString()); }},
-}};
-
-const std::array<XmlField<ReceiverSettings>, 2> s_receiverNumbers{{
-    {QStringLiteral("AntennaHeight"),
-     [](const ReceiverSettings& a_settings) { return numberText(a_settings.antennaHeight); },
-     [](ReceiverSettings& a_settings, QStringView a_sText) {
-         a_settings.antennaHeight = readDouble(a_sText);
+const XmlField<ReceiverSettings> s_receiverNumbers[] = {
+    {QLatin1String("AntennaHeight"),
+     [](XmlWriter& a_writer, const ReceiverSettings& a_settings) { a_writer.number(a_settings.antennaHeight); },
+     [](XmlReader& a_reader, const XmlText& a_text, ReceiverSettings& a_settings) {
+         a_settings.antennaHeight = a_reader.number(a_text, s_notNegative);
      }},
-    {QStringLiteral("AntennaGain"),
-     [](const ReceiverSettings& a_settings) { return numberText(a_settings.antennaGain); },
-     [](ReceiverSettings& a_settings, QStringView a_sText) { a_settings.antennaGain = readDouble(a_sText); }},
-}};
+    {QLatin1String("AntennaGain"),
+     [](XmlWriter& a_writer, const ReceiverSettings& a_settings) { a_writer.number(a_settings.antennaGain); },
+     [](XmlReader& a_reader, const XmlText& a_text, ReceiverSettings& a_settings) {
+         a_settings.antennaGain = a_reader.number(a_text);
+     }},
+};
 
-void writePosition(QXmlStreamWriter& a_writer, IPositionSettings* a_pSettings)
+/// The attributes of a device or station. They may have any order, and the object is
+/// found by its id before its name is set.
+struct ObjectAttributes
+{
+    const XmlText* pId = nullptr;
+    const XmlText* pName = nullptr;
+};
+
+const XmlAttributeField<ObjectAttributes> s_objectAttributes[] = {
+    {s_sId, [](XmlReader& /*a_reader*/, const XmlText& a_value,
+               ObjectAttributes& a_attributes) { a_attributes.pId = &a_value; }},
+    {s_sName, [](XmlReader& /*a_reader*/, const XmlText& a_value,
+                 ObjectAttributes& a_attributes) { a_attributes.pName = &a_value; }},
+};
+
+void writePosition(XmlWriter& a_writer, IPositionSettings* a_pSettings)
 {
     // Without settings the element stays empty. An object with an empty or missing
     // element is read at (0, 0).
-    a_writer.writeStartElement(s_sPosition);
-    CommonDataXml::writePositionSettings(a_pSettings, a_writer);
-    a_writer.writeEndElement();
+    a_writer.startElement(s_sPosition);
+    writePositionSettings(a_writer, a_pSettings);
+    a_writer.endElement();
 }
 
-/// Begins the element of a device or station. Writes the attributes and the icon, with
-/// which both kinds of element begin.
-void writeObjectStart(QXmlStreamWriter& a_writer, const QString& a_sElement, const DeploymentObject& a_object)
+/// Writes the start of a device's or station's element: its attributes and its icon.
+void writeObjectStart(XmlWriter& a_writer, QLatin1String a_sElement, const DeploymentObject& a_object)
 {
-    a_writer.writeStartElement(a_sElement);
-    writeXmlAttribute(a_writer, s_sId, a_object.id());
-    writeXmlAttribute(a_writer, s_sName, a_object.name());
-    writeXmlTextElement(a_writer, s_sIconId, a_object.iconId());
+    a_writer.startElement(a_sElement);
+    a_writer.attribute(s_sId, a_object.id());
+    a_writer.attribute(s_sName, a_object.name());
+    a_writer.textElement(s_sIconId, a_object.iconId());
+}
+
+/// Reports the position of a device that has the position of its station.
+void reportIgnoredPosition(XmlReader& a_reader, qsizetype a_iOffset)
+{
+    if (a_reader.deviations() != nullptr) {
+        a_reader.deviations()->add(ReadingReport::s_sIgnoredValue, a_iOffset, [](ReadingEntry& a_entry) {
+            a_entry.found = QStringLiteral("Position");
+            a_entry.message = QStringLiteral("The device stands where its station stands: its own position is ignored.");
+        });
+    }
+}
+
+/// Reports a station whose name is not its id.
+void reportOtherName(XmlReader& a_reader, const XmlText& a_name, const QString& a_sId)
+{
+    if (a_name.string() == a_sId || a_reader.deviations() == nullptr) {
+        return;
+    }
+    a_reader.deviations()->add(ReadingReport::s_sDerivedValue, a_name.offset, [&](ReadingEntry& a_entry) {
+        a_entry.found = shownText(a_name.bytes);
+        a_entry.message = QStringLiteral("The name of a station is its id: the name becomes the id. Write the same "
+                                         "text for both.");
+    });
 }
 
 } // namespace
 
+/// The deployment while it is read, and the stations that devices name.
+struct DeploymentDataXml::Reading
+{
+    /// A device while it is read.
+    struct Device
+    {
+        Reading& reading;
+        const std::shared_ptr<DeploymentDevice>& device;
+        qsizetype position = -1; ///< offset of its own position; -1: there is none
+    };
+    /// A station while it is read.
+    struct Station
+    {
+        const DeploymentDataXml& deployment;
+        DeploymentStation& station;
+    };
+
+    static void readStationOf(XmlReader& a_reader, Device& a_device);
+    void reportInvented(XmlReader& a_reader) const;
+
+    DeploymentDataXml& deployment;
+    std::vector<std::pair<QString, qsizetype>> named; ///< ids and offsets, if deviations are reported
+};
+
+/// The station may have its own element before or after the device's, which fills the same
+/// object. A device that names several stations gets the last one.
+void DeploymentDataXml::Reading::readStationOf(XmlReader& a_reader, Device& a_device)
+{
+    const auto text = a_reader.text();
+    if (!text) {
+        return;
+    }
+    const QString sId = text->string();
+    DeploymentDataXml& deployment = a_device.reading.deployment;
+    const auto station = deployment.objectForId(a_reader, deployment.m_stations, sId);
+    if (!station) {
+        return;
+    }
+    if (a_reader.deviations() != nullptr) {
+        a_device.reading.named.emplace_back(sId, text->offset);
+    }
+    const auto& device = a_device.device;
+    if (const auto former = device->station(); former && former != station) {
+        former->removeDevice(device);
+    }
+    station->addDevice(device);
+    device->setStation(station);
+}
+
+/// Reports the stations that devices name and no element describes.
+void DeploymentDataXml::Reading::reportInvented(XmlReader& a_reader) const
+{
+    constexpr int iMostSuggestions = 100; // comparing with all ids costs O(n) for each
+    int iSuggestions = 0;
+    const QStringList described = deployment.m_stationElements.keys();
+    for (const auto& [sId, iOffset] : named) {
+        if (deployment.m_stationElements.contains(sId)) {
+            continue;
+        }
+        a_reader.deviations()->add(ReadingReport::s_sInventedObject, iOffset, [&](ReadingEntry& a_entry) {
+            a_entry.found = shownText(sId.toUtf8());
+            a_entry.message = QStringLiteral("No element describes this station: one without data is created, at "
+                                             "latitude 0 and longitude 0.");
+            a_entry.suggestion =
+                ++iSuggestions <= iMostSuggestions ? similarName(a_entry.found, described) : QString();
+        });
+    }
+}
+
+void DeploymentDataXml::readChildren(XmlReader& a_reader)
+{
+    static const XmlChild<Reading> s_children[] = {
+        {s_sDevice,
+         [](XmlReader& a_childReader, Reading& a_reading) {
+             a_reading.deployment.readDevice(a_childReader, a_reading);
+         },
+         XmlOccurs::AnyTimes},
+        {s_sStation,
+         [](XmlReader& a_childReader, Reading& a_reading) { a_reading.deployment.readStation(a_childReader); },
+         XmlOccurs::AnyTimes},
+        {s_sDescription,
+         [](XmlReader& a_childReader, Reading& a_reading) {
+             a_reading.deployment.m_sDescription = readText(a_childReader, a_reading.deployment.m_sDescription);
+         }},
+    };
+    Reading reading{*this, {}};
+    readXmlChildren(a_reader, reading, s_children);
+    reading.reportInvented(a_reader);
+}
+
 /// The object with the given id, created if there is none. If the deployment is full,
 /// returns null and raises an error in the reader, which ends the reading.
 template<typename Object>
-std::shared_ptr<Object> DeploymentDataXml::objectForId(QXmlStreamReader& a_reader,
+std::shared_ptr<Object> DeploymentDataXml::objectForId(XmlReader& a_reader,
                                                        QMap<QString, std::shared_ptr<Object>>& a_objects,
                                                        const QString& a_sId) const
 {
@@ -82,139 +194,156 @@ std::shared_ptr<Object> DeploymentDataXml::objectForId(QXmlStreamReader& a_reade
     return *a_objects.insert(a_sId, std::make_shared<Object>(a_sId));
 }
 
-/// Reads an icon or a position, the children that devices and stations have in common.
-/// Returns false for any other child.
-bool DeploymentDataXml::readObjectChild(QXmlStreamReader& a_reader, QStringView a_sName,
-                                        DeploymentObject& a_object) const
+TPos DeploymentDataXml::readPosition(XmlReader& a_reader)
 {
-    if (a_sName == s_sIconId) {
-        a_object.setIconId(elementText(a_reader).value_or(a_object.iconId()));
-    } else if (a_sName != s_sPosition) {
-        return false;
-    } else if (m_uiFileFormatVersion == 0) {
+    // In version 0 the numbers have longer names.
+    static const XmlField<TPos> s_fields[] = {
+        {s_sLongitude, s_coordinateFields[0].write, s_coordinateFields[0].read},
+        {s_sLatitude, s_coordinateFields[1].write, s_coordinateFields[1].read},
+    };
+    TPos position;
+    readXmlChildren(a_reader, position, s_fields);
+    return position;
+}
+
+void DeploymentDataXml::readObjectPosition(XmlReader& a_reader, DeploymentObject& a_object) const
+{
+    if (m_uiFileFormatVersion == 0) {
         const TPos position = readPosition(a_reader);
         if (!a_reader.hasError()) {
             a_object.setPosition(position);
         }
-    } else {
-        std::unique_ptr<IPositionSettings> settings(CommonDataXml::readPositionSettings(a_reader));
-        // After an error the position may be incomplete, and therefore wrong.
-        if (!a_reader.hasError()) {
-            a_object.setPositionSettings(settings.release());
-        }
-    }
-    return true;
-}
-
-TPos DeploymentDataXml::readPosition(QXmlStreamReader& a_reader)
-{
-    return readCoordinate(a_reader, s_sLongitude, s_sLatitude);
-}
-
-void DeploymentDataXml::readDevice(QXmlStreamReader& a_reader)
-{
-    const QXmlStreamAttributes attributes = a_reader.attributes();
-    if (!attributes.hasAttribute(s_sId)) {
-        skipElement(a_reader);
         return;
     }
-    const QString sId = attributes.value(s_sId).toString();
+    std::unique_ptr<IPositionSettings> settings = readPositionSettings(a_reader);
+    // After an error the position may be incomplete, and therefore wrong.
+    if (!a_reader.hasError()) {
+        a_object.setPositionSettings(settings.release());
+    }
+}
+
+void DeploymentDataXml::readDevice(XmlReader& a_reader, Reading& a_reading)
+{
+    using Device = Reading::Device;
+    static const XmlChild<Device> s_children[] = {
+        {s_sIconId,
+         [](XmlReader& a_childReader, Device& a_device) {
+             a_device.device->setIconId(readText(a_childReader, a_device.device->iconId()));
+         }},
+        {s_sMachine,
+         [](XmlReader& a_childReader, Device& a_device) {
+             a_device.device->setMachine(readText(a_childReader, a_device.device->machine()));
+         }},
+        // This element is written for other programs. It is not read, because only the
+        // device itself sets the configured id.
+        {s_sConfiguredStationId,
+         [](XmlReader& a_childReader, Device& /*a_device*/) { (void)a_childReader.text(); }},
+        {s_sDeviceType,
+         [](XmlReader& a_childReader, Device& a_device) {
+             a_device.device->setDeviceType(readText(a_childReader, a_device.device->deviceType()));
+         }},
+        {s_sReceiverSettings,
+         [](XmlReader& a_childReader, Device& a_device) {
+             readXmlChildren(a_childReader, a_device.device->receiverSettings(), s_receiverNumbers);
+         }},
+        {s_sStation, &Reading::readStationOf},
+        {s_sPosition,
+         [](XmlReader& a_childReader, Device& a_device) {
+             a_device.position = a_childReader.offset();
+             a_device.reading.deployment.readObjectPosition(a_childReader, *a_device.device);
+         }},
+    };
+    ObjectAttributes attributes;
+    readXmlAttributes(a_reader, attributes, s_objectAttributes);
+    if (attributes.pId == nullptr) {
+        reportMissingId(a_reader);
+        a_reader.skip();
+        return;
+    }
+    const QString sId = attributes.pId->string();
     const auto device = objectForId(a_reader, m_devices, sId);
     if (!device) {
         return;
     }
-    ++m_deviceElements[sId];
-    if (attributes.hasAttribute(s_sName)) {
-        device->setName(attributes.value(s_sName).toString());
+    if (++m_deviceElements[sId] > 1) {
+        reportMerged(a_reader, *attributes.pId);
     }
-    forEachChild(a_reader, [&](QStringView a_sName) { return readDeviceChild(a_reader, a_sName, device); });
+    if (attributes.pName != nullptr) {
+        device->setName(attributes.pName->string());
+    }
+    Device reading{a_reading, device};
+    readXmlChildren(a_reader, reading, s_children);
+    if (reading.position >= 0 && device->hasStation()) {
+        reportIgnoredPosition(a_reader, reading.position);
+    }
 }
 
-bool DeploymentDataXml::readDeviceChild(QXmlStreamReader& a_reader, QStringView a_sName,
-                                        const std::shared_ptr<DeploymentDevice>& a_device)
-{
-    if (a_sName == s_sReceiverSettings) {
-        readReceiverSettings(a_reader, a_device->receiverSettings());
-    } else if (a_sName == s_sStation) {
-        readDeviceStation(a_reader, a_device);
-    } else {
-        return readXmlField(a_reader, a_sName, s_deviceTexts, *a_device) ||
-               readObjectChild(a_reader, a_sName, *a_device);
-    }
-    return true;
-}
-
-/// Reads the id of the device's station. The station may have its own element earlier or
-/// later in the document. That element fills the same object. A device that names
-/// several stations gets the last one.
-void DeploymentDataXml::readDeviceStation(QXmlStreamReader& a_reader,
-                                          const std::shared_ptr<DeploymentDevice>& a_device)
-{
-    const auto sId = elementText(a_reader);
-    const auto station = sId ? objectForId(a_reader, m_stations, *sId) : nullptr;
-    if (!station) {
-        return;
-    }
-    if (const auto former = a_device->station(); former && former != station) {
-        former->removeDevice(a_device);
-    }
-    station->addDevice(a_device);
-    a_device->setStation(station);
-}
-
-void DeploymentDataXml::writeDevice(QXmlStreamWriter& a_writer, const DeploymentDevice& a_device)
+void DeploymentDataXml::writeDevice(XmlWriter& a_writer, const DeploymentDevice& a_device)
 {
     writeObjectStart(a_writer, s_sDevice, a_device);
-    writeXmlFields(a_writer, s_deviceTexts, a_device);
+    a_writer.textElement(s_sMachine, a_device.machine());
+    a_writer.textElement(s_sConfiguredStationId, a_device.configuredStationId());
+    a_writer.textElement(s_sDeviceType, a_device.deviceType());
     writeReceiverSettings(a_writer, a_device.receiverSettings());
     if (const auto station = a_device.station()) {
-        writeXmlTextElement(a_writer, s_sStation, station->id());
+        a_writer.textElement(s_sStation, station->id());
     } else {
         writePosition(a_writer, a_device.positionSettings());
     }
-    a_writer.writeEndElement();
+    a_writer.endElement();
 }
 
-void DeploymentDataXml::readReceiverSettings(QXmlStreamReader& a_reader, ReceiverSettings& a_settings)
+void DeploymentDataXml::writeReceiverSettings(XmlWriter& a_writer, const ReceiverSettings& a_settings)
 {
-    forEachChild(a_reader, [&](QStringView a_sName) {
-        return readXmlField(a_reader, a_sName, s_receiverNumbers, a_settings);
-    });
+    a_writer.startElement(s_sReceiverSettings);
+    writeXmlFields(a_writer, a_settings, s_receiverNumbers);
+    a_writer.endElement();
 }
 
-void DeploymentDataXml::writeReceiverSettings(QXmlStreamWriter& a_writer, const ReceiverSettings& a_settings)
+void DeploymentDataXml::readStation(XmlReader& a_reader)
 {
-    a_writer.writeStartElement(s_sReceiverSettings);
-    writeXmlFields(a_writer, s_receiverNumbers, a_settings);
-    a_writer.writeEndElement();
-}
-
-void DeploymentDataXml::readStation(QXmlStreamReader& a_reader)
-{
-    const QXmlStreamAttributes attributes = a_reader.attributes();
-    if (!attributes.hasAttribute(s_sId)) {
-        skipElement(a_reader);
+    using Station = Reading::Station;
+    static const XmlChild<Station> s_children[] = {
+        {s_sIconId,
+         [](XmlReader& a_childReader, Station& a_station) {
+             a_station.station.setIconId(readText(a_childReader, a_station.station.iconId()));
+         }},
+        {s_sPosition,
+         [](XmlReader& a_childReader, Station& a_station) {
+             a_station.deployment.readObjectPosition(a_childReader, a_station.station);
+         },
+         XmlOccurs::Once},
+    };
+    ObjectAttributes attributes;
+    readXmlAttributes(a_reader, attributes, s_objectAttributes);
+    if (attributes.pId == nullptr) {
+        reportMissingId(a_reader);
+        a_reader.skip();
         return;
     }
-    const QString sId = attributes.value(s_sId).toString();
+    const QString sId = attributes.pId->string();
     const auto station = objectForId(a_reader, m_stations, sId);
     if (!station) {
         return;
     }
-    ++m_stationElements[sId];
-    // A station's name is its id. The attribute "Name" therefore changes the id, but the
-    // key of the station in the document remains the value of the attribute "ID".
-    if (const auto sName = attributes.value(s_sName); !sName.isEmpty()) {
-        station->setName(sName.toString());
+    if (++m_stationElements[sId] > 1) {
+        reportMerged(a_reader, *attributes.pId);
     }
-    forEachChild(a_reader, [&](QStringView a_sName) { return readObjectChild(a_reader, a_sName, *station); });
+    // A station's name is its id: the attribute "Name" changes the id, but the document
+    // still holds the station under the attribute "ID".
+    if (attributes.pName != nullptr && !attributes.pName->bytes.isEmpty()) {
+        reportOtherName(a_reader, *attributes.pName, sId);
+        station->setName(attributes.pName->string());
+    }
+    Station reading{*this, *station};
+    readXmlChildren(a_reader, reading, s_children);
 }
 
-void DeploymentDataXml::writeStation(QXmlStreamWriter& a_writer, const DeploymentStation& a_station)
+void DeploymentDataXml::writeStation(XmlWriter& a_writer, const DeploymentStation& a_station)
 {
     writeObjectStart(a_writer, s_sStation, a_station);
     writePosition(a_writer, a_station.positionSettings());
-    a_writer.writeEndElement();
+    a_writer.endElement();
 }
 
 } // namespace Simulation

@@ -75,6 +75,15 @@ QString stringForNetworkType(NetworkType a_eType)
     return a_eType == NetworkType::Hierarchical ? QStringLiteral("Hierarchical") : QStringLiteral("Star");
 }
 
+QStringList analogModulationTexts()
+{
+    QStringList texts;
+    for (const auto& entry : s_modulations) {
+        texts.append(entry.text.toString());
+    }
+    return texts;
+}
+
 QString analogModulationToString(AnalogModulations a_eModulation)
 {
     return textOf(s_modulations, a_eModulation, u"None");

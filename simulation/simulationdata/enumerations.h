@@ -4,6 +4,7 @@
 #include "simulationdata/simulationdata_export.h"
 
 #include <QString>
+#include <QStringList>
 
 namespace Simulation {
 
@@ -55,6 +56,9 @@ enum class NetworkType : int {
 
 /// Display text; every value but Hierarchical gives "Star".
 [[nodiscard]] SIMULATIONDATA_EXPORT QString stringForNetworkType(NetworkType a_eType);
+
+/// The texts of all modulations, in the order of their values.
+[[nodiscard]] SIMULATIONDATA_EXPORT QStringList analogModulationTexts();
 
 /// The text of a modulation; an unknown value gives "None".
 [[nodiscard]] SIMULATIONDATA_EXPORT QString analogModulationToString(AnalogModulations a_eModulation);

@@ -112,11 +112,16 @@ qint64 ReadingReport::unlisted() const
 
 void ReadingReport::add(ReadingEntry a_entry)
 {
-    ++m_counts[a_entry.rule];
-    ++m_severities[static_cast<std::size_t>(a_entry.severity)];
+    addUnlisted(a_entry.rule, a_entry.severity, 1);
     if (m_entries.size() < s_iMaximumEntries) {
         m_entries.append(std::move(a_entry));
     }
+}
+
+void ReadingReport::addUnlisted(QLatin1String a_sRule, Severity a_eSeverity, qint64 a_iCount)
+{
+    m_counts[a_sRule] += a_iCount;
+    m_severities[static_cast<std::size_t>(a_eSeverity)] += a_iCount;
 }
 
 } // namespace Simulation

@@ -88,6 +88,8 @@ public:
 
     /// Counts the entry, and lists it while fewer than s_iMaximumEntries are listed.
     void add(ReadingEntry a_entry);
+    /// Counts deviations that are not listed.
+    void addUnlisted(QLatin1String a_sRule, Severity a_eSeverity, qint64 a_iCount);
 
 private:
     QList<ReadingEntry> m_entries;

@@ -12,10 +12,7 @@
 #include "simulationdata/szenarioemitter.h"
 #include "simulationdata/xml/documentformat_p.h"
 #include "simulationdata/xml/xmldocumentreader_p.h"
-#include "simulationdata/xml/xmltext_p.h"
 #include "simulationdata/xml/xmlwalk_p.h"
-
-#include <QXmlStreamWriter>
 
 #include <algorithm>
 #include <iterator>
@@ -28,7 +25,7 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/scenariodataxml";
 
-const DocumentKind s_kind(s_szSource, QStringLiteral("Scenario"), QStringLiteral("Scenario"));
+const DocumentKind s_kind(s_szSource, QStringLiteral("Scenario"), QLatin1String("Scenario"));
 
 using ObjectSet = QSet<std::shared_ptr<ScenarioObject>>;
 
@@ -90,7 +87,7 @@ template<typename Write>
 QByteArray written(const Write& a_write)
 {
     QByteArray text;
-    QXmlStreamWriter writer(&text);
+    XmlTextWriter writer(text);
     a_write(writer);
     return text;
 }
@@ -114,54 +111,104 @@ void ScenarioDataXml::clear()
 
 bool ScenarioDataXml::fromXmlFile(const QString& a_sFile)
 {
-    const std::optional<QByteArray> xml = s_kind.load(a_sFile, &m_sErrorString);
+    const std::optional<QByteArray> xml = s_kind.load(a_sFile, &m_sErrorString, &m_report);
     return xml && fromXml(*xml);
 }
 
 bool ScenarioDataXml::fromXml(QIODevice* a_pDevice)
 {
-    const std::optional<QByteArray> xml = s_kind.load(a_pDevice, &m_sErrorString);
+    const std::optional<QByteArray> xml = s_kind.load(a_pDevice, &m_sErrorString, &m_report);
     return xml && fromXml(*xml);
 }
 
 bool ScenarioDataXml::fromXml(const QByteArray& a_xml)
 {
-    return s_kind.read(a_xml, &m_sErrorString, [this](QXmlStreamReader& a_reader) {
+    return s_kind.read(a_xml, &m_sErrorString, &m_report, [this](XmlReader& a_reader) {
         clear();
-        readHeader(a_reader.attributes());
+        readHeader(a_reader);
         return readChildren(a_reader);
     });
 }
 
-void ScenarioDataXml::readHeader(const QXmlStreamAttributes& a_attributes)
+void ScenarioDataXml::readHeader(XmlReader& a_reader)
 {
-    m_uiFileVersion = readUInt32(a_attributes.value(s_sFileFormatVersion));
-    m_sName = a_attributes.value(s_sName).toString();
-    m_sAuthor = a_attributes.value(s_sAuthor).toString();
-    m_sPersistantId = a_attributes.value(s_sUid).toString();
-    m_uiDuration = readUInt32(a_attributes.value(s_sDuration));
-    m_sDescription = a_attributes.value(s_sDescription).toString();
+    static const XmlAttributeField<ScenarioDataXml> s_fields[] = {
+        {s_sFileFormatVersion,
+         [](XmlReader& a_fieldReader, const XmlText& a_value, ScenarioDataXml& a_scenario) {
+             a_scenario.m_uiFileVersion = readVersion(a_fieldReader, a_value, s_uiFileFormatVersion);
+         }},
+        {s_sName, [](XmlReader& /*a_reader*/, const XmlText& a_value,
+                     ScenarioDataXml& a_scenario) { a_scenario.m_sName = a_value.string(); }},
+        {s_sAuthor, [](XmlReader& /*a_reader*/, const XmlText& a_value,
+                       ScenarioDataXml& a_scenario) { a_scenario.m_sAuthor = a_value.string(); }},
+        {s_sUid, [](XmlReader& /*a_reader*/, const XmlText& a_value,
+                    ScenarioDataXml& a_scenario) { a_scenario.m_sPersistantId = a_value.string(); }},
+        {s_sDuration,
+         [](XmlReader& a_fieldReader, const XmlText& a_value, ScenarioDataXml& a_scenario) {
+             a_scenario.m_uiDuration = a_fieldReader.unsignedNumber(a_value, s_milliseconds);
+         }},
+        {s_sDescription, [](XmlReader& /*a_reader*/, const XmlText& a_value,
+                            ScenarioDataXml& a_scenario) { a_scenario.m_sDescription = a_value.string(); }},
+    };
+    m_uiFileVersion = 0;
+    m_sName = m_sAuthor = m_sPersistantId = m_sDescription = QString();
+    m_uiDuration = 0;
     m_noiseSettings.setDefaults();
+    if (a_reader.attribute(s_sFileFormatVersion) == nullptr) {
+        reportMissingVersion(a_reader);
+    }
+    readXmlAttributes(a_reader, *this, s_fields);
 }
 
-void ScenarioDataXml::writeHeader(QXmlStreamWriter& a_writer) const
+void ScenarioDataXml::writeHeader(XmlWriter& a_writer) const
 {
-    a_writer.writeAttribute(s_sFileFormatVersion, QString::number(s_uiFileFormatVersion));
-    writeXmlAttribute(a_writer, s_sName, m_sName);
-    writeXmlAttribute(a_writer, s_sAuthor, m_sAuthor);
-    writeXmlAttribute(a_writer, s_sUid, m_sPersistantId);
-    a_writer.writeAttribute(s_sDuration, QString::number(m_uiDuration));
-    writeXmlTextElement(a_writer, s_sDescription, m_sDescription);
+    a_writer.wholeAttribute(s_sFileFormatVersion, s_uiFileFormatVersion);
+    a_writer.attribute(s_sName, m_sName);
+    a_writer.attribute(s_sAuthor, m_sAuthor);
+    a_writer.attribute(s_sUid, m_sPersistantId);
+    a_writer.wholeAttribute(s_sDuration, m_uiDuration);
+    a_writer.textElement(s_sDescription, m_sDescription);
     writeNoiseSettings(a_writer, m_noiseSettings);
 }
 
 /// Reads the children of the root element. Returns an error text when the scenario has
 /// no room for emitters that appear only in references; otherwise an empty text.
-QString ScenarioDataXml::readChildren(QXmlStreamReader& a_reader)
+QString ScenarioDataXml::readChildren(XmlReader& a_reader)
 {
-    ScenarioReferences references(m_objects, m_pProvider);
-    forEachChild(a_reader, [&](QStringView a_sName) { return readChild(a_reader, a_sName, references); });
-    const bool bWhole = references.resolve();
+    struct Reading
+    {
+        ScenarioDataXml& scenario;
+        ScenarioReferences references;
+    };
+    static const XmlChild<Reading> s_children[] = {
+        {s_sEmitter,
+         [](XmlReader& a_childReader, Reading& a_reading) {
+             a_reading.scenario.readScenarioEmitter(a_childReader, EmitterType::Emitter, a_reading.references);
+         },
+         XmlOccurs::AnyTimes},
+        {s_sElintEmitter,
+         [](XmlReader& a_childReader, Reading& a_reading) {
+             a_reading.scenario.readScenarioEmitter(a_childReader, EmitterType::ElintEmitter,
+                                                    a_reading.references);
+         },
+         XmlOccurs::AnyTimes},
+        {s_sNetwork,
+         [](XmlReader& a_childReader, Reading& a_reading) {
+             a_reading.scenario.readScenarioNetwork(a_childReader, a_reading.references);
+         },
+         XmlOccurs::AnyTimes},
+        {s_sDescription,
+         [](XmlReader& a_childReader, Reading& a_reading) {
+             a_reading.scenario.m_sDescription = readText(a_childReader, a_reading.scenario.m_sDescription);
+         }},
+        {s_sNoiseSettings,
+         [](XmlReader& a_childReader, Reading& a_reading) {
+             readNoiseSettings(a_childReader, a_reading.scenario.m_noiseSettings);
+         }},
+    };
+    Reading reading{*this, ScenarioReferences(m_objects, m_pProvider)};
+    readXmlChildren(a_reader, reading, s_children);
+    const bool bWhole = reading.references.resolve(a_reader.deviations());
     // Two elements with one id may mark the same emitter as a default emitter twice.
     QSet<std::shared_ptr<SzenarioEmitter>> seen;
     m_defaultEmitters.removeIf([&](const auto& a_default) {
@@ -172,28 +219,9 @@ QString ScenarioDataXml::readChildren(QXmlStreamReader& a_reader)
     return bWhole ? QString() : Limits::exceeded(Limits::ScenarioObjects);
 }
 
-bool ScenarioDataXml::readChild(QXmlStreamReader& a_reader, QStringView a_sName,
-                                ScenarioReferences& a_references)
-{
-    if (a_sName == u"Emitter") {
-        readScenarioEmitter(a_reader, EmitterType::Emitter, a_references);
-    } else if (a_sName == u"ElintEmitter") {
-        readScenarioEmitter(a_reader, EmitterType::ElintEmitter, a_references);
-    } else if (a_sName == u"Network") {
-        readScenarioNetwork(a_reader, a_references);
-    } else if (a_sName == s_sDescription) {
-        m_sDescription = elementText(a_reader).value_or(m_sDescription);
-    } else if (a_sName == u"NoiseSettings") {
-        readNoiseSettings(a_reader, m_noiseSettings);
-    } else {
-        return false;
-    }
-    return true;
-}
-
 /// Writes the objects and calls `a_stillReadable` after each. Returns false as soon as
 /// that function reports that the text is too long to be read back.
-bool ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& a_objects,
+bool ScenarioDataXml::writeObjects(XmlWriter& a_writer, const ObjectSet& a_objects,
                                    const QList<std::shared_ptr<SzenarioEmitter>>& a_defaults,
                                    const std::function<bool()>& a_stillReadable)
 {
@@ -201,11 +229,11 @@ bool ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& 
     for (const std::shared_ptr<SzenarioEmitter>& emitter : a_defaults) {
         defaults.insert(emitter.get());
     }
-    const auto writeEmitter = [&](QXmlStreamWriter& a_target, const SzenarioEmitter& a_emitter) {
+    const auto writeEmitter = [&](XmlWriter& a_target, const SzenarioEmitter& a_emitter) {
         writeScenarioEmitter(a_target, a_emitter, defaults.contains(&a_emitter));
     };
     const auto emitters = inOrder<SzenarioEmitter>(a_objects, [&](const SzenarioEmitter& a_emitter) {
-        return written([&](QXmlStreamWriter& a_target) { writeEmitter(a_target, a_emitter); });
+        return written([&](XmlWriter& a_target) { writeEmitter(a_target, a_emitter); });
     });
     for (const SzenarioEmitter* pEmitter : emitters) {
         writeEmitter(a_writer, *pEmitter);
@@ -214,7 +242,7 @@ bool ScenarioDataXml::writeObjects(QXmlStreamWriter& a_writer, const ObjectSet& 
         }
     }
     const auto networks = inOrder<ScenarioNetwork>(a_objects, [](const ScenarioNetwork& a_network) {
-        return written([&](QXmlStreamWriter& a_target) { writeScenarioNetwork(a_target, a_network); });
+        return written([&](XmlWriter& a_target) { writeScenarioNetwork(a_target, a_network); });
     });
     for (const ScenarioNetwork* pNetwork : networks) {
         writeScenarioNetwork(a_writer, *pNetwork);
@@ -231,7 +259,7 @@ QByteArray ScenarioDataXml::toXml()
         m_sPersistantId = createPersistentId(m_sName);
     }
     const QByteArray xml =
-        s_kind.text([this](QXmlStreamWriter& a_writer, const DocumentKind::StillReadable& a_stillReadable) {
+        s_kind.text([this](XmlWriter& a_writer, const DocumentKind::StillReadable& a_stillReadable) {
             writeHeader(a_writer);
             return writeObjects(a_writer, m_objects, m_defaultEmitters, a_stillReadable);
         });
@@ -281,37 +309,36 @@ QString ScenarioDataXml::xmlForObjects(const ObjectSet& a_objects, ISignalPackag
 {
     ObjectSet objects = a_objects;
     objects.remove(nullptr);
-    QString sXml;
-    QXmlStreamWriter writer(&sXml);
-    writer.setAutoFormatting(true);
-    writer.writeStartDocument();
-    writer.writeStartElement(s_sScenarioObjects);
-    if (!writeObjects(writer, objects, {}, [&] { return s_kind.isReadable(sXml.size()); })) {
+    QByteArray xml;
+    XmlTextWriter writer(xml);
+    writer.startDocument(false);
+    writer.startElement(s_sScenarioObjects);
+    // A reader counts a byte-order mark and the bytes that it decodes.
+    constexpr qsizetype iMarkBytes = 3;
+    const auto isReadable = [&] { return s_kind.isReadable(xml.size() + iMarkBytes); };
+    if (!writeObjects(writer, objects, {}, isReadable)) {
         return {};
     }
-    writer.writeEndElement();
-    writer.writeEndDocument();
-    // A reader converts the text to UTF-8 with a byte-order mark and counts all these
-    // bytes.
-    constexpr qsizetype iMarkBytes = 3;
-    if (!s_kind.isReadable(sXml.toUtf8().size() + iMarkBytes)) {
+    writer.endElement();
+    writer.endDocument();
+    if (!isReadable()) {
         return {};
     }
     if (const QString sShared = sharedIdsOf(objects); !sShared.isEmpty()) {
         traceError(s_szSource, [&] { return QStringLiteral("Objects written: ") + sShared; });
     }
-    return sXml;
+    return QString::fromUtf8(xml);
 }
 
 ObjectSet ScenarioDataXml::objectsForXml(const QString& a_sXml, ISignalPackageProvider* a_pProvider)
 {
     XmlDocumentReader document(a_sXml);
     ScenarioDataXml scenario(a_pProvider);
-    if (!document.stream().readNextStartElement()) {
+    if (!document.readRoot()) {
         s_kind.refuse(document.errorString(), &scenario.m_sErrorString);
         return {};
     }
-    const QString sChildrenError = scenario.readChildren(document.stream());
+    const QString sChildrenError = scenario.readChildren(document.reader());
     if (const QString sError = errorOf(document, sChildrenError); !sError.isEmpty()) {
         traceError(s_szSource, [&] { return QStringLiteral("Objects broke off: %1").arg(sError); });
     }

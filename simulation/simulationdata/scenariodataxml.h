@@ -2,6 +2,7 @@
 #define SIMULATIONDATA_SCENARIODATAXML_H
 
 #include "simulationdata/enumerations.h"
+#include "simulationdata/readingreport.h"
 #include "simulationdata/scenarionoisesettings.h"
 #include "simulationdata/simulationdata_export.h"
 
@@ -10,16 +11,12 @@
 #include <QMap>
 #include <QSet>
 #include <QString>
-#include <QStringView>
 
 #include <cstdint>
 #include <functional>
 #include <memory>
 
 class QIODevice;
-class QXmlStreamAttributes;
-class QXmlStreamReader;
-class QXmlStreamWriter;
 
 namespace Simulation {
 
@@ -28,6 +25,9 @@ class ScenarioNetwork;
 class ScenarioObject;
 class ScenarioReferences;
 class SzenarioEmitter;
+class XmlDeviations;
+class XmlReader;
+class XmlWriter;
 enum class EmitterType;
 
 /// The scenario document: the objects of one scenario, its header and its noise. It
@@ -50,7 +50,7 @@ public:
 
     /// Reads a document. The former objects are released after the root "Scenario"
     /// was read. Returns false when there is no root, the root has another name, or
-    /// the file cannot be read. In this case only errorString() changes.
+    /// the file cannot be read. In this case only errorString() and report() change.
     ///
     /// Reading stops where a document ends early, is malformed or exceeds a limit.
     /// The result is then true, errorString() is set, and the part read before is
@@ -157,22 +157,21 @@ private:
 
     // The document as a whole (scenariodataxml.cpp)
     void clear();
-    void readHeader(const QXmlStreamAttributes& a_attributes);
-    QString readChildren(QXmlStreamReader& a_reader);
-    bool readChild(QXmlStreamReader& a_reader, QStringView a_sName, ScenarioReferences& a_references);
-    void writeHeader(QXmlStreamWriter& a_writer) const;
-    static bool writeObjects(QXmlStreamWriter& a_writer,
+    void readHeader(XmlReader& a_reader);
+    QString readChildren(XmlReader& a_reader);
+    void writeHeader(XmlWriter& a_writer) const;
+    static bool writeObjects(XmlWriter& a_writer,
                              const QSet<std::shared_ptr<ScenarioObject>>& a_objects,
                              const QList<std::shared_ptr<SzenarioEmitter>>& a_defaults,
                              const std::function<bool()>& a_stillReadable);
 
     // The objects of the document (scenariodataxml_objects.cpp)
-    void readScenarioEmitter(QXmlStreamReader& a_reader, EmitterType a_eType,
+    void readScenarioEmitter(XmlReader& a_reader, EmitterType a_eType,
                              ScenarioReferences& a_references);
-    static void writeScenarioEmitter(QXmlStreamWriter& a_writer, const SzenarioEmitter& a_emitter,
+    static void writeScenarioEmitter(XmlWriter& a_writer, const SzenarioEmitter& a_emitter,
                                      bool a_bDefault);
-    void readScenarioNetwork(QXmlStreamReader& a_reader, ScenarioReferences& a_references);
-    static void writeScenarioNetwork(QXmlStreamWriter& a_writer, const ScenarioNetwork& a_network);
+    void readScenarioNetwork(XmlReader& a_reader, ScenarioReferences& a_references);
+    static void writeScenarioNetwork(XmlWriter& a_writer, const ScenarioNetwork& a_network);
 
     ISignalPackageProvider* m_pProvider;
     QList<std::shared_ptr<SzenarioEmitter>> m_defaultEmitters;
@@ -185,6 +184,7 @@ private:
     std::uint32_t m_uiFileVersion = s_uiFileFormatVersion;
     ScenarioNoiseSettings m_noiseSettings;
     QString m_sErrorString;
+    ReadingReport m_report;
     QMap<QString, qsizetype> m_mergedIds;
 };
 

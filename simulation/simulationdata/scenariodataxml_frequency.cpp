@@ -1,6 +1,7 @@
 #include "scenariodataxml_p.h"
 
 #include "commondataxml_names_p.h"
+#include "commondataxml_p.h"
 #include "simulationdata/commondataxml.h"
 #include "simulationdata/frequencysettings_chirp.h"
 #include "simulationdata/frequencysettings_fasthopper.h"
@@ -8,6 +9,8 @@
 #include "simulationdata/frequencysettingsfixed.h"
 #include "simulationdata/xml/xmlwalk_p.h"
 
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <utility>
 
@@ -20,157 +23,140 @@ using Chirp = FrequencySettings_Chirp;
 using FastHopper = FrequencySettings_FastHopper;
 using SlowHopper = FrequencySettings_SlowHopper;
 
-float readOffset(QStringView a_sText)
-{
-    // An offset beyond the range of a float has no meaning and is read as 0.
-    const double dOffset = readDouble(a_sText);
-    return std::isfinite(static_cast<float>(dOffset)) ? static_cast<float>(dOffset) : 0.0F;
-}
-
-QString offsetText(float a_fOffset)
-{
-    return numberText(static_cast<double>(a_fOffset));
-}
+constexpr double s_dMost = std::numeric_limits<std::uint32_t>::max();
+constexpr XmlRange s_sweeps{1.0, s_dMost, false, "milliseconds"};
+constexpr XmlRange s_counts{1.0, s_dMost, false, "channels"};
+constexpr XmlRange s_rates{1.0, s_dMost, false, "hops per second"};
 
 const XmlField<Chirp> s_chirpFields[] = {
-    {QStringLiteral("StartFrequency"),
-     [](const Chirp& a_record) { return numberText(a_record.getStartFrequency()); },
-     [](Chirp& a_record, QStringView a_sText) { a_record.setStartFrequency(readDouble(a_sText)); }},
-    {QStringLiteral("StopFrequency"),
-     [](const Chirp& a_record) { return numberText(a_record.getStopFrequency()); },
-     [](Chirp& a_record, QStringView a_sText) { a_record.setStopFrequency(readDouble(a_sText)); }},
-    {s_sDuration, [](const Chirp& a_record) { return QString::number(a_record.getDuration()); },
-     [](Chirp& a_record, QStringView a_sText) { a_record.setDuration(readUInt32(a_sText)); }},
-    {QStringLiteral("TimeslotOffset"),
-     [](const Chirp& a_record) { return offsetText(a_record.getTimeslotOffset()); },
-     [](Chirp& a_record, QStringView a_sText) { a_record.setTimeslotOffset(readOffset(a_sText)); }},
+    xmlField<Chirp, &Chirp::getStartFrequency, &Chirp::setStartFrequency, s_frequencies>("StartFrequency"),
+    xmlField<Chirp, &Chirp::getStopFrequency, &Chirp::setStopFrequency, s_frequencies>("StopFrequency"),
+    xmlField<Chirp, &Chirp::getDuration, &Chirp::setDuration, s_sweeps>("Duration"),
+    xmlField<Chirp, &Chirp::getTimeslotOffset, &Chirp::setTimeslotOffset, s_fractions>("TimeslotOffset"),
 };
 
 // The spelling "Hopp" is part of the format.
 const XmlField<FastHopper> s_fastHopperFields[] = {
-    {QStringLiteral("MinimumFrequency"),
-     [](const FastHopper& a_record) { return numberText(a_record.getMinimumFrequency()); },
-     [](FastHopper& a_record, QStringView a_sText) { a_record.setMinimumFrequency(readDouble(a_sText)); }},
-    {QStringLiteral("MaximumFrequency"),
-     [](const FastHopper& a_record) { return numberText(a_record.getMaximumFrequency()); },
-     [](FastHopper& a_record, QStringView a_sText) { a_record.setMaximumFrequency(readDouble(a_sText)); }},
-    {QStringLiteral("HoppCount"),
-     [](const FastHopper& a_record) { return QString::number(a_record.getHoppCount()); },
-     [](FastHopper& a_record, QStringView a_sText) { a_record.setHoppCount(readUInt32(a_sText)); }},
-    {QStringLiteral("HoppRate"),
-     [](const FastHopper& a_record) { return QString::number(a_record.getHoppRate()); },
-     [](FastHopper& a_record, QStringView a_sText) { a_record.setHoppRate(readUInt32(a_sText)); }},
-    {QStringLiteral("HoppSet"),
-     [](const FastHopper& a_record) { return QString::number(a_record.getHoppSet()); },
-     [](FastHopper& a_record, QStringView a_sText) { a_record.setHoppSet(readUInt32(a_sText)); }},
-    {QStringLiteral("TimeslotOffset"),
-     [](const FastHopper& a_record) { return offsetText(a_record.getTimeslotOffset()); },
-     [](FastHopper& a_record, QStringView a_sText) { a_record.setTimeslotOffset(readOffset(a_sText)); }},
+    xmlField<FastHopper, &FastHopper::getMinimumFrequency, &FastHopper::setMinimumFrequency, s_frequencies>(
+        "MinimumFrequency"),
+    xmlField<FastHopper, &FastHopper::getMaximumFrequency, &FastHopper::setMaximumFrequency, s_frequencies>(
+        "MaximumFrequency"),
+    xmlField<FastHopper, &FastHopper::getHoppCount, &FastHopper::setHoppCount, s_counts>("HoppCount"),
+    xmlField<FastHopper, &FastHopper::getHoppRate, &FastHopper::setHoppRate, s_rates>("HoppRate"),
+    xmlField<FastHopper, &FastHopper::getHoppSet, &FastHopper::setHoppSet>("HoppSet"),
+    xmlField<FastHopper, &FastHopper::getTimeslotOffset, &FastHopper::setTimeslotOffset, s_fractions>(
+        "TimeslotOffset"),
 };
 
-template<typename Settings, typename Fields>
-std::unique_ptr<IFrequencySettings> readRecord(QXmlStreamReader& a_reader, const Fields& a_fields)
+using SettingsPtr = std::unique_ptr<IFrequencySettings>;
+
+template<typename Settings, const auto& Fields>
+void readRecord(XmlReader& a_reader, SettingsPtr& a_settings)
 {
     auto settings = std::make_unique<Settings>();
-    forEachChild(a_reader,
-                 [&](QStringView a_sName) { return readXmlField(a_reader, a_sName, a_fields, *settings); });
-    return settings;
+    readXmlChildren(a_reader, *settings, Fields);
+    a_settings = std::move(settings);
 }
 
-template<typename Settings, typename Fields>
-void writeRecord(QXmlStreamWriter& a_writer, const QString& a_sName, const Fields& a_fields,
-                 const Settings& a_settings)
+template<typename Settings, std::size_t Count>
+void writeRecord(XmlWriter& a_writer, QLatin1String a_sName, const Settings& a_settings,
+                 const XmlField<Settings> (&a_fields)[Count])
 {
-    a_writer.writeStartElement(a_sName);
-    writeXmlFields(a_writer, a_fields, a_settings);
-    a_writer.writeEndElement();
+    a_writer.startElement(a_sName);
+    writeXmlFields(a_writer, a_settings, a_fields);
+    a_writer.endElement();
 }
 
-std::unique_ptr<IFrequencySettings> readFixed(QXmlStreamReader& a_reader)
+void readFixed(XmlReader& a_reader, SettingsPtr& a_settings)
 {
-    auto settings = std::make_unique<Fixed>();
-    const auto sText = elementText(a_reader);
-    if (!sText) {
-        return nullptr;
+    a_settings.reset();
+    if (const auto text = a_reader.text()) {
+        auto settings = std::make_unique<Fixed>();
+        settings->setCenterFrequency(a_reader.number(*text, s_frequencies));
+        a_settings = std::move(settings);
     }
-    settings->setCenterFrequency(readDouble(*sText));
-    return settings;
 }
 
-std::unique_ptr<IFrequencySettings> readSlowHopper(QXmlStreamReader& a_reader)
+const XmlAttributeField<FrequencyStep> s_stepAttributes[] = {
+    {s_sDuration,
+     [](XmlReader& a_reader, const XmlText& a_value, FrequencyStep& a_step) {
+         a_step.duration = a_reader.unsignedNumber(a_value, s_milliseconds);
+     },
+     XmlOccurs::Once},
+};
+
+const XmlChild<QList<FrequencyStep>> s_steps[] = {
+    {s_sFrequency,
+     [](XmlReader& a_reader, QList<FrequencyStep>& a_steps) {
+         FrequencyStep step;
+         readXmlAttributes(a_reader, step, s_stepAttributes);
+         if (const auto text = a_reader.text()) {
+             step.frequency = a_reader.number(*text, s_frequencies);
+             a_steps.append(step);
+         }
+     },
+     XmlOccurs::Several},
+};
+
+void readSlowHopper(XmlReader& a_reader, SettingsPtr& a_settings)
 {
     auto settings = std::make_unique<SlowHopper>();
-    settings->setEndBehavior(CommonDataXml::stringToEndBehavior(a_reader.attributes().value(s_sEndBehavior)));
+    settings->setEndBehavior(readEndBehavior(a_reader));
     QList<FrequencyStep> steps;
-    forEachChild(a_reader, [&](QStringView a_sName) {
-        if (a_sName != s_sFrequency) {
-            return false;
-        }
-        FrequencyStep step;
-        step.duration = readUInt32(a_reader.attributes().value(s_sDuration));
-        if (const auto sText = elementText(a_reader)) {
-            step.frequency = readDouble(*sText);
-            steps.append(step);
-        }
-        return true;
-    });
+    readXmlChildren(a_reader, steps, s_steps);
     if (!steps.isEmpty()) { // without steps, the step of a new hopper is kept
         settings->setFrequencySteps(steps);
     }
-    return settings;
+    a_settings = std::move(settings);
 }
 
-void writeSlowHopper(QXmlStreamWriter& a_writer, const SlowHopper& a_settings)
+void writeSlowHopper(XmlWriter& a_writer, const SlowHopper& a_settings)
 {
-    a_writer.writeStartElement(s_sSlowHopper);
-    a_writer.writeAttribute(s_sEndBehavior, CommonDataXml::endBehaviorToString(a_settings.getEndBehavior()));
+    a_writer.startElement(s_sSlowHopper);
+    a_writer.attribute(s_sEndBehavior, CommonDataXml::endBehaviorToString(a_settings.getEndBehavior()));
     for (const FrequencyStep& step : a_settings.getFrequencySteps()) {
-        a_writer.writeStartElement(s_sFrequency);
-        a_writer.writeAttribute(s_sDuration, QString::number(step.duration));
-        a_writer.writeCharacters(numberText(step.frequency));
-        a_writer.writeEndElement();
+        a_writer.startElement(s_sFrequency);
+        a_writer.wholeAttribute(s_sDuration, step.duration);
+        a_writer.number(step.frequency);
+        a_writer.endElement();
     }
-    a_writer.writeEndElement();
+    a_writer.endElement();
 }
+
+const XmlChild<SettingsPtr> s_forms[] = {
+    {s_sFixed, &readFixed, XmlOccurs::OneOf},
+    {s_sChirp, &readRecord<Chirp, s_chirpFields>, XmlOccurs::OneOf},
+    {s_sFastHopper, &readRecord<FastHopper, s_fastHopperFields>, XmlOccurs::OneOf},
+    {s_sSlowHopper, &readSlowHopper, XmlOccurs::OneOf},
+};
 
 } // namespace
 
-IFrequencySettings* readFrequencySettings(QXmlStreamReader& a_reader)
+SettingsPtr readFrequencySettings(XmlReader& a_reader)
 {
-    std::unique_ptr<IFrequencySettings> settings;
-    forEachChild(a_reader, [&](QStringView a_sName) {
-        if (a_sName == s_sFixed) {
-            settings = readFixed(a_reader);
-        } else if (a_sName == s_sChirp) {
-            settings = readRecord<Chirp>(a_reader, s_chirpFields);
-        } else if (a_sName == s_sFastHopper) {
-            settings = readRecord<FastHopper>(a_reader, s_fastHopperFields);
-        } else if (a_sName == s_sSlowHopper) {
-            settings = readSlowHopper(a_reader);
-        } else {
-            return false;
-        }
-        return true;
-    });
-    return settings.release();
+    SettingsPtr settings;
+    readXmlChildren(a_reader, settings, s_forms);
+    return settings;
 }
 
-void writeFrequencySettings(QXmlStreamWriter& a_writer, const IFrequencySettings* a_pSettings)
+void writeFrequencySettings(XmlWriter& a_writer, const IFrequencySettings* a_pSettings)
 {
     if (a_pSettings == nullptr) {
         return;
     }
-    a_writer.writeStartElement(s_sFrequency);
+    a_writer.startElement(s_sFrequency);
     if (const auto* pFixed = dynamic_cast<const Fixed*>(a_pSettings)) {
-        a_writer.writeTextElement(s_sFixed, numberText(pFixed->getCenterFrequency()));
+        a_writer.startElement(s_sFixed);
+        a_writer.number(pFixed->getCenterFrequency());
+        a_writer.endElement();
     } else if (const auto* pChirp = dynamic_cast<const Chirp*>(a_pSettings)) {
-        writeRecord(a_writer, s_sChirp, s_chirpFields, *pChirp);
+        writeRecord(a_writer, s_sChirp, *pChirp, s_chirpFields);
     } else if (const auto* pFastHopper = dynamic_cast<const FastHopper*>(a_pSettings)) {
-        writeRecord(a_writer, s_sFastHopper, s_fastHopperFields, *pFastHopper);
+        writeRecord(a_writer, s_sFastHopper, *pFastHopper, s_fastHopperFields);
     } else if (const auto* pSlowHopper = dynamic_cast<const SlowHopper*>(a_pSettings)) {
         writeSlowHopper(a_writer, *pSlowHopper);
     }
-    a_writer.writeEndElement();
+    a_writer.endElement();
 }
 
 } // namespace Simulation

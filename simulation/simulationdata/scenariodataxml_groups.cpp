@@ -6,7 +6,6 @@
 #include "simulationdata/xml/xmlwalk_p.h"
 
 #include <QSet>
-#include <QXmlStreamWriter>
 
 #include <cstddef>
 
@@ -18,34 +17,90 @@ constexpr const char* s_szSource = "simulation/simulationdata/scenariodataxml_gr
 
 } // namespace
 
-void EmissionGroupsReader::readGroups(QXmlStreamReader& a_reader)
+void SeenNumbers::add(XmlReader& a_reader, const XmlText& a_text, std::uint32_t a_uiNumber)
 {
-    forEachChild(a_reader, [&](QStringView a_sName) {
-        if (a_sName != s_sGroup) {
-            return false;
-        }
-        readGroup(a_reader);
-        return true;
-    });
+    if (a_uiNumber == 0 || a_reader.deviations() == nullptr) {
+        return;
+    }
+    if (m_hashed.isEmpty() && (m_ascending.empty() || a_uiNumber > m_ascending.back())) {
+        m_ascending.push_back(a_uiNumber);
+        return;
+    }
+    if (m_hashed.isEmpty()) {
+        m_hashed = QSet<std::uint32_t>(m_ascending.cbegin(), m_ascending.cend());
+    }
+    if (m_hashed.contains(a_uiNumber)) {
+        a_reader.deviations()->add(ReadingReport::s_sDuplicateId, a_text.offset, [&](ReadingEntry& a_entry) {
+            a_entry.found = shownText(a_text.bytes);
+            a_entry.message = QStringLiteral("The number is used before: a group that names it gets the first one.");
+        });
+    }
+    m_hashed.insert(a_uiNumber);
 }
 
-void EmissionGroupsReader::readGroup(QXmlStreamReader& a_reader)
+/// The elements of the groups.
+struct GroupsFormat
+{
+    using Reader = EmissionGroupsReader;
+    using RawGroup = EmissionGroupsReader::RawGroup;
+
+    /// A group and the numbers of all groups while the group is read.
+    struct Reading
+    {
+        RawGroup& raw;
+        SeenNumbers& numbers;
+    };
+
+    static void readMember(XmlReader& a_reader, std::vector<Reader::Member>& a_members)
+    {
+        const auto text = a_reader.text();
+        // A text that breaks off names 0, as an empty one does.
+        a_members.push_back(text ? Reader::Member{a_reader.unsignedNumber(*text), text->offset}
+                                 : Reader::Member{});
+    }
+
+    static void readGroup(XmlReader& a_reader, Reader& a_groups);
+
+    static const XmlAttributeField<Reading> s_attributes[2];
+    static const XmlChild<RawGroup> s_members[2];
+    static const XmlChild<Reader> s_groups[1];
+};
+
+const XmlAttributeField<GroupsFormat::Reading> GroupsFormat::s_attributes[2] = {
+    {s_sId,
+     [](XmlReader& a_reader, const XmlText& a_value, Reading& a_reading) {
+         a_reading.raw.group->id = a_reader.unsignedNumber(a_value);
+         a_reading.numbers.add(a_reader, a_value, a_reading.raw.group->id);
+     },
+     XmlOccurs::Once},
+    {s_sName, [](XmlReader& /*a_reader*/, const XmlText& a_value,
+                 Reading& a_reading) { a_reading.raw.group->name = a_value.string(); }},
+};
+
+const XmlChild<GroupsFormat::RawGroup> GroupsFormat::s_members[2] = {
+    {s_sEmissionId,
+     [](XmlReader& a_reader, RawGroup& a_raw) { readMember(a_reader, a_raw.emissions); },
+     XmlOccurs::AnyTimes},
+    {s_sGroupId, [](XmlReader& a_reader, RawGroup& a_raw) { readMember(a_reader, a_raw.groups); },
+     XmlOccurs::AnyTimes},
+};
+
+const XmlChild<EmissionGroupsReader> GroupsFormat::s_groups[1] = {
+    {s_sGroup, &GroupsFormat::readGroup, XmlOccurs::AnyTimes},
+};
+
+void GroupsFormat::readGroup(XmlReader& a_reader, Reader& a_groups)
 {
     RawGroup raw{EmissionSettings::createGroup(), {}, {}};
-    const QXmlStreamAttributes attributes = a_reader.attributes();
-    raw.group->id = readUInt32(attributes.value(s_sId));
-    raw.group->name = attributes.value(s_sName).toString();
-    forEachChild(a_reader, [&](QStringView a_sName) {
-        if (a_sName == s_sEmissionId) {
-            raw.emissionIds.push_back(readUInt32(elementText(a_reader).value_or(QString())));
-        } else if (a_sName == s_sGroupId) {
-            raw.groupIds.push_back(readUInt32(elementText(a_reader).value_or(QString())));
-        } else {
-            return false;
-        }
-        return true;
-    });
-    m_groups.push_back(std::move(raw));
+    Reading reading{raw, a_groups.m_numbers};
+    readXmlAttributes(a_reader, reading, s_attributes);
+    readXmlChildren(a_reader, raw, s_members);
+    a_groups.m_groups.push_back(std::move(raw));
+}
+
+void EmissionGroupsReader::readGroups(XmlReader& a_reader)
+{
+    readXmlChildren(a_reader, *this, GroupsFormat::s_groups);
 }
 
 namespace {
@@ -63,31 +118,46 @@ withoutDoubles(QList<boost::shared_ptr<EmissionSettings::Group>> a_groups)
     return a_groups;
 }
 
-void writeGroup(QXmlStreamWriter& a_writer, const EmissionSettings::Group& a_group,
+void writeGroup(XmlWriter& a_writer, const EmissionSettings::Group& a_group,
                 const EmissionNumbers& a_emissionNumbers,
                 const QHash<const EmissionSettings::Group*, std::uint32_t>& a_groupNumbers)
 {
-    a_writer.writeStartElement(s_sGroup);
-    a_writer.writeAttribute(s_sId, QString::number(a_groupNumbers.value(&a_group)));
+    const auto writeMember = [&](QLatin1String a_sName, std::uint32_t a_uiNumber) {
+        if (a_uiNumber != 0) {
+            a_writer.startElement(a_sName);
+            a_writer.whole(a_uiNumber);
+            a_writer.endElement();
+        }
+    };
+    a_writer.startElement(s_sGroup);
+    a_writer.wholeAttribute(s_sId, a_groupNumbers.value(&a_group));
     if (!a_group.name.isEmpty()) {
-        writeXmlAttribute(a_writer, s_sName, a_group.name);
+        a_writer.attribute(s_sName, a_group.name);
     }
     for (const auto& emission : a_group.emissions) {
-        if (const std::uint32_t uiNumber = a_emissionNumbers.value(emission.get())) {
-            a_writer.writeTextElement(s_sEmissionId, QString::number(uiNumber));
-        }
+        writeMember(s_sEmissionId, a_emissionNumbers.value(emission.get()));
     }
     for (const auto& group : a_group.groups) {
-        if (const std::uint32_t uiNumber = a_groupNumbers.value(group.get())) {
-            a_writer.writeTextElement(s_sGroupId, QString::number(uiNumber));
-        }
+        writeMember(s_sGroupId, a_groupNumbers.value(group.get()));
     }
-    a_writer.writeEndElement();
+    a_writer.endElement();
+}
+
+/// Reports a member that a group names and does not get.
+void reportMember(XmlReader& a_reader, QLatin1String a_sRule, qsizetype a_iOffset, std::uint32_t a_uiId,
+                  const char* a_szMessage)
+{
+    if (a_reader.deviations() != nullptr) {
+        a_reader.deviations()->add(a_sRule, a_iOffset, [&](ReadingEntry& a_entry) {
+            a_entry.found = QString::number(a_uiId);
+            a_entry.message = QLatin1String(a_szMessage);
+        });
+    }
 }
 
 } // namespace
 
-void writeGroups(QXmlStreamWriter& a_writer, const EmissionSettings& a_settings,
+void writeGroups(XmlWriter& a_writer, const EmissionSettings& a_settings,
                  const EmissionNumbers& a_emissionNumbers)
 {
     const auto groups = withoutDoubles(a_settings.groups());
@@ -96,27 +166,27 @@ void writeGroups(QXmlStreamWriter& a_writer, const EmissionSettings& a_settings,
     for (qsizetype i = 0; i < groups.size(); ++i) {
         groupNumbers.insert(groups.at(i).get(), numbers[static_cast<std::size_t>(i)]);
     }
-    a_writer.writeStartElement(s_sGroups);
+    a_writer.startElement(s_sGroups);
     for (const auto& group : groups) {
         writeGroup(a_writer, *group, a_emissionNumbers, groupNumbers);
     }
-    a_writer.writeEndElement();
+    a_writer.endElement();
 }
 
-void EmissionGroupsReader::addTo(EmissionSettings& a_settings)
+void EmissionGroupsReader::addTo(EmissionSettings& a_settings, XmlReader& a_reader)
 {
     if (m_groups.empty()) {
         return;
     }
-    addEmissions(a_settings);
-    addMemberGroups();
+    addEmissions(a_settings, a_reader);
+    addMemberGroups(a_reader);
     for (const RawGroup& raw : m_groups) {
         a_settings.addGroup(raw.group);
     }
     m_groups.clear();
 }
 
-void EmissionGroupsReader::addEmissions(const EmissionSettings& a_settings)
+void EmissionGroupsReader::addEmissions(const EmissionSettings& a_settings, XmlReader& a_reader)
 {
     QHash<std::uint32_t, boost::shared_ptr<EmissionSettings::Emission>> emissions;
     for (auto emission = a_settings.emissions().crbegin(); emission != a_settings.emissions().crend();
@@ -124,15 +194,18 @@ void EmissionGroupsReader::addEmissions(const EmissionSettings& a_settings)
         emissions.insert((*emission)->id, *emission);
     }
     for (const RawGroup& raw : m_groups) {
-        for (const std::uint32_t uiId : raw.emissionIds) {
-            if (const auto emission = emissions.value(uiId)) {
+        for (const Member& member : raw.emissions) {
+            if (const auto emission = emissions.value(member.id)) {
                 raw.group->emissions.append(emission);
+            } else {
+                reportMember(a_reader, ReadingReport::s_sUnknownReference, member.offset, member.id,
+                             "The schedule has no emission of this number: the group gets none for it.");
             }
         }
     }
 }
 
-void EmissionGroupsReader::addMemberGroups()
+void EmissionGroupsReader::addMemberGroups(XmlReader& a_reader)
 {
     QHash<std::uint32_t, std::size_t> indices;
     for (std::size_t i = m_groups.size(); i-- > 0;) {
@@ -158,17 +231,22 @@ void EmissionGroupsReader::addMemberGroups()
         while (!way.empty()) {
             const std::size_t group = way.back().group;
             RawGroup& raw = m_groups[group];
-            if (way.back().next == raw.groupIds.size()) {
+            if (way.back().next == raw.groups.size()) {
                 states[group] = State::Done;
                 way.pop_back();
                 continue;
             }
-            const auto member = indices.constFind(raw.groupIds[way.back().next++]);
+            const Member& named = raw.groups[way.back().next++];
+            const auto member = indices.constFind(named.id);
             if (member == indices.constEnd()) {
+                reportMember(a_reader, ReadingReport::s_sUnknownReference, named.offset, named.id,
+                             "The schedule has no group of this number: the group gets none for it.");
                 continue;
             }
             if (states[*member] == State::OnTheWay) {
                 ++uiRefused;
+                reportMember(a_reader, ReadingReport::s_sCircularReference, named.offset, named.id,
+                             "The group would contain itself: the reference is dropped.");
                 continue;
             }
             raw.group->groups.append(m_groups[*member].group);

@@ -1,19 +1,16 @@
 #include "scenariodataxml.h"
 
 #include "commondataxml_names_p.h"
+#include "commondataxml_p.h"
 #include "scenariodataxml_p.h"
 #include "scenariodataxml_references_p.h"
-#include "simulationdata/commondataxml.h"
 #include "simulationdata/elintscenarioemitter.h"
 #include "simulationdata/ifrequencysettings.h"
 #include "simulationdata/ipositionsettings.h"
 #include "simulationdata/scenarionetwork.h"
 #include "simulationdata/simulationlimits.h"
 #include "simulationdata/transmittersettings.h"
-#include "simulationdata/xml/xmltext_p.h"
 #include "simulationdata/xml/xmlwalk_p.h"
-
-#include <QXmlStreamWriter>
 
 #include <algorithm>
 
@@ -21,205 +18,302 @@ namespace Simulation {
 
 namespace {
 
-/// The state of reading one emitter or network element.
-struct ElementReading
+/// One emitter or network while it is read.
+template<typename Object>
+struct ObjectReading
 {
-    QXmlStreamReader& reader;
+    std::shared_ptr<Object> object;
     ScenarioReferences& references;
     std::shared_ptr<SignalPackage> olderPackage; ///< for the timing of older documents
 };
 
-/// Reads the children that emitters and networks have in common.
-bool readObjectChild(ElementReading& a_reading, QStringView a_sName, ScenarioObject& a_object)
+using EmitterReading = ObjectReading<SzenarioEmitter>;
+using NetworkReading = ObjectReading<ScenarioNetwork>;
+
+// The children that emitters and networks have in common.
+
+template<typename Reading>
+void readDescription(XmlReader& a_reader, Reading& a_reading)
 {
-    if (a_sName == s_sDescription) {
-        a_object.setDescription(elementText(a_reading.reader).value_or(a_object.description()));
-    } else if (a_sName == s_sFrequency) {
-        std::unique_ptr<IFrequencySettings> settings(readFrequencySettings(a_reading.reader));
-        if (settings || !a_reading.reader.hasError()) {
-            a_object.setFrequencySettings(settings.release());
-        }
-    } else if (a_sName == s_sEmissionSettings) {
-        // In a network's member, the element describes the emitter's own schedule, not
-        // the schedule of the network.
-        readEmissionSettings(a_reading.reader, *a_object.ScenarioObject::emissionSettings(),
-                             a_reading.references);
-    } else if (a_sName == s_sSignalPackage && a_reading.references.hasProvider()) {
-        if (const auto sId = elementText(a_reading.reader)) {
-            a_reading.olderPackage = a_reading.references.packageForId(*sId);
-        }
-    } else {
-        return false;
-    }
-    return true;
+    a_reading.object->setDescription(readText(a_reader, a_reading.object->description()));
 }
 
-bool readEmitterChild(ElementReading& a_reading, QStringView a_sName,
-                      const std::shared_ptr<SzenarioEmitter>& a_emitter)
+template<typename Reading>
+void readFrequency(XmlReader& a_reader, Reading& a_reading)
 {
-    if (a_sName == s_sClass) {
-        a_emitter->setClass(elementText(a_reading.reader).value_or(a_emitter->getClass()));
-    } else if (a_sName == s_sPosition) {
-        std::unique_ptr<IPositionSettings> settings(CommonDataXml::readPositionSettings(a_reading.reader));
-        if (settings || !a_reading.reader.hasError()) {
-            a_emitter->setPositionSettings(settings.release());
-        }
-    } else if (a_sName == s_sTransmitter && a_emitter->getTranmitterSettings() != nullptr) {
-        readTransmitterSettings(a_reading.reader, *a_emitter->getTranmitterSettings());
-    } else if (a_sName == s_sTiming) {
-        readTimingSettings2(a_reading.reader, a_emitter, a_reading.olderPackage, a_reading.references);
-    } else if (a_sName == s_sEdwFile &&
-               a_emitter->type() == ScenarioObject::ScenarioObjectType::ElintEmitter) {
-        auto& elint = static_cast<ElintScenarioEmitter&>(*a_emitter);
-        elint.SetEDWFile(elementText(a_reading.reader).value_or(elint.getEDWFile()));
-    } else {
-        return readObjectChild(a_reading, a_sName, *a_emitter);
+    std::unique_ptr<IFrequencySettings> settings = readFrequencySettings(a_reader);
+    if (settings || !a_reader.hasError()) {
+        a_reading.object->setFrequencySettings(settings.release());
     }
-    return true;
 }
 
-void readColor(QXmlStreamReader& a_reader, ScenarioNetwork& a_network)
+template<typename Reading>
+void readSchedule(XmlReader& a_reader, Reading& a_reading)
 {
-    const QColor color = QColor::fromString(elementText(a_reader).value_or(QString()));
+    // The element in a member describes the emitter's own schedule, not the
+    // network's.
+    readEmissionSettings(a_reader, *a_reading.object->ScenarioObject::emissionSettings(), a_reading.references);
+}
+
+template<typename Reading>
+void readOlderPackage(XmlReader& a_reader, Reading& a_reading)
+{
+    if (!a_reading.references.hasProvider()) {
+        a_reader.skip();
+    } else if (const auto id = a_reader.text()) {
+        a_reading.olderPackage = a_reading.references.packageForId(a_reader, *id);
+    }
+}
+
+void readPosition(XmlReader& a_reader, EmitterReading& a_reading)
+{
+    std::unique_ptr<IPositionSettings> settings = readPositionSettings(a_reader);
+    if (settings || !a_reader.hasError()) {
+        a_reading.object->setPositionSettings(settings.release());
+    }
+}
+
+const XmlChild<EmitterReading> s_emitterElements[] = {
+    {s_sDescription, &readDescription<EmitterReading>},
+    {s_sClass,
+     [](XmlReader& a_reader, EmitterReading& a_reading) {
+         a_reading.object->setClass(readText(a_reader, a_reading.object->getClass()));
+     }},
+    {s_sTransmitter,
+     [](XmlReader& a_reader, EmitterReading& a_reading) {
+         if (TransmitterSettings* const pSettings = a_reading.object->getTranmitterSettings()) {
+             readTransmitterSettings(a_reader, *pSettings);
+         } else {
+             a_reader.skip();
+         }
+     }},
+    {s_sFrequency, &readFrequency<EmitterReading>, XmlOccurs::Once},
+    {s_sSignalPackage, &readOlderPackage<EmitterReading>},
+    {s_sTiming,
+     [](XmlReader& a_reader, EmitterReading& a_reading) {
+         readTimingSettings2(a_reader, a_reading.object, a_reading.olderPackage, a_reading.references);
+     }},
+    {s_sEmissionSettings, &readSchedule<EmitterReading>},
+    {s_sPosition, &readPosition},
+    {s_sEdwFile,
+     [](XmlReader& a_reader, EmitterReading& a_reading) {
+         if (a_reading.object->type() == ScenarioObject::ScenarioObjectType::ElintEmitter) {
+             auto& elint = static_cast<ElintScenarioEmitter&>(*a_reading.object);
+             elint.SetEDWFile(readText(a_reader, elint.getEDWFile()));
+         } else {
+             reportIgnoredElement(a_reader, "Only an \"ElintEmitter\" has such a file: the element is ignored.");
+             a_reader.skip();
+         }
+     }},
+};
+
+void readColor(XmlReader& a_reader, NetworkReading& a_reading)
+{
+    const auto text = a_reader.text();
+    const QColor color = QColor::fromString(text ? text->string() : QString());
     if (color.isValid()) {
-        a_network.setColor(color);
+        a_reading.object->setColor(color);
+    } else if (text && a_reader.deviations() != nullptr) {
+        a_reader.deviations()->add(ReadingReport::s_sNotAColor, text->offset, [&](ReadingEntry& a_entry) {
+            a_entry.found = shownText(text->bytes);
+            a_entry.message = QStringLiteral("The text is not a colour: %1 is used.")
+                                  .arg(a_reading.object->color().name());
+        });
     }
 }
 
-void readNetworkType(QXmlStreamReader& a_reader, ScenarioNetwork& a_network)
+void readNetworkType(XmlReader& a_reader, NetworkReading& a_reading)
 {
-    const QString sType = elementText(a_reader).value_or(QString());
-    const NetworkType eType = ScenarioDataXml::stringToNetworkType(sType);
-    if (ScenarioDataXml::networkTypeToString(eType) == sType) {
-        a_network.setNetworkType(eType);
+    static constexpr QLatin1String s_types[] = {s_sStar, s_sHierarchical};
+    const auto text = a_reader.text();
+    if (!text) {
+        return;
     }
-}
-
-bool readNetworkChild(ElementReading& a_reading, QStringView a_sName,
-                      const std::shared_ptr<ScenarioNetwork>& a_network)
-{
-    if (a_sName == s_sColor) {
-        readColor(a_reading.reader, *a_network);
-    } else if (a_sName == s_sNetworkType) {
-        readNetworkType(a_reading.reader, *a_network);
-    } else if (a_sName == s_sActivity) {
-        readActivitySettings2(a_reading.reader, a_network, a_reading.olderPackage, a_reading.references);
-    } else if (a_sName == s_sEmitter) {
-        const bool bHead = a_reading.reader.attributes().hasAttribute(s_sHead);
-        a_reading.references.addMember(a_network, elementText(a_reading.reader).value_or(QString()), bHead);
+    if (isName(text->bytes, s_sStar) || isName(text->bytes, s_sHierarchical)) {
+        a_reading.object->setNetworkType(ScenarioDataXml::stringToNetworkType(text->string()));
     } else {
-        return readObjectChild(a_reading, a_sName, *a_network);
+        a_reader.reportUnknownValue(*text, s_types, "the type stays unchanged");
     }
-    return true;
 }
+
+/// Finds out whether a member is the head. The presence of the attribute counts, whatever
+/// its value.
+const XmlAttributeField<bool> s_memberAttributes[] = {
+    {s_sHead, [](XmlReader& a_reader, const XmlText& a_value,
+                 bool& a_bHead) { a_bHead = readMark(a_reader, a_value); }},
+};
+
+void readMember(XmlReader& a_reader, NetworkReading& a_reading)
+{
+    bool bHead = false;
+    readXmlAttributes(a_reader, bHead, s_memberAttributes);
+    if (const auto id = a_reader.text()) {
+        a_reading.references.addMember(a_reading.object, *id, bHead);
+    }
+}
+
+const XmlChild<NetworkReading> s_networkElements[] = {
+    {s_sDescription, &readDescription<NetworkReading>},
+    {s_sColor, &readColor},
+    {s_sNetworkType, &readNetworkType},
+    {s_sFrequency, &readFrequency<NetworkReading>, XmlOccurs::Once},
+    {s_sSignalPackage, &readOlderPackage<NetworkReading>},
+    {s_sActivity,
+     [](XmlReader& a_reader, NetworkReading& a_reading) {
+         readActivitySettings2(a_reader, a_reading.object, a_reading.olderPackage, a_reading.references);
+     }},
+    {s_sEmissionSettings, &readSchedule<NetworkReading>},
+    {s_sEmitter, &readMember, XmlOccurs::AnyTimes},
+};
+
+/// The attributes of an emitter or network. They may have any order, and an emitter is
+/// found by its id before the others are set.
+struct ObjectAttributes
+{
+    const XmlText* pId = nullptr;
+    const XmlText* pName = nullptr;
+    const XmlText* pLinkTarget = nullptr;
+    bool isActive = false;
+    bool isDefault = false;
+};
+
+template<auto Member>
+void takeText(XmlReader& /*a_reader*/, const XmlText& a_value, ObjectAttributes& a_attributes)
+{
+    a_attributes.*Member = &a_value;
+}
+
+void readActive(XmlReader& a_reader, const XmlText& a_value, ObjectAttributes& a_attributes)
+{
+    a_attributes.isActive = a_reader.boolean(a_value);
+}
+
+const XmlAttributeField<ObjectAttributes> s_emitterAttributes[] = {
+    {s_sId, &takeText<&ObjectAttributes::pId>}, // its absence is reported as such
+    {s_sName, &takeText<&ObjectAttributes::pName>},
+    {s_sActive, &readActive, XmlOccurs::Once},
+    {s_sDefault, [](XmlReader& a_reader, const XmlText& a_value,
+                    ObjectAttributes& a_attributes) { a_attributes.isDefault = readMark(a_reader, a_value); }},
+    {s_sLinkTarget, &takeText<&ObjectAttributes::pLinkTarget>},
+};
+
+const XmlAttributeField<ObjectAttributes> s_networkAttributes[] = {
+    {s_sId, &takeText<&ObjectAttributes::pId>, XmlOccurs::Once},
+    {s_sName, &takeText<&ObjectAttributes::pName>},
+    {s_sActive, &readActive, XmlOccurs::Once},
+};
 
 } // namespace
 
-void ScenarioDataXml::readScenarioEmitter(QXmlStreamReader& a_reader, EmitterType a_eType,
+void ScenarioDataXml::readScenarioEmitter(XmlReader& a_reader, EmitterType a_eType,
                                           ScenarioReferences& a_references)
 {
-    const QXmlStreamAttributes attributes = a_reader.attributes();
-    if (!attributes.hasAttribute(s_sId)) {
-        skipElement(a_reader);
+    ObjectAttributes attributes;
+    readXmlAttributes(a_reader, attributes, s_emitterAttributes);
+    if (attributes.pId == nullptr) {
+        reportMissingId(a_reader);
+        a_reader.skip();
         return;
     }
-    const QString sId = attributes.value(s_sId).toString();
+    const QString sId = attributes.pId->string();
     if (a_references.hasEmitter(sId)) {
         qsizetype& iElements = m_mergedIds[sId];
         iElements = std::max<qsizetype>(iElements, 1) + 1;
+        reportMerged(a_reader, *attributes.pId);
     }
     const auto emitter = a_references.emitterForId(sId, a_eType);
     if (!emitter) {
         a_reader.raiseError(Limits::exceeded(Limits::ScenarioObjects));
         return;
     }
-    emitter->setActive(CommonDataXml::toBool(attributes.value(s_sActive)));
-    if (attributes.hasAttribute(s_sName)) {
-        emitter->setName(attributes.value(s_sName).toString());
+    emitter->setActive(attributes.isActive);
+    if (attributes.pName != nullptr) {
+        emitter->setName(attributes.pName->string());
     }
-    // The attribute marks a default emitter, whatever its value.
-    if (attributes.hasAttribute(s_sDefault)) {
+    if (attributes.isDefault) {
         m_defaultEmitters.append(emitter);
     }
-    a_references.link(emitter, attributes.value(s_sLinkTarget).toString());
-
-    ElementReading reading{a_reader, a_references, nullptr};
-    forEachChild(a_reader, [&](QStringView a_sName) { return readEmitterChild(reading, a_sName, emitter); });
+    if (attributes.pLinkTarget != nullptr) {
+        a_references.link(emitter, *attributes.pLinkTarget);
+    }
+    EmitterReading reading{emitter, a_references, nullptr};
+    readXmlChildren(a_reader, reading, s_emitterElements);
 }
 
-void ScenarioDataXml::writeScenarioEmitter(QXmlStreamWriter& a_writer, const SzenarioEmitter& a_emitter,
+void ScenarioDataXml::writeScenarioEmitter(XmlWriter& a_writer, const SzenarioEmitter& a_emitter,
                                            bool a_bDefault)
 {
     const bool bElint = a_emitter.type() == ScenarioObject::ScenarioObjectType::ElintEmitter;
-    a_writer.writeStartElement(bElint ? s_sElintEmitter : s_sEmitter);
-    writeXmlAttribute(a_writer, s_sId, a_emitter.id());
-    writeXmlAttribute(a_writer, s_sName, a_emitter.name());
-    a_writer.writeAttribute(s_sActive, boolText(a_emitter.isActive()));
+    a_writer.startElement(bElint ? s_sElintEmitter : s_sEmitter);
+    a_writer.attribute(s_sId, a_emitter.id());
+    a_writer.attribute(s_sName, a_emitter.name());
+    a_writer.booleanAttribute(s_sActive, a_emitter.isActive());
     if (a_bDefault) {
-        a_writer.writeAttribute(s_sDefault, boolText(true));
+        a_writer.booleanAttribute(s_sDefault, true);
     }
     if (const auto target = a_emitter.linkTargetEmitter()) {
-        writeXmlAttribute(a_writer, s_sLinkTarget, target->id());
+        a_writer.attribute(s_sLinkTarget, target->id());
     }
-    writeXmlTextElement(a_writer, s_sDescription, a_emitter.description());
-    writeXmlTextElement(a_writer, s_sClass, a_emitter.getClass());
+    a_writer.textElement(s_sDescription, a_emitter.description());
+    a_writer.textElement(s_sClass, a_emitter.getClass());
     if (const TransmitterSettings* pTransmitter = a_emitter.getTranmitterSettings()) {
         writeTransmitterSettings(a_writer, *pTransmitter);
     }
     writeFrequencySettings(a_writer, a_emitter.frequencySettings());
     writeEmissionSettings(a_writer, *a_emitter.ScenarioObject::emissionSettings());
     if (IPositionSettings* pPosition = a_emitter.positionSettings()) {
-        a_writer.writeStartElement(s_sPosition);
-        CommonDataXml::writePositionSettings(pPosition, a_writer);
-        a_writer.writeEndElement();
+        a_writer.startElement(s_sPosition);
+        writePositionSettings(a_writer, pPosition);
+        a_writer.endElement();
     }
     if (bElint) {
-        writeXmlTextElement(a_writer, s_sEdwFile,
-                            static_cast<const ElintScenarioEmitter&>(a_emitter).getEDWFile());
+        a_writer.textElement(s_sEdwFile, static_cast<const ElintScenarioEmitter&>(a_emitter).getEDWFile());
     }
-    a_writer.writeEndElement();
+    a_writer.endElement();
 }
 
-void ScenarioDataXml::readScenarioNetwork(QXmlStreamReader& a_reader, ScenarioReferences& a_references)
+void ScenarioDataXml::readScenarioNetwork(XmlReader& a_reader, ScenarioReferences& a_references)
 {
-    const QXmlStreamAttributes attributes = a_reader.attributes();
     if (a_references.isFull()) {
         a_reader.raiseError(Limits::exceeded(Limits::ScenarioObjects));
         return;
     }
-    const auto network = std::make_shared<ScenarioNetwork>(attributes.value(s_sId).toString());
+    ObjectAttributes attributes;
+    readXmlAttributes(a_reader, attributes, s_networkAttributes);
+    const auto network =
+        std::make_shared<ScenarioNetwork>(attributes.pId != nullptr ? attributes.pId->string() : QString());
     m_objects.insert(network);
-    network->setActive(CommonDataXml::toBool(attributes.value(s_sActive)));
-    if (attributes.hasAttribute(s_sName)) {
-        network->setName(attributes.value(s_sName).toString());
+    network->setActive(attributes.isActive);
+    if (attributes.pName != nullptr) {
+        network->setName(attributes.pName->string());
     }
-    ElementReading reading{a_reader, a_references, nullptr};
-    forEachChild(a_reader, [&](QStringView a_sName) { return readNetworkChild(reading, a_sName, network); });
+    NetworkReading reading{network, a_references, nullptr};
+    readXmlChildren(a_reader, reading, s_networkElements);
 }
 
-void ScenarioDataXml::writeScenarioNetwork(QXmlStreamWriter& a_writer, const ScenarioNetwork& a_network)
+void ScenarioDataXml::writeScenarioNetwork(XmlWriter& a_writer, const ScenarioNetwork& a_network)
 {
-    a_writer.writeStartElement(s_sNetwork);
-    writeXmlAttribute(a_writer, s_sId, a_network.id());
-    writeXmlAttribute(a_writer, s_sName, a_network.name());
-    a_writer.writeAttribute(s_sActive, boolText(a_network.isActive()));
-    writeXmlTextElement(a_writer, s_sDescription, a_network.description());
-    a_writer.writeTextElement(s_sColor, a_network.color().name());
-    a_writer.writeTextElement(s_sNetworkType, networkTypeToString(a_network.networkType()));
+    a_writer.startElement(s_sNetwork);
+    a_writer.attribute(s_sId, a_network.id());
+    a_writer.attribute(s_sName, a_network.name());
+    a_writer.booleanAttribute(s_sActive, a_network.isActive());
+    a_writer.textElement(s_sDescription, a_network.description());
+    a_writer.textElement(s_sColor, a_network.color().name());
+    a_writer.textElement(s_sNetworkType, networkTypeToString(a_network.networkType()));
     writeFrequencySettings(a_writer, a_network.frequencySettings());
     writeEmissionSettings(a_writer, *a_network.emissionSettings());
     bool bHead = true;
     const auto members = a_network.emitterList();
     for (const std::shared_ptr<SzenarioEmitter>& member : members) {
-        a_writer.writeStartElement(s_sEmitter);
+        a_writer.startElement(s_sEmitter);
         if (bHead) {
-            a_writer.writeAttribute(s_sHead, boolText(true));
+            a_writer.booleanAttribute(s_sHead, true);
             bHead = false;
         }
-        writeXmlCharacters(a_writer, member->id());
-        a_writer.writeEndElement();
+        a_writer.text(member->id());
+        a_writer.endElement();
     }
-    a_writer.writeEndElement();
+    a_writer.endElement();
 }
 
 } // namespace Simulation

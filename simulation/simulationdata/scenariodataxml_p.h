@@ -3,9 +3,6 @@
 
 #include <memory>
 
-class QXmlStreamReader;
-class QXmlStreamWriter;
-
 namespace Simulation {
 
 class EmissionSettings;
@@ -16,38 +13,40 @@ class ScenarioReferences;
 class SignalPackage;
 class SzenarioEmitter;
 class TransmitterSettings;
+class XmlReader;
+class XmlWriter;
 
 /// Reads the children of the current element. Returns the last known form among them
 /// as new settings that the caller owns; null if there is none.
-[[nodiscard]] IFrequencySettings* readFrequencySettings(QXmlStreamReader& a_reader);
+[[nodiscard]] std::unique_ptr<IFrequencySettings> readFrequencySettings(XmlReader& a_reader);
 
 /// Writes element "Frequency" with the form for the kind of the settings. Null writes
 /// nothing.
-void writeFrequencySettings(QXmlStreamWriter& a_writer, const IFrequencySettings* a_pSettings);
+void writeFrequencySettings(XmlWriter& a_writer, const IFrequencySettings* a_pSettings);
 
 /// The readers read the children of the current element, up to its end; fields without
 /// an element stay unchanged. The writers write the element itself.
-void readTransmitterSettings(QXmlStreamReader& a_reader, TransmitterSettings& a_settings);
-void writeTransmitterSettings(QXmlStreamWriter& a_writer, const TransmitterSettings& a_settings);
+void readTransmitterSettings(XmlReader& a_reader, TransmitterSettings& a_settings);
+void writeTransmitterSettings(XmlWriter& a_writer, const TransmitterSettings& a_settings);
 
-void readNoiseSettings(QXmlStreamReader& a_reader, ScenarioNoiseSettings& a_settings);
-void writeNoiseSettings(QXmlStreamWriter& a_writer, const ScenarioNoiseSettings& a_settings);
+void readNoiseSettings(XmlReader& a_reader, ScenarioNoiseSettings& a_settings);
+void writeNoiseSettings(XmlWriter& a_writer, const ScenarioNoiseSettings& a_settings);
 
 /// Reads the current element up to its end. The first such element of an object adds to
 /// its settings, a later one replaces them. The emitters of emissions are set when the
 /// references are resolved.
-void readEmissionSettings(QXmlStreamReader& a_reader, EmissionSettings& a_settings,
+void readEmissionSettings(XmlReader& a_reader, EmissionSettings& a_settings,
                           ScenarioReferences& a_references);
 
 /// Writes element "EmissionSettings". Emissions and groups get unique numbers other
 /// than 0 in the document; the settings themselves do not change.
-void writeEmissionSettings(QXmlStreamWriter& a_writer, const EmissionSettings& a_settings);
+void writeEmissionSettings(XmlWriter& a_writer, const EmissionSettings& a_settings);
 
 /// Read the timing in documents before version 4: that of an emitter, and that of a
 /// network. The emissions of a network get its head emitter once its members are known.
-void readTimingSettings2(QXmlStreamReader& a_reader, const std::shared_ptr<SzenarioEmitter>& a_emitter,
+void readTimingSettings2(XmlReader& a_reader, const std::shared_ptr<SzenarioEmitter>& a_emitter,
                          const std::shared_ptr<SignalPackage>& a_package, ScenarioReferences& a_references);
-void readActivitySettings2(QXmlStreamReader& a_reader, const std::shared_ptr<ScenarioNetwork>& a_network,
+void readActivitySettings2(XmlReader& a_reader, const std::shared_ptr<ScenarioNetwork>& a_network,
                            const std::shared_ptr<SignalPackage>& a_package, ScenarioReferences& a_references);
 
 } // namespace Simulation

@@ -3,6 +3,7 @@
 #include "simulationdata/elintscenarioemitter.h"
 #include "simulationdata/isignalpackageprovider.h"
 #include "simulationdata/scenarionetwork.h"
+#include "simulationdata/signalpackage.h"
 #include "simulationdata/simulationlimits.h"
 
 namespace Simulation {
@@ -46,43 +47,59 @@ bool ScenarioReferences::isFirst(ScheduleForm a_eForm, const EmissionSettings& a
     return bFirst;
 }
 
-std::shared_ptr<SignalPackage> ScenarioReferences::packageForId(const QString& a_sId) const
+std::shared_ptr<SignalPackage> ScenarioReferences::packageForId(XmlReader& a_reader, const XmlText& a_id) const
 {
-    return m_pProvider != nullptr ? m_pProvider->signalPackage(a_sId) : nullptr;
+    if (m_pProvider == nullptr) {
+        return nullptr;
+    }
+    const QString sId = a_id.string();
+    std::shared_ptr<SignalPackage> package = m_pProvider->signalPackage(sId);
+    const bool bFound = package ? package->id() == sId || m_pProvider->validSignalPackageId(sId) : sId.isEmpty();
+    if (!bFound && a_reader.deviations() != nullptr) {
+        a_reader.deviations()->add(ReadingReport::s_sReplacedPackage, a_id.offset, [&](ReadingEntry& a_entry) {
+            a_entry.found = shownText(a_id.bytes);
+            a_entry.message =
+                package ? QStringLiteral("The signal package is not known: the default package \"%1\" is used.")
+                              .arg(shownText(package->id().toUtf8()))
+                        : QStringLiteral("The signal package is not known: the emission has none.");
+        });
+    }
+    return package;
 }
 
-void ScenarioReferences::link(const std::shared_ptr<SzenarioEmitter>& a_emitter, const QString& a_sTargetId)
+void ScenarioReferences::link(const std::shared_ptr<SzenarioEmitter>& a_emitter, const XmlText& a_targetId)
 {
-    if (!a_sTargetId.isEmpty()) {
-        m_links.push_back({a_emitter, a_sTargetId});
+    if (!a_targetId.bytes.isEmpty()) {
+        m_links.push_back({a_emitter, Reference(a_targetId)});
     }
 }
 
-void ScenarioReferences::setEmitter(const Emission& a_emission, const QString& a_sEmitterId)
+void ScenarioReferences::setEmitter(const Emission& a_emission, const XmlText& a_emitterId)
 {
-    if (a_sEmitterId.isEmpty()) {
+    if (a_emitterId.bytes.isEmpty()) {
         return;
     }
     // An existing emitter was defined by its own element. Only references to emitters
     // that do not exist yet must wait.
-    const auto found = m_emitters.constFind(a_sEmitterId);
+    Reference reference(a_emitterId);
+    const auto found = m_emitters.constFind(reference.id);
     if (found != m_emitters.constEnd()) {
         a_emission->emitter = *found;
     } else {
-        m_emissionEmitters.push_back({a_emission, a_sEmitterId});
+        m_emissionEmitters.push_back({a_emission, std::move(reference)});
     }
 }
 
-void ScenarioReferences::addMember(const std::shared_ptr<ScenarioNetwork>& a_network,
-                                   const QString& a_sEmitterId, bool a_bHead)
+void ScenarioReferences::addMember(const std::shared_ptr<ScenarioNetwork>& a_network, const XmlText& a_emitterId,
+                                   bool a_bHead)
 {
-    if (a_sEmitterId.isEmpty()) {
+    if (a_emitterId.bytes.isEmpty()) {
         return;
     }
     if (m_memberships.empty() || m_memberships.back().network != a_network) {
         m_memberships.push_back({a_network, {}});
     }
-    m_memberships.back().members.push_back({a_sEmitterId, a_bHead});
+    m_memberships.back().members.push_back({Reference(a_emitterId), a_bHead});
 }
 
 void ScenarioReferences::setHeadEmitter(const Emission& a_emission,
@@ -91,10 +108,40 @@ void ScenarioReferences::setHeadEmitter(const Emission& a_emission,
     m_emissionHeads.push_back({a_emission, a_network});
 }
 
-bool ScenarioReferences::resolve()
+/// Reports an emitter that no element describes.
+void ScenarioReferences::reportInvented(const Reference& a_reference)
 {
+    // Comparing with all ids costs O(n) for each unknown one.
+    constexpr int iMostSuggestions = 100;
+    m_pDeviations->add(ReadingReport::s_sInventedObject, a_reference.offset, [&](ReadingEntry& a_entry) {
+        a_entry.found = shownText(a_reference.id.toUtf8());
+        a_entry.message = QStringLiteral("No element describes this emitter: one without data is created, at "
+                                         "latitude 0 and longitude 0.");
+        if (m_iSuggestions == 0) {
+            m_describedIds = m_emitters.keys();
+            m_describedIds.sort(); // a hash has another order in every run
+        }
+        if (++m_iSuggestions <= iMostSuggestions) {
+            a_entry.suggestion = similarName(a_entry.found, m_describedIds);
+        }
+    });
+}
+
+/// The emitter of an id that the document names. One that no element describes is
+/// created.
+std::shared_ptr<SzenarioEmitter> ScenarioReferences::referredEmitter(const Reference& a_reference)
+{
+    if (m_pDeviations != nullptr && !m_emitters.contains(a_reference.id)) {
+        reportInvented(a_reference);
+    }
+    return emitterForId(a_reference.id, EmitterType::Emitter);
+}
+
+bool ScenarioReferences::resolve(XmlDeviations* a_pDeviations)
+{
+    m_pDeviations = a_pDeviations;
     for (const Link& link : m_links) {
-        const auto target = emitterForId(link.targetId, EmitterType::Emitter);
+        const auto target = referredEmitter(link.target);
         if (!target) {
             continue;
         }
@@ -111,7 +158,7 @@ bool ScenarioReferences::resolve()
     for (const EmissionEmitter& reference : m_emissionEmitters) {
         // An emission that only this reference holds belongs to a replaced schedule.
         if (reference.emission.use_count() > 1) {
-            reference.emission->emitter = emitterForId(reference.emitterId, EmitterType::Emitter);
+            reference.emission->emitter = referredEmitter(reference.emitter);
         }
     }
     for (const EmissionHead& reference : m_emissionHeads) {
@@ -127,7 +174,7 @@ void ScenarioReferences::resolveMembers(const Membership& a_membership)
     // in reverse order instead.
     QSet<QString> heads;
     const auto join = [&](const Member& a_member) {
-        const auto emitter = emitterForId(a_member.emitterId, EmitterType::Emitter);
+        const auto emitter = referredEmitter(a_member.emitter);
         if (!emitter) {
             return;
         }
@@ -135,8 +182,8 @@ void ScenarioReferences::resolveMembers(const Membership& a_membership)
         emitter->setScenarioNetwork(a_membership.network);
     };
     for (auto member = a_membership.members.crbegin(); member != a_membership.members.crend(); ++member) {
-        if (member->isHead && !heads.contains(member->emitterId)) {
-            heads.insert(member->emitterId);
+        if (member->isHead && !heads.contains(member->emitter.id)) {
+            heads.insert(member->emitter.id);
             join(*member);
         }
     }

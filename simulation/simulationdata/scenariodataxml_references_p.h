@@ -3,10 +3,12 @@
 
 #include "simulationdata/emissionsettings.h"
 #include "simulationdata/scenarioobject.h"
+#include "simulationdata/xml/xmlreader_p.h"
 
 #include <QHash>
 #include <QSet>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <utility>
@@ -47,14 +49,14 @@ public:
 
     /// Whether there is a provider to resolve packages.
     [[nodiscard]] bool hasProvider() const { return m_pProvider != nullptr; }
-    /// The package that the provider returns for an id; null without a provider.
-    [[nodiscard]] std::shared_ptr<SignalPackage> packageForId(const QString& a_sId) const;
+    /// The package that the provider returns for an id; null without a provider. Another
+    /// package than the one of that id, or none, is reported.
+    [[nodiscard]] std::shared_ptr<SignalPackage> packageForId(XmlReader& a_reader, const XmlText& a_id) const;
 
-    /// Record a reference until resolve(). An empty id is ignored.
-    void link(const std::shared_ptr<SzenarioEmitter>& a_emitter, const QString& a_sTargetId);
-    void setEmitter(const Emission& a_emission, const QString& a_sEmitterId);
-    void addMember(const std::shared_ptr<ScenarioNetwork>& a_network, const QString& a_sEmitterId,
-                   bool a_bHead);
+    /// Record a reference until resolve(). The text is the id; an empty one is ignored.
+    void link(const std::shared_ptr<SzenarioEmitter>& a_emitter, const XmlText& a_targetId);
+    void setEmitter(const Emission& a_emission, const XmlText& a_emitterId);
+    void addMember(const std::shared_ptr<ScenarioNetwork>& a_network, const XmlText& a_emitterId, bool a_bHead);
     void setHeadEmitter(const Emission& a_emission, const std::shared_ptr<ScenarioNetwork>& a_network);
 
     /// Whether the scenario holds as many objects as it may
@@ -71,18 +73,29 @@ public:
     /// Resolves all recorded references. Returns false if the scenario has no room
     /// for all emitters that appear only in references. References to emitters without
     /// room stay empty.
-    bool resolve();
+    bool resolve(XmlDeviations* a_pDeviations);
 
 private:
+    /// An id that a document names, and where.
+    struct Reference
+    {
+        explicit Reference(const XmlText& a_id)
+            : id(a_id.string())
+            , offset(a_id.offset)
+        {}
+
+        QString id;
+        qsizetype offset;
+    };
     struct Link
     {
         std::shared_ptr<SzenarioEmitter> emitter;
-        QString targetId;
+        Reference target;
     };
     struct EmissionEmitter
     {
         Emission emission;
-        QString emitterId;
+        Reference emitter;
     };
     struct EmissionHead
     {
@@ -91,7 +104,7 @@ private:
     };
     struct Member
     {
-        QString emitterId;
+        Reference emitter;
         bool isHead = false;
     };
     struct Membership
@@ -100,6 +113,8 @@ private:
         std::vector<Member> members;
     };
 
+    std::shared_ptr<SzenarioEmitter> referredEmitter(const Reference& a_reference);
+    void reportInvented(const Reference& a_reference);
     void resolveMembers(const Membership& a_membership);
 
     QSet<std::shared_ptr<ScenarioObject>>& m_objects;
@@ -107,6 +122,9 @@ private:
     QHash<QString, std::shared_ptr<SzenarioEmitter>> m_emitters;
     QSet<std::pair<const EmissionSettings*, int>> m_schedules; ///< with their ScheduleForm
     bool m_bDropped = false;
+    XmlDeviations* m_pDeviations = nullptr; ///< while references are resolved
+    QStringList m_describedIds;             ///< filled when the first unknown id is reported
+    int m_iSuggestions = 0;                 ///< unknown ids for which a similar one was looked for
     std::vector<Link> m_links;
     std::vector<EmissionEmitter> m_emissionEmitters;
     std::vector<EmissionHead> m_emissionHeads;

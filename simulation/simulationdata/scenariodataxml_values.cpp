@@ -1,7 +1,7 @@
 #include "scenariodataxml_p.h"
 
 #include "commondataxml_names_p.h"
-#include "simulationdata/io/numbers_p.h"
+#include "commondataxml_p.h"
 #include "simulationdata/scenarionoisesettings.h"
 #include "simulationdata/transmittersettings.h"
 #include "simulationdata/xml/xmlwalk_p.h"
@@ -10,113 +10,89 @@ namespace Simulation {
 
 namespace {
 
-float readFloat(QStringView a_sText)
-{
-    return static_cast<float>(finiteOrZero(static_cast<double>(a_sText.toFloat())));
-}
+constexpr XmlRange s_directions{-360.0, 360.0, false, "degrees"};
 
-using AntennaField = XmlField<TransmitterSettings>;
+using Transmitter = TransmitterSettings;
 
-const AntennaField s_antennaFields[] = {
-    {QStringLiteral("Gain"),
-     [](const TransmitterSettings& a_record) {
-         return numberText(static_cast<double>(a_record.getAntennaGain()));
-     },
-     [](TransmitterSettings& a_record, QStringView a_sText) { a_record.setAntennaGain(readFloat(a_sText)); }},
-    {QStringLiteral("HeightOverGround"),
-     [](const TransmitterSettings& a_record) {
-         return numberText(static_cast<double>(a_record.getAntennaHeight()));
-     },
-     [](TransmitterSettings& a_record, QStringView a_sText) {
-         a_record.setAntennaHeight(readFloat(a_sText));
-     }},
-    {QStringLiteral("Direction"),
-     [](const TransmitterSettings& a_record) {
-         return numberText(static_cast<double>(a_record.getAntennaDirection()));
-     },
-     [](TransmitterSettings& a_record, QStringView a_sText) {
-         a_record.setAntennaDirection(readFloat(a_sText));
-     }},
+const XmlField<Transmitter> s_antennaFields[] = {
+    xmlField<Transmitter, &Transmitter::getAntennaGain, &Transmitter::setAntennaGain>("Gain"),
+    xmlField<Transmitter, &Transmitter::getAntennaHeight, &Transmitter::setAntennaHeight, s_notNegative>(
+        "HeightOverGround"),
+    xmlField<Transmitter, &Transmitter::getAntennaDirection, &Transmitter::setAntennaDirection, s_directions>(
+        "Direction"),
 };
 
 using Noise = ScenarioNoiseSettings;
 
 const XmlField<Noise> s_noiseFields[] = {
-    {QStringLiteral("Density"), [](const Noise& a_record) { return numberText(a_record.noiseDensity()); },
-     [](Noise& a_record, QStringView a_sText) { a_record.setNoiseDensity(readDouble(a_sText)); }},
-    {QStringLiteral("Deviation"), [](const Noise& a_record) { return numberText(a_record.noiseDeviation()); },
-     [](Noise& a_record, QStringView a_sText) { a_record.setNoiseDeviation(readDouble(a_sText)); }},
-    {QStringLiteral("FrequencyDependentDensity"),
-     [](const Noise& a_record) { return numberText(a_record.frequencyDependentNoiseDensity()); },
-     [](Noise& a_record, QStringView a_sText) {
-         a_record.setFrequencyDependentNoiseDensity(readDouble(a_sText));
-     }},
-    {QStringLiteral("FrequencyDependentGranularity"),
-     [](const Noise& a_record) { return numberText(a_record.frequencyDependentNoiseGranularity()); },
-     [](Noise& a_record, QStringView a_sText) {
-         a_record.setFrequencyDependentNoiseGranularity(readDouble(a_sText));
-     }},
-    {QStringLiteral("FrequencyDependentVariability"),
-     [](const Noise& a_record) { return numberText(a_record.frequencyDependentNoiseVariability()); },
-     [](Noise& a_record, QStringView a_sText) {
-         a_record.setFrequencyDependentNoiseVariability(readDouble(a_sText));
-     }},
+    xmlField<Noise, &Noise::noiseDensity, &Noise::setNoiseDensity>("Density"),
+    xmlField<Noise, &Noise::noiseDeviation, &Noise::setNoiseDeviation>("Deviation"),
+    xmlField<Noise, &Noise::frequencyDependentNoiseDensity, &Noise::setFrequencyDependentNoiseDensity>(
+        "FrequencyDependentDensity"),
+    xmlField<Noise, &Noise::frequencyDependentNoiseGranularity, &Noise::setFrequencyDependentNoiseGranularity>(
+        "FrequencyDependentGranularity"),
+    xmlField<Noise, &Noise::frequencyDependentNoiseVariability, &Noise::setFrequencyDependentNoiseVariability>(
+        "FrequencyDependentVariability"),
 };
 
-void readAntenna(QXmlStreamReader& a_reader, TransmitterSettings& a_settings)
+const XmlAttributeField<Transmitter> s_antennaAttributes[] = {
+    {s_sType, [](XmlReader& /*a_reader*/, const XmlText& a_value,
+                 Transmitter& a_settings) { a_settings.setAntennaType(a_value.string()); }},
+};
+
+void readAntenna(XmlReader& a_reader, Transmitter& a_settings)
 {
-    a_settings.setAntennaType(a_reader.attributes().value(s_sType).toString());
-    forEachChild(a_reader, [&](QStringView a_sName) {
-        return readXmlField(a_reader, a_sName, s_antennaFields, a_settings);
-    });
+    a_settings.setAntennaType(QString());
+    readXmlAttributes(a_reader, a_settings, s_antennaAttributes);
+    readXmlChildren(a_reader, a_settings, s_antennaFields);
 }
 
-void writeAntenna(QXmlStreamWriter& a_writer, const TransmitterSettings& a_settings)
+void writeAntenna(XmlWriter& a_writer, const Transmitter& a_settings)
 {
-    a_writer.writeStartElement(s_sAntenna);
-    writeXmlAttribute(a_writer, s_sType, a_settings.getAntennaType());
-    writeXmlFields(a_writer, s_antennaFields, a_settings);
-    a_writer.writeEndElement();
+    a_writer.startElement(s_sAntenna);
+    a_writer.attribute(s_sType, a_settings.getAntennaType());
+    writeXmlFields(a_writer, a_settings, s_antennaFields);
+    a_writer.endElement();
 }
+
+const XmlChild<Transmitter> s_transmitterElements[] = {
+    {s_sPower,
+     [](XmlReader& a_reader, Transmitter& a_settings) {
+         if (const auto text = a_reader.text()) {
+             a_settings.setPower(a_reader.singleNumber(*text, s_notNegative));
+         }
+     },
+     XmlOccurs::Once},
+    {s_sAntenna, &readAntenna, XmlOccurs::Once},
+};
 
 } // namespace
 
-void readTransmitterSettings(QXmlStreamReader& a_reader, TransmitterSettings& a_settings)
+void readTransmitterSettings(XmlReader& a_reader, TransmitterSettings& a_settings)
 {
-    forEachChild(a_reader, [&](QStringView a_sName) {
-        if (a_sName == s_sPower) {
-            if (const auto sText = elementText(a_reader)) {
-                a_settings.setPower(readFloat(*sText));
-            }
-        } else if (a_sName == s_sAntenna) {
-            readAntenna(a_reader, a_settings);
-        } else {
-            return false;
-        }
-        return true;
-    });
+    readXmlChildren(a_reader, a_settings, s_transmitterElements);
 }
 
-void writeTransmitterSettings(QXmlStreamWriter& a_writer, const TransmitterSettings& a_settings)
+void writeTransmitterSettings(XmlWriter& a_writer, const TransmitterSettings& a_settings)
 {
-    a_writer.writeStartElement(s_sTransmitter);
-    a_writer.writeTextElement(s_sPower, numberText(static_cast<double>(a_settings.getPower())));
+    a_writer.startElement(s_sTransmitter);
+    a_writer.startElement(s_sPower);
+    a_writer.number(static_cast<double>(a_settings.getPower()));
+    a_writer.endElement();
     writeAntenna(a_writer, a_settings);
-    a_writer.writeEndElement();
+    a_writer.endElement();
 }
 
-void readNoiseSettings(QXmlStreamReader& a_reader, ScenarioNoiseSettings& a_settings)
+void readNoiseSettings(XmlReader& a_reader, ScenarioNoiseSettings& a_settings)
 {
-    forEachChild(a_reader, [&](QStringView a_sName) {
-        return readXmlField(a_reader, a_sName, s_noiseFields, a_settings);
-    });
+    readXmlChildren(a_reader, a_settings, s_noiseFields);
 }
 
-void writeNoiseSettings(QXmlStreamWriter& a_writer, const ScenarioNoiseSettings& a_settings)
+void writeNoiseSettings(XmlWriter& a_writer, const ScenarioNoiseSettings& a_settings)
 {
-    a_writer.writeStartElement(s_sNoiseSettings);
-    writeXmlFields(a_writer, s_noiseFields, a_settings);
-    a_writer.writeEndElement();
+    a_writer.startElement(s_sNoiseSettings);
+    writeXmlFields(a_writer, a_settings, s_noiseFields);
+    a_writer.endElement();
 }
 
 } // namespace Simulation

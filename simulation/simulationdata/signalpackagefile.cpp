@@ -3,13 +3,15 @@
 #include "simulationdata/io/documentfile_p.h"
 #include "simulationdata/io/numbers_p.h"
 #include "simulationdata/io/trace_p.h"
+#include "simulationdata/xml/xmlrecord_p.h"
 #include "simulationdata/xml/xmltext_p.h"
+#include "simulationdata/xml/xmltextreader_p.h"
+#include "simulationdata/xml/xmlwalk_p.h"
 #include "simulationdata/xmlelement.h"
 
 #include <QFileInfo>
 #include <QSet>
 
-#include <cmath>
 #include <limits>
 
 namespace Simulation {
@@ -32,23 +34,139 @@ constexpr QLatin1String s_sAnalogModulation("AnalogModulation");
 constexpr QLatin1String s_sDuration("Duration");
 constexpr QLatin1String s_sDigitalModulation("DigitalModulation");
 
-float readBandwidth(const QString& a_sText)
+constexpr XmlRange s_bandwidths{0.0, std::numeric_limits<double>::infinity(), false, "Hz"};
+
+/// A descriptor while it is read.
+struct Descriptor
 {
-    const double dValue = readDouble(a_sText);
-    return std::abs(dValue) <= static_cast<double>(std::numeric_limits<float>::max())
-               ? static_cast<float>(dValue)
-               : 0.0F;
+    SignalPackage package;
+    QStringList updateIds;
+};
+
+/// The version is not used; another one than the known one is reported.
+void readFormatVersion(XmlReader& a_reader, const XmlText& a_value, Descriptor& /*a_descriptor*/)
+{
+    if (a_reader.unsignedNumber(a_value) > 0 && a_reader.deviations() != nullptr) {
+        a_reader.deviations()->add(ReadingReport::s_sNewerVersion, a_value.offset, [&](ReadingEntry& a_entry) {
+            a_entry.found = shownText(a_value.bytes);
+            a_entry.message = QStringLiteral("The version is newer than 0, the only one that is known: what is new in it "
+                                             "is skipped.");
+        });
+    }
 }
 
-QStringList readUpdateIds(const XmlElement& a_root)
+/// Reports another root element; it is read as a descriptor all the same.
+void reportOtherRoot(XmlReader& a_reader)
 {
-    QStringList ids;
-    for (XmlElement update = a_root.firstChild(s_sUpdateId); !update.isNull();
-         update = update.nextSibling(s_sUpdateId)) {
-        ids.append(update.attribute(s_sUid));
+    if (!isName(a_reader.name(), s_sSignalPackage) && a_reader.deviations() != nullptr) {
+        a_reader.deviations()->add(ReadingReport::s_sOtherRoot, a_reader.offset(), [&](ReadingEntry& a_entry) {
+            a_entry.found = shownText(a_reader.name());
+            a_entry.message = QStringLiteral("The root element is not \"SignalPackage\": it is read as a descriptor all "
+                                             "the same.");
+        });
     }
-    return ids;
 }
+
+/// Reports a text that is none of the modulations. Descriptors made elsewhere write "None",
+/// which is read as CW.
+void reportUnknownModulation(XmlReader& a_reader, const XmlText& a_text)
+{
+    const QStringList names = analogModulationTexts();
+    const QString sText = a_text.string();
+    if (names.contains(sText) || sText == u"None" || a_reader.deviations() == nullptr) {
+        return;
+    }
+    a_reader.deviations()->add(ReadingReport::s_sUnknownValue, a_text.offset, [&](ReadingEntry& a_entry) {
+        a_entry.found = shownText(a_text.bytes);
+        a_entry.suggestion = similarName(a_entry.found, names);
+        a_entry.message =
+            QStringLiteral("The value is none of %1: \"CW\" is used.").arg(names.join(QStringLiteral(", ")));
+    });
+}
+
+/// Skip an element or attribute that descriptors made elsewhere have and that is not
+/// needed.
+void passElement(XmlReader& a_reader, Descriptor& /*a_descriptor*/)
+{
+    a_reader.skip();
+}
+void passAttribute(XmlReader& /*a_reader*/, const XmlText& /*a_value*/, Descriptor& /*a_descriptor*/) {}
+
+const XmlAttributeField<Descriptor> s_rootAttributes[] = {
+    {s_sFileFormatVersion, &readFormatVersion, XmlOccurs::Once},
+    {s_sTimestamp,
+     [](XmlReader& a_reader, const XmlText& a_value, Descriptor& a_descriptor) {
+         a_descriptor.package.setTimestamp(a_reader.unsignedNumber(a_value));
+     },
+     XmlOccurs::Once},
+    {s_sUid,
+     [](XmlReader& /*a_reader*/, const XmlText& a_value, Descriptor& a_descriptor) {
+         a_descriptor.package.setId(a_value.string());
+     },
+     XmlOccurs::Once},
+    {QLatin1String("Version"), &passAttribute},
+};
+
+const XmlAttributeField<QString> s_updateAttributes[] = {
+    {s_sUid, [](XmlReader& /*a_reader*/, const XmlText& a_value, QString& a_sId) { a_sId = a_value.string(); },
+     XmlOccurs::Once},
+};
+
+template<auto Set>
+void readTextTo(XmlReader& a_reader, Descriptor& a_descriptor)
+{
+    if (const auto text = a_reader.text()) {
+        (a_descriptor.package.*Set)(text->string());
+    }
+}
+
+const XmlChild<Descriptor> s_metaData[] = {
+    {s_sName, &readTextTo<&SignalPackage::setName>, XmlOccurs::First},
+    {s_sAuthor, &readTextTo<&SignalPackage::setAuthor>, XmlOccurs::FirstIfAny},
+    {QLatin1String("Library"), &passElement},
+    {QLatin1String("Created"), &passElement},
+    {QLatin1String("UserEditable"), &passElement},
+};
+
+void readUpdateId(XmlReader& a_reader, Descriptor& a_descriptor)
+{
+    QString sId;
+    readXmlAttributes(a_reader, sId, s_updateAttributes);
+    readXmlEnd(a_reader);
+    a_descriptor.updateIds.append(sId);
+}
+
+const XmlChild<Descriptor> s_rootElements[] = {
+    {s_sUpdateId, &readUpdateId, XmlOccurs::AnyTimes},
+    {s_sMetaData,
+     [](XmlReader& a_reader, Descriptor& a_descriptor) { readXmlChildren(a_reader, a_descriptor, s_metaData); },
+     XmlOccurs::First},
+    {s_sBandwidth,
+     [](XmlReader& a_reader, Descriptor& a_descriptor) {
+         if (const auto text = a_reader.text()) {
+             a_descriptor.package.setSignalBandwidth(a_reader.singleNumber(*text, s_bandwidths));
+         }
+     },
+     XmlOccurs::First},
+    {s_sAnalogModulation,
+     [](XmlReader& a_reader, Descriptor& a_descriptor) {
+         if (const auto text = a_reader.text()) {
+             a_descriptor.package.setAnalogModulation(analogModulationFromString(text->string()));
+             reportUnknownModulation(a_reader, *text);
+         }
+     },
+     XmlOccurs::First},
+    {s_sDuration,
+     [](XmlReader& a_reader, Descriptor& a_descriptor) {
+         if (const auto text = a_reader.text()) {
+             a_descriptor.package.setDuration(a_reader.unsignedNumber(*text));
+         }
+     },
+     XmlOccurs::First},
+    {s_sDigitalModulation, &readTextTo<&SignalPackage::setDigitalModulation>, XmlOccurs::FirstIfAny},
+    {QLatin1String("SignalShape"), &passElement},
+    {QLatin1String("Audio"), &passElement},
+};
 
 /// Writes each id once, at its first position.
 void writeUpdateIds(XmlElement& a_root, const QStringList& a_ids)
@@ -69,34 +187,48 @@ void traceUnreadable(const QString& a_sWhat, const QString& a_sReason)
     });
 }
 
-/// `a_sWhat` names the descriptor in a trace.
-SignalPackage readDescriptor(const QByteArray& a_descriptor, const QString& a_sWhat)
+/// `a_sWhat` names the descriptor in a trace. `a_pReport` may be null; an error is then
+/// traced, and otherwise reported.
+SignalPackage readDescriptor(const QByteArray& a_descriptor, const QString& a_sWhat, ReadingReport* a_pReport)
 {
-    SignalPackage package;
+    Descriptor descriptor;
+    XmlDeviations deviations;
     QString sReason;
-    const XmlElement root = XmlElement::parse(a_descriptor, &sReason);
-    if (root.isNull()) {
+    const XmlRecord record(a_descriptor, &sReason);
+    if (sReason.isEmpty()) {
+        XmlTextReader reader(record.text(), a_pReport != nullptr ? &deviations : nullptr,
+                             record.root().data() - record.text().data());
+        if (reader.nextChild()) {
+            reportOtherRoot(reader);
+            readXmlAttributes(reader, descriptor, s_rootAttributes);
+            readXmlChildren(reader, descriptor, s_rootElements);
+            descriptor.package.setUpdateIds(descriptor.updateIds);
+        }
+    } else if (a_pReport == nullptr) {
         traceUnreadable(a_sWhat, sReason);
-        return package;
+    } else {
+        deviations.add(ReadingReport::s_sBrokenOff, record.errorOffset(), [&](ReadingEntry& a_entry) {
+            a_entry.message = QStringLiteral("Nothing is read: %1.").arg(sReason);
+        });
     }
-    package.setTimestamp(root.attribute(s_sTimestamp).toUInt());
-    package.setId(root.attribute(s_sUid));
-    package.setUpdateIds(readUpdateIds(root));
-    const XmlElement metaData = root.firstChild(s_sMetaData);
-    package.setName(metaData.childText(s_sName));
-    package.setAuthor(metaData.childText(s_sAuthor));
-    package.setSignalBandwidth(readBandwidth(root.childText(s_sBandwidth)));
-    package.setAnalogModulation(analogModulationFromString(root.childText(s_sAnalogModulation)));
-    package.setDuration(root.childUnsigned(s_sDuration));
-    package.setDigitalModulation(root.childText(s_sDigitalModulation));
-    return package;
+    if (a_pReport != nullptr) {
+        *a_pReport = deviations.report(record.text());
+    }
+    return descriptor.package;
 }
 
 } // namespace
 
 SignalPackage SignalPackageFile::readSignalPackageDescriptor(const QByteArray& a_descriptor)
 {
-    return readDescriptor(a_descriptor, QStringLiteral("of %1 bytes").arg(a_descriptor.size()));
+    return readDescriptor(a_descriptor, QStringLiteral("of %1 bytes").arg(a_descriptor.size()), nullptr);
+}
+
+ReadingReport SignalPackageFile::report(const QByteArray& a_descriptor)
+{
+    ReadingReport report;
+    (void)readDescriptor(a_descriptor, {}, &report);
+    return report;
 }
 
 QByteArray SignalPackageFile::writeSignalPackageDescriptor(const SignalPackage& a_package)
@@ -138,7 +270,7 @@ SignalPackage SignalPackageFile::signalPackage(const QString& a_sFile)
         traceUnreadable(sWhat, sReason);
         return {};
     }
-    return readDescriptor(*descriptor, sWhat);
+    return readDescriptor(*descriptor, sWhat, nullptr);
 }
 
 bool SignalPackageFile::signalPackageFile(const SignalPackage& a_package, const QString& a_sFile)

@@ -1,6 +1,7 @@
 #ifndef SIMULATIONDATA_SIGNALPACKAGEFILE_H
 #define SIMULATIONDATA_SIGNALPACKAGEFILE_H
 
+#include "simulationdata/readingreport.h"
 #include "simulationdata/signalpackage.h"
 #include "simulationdata/simulationdata_export.h"
 
@@ -24,6 +25,11 @@ public:
     /// default. A bandwidth that is not finite becomes 0. The name of the root
     /// element is not checked.
     [[nodiscard]] static SignalPackage readSignalPackageDescriptor(const QByteArray& a_descriptor);
+
+    /// What readSignalPackageDescriptor() skips, replaces or doubts in the descriptor, with
+    /// places. Empty when the descriptor is taken as it is written. Elements that other
+    /// programs write and that the package does not need are not reported.
+    [[nodiscard]] static ReadingReport report(const QByteArray& a_descriptor);
 
     /// Returns the descriptor as UTF-8, without path and content flags. An update id
     /// that the package has twice is written once.

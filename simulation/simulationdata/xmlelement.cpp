@@ -1,11 +1,9 @@
 #include "xmlelement.h"
 
-#include "simulationdata/io/documentfile_p.h"
 #include "simulationdata/xml/xmlencoding_p.h"
 #include "simulationdata/xml/xmlnodewriter_p.h"
-#include "simulationdata/xml/xmlscanner_p.h"
+#include "simulationdata/xml/xmlrecord_p.h"
 #include "simulationdata/xml/xmltext_p.h"
-#include "simulationdata/xml/xmlvalidator_p.h"
 
 #include <pugixml.hpp>
 
@@ -57,29 +55,6 @@ bool isCleanAscii(const QByteArray& a_text)
     return xmlAsciiBytes(a_text) == a_text.size();
 }
 
-/// Checks the text before it is parsed. Returns the error text. Without an error
-/// returns an empty text and sets `*a_pRoot` to the bytes of the root element.
-QString errorText(QByteArrayView a_text, QByteArrayView* a_pRoot)
-{
-    XmlValidator validator(a_text);
-    const bool bValid = validator.validate();
-    if (!bValid || !validator.isPlain()) {
-        // An exceeded limit is reported before any other error, and only the scanner
-        // checks the limits of document types.
-        XmlScanner scanner;
-        scanner.feed(a_text);
-        if (scanner.hasError()) {
-            const XmlScanner::Error& error = scanner.error();
-            return xmlErrorText({error.line, error.column}, error.reason);
-        }
-    }
-    if (!bValid) {
-        return xmlErrorText(advanced({}, a_text.first(validator.errorOffset())), validator.reason());
-    }
-    *a_pRoot = validator.root();
-    return {};
-}
-
 /// Parses the bytes of a root element. Null with the error text when the parser refuses
 /// the bytes.
 std::shared_ptr<pugi::xml_document> loadRoot(QByteArrayView a_root, QString* a_pError)
@@ -98,22 +73,10 @@ std::shared_ptr<pugi::xml_document> loadRoot(QByteArrayView a_root, QString* a_p
 /// refused.
 std::shared_ptr<pugi::xml_document> load(const QByteArray& a_bytes, QString* a_pError)
 {
-    if (!checkDocumentBytes(a_bytes.size(), a_pError)) {
-        return nullptr;
-    }
-    const QByteArray utf8 = toUtf8Xml(a_bytes, a_pError);
-    if (!a_pError->isEmpty()) {
-        return nullptr;
-    }
-    const QByteArrayView text = QByteArrayView(utf8).sliced(utf8MarkBytes(utf8));
-    QByteArrayView root;
-    *a_pError = errorText(text, &root);
-    if (!a_pError->isEmpty()) {
-        return nullptr;
-    }
     // The parser gets only the root element: the rest of the document is checked
     // already.
-    return loadRoot(root, a_pError);
+    const XmlRecord record(a_bytes, a_pError);
+    return a_pError->isEmpty() ? loadRoot(record.root(), a_pError) : nullptr;
 }
 
 } // namespace

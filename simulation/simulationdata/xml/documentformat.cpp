@@ -4,12 +4,11 @@
 #include "simulationdata/io/trace_p.h"
 #include "simulationdata/simulationlimits.h"
 #include "xmldocumentreader_p.h"
-#include "xmlencoding_p.h"
+#include "xmlwriter_p.h"
 
 #include "kpbase/replacedfile.h"
 
 #include <QIODevice>
-#include <QXmlStreamWriter>
 
 namespace Simulation {
 
@@ -17,9 +16,26 @@ namespace {
 
 constexpr qsizetype s_iShownCharacters = 40; ///< characters of a wrong root name in an error text
 
+/// The report about a document that could not be opened.
+ReadingReport reportOf(const QString& a_sReason)
+{
+    XmlDeviations deviations;
+    deviations.add(ReadingReport::s_sBrokenOff, -1, [&](ReadingEntry& a_entry) {
+        a_entry.message = QStringLiteral("Nothing is read: %1.").arg(a_sReason);
+    });
+    return deviations.report({});
+}
+
+void reportBrokenOff(XmlDeviations& a_deviations, XmlDocumentReader& a_document, const QString& a_sError)
+{
+    a_deviations.add(ReadingReport::s_sBrokenOff, a_document.errorOffset(), [&](ReadingEntry& a_entry) {
+        a_entry.message = QStringLiteral("The document breaks off, and what is read before is kept: %1.").arg(a_sError);
+    });
+}
+
 } // namespace
 
-DocumentKind::DocumentKind(const char* a_szSource, const QString& a_sName, const QString& a_sRoot)
+DocumentKind::DocumentKind(const char* a_szSource, const QString& a_sName, QLatin1String a_sRoot)
     : m_szSource(a_szSource)
     , m_sName(a_sName)
     , m_sRoot(a_sRoot)
@@ -32,17 +48,20 @@ bool DocumentKind::refuse(const QString& a_sReason, QString* a_pError) const
     return false;
 }
 
-std::optional<QByteArray> DocumentKind::load(const QString& a_sFile, QString* a_pError) const
+std::optional<QByteArray> DocumentKind::load(const QString& a_sFile, QString* a_pError,
+                                             ReadingReport* a_pReport) const
 {
     QString sReason;
     std::optional<QByteArray> xml = loadDocument(a_sFile, &sReason);
     if (!xml) {
         refuse(sReason, a_pError);
+        *a_pReport = reportOf(sReason);
     }
     return xml;
 }
 
-std::optional<QByteArray> DocumentKind::load(QIODevice* a_pDevice, QString* a_pError) const
+std::optional<QByteArray> DocumentKind::load(QIODevice* a_pDevice, QString* a_pError,
+                                             ReadingReport* a_pReport) const
 {
     QString sReason = QStringLiteral("no device to read from was given");
     std::optional<QByteArray> xml;
@@ -51,46 +70,54 @@ std::optional<QByteArray> DocumentKind::load(QIODevice* a_pDevice, QString* a_pE
     }
     if (!xml) {
         refuse(sReason, a_pError);
+        *a_pReport = reportOf(sReason);
     }
     return xml;
 }
 
-bool DocumentKind::read(const QByteArray& a_xml, QString* a_pError,
-                        const std::function<QString(QXmlStreamReader&)>& a_readRoot) const
+bool DocumentKind::read(const QByteArray& a_xml, QString* a_pError, ReadingReport* a_pReport,
+                        const std::function<QString(XmlReader&)>& a_readRoot) const
 {
-    XmlDocumentReader document(a_xml);
-    QXmlStreamReader& reader = document.stream();
-    if (!reader.readNextStartElement()) {
+    XmlDeviations deviations;
+    XmlDocumentReader document(a_xml, &deviations);
+    if (!document.readRoot()) {
+        reportBrokenOff(deviations, document, document.errorString());
+        *a_pReport = deviations.report(document.text());
         return refuse(document.errorString(), a_pError);
     }
-    if (reader.qualifiedName() != m_sRoot) {
-        const QString sRoot = reader.qualifiedName().left(s_iShownCharacters).toString();
-        return refuse(
-            xmlErrorText({reader.lineNumber(), reader.columnNumber()},
-                         QStringLiteral("the root element is \"%1\", not \"%2\"").arg(sRoot, m_sRoot)),
-            a_pError);
+    XmlReader& reader = document.reader();
+    if (!isName(reader.name(), m_sRoot)) {
+        const QString sRoot = QString::fromUtf8(reader.name()).left(s_iShownCharacters);
+        const QString sReason = QStringLiteral("the root element is \"%1\", not \"%2\"").arg(sRoot, m_sRoot);
+        deviations.add(ReadingReport::s_sOtherRoot, reader.offset(), [&](ReadingEntry& a_entry) {
+            a_entry.found = shownText(reader.name());
+            a_entry.message = QStringLiteral("The root element is not \"%1\": nothing is read.").arg(m_sRoot);
+        });
+        *a_pReport = deviations.report(document.text());
+        return refuse(document.errorTextHere(sReason), a_pError);
     }
     const QString sReadError = a_readRoot(reader);
     *a_pError = errorOf(document, sReadError);
     if (!a_pError->isEmpty()) {
         traceError(m_szSource, [&] { return QStringLiteral("%1 broke off: %2").arg(m_sName, *a_pError); });
+        reportBrokenOff(deviations, document, *a_pError);
     }
+    *a_pReport = deviations.report(document.text());
     return true;
 }
 
 QByteArray
-DocumentKind::text(const std::function<bool(QXmlStreamWriter&, const StillReadable&)>& a_writeRoot) const
+DocumentKind::text(const std::function<bool(XmlWriter&, const StillReadable&)>& a_writeRoot) const
 {
     QByteArray xml;
-    QXmlStreamWriter writer(&xml);
-    writer.setAutoFormatting(true);
-    writer.writeStartDocument();
-    writer.writeStartElement(m_sRoot);
+    XmlTextWriter writer(xml);
+    writer.startDocument();
+    writer.startElement(m_sRoot);
     if (!a_writeRoot(writer, [&] { return isReadable(xml.size()); })) {
         return {};
     }
-    writer.writeEndElement();
-    writer.writeEndDocument();
+    writer.endElement();
+    writer.endDocument();
     return isReadable(xml.size()) ? xml : QByteArray();
 }
 

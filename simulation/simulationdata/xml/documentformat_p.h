@@ -2,18 +2,20 @@
 #define SIMULATIONDATA_DOCUMENTFORMAT_P_H
 
 #include <QByteArray>
+#include <QLatin1String>
 #include <QString>
 
 #include <functional>
 #include <optional>
 
 class QIODevice;
-class QXmlStreamReader;
-class QXmlStreamWriter;
 
 namespace Simulation {
 
+class ReadingReport;
 class XmlDocumentReader;
+class XmlReader;
+class XmlWriter;
 
 /// One kind of document, recognised by its root element. The class contains the steps of
 /// reading and writing that all kinds have in common. An operation that fails returns
@@ -29,12 +31,15 @@ public:
 
     /// `a_szSource` and `a_sName` ("Scenario") are shown in traces; `a_sRoot` is
     /// the name of the root element.
-    DocumentKind(const char* a_szSource, const QString& a_sName, const QString& a_sRoot);
+    DocumentKind(const char* a_szSource, const QString& a_sName, QLatin1String a_sRoot);
 
     /// The whole content of a file or of an open device; no value when it is
     /// refused.
-    [[nodiscard]] std::optional<QByteArray> load(const QString& a_sFile, QString* a_pError) const;
-    [[nodiscard]] std::optional<QByteArray> load(QIODevice* a_pDevice, QString* a_pError) const;
+    /// `*a_pReport` is then replaced.
+    [[nodiscard]] std::optional<QByteArray> load(const QString& a_sFile, QString* a_pError,
+                                                 ReadingReport* a_pReport) const;
+    [[nodiscard]] std::optional<QByteArray> load(QIODevice* a_pDevice, QString* a_pError,
+                                                 ReadingReport* a_pReport) const;
 
     /// Checks the name of the root element and calls `a_readRoot` with the reader on
     /// the start of that element. `a_readRoot` returns the error that stopped its
@@ -44,8 +49,9 @@ public:
     /// that name. Returns true otherwise, even when the document breaks off. The error
     /// text is then set, after one trace. When the whole document was read, the error
     /// text is empty.
-    [[nodiscard]] bool read(const QByteArray& a_xml, QString* a_pError,
-                            const std::function<QString(QXmlStreamReader&)>& a_readRoot) const;
+    /// `*a_pReport` is replaced by the report about the document.
+    [[nodiscard]] bool read(const QByteArray& a_xml, QString* a_pError, ReadingReport* a_pReport,
+                            const std::function<QString(XmlReader&)>& a_readRoot) const;
 
     /// Writes one trace, sets the error text and returns false.
     bool refuse(const QString& a_sReason, QString* a_pError) const;
@@ -56,7 +62,7 @@ public:
     /// document is empty, after one trace, when the text exceeds
     /// Limits::DocumentBytes.
     [[nodiscard]] QByteArray
-    text(const std::function<bool(QXmlStreamWriter&, const StillReadable&)>& a_writeRoot) const;
+    text(const std::function<bool(XmlWriter&, const StillReadable&)>& a_writeRoot) const;
 
     /// Returns the document unchanged and sets the error text of writing. For an empty
     /// document the error text is the exceeded limit, else `a_sSharedIds`.
@@ -78,7 +84,7 @@ private:
 
     const char* m_szSource;
     QString m_sName;
-    QString m_sRoot;
+    QLatin1String m_sRoot;
 };
 
 /// Reads the text after the root element. Returns the error because of which the

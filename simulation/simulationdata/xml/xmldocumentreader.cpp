@@ -1,8 +1,10 @@
 #include "xmldocumentreader_p.h"
 
 #include "simulationdata/io/documentfile_p.h"
+#include "simulationdata/simulationlimits.h"
 #include "xmlencoding_p.h"
 #include "xmlscanner_p.h"
+#include "xmlvalidator_p.h"
 
 namespace Simulation {
 
@@ -10,39 +12,78 @@ XmlDocumentReader::XmlDocumentReader(const QString& a_sText)
     : XmlDocumentReader(QByteArrayLiteral("\xEF\xBB\xBF") + a_sText.toUtf8())
 {}
 
-XmlDocumentReader::XmlDocumentReader(const QByteArray& a_data)
+XmlDocumentReader::XmlDocumentReader(const QByteArray& a_data, XmlDeviations* a_pDeviations)
 {
-    // Names in our documents have no prefixes. Resolving a prefix takes time in
-    // proportion to the number of namespace declarations. A hostile document could
-    // contain many of them.
-    m_stream.setNamespaceProcessing(false);
-
     if (!checkDocumentBytes(a_data.size(), &m_sError)) {
         m_stream.raiseError(m_sError);
+        m_streamReader.emplace(m_stream);
         return;
     }
-    QByteArray text = toUtf8Xml(a_data, &m_sError);
+    m_bytes = toUtf8Xml(a_data, &m_sError);
+    m_text = QByteArrayView(m_bytes).sliced(utf8MarkBytes(m_bytes));
+    if (m_sError.isEmpty()) {
+        XmlValidator validator(m_text, XmlValidator::AnyNumberOfElements);
+        if (validator.validate() && validator.isUnambiguous()) {
+            m_textReader.emplace(m_text, a_pDeviations);
+            return;
+        }
+    }
+    readFromStream(a_pDeviations);
+}
+
+/// Lets a stream reader read the text up to the first exceeded limit.
+void XmlDocumentReader::readFromStream(XmlDeviations* a_pDeviations)
+{
+    // Our names have no prefixes. Resolving a prefix takes time in proportion to
+    // the number of namespace declarations, which the document chooses.
+    m_stream.setNamespaceProcessing(false);
     XmlScanner scanner;
-    scanner.feed(text);
+    scanner.feed(m_bytes);
     if (scanner.hasError()) {
         const XmlScanner::Error& error = scanner.error();
         m_sError = xmlErrorText({error.line, error.column}, error.reason);
-        text.truncate(static_cast<qsizetype>(error.offset));
+        m_bytes.truncate(static_cast<qsizetype>(error.offset));
+        m_text = QByteArrayView(m_bytes).sliced(utf8MarkBytes(m_bytes));
     }
-    m_stream.addData(text);
+    m_stream.addData(m_bytes);
+    m_streamReader.emplace(m_stream, m_text, a_pDeviations);
+}
+
+XmlReader& XmlDocumentReader::reader()
+{
+    if (m_textReader) {
+        return *m_textReader;
+    }
+    return *m_streamReader;
 }
 
 void XmlDocumentReader::readToEnd()
 {
-    while (!m_stream.atEnd()) {
+    // A valid text has nothing after its root element that could be wrong.
+    while (m_streamReader && !m_stream.atEnd()) {
         m_stream.readNext();
     }
 }
 
+qsizetype XmlDocumentReader::errorOffset()
+{
+    return m_textReader ? m_textReader->position() : m_streamReader->position();
+}
+
+QString XmlDocumentReader::errorTextHere(const QString& a_sReason)
+{
+    const XmlPosition position = m_textReader ? streamPosition(m_text.first(m_textReader->position()))
+                                              : XmlPosition{m_stream.lineNumber(), m_stream.columnNumber()};
+    return xmlErrorText(position, a_sReason);
+}
+
 QString XmlDocumentReader::errorString() const
 {
+    if (m_textReader) {
+        return m_textReader->errorString();
+    }
     if (!m_stream.hasError()) {
-        // The text may have been cut off after the root element.
+        // The cut-off text may have followed the root element.
         return m_stream.atEnd() ? m_sError : QString();
     }
     const bool bCutShort = m_stream.error() == QXmlStreamReader::PrematureEndOfDocumentError;

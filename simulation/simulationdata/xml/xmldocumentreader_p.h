@@ -1,26 +1,37 @@
 #ifndef SIMULATIONDATA_XMLDOCUMENTREADER_P_H
 #define SIMULATIONDATA_XMLDOCUMENTREADER_P_H
 
+#include "xmldeviations_p.h"
+#include "xmlstreamadapter_p.h"
+#include "xmltextreader_p.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QXmlStreamReader>
 
+#include <optional>
+
 namespace Simulation {
 
-/// A stream reader over one whole document from an untrusted source. The text is
-/// decoded and checked against the limits first. A text that exceeds a limit is cut off
-/// at that place, as if the document ended. One object is used by one thread at a time.
+/// A reader over one whole document from an untrusted source. The text is decoded and
+/// checked first. A valid text is read where it is. Any other text, and one with a
+/// document type, goes through a stream reader, which knows how much of it can be used; a
+/// text that exceeds a limit is cut off there, as if the document ended. One object is
+/// used by one thread at a time.
 class XmlDocumentReader
 {
 public:
-    explicit XmlDocumentReader(const QByteArray& a_data);
+    explicit XmlDocumentReader(const QByteArray& a_data, XmlDeviations* a_pDeviations = nullptr);
     /// Reads text that is already decoded; an encoding in its declaration is
     /// ignored.
     explicit XmlDocumentReader(const QString& a_sText);
 
-    [[nodiscard]] QXmlStreamReader& stream() { return m_stream; }
+    /// Moves to the root element. False, with an error, when there is none.
+    [[nodiscard]] bool readRoot() { return reader().nextChild(); }
 
-    /// Reads the text after the root element, where only comments and processing
+    [[nodiscard]] XmlReader& reader();
+
+    /// Reads what follows the root element, where only comments and processing
     /// instructions are allowed.
     void readToEnd();
 
@@ -28,9 +39,24 @@ public:
     /// everything read so far is valid.
     [[nodiscard]] QString errorString() const;
 
+    /// That form of an error text for the place that is reached.
+    [[nodiscard]] QString errorTextHere(const QString& a_sReason);
+
+    /// The bytes before the error; all that are read when there is none.
+    [[nodiscard]] qsizetype errorOffset();
+
+    /// The text of the document as UTF-8, to which offsets refer.
+    [[nodiscard]] QByteArrayView text() const { return m_text; }
+
 private:
-    QString m_sError; ///< why the text was cut off, with its place
+    void readFromStream(XmlDeviations* a_pDeviations);
+
+    QByteArray m_bytes;    ///< decoded
+    QByteArrayView m_text; ///< m_bytes without a byte-order mark
+    QString m_sError;      ///< why the text was cut off, with its place
+    std::optional<XmlTextReader> m_textReader;
     QXmlStreamReader m_stream;
+    std::optional<XmlStreamReader> m_streamReader; ///< when m_textReader is not used
 };
 
 } // namespace Simulation

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace Simulation {
 
@@ -357,6 +358,39 @@ qsizetype xmlNameLength(QByteArrayView a_bytes, bool a_bFirst)
 bool isXmlName(QByteArrayView a_text)
 {
     return !a_text.isEmpty() && xmlNameLength(a_text) == a_text.size();
+}
+
+char32_t xmlReferencedCharacter(QByteArrayView a_reference)
+{
+    if (!a_reference.startsWith('#')) {
+        constexpr std::pair<QByteArrayView, char32_t> entities[] = {
+            {"amp", U'&'}, {"lt", U'<'}, {"gt", U'>'}, {"quot", U'"'}, {"apos", U'\''}};
+        const auto found = std::find_if(std::begin(entities), std::end(entities),
+                                        [&](const auto& a_entity) { return a_entity.first == a_reference; });
+        return found == std::end(entities) ? 0 : found->second;
+    }
+    constexpr int iHexadecimal = 16;
+    constexpr int iDecimal = 10;
+    constexpr char32_t cBeyond = 0x110000;
+    const bool bHexadecimal = a_reference.startsWith("#x");
+    const QByteArrayView digits = a_reference.sliced(bHexadecimal ? 2 : 1);
+    char32_t cCode = 0;
+    for (const char c : digits) {
+        int iDigit = c <= '9' ? c - '0' : iHexadecimal; // not a digit
+        if (bHexadecimal && c >= 'a' && c <= 'f') {
+            iDigit = iDecimal + (c - 'a');
+        } else if (bHexadecimal && c >= 'A' && c <= 'F') {
+            iDigit = iDecimal + (c - 'A');
+        }
+        const int iBase = bHexadecimal ? iHexadecimal : iDecimal;
+        if (iDigit < 0 || iDigit >= iBase) {
+            return 0;
+        }
+        cCode = std::min(
+            static_cast<char32_t>(cCode * static_cast<char32_t>(iBase) + static_cast<char32_t>(iDigit)),
+            cBeyond);
+    }
+    return cCode;
 }
 
 } // namespace Simulation

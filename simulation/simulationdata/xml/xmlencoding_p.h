@@ -52,6 +52,11 @@ struct Utf8Character
 /// Whether the whole text is one XML 1.0 name.
 [[nodiscard]] bool isXmlName(QByteArrayView a_text);
 
+/// The character that a reference stands for; the argument is the text between '&' and
+/// ';', such as "amp", "#10" or "#xA". 0 when it is none of the five known entities and no
+/// number; a number may stand for a character that XML forbids.
+[[nodiscard]] char32_t xmlReferencedCharacter(QByteArrayView a_reference);
+
 /// A place in an XML text. Both numbers count from 1, the column in UTF-8
 /// characters.
 struct XmlPosition

@@ -2,16 +2,16 @@
 
 #include "simulationdata/io/numbers_p.h"
 
-#include <QXmlStreamWriter>
-
 #include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <system_error>
 
 namespace Simulation {
 
 namespace {
 
-constexpr int s_iCoordinateDigits = 14;
-constexpr int s_iNumberDigits = 6;
 constexpr char16_t s_cFirstPrintable = 0x20;
 constexpr char16_t s_cFirstSurrogate = 0xD800;
 constexpr char16_t s_cFirstNonCharacter = 0xFFFE;
@@ -51,14 +51,31 @@ QString cleanXmlText(const QString& a_sText)
     return bClean ? a_sText : withoutForbidden(a_sText);
 }
 
+qsizetype writeNumber(double a_dValue, int a_iDigits, char* a_pBuffer, std::size_t a_uiSize)
+{
+    const auto result = std::to_chars(a_pBuffer, a_pBuffer + a_uiSize, finiteOrZero(a_dValue),
+                                      std::chars_format::general, a_iDigits);
+    return result.ptr - a_pBuffer;
+}
+
+namespace {
+
+QString realText(double a_dValue, int a_iDigits)
+{
+    std::array<char, 32> buffer;
+    return QString::fromLatin1(buffer.data(), writeNumber(a_dValue, a_iDigits, buffer.data(), buffer.size()));
+}
+
+} // namespace
+
 QString coordinateText(double a_dDegrees)
 {
-    return QString::number(finiteOrZero(a_dDegrees), 'g', s_iCoordinateDigits);
+    return realText(a_dDegrees, s_iCoordinateDigits);
 }
 
 QString numberText(double a_dValue)
 {
-    return QString::number(finiteOrZero(a_dValue), 'g', s_iNumberDigits);
+    return realText(a_dValue, s_iNumberDigits);
 }
 
 const QString& boolText(bool a_bValue)
@@ -68,43 +85,66 @@ const QString& boolText(bool a_bValue)
     return a_bValue ? s_sTrue : s_sFalse;
 }
 
-double readDouble(QStringView a_sText)
+namespace {
+
+/// Whether the text has only digits, signs, one point or an exponent, and begins with a
+/// digit or a minus sign: the form that writers write. Every conversion reads it alike.
+bool isPlainNumber(QByteArrayView a_text)
 {
-    return finiteOrZero(a_sText.toDouble());
+    const auto isDigit = [](char a_cByte) { return a_cByte >= '0' && a_cByte <= '9'; };
+    const qsizetype iFirst = a_text.startsWith('-') ? 1 : 0;
+    return a_text.size() > iFirst && isDigit(a_text[iFirst]) && isDigit(a_text.back());
 }
 
-std::uint32_t readUInt32(QStringView a_sText)
+/// The number when the whole text is a plain number that fits the type; else what
+/// `a_otherwise` returns for the text as a string.
+template<typename Number, typename Otherwise>
+Number convert(QByteArrayView a_text, bool* a_pOk, const Otherwise& a_otherwise)
 {
-    return a_sText.toUInt();
-}
-
-std::int64_t readInt64(QStringView a_sText)
-{
-    return a_sText.toLongLong();
-}
-
-void writeXmlAttribute(QXmlStreamWriter& a_writer, const QString& a_sName, const QString& a_sValue)
-{
-    a_writer.writeAttribute(a_sName, cleanXmlText(a_sValue));
-}
-
-void writeXmlCharacters(QXmlStreamWriter& a_writer, const QString& a_sText)
-{
-    const QString sClean = cleanXmlText(a_sText);
-    qsizetype iStart = 0;
-    for (qsizetype iReturn = sClean.indexOf(u'\r'); iReturn >= 0; iReturn = sClean.indexOf(u'\r', iStart)) {
-        a_writer.writeCharacters(sClean.mid(iStart, iReturn - iStart));
-        a_writer.writeEntityReference(QStringLiteral("#13"));
-        iStart = iReturn + 1;
+    Number number{};
+    bool bOk = false;
+    if (isPlainNumber(a_text)) {
+        const char* const pEnd = a_text.data() + a_text.size();
+        const auto result = std::from_chars(a_text.data(), pEnd, number);
+        bOk = result.ec == std::errc() && result.ptr == pEnd;
     }
-    a_writer.writeCharacters(iStart == 0 ? sClean : sClean.mid(iStart));
+    if (!bOk) {
+        number = a_otherwise(QString::fromUtf8(a_text), &bOk);
+    }
+    if (a_pOk != nullptr) {
+        *a_pOk = bOk;
+    }
+    return number;
 }
 
-void writeXmlTextElement(QXmlStreamWriter& a_writer, const QString& a_sName, const QString& a_sText)
+} // namespace
+
+double readDouble(QByteArrayView a_text, bool* a_pOk)
 {
-    a_writer.writeStartElement(a_sName);
-    writeXmlCharacters(a_writer, a_sText);
-    a_writer.writeEndElement();
+    return convert<double>(a_text, a_pOk, [](const QString& a_sText, bool* a_pConverted) {
+        const double dValue = a_sText.toDouble(a_pConverted);
+        *a_pConverted = *a_pConverted && std::isfinite(dValue);
+        return finiteOrZero(dValue);
+    });
+}
+
+std::uint32_t readUInt32(QByteArrayView a_text, bool* a_pOk)
+{
+    return convert<std::uint32_t>(a_text, a_pOk, [](const QString& a_sText, bool* a_pConverted) {
+        return a_sText.toUInt(a_pConverted);
+    });
+}
+
+std::int64_t readInt64(QByteArrayView a_text, bool* a_pOk)
+{
+    return convert<std::int64_t>(a_text, a_pOk, [](const QString& a_sText, bool* a_pConverted) {
+        return a_sText.toLongLong(a_pConverted);
+    });
+}
+
+bool containsTrue(QStringView a_sText)
+{
+    return a_sText.contains(u"true", Qt::CaseInsensitive);
 }
 
 } // namespace Simulation

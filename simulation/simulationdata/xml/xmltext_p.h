@@ -1,12 +1,12 @@
 #ifndef SIMULATIONDATA_XMLTEXT_P_H
 #define SIMULATIONDATA_XMLTEXT_P_H
 
+#include <QByteArrayView>
 #include <QString>
 #include <QStringView>
 
+#include <cstddef>
 #include <cstdint>
-
-class QXmlStreamWriter;
 
 namespace Simulation {
 
@@ -27,18 +27,22 @@ namespace Simulation {
 /// "true" or "false".
 [[nodiscard]] const QString& boolText(bool a_bValue);
 
-/// Numbers from text, independent of the locale. A text that is not a number, is
-/// not finite or does not fit the type gives 0.
-[[nodiscard]] double readDouble(QStringView a_sText);
-[[nodiscard]] std::uint32_t readUInt32(QStringView a_sText);
-[[nodiscard]] std::int64_t readInt64(QStringView a_sText);
+/// The significant digits of coordinates and of other real numbers.
+constexpr int s_iCoordinateDigits = 14;
+constexpr int s_iNumberDigits = 6;
 
-/// These functions write like the operations of QXmlStreamWriter, but clean the text
-/// first. A carriage return in element text is written as a character reference, because
-/// a reader turns a bare carriage return into a line feed.
-void writeXmlAttribute(QXmlStreamWriter& a_writer, const QString& a_sName, const QString& a_sValue);
-void writeXmlCharacters(QXmlStreamWriter& a_writer, const QString& a_sText);
-void writeXmlTextElement(QXmlStreamWriter& a_writer, const QString& a_sName, const QString& a_sText);
+/// Writes a real number in that form into a buffer of at least 32 bytes. Returns the
+/// number of bytes.
+qsizetype writeNumber(double a_dValue, int a_iDigits, char* a_pBuffer, std::size_t a_uiSize);
+
+/// Numbers from UTF-8 text, independent of the locale. A text that is not a number, is
+/// not finite or does not fit the type gives 0, and sets `*a_pOk` (may be null) to false.
+[[nodiscard]] double readDouble(QByteArrayView a_text, bool* a_pOk = nullptr);
+[[nodiscard]] std::uint32_t readUInt32(QByteArrayView a_text, bool* a_pOk = nullptr);
+[[nodiscard]] std::int64_t readInt64(QByteArrayView a_text, bool* a_pOk = nullptr);
+
+/// Whether the text contains "true" in any letter case.
+[[nodiscard]] bool containsTrue(QStringView a_sText);
 
 } // namespace Simulation
 

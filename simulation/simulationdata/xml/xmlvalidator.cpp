@@ -7,6 +7,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <limits>
 
 namespace Simulation {
 
@@ -34,33 +35,6 @@ QString shown(QByteArrayView a_name)
     return QString::fromUtf8(a_name.first(std::min(a_name.size(), s_iShownBytes)));
 }
 
-/// The code of a reference such as "#10" or "#xA"; 0 when it is not a number.
-char32_t referencedCharacter(QByteArrayView a_reference)
-{
-    constexpr int iHexadecimal = 16;
-    constexpr int iDecimal = 10;
-    constexpr char32_t cBeyond = 0x110000;
-    const bool bHexadecimal = a_reference.startsWith("#x");
-    const QByteArrayView digits = a_reference.sliced(bHexadecimal ? 2 : 1);
-    char32_t cCode = 0;
-    for (const char c : digits) {
-        int iDigit = c <= '9' ? c - '0' : iHexadecimal; // not a digit
-        if (bHexadecimal && c >= 'a' && c <= 'f') {
-            iDigit = iDecimal + (c - 'a');
-        } else if (bHexadecimal && c >= 'A' && c <= 'F') {
-            iDigit = iDecimal + (c - 'A');
-        }
-        const int iBase = bHexadecimal ? iHexadecimal : iDecimal;
-        if (iDigit < 0 || iDigit >= iBase) {
-            return 0;
-        }
-        cCode = std::min(
-            static_cast<char32_t>(cCode * static_cast<char32_t>(iBase) + static_cast<char32_t>(iDigit)),
-            cBeyond);
-    }
-    return cCode;
-}
-
 /// Whether the version is "1.0" or another "1.x", all of which are read in the same
 /// way.
 bool isFirstVersion(QByteArrayView a_version)
@@ -71,16 +45,12 @@ bool isFirstVersion(QByteArrayView a_version)
                        [](char a_cByte) { return a_cByte >= '0' && a_cByte <= '9'; });
 }
 
-bool isKnownEntity(QByteArrayView a_name)
-{
-    return a_name == "amp" || a_name == "lt" || a_name == "gt" || a_name == "quot" || a_name == "apos";
-}
-
 } // namespace
 
-XmlValidator::XmlValidator(QByteArrayView a_bytes)
+XmlValidator::XmlValidator(QByteArrayView a_bytes, Elements a_eElements)
     : m_bytes(a_bytes)
-    , m_uiMaxElements(Limits::value(Limits::RecordElements))
+    , m_uiMaxElements(a_eElements == LimitedElements ? Limits::value(Limits::RecordElements)
+                                                     : std::numeric_limits<std::uint64_t>::max())
     , m_uiMaxDepth(Limits::value(Limits::NestingDepth))
     , m_uiMaxAttributes(Limits::value(Limits::ElementAttributes))
 {}
@@ -100,7 +70,7 @@ bool XmlValidator::validate()
 
 qsizetype XmlValidator::plainDocumentBytes()
 {
-    if (!isAt('<') || !element() || !m_bPlain) {
+    if (!isAt('<') || !element() || !isPlain()) {
         return 0;
     }
     m_bytes = m_bytes.first(m_iPos); // other documents may follow
@@ -147,6 +117,7 @@ bool XmlValidator::declaration()
     if (!attributes() || !skip(s_instructionEnd)) {
         return fail(m_iPos, QStringLiteral("malformed XML declaration"));
     }
+    m_bUnambiguous = m_firstValue == "1.0" && m_names.back() != "standalone";
     // The order of the attributes is fixed; all except "version" are optional.
     auto it = m_names.cbegin();
     for (const QByteArrayView part :
@@ -194,6 +165,7 @@ bool XmlValidator::misc(bool a_bInProlog)
 bool XmlValidator::doctype()
 {
     const qsizetype iStart = m_iPos;
+    m_bUnambiguous = false;
     XmlDeclarationEnd end;
     m_iPos += s_doctypeOpen.size();
     if (m_iPos < m_bytes.size() && !isBlank(m_bytes[m_iPos])) {
@@ -369,10 +341,10 @@ bool XmlValidator::name(QByteArrayView* a_pName)
 {
     *a_pName = m_bytes.sliced(m_iPos, xmlNameLength(m_bytes.sliced(m_iPos)));
     m_iPos += a_pName->size();
-    m_bPlain = m_bPlain && a_pName->size() <= s_iPlainName &&
-               std::all_of(a_pName->begin(), a_pName->end(), [](char a_cByte) {
-                   return static_cast<signed char>(a_cByte) > 0 && a_cByte != ':';
-               });
+    m_bUnambiguous = m_bUnambiguous && a_pName->size() <= s_iPlainName &&
+                     std::all_of(a_pName->begin(), a_pName->end(), [](char a_cByte) {
+                         return static_cast<signed char>(a_cByte) > 0 && a_cByte != ':';
+                     });
     return !a_pName->isEmpty() || fail(m_iPos, QStringLiteral("a name is missing or malformed"));
 }
 
@@ -454,10 +426,10 @@ bool XmlValidator::reference()
         return fail(iStart, QStringLiteral("malformed reference"));
     }
     if (iHash == 0) {
-        return isKnownEntity(inside) ||
+        return xmlReferencedCharacter(inside) != 0 ||
                fail(iStart, QStringLiteral("unknown entity \"%1\"").arg(shown(inside)));
     }
-    return isXmlCharacter(referencedCharacter(inside)) ||
+    return isXmlCharacter(xmlReferencedCharacter(inside)) ||
            fail(iStart,
                 QStringLiteral("reference to an invalid or forbidden character \"%1\"").arg(shown(inside)));
 }

@@ -20,8 +20,13 @@ namespace Simulation {
 class XmlValidator
 {
 public:
+    enum Elements : unsigned char {
+        LimitedElements,    ///< at most Limits::RecordElements
+        AnyNumberOfElements ///< documents, which have limits for their objects
+    };
+
     /// The bytes must outlive the object.
-    explicit XmlValidator(QByteArrayView a_bytes);
+    explicit XmlValidator(QByteArrayView a_bytes, Elements a_eElements = LimitedElements);
 
     /// False at the first error, with reason() and errorOffset().
     [[nodiscard]] bool validate();
@@ -34,7 +39,11 @@ public:
     [[nodiscard]] qsizetype plainDocumentBytes();
 
     /// Whether a valid document is plain and has at most blanks around it.
-    [[nodiscard]] bool isPlain() const { return m_bPlain; }
+    [[nodiscard]] bool isPlain() const { return m_bPlain && m_bUnambiguous; }
+
+    /// Whether all parsers read the content of a valid document alike: it has no document
+    /// type, an XML declaration of version 1.0 only, and plain names.
+    [[nodiscard]] bool isUnambiguous() const { return m_bUnambiguous; }
 
     /// The place of the error (bytes from the start).
     [[nodiscard]] qsizetype errorOffset() const { return m_iError; }
@@ -82,7 +91,8 @@ private:
     const std::uint64_t m_uiMaxElements;
     const std::uint64_t m_uiMaxDepth;
     const std::uint64_t m_uiMaxAttributes;
-    bool m_bPlain = true; ///< whether the bytes read so far are plain
+    bool m_bPlain = true;       ///< so far only tags, text and references
+    bool m_bUnambiguous = true; ///< so far
     qsizetype m_iError = 0;
     QString m_sReason;
 };

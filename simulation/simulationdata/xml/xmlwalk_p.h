@@ -1,78 +1,225 @@
 #ifndef SIMULATIONDATA_XMLWALK_P_H
 #define SIMULATIONDATA_XMLWALK_P_H
 
-#include <QString>
-#include <QXmlStreamReader>
-#include <QXmlStreamWriter>
+#include "xmlreader_p.h"
+#include "xmlwriter_p.h"
 
-#include <optional>
+#include <QLatin1String>
 
-#include "xmltext_p.h"
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+#include <utility>
+#include <vector>
 
 namespace Simulation {
 
-/// Skips an unknown element and its content.
-void skipElement(QXmlStreamReader& a_reader);
+/// How often an element occurs in its parent, or an attribute in its element.
+enum class XmlOccurs : unsigned char {
+    Once,     ///< its absence is reported
+    AtMost1,  ///< its absence means the default
+    AnyTimes, ///< each occurrence counts
+    Several,  ///< the same, but its absence is reported
+    OneOf,    ///< exactly one of all elements that are marked so
+    First,    ///< the first one counts, and its absence is reported
+    FirstIfAny, ///< the first one counts
+};
 
-/// Calls `a_handler` for each child element of the current element, up to that
-/// element's end. At each call the reader is on the child's start. The argument is the
-/// child's name, valid until the reader moves. The handler either reads the child to
-/// its end and returns true, or does not move the reader and returns false. In the
-/// second case the child is skipped.
-template<typename Handler>
-void forEachChild(QXmlStreamReader& a_reader, const Handler& a_handler)
+/// One child element of a format: its name and the function that reads it up to its end.
+template<typename Target>
+struct XmlChild
 {
-    while (a_reader.readNextStartElement()) {
-        if (!a_handler(a_reader.qualifiedName())) {
-            skipElement(a_reader);
-        }
-    }
-}
+    QLatin1String name;
+    void (*read)(XmlReader& a_reader, Target& a_target);
+    XmlOccurs occurs = XmlOccurs::AtMost1;
+};
 
-/// Skips all children of an element that has only attributes.
-inline void skipChildren(QXmlStreamReader& a_reader)
+/// One attribute of a format: its name and the function that takes its value.
+template<typename Target>
+struct XmlAttributeField
 {
-    forEachChild(a_reader, [](QStringView) { return false; });
-}
-
-/// The text of the current element, up to its end. Child elements are skipped, so
-/// that an unexpected child does not make the rest of the document unreadable. No
-/// value when the document breaks off inside the element: half of a number would be
-/// read as a different number.
-[[nodiscard]] std::optional<QString> elementText(QXmlStreamReader& a_reader);
+    QLatin1String name;
+    void (*read)(XmlReader& a_reader, const XmlText& a_value, Target& a_target);
+    XmlOccurs occurs = XmlOccurs::AtMost1;
+};
 
 /// One value of a record, stored as a child element with text. An array of these
 /// defines the record's format for both reading and writing.
 template<typename Record>
 struct XmlField
 {
-    QString name;
-    QString (*text)(const Record& a_record);
-    void (*read)(Record& a_record, QStringView a_sText);
+    QLatin1String name;
+    void (*write)(XmlWriter& a_writer, const Record& a_record);
+    void (*read)(XmlReader& a_reader, const XmlText& a_text, Record& a_record);
 };
 
-/// Reads the current child element into the field of its name. Returns false, and does
-/// not move the reader, when there is no such field.
-template<typename Record, typename Fields>
-bool readXmlField(QXmlStreamReader& a_reader, QStringView a_sName, const Fields& a_fields, Record& a_record)
+/// Reports the element that was started last: an earlier one has the same meaning.
+void reportDuplicateElement(XmlReader& a_reader, bool a_bFirstCounts);
+
+/// How often an entry of a table occurs; each field of a record occurs once.
+template<typename Entry>
+[[nodiscard]] constexpr XmlOccurs occursOf(const Entry& a_entry)
 {
-    for (const XmlField<Record>& field : a_fields) {
-        if (a_sName == field.name) {
-            if (const auto sText = elementText(a_reader)) {
-                field.read(a_record, *sText);
-            }
-            return true;
-        }
+    if constexpr (requires { a_entry.occurs; }) {
+        return a_entry.occurs;
+    } else {
+        return XmlOccurs::Once;
     }
-    return false;
 }
 
+/// A field that an accessor pair of the record holds: a text, a real number or an
+/// unsigned number with its range.
+template<typename Record, auto Get, auto Set, const XmlRange& Range = s_anyNumber>
+[[nodiscard]] constexpr XmlField<Record> xmlField(const char* a_szName)
+{
+    using Value = std::remove_cvref_t<decltype((std::declval<const Record&>().*Get)())>;
+    return {QLatin1String(a_szName),
+            [](XmlWriter& a_writer, const Record& a_record) {
+                if constexpr (std::is_floating_point_v<Value>) {
+                    a_writer.number(static_cast<double>((a_record.*Get)()));
+                } else if constexpr (std::is_integral_v<Value>) {
+                    a_writer.whole((a_record.*Get)());
+                } else {
+                    a_writer.text((a_record.*Get)());
+                }
+            },
+            [](XmlReader& a_reader, const XmlText& a_text, Record& a_record) {
+                if constexpr (std::is_same_v<Value, float>) {
+                    (a_record.*Set)(a_reader.singleNumber(a_text, Range));
+                } else if constexpr (std::is_same_v<Value, double>) {
+                    (a_record.*Set)(a_reader.number(a_text, Range));
+                } else if constexpr (std::is_integral_v<Value>) {
+                    (a_record.*Set)(a_reader.unsignedNumber(a_text, Range));
+                } else {
+                    (a_record.*Set)(a_text.string());
+                }
+            }};
+}
+
+/// The index of an entry of a table; Count when there is none of that name.
+template<typename Entry, std::size_t Count>
+[[nodiscard]] std::size_t indexOf(QByteArrayView a_name, const Entry (&a_entries)[Count])
+{
+    static_assert(Count <= 32, "a bit for each entry");
+    std::size_t i = 0;
+    while (i < Count && !isName(a_name, a_entries[i].name)) {
+        ++i;
+    }
+    return i;
+}
+
+/// The bits of the entries that occur in one of the given ways.
+template<typename Entry, std::size_t Count, typename... Occurs>
+[[nodiscard]] constexpr std::uint32_t bitsOf(const Entry (&a_entries)[Count], Occurs... a_occurs)
+{
+    std::uint32_t uiBits = 0;
+    for (std::size_t i = 0; i < Count; ++i) {
+        uiBits |= ((occursOf(a_entries[i]) == a_occurs) || ...) ? 1U << i : 0U;
+    }
+    return uiBits;
+}
+
+/// The names of a table, which are needed only when something is reported.
+class XmlNames
+{
+public:
+    template<typename Table>
+    explicit XmlNames(const Table& a_table)
+    {
+        for (const auto& entry : a_table) {
+            m_names.push_back(entry.name);
+            m_occurs.push_back(occursOf(entry));
+        }
+    }
+
+    void reportUnknownElement(XmlReader& a_reader) const;
+    void reportUnknownAttribute(XmlReader& a_reader, const XmlAttribute& a_attribute) const;
+    /// Reports the entries whose bit is not set in `a_uiSeen` and that have to occur.
+    void reportMissingElements(XmlReader& a_reader, qsizetype a_iOffset, std::uint32_t a_uiSeen) const;
+    void reportMissingAttributes(XmlReader& a_reader, std::uint32_t a_uiSeen) const;
+
+private:
+    std::vector<QLatin1String> m_names;
+    std::vector<XmlOccurs> m_occurs;
+};
+
+/// Reads the attributes of the element that was started last, in the order of the
+/// document. Unknown and missing ones are reported.
+template<typename Target, std::size_t Count>
+void readXmlAttributes(XmlReader& a_reader, Target& a_target, const XmlAttributeField<Target> (&a_fields)[Count])
+{
+    std::uint32_t uiSeen = 0;
+    for (const XmlAttribute& attribute : a_reader.attributes()) {
+        const std::size_t i = indexOf(attribute.name, a_fields);
+        if (i < Count) {
+            uiSeen |= 1U << i;
+            a_fields[i].read(a_reader, attribute.value, a_target);
+        } else if (a_reader.deviations() != nullptr) {
+            XmlNames(a_fields).reportUnknownAttribute(a_reader, attribute);
+        }
+    }
+    if ((~uiSeen & bitsOf(a_fields, XmlOccurs::Once)) != 0 && a_reader.deviations() != nullptr) {
+        XmlNames(a_fields).reportMissingAttributes(a_reader, uiSeen);
+    }
+}
+
+/// Reads the child elements of the current element up to its end, by an array of
+/// XmlChild or XmlField. Unknown elements are skipped with their content. Unknown,
+/// missing and doubled ones are reported. A field whose element breaks off stays
+/// unchanged.
+template<typename Target, typename Entry, std::size_t Count>
+void readXmlChildren(XmlReader& a_reader, Target& a_target, const Entry (&a_children)[Count])
+{
+    const qsizetype iOffset = a_reader.offset();
+    const std::uint32_t uiChoice = bitsOf(a_children, XmlOccurs::OneOf);
+    const std::uint32_t uiSingle = ~bitsOf(a_children, XmlOccurs::AnyTimes, XmlOccurs::Several);
+    const std::uint32_t uiFirst = bitsOf(a_children, XmlOccurs::First, XmlOccurs::FirstIfAny);
+    std::uint32_t uiSeen = 0;
+    while (a_reader.nextChild()) {
+        const std::size_t i = indexOf(a_reader.name(), a_children);
+        if (i == Count) {
+            if (a_reader.deviations() != nullptr) {
+                XmlNames(a_children).reportUnknownElement(a_reader);
+            }
+            a_reader.skip();
+            continue;
+        }
+        const std::uint32_t uiBit = 1U << i;
+        if ((uiSeen & uiSingle & ((uiChoice & uiBit) != 0 ? uiChoice : uiBit)) != 0) {
+            reportDuplicateElement(a_reader, (uiFirst & uiBit) != 0);
+            if ((uiFirst & uiBit) != 0) {
+                a_reader.skip();
+                continue;
+            }
+        }
+        uiSeen |= uiBit;
+        if constexpr (std::is_same_v<Entry, XmlField<Target>>) {
+            if (const auto text = a_reader.text()) {
+                a_children[i].read(a_reader, *text, a_target);
+            }
+        } else {
+            a_children[i].read(a_reader, a_target);
+        }
+    }
+    const bool bMissing = (~uiSeen & bitsOf(a_children, XmlOccurs::Once, XmlOccurs::Several, XmlOccurs::First)) != 0 ||
+                          (uiChoice != 0 && (uiSeen & uiChoice) == 0);
+    if (bMissing && a_reader.deviations() != nullptr && !a_reader.hasError()) {
+        XmlNames(a_children).reportMissingElements(a_reader, iOffset, uiSeen);
+    }
+}
+
+/// Reads an element that has only attributes up to its end. What it contains is
+/// reported.
+void readXmlEnd(XmlReader& a_reader);
+
 /// Writes all fields in the order of the array.
-template<typename Record, typename Fields>
-void writeXmlFields(QXmlStreamWriter& a_writer, const Fields& a_fields, const Record& a_record)
+template<typename Record, std::size_t Count>
+void writeXmlFields(XmlWriter& a_writer, const Record& a_record, const XmlField<Record> (&a_fields)[Count])
 {
     for (const XmlField<Record>& field : a_fields) {
-        writeXmlTextElement(a_writer, field.name, field.text(a_record));
+        a_writer.startElement(field.name);
+        field.write(a_writer, a_record);
+        a_writer.endElement();
     }
 }
 

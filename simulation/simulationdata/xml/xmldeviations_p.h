@@ -1,0 +1,64 @@
+#ifndef SIMULATIONDATA_XMLDEVIATIONS_P_H
+#define SIMULATIONDATA_XMLDEVIATIONS_P_H
+
+#include "simulationdata/readingreport.h"
+
+#include <QByteArrayView>
+#include <QHash>
+#include <QLatin1String>
+#include <QString>
+#include <QStringList>
+
+#include <limits>
+#include <span>
+#include <vector>
+
+namespace Simulation {
+
+/// Collects what a document says against its format while it is read. The places are
+/// offsets until the end, so that nothing is calculated for a document without
+/// deviations. Memory is bounded: of many deviations only those are kept that the report
+/// can list, and the others are counted. Used by one reading.
+class XmlDeviations
+{
+public:
+    /// Counts a deviation, and lists it if there is room. `a_iOffset` is its place (bytes
+    /// from the start of the text; -1: not known). `a_makeTexts(ReadingEntry&)` sets the
+    /// texts. It is called only for a listed deviation.
+    template<typename MakeTexts>
+    void add(QLatin1String a_sRule, qsizetype a_iOffset, const MakeTexts& a_makeTexts)
+    {
+        if (ReadingEntry* const pEntry = entryFor(a_sRule, a_iOffset)) {
+            a_makeTexts(*pEntry);
+        }
+    }
+
+    /// The report about a document with that text, with lines, columns and paths.
+    [[nodiscard]] ReadingReport report(QByteArrayView a_text);
+
+private:
+    struct Deviation
+    {
+        qsizetype offset = 0;
+        ReadingEntry entry;
+    };
+
+    ReadingEntry* entryFor(QLatin1String a_sRule, qsizetype a_iOffset);
+    void keepFirst();
+
+    std::vector<Deviation> m_deviations;
+    qsizetype m_iLast = std::numeric_limits<qsizetype>::max(); ///< later ones are only counted
+    QHash<QLatin1String, qint64> m_unlisted;                   ///< by rule
+};
+
+/// The first characters of a text that is shown in an entry.
+[[nodiscard]] QString shownText(QByteArrayView a_text);
+
+/// The name that was probably meant: one that differs in its letter case only, or in few
+/// characters. Empty when there is none.
+[[nodiscard]] QString similarName(QByteArrayView a_name, std::span<const QLatin1String> a_names);
+[[nodiscard]] QString similarName(const QString& a_sName, const QStringList& a_names);
+
+} // namespace Simulation
+
+#endif

@@ -1,0 +1,149 @@
+#ifndef SIMULATIONDATA_XMLREADER_P_H
+#define SIMULATIONDATA_XMLREADER_P_H
+
+#include "xmldeviations_p.h"
+
+#include <QByteArrayView>
+#include <QLatin1String>
+#include <QString>
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace Simulation {
+
+/// Text of a document as UTF-8: an attribute's value or the text of an element, with
+/// its references replaced. Valid until the reader moves.
+struct XmlText
+{
+    QByteArrayView bytes;
+    qsizetype offset = -1; ///< where it begins in the document (bytes); -1: not known
+
+    [[nodiscard]] QString string() const { return QString::fromUtf8(bytes); }
+};
+
+/// Whether a name of a document is that name of a format.
+[[nodiscard]] inline bool isName(QByteArrayView a_name, QLatin1String a_sExpected)
+{
+    return a_name == QByteArrayView(a_sExpected.data(), a_sExpected.size());
+}
+
+struct XmlAttribute
+{
+    QByteArrayView name;
+    XmlText value; ///< with the offset of the name
+};
+
+/// The numbers that make sense as a value, and their unit.
+struct XmlRange
+{
+    double minimum = -std::numeric_limits<double>::infinity();
+    double maximum = std::numeric_limits<double>::infinity();
+    bool isMinimumExcluded = false;
+    const char* unit = ""; ///< as shown in a sentence: "Hz"
+
+    [[nodiscard]] constexpr bool contains(double a_dValue) const
+    {
+        return a_dValue <= maximum && (isMinimumExcluded ? a_dValue > minimum : a_dValue >= minimum);
+    }
+};
+
+inline constexpr XmlRange s_anyNumber;
+
+/// Walks through the elements of a document: one interface for every source of XML.
+///
+/// The reader is on the start of an element, or after its end. nextChild() moves to the
+/// next child, which is read with nextChild(), text() or skip() up to its end before
+/// nextChild() is called for the parent again. What the document says against its format
+/// goes to the deviations, if there are any. A reader that reaches an error behaves as if
+/// all open elements ended there.
+class XmlReader
+{
+public:
+    XmlReader(const XmlReader&) = delete;
+    XmlReader& operator=(const XmlReader&) = delete;
+    virtual ~XmlReader() = default;
+
+    /// Moves to the start of the next child element. False at the end of the current
+    /// element, which is then read. Text between the children is reported.
+    [[nodiscard]] virtual bool nextChild() = 0;
+
+    /// The text of the current element, which is then read. Child elements are skipped
+    /// and reported, so that an unexpected one does not make the rest of the document
+    /// unreadable. No value when the document breaks off inside: half of a number is a
+    /// different number.
+    [[nodiscard]] virtual std::optional<XmlText> text() = 0;
+
+    /// Skips the rest of the current element. Nothing inside is reported.
+    void skip();
+
+    /// Ends the reading: the document breaks off here for that reason.
+    virtual void raiseError(const QString& a_sReason) = 0;
+    [[nodiscard]] virtual bool hasError() const = 0;
+
+    /// The name, attributes and place of the element that was started last.
+    [[nodiscard]] QByteArrayView name() const { return m_name; }
+    [[nodiscard]] qsizetype offset() const { return m_iOffset; }
+    /// Attributes that the caller does not look at are reported when the reader moves.
+    [[nodiscard]] const std::vector<XmlAttribute>& attributes()
+    {
+        m_bAttributesLeft = false;
+        return m_attributes;
+    }
+    /// The value of an attribute of that element; null when there is none.
+    [[nodiscard]] const XmlText* attribute(QLatin1String a_sName);
+
+    /// Null: nothing is reported.
+    [[nodiscard]] XmlDeviations* deviations() const { return m_pDeviations; }
+
+    // Values. A text that does not convert gives 0 or false and is reported, and so is a
+    // number outside its range, which is returned as it is.
+    [[nodiscard]] double number(const XmlText& a_text, const XmlRange& a_range = s_anyNumber);
+    [[nodiscard]] float singleNumber(const XmlText& a_text, const XmlRange& a_range = s_anyNumber);
+    [[nodiscard]] std::uint32_t unsignedNumber(const XmlText& a_text, const XmlRange& a_range = s_anyNumber);
+    [[nodiscard]] std::int64_t integer(const XmlText& a_text, const XmlRange& a_range = s_anyNumber);
+    /// True when the text contains "true" in any letter case.
+    [[nodiscard]] bool boolean(const XmlText& a_text);
+
+    /// Reports a text that is none of the values of an enumeration. `a_szMade` ends the
+    /// sentence: "\"STOP\" is used".
+    void reportUnknownValue(const XmlText& a_text, std::span<const QLatin1String> a_values,
+                            const char* a_szMade);
+
+protected:
+    explicit XmlReader(XmlDeviations* a_pDeviations)
+        : m_pDeviations(a_pDeviations)
+    {}
+
+    /// Implementations call these after they have read a start tag, and before they
+    /// read on.
+    void tagRead() { m_bAttributesLeft = m_pDeviations != nullptr && !m_attributes.empty(); }
+    void leaveTag()
+    {
+        if (m_bAttributesLeft) {
+            reportAttributes();
+        }
+    }
+
+    void reportText(QByteArrayView a_text, qsizetype a_iOffset);
+    void reportChildOfText();
+
+    QByteArrayView m_name;
+    std::vector<XmlAttribute> m_attributes;
+    qsizetype m_iOffset = 0; ///< of the start tag; -1: not known
+
+private:
+    void reportAttributes();
+    void reportNumber(const XmlText& a_text, const XmlRange& a_range, const char* a_szKind);
+    void reportRange(const XmlText& a_text, const XmlRange& a_range);
+
+    XmlDeviations* m_pDeviations;
+    bool m_bAttributesLeft = false; ///< nobody has looked at the attributes
+};
+
+} // namespace Simulation
+
+#endif

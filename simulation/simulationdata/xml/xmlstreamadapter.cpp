@@ -1,0 +1,156 @@
+#include "xmlstreamadapter_p.h"
+
+#include "xmltext_p.h"
+
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+#include <utility>
+
+namespace Simulation {
+
+XmlStreamReader::XmlStreamReader(QXmlStreamReader& a_stream, QByteArrayView a_text,
+                                 XmlDeviations* a_pDeviations)
+    : XmlReader(a_pDeviations)
+    , m_stream(a_stream)
+    , m_text(a_text)
+{
+    if (a_stream.isStartElement()) {
+        startElement();
+    }
+}
+
+bool XmlStreamReader::hasError() const
+{
+    return m_stream.hasError();
+}
+
+void XmlStreamReader::raiseError(const QString& a_sReason)
+{
+    m_stream.raiseError(a_sReason);
+}
+
+qsizetype XmlStreamReader::position()
+{
+    constexpr int iLeadMask = 0xC0;
+    constexpr int iContinuation = 0x80;
+    constexpr unsigned char cFourBytes = 0xF0; // such a character has two UTF-16 units
+    if (m_text.isEmpty()) {
+        return -1;
+    }
+    const auto isInside = [&] { return (m_text[m_iBytes] & iLeadMask) == iContinuation; };
+    while (m_iBytes < m_text.size() && (m_iUnits < m_stream.characterOffset() || isInside())) {
+        if (!isInside()) {
+            m_iUnits += static_cast<unsigned char>(m_text[m_iBytes]) >= cFourBytes ? 2 : 1;
+        }
+        ++m_iBytes;
+    }
+    return m_iBytes;
+}
+
+QByteArrayView XmlStreamReader::kept(QByteArray a_bytes)
+{
+    return m_copies.emplace_back(std::move(a_bytes));
+}
+
+void XmlStreamReader::startElement()
+{
+    m_copies.clear();
+    m_attributes.clear();
+    m_name = kept(m_stream.qualifiedName().toUtf8());
+    const qsizetype iEnd = position();
+    // A value contains no '<', so the last one is that of the tag.
+    m_iOffset = iEnd < 0 ? -1 : m_text.first(iEnd).lastIndexOf('<');
+    const QXmlStreamAttributes attributes = m_stream.attributes();
+    for (const QXmlStreamAttribute& attribute : attributes) {
+        const QByteArrayView name = kept(attribute.qualifiedName().toUtf8());
+        const qsizetype iName = m_iOffset < 0 ? -1 : m_text.indexOf(name, m_iOffset + 1 + m_name.size());
+        m_attributes.push_back(
+            {name, {kept(attribute.value().toUtf8()), iName >= 0 && iName < iEnd ? iName : m_iOffset}});
+    }
+    tagRead();
+}
+
+bool XmlStreamReader::nextChild()
+{
+    leaveTag();
+    while (m_stream.readNext() != QXmlStreamReader::Invalid) {
+        if (m_stream.isStartElement()) {
+            startElement();
+            return true;
+        }
+        if (m_stream.isEndElement() || m_stream.isEndDocument()) {
+            return false;
+        }
+        if (m_stream.isCharacters() && deviations() != nullptr) {
+            reportText(m_stream.text().toUtf8(), -1);
+        }
+    }
+    return false;
+}
+
+std::optional<XmlText> XmlStreamReader::text()
+{
+    leaveTag();
+    QString sText;
+    const qsizetype iOffset = position();
+    for (;;) {
+        switch (m_stream.readNext()) {
+        case QXmlStreamReader::Characters:
+        case QXmlStreamReader::EntityReference: // declared in an external document type: has no text
+            sText += m_stream.text();
+            break;
+        case QXmlStreamReader::StartElement:
+            startElement();
+            reportChildOfText();
+            skip();
+            break;
+        case QXmlStreamReader::EndElement:
+            return XmlText{kept(sText.toUtf8()), iOffset};
+        case QXmlStreamReader::Comment:
+        case QXmlStreamReader::ProcessingInstruction:
+            break;
+        default:
+            return std::nullopt;
+        }
+    }
+}
+
+void XmlStreamWriter::startElement(QLatin1String a_sName)
+{
+    m_stream.writeStartElement(a_sName);
+}
+
+void XmlStreamWriter::endElement()
+{
+    m_stream.writeEndElement();
+}
+
+void XmlStreamWriter::attribute(QLatin1String a_sName, QStringView a_sValue)
+{
+    m_stream.writeAttribute(a_sName, cleanXmlText(a_sValue.toString()));
+}
+
+void XmlStreamWriter::text(QStringView a_sText)
+{
+    const QString sClean = cleanXmlText(a_sText.toString());
+    qsizetype iStart = 0;
+    for (qsizetype iReturn = sClean.indexOf(u'\r'); iReturn >= 0; iReturn = sClean.indexOf(u'\r', iStart)) {
+        m_stream.writeCharacters(sClean.mid(iStart, iReturn - iStart));
+        m_stream.writeEntityReference(QStringLiteral("#13"));
+        iStart = iReturn + 1;
+    }
+    m_stream.writeCharacters(sClean.mid(iStart));
+}
+
+void XmlStreamWriter::plainAttribute(QLatin1String a_sName, QLatin1String a_sValue)
+{
+    m_stream.writeAttribute(a_sName, a_sValue);
+}
+
+void XmlStreamWriter::plainText(QLatin1String a_sText)
+{
+    m_stream.writeCharacters(a_sText);
+}
+
+} // namespace Simulation
