@@ -44,13 +44,11 @@ constexpr XmlRange s_speeds{0.0, std::numeric_limits<double>::infinity(), false,
 } // namespace
 
 const XmlField<TPos> s_coordinateFields[2] = {
-    {s_sLon,
-     [](XmlWriter& a_writer, const TPos& a_position) { a_writer.coordinate(a_position.longitude); },
+    {s_sLon, [](XmlWriter& a_writer, const TPos& a_position) { a_writer.coordinate(a_position.longitude); },
      [](XmlReader& a_reader, const XmlText& a_text, TPos& a_position) {
          a_position.longitude = a_reader.number(a_text, s_longitudes);
      }},
-    {s_sLat,
-     [](XmlWriter& a_writer, const TPos& a_position) { a_writer.coordinate(a_position.latitude); },
+    {s_sLat, [](XmlWriter& a_writer, const TPos& a_position) { a_writer.coordinate(a_position.latitude); },
      [](XmlReader& a_reader, const XmlText& a_text, TPos& a_position) {
          a_position.latitude = a_reader.number(a_text, s_latitudes);
      }},
@@ -80,10 +78,8 @@ const XmlAttributeField<PointAttributes> s_pointAttributes[] = {
          a_attributes.point.transitionTime = a_reader.unsignedNumber(a_value, s_milliseconds);
          a_attributes.iTransitionTime = a_value.offset;
      }},
-    {s_sMajor,
-     [](XmlReader& a_reader, const XmlText& a_value, PointAttributes& a_attributes) {
-         a_attributes.point.major = a_reader.boolean(a_value);
-     }},
+    {s_sMajor, [](XmlReader& a_reader, const XmlText& a_value,
+                  PointAttributes& a_attributes) { a_attributes.point.major = a_reader.boolean(a_value); }},
     {s_sSpeed, [](XmlReader& /*a_reader*/, const XmlText& a_value,
                   PointAttributes& a_attributes) { a_attributes.pSpeed = &a_value; }},
     {s_sName, [](XmlReader& /*a_reader*/, const XmlText& a_value,
@@ -98,8 +94,9 @@ void reportIgnored(XmlReader& a_reader, const XmlText* a_pValue)
     }
     a_reader.deviations()->add(ReadingReport::s_sIgnoredValue, a_pValue->offset, [&](ReadingEntry& a_entry) {
         a_entry.found = shownText(a_pValue->bytes);
-        a_entry.message = QStringLiteral("Only a point with Major=\"true\" has a speed, a name and a dwell time: "
-                                         "the attribute is ignored.");
+        a_entry.message =
+            QStringLiteral("Only a point with Major=\"true\" has a speed, a name and a dwell time: "
+                           "the attribute is ignored.");
     });
 }
 
@@ -189,7 +186,8 @@ bool differs(double a_dWritten, double a_dCalculated, double a_dShare)
 /// Reports transition times that contradict the speeds, which take precedence. Most are
 /// recognised as right by a rough calculation, because a geodesic costs more than reading
 /// the whole point.
-void reportDerivedTimes(XmlReader& a_reader, const PointsReading& a_reading, const PositionSettingsPtp& a_settings)
+void reportDerivedTimes(XmlReader& a_reader, const PointsReading& a_reading,
+                        const PositionSettingsPtp& a_settings)
 {
     constexpr double dRoughShare = 0.02;
     constexpr double dShare = 0.01;
@@ -210,9 +208,10 @@ void reportDerivedTimes(XmlReader& a_reader, const PointsReading& a_reading, con
         if (differs(dWritten, dCalculated, dShare)) {
             a_reader.deviations()->add(ReadingReport::s_sDerivedValue, iOffset, [&](ReadingEntry& a_entry) {
                 a_entry.found = QString::number(points[i].transitionTime);
-                a_entry.message = QStringLiteral("The time follows from the distance and the speed of the next major "
-                                                 "point, %1 km/h: %2 ms are used.")
-                                      .arg(QString::number(dSpeed), QString::number(dCalculated, 'f', 0));
+                a_entry.message =
+                    QStringLiteral("The time follows from the distance and the speed of the next major "
+                                   "point, %1 km/h: %2 ms are used.")
+                        .arg(QString::number(dSpeed), QString::number(dCalculated, 'f', 0));
             });
         }
     }
@@ -315,11 +314,13 @@ QString readText(XmlReader& a_reader, const QString& a_sFormer)
 bool readMark(XmlReader& a_reader, const XmlText& a_value)
 {
     if (a_value.bytes != "true" && a_reader.deviations() != nullptr) {
-        a_reader.deviations()->add(ReadingReport::s_sIgnoredValue, a_value.offset, [&](ReadingEntry& a_entry) {
-            a_entry.found = shownText(a_value.bytes);
-            a_entry.message = QStringLiteral("The attribute counts as \"true\" whatever its value: remove it where "
-                                             "it does not apply.");
-        });
+        a_reader.deviations()->add(
+            ReadingReport::s_sIgnoredValue, a_value.offset, [&](ReadingEntry& a_entry) {
+                a_entry.found = shownText(a_value.bytes);
+                a_entry.message =
+                    QStringLiteral("The attribute counts as \"true\" whatever its value: remove it where "
+                                   "it does not apply.");
+            });
     }
     return true;
 }
@@ -340,9 +341,11 @@ std::uint32_t readVersion(XmlReader& a_reader, const XmlText& a_value, std::uint
         [&](ReadingEntry& a_entry) {
             a_entry.found = shownText(a_value.bytes);
             a_entry.message =
-                (bNewer ? QStringLiteral("Version %1 is newer than %2, the newest that is known: what is new in it is "
-                                         "skipped.")
-                        : QStringLiteral("Version %1 is older than %2: the document is read, and saved in version %2."))
+                (bNewer ? QStringLiteral(
+                              "Version %1 is newer than %2, the newest that is known: what is new in it is "
+                              "skipped.")
+                        : QStringLiteral(
+                              "Version %1 is older than %2: the document is read, and saved in version %2."))
                     .arg(QString::number(uiVersion), QString::number(a_uiKnown));
         });
     return uiVersion;
@@ -353,7 +356,8 @@ void reportMissingVersion(XmlReader& a_reader)
     if (a_reader.deviations() != nullptr) {
         a_reader.deviations()->add(
             ReadingReport::s_sOlderVersion, a_reader.offset(), [&](ReadingEntry& a_entry) {
-                a_entry.message = QStringLiteral("The document names no version: it is read as one of version 0.");
+                a_entry.message =
+                    QStringLiteral("The document names no version: it is read as one of version 0.");
             });
     }
 }
@@ -361,10 +365,12 @@ void reportMissingVersion(XmlReader& a_reader)
 void reportMissingId(XmlReader& a_reader)
 {
     if (a_reader.deviations() != nullptr) {
-        a_reader.deviations()->add(ReadingReport::s_sMissingId, a_reader.offset(), [&](ReadingEntry& a_entry) {
-            a_entry.found = shownText(a_reader.name());
-            a_entry.message = QStringLiteral("The element has no attribute \"ID\": it is skipped with its content.");
-        });
+        a_reader.deviations()->add(
+            ReadingReport::s_sMissingId, a_reader.offset(), [&](ReadingEntry& a_entry) {
+                a_entry.found = shownText(a_reader.name());
+                a_entry.message =
+                    QStringLiteral("The element has no attribute \"ID\": it is skipped with its content.");
+            });
     }
 }
 
@@ -373,8 +379,9 @@ void reportMerged(XmlReader& a_reader, const XmlText& a_id)
     if (a_reader.deviations() != nullptr) {
         a_reader.deviations()->add(ReadingReport::s_sDuplicateId, a_id.offset, [&](ReadingEntry& a_entry) {
             a_entry.found = shownText(a_id.bytes);
-            a_entry.message = QStringLiteral("An earlier element has this id: both are read as one object, and the "
-                                             "values of this element replace the earlier ones.");
+            a_entry.message =
+                QStringLiteral("An earlier element has this id: both are read as one object, and the "
+                               "values of this element replace the earlier ones.");
         });
     }
 }
@@ -382,10 +389,11 @@ void reportMerged(XmlReader& a_reader, const XmlText& a_id)
 void reportIgnoredElement(XmlReader& a_reader, const char* a_szMessage)
 {
     if (a_reader.deviations() != nullptr) {
-        a_reader.deviations()->add(ReadingReport::s_sIgnoredValue, a_reader.offset(), [&](ReadingEntry& a_entry) {
-            a_entry.found = shownText(a_reader.name());
-            a_entry.message = QLatin1String(a_szMessage);
-        });
+        a_reader.deviations()->add(ReadingReport::s_sIgnoredValue, a_reader.offset(),
+                                   [&](ReadingEntry& a_entry) {
+                                       a_entry.found = shownText(a_reader.name());
+                                       a_entry.message = QLatin1String(a_szMessage);
+                                   });
     }
 }
 

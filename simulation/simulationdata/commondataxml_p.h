@@ -21,7 +21,8 @@ class IPositionSettings;
 
 /// Ranges of values in the documents, and their units.
 inline constexpr XmlRange s_milliseconds{0.0, 4294967295.0, false, "milliseconds"};
-inline constexpr XmlRange s_longMilliseconds{0.0, std::numeric_limits<double>::infinity(), false, "milliseconds"};
+inline constexpr XmlRange s_longMilliseconds{0.0, std::numeric_limits<double>::infinity(), false,
+                                             "milliseconds"};
 inline constexpr XmlRange s_frequencies{0.0, std::numeric_limits<double>::infinity(), true, "Hz"};
 inline constexpr XmlRange s_fractions{0.0, 1.0, false, ""};
 inline constexpr XmlRange s_notNegative{0.0, std::numeric_limits<double>::infinity(), false, ""};

@@ -201,10 +201,14 @@ void DeploymentDataXml::readHeader(XmlReader& a_reader)
                      DeploymentDataXml& a_deployment) { a_deployment.m_sName = a_value.string(); }},
         {s_sAuthor, [](XmlReader& /*a_reader*/, const XmlText& a_value,
                        DeploymentDataXml& a_deployment) { a_deployment.m_sAuthor = a_value.string(); }},
-        {s_sPersistantId, [](XmlReader& /*a_reader*/, const XmlText& a_value,
-                             DeploymentDataXml& a_deployment) { a_deployment.m_sPersistantId = a_value.string(); }},
-        {s_sDescription, [](XmlReader& /*a_reader*/, const XmlText& a_value,
-                            DeploymentDataXml& a_deployment) { a_deployment.m_sDescription = a_value.string(); }},
+        {s_sPersistantId,
+         [](XmlReader& /*a_reader*/, const XmlText& a_value, DeploymentDataXml& a_deployment) {
+             a_deployment.m_sPersistantId = a_value.string();
+         }},
+        {s_sDescription,
+         [](XmlReader& /*a_reader*/, const XmlText& a_value, DeploymentDataXml& a_deployment) {
+             a_deployment.m_sDescription = a_value.string();
+         }},
     };
     m_uiFileFormatVersion = 0;
     m_sName = m_sAuthor = m_sPersistantId = m_sDescription = QString();

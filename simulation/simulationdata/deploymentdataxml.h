@@ -132,7 +132,8 @@ private:
     void readObjectPosition(XmlReader& a_reader, DeploymentObject& a_object) const;
 
     template<typename Object>
-    std::shared_ptr<Object> objectForId(XmlReader& a_reader, QMap<QString, std::shared_ptr<Object>>& a_objects,
+    std::shared_ptr<Object> objectForId(XmlReader& a_reader,
+                                        QMap<QString, std::shared_ptr<Object>>& a_objects,
                                         const QString& a_sId) const;
 
     QString m_sName;

@@ -15,7 +15,9 @@ namespace {
 
 const XmlField<ReceiverSettings> s_receiverNumbers[] = {
     {QLatin1String("AntennaHeight"),
-     [](XmlWriter& a_writer, const ReceiverSettings& a_settings) { a_writer.number(a_settings.antennaHeight); },
+     [](XmlWriter& a_writer, const ReceiverSettings& a_settings) {
+         a_writer.number(a_settings.antennaHeight);
+     },
      [](XmlReader& a_reader, const XmlText& a_text, ReceiverSettings& a_settings) {
          a_settings.antennaHeight = a_reader.number(a_text, s_notNegative);
      }},
@@ -65,7 +67,8 @@ void reportIgnoredPosition(XmlReader& a_reader, qsizetype a_iOffset)
     if (a_reader.deviations() != nullptr) {
         a_reader.deviations()->add(ReadingReport::s_sIgnoredValue, a_iOffset, [](ReadingEntry& a_entry) {
             a_entry.found = QStringLiteral("Position");
-            a_entry.message = QStringLiteral("The device stands where its station stands: its own position is ignored.");
+            a_entry.message =
+                QStringLiteral("The device stands where its station stands: its own position is ignored.");
         });
     }
 }
@@ -78,8 +81,9 @@ void reportOtherName(XmlReader& a_reader, const XmlText& a_name, const QString& 
     }
     a_reader.deviations()->add(ReadingReport::s_sDerivedValue, a_name.offset, [&](ReadingEntry& a_entry) {
         a_entry.found = shownText(a_name.bytes);
-        a_entry.message = QStringLiteral("The name of a station is its id: the name becomes the id. Write the same "
-                                         "text for both.");
+        a_entry.message =
+            QStringLiteral("The name of a station is its id: the name becomes the id. Write the same "
+                           "text for both.");
     });
 }
 
@@ -146,8 +150,9 @@ void DeploymentDataXml::Reading::reportInvented(XmlReader& a_reader) const
         }
         a_reader.deviations()->add(ReadingReport::s_sInventedObject, iOffset, [&](ReadingEntry& a_entry) {
             a_entry.found = shownText(sId.toUtf8());
-            a_entry.message = QStringLiteral("No element describes this station: one without data is created, at "
-                                             "latitude 0 and longitude 0.");
+            a_entry.message =
+                QStringLiteral("No element describes this station: one without data is created, at "
+                               "latitude 0 and longitude 0.");
             a_entry.suggestion =
                 ++iSuggestions <= iMostSuggestions ? similarName(a_entry.found, described) : QString();
         });
@@ -163,11 +168,14 @@ void DeploymentDataXml::readChildren(XmlReader& a_reader)
          },
          XmlOccurs::AnyTimes},
         {s_sStation,
-         [](XmlReader& a_childReader, Reading& a_reading) { a_reading.deployment.readStation(a_childReader); },
+         [](XmlReader& a_childReader, Reading& a_reading) {
+             a_reading.deployment.readStation(a_childReader);
+         },
          XmlOccurs::AnyTimes},
         {s_sDescription,
          [](XmlReader& a_childReader, Reading& a_reading) {
-             a_reading.deployment.m_sDescription = readText(a_childReader, a_reading.deployment.m_sDescription);
+             a_reading.deployment.m_sDescription =
+                 readText(a_childReader, a_reading.deployment.m_sDescription);
          }},
     };
     Reading reading{*this, {}};

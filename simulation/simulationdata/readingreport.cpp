@@ -105,6 +105,11 @@ std::span<const CheckRule> ReadingReport::rules()
     return s_rules;
 }
 
+qint64 ReadingReport::count(QLatin1String a_sRule) const
+{
+    return m_counts.value(a_sRule);
+}
+
 qint64 ReadingReport::unlisted() const
 {
     return std::accumulate(m_severities.begin(), m_severities.end(), qint64{0}) - m_entries.size();

@@ -4,9 +4,9 @@
 #include "simulationdata/checkrule.h"
 #include "simulationdata/simulationdata_export.h"
 
+#include <QHash>
 #include <QLatin1String>
 #include <QList>
-#include <QMap>
 #include <QString>
 
 #include <array>
@@ -74,10 +74,10 @@ public:
     /// The entries in the order of the document.
     [[nodiscard]] const QList<ReadingEntry>& entries() const { return m_entries; }
 
-    [[nodiscard]] bool isEmpty() const { return m_counts.isEmpty(); }
+    [[nodiscard]] bool isEmpty() const { return unlisted() == 0 && m_entries.isEmpty(); }
 
     /// The number of deviations from the rule, listed or not.
-    [[nodiscard]] qint64 count(QLatin1String a_sRule) const { return m_counts.value(a_sRule); }
+    [[nodiscard]] qint64 count(QLatin1String a_sRule) const;
     /// The number of deviations of that severity, listed or not.
     [[nodiscard]] qint64 count(Severity a_eSeverity) const
     {
@@ -93,7 +93,7 @@ public:
 
 private:
     QList<ReadingEntry> m_entries;
-    QMap<QLatin1String, qint64> m_counts;
+    QHash<QString, qint64> m_counts;      ///< by rule
     std::array<qint64, 3> m_severities{}; ///< by Severity
 };
 

@@ -183,7 +183,8 @@ QString ScenarioDataXml::readChildren(XmlReader& a_reader)
     static const XmlChild<Reading> s_children[] = {
         {s_sEmitter,
          [](XmlReader& a_childReader, Reading& a_reading) {
-             a_reading.scenario.readScenarioEmitter(a_childReader, EmitterType::Emitter, a_reading.references);
+             a_reading.scenario.readScenarioEmitter(a_childReader, EmitterType::Emitter,
+                                                    a_reading.references);
          },
          XmlOccurs::AnyTimes},
         {s_sElintEmitter,

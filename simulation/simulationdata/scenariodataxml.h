@@ -160,16 +160,13 @@ private:
     void readHeader(XmlReader& a_reader);
     QString readChildren(XmlReader& a_reader);
     void writeHeader(XmlWriter& a_writer) const;
-    static bool writeObjects(XmlWriter& a_writer,
-                             const QSet<std::shared_ptr<ScenarioObject>>& a_objects,
+    static bool writeObjects(XmlWriter& a_writer, const QSet<std::shared_ptr<ScenarioObject>>& a_objects,
                              const QList<std::shared_ptr<SzenarioEmitter>>& a_defaults,
                              const std::function<bool()>& a_stillReadable);
 
     // The objects of the document (scenariodataxml_objects.cpp)
-    void readScenarioEmitter(XmlReader& a_reader, EmitterType a_eType,
-                             ScenarioReferences& a_references);
-    static void writeScenarioEmitter(XmlWriter& a_writer, const SzenarioEmitter& a_emitter,
-                                     bool a_bDefault);
+    void readScenarioEmitter(XmlReader& a_reader, EmitterType a_eType, ScenarioReferences& a_references);
+    static void writeScenarioEmitter(XmlWriter& a_writer, const SzenarioEmitter& a_emitter, bool a_bDefault);
     void readScenarioNetwork(XmlReader& a_reader, ScenarioReferences& a_references);
     static void writeScenarioNetwork(XmlWriter& a_writer, const ScenarioNetwork& a_network);
 

@@ -52,14 +52,16 @@ const XmlAttributeField<EmissionReading> s_emissionAttributes[] = {
      XmlOccurs::Once},
 };
 
-void writeEmission(XmlWriter& a_writer, const EmissionSettings::Emission& a_emission, std::uint32_t a_uiNumber)
+void writeEmission(XmlWriter& a_writer, const EmissionSettings::Emission& a_emission,
+                   std::uint32_t a_uiNumber)
 {
     a_writer.startElement(s_sEmission);
     a_writer.wholeAttribute(s_sId, a_uiNumber);
     a_writer.wholeAttribute(s_sStartTime, a_emission.start);
     a_writer.wholeAttribute(s_sDuration, a_emission.duration);
     a_writer.attribute(s_sEmitter, a_emission.emitter ? a_emission.emitter->id() : QString());
-    a_writer.attribute(s_sSignalPackage, a_emission.signalPackage ? a_emission.signalPackage->id() : QString());
+    a_writer.attribute(s_sSignalPackage,
+                       a_emission.signalPackage ? a_emission.signalPackage->id() : QString());
     a_writer.endElement();
 }
 
@@ -86,7 +88,8 @@ const XmlAttributeField<EmissionSettings> s_scheduleAttributes[] = {
 const XmlChild<ScheduleReading> s_scheduleElements[] = {
     {s_sEmission,
      [](XmlReader& a_reader, ScheduleReading& a_schedule) {
-         EmissionReading reading{EmissionSettings::createEmission(), a_schedule.references, a_schedule.numbers};
+         EmissionReading reading{EmissionSettings::createEmission(), a_schedule.references,
+                                 a_schedule.numbers};
          readXmlAttributes(a_reader, reading, s_emissionAttributes);
          readXmlEnd(a_reader);
          a_schedule.emissions.append(reading.emission);
@@ -229,7 +232,8 @@ const XmlChild<OlderTiming> s_timingForms[] = {
 void readTimingSettings2(XmlReader& a_reader, const std::shared_ptr<SzenarioEmitter>& a_emitter,
                          const std::shared_ptr<SignalPackage>& a_package, ScenarioReferences& a_references)
 {
-    OlderTiming timing{*a_emitter->ScenarioObject::emissionSettings(), a_emitter, a_package, a_references, {}};
+    OlderTiming timing{
+        *a_emitter->ScenarioObject::emissionSettings(), a_emitter, a_package, a_references, {}};
     readXmlChildren(a_reader, timing, s_timingForms);
 }
 

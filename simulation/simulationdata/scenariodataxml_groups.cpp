@@ -32,7 +32,8 @@ void SeenNumbers::add(XmlReader& a_reader, const XmlText& a_text, std::uint32_t 
     if (m_hashed.contains(a_uiNumber)) {
         a_reader.deviations()->add(ReadingReport::s_sDuplicateId, a_text.offset, [&](ReadingEntry& a_entry) {
             a_entry.found = shownText(a_text.bytes);
-            a_entry.message = QStringLiteral("The number is used before: a group that names it gets the first one.");
+            a_entry.message =
+                QStringLiteral("The number is used before: a group that names it gets the first one.");
         });
     }
     m_hashed.insert(a_uiNumber);
@@ -78,8 +79,7 @@ const XmlAttributeField<GroupsFormat::Reading> GroupsFormat::s_attributes[2] = {
 };
 
 const XmlChild<GroupsFormat::RawGroup> GroupsFormat::s_members[2] = {
-    {s_sEmissionId,
-     [](XmlReader& a_reader, RawGroup& a_raw) { readMember(a_reader, a_raw.emissions); },
+    {s_sEmissionId, [](XmlReader& a_reader, RawGroup& a_raw) { readMember(a_reader, a_raw.emissions); },
      XmlOccurs::AnyTimes},
     {s_sGroupId, [](XmlReader& a_reader, RawGroup& a_raw) { readMember(a_reader, a_raw.groups); },
      XmlOccurs::AnyTimes},

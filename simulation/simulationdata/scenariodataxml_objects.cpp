@@ -52,7 +52,8 @@ void readSchedule(XmlReader& a_reader, Reading& a_reading)
 {
     // The element in a member describes the emitter's own schedule, not the
     // network's.
-    readEmissionSettings(a_reader, *a_reading.object->ScenarioObject::emissionSettings(), a_reading.references);
+    readEmissionSettings(a_reader, *a_reading.object->ScenarioObject::emissionSettings(),
+                         a_reading.references);
 }
 
 template<typename Reading>
@@ -101,7 +102,8 @@ const XmlChild<EmitterReading> s_emitterElements[] = {
              auto& elint = static_cast<ElintScenarioEmitter&>(*a_reading.object);
              elint.SetEDWFile(readText(a_reader, elint.getEDWFile()));
          } else {
-             reportIgnoredElement(a_reader, "Only an \"ElintEmitter\" has such a file: the element is ignored.");
+             reportIgnoredElement(a_reader,
+                                  "Only an \"ElintEmitter\" has such a file: the element is ignored.");
              a_reader.skip();
          }
      }},
@@ -116,8 +118,8 @@ void readColor(XmlReader& a_reader, NetworkReading& a_reading)
     } else if (text && a_reader.deviations() != nullptr) {
         a_reader.deviations()->add(ReadingReport::s_sNotAColor, text->offset, [&](ReadingEntry& a_entry) {
             a_entry.found = shownText(text->bytes);
-            a_entry.message = QStringLiteral("The text is not a colour: %1 is used.")
-                                  .arg(a_reading.object->color().name());
+            a_entry.message =
+                QStringLiteral("The text is not a colour: %1 is used.").arg(a_reading.object->color().name());
         });
     }
 }
@@ -192,8 +194,10 @@ const XmlAttributeField<ObjectAttributes> s_emitterAttributes[] = {
     {s_sId, &takeText<&ObjectAttributes::pId>}, // its absence is reported as such
     {s_sName, &takeText<&ObjectAttributes::pName>},
     {s_sActive, &readActive, XmlOccurs::Once},
-    {s_sDefault, [](XmlReader& a_reader, const XmlText& a_value,
-                    ObjectAttributes& a_attributes) { a_attributes.isDefault = readMark(a_reader, a_value); }},
+    {s_sDefault,
+     [](XmlReader& a_reader, const XmlText& a_value, ObjectAttributes& a_attributes) {
+         a_attributes.isDefault = readMark(a_reader, a_value);
+     }},
     {s_sLinkTarget, &takeText<&ObjectAttributes::pLinkTarget>},
 };
 

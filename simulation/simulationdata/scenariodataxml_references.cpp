@@ -47,22 +47,26 @@ bool ScenarioReferences::isFirst(ScheduleForm a_eForm, const EmissionSettings& a
     return bFirst;
 }
 
-std::shared_ptr<SignalPackage> ScenarioReferences::packageForId(XmlReader& a_reader, const XmlText& a_id) const
+std::shared_ptr<SignalPackage> ScenarioReferences::packageForId(XmlReader& a_reader,
+                                                                const XmlText& a_id) const
 {
     if (m_pProvider == nullptr) {
         return nullptr;
     }
     const QString sId = a_id.string();
     std::shared_ptr<SignalPackage> package = m_pProvider->signalPackage(sId);
-    const bool bFound = package ? package->id() == sId || m_pProvider->validSignalPackageId(sId) : sId.isEmpty();
+    const bool bFound =
+        package ? package->id() == sId || m_pProvider->validSignalPackageId(sId) : sId.isEmpty();
     if (!bFound && a_reader.deviations() != nullptr) {
-        a_reader.deviations()->add(ReadingReport::s_sReplacedPackage, a_id.offset, [&](ReadingEntry& a_entry) {
-            a_entry.found = shownText(a_id.bytes);
-            a_entry.message =
-                package ? QStringLiteral("The signal package is not known: the default package \"%1\" is used.")
-                              .arg(shownText(package->id().toUtf8()))
-                        : QStringLiteral("The signal package is not known: the emission has none.");
-        });
+        a_reader.deviations()->add(
+            ReadingReport::s_sReplacedPackage, a_id.offset, [&](ReadingEntry& a_entry) {
+                a_entry.found = shownText(a_id.bytes);
+                a_entry.message =
+                    package ? QStringLiteral(
+                                  "The signal package is not known: the default package \"%1\" is used.")
+                                  .arg(shownText(package->id().toUtf8()))
+                            : QStringLiteral("The signal package is not known: the emission has none.");
+            });
     }
     return package;
 }
@@ -90,8 +94,8 @@ void ScenarioReferences::setEmitter(const Emission& a_emission, const XmlText& a
     }
 }
 
-void ScenarioReferences::addMember(const std::shared_ptr<ScenarioNetwork>& a_network, const XmlText& a_emitterId,
-                                   bool a_bHead)
+void ScenarioReferences::addMember(const std::shared_ptr<ScenarioNetwork>& a_network,
+                                   const XmlText& a_emitterId, bool a_bHead)
 {
     if (a_emitterId.bytes.isEmpty()) {
         return;

@@ -56,7 +56,8 @@ public:
     /// Record a reference until resolve(). The text is the id; an empty one is ignored.
     void link(const std::shared_ptr<SzenarioEmitter>& a_emitter, const XmlText& a_targetId);
     void setEmitter(const Emission& a_emission, const XmlText& a_emitterId);
-    void addMember(const std::shared_ptr<ScenarioNetwork>& a_network, const XmlText& a_emitterId, bool a_bHead);
+    void addMember(const std::shared_ptr<ScenarioNetwork>& a_network, const XmlText& a_emitterId,
+                   bool a_bHead);
     void setHeadEmitter(const Emission& a_emission, const std::shared_ptr<ScenarioNetwork>& a_network);
 
     /// Whether the scenario holds as many objects as it may

@@ -29,10 +29,10 @@ const XmlField<Noise> s_noiseFields[] = {
     xmlField<Noise, &Noise::noiseDeviation, &Noise::setNoiseDeviation>("Deviation"),
     xmlField<Noise, &Noise::frequencyDependentNoiseDensity, &Noise::setFrequencyDependentNoiseDensity>(
         "FrequencyDependentDensity"),
-    xmlField<Noise, &Noise::frequencyDependentNoiseGranularity, &Noise::setFrequencyDependentNoiseGranularity>(
-        "FrequencyDependentGranularity"),
-    xmlField<Noise, &Noise::frequencyDependentNoiseVariability, &Noise::setFrequencyDependentNoiseVariability>(
-        "FrequencyDependentVariability"),
+    xmlField<Noise, &Noise::frequencyDependentNoiseGranularity,
+             &Noise::setFrequencyDependentNoiseGranularity>("FrequencyDependentGranularity"),
+    xmlField<Noise, &Noise::frequencyDependentNoiseVariability,
+             &Noise::setFrequencyDependentNoiseVariability>("FrequencyDependentVariability"),
 };
 
 const XmlAttributeField<Transmitter> s_antennaAttributes[] = {

@@ -47,11 +47,13 @@ struct Descriptor
 void readFormatVersion(XmlReader& a_reader, const XmlText& a_value, Descriptor& /*a_descriptor*/)
 {
     if (a_reader.unsignedNumber(a_value) > 0 && a_reader.deviations() != nullptr) {
-        a_reader.deviations()->add(ReadingReport::s_sNewerVersion, a_value.offset, [&](ReadingEntry& a_entry) {
-            a_entry.found = shownText(a_value.bytes);
-            a_entry.message = QStringLiteral("The version is newer than 0, the only one that is known: what is new in it "
-                                             "is skipped.");
-        });
+        a_reader.deviations()->add(
+            ReadingReport::s_sNewerVersion, a_value.offset, [&](ReadingEntry& a_entry) {
+                a_entry.found = shownText(a_value.bytes);
+                a_entry.message = QStringLiteral(
+                    "The version is newer than 0, the only one that is known: what is new in it "
+                    "is skipped.");
+            });
     }
 }
 
@@ -59,11 +61,13 @@ void readFormatVersion(XmlReader& a_reader, const XmlText& a_value, Descriptor& 
 void reportOtherRoot(XmlReader& a_reader)
 {
     if (!isName(a_reader.name(), s_sSignalPackage) && a_reader.deviations() != nullptr) {
-        a_reader.deviations()->add(ReadingReport::s_sOtherRoot, a_reader.offset(), [&](ReadingEntry& a_entry) {
-            a_entry.found = shownText(a_reader.name());
-            a_entry.message = QStringLiteral("The root element is not \"SignalPackage\": it is read as a descriptor all "
-                                             "the same.");
-        });
+        a_reader.deviations()->add(
+            ReadingReport::s_sOtherRoot, a_reader.offset(), [&](ReadingEntry& a_entry) {
+                a_entry.found = shownText(a_reader.name());
+                a_entry.message = QStringLiteral(
+                    "The root element is not \"SignalPackage\": it is read as a descriptor all "
+                    "the same.");
+            });
     }
 }
 
@@ -90,7 +94,8 @@ void passElement(XmlReader& a_reader, Descriptor& /*a_descriptor*/)
 {
     a_reader.skip();
 }
-void passAttribute(XmlReader& /*a_reader*/, const XmlText& /*a_value*/, Descriptor& /*a_descriptor*/) {}
+void passAttribute(XmlReader& /*a_reader*/, const XmlText& /*a_value*/, Descriptor& /*a_descriptor*/)
+{}
 
 const XmlAttributeField<Descriptor> s_rootAttributes[] = {
     {s_sFileFormatVersion, &readFormatVersion, XmlOccurs::Once},
@@ -108,7 +113,8 @@ const XmlAttributeField<Descriptor> s_rootAttributes[] = {
 };
 
 const XmlAttributeField<QString> s_updateAttributes[] = {
-    {s_sUid, [](XmlReader& /*a_reader*/, const XmlText& a_value, QString& a_sId) { a_sId = a_value.string(); },
+    {s_sUid,
+     [](XmlReader& /*a_reader*/, const XmlText& a_value, QString& a_sId) { a_sId = a_value.string(); },
      XmlOccurs::Once},
 };
 
@@ -139,7 +145,9 @@ void readUpdateId(XmlReader& a_reader, Descriptor& a_descriptor)
 const XmlChild<Descriptor> s_rootElements[] = {
     {s_sUpdateId, &readUpdateId, XmlOccurs::AnyTimes},
     {s_sMetaData,
-     [](XmlReader& a_reader, Descriptor& a_descriptor) { readXmlChildren(a_reader, a_descriptor, s_metaData); },
+     [](XmlReader& a_reader, Descriptor& a_descriptor) {
+         readXmlChildren(a_reader, a_descriptor, s_metaData);
+     },
      XmlOccurs::First},
     {s_sBandwidth,
      [](XmlReader& a_reader, Descriptor& a_descriptor) {

@@ -29,7 +29,8 @@ ReadingReport reportOf(const QString& a_sReason)
 void reportBrokenOff(XmlDeviations& a_deviations, XmlDocumentReader& a_document, const QString& a_sError)
 {
     a_deviations.add(ReadingReport::s_sBrokenOff, a_document.errorOffset(), [&](ReadingEntry& a_entry) {
-        a_entry.message = QStringLiteral("The document breaks off, and what is read before is kept: %1.").arg(a_sError);
+        a_entry.message =
+            QStringLiteral("The document breaks off, and what is read before is kept: %1.").arg(a_sError);
     });
 }
 
@@ -106,8 +107,7 @@ bool DocumentKind::read(const QByteArray& a_xml, QString* a_pError, ReadingRepor
     return true;
 }
 
-QByteArray
-DocumentKind::text(const std::function<bool(XmlWriter&, const StillReadable&)>& a_writeRoot) const
+QByteArray DocumentKind::text(const std::function<bool(XmlWriter&, const StillReadable&)>& a_writeRoot) const
 {
     QByteArray xml;
     XmlTextWriter writer(xml);

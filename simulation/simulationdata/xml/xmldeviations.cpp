@@ -17,7 +17,7 @@ namespace {
 
 constexpr qsizetype s_iShownCharacters = 80;
 constexpr qsizetype s_iShownLabel = 40; ///< characters of an id in a path
-constexpr qsizetype s_iShownSteps = 12;  ///< of a path, from the root
+constexpr qsizetype s_iShownSteps = 12; ///< of a path, from the root
 constexpr auto s_uiMost = static_cast<std::size_t>(ReadingReport::s_iMaximumEntries);
 
 QString shortened(const QString& a_sText, qsizetype a_iCharacters)
@@ -89,8 +89,8 @@ private:
     void advance();
 
     XmlTextReader m_reader;
-    std::vector<Step> m_open;      ///< the element started last is the innermost one
-    std::optional<Step> m_closed;  ///< the element whose end tag was read last
+    std::vector<Step> m_open;     ///< the element started last is the innermost one
+    std::optional<Step> m_closed; ///< the element whose end tag was read last
     bool m_bEnded = false;
 };
 
@@ -101,8 +101,8 @@ void PathFinder::advance()
     if (m_reader.nextChild()) {
         const XmlText* pId = m_reader.attribute(QLatin1String("ID"));
         pId = pId != nullptr ? pId : m_reader.attribute(QLatin1String("UID"));
-        m_open.push_back({m_reader.name(), pId != nullptr ? std::make_optional(pId->bytes.toByteArray())
-                                                          : std::nullopt});
+        m_open.push_back(
+            {m_reader.name(), pId != nullptr ? std::make_optional(pId->bytes.toByteArray()) : std::nullopt});
     } else if (!m_open.empty()) {
         m_closed = std::move(m_open.back());
         m_open.pop_back();

@@ -360,6 +360,16 @@ bool isXmlName(QByteArrayView a_text)
     return !a_text.isEmpty() && xmlNameLength(a_text) == a_text.size();
 }
 
+QString utf8String(QByteArrayView a_bytes)
+{
+    if (utf8MarkBytes(a_bytes) == 0) {
+        return QString::fromUtf8(a_bytes);
+    }
+    QStringDecoder decoder(QStringConverter::Utf8,
+                           QStringConverter::Flag::ConvertInitialBom | QStringConverter::Flag::Stateless);
+    return decoder.decode(a_bytes);
+}
+
 char32_t xmlReferencedCharacter(QByteArrayView a_reference)
 {
     if (!a_reference.startsWith('#')) {

@@ -52,6 +52,10 @@ struct Utf8Character
 /// Whether the whole text is one XML 1.0 name.
 [[nodiscard]] bool isXmlName(QByteArrayView a_text);
 
+/// A piece of a UTF-8 text as a string. A byte-order mark at its start is a character of
+/// the text; only at the start of a document it is none.
+[[nodiscard]] QString utf8String(QByteArrayView a_bytes);
+
 /// The character that a reference stands for; the argument is the text between '&' and
 /// ';', such as "amp", "#10" or "#xA". 0 when it is none of the five known entities and no
 /// number; a number may stand for a character that XML forbids.

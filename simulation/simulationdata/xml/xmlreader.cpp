@@ -30,7 +30,8 @@ QString rangeText(const XmlRange& a_range)
 {
     const QString sUnit = *a_range.unit == 0 ? QString() : u' ' + QString::fromUtf8(a_range.unit);
     if (std::isinf(a_range.maximum)) {
-        return (a_range.isMinimumExcluded ? QStringLiteral("greater than %1%2") : QStringLiteral("%1%2 or more"))
+        return (a_range.isMinimumExcluded ? QStringLiteral("greater than %1%2")
+                                          : QStringLiteral("%1%2 or more"))
             .arg(QString::number(a_range.minimum), sUnit);
     }
     return QStringLiteral("from %1 to %2%3")
@@ -42,9 +43,9 @@ QString rangeText(const XmlRange& a_range)
 const XmlText* XmlReader::attribute(QLatin1String a_sName)
 {
     m_bAttributesLeft = false;
-    const auto found = std::find_if(
-        m_attributes.cbegin(), m_attributes.cend(),
-        [&](const XmlAttribute& a_attribute) { return isName(a_attribute.name, a_sName); });
+    const auto found =
+        std::find_if(m_attributes.cbegin(), m_attributes.cend(),
+                     [&](const XmlAttribute& a_attribute) { return isName(a_attribute.name, a_sName); });
     return found != m_attributes.cend() ? &found->value : nullptr;
 }
 
@@ -120,8 +121,9 @@ bool XmlReader::boolean(const XmlText& a_text)
     if (m_pDeviations != nullptr && !bMeant) {
         m_pDeviations->add(ReadingReport::s_sNotABoolean, a_text.offset, [&](ReadingEntry& a_entry) {
             a_entry.found = shownText(a_text.bytes);
-            a_entry.message = QStringLiteral("The value is neither \"true\" nor \"false\": it is read as \"%1\".")
-                                  .arg(boolText(bValue));
+            a_entry.message =
+                QStringLiteral("The value is neither \"true\" nor \"false\": it is read as \"%1\".")
+                    .arg(boolText(bValue));
         });
     }
     return bValue;
@@ -180,7 +182,8 @@ void XmlReader::reportChildOfText()
     }
     m_pDeviations->add(ReadingReport::s_sUnknownElement, m_iOffset, [&](ReadingEntry& a_entry) {
         a_entry.found = shownText(m_name);
-        a_entry.message = QStringLiteral("Only text is expected here: the element is skipped with its content.");
+        a_entry.message =
+            QStringLiteral("Only text is expected here: the element is skipped with its content.");
     });
 }
 
@@ -196,11 +199,13 @@ void XmlReader::reportNumber(const XmlText& a_text, const XmlRange& a_range, con
         [&](ReadingEntry& a_entry) {
             a_entry.found = shownText(a_text.bytes);
             a_entry.message =
-                bUnit ? QStringLiteral("The number is followed by a unit: the value is read as 0. Write the "
-                                       "number alone%1.")
-                            .arg(*a_range.unit == 0 ? QString()
-                                                    : QStringLiteral(", in ") + QString::fromUtf8(a_range.unit))
-                      : QStringLiteral("The text is not a %1: the value is read as 0.").arg(QLatin1String(a_szKind));
+                bUnit
+                    ? QStringLiteral("The number is followed by a unit: the value is read as 0. Write the "
+                                     "number alone%1.")
+                          .arg(*a_range.unit == 0 ? QString()
+                                                  : QStringLiteral(", in ") + QString::fromUtf8(a_range.unit))
+                    : QStringLiteral("The text is not a %1: the value is read as 0.")
+                          .arg(QLatin1String(a_szKind));
         });
 }
 

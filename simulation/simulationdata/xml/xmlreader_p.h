@@ -2,6 +2,7 @@
 #define SIMULATIONDATA_XMLREADER_P_H
 
 #include "xmldeviations_p.h"
+#include "xmlencoding_p.h"
 
 #include <QByteArrayView>
 #include <QLatin1String>
@@ -22,7 +23,7 @@ struct XmlText
     QByteArrayView bytes;
     qsizetype offset = -1; ///< where it begins in the document (bytes); -1: not known
 
-    [[nodiscard]] QString string() const { return QString::fromUtf8(bytes); }
+    [[nodiscard]] QString string() const { return utf8String(bytes); }
 };
 
 /// Whether a name of a document is that name of a format.

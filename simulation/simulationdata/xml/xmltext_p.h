@@ -5,7 +5,7 @@
 #include <QString>
 #include <QStringView>
 
-#include <cstddef>
+#include <array>
 #include <cstdint>
 
 namespace Simulation {
@@ -31,9 +31,12 @@ namespace Simulation {
 constexpr int s_iCoordinateDigits = 14;
 constexpr int s_iNumberDigits = 6;
 
-/// Writes a real number in that form into a buffer of at least 32 bytes. Returns the
-/// number of bytes.
-qsizetype writeNumber(double a_dValue, int a_iDigits, char* a_pBuffer, std::size_t a_uiSize);
+/// Room for any number as text.
+using NumberBuffer = std::array<char, 32>;
+
+/// Writes a real number in that form and returns the number of bytes. The bytes are those
+/// of QString::number(), at a fraction of its cost.
+qsizetype writeNumber(double a_dValue, int a_iDigits, NumberBuffer& a_buffer);
 
 /// Numbers from UTF-8 text, independent of the locale. A text that is not a number, is
 /// not finite or does not fit the type gives 0, and sets `*a_pOk` (may be null) to false.

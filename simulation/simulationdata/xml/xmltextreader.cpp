@@ -177,9 +177,8 @@ void XmlTextReader::readAttribute()
 {
     const char* const pName = m_pNext;
     const char* const pNameEnd = std::find_if(m_pNext, m_pEnd, endsName);
-    const char* const pQuote = std::find_if(pNameEnd, m_pEnd, [](char a_cByte) {
-        return a_cByte == '"' || a_cByte == '\'';
-    });
+    const char* const pQuote =
+        std::find_if(pNameEnd, m_pEnd, [](char a_cByte) { return a_cByte == '"' || a_cByte == '\''; });
     if (pQuote == m_pEnd) {
         m_pNext = m_pEnd;
         return;

@@ -28,7 +28,8 @@ class XmlTextReader : public XmlReader
 public:
     /// The bytes must outlive the reader. It is then before the root element, which
     /// nextChild() starts. `a_iFrom` is a place before the root and after a document type.
-    explicit XmlTextReader(QByteArrayView a_text, XmlDeviations* a_pDeviations = nullptr, qsizetype a_iFrom = 0);
+    explicit XmlTextReader(QByteArrayView a_text, XmlDeviations* a_pDeviations = nullptr,
+                           qsizetype a_iFrom = 0);
 
     [[nodiscard]] bool nextChild() override;
     [[nodiscard]] std::optional<XmlText> text() override;
@@ -55,7 +56,7 @@ private:
     const char* m_pStart;
     const char* m_pNext;
     const char* m_pEnd;
-    bool m_bEmptyElement = false;   ///< the current element was "<name/>"
+    bool m_bEmptyElement = false;    ///< the current element was "<name/>"
     std::deque<QByteArray> m_copies; ///< values of the current element that had to be changed
     const char* m_pError = nullptr;
     QString m_sError;

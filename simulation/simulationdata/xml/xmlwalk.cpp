@@ -13,12 +13,13 @@ bool isRequired(XmlOccurs a_eOccurs)
 
 void XmlNames::reportUnknownElement(XmlReader& a_reader) const
 {
-    a_reader.deviations()->add(ReadingReport::s_sUnknownElement, a_reader.offset(), [&](ReadingEntry& a_entry) {
-        a_entry.found = shownText(a_reader.name());
-        a_entry.suggestion = similarName(a_reader.name(), m_names);
-        a_entry.message =
-            QStringLiteral("The element is not known here: it is skipped with its content.");
-    });
+    a_reader.deviations()->add(
+        ReadingReport::s_sUnknownElement, a_reader.offset(), [&](ReadingEntry& a_entry) {
+            a_entry.found = shownText(a_reader.name());
+            a_entry.suggestion = similarName(a_reader.name(), m_names);
+            a_entry.message =
+                QStringLiteral("The element is not known here: it is skipped with its content.");
+        });
 }
 
 void XmlNames::reportUnknownAttribute(XmlReader& a_reader, const XmlAttribute& a_attribute) const
@@ -41,10 +42,11 @@ void XmlNames::reportMissingElements(XmlReader& a_reader, qsizetype a_iOffset, s
             bChosen = bChosen || bSeen;
             choice.append(m_names[i]);
         } else if (isRequired(m_occurs[i]) && !bSeen) {
-            a_reader.deviations()->add(ReadingReport::s_sMissingElement, a_iOffset, [&](ReadingEntry& a_entry) {
-                a_entry.message =
-                    QStringLiteral("The element \"%1\" is missing: its default is used.").arg(m_names[i]);
-            });
+            a_reader.deviations()->add(
+                ReadingReport::s_sMissingElement, a_iOffset, [&](ReadingEntry& a_entry) {
+                    a_entry.message =
+                        QStringLiteral("The element \"%1\" is missing: its default is used.").arg(m_names[i]);
+                });
         }
     }
     if (!choice.isEmpty() && !bChosen) {

@@ -16,12 +16,12 @@ namespace Simulation {
 
 /// How often an element occurs in its parent, or an attribute in its element.
 enum class XmlOccurs : unsigned char {
-    Once,     ///< its absence is reported
-    AtMost1,  ///< its absence means the default
-    AnyTimes, ///< each occurrence counts
-    Several,  ///< the same, but its absence is reported
-    OneOf,    ///< exactly one of all elements that are marked so
-    First,    ///< the first one counts, and its absence is reported
+    Once,       ///< its absence is reported
+    AtMost1,    ///< its absence means the default
+    AnyTimes,   ///< each occurrence counts
+    Several,    ///< the same, but its absence is reported
+    OneOf,      ///< exactly one of all elements that are marked so
+    First,      ///< the first one counts, and its absence is reported
     FirstIfAny, ///< the first one counts
 };
 
@@ -146,7 +146,8 @@ private:
 /// Reads the attributes of the element that was started last, in the order of the
 /// document. Unknown and missing ones are reported.
 template<typename Target, std::size_t Count>
-void readXmlAttributes(XmlReader& a_reader, Target& a_target, const XmlAttributeField<Target> (&a_fields)[Count])
+void readXmlAttributes(XmlReader& a_reader, Target& a_target,
+                       const XmlAttributeField<Target> (&a_fields)[Count])
 {
     std::uint32_t uiSeen = 0;
     for (const XmlAttribute& attribute : a_reader.attributes()) {
@@ -201,8 +202,9 @@ void readXmlChildren(XmlReader& a_reader, Target& a_target, const Entry (&a_chil
             a_children[i].read(a_reader, a_target);
         }
     }
-    const bool bMissing = (~uiSeen & bitsOf(a_children, XmlOccurs::Once, XmlOccurs::Several, XmlOccurs::First)) != 0 ||
-                          (uiChoice != 0 && (uiSeen & uiChoice) == 0);
+    const bool bMissing =
+        (~uiSeen & bitsOf(a_children, XmlOccurs::Once, XmlOccurs::Several, XmlOccurs::First)) != 0 ||
+        (uiChoice != 0 && (uiSeen & uiChoice) == 0);
     if (bMissing && a_reader.deviations() != nullptr && !a_reader.hasError()) {
         XmlNames(a_children).reportMissingElements(a_reader, iOffset, uiSeen);
     }

@@ -2,7 +2,6 @@
 
 #include "xmltext_p.h"
 
-#include <array>
 #include <charconv>
 
 namespace Simulation {
@@ -10,9 +9,6 @@ namespace Simulation {
 namespace {
 
 constexpr qsizetype s_iIndent = 4; ///< blanks per level
-
-/// Room for any number as text.
-using NumberBuffer = std::array<char, 32>;
 
 QLatin1String wholeText(std::int64_t a_iValue, NumberBuffer& a_buffer)
 {
@@ -22,7 +18,7 @@ QLatin1String wholeText(std::int64_t a_iValue, NumberBuffer& a_buffer)
 
 QLatin1String realText(double a_dValue, int a_iDigits, NumberBuffer& a_buffer)
 {
-    const qsizetype iLength = writeNumber(a_dValue, a_iDigits, a_buffer.data(), a_buffer.size());
+    const qsizetype iLength = writeNumber(a_dValue, a_iDigits, a_buffer);
     return {a_buffer.data(), iLength};
 }
 
