@@ -60,8 +60,9 @@ public:
     /// setDevices() (or setStations()).
     [[nodiscard]] QMap<QString, qsizetype> mergedDeviceIds() const;
     [[nodiscard]] QMap<QString, qsizetype> mergedStationIds() const;
-    /// Whether the document last read has a "Station" element with this id. Without
-    /// such an element, a station that devices name has no data and is at (0, 0).
+    /// Whether the document last read has a "Station" element with this key, or
+    /// setStations() set the station. Otherwise a station that devices name has no data
+    /// and is at (0, 0).
     [[nodiscard]] bool isStationDescribed(const QString& a_sId) const;
 
     /// Work like ScenarioDataXml::toXml() and toXmlFile(). A reader keeps only one
@@ -146,7 +147,7 @@ private:
     QString m_sSharedDevices;                   ///< error text of setDevices() for shared ids; usually empty
     QString m_sSharedStations;                  ///< same for setStations()
     QMap<QString, qsizetype> m_deviceElements;  ///< elements per id in the document read last
-    QMap<QString, qsizetype> m_stationElements; ///< the same
+    QMap<QString, qsizetype> m_stationElements; ///< the same; 1 for stations that were set
 };
 
 } // namespace Simulation
