@@ -107,8 +107,8 @@ public:
     /// points. The provider is called once per package id. One trace when there are
     /// findings other than notes.
     ///
-    /// With a deployment, up to a million distances between emitters and stations are
-    /// calculated. Stations beyond these are not judged.
+    /// With a deployment, the check also costs O(emitters * stations). After a few
+    /// seconds of that work, the remaining stations are not judged.
     void check(ScenarioDataXml& a_scenario);
 
     /// Checks a deployment without a scenario, in the same way.

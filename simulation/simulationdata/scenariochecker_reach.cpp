@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <vector>
 
 namespace Simulation {
@@ -26,12 +27,17 @@ constexpr double s_dHorizon = 4.12; // km per square root of a metre
 /// Below this frequency (Hz) waves follow the ground and are reflected by the ionosphere,
 /// so the line of sight is no limit.
 constexpr double s_dLineOfSight = 30e6;
-/// A lower bound of the length (km) of a degree of latitude, which is 110.574 km at the
-/// equator of WGS 84 and longer elsewhere.
-constexpr double s_dDegree = 110.5;
-/// The largest number of distances that one check calculates, some seconds of work. The
-/// stations after that are not judged.
-constexpr std::int64_t s_iMaximumDistances = 1'000'000;
+/// A lower bound of the radius of curvature (km) of WGS 84. The smallest one is that of
+/// the meridian at the equator, b^2 / a = 6335.4 km.
+constexpr double s_dSmallestRadius = 6335.0;
+constexpr double s_dRadians = std::numbers::pi / 180.0; ///< per degree
+/// An upper bound of the length (km) of a degree, which is 111.694 km along the meridian
+/// at the poles of WGS 84 and 111.320 km along the equator.
+constexpr double s_dDegree = 111.7;
+/// The largest effort of one check, a few seconds of work. The effort is 1 for a straight
+/// line and s_iGeodesicEffort for a geodesic. The stations after that are not judged.
+constexpr std::int64_t s_iMaximumEffort = 100'000'000;
+constexpr std::int64_t s_iGeodesicEffort = 200;
 
 /// The square root of an antenna's height (m). Heights below the ground, and heights that
 /// are no numbers, count as 0.
@@ -46,7 +52,8 @@ struct Places
     explicit Places(IPositionSettings* a_pSettings);
 
     std::vector<TPos> points;
-    /// Half of the longest leg (km): the object is never farther away from a point.
+    /// An upper bound of half of the longest leg (km), which runs straight in degrees: the
+    /// object is never farther away from a point.
     double slack = 0.0;
 };
 
@@ -55,7 +62,9 @@ Places::Places(IPositionSettings* a_pSettings)
     if (const auto* pPath = dynamic_cast<const PositionSettingsPtp*>(a_pSettings)) {
         for (const MovementPoint& point : pPath->givenPoints()) {
             if (!points.empty()) {
-                slack = std::max(slack, distance(points.back(), point.position) / 2.0);
+                slack = std::max(slack, s_dDegree / 2.0 *
+                                            std::hypot(point.position.longitude - points.back().longitude,
+                                                       point.position.latitude - points.back().latitude));
             }
             points.push_back(point.position);
         }
@@ -67,11 +76,40 @@ Places::Places(IPositionSettings* a_pSettings)
         points.end());
 }
 
+/// A position, and the unit vector that has its longitude and latitude as angles.
+struct Site
+{
+    explicit Site(const TPos& a_position);
+
+    TPos position;
+    double x;
+    double y;
+    double z;
+};
+
+Site::Site(const TPos& a_position)
+    : position(a_position)
+    , x(std::cos(a_position.latitude * s_dRadians) * std::cos(a_position.longitude * s_dRadians))
+    , y(std::cos(a_position.latitude * s_dRadians) * std::sin(a_position.longitude * s_dRadians))
+    , z(std::sin(a_position.latitude * s_dRadians))
+{}
+
+/// A lower bound of the distance (km), much cheaper than the distance. Along a geodesic
+/// the vector turns by at most the length divided by the smallest radius of curvature,
+/// and the straight line between two unit vectors is not longer than their turn.
+double leastDistance(const Site& a_first, const Site& a_second)
+{
+    const double dX = a_first.x - a_second.x;
+    const double dY = a_first.y - a_second.y;
+    const double dZ = a_first.z - a_second.z;
+    return s_dSmallestRadius * std::sqrt(dX * dX + dY * dY + dZ * dZ);
+}
+
 /// A place from which an emitter sends.
 struct Sender
 {
-    TPos position;
-    double reach = 0.0; ///< km to an antenna on the ground, with the slack of a movement
+    Site site;
+    double reach; ///< km to an antenna on the ground, with the slack of a movement
 };
 
 /// The places from which the emitters of a scenario send, and the distances from them.
@@ -88,12 +126,11 @@ public:
     [[nodiscard]] bool reach(const Places& a_places, double a_dHorizon);
 
 private:
-    [[nodiscard]] bool reachPoint(const TPos& a_point, double a_dOwnReach);
+    [[nodiscard]] bool reachSite(const Site& a_site, double a_dOwnReach);
 
-    std::vector<Sender> m_senders; ///< in ascending order of the latitudes
-    double m_dLargestReach = 0.0;  ///< km
+    std::vector<Sender> m_senders;
     bool m_bEverywhere = false;
-    std::int64_t m_iDistances = 0; ///< calculated so far
+    std::int64_t m_iEffort = 0; ///< so far
 };
 
 Senders::Senders(const std::vector<const SzenarioEmitter*>& a_emitters)
@@ -104,11 +141,12 @@ Senders::Senders(const std::vector<const SzenarioEmitter*>& a_emitters)
     for (const SzenarioEmitter* const pEmitter : a_emitters) {
         const IFrequencySettings* const pFrequency = pEmitter->getFrequencySettings();
         const TransmitterSettings* const pTransmitter = pEmitter->getTranmitterSettings();
-        if (pFrequency == nullptr || pTransmitter == nullptr || pEmitter->positionSettings() == nullptr) {
+        IPositionSettings* const pPosition = pEmitter->positionSettings();
+        if (pFrequency == nullptr || pTransmitter == nullptr || pPosition == nullptr) {
             continue;
         }
         m_bEverywhere = m_bEverywhere || !(pFrequency->getMinimumFrequency() >= s_dLineOfSight);
-        double& dRoot = roots[pEmitter->positionSettings()];
+        double& dRoot = roots[pPosition];
         dRoot = std::max(dRoot, rootOf(static_cast<double>(pTransmitter->getAntennaHeight())));
     }
     if (m_bEverywhere) {
@@ -116,37 +154,33 @@ Senders::Senders(const std::vector<const SzenarioEmitter*>& a_emitters)
     }
     for (auto entry = roots.cbegin(); entry != roots.cend(); ++entry) {
         const Places places(entry.key());
-        const double dReach = s_dHorizon * entry.value() + places.slack;
-        m_dLargestReach = std::max(m_dLargestReach, dReach);
         for (const TPos& point : places.points) {
-            m_senders.push_back({point, dReach});
+            m_senders.push_back({Site(point), s_dHorizon * entry.value() + places.slack});
         }
     }
-    std::sort(m_senders.begin(), m_senders.end(), [](const Sender& a_first, const Sender& a_second) {
-        return a_first.position.latitude < a_second.position.latitude;
-    });
 }
 
 bool Senders::reach(const Places& a_places, double a_dHorizon)
 {
-    return std::any_of(a_places.points.cbegin(), a_places.points.cend(),
-                       [&](const TPos& a_point) { return reachPoint(a_point, a_dHorizon + a_places.slack); });
+    return std::any_of(a_places.points.cbegin(), a_places.points.cend(), [&](const TPos& a_point) {
+        return reachSite(Site(a_point), a_dHorizon + a_places.slack);
+    });
 }
 
-/// Calculates the distances from the senders whose latitude alone does not rule them out.
-bool Senders::reachPoint(const TPos& a_point, double a_dOwnReach)
+/// Calculates the geodesics to the senders that a straight line does not rule out.
+bool Senders::reachSite(const Site& a_site, double a_dOwnReach)
 {
-    const double dDegrees = (m_dLargestReach + a_dOwnReach) / s_dDegree;
-    auto sender = std::lower_bound(
-        m_senders.cbegin(), m_senders.cend(), a_point.latitude - dDegrees,
-        [](const Sender& a_sender, double a_dLatitude) { return a_sender.position.latitude < a_dLatitude; });
-    for (; sender != m_senders.cend() && sender->position.latitude <= a_point.latitude + dDegrees; ++sender) {
-        if (++m_iDistances > s_iMaximumDistances ||
-            distance(sender->position, a_point) <= sender->reach + a_dOwnReach) {
+    return std::any_of(m_senders.cbegin(), m_senders.cend(), [&](const Sender& a_sender) {
+        const double dReach = a_sender.reach + a_dOwnReach;
+        if (++m_iEffort > s_iMaximumEffort) {
             return true;
         }
-    }
-    return false;
+        if (leastDistance(a_sender.site, a_site) > dReach) {
+            return false;
+        }
+        m_iEffort += s_iGeodesicEffort;
+        return distance(a_sender.site.position, a_site.position) <= dReach;
+    });
 }
 
 /// The finding for an object of a deployment whose highest antenna is at a height (m).

@@ -6,12 +6,15 @@
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/scenarionetwork.h"
 #include "simulationdata/signalpackage.h"
+#include "simulationdata/signalpackagecache.h"
 #include "simulationdata/transmittersettings.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 #include "tracecollector.h"
 
+#include <QFile>
 #include <QHash>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <algorithm>
@@ -81,6 +84,22 @@ EmitterPtr emitter(const QString& a_sId, const QString& a_sClass = {}, const QSt
     return created;
 }
 
+QByteArray contentOf(const QString& a_sFile)
+{
+    QFile file(a_sFile);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// The findings as "id rule: text".
+QStringList textsOf(const ScenarioChecker& a_checker)
+{
+    QStringList texts;
+    for (const ScenarioFinding& finding : a_checker.findings()) {
+        texts.append(finding.objectId + u' ' + finding.ruleId + u": "_s + finding.text);
+    }
+    return texts;
+}
+
 } // namespace
 
 class TestScenarioChecker : public QObject
@@ -91,6 +110,8 @@ private Q_SLOTS:
     void packages_data();
     void packages();
     void objects();
+    void packageFiles_data();
+    void packageFiles();
     void effort_data();
     void effort();
 };
@@ -231,6 +252,76 @@ void TestScenarioChecker::objects()
     QVERIFY(checker.findings().isEmpty() && TraceCollector::lines().isEmpty());
     QVERIFY(!checker.hadInvalidSignalPackages() && !checker.hadInvalidClasses() &&
             !checker.hadNullPointerSettings() && !checker.hadDuplicateIds());
+}
+
+void TestScenarioChecker::packageFiles_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("from"); ///< replaced in the file; empty: the last byte is cut off
+    QTest::addColumn<QByteArray>("to");   ///< empty: the file is removed
+    QTest::addColumn<QString>("text");
+
+    const QString sDamaged = u"e damaged-package: The signal package \"%1\" is damaged: "_s;
+    const QString sContradicts =
+        u"e contradicting-package: The signal package \"%1\" contradicts its descriptor: "_s;
+    QTest::newRow("whole") << u"other"_s << QByteArray() << QByteArray("x") << QString();
+    QTest::newRow("missing") << u"Signal.wav"_s << QByteArray("RIFF") << QByteArray()
+                             << sDamaged + u"Signal.wav missing, but the descriptor describes it"_s;
+    QTest::newRow("truncated") << u"Signal.ssf"_s << QByteArray() << QByteArray("x")
+                               << sDamaged + u"Signal.ssf truncated by 1 byte"_s;
+    QTest::newRow("changed") << u"Signal.wav"_s << QByteArray("\1\0") << QByteArray("\1\1")
+                             << sContradicts + u"Signal.wav has the checksum "_s;
+    QTest::newRow("other length") << u"Signal.xml"_s << QByteArray("<Duration>10000")
+                                  << QByteArray("<Duration>9998")
+                                  << sContradicts +
+                                         u"Signal.ssf lasts 10000 ms, the descriptor says 9998 ms. Put"_s;
+    QTest::newRow("rounded length") << u"Signal.xml"_s << QByteArray("<Duration>10000")
+                                    << QByteArray("<Duration>9999") << QString();
+    QTest::newRow("no audio described")
+        << u"Signal.xml"_s << QByteArray("<Name>Signal.wav</Name>") << QByteArray("<Name/>") << QString();
+}
+
+/// The files of the built-in package, which a cache unpacks.
+void TestScenarioChecker::packageFiles()
+{
+    QFETCH(QString, file);
+    QFETCH(QByteArray, from);
+    QFETCH(QByteArray, to);
+    QFETCH(QString, text);
+    const QTemporaryDir folder;
+    SignalPackageCache cache(folder.filePath(u"package"_s), QString());
+    QVERIFY(cache.prepareCacheForUse());
+    const QString sPath = folder.filePath(u"package/"_s + file);
+    QByteArray bytes = contentOf(sPath);
+    if (from.isEmpty()) {
+        bytes.chop(1);
+    } else {
+        QVERIFY(bytes.contains(from));
+        bytes.replace(bytes.lastIndexOf(from), from.size(), to);
+    }
+    QFile changed(sPath);
+    QVERIFY(changed.remove() || bytes.isEmpty());
+    if (!to.isEmpty()) {
+        QVERIFY(changed.open(QIODevice::WriteOnly) && changed.write(bytes) == bytes.size());
+        changed.close();
+    }
+
+    const EmitterPtr sender = emitter(u"e"_s);
+    const QString sId = cache.defaultSignalPackage()->id();
+    addEmissions(*sender, {sId, sId, u"unknown"_s, u"-"_s});
+    ScenarioDataXml scenario(nullptr);
+    scenario.setScenarioObjects({sender});
+    const TraceCollector traces; // keeps the output short
+    ScenarioChecker checker(nullptr);
+    checker.setPackageFolder(folder.path());
+    checker.check(scenario);
+    const QString sFound = textsOf(checker).join(u'|');
+    QVERIFY2(text.isEmpty() ? sFound.isEmpty()
+                            : checker.findings().size() == 1 && sFound.startsWith(text.arg(sId)),
+             qPrintable(sFound));
+    checker.setPackageFolder({});
+    checker.check(scenario);
+    QVERIFY(checker.findings().isEmpty());
 }
 
 void TestScenarioChecker::effort_data()

@@ -7,6 +7,10 @@
 
 #include <cstdint>
 
+namespace Simulation {
+struct SignalPackageProblem;
+} // namespace Simulation
+
 namespace SimulationTool {
 
 /// The verdict on a file in one line. The default is a file without findings.
@@ -22,6 +26,9 @@ struct Verdict
 /// The verdict on a file's size, from the number of bytes that the header declares but
 /// the file lacks. The number is negative when the file has more bytes than declared.
 [[nodiscard]] Verdict sizeVerdict(std::int64_t a_iMissingBytes);
+
+/// The verdict on a file with a problem, or without one.
+[[nodiscard]] Verdict problemVerdict(const Simulation::SignalPackageProblem& a_problem);
 
 /// The more severe of two codes.
 [[nodiscard]] ExitCode worse(ExitCode a_eFirst, ExitCode a_eSecond);
