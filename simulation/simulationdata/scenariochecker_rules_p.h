@@ -4,7 +4,6 @@
 #include "simulationdata/scenariochecker.h"
 
 #include <QAnyStringView>
-#include <QAnyStringView>
 #include <QLatin1String>
 #include <QList>
 #include <QString>

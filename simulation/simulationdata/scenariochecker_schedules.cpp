@@ -68,6 +68,11 @@ EmissionTally beyondPeriod(const EmissionSettings& a_schedule)
     return tally;
 }
 
+QString periodText(const EmissionSettings& a_schedule)
+{
+    return QString::number(a_schedule.duration()) + QStringLiteral(" ms");
+}
+
 /// The groups of a schedule, with those inside other groups.
 struct GroupTree
 {
@@ -127,7 +132,6 @@ void checkTimes(const EmissionSettings& a_schedule, Findings& a_findings)
     if (a_schedule.isBroadcast()) {
         return;
     }
-    const QString sPeriod = QString::number(a_schedule.duration()) + QStringLiteral(" ms");
     if (const EmissionTally tally = overlapping(a_schedule); tally.count != 0) {
         a_findings.append(ruleFinding(
             ScenarioChecker::s_sOverlappingEmissions,
@@ -139,15 +143,16 @@ void checkTimes(const EmissionSettings& a_schedule, Findings& a_findings)
         a_findings.append(ruleFinding(
             ScenarioChecker::s_sEmissionAfterPeriod,
             tally.subject() + tally.form("begins", "begin") + QStringLiteral(" after the period of ") +
-                sPeriod + QStringLiteral(" and ") + tally.form("is", "are") +
+                periodText(a_schedule) + QStringLiteral(" and ") + tally.form("is", "are") +
                 QStringLiteral(" never sent: begin earlier or lengthen the period.")));
     }
     if (const EmissionTally tally = beyondPeriod(a_schedule); tally.count != 0) {
-        a_findings.append(ruleFinding(
-            ScenarioChecker::s_sEmissionBeyondPeriod,
-            tally.subject() + tally.form("ends", "end") + QStringLiteral(" after the period of ") + sPeriod +
-                QStringLiteral(", with which the schedule starts again: shorten the emission or "
-                               "lengthen the period.")));
+        a_findings.append(
+            ruleFinding(ScenarioChecker::s_sEmissionBeyondPeriod,
+                        tally.subject() + tally.form("ends", "end") +
+                            QStringLiteral(" after the period of ") + periodText(a_schedule) +
+                            QStringLiteral(", with which the schedule starts again: shorten the emission or "
+                                           "lengthen the period.")));
     }
 }
 
