@@ -178,6 +178,9 @@ void DeploymentDataXml::setStations(const QSet<std::shared_ptr<DeploymentStation
     m_stationElements.clear();
     m_sSharedStations = sharedIdsOf(a_stations, "stations");
     ObjectReleaser::replace(m_stations, mapOf(a_stations));
+    for (auto station = m_stations.keyBegin(); station != m_stations.keyEnd(); ++station) {
+        m_stationElements.insert(*station, 1);
+    }
 }
 
 void DeploymentDataXml::releaseObjects(QSet<std::shared_ptr<DeploymentObject>>&& a_objects)

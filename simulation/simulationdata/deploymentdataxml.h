@@ -64,8 +64,9 @@ public:
     /// is empty after setDevices() (or setStations()).
     [[nodiscard]] QMap<QString, qsizetype> mergedDeviceIds() const;
     [[nodiscard]] QMap<QString, qsizetype> mergedStationIds() const;
-    /// Whether the document last read has a "Station" element with this id. Without
-    /// such an element, a station that devices name has no data and is at (0, 0).
+    /// Whether the document last read has a "Station" element with this key, or
+    /// setStations() set the station. Otherwise a station that devices name has no data
+    /// and is at (0, 0).
     [[nodiscard]] bool isStationDescribed(const QString& a_sId) const;
 
     /// Work like ScenarioDataXml::toXml() and toXmlFile(). A reader keeps only one
@@ -144,12 +145,10 @@ private:
     QMap<QString, std::shared_ptr<DeploymentDevice>> m_devices;
     QMap<QString, std::shared_ptr<DeploymentStation>> m_stations;
     QString m_sErrorString;
-    ReadingReport m_report;
-    /// Error texts of setDevices() and setStations() for shared ids; usually empty.
-    QString m_sSharedDevices;
-    QString m_sSharedStations;
-    QMap<QString, qsizetype> m_deviceElements;  ///< "Device" elements per id, as last read
-    QMap<QString, qsizetype> m_stationElements; ///< "Station" elements per id, as last read
+    QString m_sSharedDevices;                   ///< error text of setDevices() for shared ids; usually empty
+    QString m_sSharedStations;                  ///< same for setStations()
+    QMap<QString, qsizetype> m_deviceElements;  ///< elements per id in the document read last
+    QMap<QString, qsizetype> m_stationElements; ///< the same; 1 for stations that were set
 };
 
 } // namespace Simulation

@@ -32,6 +32,11 @@ public:
     /// spelling is part of the interface.
     [[nodiscard]] const QVector<MovementPoint>& getMovments() const;
 
+    /// The points in order, with the values that were set: times, and the speed and dwell
+    /// time of intermediate points, may be outdated. Costs no geodesics. The reference is
+    /// valid until the points change.
+    [[nodiscard]] const QVector<MovementPoint>& givenPoints() const { return m_movements; }
+
     /// Replaces the points. Ignored for fewer than two points. The first and the
     /// last point become way points. A last point that was not a way point gets the
     /// speed 50 km/h.

@@ -1,14 +1,15 @@
 #include "scenariochecker.h"
 
+#include "scenariochecker_networks_p.h"
+#include "scenariochecker_objects_p.h"
+#include "scenariochecker_packagefiles_p.h"
 #include "scenariochecker_packages_p.h"
-#include "simulationdata/ifrequencysettings.h"
+#include "scenariochecker_rules_p.h"
 #include "simulationdata/io/trace_p.h"
-#include "simulationdata/ipositionsettings.h"
 #include "simulationdata/scenariodataxml.h"
+#include "simulationdata/scenarionetwork.h"
 #include "simulationdata/szenarioemitter.h"
-#include "simulationdata/transmittersettings.h"
 
-#include <QHash>
 #include <QMap>
 #include <QSet>
 
@@ -26,97 +27,7 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/scenariochecker";
 
-/// The finding for an unknown class; the caller sets the object.
-ScenarioFinding classFinding(const QString& a_sClass)
-{
-    return {{},
-            {},
-            ScenarioChecker::s_sInvalidClass,
-            QStringLiteral("The class \"") + a_sClass + QStringLiteral("\" is not known: it stays as it is."),
-            false};
-}
-
-/// The rule about ids that several emitters share. Each id is listed once.
-class IdRule
-{
-public:
-    /// `a_mergedIds`: see ScenarioDataXml::mergedIds().
-    explicit IdRule(const QMap<QString, qsizetype>& a_mergedIds)
-        : m_mergedIds(a_mergedIds)
-    {}
-
-    void add(const QString& a_sId) { ++m_counts[a_sId]; }
-    void check(const QString& a_sId, QList<ScenarioFinding>& a_findings);
-
-private:
-    static ScenarioFinding finding(qsizetype a_iEmitters, const char* a_szConsequence);
-
-    QHash<QString, qsizetype> m_counts; ///< emitters of the scenario, by id
-    QMap<QString, qsizetype> m_mergedIds;
-};
-
-ScenarioFinding IdRule::finding(qsizetype a_iEmitters, const char* a_szConsequence)
-{
-    return {{},
-            {},
-            ScenarioChecker::s_sDuplicateId,
-            QString::number(a_iEmitters) + QLatin1String(a_szConsequence) +
-                QStringLiteral(" Give every emitter its own id."),
-            false};
-}
-
-void IdRule::check(const QString& a_sId, QList<ScenarioFinding>& a_findings)
-{
-    if (const qsizetype iEmitters = m_counts.take(a_sId); iEmitters > 1) {
-        a_findings.append(finding(
-            iEmitters, " emitters have this id: a reader of the saved scenario gets one emitter for them."));
-    }
-    if (const qsizetype iMerged = m_mergedIds.take(a_sId); iMerged > 1) {
-        a_findings.append(
-            finding(iMerged, " emitters of the document have this id: they were read as one emitter."));
-    }
-}
-
-/// The rule about missing settings objects. Each missing one is replaced by that of a
-/// new object, with one finding.
-class SettingsRule
-{
-public:
-    void check(ScenarioObject& a_object, SzenarioEmitter* a_pEmitter, QList<ScenarioFinding>& a_findings);
-
-private:
-    static ScenarioFinding finding(const char* a_szKind);
-
-    SzenarioEmitter m_fresh{{}, {}}; ///< source of the settings of a new object
-};
-
-ScenarioFinding SettingsRule::finding(const char* a_szKind)
-{
-    return {{},
-            {},
-            ScenarioChecker::s_sMissingSettings,
-            QStringLiteral("The %1 settings were missing: those of a new object were set.")
-                .arg(QLatin1String(a_szKind)),
-            true};
-}
-
-void SettingsRule::check(ScenarioObject& a_object, SzenarioEmitter* a_pEmitter,
-                         QList<ScenarioFinding>& a_findings)
-{
-    if (a_object.frequencySettings() == nullptr) {
-        a_object.setFrequencySettings(m_fresh.frequencySettings()->clone());
-        a_findings.append(finding("frequency"));
-    }
-    if (a_pEmitter != nullptr && a_pEmitter->ownPositionSettings() == nullptr) {
-        a_pEmitter->setPositionSettings(m_fresh.ownPositionSettings()->clone());
-        a_findings.append(finding("position"));
-    }
-    if (a_pEmitter != nullptr && a_pEmitter->getTranmitterSettings() == nullptr) {
-        auto settings = std::make_unique<TransmitterSettings>(*m_fresh.getTranmitterSettings());
-        a_pEmitter->setTransmitterSettings(settings.release());
-        a_findings.append(finding("transmitter"));
-    }
-}
+using Objects = QSet<std::shared_ptr<ScenarioObject>>;
 
 /// An object and the key by which its findings are sorted.
 struct Subject
@@ -126,7 +37,7 @@ struct Subject
     SzenarioEmitter* emitter = nullptr; ///< the object as an emitter; null when it is not one
 };
 
-std::vector<Subject> subjectsOf(const QSet<std::shared_ptr<ScenarioObject>>& a_objects)
+std::vector<Subject> subjectsOf(const Objects& a_objects)
 {
     std::vector<Subject> subjects;
     subjects.reserve(static_cast<std::size_t>(a_objects.size()));
@@ -139,36 +50,48 @@ std::vector<Subject> subjectsOf(const QSet<std::shared_ptr<ScenarioObject>>& a_o
     return subjects;
 }
 
+/// What a check of a scenario needs from its checker. Nothing is owned.
+struct Settings
+{
+    ISignalPackageProvider* provider = nullptr; ///< null: packages are not checked
+    PackageFiles& files;
+    const QSet<QString>& knownClasses;
+};
+
 /// The rules and their state during one run.
 class Run
 {
 public:
-    Run(ISignalPackageProvider* a_pProvider, const QSet<QString>& a_knownClasses, IdRule a_ids);
+    Run(const Settings& a_settings, IdRule a_ids, const Objects& a_objects);
 
     /// The findings for objects of equal kind, id and name. These objects are treated
     /// as one: a finding could not show which of them it concerns, and their set has no
     /// order.
-    [[nodiscard]] QList<ScenarioFinding> check(std::span<const Subject> a_alike);
+    [[nodiscard]] Findings check(std::span<const Subject> a_alike);
 
 private:
-    QList<ScenarioFinding> checkPackages(std::span<const Subject> a_alike);
+    Findings checkPackages(std::span<const Subject> a_alike);
+    void checkEmitter(SzenarioEmitter& a_emitter, Findings& a_findings);
+    void checkObject(const Subject& a_subject, Findings& a_findings);
 
+    const Settings m_settings;
     std::optional<PackageRule> m_packages;
-    const QSet<QString>& m_knownClasses;
     IdRule m_ids;
-    SettingsRule m_settings;
+    LinkRule m_links;
+    SettingsRule m_missing;
 };
 
-Run::Run(ISignalPackageProvider* a_pProvider, const QSet<QString>& a_knownClasses, IdRule a_ids)
-    : m_knownClasses(a_knownClasses)
+Run::Run(const Settings& a_settings, IdRule a_ids, const Objects& a_objects)
+    : m_settings(a_settings)
     , m_ids(std::move(a_ids))
+    , m_links(a_objects)
 {
-    if (a_pProvider != nullptr) {
-        m_packages.emplace(*a_pProvider);
+    if (a_settings.provider != nullptr) {
+        m_packages.emplace(*a_settings.provider);
     }
 }
 
-QList<ScenarioFinding> Run::checkPackages(std::span<const Subject> a_alike)
+Findings Run::checkPackages(std::span<const Subject> a_alike)
 {
     PackageRule::Tallies tallies;
     for (const Subject& subject : a_alike) {
@@ -176,34 +99,57 @@ QList<ScenarioFinding> Run::checkPackages(std::span<const Subject> a_alike)
         // schedule of the network is checked with the network.
         m_packages->check(*subject.object->ScenarioObject::emissionSettings(), tallies);
     }
-    QList<ScenarioFinding> findings;
+    Findings findings;
     for (const auto& [sId, tally] : tallies) {
         findings.append(m_packages->finding(sId, tally));
     }
     return findings;
 }
 
-QList<ScenarioFinding> Run::check(std::span<const Subject> a_alike)
+void Run::checkEmitter(SzenarioEmitter& a_emitter, Findings& a_findings)
 {
-    QList<ScenarioFinding> others;
+    m_ids.check(a_emitter.id(), a_findings);
+    checkClass(a_emitter, m_settings.knownClasses, a_findings);
+    if (a_emitter.isLinked()) {
+        m_links.check(a_emitter, a_findings);
+    } else {
+        checkPath(a_emitter.ownPositionSettings(), a_findings);
+    }
+}
+
+void Run::checkObject(const Subject& a_subject, Findings& a_findings)
+{
+    m_missing.check(*a_subject.object, a_subject.emitter, a_findings);
+    if (a_subject.emitter != nullptr) {
+        checkEmitter(*a_subject.emitter, a_findings);
+    } else if (const auto* pNetwork = dynamic_cast<const ScenarioNetwork*>(a_subject.object)) {
+        checkNetwork(*pNetwork, a_findings);
+    }
+    const EmissionSettings& schedule = *a_subject.object->ScenarioObject::emissionSettings();
+    checkPackageFiles(schedule, m_settings.files, a_findings);
+    if (a_subject.emitter == nullptr || !a_subject.emitter->hasNetwork()) {
+        checkTimes(schedule, a_findings);
+        checkGroups(schedule, a_findings);
+        checkRange(a_subject.object->frequencySettings(), schedule, m_settings.files, a_findings);
+    }
+}
+
+Findings Run::check(std::span<const Subject> a_alike)
+{
+    // The packages come first: the checks of their files need the repaired emissions.
+    Findings findings = m_packages ? checkPackages(a_alike) : Findings();
+    Findings others;
     for (const Subject& subject : a_alike) {
-        if (subject.emitter != nullptr) {
-            m_ids.check(subject.emitter->id(), others);
-        }
-        if (subject.emitter != nullptr && !m_knownClasses.isEmpty() &&
-            !m_knownClasses.contains(subject.emitter->getClass())) {
-            others.append(classFinding(subject.emitter->getClass()));
-        }
-        m_settings.check(*subject.object, subject.emitter, others);
+        checkObject(subject, others);
     }
     // The objects come from a set without order. Sorted by rule and text, the findings
     // are the same in every run.
     std::sort(others.begin(), others.end(),
               [](const ScenarioFinding& a_first, const ScenarioFinding& a_second) {
-                  return std::tie(a_first.ruleId, a_first.text) < std::tie(a_second.ruleId, a_second.text);
+                  return std::pair(placeOfRule(a_first.ruleId), QStringView(a_first.text)) <
+                         std::pair(placeOfRule(a_second.ruleId), QStringView(a_second.text));
               });
-    QList<ScenarioFinding> findings =
-        (m_packages ? checkPackages(a_alike) : QList<ScenarioFinding>()) + others;
+    findings += others;
     for (ScenarioFinding& finding : findings) {
         finding.objectId = std::get<1>(a_alike.front().key);
         finding.objectName = std::get<2>(a_alike.front().key);
@@ -211,11 +157,29 @@ QList<ScenarioFinding> Run::check(std::span<const Subject> a_alike)
     return findings;
 }
 
+/// The emitters of a scenario, after their settings were repaired.
+std::vector<const SzenarioEmitter*> emittersOf(const std::vector<Subject>& a_subjects)
+{
+    std::vector<const SzenarioEmitter*> emitters;
+    for (const Subject& subject : a_subjects) {
+        if (subject.emitter != nullptr) {
+            emitters.push_back(subject.emitter);
+        }
+    }
+    return emitters;
+}
+
 } // namespace
 
 ScenarioChecker::ScenarioChecker(ISignalPackageProvider* a_pProvider)
     : m_pProvider(a_pProvider)
+    , m_packageFiles(std::make_shared<PackageFiles>(QString()))
 {}
+
+void ScenarioChecker::setPackageFolder(const QString& a_sFolder)
+{
+    m_packageFiles = std::make_shared<PackageFiles>(a_sFolder);
+}
 
 qsizetype ScenarioChecker::count(QLatin1String a_sRule) const
 {
@@ -223,10 +187,29 @@ qsizetype ScenarioChecker::count(QLatin1String a_sRule) const
                          [&](const ScenarioFinding& a_finding) { return a_finding.ruleId == a_sRule; });
 }
 
+/// Traces how often each rule was broken. Notes alone are not traced.
+void ScenarioChecker::traceFindings(const char* a_szDocument) const
+{
+    if (std::all_of(m_findings.cbegin(), m_findings.cend(),
+                    [](const ScenarioFinding& a_finding) { return a_finding.severity == Severity::Note; })) {
+        return;
+    }
+    traceError(s_szSource, [&] {
+        QStringList counts;
+        for (const CheckRule& rule : rules()) {
+            if (const qsizetype iCount = count(rule.id); iCount != 0) {
+                counts.append(QString::number(iCount) + u' ' + rule.id);
+            }
+        }
+        return QStringLiteral("The check of a %1 found %2")
+            .arg(QLatin1String(a_szDocument), counts.join(QStringLiteral(", ")));
+    });
+}
+
 void ScenarioChecker::check(ScenarioDataXml& a_scenario)
 {
     m_findings.clear();
-    const auto objects = a_scenario.scenarioObjects();
+    const Objects objects = a_scenario.scenarioObjects();
     const std::vector<Subject> subjects = subjectsOf(objects);
     IdRule ids(a_scenario.mergedIds());
     for (const Subject& subject : subjects) {
@@ -234,22 +217,24 @@ void ScenarioChecker::check(ScenarioDataXml& a_scenario)
             ids.add(subject.emitter->id());
         }
     }
-    Run run(m_pProvider, m_knownClasses, std::move(ids));
+    Run run({m_pProvider, *m_packageFiles, m_knownClasses}, std::move(ids), objects);
     for (auto first = subjects.cbegin(); first != subjects.cend();) {
         const auto last = std::find_if(first, subjects.cend(),
                                        [&](const Subject& a_subject) { return a_subject.key != first->key; });
         m_findings += run.check({first, last});
         first = last;
     }
-    if (!m_findings.isEmpty()) {
-        traceError(s_szSource, [&] {
-            return QStringLiteral("The check of a scenario found %1 %2, %3 %4, %5 %6, %7 %8")
-                .arg(QString::number(count(s_sInvalidSignalPackage)), s_sInvalidSignalPackage,
-                     QString::number(count(s_sDuplicateId)), s_sDuplicateId,
-                     QString::number(count(s_sInvalidClass)), s_sInvalidClass,
-                     QString::number(count(s_sMissingSettings)), s_sMissingSettings);
-        });
+    if (m_pDeployment != nullptr) {
+        m_findings += deploymentFindings(*m_pDeployment);
+        m_findings += reachFindings(*m_pDeployment, emittersOf(subjects));
     }
+    traceFindings("scenario");
+}
+
+void ScenarioChecker::check(const DeploymentDataXml& a_deployment)
+{
+    m_findings = deploymentFindings(a_deployment);
+    traceFindings("deployment");
 }
 
 } // namespace Simulation

@@ -3,7 +3,6 @@
 #include "simulationdata/isignalpackageprovider.h"
 #include "simulationdata/signalpackage.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace Simulation {
@@ -86,35 +85,27 @@ void PackageRule::check(const EmissionSettings& a_schedule, Tallies& a_tallies)
         } else {
             m_unrepaired.insert(emission.get());
         }
-        Tally& tally = a_tallies[sId];
-        ++tally.count;
-        tally.first = std::min(tally.first, emission->start);
+        a_tallies[sId].add(emission->start);
     }
 }
 
-ScenarioFinding PackageRule::finding(const QString& a_sId, const Tally& a_tally) const
+ScenarioFinding PackageRule::finding(const QString& a_sId, const EmissionTally& a_tally) const
 {
-    const auto number = [&](const char* a_szOne, const char* a_szMany) {
-        return QLatin1String(a_tally.count == 1 ? a_szOne : a_szMany);
-    };
-    QString sText =
-        QStringLiteral("%1 %2 %3 ms, ")
-            .arg(QString::number(a_tally.count), number("emission, at", "emissions, the first at"),
-                 QString::number(a_tally.first));
+    QString sText = a_tally.subject();
     if (a_sId.isEmpty()) {
-        sText += number("has", "have") + QStringLiteral(" no signal package: ");
+        sText += a_tally.form("has", "have") + QStringLiteral(" no signal package: ");
     } else {
-        sText += number("uses", "use") + QStringLiteral(" the signal package \"") + a_sId +
+        sText += a_tally.form("uses", "use") + QStringLiteral(" the signal package \"") + a_sId +
                  QStringLiteral("\", which the provider does not know: ");
     }
     if (m_default) {
-        sText += number("it gets", "they get") + QStringLiteral(" the default package \"") + m_default->id() +
-                 QStringLiteral("\".");
+        sText += a_tally.form("it gets", "they get") + QStringLiteral(" the default package \"") +
+                 m_default->id() + QStringLiteral("\".");
     } else {
-        sText += number("it is", "they are") +
+        sText += a_tally.form("it is", "they are") +
                  QStringLiteral(" not changed, because the provider has no default package.");
     }
-    return {{}, {}, ScenarioChecker::s_sInvalidSignalPackage, sText, m_default != nullptr};
+    return ruleFinding(ScenarioChecker::s_sInvalidSignalPackage, sText, m_default != nullptr);
 }
 
 } // namespace Simulation

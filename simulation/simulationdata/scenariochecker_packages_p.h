@@ -1,15 +1,13 @@
 #ifndef SIMULATIONDATA_SCENARIOCHECKER_PACKAGES_P_H
 #define SIMULATIONDATA_SCENARIOCHECKER_PACKAGES_P_H
 
+#include "scenariochecker_rules_p.h"
 #include "simulationdata/emissionsettings.h"
-#include "simulationdata/scenariochecker.h"
 
 #include <QHash>
 #include <QSet>
 #include <QString>
 
-#include <cstdint>
-#include <limits>
 #include <map>
 #include <memory>
 
@@ -25,15 +23,10 @@ class SignalPackage;
 class PackageRule
 {
 public:
-    /// Emissions that lack a usable package for the same reason.
-    struct Tally
-    {
-        qsizetype count = 0;
-        std::int64_t first = std::numeric_limits<std::int64_t>::max(); ///< earliest start, ms
-    };
-    /// Tallies by package id. Documents do not distinguish a missing package from a
-    /// package without an id, so both are listed under the empty id.
-    using Tallies = std::map<QString, Tally>;
+    /// Emissions that lack a usable package, by the package id. Documents do not
+    /// distinguish a missing package from a package without an id, so both are listed
+    /// under the empty id.
+    using Tallies = std::map<QString, EmissionTally>;
 
     explicit PackageRule(ISignalPackageProvider& a_provider)
         : m_provider(a_provider)
@@ -44,7 +37,7 @@ public:
     void check(const EmissionSettings& a_schedule, Tallies& a_tallies);
 
     /// The finding for one tally; the caller sets the object.
-    [[nodiscard]] ScenarioFinding finding(const QString& a_sId, const Tally& a_tally) const;
+    [[nodiscard]] ScenarioFinding finding(const QString& a_sId, const EmissionTally& a_tally) const;
 
 private:
     std::shared_ptr<SignalPackage> ownRecord(const QString& a_sId);

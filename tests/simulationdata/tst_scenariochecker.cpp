@@ -6,12 +6,15 @@
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/scenarionetwork.h"
 #include "simulationdata/signalpackage.h"
+#include "simulationdata/signalpackagecache.h"
 #include "simulationdata/transmittersettings.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 #include "tracecollector.h"
 
+#include <QFile>
 #include <QHash>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <algorithm>
@@ -81,6 +84,22 @@ EmitterPtr emitter(const QString& a_sId, const QString& a_sClass = {}, const QSt
     return created;
 }
 
+QByteArray contentOf(const QString& a_sFile)
+{
+    QFile file(a_sFile);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// The findings as "id rule: text".
+QStringList textsOf(const ScenarioChecker& a_checker)
+{
+    QStringList texts;
+    for (const ScenarioFinding& finding : a_checker.findings()) {
+        texts.append(finding.objectId + u' ' + finding.ruleId + u": "_s + finding.text);
+    }
+    return texts;
+}
+
 } // namespace
 
 class TestScenarioChecker : public QObject
@@ -91,6 +110,8 @@ private Q_SLOTS:
     void packages_data();
     void packages();
     void objects();
+    void packageFiles_data();
+    void packageFiles();
     void effort_data();
     void effort();
 };
@@ -154,9 +175,9 @@ void TestScenarioChecker::packages()
     QCOMPARE(checker.findings().size(), after == ids ? texts.size() : 0);
 }
 
-/// The scenario has objects that break every rule. Among them are network members,
-/// emitters linked in a circle, and an emission shared by two networks of the same id and
-/// name. Every run lists the same findings, whatever the order of the set.
+/// Objects that break rules in many ways. Among them are network members, emitters
+/// linked in a circle, and an emission shared by two networks of the same id and name.
+/// Every run lists the same findings, whatever the order of the set.
 void TestScenarioChecker::objects()
 {
     const QStringList expected{u"a A invalid-signal-package: 1 emission"_s,
@@ -166,9 +187,13 @@ void TestScenarioChecker::objects()
                                u"a A missing-settings*: The frequency"_s,
                                u"a A missing-settings*: The position"_s,
                                u"a A missing-settings*: The transmitter"_s,
+                               u"a A cut-link: The link to \"a\" leads into a circle"_s,
                                u"a B invalid-signal-package: 2 emissions"_s,
+                               u"a B cut-link: The link to \"a\" leads into a circle"_s,
                                u"0 N invalid-signal-package: 1 emission"_s,
-                               u"0 N missing-settings*: The frequency"_s};
+                               u"0 N missing-settings*: The frequency"_s,
+                               u"0 N network-without-members: No member of the network refers to it"_s,
+                               u"0 N foreign-emission: 2 emissions"_s};
     const EmitterPtr fresh = emitter({});
     Packages provider({});
     ScenarioChecker checker(&provider);
@@ -182,8 +207,10 @@ void TestScenarioChecker::objects()
         elint->setClass(u"Radar"_s);
         bare->setLinkTargetEmitter(whole);
         whole->setLinkTargetEmitter(bare);
-        whole->setScenarioNetwork(network);
-        bare->setScenarioNetwork(network);
+        for (const EmitterPtr& member : {whole, bare}) {
+            member->setScenarioNetwork(network);
+            network->addEmitter(member);
+        }
         bare->setFrequencySettings(nullptr);
         bare->setPositionSettings(nullptr);
         bare->setTransmitterSettings(nullptr);
@@ -211,7 +238,8 @@ void TestScenarioChecker::objects()
         QCOMPARE(
             TraceCollector::lines(),
             QStringList{u"The check of a scenario found 3 invalid-signal-package, 1 duplicate-id, "
-                        "2 invalid-class, 4 missing-settings (simulation/simulationdata/scenariochecker)"_s});
+                        "2 invalid-class, 4 missing-settings, 1 network-without-members, 1 foreign-emission, "
+                        "2 cut-link (simulation/simulationdata/scenariochecker)"_s});
         QVERIFY(fresh->frequencySettings()->equal(bare->frequencySettings()));
         QVERIFY(fresh->ownPositionSettings()->equal(bare->ownPositionSettings()));
         QCOMPARE(bare->getTranmitterSettings()->getAntennaType(), u"Default"_s);
@@ -226,13 +254,86 @@ void TestScenarioChecker::objects()
             !checker.hadNullPointerSettings() && !checker.hadDuplicateIds());
 }
 
+void TestScenarioChecker::packageFiles_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("from"); ///< replaced in the file; empty: the last byte is cut off
+    QTest::addColumn<QByteArray>("to");   ///< empty: the file is removed
+    QTest::addColumn<QString>("text");
+
+    const QString sDamaged = u"e damaged-package: The signal package \"%1\" is damaged: "_s;
+    const QString sContradicts =
+        u"e contradicting-package: The signal package \"%1\" contradicts its descriptor: "_s;
+    QTest::newRow("whole") << u"other"_s << QByteArray() << QByteArray("x") << QString();
+    QTest::newRow("missing") << u"Signal.wav"_s << QByteArray("RIFF") << QByteArray()
+                             << sDamaged + u"Signal.wav missing, but the descriptor describes it"_s;
+    QTest::newRow("truncated") << u"Signal.ssf"_s << QByteArray() << QByteArray("x")
+                               << sDamaged + u"Signal.ssf truncated by 1 byte"_s;
+    QTest::newRow("changed") << u"Signal.wav"_s << QByteArray("\1\0") << QByteArray("\1\1")
+                             << sContradicts + u"Signal.wav has the checksum "_s;
+    QTest::newRow("other length") << u"Signal.xml"_s << QByteArray("<Duration>10000")
+                                  << QByteArray("<Duration>9998")
+                                  << sContradicts +
+                                         u"Signal.ssf lasts 10000 ms, the descriptor says 9998 ms. Put"_s;
+    QTest::newRow("rounded length") << u"Signal.xml"_s << QByteArray("<Duration>10000")
+                                    << QByteArray("<Duration>9999") << QString();
+    QTest::newRow("no audio described")
+        << u"Signal.xml"_s << QByteArray("<Name>Signal.wav</Name>") << QByteArray("<Name/>") << QString();
+}
+
+/// The files of the built-in package, which a cache unpacks.
+void TestScenarioChecker::packageFiles()
+{
+    QFETCH(QString, file);
+    QFETCH(QByteArray, from);
+    QFETCH(QByteArray, to);
+    QFETCH(QString, text);
+    const QTemporaryDir folder;
+    SignalPackageCache cache(folder.filePath(u"package"_s), QString());
+    QVERIFY(cache.prepareCacheForUse());
+    const QString sPath = folder.filePath(u"package/"_s + file);
+    QByteArray bytes = contentOf(sPath);
+    if (from.isEmpty()) {
+        bytes.chop(1);
+    } else {
+        QVERIFY(bytes.contains(from));
+        bytes.replace(bytes.lastIndexOf(from), from.size(), to);
+    }
+    QFile changed(sPath);
+    QVERIFY(changed.remove() || bytes.isEmpty());
+    if (!to.isEmpty()) {
+        QVERIFY(changed.open(QIODevice::WriteOnly) && changed.write(bytes) == bytes.size());
+        changed.close();
+    }
+
+    const EmitterPtr sender = emitter(u"e"_s);
+    const QString sId = cache.defaultSignalPackage()->id();
+    addEmissions(*sender, {sId, sId, u"unknown"_s, u"-"_s});
+    ScenarioDataXml scenario(nullptr);
+    scenario.setScenarioObjects({sender});
+    const TraceCollector traces; // keeps the output short
+    ScenarioChecker checker(nullptr);
+    checker.setPackageFolder(folder.path());
+    checker.check(scenario);
+    const QString sFound = textsOf(checker).join(u'|');
+    QVERIFY2(text.isEmpty() ? sFound.isEmpty()
+                            : checker.findings().size() == 1 && sFound.startsWith(text.arg(sId)),
+             qPrintable(sFound));
+    checker.setPackageFolder({});
+    checker.check(scenario);
+    QVERIFY(checker.findings().isEmpty());
+}
+
 void TestScenarioChecker::effort_data()
 {
     QTest::addColumn<int>("emissions");
     QTest::addColumn<int>("emitters");
+    QTest::addColumn<qint64>("period");
 
-    QTest::newRow("emissions") << 10'000 << 1;
-    QTest::newRow("emitters in a circle") << 1 << 2'000;
+    const qint64 iUnlimited = EmissionSettings::s_iUnlimited;
+    QTest::newRow("emissions") << 10'000 << 1 << iUnlimited;
+    QTest::newRow("emissions with a period of 1 ms") << 10'000 << 1 << qint64{1};
+    QTest::newRow("emitters in a circle") << 1 << 2'000 << iUnlimited;
 }
 
 /// Ten times as many objects take about 10 times the processor time; a quadratic
@@ -241,6 +342,7 @@ void TestScenarioChecker::effort()
 {
     QFETCH(int, emissions);
     QFETCH(int, emitters);
+    QFETCH(qint64, period);
     Packages provider({});
     ScenarioChecker checker(&provider);
     checker.setKnownClasses({u"Boat"_s});
@@ -251,6 +353,7 @@ void TestScenarioChecker::effort()
             ids.append(QString::number(i));
         }
         addEmissions(*first, ids);
+        first->emissionSettings()->setDuration(period);
         ObjectSet objects{first};
         EmitterPtr previous = first;
         for (int i = 1; i < a_iFactor * emitters; ++i) {
@@ -270,7 +373,7 @@ void TestScenarioChecker::effort()
     const TraceCollector traces; // keeps the output short
     const double dOnce = std::min(measure(1), measure(1));
     const double dRatio = measure(10) / dOnce;
-    QCOMPARE(checker.findings().size(), qsizetype{10} * (emissions + 2 * emitters) - 1);
+    QCOMPARE(checker.findings().size(), qsizetype{10} * (emissions + 3 * emitters) - (period == 1 ? 0 : 1));
     QVERIFY2(dRatio < 40, qPrintable(QString::number(dRatio)));
 }
 

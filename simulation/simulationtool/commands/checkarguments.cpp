@@ -1,49 +1,43 @@
 #include "checkarguments.h"
 
 #include "checkcommand.h"
+#include "checkfinding.h"
 #include "console/commandparser.h"
 #include "console/inputfile.h"
+
+#include "simulationdata/scenariochecker.h"
 
 namespace SimulationTool {
 
 namespace {
 
-const char s_szCheck[] =
-    "Checks scenario and deployment documents and writes one line for everything it\n"
-    "finds: the file, the object's id and name, the finding and its repair, and the\n"
-    "rule. Rules for scenarios:\n"
+constexpr qsizetype s_iHelpWidth = 80; ///< columns
+
+const char s_szCheck[] = "Checks scenario and deployment documents and writes one line for everything it\n"
+                         "finds: the file, the object's id and name, the finding and its repair, and the\n"
+                         "rule. Notes are marked as such; nothing is wrong with what they name. Rules for\n"
+                         "documents:\n"
+                         "\n"
+                         "  broken-off (error)\n"
+                         "      The document is cut off, malformed or beyond a limit; what came before is\n"
+                         "      checked.\n"
+                         "  newer-version (error)\n"
+                         "      The format of a deployment is newer than the tool.\n"
+                         "  not-read (error)\n"
+                         "      Elements or attributes, such as misspelt ones, are not in the format at\n"
+                         "      their place and have no effect. Not looked for after broken-off,\n"
+                         "      newer-version or duplicate-id.\n"
+                         "\n"
+                         "Rules for what they hold; those about signal packages need --repository, and\n"
+                         "invalid-class needs --class:\n"
+                         "\n";
+
+const char s_szCheckFiles[] =
     "\n"
-    "  invalid-signal-package  an emission names no package, or one that the\n"
-    "                          repository does not have; only with --repository.\n"
-    "                          Repaired: it gets the default package.\n"
-    "  damaged-package         an emission uses a package of the repository that\n"
-    "                          \"repository list\" shows with a problem; only with\n"
-    "                          --repository; never repaired\n"
-    "  duplicate-id            several emitters have one id, so that they are read\n"
-    "                          as one; never repaired\n"
-    "  invalid-class           an emitter is of none of the classes that --class\n"
-    "                          names; never repaired\n"
-    "  missing-settings        an object has no frequency, position or transmitter\n"
-    "                          settings. Repaired: it gets those of a new object.\n"
-    "  broken-off              the document is cut off, malformed or beyond a\n"
-    "                          limit; what came before is checked\n"
-    "  position-out-of-range   a latitude is not in [-90, 90] or a longitude not in\n"
-    "                          [-180, 180] degrees\n"
-    "  not-read                elements or attributes that the format does not have\n"
-    "                          at their place, such as misspelt ones, and that have\n"
-    "                          no effect; not looked for after broken-off or\n"
-    "                          duplicate-id; never repaired\n"
-    "\n"
-    "Rules for deployments: broken-off, duplicate-id, position-out-of-range, not-read, and\n"
-    "\n"
-    "  newer-version           the format is newer than the tool\n"
-    "  device-without-station  a device has neither a station nor a position of its\n"
-    "                          own, or names a station that the deployment does not\n"
-    "                          describe\n"
-    "\n"
-    "Files stay as they are, unless --repair names one. A repaired scenario is\n"
-    "written in the current format: ids without a finding are kept, numbers are rounded\n"
-    "to the format's digits, comments and unknown elements are left out.";
+    "invalid-signal-package and missing-settings are repaired. Files stay as they are,\n"
+    "unless --repair names one. A repaired scenario is written in the current format:\n"
+    "ids without a finding are kept, numbers are rounded to the format's digits,\n"
+    "comments and unknown elements are left out.";
 
 const char s_szCheckExamples[] =
     "\n"
@@ -53,13 +47,44 @@ const char s_szCheckExamples[] =
     "  simulationtool check harbour.sce.exp --repository packages --repair repaired.sce.exp\n"
     "\n"
     "Exit codes:\n"
-    "  0  No findings in any file.\n"
+    "  0  No findings in any file, or notes only.\n"
     "  1  Findings, repaired or not.\n"
     "  2  Wrong usage, or a file could not be read or written; the others are checked.\n";
 
 const QString s_sRepair = QStringLiteral("repair");
 const QString s_sForce = QStringLiteral("force");
 const QString s_sClass = QStringLiteral("class");
+
+/// A rule and its summary, wrapped at spaces.
+QString ruleText(const Simulation::CheckRule& a_rule)
+{
+    const QString sIndent(6, u' ');
+    QString sText =
+        QStringLiteral("  ") + a_rule.id + QStringLiteral(" (") + severityName(a_rule.severity) + u')';
+    QString sLine;
+    const QStringList words = QString(a_rule.summary).split(u' ');
+    for (const QString& sWord : words) {
+        if (sLine.isEmpty() || sLine.size() + 1 + sWord.size() > s_iHelpWidth) {
+            sText += sLine + u'\n';
+            sLine = sIndent + sWord;
+        } else {
+            sLine += u' ' + sWord;
+        }
+    }
+    return sText + sLine + u'\n';
+}
+
+QByteArray description()
+{
+    QString sText = QLatin1String(s_szCheck);
+    for (const Simulation::CheckRule& rule : Simulation::ScenarioChecker::rules()) {
+        // Scenarios and deployments are checked alone, so this rule cannot fire.
+        if (rule.id != Simulation::ScenarioChecker::s_sUnreachedStation) {
+            sText += ruleText(rule);
+        }
+    }
+    return (sText + QLatin1String(s_szCheckFiles)).toUtf8();
+}
 
 void addCheckOptions(QCommandLineParser& a_parser)
 {
@@ -119,7 +144,7 @@ ExitCode check(const QStringList& a_arguments, Output& a_output)
     CommandParser parser(QStringLiteral("check"),
                          QStringLiteral("FILE|-... [--repository DIR] [--class NAME]... [--json]\n"
                                         "                            [--repair OUT [--force]]"),
-                         s_szCheck, s_szCheckExamples);
+                         description().constData(), s_szCheckExamples);
     addCheckOptions(parser.get());
     if (const auto done = parser.parse(a_arguments, a_output)) {
         return *done;

@@ -22,7 +22,6 @@
 
 #include <QFileInfo>
 
-#include <algorithm>
 #include <optional>
 
 namespace SimulationTool {
@@ -54,15 +53,8 @@ std::optional<QString> keepFormer(const QString& a_sFile, const QByteArray& a_co
     return replaceFile(sBackup, a_content) == ExitCode::Ok ? std::make_optional(sBackup) : std::nullopt;
 }
 
-/// Whether the findings of a rule concern the document itself, not one of its
-/// objects.
-bool isOfDocument(const QString& a_sRule)
-{
-    return a_sRule == u"broken-off" || a_sRule == u"newer-version" || a_sRule == u"not-read";
-}
-
-/// Accepts the package ids of a repository, but leaves each emission its own package
-/// record. A repaired document therefore names the same packages as before.
+/// Knows the ids of a repository, but keeps every emission's own package record, so
+/// that a repaired document names the same packages as before.
 class KnownIds : public Simulation::UnresolvedSignalPackageProvider
 {
 public:
@@ -88,9 +80,9 @@ private:
 class FileCheck
 {
 public:
-    /// `a_pPackages` and `a_pKnownIds` are null when packages are not checked.
-    FileCheck(const CheckOptions& a_options, RepositoryPackages* a_pPackages,
-              Simulation::ISignalPackageProvider* a_pKnownIds, Output& a_output);
+    /// `a_pKnownIds` is null when packages are not checked.
+    FileCheck(const CheckOptions& a_options, Simulation::ISignalPackageProvider* a_pKnownIds,
+              Output& a_output);
 
     /// Checks all files and writes the summary; an interrupted check writes none.
     [[nodiscard]] ExitCode run();
@@ -100,7 +92,7 @@ private:
     [[nodiscard]] ExitCode checkDeployment(const InputFile& a_file);
     [[nodiscard]] ExitCode checkScenario(const InputFile& a_file);
     [[nodiscard]] ExitCode report(const InputFile& a_file, const CheckFindings& a_findings);
-    [[nodiscard]] CheckFindings scenarioFindings(Simulation::ScenarioDataXml& a_scenario);
+    void reportFinding(const InputFile& a_file, const Simulation::ScenarioFinding& a_finding);
     [[nodiscard]] ExitCode refuse(const InputFile& a_file, const QString& a_sReason);
     [[nodiscard]] ExitCode repair(const InputFile& a_file, const QString& a_sLoss,
                                   const QByteArray& a_document);
@@ -109,64 +101,61 @@ private:
     void writeSummary();
 
     const CheckOptions& m_options;
-    RepositoryPackages* m_pPackages;
     Output& m_output;
     Report m_report;
     Simulation::ScenarioChecker m_checker;
     quint64 m_uiChecked = 0; ///< files
     quint64 m_uiUnreadable = 0;
-    quint64 m_uiFindings = 0;
+    quint64 m_uiFindings = 0; ///< without notes
+    quint64 m_uiNotes = 0;
     quint64 m_uiRepaired = 0;
     bool m_bWritten = false;
 };
 
-FileCheck::FileCheck(const CheckOptions& a_options, RepositoryPackages* a_pPackages,
-                     Simulation::ISignalPackageProvider* a_pKnownIds, Output& a_output)
+FileCheck::FileCheck(const CheckOptions& a_options, Simulation::ISignalPackageProvider* a_pKnownIds,
+                     Output& a_output)
     : m_options(a_options)
-    , m_pPackages(a_pPackages)
     , m_output(a_output)
     , m_report(a_output, a_options.form)
     , m_checker(a_pKnownIds)
 {
     m_checker.setKnownClasses(a_options.classes);
+    if (a_pKnownIds != nullptr) {
+        m_checker.setPackageFolder(packageStoreOf(a_options.repository));
+    }
 }
 
+void FileCheck::reportFinding(const InputFile& a_file, const Simulation::ScenarioFinding& a_finding)
+{
+    const bool bNote = a_finding.severity == Simulation::Severity::Note;
+    ++(bNote ? m_uiNotes : m_uiFindings);
+    m_uiRepaired += a_finding.repaired ? 1 : 0;
+    const QString sName =
+        a_finding.objectName.isEmpty() ? QString() : QStringLiteral(" (") + a_finding.objectName + u')';
+    const bool bObject = !isOfDocument(a_finding.ruleId);
+    m_report.record("findings",
+                    {{QStringLiteral("object_id"), jsonText(a_finding.objectId)},
+                     {QStringLiteral("object_name"), jsonText(a_finding.objectName)},
+                     {QStringLiteral("rule"), a_finding.ruleId},
+                     {QStringLiteral("severity"), severityName(a_finding.severity)},
+                     {QStringLiteral("text"), a_finding.text},
+                     {QStringLiteral("repaired"), a_finding.repaired}},
+                    a_file.name() + QStringLiteral(": ") +
+                        (bObject ? orDash(a_finding.objectId) + sName + QStringLiteral(": ") : QString()) +
+                        a_finding.text + QStringLiteral(" [") + a_finding.ruleId +
+                        (bNote ? QStringLiteral(", note]") : QStringLiteral("]")));
+}
+
+/// Notes alone do not change the exit code: nothing is wrong.
 ExitCode FileCheck::report(const InputFile& a_file, const CheckFindings& a_findings)
 {
     ++m_uiChecked;
     m_report.list("findings");
-    for (const CheckFinding& finding : a_findings) {
-        ++m_uiFindings;
-        m_uiRepaired += finding.repaired ? 1 : 0;
-        const QString sName =
-            finding.objectName.isEmpty() ? QString() : QStringLiteral(" (") + finding.objectName + u')';
-        const bool bObject = !isOfDocument(finding.rule);
-        m_report.record("findings",
-                        {{QStringLiteral("object_id"), jsonText(finding.objectId)},
-                         {QStringLiteral("object_name"), jsonText(finding.objectName)},
-                         {QStringLiteral("rule"), finding.rule},
-                         {QStringLiteral("text"), finding.text},
-                         {QStringLiteral("repaired"), finding.repaired}},
-                        a_file.name() + QStringLiteral(": ") +
-                            (bObject ? orDash(finding.objectId) + sName + QStringLiteral(": ") : QString()) +
-                            finding.text + QStringLiteral(" [") + finding.rule + u']');
+    const quint64 uiBefore = m_uiFindings;
+    for (const Simulation::ScenarioFinding& finding : a_findings) {
+        reportFinding(a_file, finding);
     }
-    return a_findings.isEmpty() ? ExitCode::Ok : ExitCode::Findings;
-}
-
-CheckFindings FileCheck::scenarioFindings(Simulation::ScenarioDataXml& a_scenario)
-{
-    CheckFindings findings = brokenOffFindings(a_scenario.errorString());
-    m_checker.check(a_scenario);
-    for (const Simulation::ScenarioFinding& finding : m_checker.findings()) {
-        findings.append(
-            {finding.objectId, finding.objectName, finding.ruleId, finding.text, finding.repaired});
-    }
-    if (m_pPackages != nullptr) {
-        findings += packageFindings(a_scenario, *m_pPackages);
-    }
-    findings += placeFindings(a_scenario);
-    return findings;
+    return m_uiFindings == uiBefore ? ExitCode::Ok : ExitCode::Findings;
 }
 
 /// Whether the repaired scenario, which lacks `a_sLoss`, may be written. It may replace
@@ -230,7 +219,9 @@ ExitCode FileCheck::checkScenario(const InputFile& a_file)
     m_report.value("kind", QStringLiteral("scenario"));
     // toXml() clears the reader's error text.
     const bool bBrokeOff = !scenario.errorString().isEmpty();
-    CheckFindings findings = scenarioFindings(scenario);
+    CheckFindings findings = brokenOffFindings(scenario.errorString());
+    m_checker.check(scenario);
+    findings += m_checker.findings();
     const QByteArray source = a_file.content();
     const QByteArray document = scenario.toXml();
     if (!bBrokeOff && scenario.mergedIds().isEmpty()) {
@@ -252,11 +243,11 @@ ExitCode FileCheck::checkDeployment(const InputFile& a_file)
         return refuse(a_file, deployment.errorString());
     }
     m_report.value("kind", QStringLiteral("deployment"));
-    CheckFindings findings = deploymentFindings(deployment);
-    const bool bAsRead = deployment.errorString().isEmpty() &&
-                         std::none_of(findings.cbegin(), findings.cend(), [](const CheckFinding& a_finding) {
-                             return isOfDocument(a_finding.rule) || a_finding.rule == u"duplicate-id";
-                         });
+    CheckFindings findings = brokenOffFindings(deployment.errorString()) + versionFindings(deployment);
+    const bool bAsRead = findings.isEmpty() && deployment.mergedDeviceIds().isEmpty() &&
+                         deployment.mergedStationIds().isEmpty();
+    m_checker.check(deployment);
+    findings += m_checker.findings();
     if (bAsRead) {
         findings += unreadFindings(a_file.content(), deployment.toXml());
     }
@@ -287,6 +278,7 @@ void FileCheck::writeSummary()
     m_report.value("checked_count", jsonCount(m_uiChecked));
     m_report.value("unreadable_count", jsonCount(m_uiUnreadable));
     m_report.value("finding_count", jsonCount(m_uiFindings));
+    m_report.value("note_count", jsonCount(m_uiNotes));
     m_report.value("repaired_count", jsonCount(m_uiRepaired));
     m_report.value("written", jsonText(m_bWritten ? m_options.repairFile : QString()));
     QString sSummary = counted(m_uiChecked, "file") + QStringLiteral(" checked");
@@ -294,6 +286,9 @@ void FileCheck::writeSummary()
         sSummary += QStringLiteral(", %1 not readable").arg(m_uiUnreadable);
     }
     sSummary += QStringLiteral(": ") + counted(m_uiFindings, "finding");
+    if (m_uiNotes != 0) {
+        sSummary += QStringLiteral(", ") + counted(m_uiNotes, "note");
+    }
     if (m_bWritten) {
         sSummary += QStringLiteral(", %1 repaired, written to ").arg(m_uiRepaired) + m_options.repairFile;
     }
@@ -324,7 +319,7 @@ ExitCode FileCheck::run()
 ExitCode runCheck(const CheckOptions& a_options, Output& a_output)
 {
     if (a_options.repository.isEmpty()) {
-        return FileCheck(a_options, nullptr, nullptr, a_output).run();
+        return FileCheck(a_options, nullptr, a_output).run();
     }
     catchInterruptions(); // so that an interrupted check removes the temporary cache
     RepositoryPackages packages;
@@ -339,7 +334,7 @@ ExitCode runCheck(const CheckOptions& a_options, Output& a_output)
         return ExitCode::Unusable;
     }
     KnownIds ids(packages);
-    return FileCheck(a_options, &packages, &ids, a_output).run();
+    return FileCheck(a_options, &ids, a_output).run();
 }
 
 } // namespace SimulationTool

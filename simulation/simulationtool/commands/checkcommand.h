@@ -25,7 +25,8 @@ struct CheckOptions
 };
 
 /// Checks scenarios and deployments one after another. Writes one line per finding,
-/// and a summary at the end. Returns Findings when there were any, repaired or not.
+/// and a summary at the end. Returns Findings when there were any, repaired or not;
+/// notes do not count.
 /// Returns Unusable when a file could not be read or the repaired file not written;
 /// the other files are still checked. When interrupted, removes its temporary files
 /// and returns Unusable; see interruption.h.

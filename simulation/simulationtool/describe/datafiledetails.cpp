@@ -8,6 +8,7 @@
 
 #include "simulationdata/audiofile.h"
 #include "simulationdata/resultdatafile.h"
+#include "simulationdata/signalpackagecheck.h"
 #include "simulationdata/signalpackagefolder.h"
 #include "simulationdata/signalshapefile.h"
 #include "simulationdata/symboldatafile.h"
@@ -33,26 +34,11 @@ void describeFile(Report& a_report, const QString& a_sKind, const InputFile& a_f
                    countValue(static_cast<quint64>(QFileInfo(a_file.path()).size()), "byte"));
 }
 
-/// The verdict on a file whose records have a rate. A file that opens but has the
-/// length 0 is a finding, because its rate or count is unusable. `a_pLength` returns
-/// the length (ms; frames for a wave file).
 template<typename Reader>
-Verdict timedVerdict(const Reader& a_reader, std::uint32_t (Reader::*a_pLength)() const)
-{
-    Verdict verdict =
-        a_reader.isOpen() ? sizeVerdict(a_reader.missingBytes()) : refusedVerdict(a_reader.errorString());
-    if (verdict.code == ExitCode::Ok && (a_reader.*a_pLength)() == 0) {
-        verdict = {ExitCode::Findings,
-                   QStringLiteral("whole, but by its rate and count nothing can be read")};
-    }
-    return verdict;
-}
-
-template<typename Reader>
-Verdict openTimed(Reader& a_reader, std::uint32_t (Reader::*a_pLength)() const)
+Verdict openVerdict(Reader& a_reader)
 {
     static_cast<void>(a_reader.open());
-    return timedVerdict(a_reader, a_pLength);
+    return problemVerdict(Simulation::SignalPackageCheck::problemOf(a_reader));
 }
 
 QString rateText(float a_fRate)
@@ -77,57 +63,48 @@ ReportValue waveLengthValue(const Simulation::WaveFileReader& a_reader)
                        : lengthValue(a_reader.length() * s_uiMillisecondsPerSecond / uiRate);
 }
 
-DataFileSummary shapeSummary(const QString& a_sFile)
+QString shapeText(const QString& a_sFile)
 {
     Simulation::SignalShapeFile reader(a_sFile);
-    DataFileSummary summary{{}, openTimed(reader, &Simulation::SignalShapeFile::duration)};
-    if (reader.isOpen()) {
-        summary.text =
-            QStringLiteral("%1 records of %2 points, %3 per second, %4 wide")
-                .arg(QString::number(reader.recordCount()), QString::number(reader.pointsPerSpectrum()),
-                     QString::number(reader.recordsPerSecond()), frequencyText(reader.bandwidth()));
+    if (!reader.open()) {
+        return {};
     }
-    return summary;
+    return QStringLiteral("%1 records of %2 points, %3 per second, %4 wide")
+        .arg(QString::number(reader.recordCount()), QString::number(reader.pointsPerSpectrum()),
+             QString::number(reader.recordsPerSecond()), frequencyText(reader.bandwidth()));
 }
 
 /// An audio signal must meet more conditions than a readable wave file.
-DataFileSummary audioSummary(const QString& a_sFile)
+QString audioText(const QString& a_sFile)
 {
-    Simulation::AudioFile audio(a_sFile);
-    if (!audio.open()) {
-        return {{}, refusedVerdict(audio.errorString())};
-    }
     Simulation::WaveFileReader reader(a_sFile);
-    DataFileSummary summary{{}, openTimed(reader, &Simulation::WaveFileReader::length)};
-    if (reader.isOpen()) {
-        summary.text = QStringLiteral("%1 bits mono, %2 frames, %3")
-                           .arg(QString::number(reader.format().bitsPerSample),
-                                QString::number(reader.length()), waveLengthValue(reader).text);
+    if (!Simulation::AudioFile(a_sFile).open() || !reader.open()) {
+        return {};
     }
-    return summary;
+    return QStringLiteral("%1 bits mono, %2 frames, %3")
+        .arg(QString::number(reader.format().bitsPerSample), QString::number(reader.length()),
+             waveLengthValue(reader).text);
 }
 
-DataFileSummary symbolSummary(const QString& a_sFile)
+QString symbolText(const QString& a_sFile)
 {
     Simulation::SymbolDataFile reader(a_sFile);
-    DataFileSummary summary{{}, openTimed(reader, &Simulation::SymbolDataFile::length)};
-    if (reader.isOpen()) {
-        summary.text = QStringLiteral("%1 symbols of valency %2, %3")
-                           .arg(QString::number(reader.symbolCount()),
-                                QString::number(reader.symbolValency()), rateText(reader.symbolRate()));
+    if (!reader.open()) {
+        return {};
     }
-    return summary;
+    return QStringLiteral("%1 symbols of valency %2, %3")
+        .arg(QString::number(reader.symbolCount()), QString::number(reader.symbolValency()),
+             rateText(reader.symbolRate()));
 }
 
-DataFileSummary resultSummary(const QString& a_sFile)
+QString resultText(const QString& a_sFile)
 {
     Simulation::ResultDataFile reader(a_sFile);
-    DataFileSummary summary{{}, openTimed(reader, &Simulation::ResultDataFile::length)};
-    if (reader.isOpen()) {
-        summary.text = QStringLiteral("%1 items, %2")
-                           .arg(QString::number(reader.itemCount()), rateText(reader.itemRate()));
+    if (!reader.open()) {
+        return {};
     }
-    return summary;
+    return QStringLiteral("%1 items, %2")
+        .arg(QString::number(reader.itemCount()), rateText(reader.itemRate()));
 }
 
 void describeCuePoints(Report& a_report, const QList<Simulation::WaveFileReader::CuePoint>& a_points)
@@ -152,22 +129,17 @@ void describeCuePoints(Report& a_report, const QList<Simulation::WaveFileReader:
 } // namespace
 
 const std::array<PackageDataFile, 4> s_packageDataFiles{{
-    {"Signal.ssf", "ssf", &Simulation::SignalPackageFolder::signalShapeFilePath, &shapeSummary},
-    {"Signal.wav", "wav", &Simulation::SignalPackageFolder::audioFilePath, &audioSummary},
-    {"Signal.sdf", "sdf", &Simulation::SignalPackageFolder::symbolDataFilePath, &symbolSummary},
-    {"Signal.rdf", "rdf", &Simulation::SignalPackageFolder::resultDataFilePath, &resultSummary},
+    {"Signal.ssf", "ssf", &Simulation::SignalPackageFolder::signalShapeFilePath, &shapeText},
+    {"Signal.wav", "wav", &Simulation::SignalPackageFolder::audioFilePath, &audioText},
+    {"Signal.sdf", "sdf", &Simulation::SignalPackageFolder::symbolDataFilePath, &symbolText},
+    {"Signal.rdf", "rdf", &Simulation::SignalPackageFolder::resultDataFilePath, &resultText},
 }};
-
-Verdict shapeVerdict(const Simulation::SignalShapeFile& a_reader)
-{
-    return timedVerdict(a_reader, &Simulation::SignalShapeFile::duration);
-}
 
 Verdict describeShapeFile(Report& a_report, const InputFile& a_file)
 {
     describeFile(a_report, QStringLiteral("Signal shape file"), a_file);
     Simulation::SignalShapeFile reader(a_file.path());
-    Verdict verdict = openTimed(reader, &Simulation::SignalShapeFile::duration);
+    Verdict verdict = openVerdict(reader);
     if (reader.isOpen()) {
         a_report.field("version", QStringLiteral("Version"), countValue(reader.version()));
         a_report.field("bandwidth_hz", QStringLiteral("Bandwidth"), frequencyValue(reader.bandwidth()));
@@ -191,7 +163,7 @@ Verdict describeSymbolFile(Report& a_report, const InputFile& a_file)
 {
     describeFile(a_report, QStringLiteral("Symbol data file"), a_file);
     Simulation::SymbolDataFile reader(a_file.path());
-    Verdict verdict = openTimed(reader, &Simulation::SymbolDataFile::length);
+    Verdict verdict = openVerdict(reader);
     if (reader.isOpen()) {
         a_report.field("valency", QStringLiteral("Valency"), countValue(reader.symbolValency()));
         a_report.field("symbols", QStringLiteral("Symbols"), countValue(reader.symbolCount()));
@@ -205,7 +177,7 @@ Verdict describeResultFile(Report& a_report, const InputFile& a_file)
 {
     describeFile(a_report, QStringLiteral("Result data file"), a_file);
     Simulation::ResultDataFile reader(a_file.path());
-    Verdict verdict = openTimed(reader, &Simulation::ResultDataFile::length);
+    Verdict verdict = openVerdict(reader);
     if (reader.isOpen()) {
         a_report.field("items", QStringLiteral("Items"), countValue(reader.itemCount()));
         a_report.field("rate_per_second", QStringLiteral("Rate"), rateValue(reader.itemRate()));
@@ -218,7 +190,7 @@ Verdict describeWaveFile(Report& a_report, const InputFile& a_file)
 {
     describeFile(a_report, QStringLiteral("Wave file"), a_file);
     Simulation::WaveFileReader reader(a_file.path());
-    Verdict verdict = openTimed(reader, &Simulation::WaveFileReader::length);
+    Verdict verdict = openVerdict(reader);
     if (reader.isOpen()) {
         const Simulation::WaveFileReader::Format& format = reader.format();
         a_report.field("channels", QStringLiteral("Channels"), countValue(format.channels));

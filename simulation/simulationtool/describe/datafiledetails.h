@@ -7,22 +7,10 @@
 
 #include <array>
 
-namespace Simulation {
-class SignalShapeFile;
-} // namespace Simulation
-
 namespace SimulationTool {
 
 class InputFile;
 class Report;
-
-/// A data file of a package: its header in one line, and the verdict on the file. The
-/// data themselves are not read.
-struct DataFileSummary
-{
-    QString text; ///< empty when the file is refused
-    Verdict verdict;
-};
 
 /// A kind of data file that a package may contain.
 struct PackageDataFile
@@ -30,13 +18,9 @@ struct PackageDataFile
     const char* name; ///< in the package folder
     const char* kind; ///< the file name ending, as shown in lists
     QString (*path)(const QString& a_sPackageFolder);
-    DataFileSummary (*summary)(const QString& a_sFile);
+    QString (*holds)(const QString& a_sFile); ///< its header in one line; empty when it cannot be read
 };
 extern const std::array<PackageDataFile, 4> s_packageDataFiles;
-
-/// The verdict on a signal shape file. Call after the reader's open(), successful or
-/// not.
-[[nodiscard]] Verdict shapeVerdict(const Simulation::SignalShapeFile& a_reader);
 
 /// Describe the header of one file, under a heading of its own. The caller writes the
 /// returned verdict.

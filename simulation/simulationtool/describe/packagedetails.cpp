@@ -48,8 +48,8 @@ Verdict describePackageFolder(Report& a_report, const QString& a_sFolder, const 
     QList<ReportRow> rows{{descriptor.fileName(), wholeValue(descriptor.size()), verdict.descriptor.text,
                            QStringLiteral("descriptor")}};
     for (const PackageFileVerdict& file : verdict.files) {
-        rows.append({QString(QLatin1String(file.file->name)), wholeValue(file.bytes),
-                     file.summary.verdict.text, file.summary.text});
+        rows.append(
+            {QString(QLatin1String(file.file->name)), wholeValue(file.bytes), file.verdict.text, file.holds});
     }
     a_report.titledTable("files", QStringLiteral("Files"),
                          {{QStringLiteral("Name"), false, 0, "name"},

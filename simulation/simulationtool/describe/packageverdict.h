@@ -17,7 +17,8 @@ struct PackageFileVerdict
 {
     const PackageDataFile* file = nullptr; ///< one of s_packageDataFiles
     qint64 bytes = 0;
-    DataFileSummary summary;
+    QString holds; ///< its header in one line; empty when it cannot be read
+    Verdict verdict;
 };
 
 /// The verdict on a signal package, shared by all commands.
@@ -35,11 +36,6 @@ struct PackageVerdict
 
 /// The verdict on a descriptor file from which this package was read.
 [[nodiscard]] Verdict descriptorVerdict(const Simulation::SignalPackage& a_package, const QString& a_sFile);
-
-/// The reason why the readable spectra of a package cannot be played; empty when they
-/// can be played. Spectra repeat over the package's duration, so a package without a
-/// duration cannot be played.
-[[nodiscard]] QString durationError(const Simulation::SignalPackage& a_package);
 
 } // namespace SimulationTool
 

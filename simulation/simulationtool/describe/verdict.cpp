@@ -1,9 +1,8 @@
 #include "verdict.h"
 
-#include "console/valuetexts.h"
+#include "simulationdata/signalpackagecheck.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace SimulationTool {
 
@@ -14,18 +13,15 @@ Verdict refusedVerdict(const QString& a_sReason)
 
 Verdict sizeVerdict(std::int64_t a_iMissingBytes)
 {
-    if (a_iMissingBytes == 0) {
+    return problemVerdict({{}, Simulation::SignalPackageCheck::sizeError(a_iMissingBytes), false});
+}
+
+Verdict problemVerdict(const Simulation::SignalPackageProblem& a_problem)
+{
+    if (a_problem.text.isEmpty()) {
         return {};
     }
-    if (a_iMissingBytes == std::numeric_limits<std::int64_t>::max()) {
-        return {ExitCode::Findings,
-                QStringLiteral("truncated: the header declares more than a file can contain")};
-    }
-    const auto uiBytes = static_cast<std::uint64_t>(a_iMissingBytes);
-    return {ExitCode::Findings,
-            a_iMissingBytes > 0
-                ? QStringLiteral("truncated by ") + counted(uiBytes, "byte")
-                : counted(0 - uiBytes, "byte") + QStringLiteral(" more than the header declares")};
+    return {a_problem.isUnusable ? ExitCode::Unusable : ExitCode::Findings, a_problem.text};
 }
 
 ExitCode worse(ExitCode a_eFirst, ExitCode a_eSecond)

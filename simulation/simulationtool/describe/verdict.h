@@ -7,6 +7,10 @@
 
 #include <cstdint>
 
+namespace Simulation {
+struct SignalPackageProblem;
+} // namespace Simulation
+
 namespace SimulationTool {
 
 /// The verdict on a file in one line. The default is a file without findings.
@@ -23,6 +27,9 @@ struct Verdict
 /// the file lacks. The number is negative when the file has more bytes than declared,
 /// and INT64_MAX when the header declares more bytes than a file can contain.
 [[nodiscard]] Verdict sizeVerdict(std::int64_t a_iMissingBytes);
+
+/// The verdict on a file with a problem, or without one.
+[[nodiscard]] Verdict problemVerdict(const Simulation::SignalPackageProblem& a_problem);
 
 /// The more severe of two codes.
 [[nodiscard]] ExitCode worse(ExitCode a_eFirst, ExitCode a_eSecond);

@@ -3,13 +3,11 @@
 #include "console/output.h"
 #include "console/progress.h"
 #include "console/valuetexts.h"
-#include "describe/packagelist.h"
-#include "describe/packageverdict.h"
-#include "describe/verdict.h"
 #include "repositoryfolder.h"
 
 #include "simulationdata/signalpackage.h"
 #include "simulationdata/signalpackagecache.h"
+#include "simulationdata/signalpackagecheck.h"
 #include "simulationdata/signalpackagefolder.h"
 #include "simulationdata/signalshapefile.h"
 
@@ -126,20 +124,6 @@ void RepositoryPackages::updateCache()
     m_cache->updateCache(m_cache->sourceDir(), false);
 }
 
-QStringList RepositoryPackages::problemsOf(const QString& a_sId)
-{
-    if (!m_problems) {
-        m_problems.emplace();
-        const Progress progress(QStringLiteral("reading the signal packages of the repository"));
-        for (const ListedPackage& package : listPackages(m_cache->sourceDir())) {
-            if (!package.problems.isEmpty() && !package.cleanId.isEmpty()) {
-                (*m_problems)[package.cleanId] += package.problems;
-            }
-        }
-    }
-    return m_problems->value(Simulation::SignalPackage::cleanId(a_sId));
-}
-
 std::optional<float> RepositoryPackages::levelAt(const std::shared_ptr<Simulation::SignalPackage>& a_package,
                                                  std::int64_t a_iTime)
 {
@@ -161,10 +145,10 @@ std::optional<float> RepositoryPackages::levelAt(const std::shared_ptr<Simulatio
 void RepositoryPackages::checkShape(const Simulation::SignalPackage& a_package,
                                     const Simulation::SignalShapeFile& a_reader)
 {
-    const Verdict verdict = shapeVerdict(a_reader);
-    if (verdict.code != ExitCode::Ok) {
-        log(QStringLiteral("package %1: its signal shape file is %2").arg(a_package.id(), verdict.text));
-    } else if (const QString sError = durationError(a_package); !sError.isEmpty()) {
+    using Check = Simulation::SignalPackageCheck;
+    if (const QString sProblem = Check::problemOf(a_reader).text; !sProblem.isEmpty()) {
+        log(QStringLiteral("package %1: its signal shape file is %2").arg(a_package.id(), sProblem));
+    } else if (const QString sError = Check::durationError(a_package); !sError.isEmpty()) {
         log(QStringLiteral("package %1: %2").arg(a_package.id(), sError));
     }
 }

@@ -4,7 +4,6 @@
 #include "console/exitcode.h"
 #include "describe/forwardingpackages.h"
 
-#include <QHash>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -52,11 +51,6 @@ public:
     [[nodiscard]] std::optional<float> levelAt(const std::shared_ptr<Simulation::SignalPackage>& a_package,
                                                std::int64_t a_iTime);
 
-    /// The problems of the repository's package with this id, as the list of packages
-    /// shows them; empty when the package has no problems. The first call reads the
-    /// headers of all packages.
-    [[nodiscard]] QStringList problemsOf(const QString& a_sId);
-
     /// The first 20 messages reported so far.
     [[nodiscard]] QStringList messages() const { return m_messages; }
 
@@ -76,9 +70,7 @@ private:
     std::unique_ptr<QTemporaryDir> m_temporary; ///< contains the cache's files, so it outlives the cache
     std::unique_ptr<Simulation::SignalPackageCache> m_cache;
     QSet<QString> m_unknownIds;
-    QSet<QString> m_checkedIds;                            ///< packages whose shape was checked
-    std::optional<QHash<QString, QStringList>> m_problems; ///< by clean id; no value before the first
-                                                           ///< problemsOf()
+    QSet<QString> m_checkedIds; ///< packages whose shape was checked
     QStringList m_messages;
     std::uint64_t m_uiLogged = 0;
     bool m_bComplete = true;
