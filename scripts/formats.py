@@ -36,14 +36,10 @@ BUILT_IN = {
     "xs:string": "text",
     "xs:token": "text",
     "xs:double": "number",
-    "xs:float": "number",
     "xs:int": "whole number, 32 bits",
     "xs:unsignedInt": "whole number, 32 bits",
     "xs:long": "whole number, 64 bits",
     "xs:unsignedLong": "whole number, 64 bits",
-    "xs:unsignedShort": "whole number, 16 bits",
-    "xs:boolean": "`true` or `false`",
-    "xs:base64Binary": "Base64",
     "xs:dateTime": "date and time, ISO 8601",
 }
 
@@ -169,7 +165,10 @@ class Pages:
         self.texts = {path: path.read_text(encoding="utf-8") for path in sorted(PAGES.glob("*.md"))}
         self.places = {}  # (schema, name): (page, anchor)
         for path, text in self.texts.items():
-            for mark in MARK.finditer(text):
+            marks = list(MARK.finditer(text))
+            if len(marks) != text.count("<!-- table:"):
+                raise Failure(f"{path.name}: a mark of a table is misspelt or has no end")
+            for mark in marks:
                 self.places[mark[1], mark[2]] = (path, anchor_before(text, mark.start()))
 
     def home(self, schema, name):
@@ -205,7 +204,8 @@ def type_of(schema, row, pages, page):
     name = row.node.get("type") or row.node.get("ref")
     simple = row.node.find(XS + "simpleType")
     if name is None and simple is not None:
-        return BUILT_IN[simple.find(XS + "restriction").get("base")], simple
+        base = simple.find(XS + "restriction").get("base")
+        return BUILT_IN.get(base, base), simple
     if name is None:
         extension = row.node.find(f"{XS}complexType/{XS}simpleContent/{XS}extension")
         if extension is None:
@@ -260,7 +260,7 @@ def check_complete(pages):
         missing = [name for name in [*named, *schema.values] if pages.home(schema, name) is None]
         if missing:
             raise Failure(f"no page in docs/formats has a table for {', '.join(missing)} of {schema.name}.xsd: "
-                          "add the marks")
+                          "add its marks, or define it as another schema does")
 
 
 def replaced(text, page, pages):
