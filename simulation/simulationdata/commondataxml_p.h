@@ -2,6 +2,7 @@
 #define SIMULATIONDATA_COMMONDATAXML_P_H
 
 #include "simulationdata/tpos.h"
+#include "simulationdata/xml/xmltext_p.h"
 
 #include <QHash>
 #include <QString>
@@ -26,7 +27,8 @@ namespace Simulation {
 class SharedIds
 {
 public:
-    void add(const QString& a_sId) { ++m_counts[a_sId]; }
+    /// Counts the id as it is written, without the characters that XML forbids.
+    void add(const QString& a_sId) { ++m_counts[cleanXmlText(a_sId)]; }
 
     /// An error text for up to three shared ids; empty if no id is shared. It names
     /// each id, shortened if it is long, the number of objects that share it, and what
