@@ -13,7 +13,8 @@ set(simulationPackageDir "${CMAKE_INSTALL_LIBDIR}/cmake/SimulationData")
 function(begin_installation)
   install(CODE "
     set(simulationPackageDir \"${simulationPackageDir}\")
-    set(simulationOwnFolders \"${simulationPackageDir}\" \"${CMAKE_INSTALL_INCLUDEDIR}/simulation\")
+    set(simulationOwnFolders \"${simulationPackageDir}\" \"${CMAKE_INSTALL_INCLUDEDIR}/simulation\"
+      \"${CMAKE_INSTALL_DATADIR}/simulationdata\")
     set(simulationSharedFolders \"${CMAKE_INSTALL_BINDIR}\")")
   install(SCRIPT "${PROJECT_SOURCE_DIR}/cmake/BeginInstallation.cmake")
 endfunction()

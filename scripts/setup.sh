@@ -10,17 +10,19 @@ build=(
     qt6-base-dev libgl-dev libboost-dev libgeographiclib-dev libpugixml-dev
     libzip-dev zlib1g-dev
 )
+test=(libxml2-utils python3) # libxml2-utils: xmllint
 bench=(libbenchmark-dev libsndfile1-dev)
 lint=(git clang-14 clang-format-14 clang-tidy-14)
 
-[ $# -gt 0 ] || set -- build bench lint
+[ $# -gt 0 ] || set -- test bench lint
 packages=()
 for purpose in "$@"; do
     case $purpose in
-        build | test) packages+=("${build[@]}") ;;
+        build) packages+=("${build[@]}") ;;
+        test) packages+=("${build[@]}" "${test[@]}") ;;
         bench) packages+=("${build[@]}" "${bench[@]}") ;;
-        # The benchmarks are checked as well.
-        lint) packages+=("${build[@]}" "${bench[@]}" "${lint[@]}") ;;
+        # The tests and benchmarks are checked as well.
+        lint) packages+=("${build[@]}" "${test[@]}" "${bench[@]}" "${lint[@]}") ;;
         *)
             echo "setup.sh: unknown purpose \"$purpose\": give build, test, bench or lint" >&2
             exit 2

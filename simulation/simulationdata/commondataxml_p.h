@@ -2,6 +2,7 @@
 #define SIMULATIONDATA_COMMONDATAXML_P_H
 
 #include "simulationdata/tpos.h"
+#include "simulationdata/xml/xmltext_p.h"
 
 #include "simulationdata/enumerations.h"
 #include "simulationdata/movementpoint.h"
@@ -72,7 +73,8 @@ void reportMerged(XmlReader& a_reader, const XmlText& a_id);
 class SharedIds
 {
 public:
-    void add(const QString& a_sId) { ++m_counts[a_sId]; }
+    /// Counts the id as it is written, without the characters that XML forbids.
+    void add(const QString& a_sId) { ++m_counts[cleanXmlText(a_sId)]; }
 
     /// An error text; empty if no id is shared. The text names up to three shared ids,
     /// shortened if they are long, and for each the number of objects that share it.

@@ -54,6 +54,14 @@ endforeach()
 run("${prefix}/${BIN}/simulationtool" --version)
 run("${prefix}/${BIN}/monitor" --help)
 
+# Each schema is installed once as a file and once inside the library.
+foreach(name IN ITEMS command deployment scenario signalpackage)
+  run("${prefix}/${BIN}/simulationtool" schema ${name} "${scratch}/${name}.xsd")
+  file(READ "${scratch}/${name}.xsd" embedded)
+  file(READ "${prefix}/${DATA}/simulationdata/schemas/${name}.xsd" installed)
+  expect("schema ${name}" "${installed}" "${embedded}")
+endforeach()
+
 run("${CMAKE_COMMAND}" -S "${SOURCE_DIR}/tests/consumer" -B "${scratch}/build" -G Ninja
   "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_FLAGS=${FLAGS}")
 run("${CMAKE_COMMAND}" --build "${scratch}/build")

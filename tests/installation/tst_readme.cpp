@@ -50,6 +50,7 @@ const QMap<QString, Expectation> s_expectations{
     {QStringLiteral("simulationtool service"), {Way::Background, 0, "Listening on port"}},
     {QStringLiteral("build/receiver"), {Way::Background, 0, "registered rx-7(.|\n)*received Harbour"}},
     {QStringLiteral("build/editor"), {Way::Foreground, 0, "registered: Pier(.|\n)*loaded by rx-7"}},
+    {QStringLiteral("simulationtool schema scenario scenario.xsd"), {Way::Foreground, 0, "^$"}},
     {QStringLiteral("simulationtool inspect --json - < harbour.sce.exp"),
      {Way::Foreground, 0, "\"verdict\": \"whole\""}},
     {QStringLiteral("simulationtool check harbour.sce.exp --repository packages --repair mended.sce.exp"),

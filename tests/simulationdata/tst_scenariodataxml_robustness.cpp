@@ -723,6 +723,8 @@ void TestScenarioDataXmlRobustness::sharedIds_data()
         QStringLiteral(": only one object of each id is read back; give every object its own id");
     QTest::newRow("none") << "ea eb" << QString() << 2;
     QTest::newRow("two emitters") << "ea ea" << QStringLiteral("2 emitters have the id \"a\"") + sEnd << 1;
+    QTest::newRow("ids that differ in a character that XML forbids")
+        << "ea ea\x1b" << QStringLiteral("2 emitters have the id \"a\"") + sEnd << 1;
     QTest::newRow("emitters of both kinds")
         << "ea xa xb" << QStringLiteral("2 emitters have the id \"a\"") + sEnd << 2;
     QTest::newRow("networks stay apart") << "ea na na" << QString() << 3;

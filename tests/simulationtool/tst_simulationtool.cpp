@@ -47,6 +47,7 @@ private Q_SLOTS:
     void wrongUsage_data();
     void wrongUsage();
     void help();
+    void schemas();
     void builtInScenarioIsAsWritten();
     void playRow_data();
     void playRow();
@@ -140,6 +141,13 @@ void TestSimulationTool::wrongUsage_data()
     add("nothing to inspect", "inspect", "inspect: one FILE is needed, 0 given", "inspect ");
     add("two scenarios", "play|a|b", "play: at most one SCENARIO can be played, 2 given", "play ");
     add("no file name", "play|--csv|", "play: --csv needs a name", "play ");
+    add("no schema", "schema", "schema: a NAME is needed: scenario, deployment, signalpackage or command",
+        "schema ");
+    add("unknown schema", "schema|Scenario",
+        "schema: there is no schema \"Scenario\": give scenario, deployment, signalpackage or command",
+        "schema ");
+    add("empty name for a schema", "schema|scenario|",
+        "schema: at most one OUT is possible, and its name cannot be empty", "schema ");
     add("empty window", "play|--from|5|--to|5", "play: --to (5 ms) must be later than --from (5 ms)",
         "play ");
 
@@ -200,6 +208,32 @@ void TestSimulationTool::help()
         QCOMPARE(result.err, QString());
         QCOMPARE(result.out.contains(QStringLiteral("Examples:")), call != u"--version");
     }
+}
+
+/// A schema is written to standard output or to a file, as the library carries it.
+void TestSimulationTool::schemas()
+{
+    const QTemporaryDir folder;
+    const QString sFile = folder.filePath(QStringLiteral("out.xsd"));
+    for (const char* szName : {"scenario", "deployment", "signalpackage", "command"}) {
+        const QString sName = QString::fromLatin1(szName);
+        QFile embedded(QStringLiteral(":/Schemas/%1.xsd").arg(sName));
+        QVERIFY(embedded.open(QIODevice::ReadOnly));
+        const QString sText = QString::fromUtf8(embedded.readAll());
+        for (const QStringList& out : {QStringList(), QStringList{QStringLiteral("-")}, QStringList{sFile}}) {
+            const ToolResult result = runTool(QStringList{QStringLiteral("schema"), sName} + out);
+            QCOMPARE(result.code, 0);
+            QCOMPARE(result.err, QString());
+            QCOMPARE(result.out, out.contains(sFile) ? QString() : sText);
+        }
+        QFile written(sFile);
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        QCOMPARE(QString::fromUtf8(written.readAll()), sText);
+    }
+    const ToolResult result = runTool(
+        {QStringLiteral("schema"), QStringLiteral("command"), folder.filePath(QStringLiteral("none/out"))});
+    QCOMPARE(result.code, 2);
+    QVERIFY2(result.err.contains(QStringLiteral("none/out")), qPrintable(result.err));
 }
 
 void TestSimulationTool::builtInScenarioIsAsWritten()

@@ -11,6 +11,7 @@
 #include "inspectcommand.h"
 #include "playarguments.h"
 #include "repositoryarguments.h"
+#include "schemacommand.h"
 #include "servicecommand.h"
 
 #include <algorithm>
@@ -30,6 +31,7 @@ const char s_szOverview[] =
     "  check       Check scenarios and deployments, and repair scenarios.\n"
     "  convert     Write the compact form of a scenario, or a document of one.\n"
     "  repository  Prepare a folder for signal packages, or list its packages.\n"
+    "  schema      Write the XML schema of a format.\n"
     "  service     Run the service that devices register with and editors control.\n"
     "  device      Run a device: load the scenarios that it receives and play them.\n"
     "  control     Send a scenario or an order to the devices of a service.\n"
@@ -110,12 +112,13 @@ struct Command
     ExitCode (*run)(const QStringList& a_arguments, Output& a_output);
 };
 
-constexpr std::array<Command, 9> s_commands{{
+constexpr std::array<Command, 10> s_commands{{
     {"inspect", &inspect},
     {"play", &play},
     {"check", &check},
     {"convert", &convert},
     {"repository", &repository},
+    {"schema", &schema},
     {"service", &service},
     {"device", &device},
     {"control", &control},
