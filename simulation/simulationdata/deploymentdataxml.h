@@ -145,10 +145,12 @@ private:
     QMap<QString, std::shared_ptr<DeploymentDevice>> m_devices;
     QMap<QString, std::shared_ptr<DeploymentStation>> m_stations;
     QString m_sErrorString;
-    QString m_sSharedDevices;                   ///< error text of setDevices() for shared ids; usually empty
-    QString m_sSharedStations;                  ///< same for setStations()
-    QMap<QString, qsizetype> m_deviceElements;  ///< elements per id in the document read last
-    QMap<QString, qsizetype> m_stationElements; ///< the same; 1 for stations that were set
+    ReadingReport m_report;
+    /// Error texts of setDevices() and setStations() for shared ids; usually empty.
+    QString m_sSharedDevices;
+    QString m_sSharedStations;
+    QMap<QString, qsizetype> m_deviceElements;  ///< "Device" elements per id, as last read
+    QMap<QString, qsizetype> m_stationElements; ///< "Station" elements per id; 1 for a station that was set
 };
 
 } // namespace Simulation

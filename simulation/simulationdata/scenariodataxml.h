@@ -65,6 +65,10 @@ public:
     /// have no line and column.
     [[nodiscard]] QString errorString() const { return m_sErrorString; }
 
+    /// What the last reading skipped, replaced or doubted in the document, with places.
+    /// Empty when the document was taken as it is written.
+    [[nodiscard]] const ReadingReport& report() const { return m_report; }
+
     /// The ids that occur in several emitter elements of the document last read, each
     /// with the number of its elements. Elements with the same id are read as one
     /// emitter: later elements overwrite earlier ones. The map is empty after other
