@@ -30,13 +30,15 @@ inline constexpr XmlRange s_notNegative{0.0, std::numeric_limits<double>::infini
 
 /// The readers read the children of the current element, up to its end. The writers write
 /// the children. Both are the operations of CommonDataXml on the documents' own reader
-/// and writer.
-[[nodiscard]] std::unique_ptr<IPositionSettings> readPositionSettings(XmlReader& a_reader);
+/// and writer. An element without a position is reported unless it may be empty.
+[[nodiscard]] std::unique_ptr<IPositionSettings> readPositionSettings(XmlReader& a_reader, bool a_bMayBeEmpty);
 void writePositionSettings(XmlWriter& a_writer, IPositionSettings* a_pSettings);
 
 /// The numbers of a coordinate (degrees), as elements "Lon" and "Lat".
 extern const XmlField<TPos> s_coordinateFields[2];
 
+/// Reads element "Movement", whose points may be one only.
+[[nodiscard]] std::unique_ptr<IPositionSettings> readMovement(XmlReader& a_reader);
 [[nodiscard]] QVector<MovementPoint> readMovements(XmlReader& a_reader);
 void writeMovements(XmlWriter& a_writer, const QVector<MovementPoint>& a_movements);
 
@@ -57,9 +59,8 @@ void writeMovements(XmlWriter& a_writer, const QVector<MovementPoint>& a_movemen
 /// Reports that the root element, which was started last, names no version.
 void reportMissingVersion(XmlReader& a_reader);
 
-/// Report the element that was started last: it lacks its id, or it has no effect.
+/// Reports that the element that was started last lacks its id.
 void reportMissingId(XmlReader& a_reader);
-void reportIgnoredElement(XmlReader& a_reader, const char* a_szMessage);
 /// Reports an id that an earlier element has: both elements are read as one object.
 void reportMerged(XmlReader& a_reader, const XmlText& a_id);
 

@@ -201,13 +201,16 @@ void DeploymentDataXml::readHeader(XmlReader& a_reader)
              a_deployment.m_uiFileFormatVersion = readVersion(a_fieldReader, a_value, s_uiFileFormatVersion);
          }},
         {s_sName, [](XmlReader& /*a_reader*/, const XmlText& a_value,
-                     DeploymentDataXml& a_deployment) { a_deployment.m_sName = a_value.string(); }},
+                     DeploymentDataXml& a_deployment) { a_deployment.m_sName = a_value.string(); },
+         XmlOccurs::Once},
         {s_sAuthor, [](XmlReader& /*a_reader*/, const XmlText& a_value,
-                       DeploymentDataXml& a_deployment) { a_deployment.m_sAuthor = a_value.string(); }},
+                       DeploymentDataXml& a_deployment) { a_deployment.m_sAuthor = a_value.string(); },
+         XmlOccurs::Once},
         {s_sPersistantId,
          [](XmlReader& /*a_reader*/, const XmlText& a_value, DeploymentDataXml& a_deployment) {
              a_deployment.m_sPersistantId = a_value.string();
-         }},
+         },
+         XmlOccurs::Once},
         {s_sDescription,
          [](XmlReader& /*a_reader*/, const XmlText& a_value, DeploymentDataXml& a_deployment) {
              a_deployment.m_sDescription = a_value.string();

@@ -40,7 +40,8 @@ const XmlAttributeField<ObjectAttributes> s_objectAttributes[] = {
     {s_sId, [](XmlReader& /*a_reader*/, const XmlText& a_value,
                ObjectAttributes& a_attributes) { a_attributes.pId = &a_value; }},
     {s_sName, [](XmlReader& /*a_reader*/, const XmlText& a_value,
-                 ObjectAttributes& a_attributes) { a_attributes.pName = &a_value; }},
+                 ObjectAttributes& a_attributes) { a_attributes.pName = &a_value; },
+     XmlOccurs::Once},
 };
 
 void writePosition(XmlWriter& a_writer, IPositionSettings* a_pSettings)
@@ -61,14 +62,21 @@ void writeObjectStart(XmlWriter& a_writer, QLatin1String a_sElement, const Deplo
     a_writer.textElement(s_sIconId, a_object.iconId());
 }
 
-/// Reports the position of a device that has the position of its station.
-void reportIgnoredPosition(XmlReader& a_reader, qsizetype a_iOffset)
+/// Reports a device that has neither a station nor a position, and the position of a
+/// device that has a station. The offsets are those of the device and of its position
+/// (-1: there is none).
+void reportPlace(XmlReader& a_reader, qsizetype a_iDevice, qsizetype a_iPosition, bool a_bStation)
 {
-    if (a_reader.deviations() != nullptr) {
-        a_reader.deviations()->add(ReadingReport::s_sIgnoredValue, a_iOffset, [](ReadingEntry& a_entry) {
+    if (a_reader.deviations() != nullptr && a_iPosition >= 0 && a_bStation) {
+        a_reader.deviations()->add(ReadingReport::s_sIgnoredValue, a_iPosition, [](ReadingEntry& a_entry) {
             a_entry.found = QStringLiteral("Position");
-            a_entry.message =
-                QStringLiteral("The device stands where its station stands: its own position is ignored.");
+            a_entry.message = QStringLiteral("The device stands where its station stands: its own position is ignored.");
+        });
+    }
+    if (a_reader.isCompletenessExpected() && a_iPosition < 0 && !a_bStation && !a_reader.hasError()) {
+        a_reader.deviations()->add(ReadingReport::s_sMissingElement, a_iDevice, [](ReadingEntry& a_entry) {
+            a_entry.message = QStringLiteral("One of the elements Station, Position is missing: the device is at "
+                                             "latitude 0 and longitude 0.");
         });
     }
 }
@@ -223,7 +231,7 @@ void DeploymentDataXml::readObjectPosition(XmlReader& a_reader, DeploymentObject
         }
         return;
     }
-    std::unique_ptr<IPositionSettings> settings = readPositionSettings(a_reader);
+    std::unique_ptr<IPositionSettings> settings = readPositionSettings(a_reader, true);
     // After an error the position may be incomplete, and therefore wrong.
     if (!a_reader.hasError()) {
         a_object.setPositionSettings(settings.release());
@@ -237,23 +245,28 @@ void DeploymentDataXml::readDevice(XmlReader& a_reader, Reading& a_reading)
         {s_sIconId,
          [](XmlReader& a_childReader, Device& a_device) {
              a_device.device->setIconId(readText(a_childReader, a_device.device->iconId()));
-         }},
+         },
+         XmlOccurs::Once},
         {s_sMachine,
          [](XmlReader& a_childReader, Device& a_device) {
              a_device.device->setMachine(readText(a_childReader, a_device.device->machine()));
-         }},
+         },
+         XmlOccurs::Once},
         // This element is written for other programs. It is not read, because only the
         // device itself sets the configured id.
         {s_sConfiguredStationId,
-         [](XmlReader& a_childReader, Device& /*a_device*/) { (void)a_childReader.text(); }},
+         [](XmlReader& a_childReader, Device& /*a_device*/) { (void)a_childReader.text(); },
+         XmlOccurs::Once},
         {s_sDeviceType,
          [](XmlReader& a_childReader, Device& a_device) {
              a_device.device->setDeviceType(readText(a_childReader, a_device.device->deviceType()));
-         }},
+         },
+         XmlOccurs::Once},
         {s_sReceiverSettings,
          [](XmlReader& a_childReader, Device& a_device) {
              readXmlChildren(a_childReader, a_device.device->receiverSettings(), s_receiverNumbers);
-         }},
+         },
+         XmlOccurs::Once},
         {s_sStation, &Reading::readStationOf},
         {s_sPosition,
          [](XmlReader& a_childReader, Device& a_device) {
@@ -261,6 +274,7 @@ void DeploymentDataXml::readDevice(XmlReader& a_reader, Reading& a_reading)
              a_device.reading.deployment.readObjectPosition(a_childReader, *a_device.device);
          }},
     };
+    const qsizetype iOffset = a_reader.offset();
     ObjectAttributes attributes;
     readXmlAttributes(a_reader, attributes, s_objectAttributes);
     if (attributes.pId == nullptr) {
@@ -281,9 +295,7 @@ void DeploymentDataXml::readDevice(XmlReader& a_reader, Reading& a_reading)
     }
     Device reading{a_reading, device};
     readXmlChildren(a_reader, reading, s_children);
-    if (reading.position >= 0 && device->hasStation()) {
-        reportIgnoredPosition(a_reader, reading.position);
-    }
+    reportPlace(a_reader, iOffset, reading.position, device->hasStation());
 }
 
 void DeploymentDataXml::writeDevice(XmlWriter& a_writer, const DeploymentDevice& a_device)
@@ -315,7 +327,8 @@ void DeploymentDataXml::readStation(XmlReader& a_reader)
         {s_sIconId,
          [](XmlReader& a_childReader, Station& a_station) {
              a_station.station.setIconId(readText(a_childReader, a_station.station.iconId()));
-         }},
+         },
+         XmlOccurs::Once},
         {s_sPosition,
          [](XmlReader& a_childReader, Station& a_station) {
              a_station.deployment.readObjectPosition(a_childReader, a_station.station);

@@ -138,15 +138,19 @@ void ScenarioDataXml::readHeader(XmlReader& a_reader)
              a_scenario.m_uiFileVersion = readVersion(a_fieldReader, a_value, s_uiFileFormatVersion);
          }},
         {s_sName, [](XmlReader& /*a_reader*/, const XmlText& a_value,
-                     ScenarioDataXml& a_scenario) { a_scenario.m_sName = a_value.string(); }},
+                     ScenarioDataXml& a_scenario) { a_scenario.m_sName = a_value.string(); },
+         XmlOccurs::Once},
         {s_sAuthor, [](XmlReader& /*a_reader*/, const XmlText& a_value,
-                       ScenarioDataXml& a_scenario) { a_scenario.m_sAuthor = a_value.string(); }},
+                       ScenarioDataXml& a_scenario) { a_scenario.m_sAuthor = a_value.string(); },
+         XmlOccurs::Once},
         {s_sUid, [](XmlReader& /*a_reader*/, const XmlText& a_value,
-                    ScenarioDataXml& a_scenario) { a_scenario.m_sPersistantId = a_value.string(); }},
+                    ScenarioDataXml& a_scenario) { a_scenario.m_sPersistantId = a_value.string(); },
+         XmlOccurs::Once},
         {s_sDuration,
          [](XmlReader& a_fieldReader, const XmlText& a_value, ScenarioDataXml& a_scenario) {
              a_scenario.m_uiDuration = a_fieldReader.unsignedNumber(a_value, s_milliseconds);
-         }},
+         },
+         XmlOccurs::Once},
         {s_sDescription, [](XmlReader& /*a_reader*/, const XmlText& a_value,
                             ScenarioDataXml& a_scenario) { a_scenario.m_sDescription = a_value.string(); }},
     };
@@ -154,9 +158,12 @@ void ScenarioDataXml::readHeader(XmlReader& a_reader)
     m_sName = m_sAuthor = m_sPersistantId = m_sDescription = QString();
     m_uiDuration = 0;
     m_noiseSettings.setDefaults();
-    if (a_reader.attribute(s_sFileFormatVersion) == nullptr) {
+    const XmlText* const pVersion = a_reader.attribute(s_sFileFormatVersion);
+    if (pVersion == nullptr) {
         reportMissingVersion(a_reader);
     }
+    // Older documents have other elements, for example for the timing.
+    a_reader.setCompletenessExpected(pVersion != nullptr && readUInt32(pVersion->bytes) >= s_uiFileFormatVersion);
     readXmlAttributes(a_reader, *this, s_fields);
 }
 
@@ -201,11 +208,13 @@ QString ScenarioDataXml::readChildren(XmlReader& a_reader)
         {s_sDescription,
          [](XmlReader& a_childReader, Reading& a_reading) {
              a_reading.scenario.m_sDescription = readText(a_childReader, a_reading.scenario.m_sDescription);
-         }},
+         },
+         XmlOccurs::Once},
         {s_sNoiseSettings,
          [](XmlReader& a_childReader, Reading& a_reading) {
              readNoiseSettings(a_childReader, a_reading.scenario.m_noiseSettings);
-         }},
+         },
+         XmlOccurs::Once},
     };
     Reading reading{*this, ScenarioReferences(m_objects, m_pProvider)};
     readXmlChildren(a_reader, reading, s_children);

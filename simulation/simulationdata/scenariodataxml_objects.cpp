@@ -12,7 +12,10 @@
 #include "simulationdata/transmittersettings.h"
 #include "simulationdata/xml/xmlwalk_p.h"
 
+#include <QSet>
+
 #include <algorithm>
+#include <span>
 
 namespace Simulation {
 
@@ -25,6 +28,8 @@ struct ObjectReading
     std::shared_ptr<Object> object;
     ScenarioReferences& references;
     std::shared_ptr<SignalPackage> olderPackage; ///< for the timing of older documents
+    QSet<QString> members;                       ///< of a network, if deviations are reported
+    bool hasHead = false;                        ///< the same
 };
 
 using EmitterReading = ObjectReading<SzenarioEmitter>;
@@ -68,18 +73,20 @@ void readOlderPackage(XmlReader& a_reader, Reading& a_reading)
 
 void readPosition(XmlReader& a_reader, EmitterReading& a_reading)
 {
-    std::unique_ptr<IPositionSettings> settings = readPositionSettings(a_reader);
+    std::unique_ptr<IPositionSettings> settings = readPositionSettings(a_reader, false);
     if (settings || !a_reader.hasError()) {
         a_reading.object->setPositionSettings(settings.release());
     }
 }
 
+/// Only an ELINT emitter has the last one.
 const XmlChild<EmitterReading> s_emitterElements[] = {
-    {s_sDescription, &readDescription<EmitterReading>},
+    {s_sDescription, &readDescription<EmitterReading>, XmlOccurs::Once},
     {s_sClass,
      [](XmlReader& a_reader, EmitterReading& a_reading) {
          a_reading.object->setClass(readText(a_reader, a_reading.object->getClass()));
-     }},
+     },
+     XmlOccurs::Once},
     {s_sTransmitter,
      [](XmlReader& a_reader, EmitterReading& a_reading) {
          if (TransmitterSettings* const pSettings = a_reading.object->getTranmitterSettings()) {
@@ -87,26 +94,26 @@ const XmlChild<EmitterReading> s_emitterElements[] = {
          } else {
              a_reader.skip();
          }
-     }},
+     },
+     XmlOccurs::Once},
     {s_sFrequency, &readFrequency<EmitterReading>, XmlOccurs::Once},
     {s_sSignalPackage, &readOlderPackage<EmitterReading>},
     {s_sTiming,
      [](XmlReader& a_reader, EmitterReading& a_reading) {
          readTimingSettings2(a_reader, a_reading.object, a_reading.olderPackage, a_reading.references);
      }},
-    {s_sEmissionSettings, &readSchedule<EmitterReading>},
-    {s_sPosition, &readPosition},
+    {s_sEmissionSettings, &readSchedule<EmitterReading>, XmlOccurs::Once},
+    {s_sPosition, &readPosition, XmlOccurs::Once},
     {s_sEdwFile,
      [](XmlReader& a_reader, EmitterReading& a_reading) {
-         if (a_reading.object->type() == ScenarioObject::ScenarioObjectType::ElintEmitter) {
-             auto& elint = static_cast<ElintScenarioEmitter&>(*a_reading.object);
-             elint.SetEDWFile(readText(a_reader, elint.getEDWFile()));
+         const auto elint = std::dynamic_pointer_cast<ElintScenarioEmitter>(a_reading.object);
+         if (elint) {
+             elint->SetEDWFile(readText(a_reader, elint->getEDWFile()));
          } else {
-             reportIgnoredElement(a_reader,
-                                  "Only an \"ElintEmitter\" has such a file: the element is ignored.");
-             a_reader.skip();
+             a_reader.skip(); // the id is that of an emitter of the other kind
          }
-     }},
+     },
+     XmlOccurs::Once},
 };
 
 void readColor(XmlReader& a_reader, NetworkReading& a_reading)
@@ -145,26 +152,47 @@ const XmlAttributeField<bool> s_memberAttributes[] = {
                  bool& a_bHead) { a_bHead = readMark(a_reader, a_value); }},
 };
 
+void reportMember(XmlReader& a_reader, qsizetype a_iOffset, const XmlText& a_id, const char* a_szMessage)
+{
+    a_reader.deviations()->add(ReadingReport::s_sDuplicateElement, a_iOffset, [&](ReadingEntry& a_entry) {
+        a_entry.found = shownText(a_id.bytes);
+        a_entry.message = QLatin1String(a_szMessage);
+    });
+}
+
 void readMember(XmlReader& a_reader, NetworkReading& a_reading)
 {
+    const qsizetype iOffset = a_reader.offset();
     bool bHead = false;
     readXmlAttributes(a_reader, bHead, s_memberAttributes);
-    if (const auto id = a_reader.text()) {
-        a_reading.references.addMember(a_reading.object, *id, bHead);
+    const auto id = a_reader.text();
+    if (!id) {
+        return;
+    }
+    a_reading.references.addMember(a_reading.object, *id, bHead);
+    if (a_reader.deviations() != nullptr) {
+        const QString sId = id->string();
+        if (a_reading.members.contains(sId)) {
+            reportMember(a_reader, iOffset, *id, "The network has this member already: the element adds none.");
+        } else if (bHead && a_reading.hasHead) {
+            reportMember(a_reader, iOffset, *id, "The network has a head already: the last one is the head.");
+        }
+        a_reading.members.insert(sId);
+        a_reading.hasHead = a_reading.hasHead || bHead;
     }
 }
 
 const XmlChild<NetworkReading> s_networkElements[] = {
-    {s_sDescription, &readDescription<NetworkReading>},
-    {s_sColor, &readColor},
-    {s_sNetworkType, &readNetworkType},
+    {s_sDescription, &readDescription<NetworkReading>, XmlOccurs::Once},
+    {s_sColor, &readColor, XmlOccurs::Once},
+    {s_sNetworkType, &readNetworkType, XmlOccurs::Once},
     {s_sFrequency, &readFrequency<NetworkReading>, XmlOccurs::Once},
     {s_sSignalPackage, &readOlderPackage<NetworkReading>},
     {s_sActivity,
      [](XmlReader& a_reader, NetworkReading& a_reading) {
          readActivitySettings2(a_reader, a_reading.object, a_reading.olderPackage, a_reading.references);
      }},
-    {s_sEmissionSettings, &readSchedule<NetworkReading>},
+    {s_sEmissionSettings, &readSchedule<NetworkReading>, XmlOccurs::Once},
     {s_sEmitter, &readMember, XmlOccurs::AnyTimes},
 };
 
@@ -192,7 +220,7 @@ void readActive(XmlReader& a_reader, const XmlText& a_value, ObjectAttributes& a
 
 const XmlAttributeField<ObjectAttributes> s_emitterAttributes[] = {
     {s_sId, &takeText<&ObjectAttributes::pId>}, // its absence is reported as such
-    {s_sName, &takeText<&ObjectAttributes::pName>},
+    {s_sName, &takeText<&ObjectAttributes::pName>, XmlOccurs::Once},
     {s_sActive, &readActive, XmlOccurs::Once},
     {s_sDefault,
      [](XmlReader& a_reader, const XmlText& a_value, ObjectAttributes& a_attributes) {
@@ -203,7 +231,7 @@ const XmlAttributeField<ObjectAttributes> s_emitterAttributes[] = {
 
 const XmlAttributeField<ObjectAttributes> s_networkAttributes[] = {
     {s_sId, &takeText<&ObjectAttributes::pId>, XmlOccurs::Once},
-    {s_sName, &takeText<&ObjectAttributes::pName>},
+    {s_sName, &takeText<&ObjectAttributes::pName>, XmlOccurs::Once},
     {s_sActive, &readActive, XmlOccurs::Once},
 };
 
@@ -240,8 +268,11 @@ void ScenarioDataXml::readScenarioEmitter(XmlReader& a_reader, EmitterType a_eTy
     if (attributes.pLinkTarget != nullptr) {
         a_references.link(emitter, *attributes.pLinkTarget);
     }
-    EmitterReading reading{emitter, a_references, nullptr};
-    readXmlChildren(a_reader, reading, s_emitterElements);
+    EmitterReading reading{emitter, a_references, {}, {}};
+    const bool bElint = a_eType == EmitterType::ElintEmitter ||
+                        emitter->type() == ScenarioObject::ScenarioObjectType::ElintEmitter;
+    const std::span elements(s_emitterElements);
+    readXmlChildren(a_reader, reading, bElint ? elements : elements.first(elements.size() - 1));
 }
 
 void ScenarioDataXml::writeScenarioEmitter(XmlWriter& a_writer, const SzenarioEmitter& a_emitter,
@@ -291,7 +322,7 @@ void ScenarioDataXml::readScenarioNetwork(XmlReader& a_reader, ScenarioReference
     if (attributes.pName != nullptr) {
         network->setName(attributes.pName->string());
     }
-    NetworkReading reading{network, a_references, nullptr};
+    NetworkReading reading{network, a_references, {}, {}};
     readXmlChildren(a_reader, reading, s_networkElements);
 }
 

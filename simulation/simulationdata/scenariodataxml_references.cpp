@@ -126,7 +126,7 @@ void ScenarioReferences::reportInvented(const Reference& a_reference)
             m_describedIds.sort(); // a hash has another order in every run
         }
         if (++m_iSuggestions <= iMostSuggestions) {
-            a_entry.suggestion = similarName(a_entry.found, m_describedIds);
+            a_entry.suggestion = similarName(a_entry.found.trimmed(), m_describedIds);
         }
     });
 }

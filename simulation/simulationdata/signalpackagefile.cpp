@@ -41,6 +41,7 @@ struct Descriptor
 {
     SignalPackage package;
     QStringList updateIds;
+    qsizetype digitalModulation = -1; ///< offset of its element; -1: it is missing or empty
 };
 
 /// The version is not used; another one than the known one is reported.
@@ -86,6 +87,21 @@ void reportUnknownModulation(XmlReader& a_reader, const XmlText& a_text)
         a_entry.message =
             QStringLiteral("The value is none of %1: \"CW\" is used.").arg(names.join(QStringLiteral(", ")));
     });
+}
+
+/// Reports the name of a digital modulation that has no effect.
+void reportIgnoredModulation(XmlReader& a_reader, const Descriptor& a_descriptor)
+{
+    if (a_descriptor.digitalModulation < 0 || a_descriptor.package.hasDigitalModulation() ||
+        a_reader.deviations() == nullptr) {
+        return;
+    }
+    a_reader.deviations()->add(
+        ReadingReport::s_sIgnoredValue, a_descriptor.digitalModulation, [&](ReadingEntry& a_entry) {
+            a_entry.found = shownText(a_descriptor.package.digitalModulation().toUtf8());
+            a_entry.message =
+                QStringLiteral("The analog modulation is not \"Digital\": the digital modulation is ignored.");
+        });
 }
 
 /// Skip an element or attribute that descriptors made elsewhere have and that is not
@@ -171,7 +187,13 @@ const XmlChild<Descriptor> s_rootElements[] = {
          }
      },
      XmlOccurs::First},
-    {s_sDigitalModulation, &readTextTo<&SignalPackage::setDigitalModulation>, XmlOccurs::FirstIfAny},
+    {s_sDigitalModulation,
+     [](XmlReader& a_reader, Descriptor& a_descriptor) {
+         const qsizetype iOffset = a_reader.offset();
+         readTextTo<&SignalPackage::setDigitalModulation>(a_reader, a_descriptor);
+         a_descriptor.digitalModulation = a_descriptor.package.digitalModulation().isEmpty() ? -1 : iOffset;
+     },
+     XmlOccurs::FirstIfAny},
     {QLatin1String("SignalShape"), &passElement},
     {QLatin1String("Audio"), &passElement},
 };
@@ -211,6 +233,7 @@ SignalPackage readDescriptor(const QByteArray& a_descriptor, const QString& a_sW
             readXmlAttributes(reader, descriptor, s_rootAttributes);
             readXmlChildren(reader, descriptor, s_rootElements);
             descriptor.package.setUpdateIds(descriptor.updateIds);
+            reportIgnoredModulation(reader, descriptor);
         }
     } else if (a_pReport == nullptr) {
         traceUnreadable(a_sWhat, sReason);

@@ -10,20 +10,24 @@ namespace Simulation {
 
 namespace {
 
-constexpr QByteArrayView s_blanks(" \t\r\n");
-
-/// Whether the text is a number that is followed by something else: "118.7 MHz".
+/// Whether the text is a number that is followed by a unit: "118.7 MHz" or "54.1°".
 bool isNumberWithUnit(QByteArrayView a_text)
 {
-    const QByteArrayView text = a_text.trimmed();
-    qsizetype iNumber = 0;
-    for (qsizetype i = 1; i < text.size(); ++i) {
-        bool bNumber = false;
-        (void)text.first(i).trimmed().toDouble(&bNumber);
-        iNumber = bNumber ? i : iNumber;
-    }
     constexpr qsizetype iLongest = 64;
-    return iNumber > 0 && text.size() <= iLongest && QChar::fromLatin1(text.back()).isLetter();
+    const QString sText = utf8String(a_text).trimmed();
+    if (sText.size() > iLongest) {
+        return false;
+    }
+    const auto isOfUnit = [](QChar a_cUnit) {
+        return a_cUnit.isLetter() || QStringView(u"°%/²").contains(a_cUnit);
+    };
+    qsizetype iUnit = sText.size();
+    while (iUnit > 0 && isOfUnit(sText[iUnit - 1])) {
+        --iUnit;
+    }
+    bool bNumber = false;
+    (void)sText.left(iUnit).trimmed().toDouble(&bNumber);
+    return bNumber && iUnit < sText.size();
 }
 
 QString rangeText(const XmlRange& a_range)

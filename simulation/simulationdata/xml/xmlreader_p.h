@@ -100,6 +100,11 @@ public:
     /// Null: nothing is reported.
     [[nodiscard]] XmlDeviations* deviations() const { return m_pDeviations; }
 
+    /// Whether missing elements and attributes are reported; by default they are.
+    /// Documents of older versions lack what newer versions added.
+    [[nodiscard]] bool isCompletenessExpected() const { return m_bComplete && m_pDeviations != nullptr; }
+    void setCompletenessExpected(bool a_bExpected) { m_bComplete = a_bExpected; }
+
     // Values. A text that does not convert gives 0 or false and is reported, and so is a
     // number outside its range, which is returned as it is.
     [[nodiscard]] double number(const XmlText& a_text, const XmlRange& a_range = s_anyNumber);
@@ -143,6 +148,7 @@ private:
 
     XmlDeviations* m_pDeviations;
     bool m_bAttributesLeft = false; ///< nobody has looked at the attributes
+    bool m_bComplete = true;        ///< missing parts are reported
 };
 
 } // namespace Simulation

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -20,7 +21,8 @@ enum class XmlOccurs : unsigned char {
     AtMost1,    ///< its absence means the default
     AnyTimes,   ///< each occurrence counts
     Several,    ///< the same, but its absence is reported
-    OneOf,      ///< exactly one of all elements that are marked so
+    OneOf,       ///< exactly one of all elements that are marked so
+    AtMostOneOf, ///< at most one of all elements that are marked so
     First,      ///< the first one counts, and its absence is reported
     FirstIfAny, ///< the first one counts
 };
@@ -96,24 +98,26 @@ template<typename Record, auto Get, auto Set, const XmlRange& Range = s_anyNumbe
             }};
 }
 
-/// The index of an entry of a table; Count when there is none of that name.
-template<typename Entry, std::size_t Count>
-[[nodiscard]] std::size_t indexOf(QByteArrayView a_name, const Entry (&a_entries)[Count])
+/// A table has a bit for each entry.
+constexpr std::size_t s_uiMostEntries = 32;
+
+/// The index of an entry of a table; its size when there is none of that name.
+template<typename Entry>
+[[nodiscard]] std::size_t indexOf(QByteArrayView a_name, std::span<const Entry> a_entries)
 {
-    static_assert(Count <= 32, "a bit for each entry");
     std::size_t i = 0;
-    while (i < Count && !isName(a_name, a_entries[i].name)) {
+    while (i < a_entries.size() && !isName(a_name, a_entries[i].name)) {
         ++i;
     }
     return i;
 }
 
 /// The bits of the entries that occur in one of the given ways.
-template<typename Entry, std::size_t Count, typename... Occurs>
-[[nodiscard]] constexpr std::uint32_t bitsOf(const Entry (&a_entries)[Count], Occurs... a_occurs)
+template<typename Entry, typename... Occurs>
+[[nodiscard]] constexpr std::uint32_t bitsOf(std::span<const Entry> a_entries, Occurs... a_occurs)
 {
     std::uint32_t uiBits = 0;
-    for (std::size_t i = 0; i < Count; ++i) {
+    for (std::size_t i = 0; i < a_entries.size(); ++i) {
         uiBits |= ((occursOf(a_entries[i]) == a_occurs) || ...) ? 1U << i : 0U;
     }
     return uiBits;
@@ -149,18 +153,20 @@ template<typename Target, std::size_t Count>
 void readXmlAttributes(XmlReader& a_reader, Target& a_target,
                        const XmlAttributeField<Target> (&a_fields)[Count])
 {
+    static_assert(Count <= s_uiMostEntries);
+    const std::span<const XmlAttributeField<Target>> fields(a_fields);
     std::uint32_t uiSeen = 0;
     for (const XmlAttribute& attribute : a_reader.attributes()) {
-        const std::size_t i = indexOf(attribute.name, a_fields);
+        const std::size_t i = indexOf(attribute.name, fields);
         if (i < Count) {
             uiSeen |= 1U << i;
-            a_fields[i].read(a_reader, attribute.value, a_target);
+            fields[i].read(a_reader, attribute.value, a_target);
         } else if (a_reader.deviations() != nullptr) {
-            XmlNames(a_fields).reportUnknownAttribute(a_reader, attribute);
+            XmlNames(fields).reportUnknownAttribute(a_reader, attribute);
         }
     }
-    if ((~uiSeen & bitsOf(a_fields, XmlOccurs::Once)) != 0 && a_reader.deviations() != nullptr) {
-        XmlNames(a_fields).reportMissingAttributes(a_reader, uiSeen);
+    if ((~uiSeen & bitsOf(fields, XmlOccurs::Once)) != 0 && a_reader.isCompletenessExpected()) {
+        XmlNames(fields).reportMissingAttributes(a_reader, uiSeen);
     }
 }
 
@@ -168,17 +174,17 @@ void readXmlAttributes(XmlReader& a_reader, Target& a_target,
 /// XmlChild or XmlField. Unknown elements are skipped with their content. Unknown,
 /// missing and doubled ones are reported. A field whose element breaks off stays
 /// unchanged.
-template<typename Target, typename Entry, std::size_t Count>
-void readXmlChildren(XmlReader& a_reader, Target& a_target, const Entry (&a_children)[Count])
+template<typename Target, typename Entry>
+void readXmlChildren(XmlReader& a_reader, Target& a_target, std::span<const Entry> a_children)
 {
     const qsizetype iOffset = a_reader.offset();
-    const std::uint32_t uiChoice = bitsOf(a_children, XmlOccurs::OneOf);
+    const std::uint32_t uiChoice = bitsOf(a_children, XmlOccurs::OneOf, XmlOccurs::AtMostOneOf);
     const std::uint32_t uiSingle = ~bitsOf(a_children, XmlOccurs::AnyTimes, XmlOccurs::Several);
     const std::uint32_t uiFirst = bitsOf(a_children, XmlOccurs::First, XmlOccurs::FirstIfAny);
     std::uint32_t uiSeen = 0;
     while (a_reader.nextChild()) {
         const std::size_t i = indexOf(a_reader.name(), a_children);
-        if (i == Count) {
+        if (i == a_children.size()) {
             if (a_reader.deviations() != nullptr) {
                 XmlNames(a_children).reportUnknownElement(a_reader);
             }
@@ -204,10 +210,17 @@ void readXmlChildren(XmlReader& a_reader, Target& a_target, const Entry (&a_chil
     }
     const bool bMissing =
         (~uiSeen & bitsOf(a_children, XmlOccurs::Once, XmlOccurs::Several, XmlOccurs::First)) != 0 ||
-        (uiChoice != 0 && (uiSeen & uiChoice) == 0);
-    if (bMissing && a_reader.deviations() != nullptr && !a_reader.hasError()) {
+        (bitsOf(a_children, XmlOccurs::OneOf) != 0 && (uiSeen & uiChoice) == 0);
+    if (bMissing && a_reader.isCompletenessExpected() && !a_reader.hasError()) {
         XmlNames(a_children).reportMissingElements(a_reader, iOffset, uiSeen);
     }
+}
+
+template<typename Target, typename Entry, std::size_t Count>
+void readXmlChildren(XmlReader& a_reader, Target& a_target, const Entry (&a_children)[Count])
+{
+    static_assert(Count <= s_uiMostEntries);
+    readXmlChildren(a_reader, a_target, std::span<const Entry>(a_children));
 }
 
 /// Reads an element that has only attributes up to its end. What it contains is
