@@ -40,6 +40,12 @@ constexpr std::array s_rules{
               QLatin1String(
                   "A text that contains \"true\" is read as true and any other as false: write \"true\" or "
                   "\"false\".")},
+    CheckRule{
+        ReadingReport::s_sLetterCase, Severity::Note,
+        QLatin1String("A value is written in another letter case than the format's."),
+        QLatin1String(
+            "It is understood here, but other programs may refuse it: write it in the letter case of the "
+            "format.")},
     CheckRule{ReadingReport::s_sUnknownValue, Severity::Error,
               QLatin1String("A text is not one of the values that the format knows."),
               QLatin1String("The default is used: write one of the known values, in the same letter case.")},

@@ -52,6 +52,7 @@ public:
     static constexpr QLatin1String s_sNotANumber{"not-a-number"};
     static constexpr QLatin1String s_sUnitInNumber{"unit-in-number"};
     static constexpr QLatin1String s_sNotABoolean{"not-a-boolean"};
+    static constexpr QLatin1String s_sLetterCase{"letter-case"};
     static constexpr QLatin1String s_sUnknownValue{"unknown-value"};
     static constexpr QLatin1String s_sNotAColor{"not-a-color"};
     static constexpr QLatin1String s_sOutOfRange{"out-of-range"};

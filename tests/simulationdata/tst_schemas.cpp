@@ -1,5 +1,9 @@
 #include "randomdocuments.h"
 #include "schemamutations.h"
+#include "simulationdata/deploymentdataxml.h"
+#include "simulationdata/scenariodataxml.h"
+#include "simulationdata/signalpackagefile.h"
+#include "simulationdata/unresolvedsignalpackageprovider.h"
 #include "simulationdata/xmlelement.h"
 
 #include <QFile>
@@ -112,6 +116,23 @@ QString documentation(const XmlElement& a_element)
         .childText(QStringLiteral("xs:documentation"));
 }
 
+/// The reading report about a document of the schema of that name.
+ReadingReport reportOf(const QString& a_sSchema, const QByteArray& a_document)
+{
+    if (a_sSchema == s_sScenario) {
+        UnresolvedSignalPackageProvider provider;
+        ScenarioDataXml scenario(&provider);
+        static_cast<void>(scenario.fromXml(a_document));
+        return scenario.report();
+    }
+    if (a_sSchema == s_sDeployment) {
+        DeploymentDataXml deployment;
+        static_cast<void>(deployment.fromXml(a_document));
+        return deployment.report();
+    }
+    return SignalPackageFile::report(a_document);
+}
+
 } // namespace
 
 /// The schemas accept everything that is written, and refuse common mistakes.
@@ -127,6 +148,7 @@ private Q_SLOTS:
     void onlyWritten();
     void mistakes_data();
     void mistakes();
+    void beyondSchema();
     void documented_data();
     void documented();
     void sameTypes();
@@ -234,6 +256,33 @@ void TestSchemas::mistakes()
     document.replace(find, replacement);
     const Validation result = validate(schema, {document});
     QVERIFY2(result.iCode == code, result.errors.constData());
+    if (code == s_iInvalid && schema != s_sCommand) {
+        QVERIFY(!reportOf(schema, document).isEmpty());
+    }
+}
+
+/// What the reading report finds in documents that the schema accepts, and what neither
+/// finds.
+void TestSchemas::beyondSchema()
+{
+    const auto silent = [](const QString& a_sSchema, const QByteArray& a_document, auto a_mutations) {
+        QStringList names;
+        for (const Mutation& mutation : a_mutations) {
+            const QByteArray document = QByteArray(a_document).replace(mutation.find, mutation.replacement);
+            if (reportOf(a_sSchema, document).isEmpty()) {
+                names.append(QString::fromUtf8(mutation.name));
+            }
+        }
+        return names;
+    };
+    const auto scenario =
+        silent(s_sScenario, fileBytes(s_sDefaultScenario), std::span(s_acceptedScenarioMutations));
+    const auto deployment =
+        silent(s_sDeployment, fileBytes(s_sFullDeployment), std::span(s_acceptedDeploymentMutations));
+    // A checker of the loaded scenario, or the program that plays it, decides about these.
+    QCOMPARE(scenario.join(u"; "), QStringLiteral("maximum below minimum; too many channels; negative start; "
+                                                  "unknown signal package; two networks of one id"));
+    QCOMPARE(deployment.join(u"; "), QString());
 }
 
 void TestSchemas::documented_data()

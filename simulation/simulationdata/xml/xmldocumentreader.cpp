@@ -6,6 +6,8 @@
 #include "xmlscanner_p.h"
 #include "xmlvalidator_p.h"
 
+#include <algorithm>
+
 namespace Simulation {
 
 XmlDocumentReader::XmlDocumentReader(const QString& a_sText)
@@ -67,7 +69,10 @@ void XmlDocumentReader::readToEnd()
 
 qsizetype XmlDocumentReader::errorOffset()
 {
-    return m_textReader ? m_textReader->position() : m_streamReader->position();
+    if (m_text.isNull()) {
+        return -1;
+    }
+    return m_textReader ? m_textReader->position() : std::max<qsizetype>(m_streamReader->position(), 0);
 }
 
 QString XmlDocumentReader::errorTextHere(const QString& a_sReason)

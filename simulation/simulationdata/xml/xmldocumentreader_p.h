@@ -42,7 +42,8 @@ public:
     /// That form of an error text for the place that is reached.
     [[nodiscard]] QString errorTextHere(const QString& a_sReason);
 
-    /// The bytes before the error; all that are read when there is none.
+    /// The bytes before the error; all that are read when there is none. -1 when the
+    /// document was refused for its size.
     [[nodiscard]] qsizetype errorOffset();
 
     /// The text of the document as UTF-8, to which offsets refer.

@@ -118,18 +118,22 @@ bool XmlReader::boolean(const XmlText& a_text)
     if (a_text.bytes == "false") {
         return false;
     }
-    const bool bValue = containsTrue(a_text.string());
-    // Other letter cases of both words are understood as they are meant.
-    const bool bMeant = a_text.bytes.size() == (bValue ? 4 : 5) &&
-                        (bValue || a_text.string().compare(u"false", Qt::CaseInsensitive) == 0);
-    if (m_pDeviations != nullptr && !bMeant) {
-        m_pDeviations->add(ReadingReport::s_sNotABoolean, a_text.offset, [&](ReadingEntry& a_entry) {
-            a_entry.found = shownText(a_text.bytes);
-            a_entry.message =
-                QStringLiteral("The value is neither \"true\" nor \"false\": it is read as \"%1\".")
-                    .arg(boolText(bValue));
-        });
+    const QString sText = a_text.string();
+    const bool bValue = containsTrue(sText);
+    if (m_pDeviations == nullptr) {
+        return bValue;
     }
+    const bool bMeant = sText.compare(boolText(bValue), Qt::CaseInsensitive) == 0;
+    m_pDeviations->add(bMeant ? ReadingReport::s_sLetterCase : ReadingReport::s_sNotABoolean, a_text.offset,
+                       [&](ReadingEntry& a_entry) {
+                           a_entry.found = shownText(a_text.bytes);
+                           a_entry.suggestion = bMeant ? boolText(bValue) : QString();
+                           a_entry.message =
+                               (bMeant ? QStringLiteral("The value is read as \"%1\".")
+                                       : QStringLiteral("The value is neither \"true\" nor \"false\": it is "
+                                                        "read as \"%1\"."))
+                                   .arg(boolText(bValue));
+                       });
     return bValue;
 }
 
