@@ -282,7 +282,7 @@ void TestSchemas::beyondSchema()
     // A checker of the loaded scenario, or the program that plays it, decides about these.
     QCOMPARE(scenario.join(u"; "), QStringLiteral("maximum below minimum; too many channels; negative start; "
                                                   "unknown signal package; two networks of one id"));
-    QCOMPARE(deployment.join(u"; "), QString());
+    QCOMPARE(deployment.join(u"; "), QStringLiteral("empty id"));
 }
 
 void TestSchemas::documented_data()
