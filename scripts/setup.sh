@@ -8,7 +8,7 @@ set -euo pipefail
 build=(
     build-essential cmake ninja-build
     qt6-base-dev libgl-dev libboost-dev libgeographiclib-dev libpugixml-dev
-    libzip-dev zlib1g-dev
+    libkissfft-dev libzip-dev zlib1g-dev
 )
 test=(libxml2-utils python3) # libxml2-utils: xmllint
 bench=(libbenchmark-dev libsndfile1-dev)

@@ -1,13 +1,14 @@
 #include "defaultpackages.h"
 
 #include "descriptorwriter.h"
-#include "signalshapewriter.h"
-#include "wavewriter.h"
+#include "simulationdata/signalshapewriter.h"
+#include "simulationdata/wavefilewriter.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <vector>
 
 namespace DefaultData {
 
@@ -133,9 +134,12 @@ constexpr std::array<Recipe, 3> s_recipes{{
     {"Rect 10kHz", "b696e61d-dcae-42b4-b794-4a4adb8476c0", 256, rectShape, beepSound},
 }};
 
-SignalShape makeShape(const Recipe& a_recipe)
+/// The content of "Signal.ssf".
+QByteArray makeShape(const Recipe& a_recipe)
 {
-    SignalShape shape{s_uiBandwidth, s_fBasePower, s_uiRecordsPerSecond, a_recipe.points, {}};
+    using Simulation::SignalShapeWriter;
+    QByteArray bytes = SignalShapeWriter::header(
+        {s_uiBandwidth, s_fBasePower, s_uiRecords, s_uiRecordsPerSecond, a_recipe.points});
     for (std::uint32_t uiRecord = 0; uiRecord < s_uiRecords; ++uiRecord) {
         const double dPhase = s_dTurn * uiRecord / s_uiRecords;
         std::vector<float> spectrum;
@@ -144,13 +148,14 @@ SignalShape makeShape(const Recipe& a_recipe)
             const double dPower = 1.0 + a_recipe.shape(dOffset, dPhase);
             spectrum.push_back(static_cast<float>(std::round(dPower * s_dStepsPerUnit) / s_dStepsPerUnit));
         }
-        shape.records.push_back(std::move(spectrum));
+        bytes += SignalShapeWriter::record(spectrum);
     }
-    return shape;
+    return bytes;
 }
 
-/// The samples of the sound, faded at both ends, because the recording repeats.
-std::vector<std::int16_t> makeSound(const Recipe& a_recipe)
+/// The content of "Signal.wav": the sound, faded at both ends, because the recording
+/// repeats.
+QByteArray makeSound(const Recipe& a_recipe)
 {
     std::vector<std::int16_t> samples;
     std::uint32_t uiNoise = 1;
@@ -160,7 +165,8 @@ std::vector<std::int16_t> makeSound(const Recipe& a_recipe)
         const double dSound = a_recipe.sound(static_cast<double>(uiFrame) / s_uiAudioRate, uiNoise);
         samples.push_back(static_cast<std::int16_t>(std::lround(s_dAmplitude * dFade * dSound)));
     }
-    return samples;
+    return Simulation::WaveFileWriter::header(s_uiFrames, s_uiAudioRate) +
+           Simulation::WaveFileWriter::samples(samples);
 }
 
 Package makePackage(const Recipe& a_recipe)
@@ -168,8 +174,8 @@ Package makePackage(const Recipe& a_recipe)
     Package package;
     package.id = QLatin1String(a_recipe.id);
     package.name = QLatin1String(a_recipe.name);
-    package.signalShape = writeSignalShape(makeShape(a_recipe));
-    package.audio = writeWave(makeSound(a_recipe), s_uiAudioRate);
+    package.signalShape = makeShape(a_recipe);
+    package.audio = makeSound(a_recipe);
     Descriptor descriptor;
     descriptor.id = package.id;
     descriptor.name = package.name;

@@ -1,5 +1,6 @@
 #include "signalshapefile.h"
 
+#include "signalshapefile_p.h"
 #include "simulationdata/io/datafile_p.h"
 #include "simulationdata/io/trace_p.h"
 #include "simulationdata/simulationlimits.h"
@@ -17,7 +18,7 @@ namespace {
 
 constexpr const char* s_szSource = "simulation/simulationdata/signalshapefile";
 
-constexpr DataFileKind s_kind{"signal shape file", "T&K-SSF", 2};
+constexpr DataFileKind s_kind{"signal shape file", s_szSignalShapeMagic, s_uiSignalShapeVersion};
 
 // The global header, little-endian: magic (7 bytes), version (32 bits), then at
 // these offsets bandwidth (32 bits, Hz), base power (float), number of records (64

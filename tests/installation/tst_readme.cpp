@@ -51,6 +51,11 @@ const QMap<QString, Expectation> s_expectations{
     {QStringLiteral("build/receiver"), {Way::Background, 0, "registered rx-7(.|\n)*received Harbour"}},
     {QStringLiteral("build/editor"), {Way::Foreground, 0, "registered: Pier(.|\n)*loaded by rx-7"}},
     {QStringLiteral("simulationtool schema scenario scenario.xsd"), {Way::Foreground, 0, "^$"}},
+    {QStringLiteral("simulationtool new scenario my.sce.exp"), {Way::Foreground, 0, "^$"}},
+    {QStringLiteral("simulationtool new deployment my.deployment"), {Way::Foreground, 0, "^$"}},
+    {QStringLiteral("simulationtool new package packages/SignalPackages/Voice --wave "
+                    "packages/SignalPackages/TuK-Default/Default/Signal.wav --modulation AM"),
+     {Way::Foreground, 0, "^Signal package made$"}},
     {QStringLiteral("simulationtool inspect --json - < harbour.sce.exp"),
      {Way::Foreground, 0, "\"verdict\": \"whole\""}},
     {QStringLiteral("simulationtool check harbour.sce.exp --repository packages --repair mended.sce.exp"),

@@ -9,6 +9,7 @@
 #include "democommand.h"
 #include "devicecommand.h"
 #include "inspectcommand.h"
+#include "newcommand.h"
 #include "playarguments.h"
 #include "repositoryarguments.h"
 #include "schemacommand.h"
@@ -32,6 +33,7 @@ const char s_szOverview[] =
     "  convert     Write the compact form of a scenario, or a document of one.\n"
     "  repository  Prepare a folder for signal packages, or list its packages.\n"
     "  schema      Write the XML schema of a format.\n"
+    "  new         Write a template of a document, or make a package of a recording.\n"
     "  service     Run the service that devices register with and editors control.\n"
     "  device      Run a device: load the scenarios that it receives and play them.\n"
     "  control     Send a scenario or an order to the devices of a service.\n"
@@ -48,6 +50,7 @@ const char s_szOverviewExamples[] =
     "  simulationtool check harbour.sce.exp --repository packages\n"
     "  simulationtool convert harbour.sce.exp harbour.compact\n"
     "  simulationtool repository init packages\n"
+    "  simulationtool new scenario harbour.sce.exp\n"
     "  simulationtool play --repository packages\n"
     "  simulationtool demo\n"
     "\n"
@@ -112,13 +115,14 @@ struct Command
     ExitCode (*run)(const QStringList& a_arguments, Output& a_output);
 };
 
-constexpr std::array<Command, 10> s_commands{{
+constexpr std::array<Command, 11> s_commands{{
     {"inspect", &inspect},
     {"play", &play},
     {"check", &check},
     {"convert", &convert},
     {"repository", &repository},
     {"schema", &schema},
+    {"new", &newCommand},
     {"service", &service},
     {"device", &device},
     {"control", &control},

@@ -1,9 +1,10 @@
-#include "wavewriter.h"
+#include "wavefilewriter.h"
 
 #include <QDataStream>
 #include <QIODevice>
+#include <QtEndian>
 
-namespace DefaultData {
+namespace Simulation {
 
 namespace {
 
@@ -17,6 +18,8 @@ constexpr quint16 s_uiBitsPerSample = 16;
 /// format chunk (8 + 16), header of the data chunk (8).
 constexpr quint32 s_uiHeaderBytes = 36;
 
+static_assert((UINT32_MAX - s_uiHeaderBytes) / s_uiBytesPerSample == WaveFileWriter::s_uiMaxSamples);
+
 void writeId(QDataStream& a_stream, const char (&a_szId)[5])
 {
     a_stream.writeRawData(a_szId, 4);
@@ -24,9 +27,9 @@ void writeId(QDataStream& a_stream, const char (&a_szId)[5])
 
 } // namespace
 
-QByteArray writeWave(const std::vector<std::int16_t>& a_samples, std::uint32_t a_uiRate)
+QByteArray WaveFileWriter::header(std::uint32_t a_uiSamples, std::uint32_t a_uiRate)
 {
-    const auto uiDataBytes = static_cast<quint32>(a_samples.size() * s_uiBytesPerSample);
+    const quint32 uiDataBytes = a_uiSamples * s_uiBytesPerSample;
     QByteArray bytes;
     QDataStream stream(&bytes, QIODevice::WriteOnly);
     stream.setByteOrder(QDataStream::LittleEndian);
@@ -38,10 +41,14 @@ QByteArray writeWave(const std::vector<std::int16_t>& a_samples, std::uint32_t a
            << quint32{a_uiRate * s_uiBytesPerSample} << s_uiBytesPerSample << s_uiBitsPerSample;
     writeId(stream, "data");
     stream << uiDataBytes;
-    for (const std::int16_t iSample : a_samples) {
-        stream << iSample;
-    }
     return bytes;
 }
 
-} // namespace DefaultData
+QByteArray WaveFileWriter::samples(std::span<const std::int16_t> a_samples)
+{
+    QByteArray bytes(static_cast<qsizetype>(a_samples.size_bytes()), Qt::Uninitialized);
+    qToLittleEndian<std::int16_t>(a_samples.data(), static_cast<qsizetype>(a_samples.size()), bytes.data());
+    return bytes;
+}
+
+} // namespace Simulation
