@@ -1,4 +1,5 @@
 #include "comparison.h"
+#include "processmemory.h"
 
 #include "kpbase/errorhandler.h"
 #include "simulationdata/simulationservicecommunication.h"
@@ -178,21 +179,6 @@ void smallCommands(benchmark::State& a_state)
 }
 BENCHMARK(smallCommands)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(3.0);
 
-/// A memory figure of this process, converted to bytes; 0 when it is not known.
-double processBytes(QByteArrayView a_name)
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly)) {
-        return 0.0;
-    }
-    for (QByteArray line = status.readLine(); !line.isEmpty(); line = status.readLine()) {
-        if (line.startsWith(a_name)) {
-            return line.mid(a_name.size()).simplified().split(' ').constFirst().toDouble() * 1024.0;
-        }
-    }
-    return 0.0;
-}
-
 /// The peak memory of both ends together, divided by the sent bytes. "process_ratio"
 /// counts the whole process. "added_ratio" subtracts the memory in use before loading.
 /// The kernel's peak is reset before each run.
@@ -203,12 +189,10 @@ void peakMemory(benchmark::State& a_state)
     double dProcess = 0.0;
     double dBefore = 0.0;
     for ([[maybe_unused]] auto iteration : a_state) {
-        QFile reset(QStringLiteral("/proc/self/clear_refs"));
-        if (!reset.open(QIODevice::WriteOnly) || reset.write("5") != 1) {
+        if (!resetPeakMemory()) {
             a_state.SkipWithError("the peak cannot be set back");
             break;
         }
-        reset.close();
         dBefore = processBytes("VmRSS:");
         benchmark::DoNotOptimize(loopback.load(document));
         dProcess = processBytes("VmHWM:");

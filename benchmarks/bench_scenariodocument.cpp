@@ -1,4 +1,5 @@
 #include "comparison.h"
+#include "processmemory.h"
 
 #include "simulationdata/emissionsettings.h"
 #include "simulationdata/frequencysettings_chirp.h"
@@ -7,9 +8,11 @@
 #include "simulationdata/frequencysettingsfixed.h"
 #include "simulationdata/positionsettingsfixed.h"
 #include "simulationdata/positionsettingsptp.h"
+#include "simulationdata/scenariochecker.h"
 #include "simulationdata/scenariodatabinary.h"
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/signalpackage.h"
+#include "simulationdata/simulationlimits.h"
 #include "simulationdata/szenarioemitter.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 
@@ -176,6 +179,73 @@ void saveScenario(benchmark::State& a_state)
         [&] { return secondsOf([&] { benchmark::DoNotOptimize(scenario.document.toXml()); }); });
 }
 BENCHMARK(saveScenario)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(5.0);
+
+/// The check of a clean scenario beside its loading. "ratio" is the share of the check.
+void checkScenario(benchmark::State& a_state)
+{
+    Scenario scenario;
+    const QByteArray xml = scenario.document.toXml();
+    ScenarioDataXml document(&scenario.provider);
+    compare(
+        a_state, xml.size(), [&] { benchmark::DoNotOptimize(document.fromXml(xml)); },
+        [&] {
+            ScenarioChecker checker(nullptr);
+            checker.check(document);
+            benchmark::DoNotOptimize(checker.findings());
+        });
+}
+BENCHMARK(checkScenario)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(3.0);
+
+/// A document of default emitters.
+QByteArray manyEmitters(qsizetype a_iEmitters)
+{
+    constexpr int iDigits = 7;
+    const QString sId(iDigits, u'0');
+    ScenarioDataXml document(nullptr);
+    document.setPersistantId(QStringLiteral("many"));
+    document.setScenarioObjects({std::make_shared<SzenarioEmitter>(sId, QStringLiteral("Emitter"))});
+    const QByteArray one = document.toXml();
+    const qsizetype iElement = one.indexOf("    <Emitter ");
+    QByteArray element = one.sliced(iElement, one.indexOf("</Scenario>") - iElement);
+    QByteArray xml = one.first(iElement);
+    xml.reserve(one.size() + a_iEmitters * element.size());
+    const qsizetype iId = element.indexOf(sId.toUtf8());
+    for (qsizetype i = 0; i < a_iEmitters; ++i) {
+        xml += element.replace(iId, iDigits, QByteArray::number(i).rightJustified(iDigits, '0'));
+    }
+    return xml + "</Scenario>\n";
+}
+
+/// Time per emitter and peak memory of loading and saving many emitters. "model" is the
+/// memory of the loaded scenario, and "extra" the further peak while it is loaded, both
+/// divided by the bytes of the document.
+void many(benchmark::State& a_state)
+{
+    Limits::setValue(Limits::DocumentBytes, 4'000'000'000);
+    Limits::setValue(Limits::ScenarioObjects, 4'000'000);
+    const QByteArray xml = manyEmitters(a_state.range(0));
+    const auto dEmitters = static_cast<double>(a_state.range(0));
+    const auto dBytes = static_cast<double>(xml.size());
+    for ([[maybe_unused]] auto iteration : a_state) {
+        if (!resetPeakMemory()) {
+            a_state.SkipWithError("the peak cannot be set back");
+            break;
+        }
+        ScenarioDataXml document(nullptr);
+        const double dBefore = processBytes("VmRSS:");
+        const double dLoad = secondsOf([&] { benchmark::DoNotOptimize(document.fromXml(xml)); });
+        const double dModel = processBytes("VmRSS:") - dBefore;
+        a_state.counters["extra"] = (processBytes("VmHWM:") - dBefore - dModel) / dBytes;
+        a_state.counters["model"] = dModel / dBytes;
+        const double dSave = secondsOf([&] { benchmark::DoNotOptimize(document.toXml()); });
+        a_state.counters["load_us"] = dLoad / dEmitters * 1e6;
+        a_state.counters["save_us"] = dSave / dEmitters * 1e6;
+        a_state.counters["MiB"] = dBytes / (1024.0 * 1024.0);
+    }
+    Limits::setValue(Limits::DocumentBytes, Limits::defaultValue(Limits::DocumentBytes));
+    Limits::setValue(Limits::ScenarioObjects, Limits::defaultValue(Limits::ScenarioObjects));
+}
+BENCHMARK(many)->Arg(10'000)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 /// The emitters of a compact scenario, every fourth linked to its predecessor.
 QSet<std::shared_ptr<SzenarioEmitter>> compactEmitters(ISignalPackageProvider& a_provider)

@@ -39,8 +39,10 @@ struct ObjectAttributes
 const XmlAttributeField<ObjectAttributes> s_objectAttributes[] = {
     {s_sId, [](XmlReader& /*a_reader*/, const XmlText& a_value,
                ObjectAttributes& a_attributes) { a_attributes.pId = &a_value; }},
-    {s_sName, [](XmlReader& /*a_reader*/, const XmlText& a_value,
-                 ObjectAttributes& a_attributes) { a_attributes.pName = &a_value; },
+    {s_sName,
+     [](XmlReader& /*a_reader*/, const XmlText& a_value, ObjectAttributes& a_attributes) {
+         a_attributes.pName = &a_value;
+     },
      XmlOccurs::Once},
 };
 
@@ -70,13 +72,15 @@ void reportPlace(XmlReader& a_reader, qsizetype a_iDevice, qsizetype a_iPosition
     if (a_reader.deviations() != nullptr && a_iPosition >= 0 && a_bStation) {
         a_reader.deviations()->add(ReadingReport::s_sIgnoredValue, a_iPosition, [](ReadingEntry& a_entry) {
             a_entry.found = QStringLiteral("Position");
-            a_entry.message = QStringLiteral("The device stands where its station stands: its own position is ignored.");
+            a_entry.message =
+                QStringLiteral("The device stands where its station stands: its own position is ignored.");
         });
     }
     if (a_reader.isCompletenessExpected() && a_iPosition < 0 && !a_bStation && !a_reader.hasError()) {
         a_reader.deviations()->add(ReadingReport::s_sMissingElement, a_iDevice, [](ReadingEntry& a_entry) {
-            a_entry.message = QStringLiteral("One of the elements Station, Position is missing: the device is at "
-                                             "latitude 0 and longitude 0.");
+            a_entry.message =
+                QStringLiteral("One of the elements Station, Position is missing: the device is at "
+                               "latitude 0 and longitude 0.");
         });
     }
 }
@@ -114,11 +118,18 @@ struct DeploymentDataXml::Reading
         DeploymentStation& station;
     };
 
+    /// A station that a device names, and where.
+    struct Named
+    {
+        QString id;
+        qsizetype offset;
+    };
+
     static void readStationOf(XmlReader& a_reader, Device& a_device);
     void reportInvented(XmlReader& a_reader) const;
 
     DeploymentDataXml& deployment;
-    std::vector<std::pair<QString, qsizetype>> named; ///< ids and offsets, if deviations are reported
+    std::vector<Named> named; ///< only when deviations are reported
 };
 
 /// The station may have its own element before or after the device's, which fills the same
@@ -136,7 +147,7 @@ void DeploymentDataXml::Reading::readStationOf(XmlReader& a_reader, Device& a_de
         return;
     }
     if (a_reader.deviations() != nullptr) {
-        a_device.reading.named.emplace_back(sId, text->offset);
+        a_device.reading.named.push_back({sId, text->offset});
     }
     const auto& device = a_device.device;
     if (const auto former = device->station(); former && former != station) {
@@ -152,18 +163,19 @@ void DeploymentDataXml::Reading::reportInvented(XmlReader& a_reader) const
     constexpr int iMostSuggestions = 100; // comparing with all ids costs O(n) for each
     int iSuggestions = 0;
     const QStringList described = deployment.m_stationElements.keys();
-    for (const auto& [sId, iOffset] : named) {
-        if (deployment.m_stationElements.contains(sId)) {
+    for (const Named& station : named) {
+        if (deployment.m_stationElements.contains(station.id)) {
             continue;
         }
-        a_reader.deviations()->add(ReadingReport::s_sInventedObject, iOffset, [&](ReadingEntry& a_entry) {
-            a_entry.found = shownText(sId.toUtf8());
-            a_entry.message =
-                QStringLiteral("No element describes this station: one without data is created, at "
-                               "latitude 0 and longitude 0.");
-            a_entry.suggestion =
-                ++iSuggestions <= iMostSuggestions ? similarName(a_entry.found, described) : QString();
-        });
+        a_reader.deviations()->add(
+            ReadingReport::s_sInventedObject, station.offset, [&](ReadingEntry& a_entry) {
+                a_entry.found = shownText(station.id.toUtf8());
+                a_entry.message =
+                    QStringLiteral("No element describes this station: one without data is created, at "
+                                   "latitude 0 and longitude 0.");
+                a_entry.suggestion =
+                    ++iSuggestions <= iMostSuggestions ? similarName(a_entry.found, described) : QString();
+            });
     }
 }
 
@@ -255,8 +267,7 @@ void DeploymentDataXml::readDevice(XmlReader& a_reader, Reading& a_reading)
         // This element is written for other programs. It is not read, because only the
         // device itself sets the configured id.
         {s_sConfiguredStationId,
-         [](XmlReader& a_childReader, Device& /*a_device*/) { (void)a_childReader.text(); },
-         XmlOccurs::Once},
+         [](XmlReader& a_childReader, Device& /*a_device*/) { (void)a_childReader.text(); }, XmlOccurs::Once},
         {s_sDeviceType,
          [](XmlReader& a_childReader, Device& a_device) {
              a_device.device->setDeviceType(readText(a_childReader, a_device.device->deviceType()));

@@ -163,6 +163,9 @@ private Q_SLOTS:
     void everyRuleHasAMistake();
     void suggestions_data();
     void suggestions();
+    void places_data();
+    void places();
+    void bounded();
     void anotherReading();
     void keptFiles();
     void defaultPackages();
@@ -261,6 +264,78 @@ void TestReadingReport::suggestions()
         }
     }
     QCOMPARE(found, QStringList{suggestion});
+}
+
+void TestReadingReport::places_data()
+{
+    QTest::addColumn<QByteArray>("root"); ///< the content of a scenario of an older version
+    QTest::addColumn<QString>("place");   ///< line, column, path and text of its only entry
+    const auto add = [](const char* a_szRow, const QByteArray& a_root, const char* a_szPlace) {
+        QTest::addRow("%s", a_szRow) << a_root << QString::fromUtf8(a_szPlace);
+    };
+    add("element", "\n  <Emiter/>", "2:3 Scenario/Emiter Emiter");
+    add("attribute", "<Network\n Coulor='1'/>", "2:2 Scenario/Network/@Coulor Coulor");
+    add("text of an element", "<Emitter ID='a'><Frequency><Fixed>1 MHz</Fixed></Frequency></Emitter>",
+        "1:67 Scenario/Emitter[a]/Frequency/Fixed 1 MHz");
+    add("line ends of two characters", "\r\n\r\n<Emiter/>", "3:1 Scenario/Emiter Emiter");
+    add("characters above ASCII before it", "<!-- \xC3\xA9\xF0\x9F\x98\x80 --><Emiter/>",
+        "1:44 Scenario/Emiter Emiter");
+    add("text beside elements", "<Network>\n about </Network>", "2:2 Scenario/Network about");
+    add("inside markup", "<Network><Color>r<!-- -->ose<![CDATA[!]]></Color></Network>",
+        "1:49 Scenario/Network/Color rose!");
+    add("id like a path", "<Emitter ID='a/b[c]\\'><X/></Emitter>",
+        "1:55 Scenario/Emitter[a\\/b\\[c\\]\\\\]/X X");
+    add("control characters", "<Network><Color>\t&#9;x\xC2\x9B</Color></Network>",
+        "1:48 Scenario/Network/Color \t\tx\xC2\x9B");
+    add("reference that is resolved at the end", "<Network><Emitter>b</Emitter></Network>",
+        "1:51 Scenario/Network/Emitter b");
+}
+
+/// Where an entry is and what it shows.
+void TestReadingReport::places()
+{
+    QFETCH(const QByteArray, root);
+    QFETCH(const QString, place);
+    const QByteArray xml = "<Scenario FileFormatVersion='3'>" + root + "</Scenario>";
+    UnresolvedSignalPackageProvider provider;
+    QStringList places;
+    const ReadingReport report = scenarioReport(xml, provider);
+    for (const ReadingEntry& entry : report.entries()) {
+        if (entry.rule != ReadingReport::s_sOlderVersion) {
+            places.append(QStringLiteral("%1:%2 %3 %4")
+                              .arg(QString::number(entry.line), QString::number(entry.column), entry.path,
+                                   entry.found));
+        }
+    }
+    QCOMPARE(places, QStringList{place});
+}
+
+/// Of many entries the first are listed, whenever they are found, and all are counted.
+/// Texts are shortened.
+void TestReadingReport::bounded()
+{
+    constexpr int iEntries = 3000;
+    QByteArray members;
+    QByteArray unknown;
+    for (int i = 0; i < iEntries; ++i) {
+        members +=
+            "<Emitter>" + QByteArray::number(i) + QByteArray(i == 0 ? 100'000 : 0, 'x') + "</Emitter>\n";
+        unknown += "<X/>\n";
+    }
+    UnresolvedSignalPackageProvider provider;
+    // The members are reported last, after all elements, but come first in the document.
+    const ReadingReport report = scenarioReport("<Scenario FileFormatVersion='3'><Network>" + members +
+                                                    "</Network>" + unknown + "</Scenario>",
+                                                provider);
+    QCOMPARE(report.entries().size(), ReadingReport::s_iMaximumEntries);
+    QCOMPARE(report.count(ReadingReport::s_sInventedObject), iEntries);
+    QCOMPARE(report.count(ReadingReport::s_sUnknownElement), iEntries);
+    QCOMPARE(report.unlisted(), 2 * iEntries + 1 - ReadingReport::s_iMaximumEntries);
+    QCOMPARE(report.entries().first().rule, ReadingReport::s_sOlderVersion);
+    QCOMPARE(report.entries().last().line, ReadingReport::s_iMaximumEntries - 1);
+    for (const ReadingEntry& entry : report.entries()) {
+        QVERIFY(entry.found.size() + entry.path.size() + entry.suggestion.size() < 300);
+    }
 }
 
 /// A report belongs to the last reading, also to one that is refused.
