@@ -286,7 +286,7 @@ void TestReadingReport::places_data()
     add("id like a path", "<Emitter ID='a/b[c]\\'><X/></Emitter>",
         "1:55 Scenario/Emitter[a\\/b\\[c\\]\\\\]/X X");
     add("control characters", "<Network><Color>\t&#9;x\xC2\x9B</Color></Network>",
-        "1:48 Scenario/Network/Color \t\tx\xC2\x9B");
+        "1:49 Scenario/Network/Color \t\tx\xC2\x9B");
     add("reference that is resolved at the end", "<Network><Emitter>b</Emitter></Network>",
         "1:51 Scenario/Network/Emitter b");
 }
