@@ -19,7 +19,7 @@ struct CheckRule
     QLatin1String id; ///< stable, for scripts: lower case with hyphens
     Severity severity = Severity::Warning;
     QLatin1String summary; ///< one sentence: what a finding of this rule means
-    QLatin1String reason;  ///< one sentence: why it matters and what to do
+    QLatin1String reason;  ///< why it matters and what to do
 };
 
 } // namespace Simulation

@@ -27,7 +27,7 @@ constexpr XmlRange s_speeds{0.0, std::numeric_limits<double>::infinity(), false,
 struct PointAttributes
 {
     MovementPoint point;
-    const XmlText* pDwellTime = nullptr;
+    qsizetype iDwellTime = -1;      ///< the same
     qsizetype iTransitionTime = -1; ///< offset of the attribute; -1: it is missing
     qsizetype iMajor = -1;          ///< the same
     const XmlText* pSpeed = nullptr;
@@ -38,7 +38,7 @@ const XmlAttributeField<PointAttributes> s_pointAttributes[] = {
     {s_sDwellTime,
      [](XmlReader& a_reader, const XmlText& a_value, PointAttributes& a_attributes) {
          a_attributes.point.dwellTime = a_reader.unsignedNumber(a_value, s_milliseconds);
-         a_attributes.pDwellTime = &a_value;
+         a_attributes.iDwellTime = a_value.offset;
      },
      XmlOccurs::Once},
     {s_sTransitionTime,
@@ -68,7 +68,7 @@ void reportIgnored(XmlReader& a_reader, const XmlText* a_pValue)
     a_reader.deviations()->add(ReadingReport::s_sIgnoredValue, a_pValue->offset, [&](ReadingEntry& a_entry) {
         a_entry.found = shownText(a_pValue->bytes);
         a_entry.message =
-            QStringLiteral("Only a point with Major=\"true\" has a speed, a name and a dwell time: "
+            QStringLiteral("Only a point with Major=\"true\" has a speed and a name: "
                            "the attribute is ignored.");
     });
 }
@@ -78,7 +78,7 @@ void reportMissing(XmlReader& a_reader, const XmlText* a_pValue, const char* a_s
 {
     if (a_pValue == nullptr && a_reader.isCompletenessExpected()) {
         a_reader.deviations()->add(ReadingReport::s_sMissingAttribute, a_reader.offset(), [&](ReadingEntry& a_entry) {
-            a_entry.message = QStringLiteral("The attribute \"%1\" is missing: a major point has one, and its default "
+            a_entry.message = QStringLiteral("The attribute \"%1\" is missing: a major point has one, and 0 or an empty text "
                                              "is used.")
                                   .arg(QLatin1String(a_szName));
         });
@@ -90,6 +90,7 @@ struct PointOffsets
 {
     qsizetype transitionTime = -1;
     qsizetype major = -1;
+    qsizetype dwellTime = -1;
 };
 
 MovementPoint readMovementPoint(XmlReader& a_reader, PointOffsets& a_offsets)
@@ -105,9 +106,8 @@ MovementPoint readMovementPoint(XmlReader& a_reader, PointOffsets& a_offsets)
     } else {
         reportIgnored(a_reader, attributes.pSpeed);
         reportIgnored(a_reader, attributes.pName);
-        reportIgnored(a_reader, point.dwellTime != 0 ? attributes.pDwellTime : nullptr);
     }
-    a_offsets = {attributes.iTransitionTime, attributes.iMajor};
+    a_offsets = {attributes.iTransitionTime, attributes.iMajor, attributes.iDwellTime};
     readXmlChildren(a_reader, point.position, s_coordinateFields);
     return point;
 }
@@ -149,23 +149,32 @@ const XmlChild<PointsReading> s_pointElements[] = {
      XmlOccurs::Several},
 };
 
-/// About how long a leg takes (ms). The plane of longitude and latitude, with the longitude
-/// scaled by the cosine of the middle latitude, and a sphere of 6371 km; for legs up to
-/// 2 degrees this is within 1 % of the geodesic. 0 for a speed (km/h) of 0 or below; no
-/// value for a longer leg.
+/// About how long a leg takes (ms), without the cost of a geodesic: the length of the leg on
+/// the ellipsoid's tangent plane at the middle latitude phi, with the radii of curvature
+/// M = a (1 - e2) / (1 - e2 sin2 phi)^1.5 along the meridian and
+/// N = a / (1 - e2 sin2 phi)^0.5 across it (WGS 84). Within 0.02 % of the geodesic for legs
+/// up to 2 degrees and latitudes up to 80 degrees; no value for others. 0 for a speed (km/h)
+/// of 0 or below.
 std::optional<double> roughTravelTime(const TPos& a_from, const TPos& a_to, double a_dSpeed)
 {
-    constexpr double dShortLeg = 2.0; // degrees
-    constexpr double dHighLatitude = 80.0;
-    constexpr double dKilometresPerDegree = 111.195;
+    constexpr double dLongestLeg = 2.0; // degrees
+    constexpr double dHighestLatitude = 80.0;
+    constexpr double dRadius = 6378.137;           // a (km)
+    constexpr double dEccentricity2 = 0.006694380; // e2
+    constexpr double dRadiansPerDegree = std::numbers::pi / 180.0;
     constexpr double dMillisecondsPerHour = 3'600'000.0;
     const double dMiddle = (a_from.latitude + a_to.latitude) / 2;
-    const double dEast = (a_to.longitude - a_from.longitude) * std::cos(dMiddle * std::numbers::pi / 180.0);
-    const double dDegrees = std::hypot(dEast, a_to.latitude - a_from.latitude);
-    if (!(dDegrees <= dShortLeg && std::abs(dMiddle) <= dHighLatitude)) {
+    const double dNorth = a_to.latitude - a_from.latitude;
+    const double dEast = a_to.longitude - a_from.longitude;
+    if (!(std::abs(dNorth) <= dLongestLeg && std::abs(dEast) <= dLongestLeg && std::abs(dMiddle) <= dHighestLatitude)) {
         return std::nullopt;
     }
-    return a_dSpeed > 0.0 ? dDegrees * dKilometresPerDegree / a_dSpeed * dMillisecondsPerHour : 0.0;
+    const double dSine = std::sin(dMiddle * dRadiansPerDegree);
+    const double dFactor = 1.0 / (1.0 - dEccentricity2 * dSine * dSine);
+    const double dAcross = dRadius * std::sqrt(dFactor) * std::sqrt(1.0 - dSine * dSine); // N cos(phi)
+    const double dAlong = dRadius * (1.0 - dEccentricity2) * dFactor * std::sqrt(dFactor);
+    const double dKilometres = std::hypot(dAcross * dEast, dAlong * dNorth) * dRadiansPerDegree;
+    return a_dSpeed > 0.0 ? dKilometres / a_dSpeed * dMillisecondsPerHour : 0.0;
 }
 
 /// Whether a written time differs from a calculated one by more than the share, and by
@@ -176,14 +185,14 @@ bool differs(double a_dWritten, double a_dCalculated, double a_dShare)
     return std::abs(a_dWritten - a_dCalculated) > a_dShare * a_dCalculated + dRounding;
 }
 
-/// Reports transition times that contradict the speeds, which take precedence. Most are
-/// recognised as right by a rough calculation, because a geodesic costs more than reading
-/// the whole point.
+/// Reports transition times that differ from those of the speeds, which take precedence, by
+/// more than 0.1 %. A geodesic costs more than reading a point, so times that agree with the
+/// rough calculation are accepted first.
 void reportDerivedTimes(XmlReader& a_reader, const PointsReading& a_reading,
                         const PositionSettingsPtp& a_settings)
 {
-    constexpr double dRoughShare = 0.02;
-    constexpr double dShare = 0.01;
+    constexpr double dRoughShare = 0.0008;
+    constexpr double dShare = 0.001;
     const auto& points = a_reading.points;
     if (a_reader.deviations() == nullptr || points.size() < 2) {
         return;
@@ -210,11 +219,23 @@ void reportDerivedTimes(XmlReader& a_reader, const PointsReading& a_reading,
     }
 }
 
-/// Reports a first or last point that is not major: a movement makes it major.
-void reportMinorEnds(XmlReader& a_reader, const PointsReading& a_reading)
+/// Reports a first or last point that is not major, because a movement makes it major, and
+/// the dwell times of the other minor points, because they are not kept.
+void reportMinorPoints(XmlReader& a_reader, const PointsReading& a_reading)
 {
     if (a_reader.deviations() == nullptr || a_reading.points.size() < 2) {
         return;
+    }
+    for (qsizetype i = 1; i < a_reading.points.size() - 1; ++i) {
+        const MovementPoint& point = a_reading.points[i];
+        if (!point.major && point.dwellTime != 0) {
+            const qsizetype iOffset = a_reading.offsets[static_cast<std::size_t>(i)].dwellTime;
+            a_reader.deviations()->add(ReadingReport::s_sIgnoredValue, iOffset, [&](ReadingEntry& a_entry) {
+                a_entry.found = QString::number(point.dwellTime);
+                a_entry.message =
+                    QStringLiteral("Only a point with Major=\"true\" has a dwell time: the attribute is ignored.");
+            });
+        }
     }
     for (const qsizetype i : {qsizetype{0}, a_reading.points.size() - 1}) {
         const qsizetype iOffset = a_reading.offsets[static_cast<std::size_t>(i)].major;
@@ -224,6 +245,18 @@ void reportMinorEnds(XmlReader& a_reader, const PointsReading& a_reading)
                 a_entry.message = QStringLiteral("The first and the last point are always major: the value is ignored.");
             });
         }
+    }
+}
+
+/// Reports the transition time of a movement of one point, which leads nowhere.
+void reportSinglePoint(XmlReader& a_reader, const PointsReading& a_reading)
+{
+    if (a_reader.deviations() != nullptr && a_reading.points.constFirst().transitionTime != 0) {
+        a_reader.deviations()->add(
+            ReadingReport::s_sDerivedValue, a_reading.offsets.front().transitionTime, [&](ReadingEntry& a_entry) {
+                a_entry.found = QString::number(a_reading.points.constFirst().transitionTime);
+                a_entry.message = QStringLiteral("The movement has one point only: 0 ms are used.");
+            });
     }
 }
 
@@ -238,9 +271,10 @@ std::unique_ptr<IPositionSettings> readMovement(XmlReader& a_reader)
     if (reading.points.size() == 1) {
         settings->removeRow(1);
         settings->setPoint(0, reading.points.constFirst());
+        reportSinglePoint(a_reader, reading);
     } else {
         settings->setMovements(reading.points);
-        reportMinorEnds(a_reader, reading);
+        reportMinorPoints(a_reader, reading);
         reportDerivedTimes(a_reader, reading, *settings);
     }
     return settings;

@@ -18,8 +18,8 @@ inline constexpr QLatin1String s_sBroadcast("Broadcast");
 inline constexpr QLatin1String s_sChirp("Chirp");
 inline constexpr QLatin1String s_sClass("Class");
 inline constexpr QLatin1String s_sColor("Color");
-// Before version 4, documents have the spelling "Contionus" or "Contious".
 inline constexpr QLatin1String s_sConfiguredStationId("ConfiguredStationID");
+// Before version 4, documents have the spelling "Contionus" or "Contious".
 inline constexpr QLatin1String s_sContionus("Contionus");
 inline constexpr QLatin1String s_sContious("Contious");
 inline constexpr QLatin1String s_sDefault("Default");

@@ -24,20 +24,21 @@ class IPositionSettings;
 inline constexpr XmlRange s_milliseconds{0.0, 4294967295.0, false, "milliseconds"};
 inline constexpr XmlRange s_longMilliseconds{0.0, std::numeric_limits<double>::infinity(), false,
                                              "milliseconds"};
+inline constexpr XmlRange s_anyMilliseconds{-std::numeric_limits<double>::infinity(),
+                                             std::numeric_limits<double>::infinity(), false, "milliseconds"};
 inline constexpr XmlRange s_frequencies{0.0, std::numeric_limits<double>::infinity(), true, "Hz"};
 inline constexpr XmlRange s_fractions{0.0, 1.0, false, ""};
 inline constexpr XmlRange s_notNegative{0.0, std::numeric_limits<double>::infinity(), false, ""};
 
-/// The readers read the children of the current element, up to its end. The writers write
-/// the children. Both are the operations of CommonDataXml on the documents' own reader
-/// and writer. An element without a position is reported unless it may be empty.
+/// These work like the operations of CommonDataXml, for the documents' own reader and writer.
+/// `a_bMayBeEmpty`: an element without a position is not reported.
 [[nodiscard]] std::unique_ptr<IPositionSettings> readPositionSettings(XmlReader& a_reader, bool a_bMayBeEmpty);
 void writePositionSettings(XmlWriter& a_writer, IPositionSettings* a_pSettings);
 
 /// The numbers of a coordinate (degrees), as elements "Lon" and "Lat".
 extern const XmlField<TPos> s_coordinateFields[2];
 
-/// Reads element "Movement", whose points may be one only.
+/// Reads element "Movement", which may have a single point.
 [[nodiscard]] std::unique_ptr<IPositionSettings> readMovement(XmlReader& a_reader);
 [[nodiscard]] QVector<MovementPoint> readMovements(XmlReader& a_reader);
 void writeMovements(XmlWriter& a_writer, const QVector<MovementPoint>& a_movements);

@@ -174,7 +174,7 @@ void DeploymentDataXml::Reading::reportInvented(XmlReader& a_reader) const
                     QStringLiteral("No element describes this station: one without data is created, at "
                                    "latitude 0 and longitude 0.");
                 a_entry.suggestion =
-                    ++iSuggestions <= iMostSuggestions ? similarName(a_entry.found, described) : QString();
+                    ++iSuggestions <= iMostSuggestions ? similarName(a_entry.found.trimmed(), described) : QString();
             });
     }
 }

@@ -25,7 +25,8 @@ constexpr std::array s_rules{
         QLatin1String("Without an id the element is skipped with its content: give it an id of its own.")},
     CheckRule{ReadingReport::s_sMissingAttribute, Severity::Warning,
               QLatin1String("An attribute that every writer writes is missing."),
-              QLatin1String("The default is used, which may not be what was meant: write the attribute.")},
+              QLatin1String("A number is then 0, a text empty and a truth value false, which may not be what was meant: "
+                            "write the attribute.")},
     CheckRule{ReadingReport::s_sMissingElement, Severity::Warning,
               QLatin1String("An element that every writer writes is missing."),
               QLatin1String("The default is used, which may not be what was meant: write the element.")},
@@ -79,11 +80,11 @@ constexpr std::array s_rules{
                   "The default package, or none, is used instead: correct the id, or add the package to the "
                   "repository.")},
     CheckRule{ReadingReport::s_sDerivedValue, Severity::Error,
-              QLatin1String("A value contradicts another one from which it is calculated."),
+              QLatin1String("A value contradicts another one from which it is calculated, or is replaced."),
               QLatin1String("The calculated value is used, not the written one: correct one of the two.")},
-    CheckRule{ReadingReport::s_sIgnoredValue, Severity::Warning,
-              QLatin1String("A value is written where it has no effect."),
-              QLatin1String("The value is not read: remove it, or change what makes it ineffective.")},
+    CheckRule{ReadingReport::s_sIgnoredValue, Severity::Error,
+              QLatin1String("A value is written where it has no effect, or another effect than it says."),
+              QLatin1String("The value is lost or changed: remove it, or change what makes it ineffective.")},
     CheckRule{ReadingReport::s_sOlderVersion, Severity::Note,
               QLatin1String("The document has an older version of the format, or names none."),
               QLatin1String("It is read, and written in the current version when it is saved.")},
@@ -95,13 +96,14 @@ constexpr std::array s_rules{
             "with this one.")},
     CheckRule{
         ReadingReport::s_sOtherRoot, Severity::Error,
-        QLatin1String("The root element is not that of the expected document."),
-        QLatin1String("Nothing is read: open a document of the right kind, or correct the root element.")},
+              QLatin1String("The root element is not that of the expected document."),
+              QLatin1String("A document is then not read at all, and a descriptor is read all the same: open a document "
+                            "of the right kind, or correct the root element.")},
     CheckRule{
         ReadingReport::s_sBrokenOff, Severity::Error,
-        QLatin1String("The document ends early, is not well-formed XML, or exceeds a limit."),
-        QLatin1String(
-            "What stands before the error is kept and the rest is lost: correct the error at that place.")},
+              QLatin1String("The document ends early, is not well-formed XML, exceeds a limit, or cannot be opened."),
+              QLatin1String("What stands before the error is kept and the rest is lost; of a descriptor nothing is kept: "
+                            "correct the error at that place.")},
 };
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "simulationdata/scenarionetwork.h"
 #include "simulationdata/signalpackage.h"
 #include "simulationdata/szenarioemitter.h"
+#include "simulationdata/xml/xmltext_p.h"
 #include "simulationdata/xml/xmlwalk_p.h"
 
 namespace Simulation {
@@ -75,12 +76,30 @@ struct ScheduleReading
     SeenNumbers numbers;
 };
 
+/// Reports a period below 1 ms, which the settings take as unlimited.
+void reportUnlimited(XmlReader& a_reader, const XmlText& a_text, std::int64_t a_iPeriod)
+{
+    bool bNumber = false;
+    (void)readInt64(a_text.bytes, &bNumber); // other texts are reported already
+    if (a_iPeriod >= 1 || !bNumber || a_reader.deviations() == nullptr) {
+        return;
+    }
+    a_reader.deviations()->add(ReadingReport::s_sDerivedValue, a_text.offset, [&](ReadingEntry& a_entry) {
+        a_entry.found = shownText(a_text.bytes);
+        a_entry.message = QStringLiteral("A period below 1 ms is read as unlimited: the schedule does not repeat. Write "
+                                         "%1 for an unlimited period.")
+                              .arg(EmissionSettings::s_iUnlimited);
+    });
+}
+
 const XmlAttributeField<EmissionSettings> s_scheduleAttributes[] = {
     {s_sBroadcast, [](XmlReader& a_reader, const XmlText& a_value,
                       EmissionSettings& a_settings) { a_settings.setBroadcast(a_reader.boolean(a_value)); }},
     {s_sDuration,
      [](XmlReader& a_reader, const XmlText& a_value, EmissionSettings& a_settings) {
-         a_settings.setDuration(a_reader.integer(a_value, s_longMilliseconds));
+         const std::int64_t iPeriod = a_reader.integer(a_value, s_anyMilliseconds);
+         a_settings.setDuration(iPeriod);
+         reportUnlimited(a_reader, a_value, iPeriod);
      },
      XmlOccurs::Once},
 };

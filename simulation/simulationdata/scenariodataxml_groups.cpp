@@ -33,7 +33,8 @@ void SeenNumbers::add(XmlReader& a_reader, const XmlText& a_text, std::uint32_t 
         a_reader.deviations()->add(ReadingReport::s_sDuplicateId, a_text.offset, [&](ReadingEntry& a_entry) {
             a_entry.found = shownText(a_text.bytes);
             a_entry.message =
-                QStringLiteral("The number is used before: a group that names it gets the first one.");
+                QStringLiteral("An earlier one has this number: a group that names it gets the first one in time, and "
+                               "saving renumbers them.");
         });
     }
     m_hashed.insert(a_uiNumber);

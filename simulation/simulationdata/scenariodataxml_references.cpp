@@ -50,11 +50,8 @@ bool ScenarioReferences::isFirst(ScheduleForm a_eForm, const EmissionSettings& a
 std::shared_ptr<SignalPackage> ScenarioReferences::packageForId(XmlReader& a_reader,
                                                                 const XmlText& a_id) const
 {
-    if (m_pProvider == nullptr) {
-        return nullptr;
-    }
     const QString sId = a_id.string();
-    std::shared_ptr<SignalPackage> package = m_pProvider->signalPackage(sId);
+    std::shared_ptr<SignalPackage> package = m_pProvider != nullptr ? m_pProvider->signalPackage(sId) : nullptr;
     const bool bFound =
         package ? package->id() == sId || m_pProvider->validSignalPackageId(sId) : sId.isEmpty();
     if (!bFound && a_reader.deviations() != nullptr) {

@@ -71,7 +71,8 @@ public:
     /// one adds to the schedule, a later one replaces its content.
     bool isFirst(ScheduleForm a_eForm, const EmissionSettings& a_settings);
 
-    /// Resolves all recorded references. Returns false if the scenario has no room
+    /// Resolves all recorded references, and reports those that name no element to the
+    /// deviations (may be null). Returns false if the scenario has no room
     /// for all emitters that appear only in references. References to emitters without
     /// room stay empty.
     bool resolve(XmlDeviations* a_pDeviations);

@@ -10,7 +10,7 @@ namespace Simulation {
 
 namespace {
 
-constexpr XmlRange s_directions{-360.0, 360.0, false, "degrees"};
+constexpr XmlRange s_directions{-360.0, 360.0, false, "degrees"}; // larger ones lose whole turns
 
 using Transmitter = TransmitterSettings;
 

@@ -158,6 +158,27 @@ void readUpdateId(XmlReader& a_reader, Descriptor& a_descriptor)
     a_descriptor.updateIds.append(sId);
 }
 
+/// Reads a number that other programs and checks need, and the package does not.
+void readNumber(XmlReader& a_reader, Descriptor& /*a_descriptor*/)
+{
+    if (const auto text = a_reader.text()) {
+        (void)a_reader.unsignedNumber(*text);
+    }
+}
+
+const XmlChild<Descriptor> s_content[] = {
+    {s_sName, &passElement, XmlOccurs::First},
+    {QLatin1String("SourceName"), &passElement},
+    {QLatin1String("Checksum"), &readNumber, XmlOccurs::FirstIfAny},
+    {QLatin1String("Format"), &passElement},
+    {s_sDuration, &readNumber, XmlOccurs::FirstIfAny},
+};
+
+void readContent(XmlReader& a_reader, Descriptor& a_descriptor)
+{
+    readXmlChildren(a_reader, a_descriptor, s_content);
+}
+
 const XmlChild<Descriptor> s_rootElements[] = {
     {s_sUpdateId, &readUpdateId, XmlOccurs::AnyTimes},
     {s_sMetaData,
@@ -194,8 +215,8 @@ const XmlChild<Descriptor> s_rootElements[] = {
          a_descriptor.digitalModulation = a_descriptor.package.digitalModulation().isEmpty() ? -1 : iOffset;
      },
      XmlOccurs::FirstIfAny},
-    {QLatin1String("SignalShape"), &passElement},
-    {QLatin1String("Audio"), &passElement},
+    {QLatin1String("SignalShape"), &readContent},
+    {QLatin1String("Audio"), &readContent},
 };
 
 /// Writes each id once, at its first position.

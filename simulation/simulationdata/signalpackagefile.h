@@ -14,7 +14,7 @@ namespace Simulation {
 /// operations only; any thread may call.
 ///
 /// For a descriptor that cannot be read, one line is traced and a default package is
-/// returned. Its id is empty.
+/// returned. Its id is empty. report() traces nothing.
 class SIMULATIONDATA_EXPORT SignalPackageFile
 {
 public:

@@ -9,6 +9,7 @@
 #include "kpbase/replacedfile.h"
 
 #include <QIODevice>
+#include <QRegularExpression>
 
 namespace Simulation {
 
@@ -16,21 +17,32 @@ namespace {
 
 constexpr qsizetype s_iShownCharacters = 40; ///< characters of a wrong root name in an error text
 
+/// The reason of an error text without its place, which an entry has itself, as the end of a
+/// sentence.
+QString asSentence(const QString& a_sError)
+{
+    static const QRegularExpression s_place(QStringLiteral("^line [0-9]+, column [0-9]+: "));
+    QString sReason = a_sError;
+    sReason.remove(s_place);
+    return sReason.endsWith(u'.') ? sReason : sReason + u'.';
+}
+
 /// The report about a document that could not be opened.
 ReadingReport reportOf(const QString& a_sReason)
 {
     XmlDeviations deviations;
     deviations.add(ReadingReport::s_sBrokenOff, -1, [&](ReadingEntry& a_entry) {
-        a_entry.message = QStringLiteral("Nothing is read: %1.").arg(a_sReason);
+        a_entry.message = QStringLiteral("Nothing is read: %1").arg(asSentence(a_sReason));
     });
     return deviations.report({});
 }
 
-void reportBrokenOff(XmlDeviations& a_deviations, XmlDocumentReader& a_document, const QString& a_sError)
+void reportBrokenOff(XmlDeviations& a_deviations, XmlDocumentReader& a_document, const QString& a_sError, bool a_bKept)
 {
     a_deviations.add(ReadingReport::s_sBrokenOff, a_document.errorOffset(), [&](ReadingEntry& a_entry) {
-        a_entry.message =
-            QStringLiteral("The document breaks off, and what is read before is kept: %1.").arg(a_sError);
+        a_entry.message = (a_bKept ? QStringLiteral("The document breaks off; what stands before is kept: %1")
+                                   : QStringLiteral("Nothing is read: %1"))
+                              .arg(asSentence(a_sError));
     });
 }
 
@@ -82,7 +94,7 @@ bool DocumentKind::read(const QByteArray& a_xml, QString* a_pError, ReadingRepor
     XmlDeviations deviations;
     XmlDocumentReader document(a_xml, &deviations);
     if (!document.readRoot()) {
-        reportBrokenOff(deviations, document, document.errorString());
+        reportBrokenOff(deviations, document, document.errorString(), false);
         *a_pReport = deviations.report(document.text());
         return refuse(document.errorString(), a_pError);
     }
@@ -101,7 +113,7 @@ bool DocumentKind::read(const QByteArray& a_xml, QString* a_pError, ReadingRepor
     *a_pError = errorOf(document, sReadError);
     if (!a_pError->isEmpty()) {
         traceError(m_szSource, [&] { return QStringLiteral("%1 broke off: %2").arg(m_sName, *a_pError); });
-        reportBrokenOff(deviations, document, *a_pError);
+        reportBrokenOff(deviations, document, *a_pError, true);
     }
     *a_pReport = deviations.report(document.text());
     return true;

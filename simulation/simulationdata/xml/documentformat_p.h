@@ -33,9 +33,8 @@ public:
     /// the name of the root element.
     DocumentKind(const char* a_szSource, const QString& a_sName, QLatin1String a_sRoot);
 
-    /// The whole content of a file or of an open device; no value when it is
-    /// refused.
-    /// `*a_pReport` is then replaced.
+    /// The whole content of a file or of an open device. When it is refused: no value, and
+    /// `*a_pReport` is replaced.
     [[nodiscard]] std::optional<QByteArray> load(const QString& a_sFile, QString* a_pError,
                                                  ReadingReport* a_pReport) const;
     [[nodiscard]] std::optional<QByteArray> load(QIODevice* a_pDevice, QString* a_pError,

@@ -22,7 +22,11 @@ constexpr auto s_uiMost = static_cast<std::size_t>(ReadingReport::s_iMaximumEntr
 
 QString shortened(const QString& a_sText, qsizetype a_iCharacters)
 {
-    return a_sText.size() <= a_iCharacters ? a_sText : a_sText.left(a_iCharacters) + u'…';
+    if (a_sText.size() <= a_iCharacters) {
+        return a_sText;
+    }
+    const qsizetype iHalf = a_sText.at(a_iCharacters - 1).isHighSurrogate() ? 1 : 0;
+    return a_sText.left(a_iCharacters - iHalf) + u'…';
 }
 
 Severity severityOf(QLatin1String a_sRule)
@@ -153,7 +157,7 @@ QString similarName(QByteArrayView a_name, std::span<const QLatin1String> a_name
     for (const QLatin1String sName : a_names) {
         names.append(sName);
     }
-    return similarName(shownText(a_name), names);
+    return similarName(shownText(a_name.trimmed()), names);
 }
 
 QString similarName(const QString& a_sName, const QStringList& a_names)
@@ -192,7 +196,7 @@ ReadingEntry* XmlDeviations::entryFor(QLatin1String a_sRule, qsizetype a_iOffset
     return &deviation.entry;
 }
 
-/// Counts all but the first deviations in the order of the text.
+/// Keeps the first deviations in the order of the text, and counts the others.
 void XmlDeviations::keepFirst()
 {
     const auto byOffset = [](const Deviation& a_first, const Deviation& a_second) {

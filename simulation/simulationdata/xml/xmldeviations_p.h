@@ -15,10 +15,10 @@
 
 namespace Simulation {
 
-/// Collects what a document says against its format while it is read. The places are
-/// offsets until the end, so that nothing is calculated for a document without
-/// deviations. Memory is bounded: of many deviations only those are kept that the report
-/// can list, and the others are counted. Used by one reading.
+/// Collects where a document deviates from its format. Only offsets are stored while the
+/// document is read; report() calculates lines and paths. Memory is bounded: of many
+/// deviations only those are kept that the report can list, and the others are counted.
+/// One object is used for one reading.
 class XmlDeviations
 {
 public:

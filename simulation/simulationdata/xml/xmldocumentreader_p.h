@@ -15,7 +15,7 @@ namespace Simulation {
 
 /// A reader over one whole document from an untrusted source. The text is decoded and
 /// checked first. A valid text is read where it is. Any other text, and one with a
-/// document type, goes through a stream reader, which knows how much of it can be used; a
+/// document type, goes through a stream reader, which reads up to the error; a
 /// text that exceeds a limit is cut off there, as if the document ended. One object is
 /// used by one thread at a time.
 class XmlDocumentReader

@@ -33,7 +33,8 @@ bool isNumberWithUnit(QByteArrayView a_text)
 QString rangeText(const XmlRange& a_range)
 {
     const QString sUnit = *a_range.unit == 0 ? QString() : u' ' + QString::fromUtf8(a_range.unit);
-    if (std::isinf(a_range.maximum)) {
+    constexpr double dLargestUnsigned = std::numeric_limits<std::uint32_t>::max();
+    if (std::isinf(a_range.maximum) || a_range.maximum == dLargestUnsigned) {
         return (a_range.isMinimumExcluded ? QStringLiteral("greater than %1%2")
                                           : QStringLiteral("%1%2 or more"))
             .arg(QString::number(a_range.minimum), sUnit);

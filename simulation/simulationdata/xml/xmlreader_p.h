@@ -35,7 +35,7 @@ struct XmlText
 struct XmlAttribute
 {
     QByteArrayView name;
-    XmlText value; ///< with the offset of the name
+    XmlText value; ///< its offset is that of the attribute's name
 };
 
 /// The numbers that make sense as a value, and their unit.
@@ -56,11 +56,10 @@ inline constexpr XmlRange s_anyNumber;
 
 /// Walks through the elements of a document: one interface for every source of XML.
 ///
-/// The reader is on the start of an element, or after its end. nextChild() moves to the
-/// next child, which is read with nextChild(), text() or skip() up to its end before
-/// nextChild() is called for the parent again. What the document says against its format
-/// goes to the deviations, if there are any. A reader that reaches an error behaves as if
-/// all open elements ended there.
+/// nextChild() moves to the next child of the current element. Read each child to its end
+/// with nextChild(), text() or skip() before you ask for the next one. Deviations from the
+/// format are added to the deviations object, unless it is null. After an error all open
+/// elements end.
 class XmlReader
 {
 public:
@@ -78,7 +77,8 @@ public:
     /// different number.
     [[nodiscard]] virtual std::optional<XmlText> text() = 0;
 
-    /// Skips the rest of the current element. Nothing inside is reported.
+    /// Skips the rest of the current element. Neither its content nor its unread
+    /// attributes are reported.
     void skip();
 
     /// Ends the reading: the document breaks off here for that reason.

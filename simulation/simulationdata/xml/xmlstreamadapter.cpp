@@ -1,10 +1,13 @@
 #include "xmlstreamadapter_p.h"
 
 #include "xmltext_p.h"
+#include "xmltextreader_p.h"
 
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace Simulation {
@@ -62,11 +65,14 @@ void XmlStreamReader::startElement()
     // A value contains no '<', so the last one is that of the tag.
     m_iOffset = iEnd < 0 ? -1 : m_text.first(iEnd).lastIndexOf('<');
     const QXmlStreamAttributes attributes = m_stream.attributes();
-    for (const QXmlStreamAttribute& attribute : attributes) {
-        const QByteArrayView name = kept(attribute.qualifiedName().toUtf8());
-        const qsizetype iName = m_iOffset < 0 ? -1 : m_text.indexOf(name, m_iOffset + 1 + m_name.size());
-        m_attributes.push_back(
-            {name, {kept(attribute.value().toUtf8()), iName >= 0 && iName < iEnd ? iName : m_iOffset}});
+    // The same tag, read where it is, has the attributes in the same order.
+    XmlTextReader places(m_iOffset < 0 ? QByteArrayView() : m_text.first(iEnd), nullptr,
+                         std::max<qsizetype>(m_iOffset, 0));
+    const bool bPlaced = m_iOffset >= 0 && places.nextChild() && std::ssize(places.attributes()) >= attributes.size();
+    for (qsizetype i = 0; i < attributes.size(); ++i) {
+        const qsizetype iPlace = bPlaced ? places.attributes()[static_cast<std::size_t>(i)].value.offset : m_iOffset;
+        m_attributes.push_back({kept(attributes[i].qualifiedName().toUtf8()),
+                                {kept(attributes[i].value().toUtf8()), iPlace}});
     }
     tagRead();
 }
@@ -74,7 +80,7 @@ void XmlStreamReader::startElement()
 bool XmlStreamReader::nextChild()
 {
     leaveTag();
-    while (m_stream.readNext() != QXmlStreamReader::Invalid) {
+    for (qsizetype iText = position(); m_stream.readNext() != QXmlStreamReader::Invalid; iText = position()) {
         if (m_stream.isStartElement()) {
             startElement();
             return true;
@@ -83,7 +89,7 @@ bool XmlStreamReader::nextChild()
             return false;
         }
         if (m_stream.isCharacters() && deviations() != nullptr) {
-            reportText(m_stream.text().toUtf8(), -1);
+            reportText(m_stream.text().toUtf8(), iText);
         }
     }
     return false;
@@ -93,7 +99,10 @@ std::optional<XmlText> XmlStreamReader::text()
 {
     leaveTag();
     QString sText;
-    const qsizetype iOffset = position();
+    const qsizetype iEnd = position();
+    // After "<name/>" there is no text: the element itself is its place.
+    const bool bEmpty = iEnd >= 2 && m_text.first(iEnd).endsWith("/>");
+    const qsizetype iOffset = bEmpty ? m_iOffset : iEnd;
     for (;;) {
         switch (m_stream.readNext()) {
         case QXmlStreamReader::Characters:

@@ -15,8 +15,8 @@ class QXmlStreamWriter;
 namespace Simulation {
 
 /// Reads from a stream reader: for callers that bring their own, and for documents that
-/// XmlTextReader does not read, because they are not valid or have a document type. Other
-/// than XmlTextReader it converts every name and value.
+/// XmlTextReader does not read, because they are not valid or have a document type. Unlike
+/// XmlTextReader, it converts every name and value.
 class XmlStreamReader : public XmlReader
 {
 public:

@@ -40,8 +40,8 @@ bool isLiteral(const char* a_pFrom, const char* a_pTo, XmlTextPlace a_ePlace)
     });
 }
 
-/// The text with each line end as one line feed, and outside sections with references
-/// replaced. In an attribute's value each line end and tab is a blank.
+/// The text as an application gets it. A line end becomes a line feed; in an attribute's
+/// value, line ends and tabs become blanks. References are replaced, except in a section.
 QByteArray converted(QByteArrayView a_text, XmlTextPlace a_ePlace)
 {
     QByteArray text;
@@ -99,7 +99,7 @@ bool XmlTextReader::nextChild()
             return false;
         }
         if (m_pNext[1] == '/') {
-            endTag();
+            skipTag();
             return false;
         }
         if (!skipMarkup()) {
@@ -109,8 +109,8 @@ bool XmlTextReader::nextChild()
     }
 }
 
-/// Reads the rest of a tag.
-void XmlTextReader::endTag()
+/// Reads the rest of a start tag or end tag.
+void XmlTextReader::skipTag()
 {
     m_pNext = find('>', m_pNext);
     m_pNext += m_pNext != m_pEnd ? 1 : 0;
@@ -169,7 +169,7 @@ void XmlTextReader::startElement()
         readAttribute();
     }
     m_bEmptyElement = m_pNext != m_pEnd && *m_pNext == '/';
-    endTag();
+    skipTag();
     tagRead();
 }
 
@@ -200,10 +200,10 @@ QByteArrayView XmlTextReader::value(const char* a_pFrom, const char* a_pTo, XmlT
 std::optional<XmlText> XmlTextReader::text()
 {
     leaveTag();
-    const qsizetype iOffset = position();
     if (std::exchange(m_bEmptyElement, false)) {
-        return XmlText{QByteArrayView(m_pNext, m_pNext), iOffset};
+        return XmlText{QByteArrayView(m_pNext, m_pNext), m_iOffset};
     }
+    const qsizetype iOffset = position();
     const char* const pFrom = m_pNext;
     const char* const pTo = find('<', pFrom);
     if (m_pEnd - pTo < 2) {
@@ -214,7 +214,7 @@ std::optional<XmlText> XmlTextReader::text()
         return mixedText(pFrom);
     }
     m_pNext = pTo;
-    endTag();
+    skipTag();
     return XmlText{value(pFrom, pTo, XmlTextPlace::Content), iOffset};
 }
 
@@ -233,7 +233,7 @@ std::optional<XmlText> XmlTextReader::mixedText(const char* a_pFrom)
             return std::nullopt;
         }
         if (rest[1] == '/') {
-            endTag();
+            skipTag();
             return XmlText{m_copies.emplace_back(std::move(text)), a_pFrom - m_pStart};
         }
         if (rest.startsWith(s_sectionOpen)) {

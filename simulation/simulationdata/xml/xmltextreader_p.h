@@ -20,9 +20,9 @@ enum class XmlTextPlace : unsigned char {
 
 /// Reads a UTF-8 text that XmlValidator has found valid, without document type. The
 /// text is read where it is: a value is copied only when it contains a reference or a
-/// line end that has to be replaced. Of a text that is not valid, the reader returns
-/// something, but never reads outside it. Linear in the bytes; memory is that of the
-/// longest element with copied values.
+/// line end that has to be replaced. Of a text that is not valid the result is arbitrary,
+/// but no byte outside the text is read. Time is linear in the bytes. Memory is that of the
+/// values of one element that had to be copied.
 class XmlTextReader : public XmlReader
 {
 public:
@@ -47,7 +47,7 @@ private:
     void readAttribute();
     QByteArrayView value(const char* a_pFrom, const char* a_pTo, XmlTextPlace a_ePlace);
     std::optional<XmlText> mixedText(const char* a_pFrom);
-    void endTag();
+    void skipTag();
     bool skipMarkup();
     QByteArrayView section() const;
     void skipPast(QByteArrayView a_end);
@@ -62,8 +62,8 @@ private:
     QString m_sError;
 };
 
-/// The place after the first bytes of a text, as a stream reader counts it: the column
-/// is the number of UTF-16 units since the line end.
+/// The place after the bytes, as a stream reader counts: the line from 1, and the column
+/// from 0 in UTF-16 units.
 [[nodiscard]] XmlPosition streamPosition(QByteArrayView a_text);
 
 } // namespace Simulation

@@ -24,6 +24,10 @@ void XmlNames::reportUnknownElement(XmlReader& a_reader) const
 
 void XmlNames::reportUnknownAttribute(XmlReader& a_reader, const XmlAttribute& a_attribute) const
 {
+    // Authors who validate with a schema name it in the document.
+    if (a_attribute.name.startsWith("xmlns") || a_attribute.name.startsWith("xsi:")) {
+        return;
+    }
     a_reader.deviations()->add(
         ReadingReport::s_sUnknownAttribute, a_attribute.value.offset, [&](ReadingEntry& a_entry) {
             a_entry.found = shownText(a_attribute.name);
@@ -45,13 +49,13 @@ void XmlNames::reportMissingElements(XmlReader& a_reader, qsizetype a_iOffset, s
             a_reader.deviations()->add(
                 ReadingReport::s_sMissingElement, a_iOffset, [&](ReadingEntry& a_entry) {
                     a_entry.message =
-                        QStringLiteral("The element \"%1\" is missing: its default is used.").arg(m_names[i]);
+                        QStringLiteral("The element \"%1\" is missing: what it describes keeps its default.").arg(m_names[i]);
                 });
         }
     }
     if (!choice.isEmpty() && !bChosen) {
         a_reader.deviations()->add(ReadingReport::s_sMissingElement, a_iOffset, [&](ReadingEntry& a_entry) {
-            a_entry.message = QStringLiteral("One of the elements %1 is missing: a default is used.")
+            a_entry.message = QStringLiteral("One of the elements %1 is missing: nothing is set.")
                                   .arg(choice.join(QStringLiteral(", ")));
         });
     }
@@ -63,7 +67,7 @@ void XmlNames::reportMissingAttributes(XmlReader& a_reader, std::uint32_t a_uiSe
         if (m_occurs[i] == XmlOccurs::Once && (a_uiSeen >> i & 1U) == 0) {
             a_reader.deviations()->add(
                 ReadingReport::s_sMissingAttribute, a_reader.offset(), [&](ReadingEntry& a_entry) {
-                    a_entry.message = QStringLiteral("The attribute \"%1\" is missing: its default is used.")
+                    a_entry.message = QStringLiteral("The attribute \"%1\" is missing: it is read as empty, 0 or false.")
                                           .arg(m_names[i]);
                 });
         }
@@ -77,8 +81,8 @@ void reportDuplicateElement(XmlReader& a_reader, bool a_bFirstCounts)
             ReadingReport::s_sDuplicateElement, a_reader.offset(), [&](ReadingEntry& a_entry) {
                 a_entry.found = shownText(a_reader.name());
                 a_entry.message = a_bFirstCounts
-                                      ? QStringLiteral("The element occurs again: the first one is used.")
-                                      : QStringLiteral("The element occurs again: the last one is used.");
+                                      ? QStringLiteral("An element before it has the same meaning: the first one is used.")
+                                      : QStringLiteral("An element before it has the same meaning: the last one is used.");
             });
     }
 }

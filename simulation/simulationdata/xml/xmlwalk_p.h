@@ -55,7 +55,7 @@ struct XmlField
     void (*read)(XmlReader& a_reader, const XmlText& a_text, Record& a_record);
 };
 
-/// Reports the element that was started last: an earlier one has the same meaning.
+/// Reports that the element started last repeats an earlier one, or the meaning of one.
 void reportDuplicateElement(XmlReader& a_reader, bool a_bFirstCounts);
 
 /// How often an entry of a table occurs; each field of a record occurs once.
@@ -69,8 +69,8 @@ template<typename Entry>
     }
 }
 
-/// A field that an accessor pair of the record holds: a text, a real number or an
-/// unsigned number with its range.
+/// A field that the record offers with a getter and a setter: a text, a real number or an
+/// unsigned number. The range holds for numbers.
 template<typename Record, auto Get, auto Set, const XmlRange& Range = s_anyNumber>
 [[nodiscard]] constexpr XmlField<Record> xmlField(const char* a_szName)
 {
@@ -98,7 +98,7 @@ template<typename Record, auto Get, auto Set, const XmlRange& Range = s_anyNumbe
             }};
 }
 
-/// A table has a bit for each entry.
+/// The entries of a table are counted in the bits of a 32-bit number.
 constexpr std::size_t s_uiMostEntries = 32;
 
 /// The index of an entry of a table; its size when there is none of that name.
@@ -123,7 +123,7 @@ template<typename Entry, typename... Occurs>
     return uiBits;
 }
 
-/// The names of a table, which are needed only when something is reported.
+/// The names of a table. An object is made only when something is reported.
 class XmlNames
 {
 public:

@@ -51,17 +51,17 @@ const char* escaped(char16_t a_cUnit, XmlEscape a_eEscape)
 void appendEscaped(QByteArray& a_target, QStringView a_sText, XmlEscape a_eEscape)
 {
     constexpr char16_t cFirstPrintable = 0x20;
-    constexpr char16_t cFirstNonAscii = 0x7F;
+    constexpr char16_t cFirstNotPlain = 0x7F;
     for (qsizetype i = 0; i < a_sText.size(); ++i) {
         const char16_t c = a_sText[i].unicode();
         if (const char* const szEscaped = escaped(c, a_eEscape)) {
             a_target.append(szEscaped);
-        } else if ((c >= cFirstPrintable && c < cFirstNonAscii) || c == u'\n' || c == u'\t') {
+        } else if ((c >= cFirstPrintable && c < cFirstNotPlain) || c == u'\n' || c == u'\t') {
             a_target.append(static_cast<char>(c));
         } else {
-            // The rest of characters that need more than one byte, or are forbidden.
+            // A run of characters that are not ASCII or that XML forbids.
             qsizetype iEnd = i + 1;
-            while (iEnd < a_sText.size() && a_sText[iEnd].unicode() >= cFirstNonAscii) {
+            while (iEnd < a_sText.size() && a_sText[iEnd].unicode() >= cFirstNotPlain) {
                 ++iEnd;
             }
             a_target.append(cleanXmlText(a_sText.sliced(i, iEnd - i).toString()).toUtf8());

@@ -29,7 +29,7 @@ public:
     virtual void attribute(QLatin1String a_sName, QStringView a_sValue) = 0;
     virtual void text(QStringView a_sText) = 0;
 
-    /// The same for an ASCII value without special characters.
+    /// Like attribute() and text(), for ASCII without characters that need escaping.
     virtual void plainAttribute(QLatin1String a_sName, QLatin1String a_sValue) = 0;
     virtual void plainText(QLatin1String a_sText) = 0;
 
@@ -60,7 +60,8 @@ public:
         : m_bytes(a_bytes)
     {}
 
-    /// Writes the XML declaration, with the encoding when the document leaves as bytes.
+    /// Writes the XML declaration. `a_bEncoding`: whether it names UTF-8; false for a
+    /// document that becomes a string.
     void startDocument(bool a_bEncoding = true);
     /// Ends the document with a line feed.
     void endDocument() { m_bytes.append('\n'); }
@@ -85,7 +86,7 @@ private:
 
 /// Where an escaped text is written.
 enum class XmlEscape : unsigned char {
-    Text,  ///< beside elements
+    Text,  ///< the text of an element
     Value, ///< as an attribute's value: tabs and line ends are escaped, too
 };
 
