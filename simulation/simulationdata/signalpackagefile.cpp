@@ -260,7 +260,8 @@ SignalPackage readDescriptor(const QByteArray& a_descriptor, const QString& a_sW
         traceUnreadable(a_sWhat, sReason);
     } else {
         deviations.add(ReadingReport::s_sBrokenOff, record.errorOffset(), [&](ReadingEntry& a_entry) {
-            a_entry.message = QStringLiteral("Nothing is read: %1.").arg(sReason);
+            a_entry.message = QStringLiteral("Nothing is read: ") + sReason +
+                              (sReason.endsWith(u'.') ? QString() : QStringLiteral("."));
         });
     }
     if (a_pReport != nullptr) {

@@ -59,10 +59,10 @@ const QMap<QString, Expectation> s_expectations{
     {QStringLiteral("simulationtool inspect --json - < harbour.sce.exp"),
      {Way::Foreground, 0, "\"verdict\": \"whole\""}},
     {QStringLiteral("simulationtool check harbour.sce.exp --repository packages --repair mended.sce.exp"),
-     {Way::Foreground, 1, "1 finding, 1 repaired"}},
+     {Way::Foreground, 1, "1 error, 0 warnings, 1 repaired"}},
     {QStringLiteral(
          "simulationtool check harbour.sce.exp --repository packages --repair harbour.sce.exp --force"),
-     {Way::Foreground, 1, "1 finding, 1 repaired, written to harbour.sce.exp$"}},
+     {Way::Foreground, 1, "1 error, 0 warnings, 1 repaired, written to harbour.sce.exp$"}},
     {QStringLiteral("simulationtool play mended.sce.exp --repository packages --csv harbour.csv"),
      {Way::Foreground, 0, ""}},
     {QStringLiteral(

@@ -44,4 +44,18 @@ inline QStringList simplifiedLines(const QString& a_sText)
     return lines;
 }
 
+/// Part of the line that counts what the reader of a document skipped or replaced.
+inline const QString s_sSeeCheck = QStringLiteral(": see them with: simulationtool check ");
+
+/// The error text without that line.
+inline QString withoutCounts(const QString& a_sErrors)
+{
+    QString sErrors;
+    const QStringList lines = a_sErrors.split(u'\n', Qt::SkipEmptyParts);
+    for (const QString& sLine : lines) {
+        sErrors += sLine.contains(s_sSeeCheck) ? QString() : sLine + u'\n';
+    }
+    return sErrors;
+}
+
 #endif

@@ -40,9 +40,9 @@ ReadingReport reportOf(const QString& a_sReason)
 void reportBrokenOff(XmlDeviations& a_deviations, XmlDocumentReader& a_document, const QString& a_sError, bool a_bKept)
 {
     a_deviations.add(ReadingReport::s_sBrokenOff, a_document.errorOffset(), [&](ReadingEntry& a_entry) {
-        a_entry.message = (a_bKept ? QStringLiteral("The document breaks off; what stands before is kept: %1")
-                                   : QStringLiteral("Nothing is read: %1"))
-                              .arg(asSentence(a_sError));
+        // Some error texts end with a full stop of their own.
+        a_entry.message = QStringLiteral("The document breaks off, and what is read before is kept: ") +
+                          a_sError + (a_sError.endsWith(u'.') ? QString() : QStringLiteral("."));
     });
 }
 

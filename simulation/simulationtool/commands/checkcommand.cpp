@@ -1,57 +1,35 @@
 #include "checkcommand.h"
 
-#include "checkfinding.h"
+#include "checkdocument.h"
+#include "checkrepair.h"
 #include "console/inputfile.h"
 #include "console/interruption.h"
-#include "console/jsonreport.h"
 #include "console/output.h"
 #include "console/outputfile.h"
 #include "console/progress.h"
-#include "console/valuetexts.h"
-#include "describe/documentloss.h"
+#include "describe/folderdocuments.h"
 #include "describe/verdict.h"
 #include "programs/repositoryfolder.h"
 #include "programs/repositorypackages.h"
 
 #include "simulationdata/deploymentdataxml.h"
 #include "simulationdata/scenariochecker.h"
-#include "simulationdata/scenariodataxml.h"
 #include "simulationdata/signalpackagefolder.h"
 #include "simulationdata/simulationlimits.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
 
 #include <QFileInfo>
 
-#include <optional>
+#include <algorithm>
+
+#include <unistd.h>
 
 namespace SimulationTool {
 
 namespace {
 
-/// Names the parts of a document that its reader did not keep. The text completes
-/// "would lose ..."; it is empty when the reader kept all parts.
-QString lossOf(const Simulation::ScenarioDataXml& a_scenario, const QByteArray& a_source,
-               const QByteArray& a_written)
-{
-    if (!a_scenario.mergedIds().isEmpty()) {
-        return QStringLiteral("all but one of several emitters with one id");
-    }
-    return documentLoss(a_source, a_written, Notes::Count);
-}
-
-/// Saves the content in a new file, whose name is the canonical path of `a_sFile` with
-/// "~" added. Returns the new name. When the new file exists already or cannot be
-/// written, writes one line to standard error and returns no value.
-std::optional<QString> keepFormer(const QString& a_sFile, const QByteArray& a_content)
-{
-    const QString sBackup = QFileInfo(a_sFile).canonicalFilePath() + u'~';
-    if (QFileInfo::exists(sBackup)) {
-        complain(QStringLiteral("%1: exists already: move it elsewhere, it may be the only complete copy")
-                     .arg(sBackup));
-        return std::nullopt;
-    }
-    return replaceFile(sBackup, a_content) == ExitCode::Ok ? std::make_optional(sBackup) : std::nullopt;
-}
+constexpr qsizetype s_iMostOfDocument = 1000; ///< listed findings
+constexpr qsizetype s_iMostOfRun = 25'000;    ///< listed findings; review systems read no more
 
 /// Knows the ids of a repository, but keeps every emission's own package record, so
 /// that a repaired document names the same packages as before.
@@ -75,49 +53,55 @@ private:
     RepositoryPackages& m_packages;
 };
 
-/// Checks files one after another against the same packages and classes, and counts
-/// the findings. Does not own the options, the packages and the output.
-class FileCheck
+/// Checks documents one after another against the same packages, classes and deployment,
+/// and counts the findings. Does not own the options, the packages and the output.
+class Check
 {
 public:
     /// `a_pKnownIds` is null when packages are not checked.
-    FileCheck(const CheckOptions& a_options, Simulation::ISignalPackageProvider* a_pKnownIds,
-              Output& a_output);
+    Check(const CheckOptions& a_options, Simulation::ISignalPackageProvider* a_pKnownIds, Output& a_output);
 
-    /// Checks all files and writes the summary; an interrupted check writes none.
+    /// Checks all documents and writes the summary; an interrupted check writes none.
     [[nodiscard]] ExitCode run();
 
 private:
-    [[nodiscard]] ExitCode check(InputFile& a_file);
-    [[nodiscard]] ExitCode checkDeployment(const InputFile& a_file);
-    [[nodiscard]] ExitCode checkScenario(const InputFile& a_file);
-    [[nodiscard]] ExitCode report(const InputFile& a_file, const CheckFindings& a_findings);
-    void reportFinding(const InputFile& a_file, const Simulation::ScenarioFinding& a_finding);
-    [[nodiscard]] ExitCode refuse(const InputFile& a_file, const QString& a_sReason);
-    [[nodiscard]] ExitCode repair(const InputFile& a_file, const QString& a_sLoss,
-                                  const QByteArray& a_document);
-    [[nodiscard]] bool mayReplace(const InputFile& a_file, const QString& a_sLoss,
-                                  const QByteArray& a_source);
-    void writeSummary();
+    [[nodiscard]] bool openDeployment();
+    [[nodiscard]] ExitCode checkPath(const QString& a_sPath);
+    [[nodiscard]] ExitCode checkFolder(const QString& a_sFolder);
+    [[nodiscard]] ExitCode checkFile(InputFile& a_file, const DocumentScope& a_scope);
+    [[nodiscard]] ExitCode report(const InputFile& a_file, DocumentFindings& a_findings);
+    void leaveOut(DocumentFindings& a_findings) const;
+    void count(Simulation::Severity a_eSeverity, quint64 a_uiCount);
+    [[nodiscard]] ExitCode refuse(const InputFile& a_file, const CheckedDocument& a_checked);
+    [[nodiscard]] ExitCode refuseFolder(const QString& a_sFolder, const QString& a_sReason);
+    [[nodiscard]] bool isOver() const { return isInterrupted() || !m_output.isOk(); }
 
     const CheckOptions& m_options;
     Output& m_output;
-    Report m_report;
+    std::unique_ptr<CheckOutput> m_report;
+    InputFile m_deploymentFile;
+    Simulation::DeploymentDataXml m_deployment;
+    QSet<QString> m_deploymentFindings; ///< texts of the findings that the deployment has on its own
     Simulation::ScenarioChecker m_checker;
-    quint64 m_uiChecked = 0; ///< files
-    quint64 m_uiUnreadable = 0;
-    quint64 m_uiFindings = 0; ///< without notes
-    quint64 m_uiNotes = 0;
-    quint64 m_uiRepaired = 0;
-    bool m_bWritten = false;
+    CheckSummary m_summary;
+    qsizetype m_iListed = 0;
+    bool m_bExcerpts; ///< standard output is a terminal
+    Progress m_progress{QStringLiteral("checking")};
 };
 
-FileCheck::FileCheck(const CheckOptions& a_options, Simulation::ISignalPackageProvider* a_pKnownIds,
-                     Output& a_output)
+/// Identifies a finding of the checker among those of other documents.
+QString keyOf(const QString& a_sRule, const QString& a_sObjectId, const QString& a_sText)
+{
+    return a_sRule + u'\n' + a_sObjectId + u'\n' + a_sText;
+}
+
+Check::Check(const CheckOptions& a_options, Simulation::ISignalPackageProvider* a_pKnownIds, Output& a_output)
     : m_options(a_options)
     , m_output(a_output)
-    , m_report(a_output, a_options.form)
+    , m_report(makeCheckOutput(a_output, a_options.form))
+    , m_deploymentFile(a_options.deployment)
     , m_checker(a_pKnownIds)
+    , m_bExcerpts(a_options.form == CheckForm::Text && ::isatty(STDOUT_FILENO) == 1)
 {
     m_checker.setKnownClasses(a_options.classes);
     if (a_pKnownIds != nullptr) {
@@ -125,192 +109,189 @@ FileCheck::FileCheck(const CheckOptions& a_options, Simulation::ISignalPackagePr
     }
 }
 
-void FileCheck::reportFinding(const InputFile& a_file, const Simulation::ScenarioFinding& a_finding)
+/// Reads the deployment for the scenarios. False after one line on standard error.
+bool Check::openDeployment()
 {
-    const bool bNote = a_finding.severity == Simulation::Severity::Note;
-    ++(bNote ? m_uiNotes : m_uiFindings);
-    m_uiRepaired += a_finding.repaired ? 1 : 0;
-    const QString sName =
-        a_finding.objectName.isEmpty() ? QString() : QStringLiteral(" (") + a_finding.objectName + u')';
-    const bool bObject = !isOfDocument(a_finding.ruleId);
-    m_report.record("findings",
-                    {{QStringLiteral("object_id"), jsonText(a_finding.objectId)},
-                     {QStringLiteral("object_name"), jsonText(a_finding.objectName)},
-                     {QStringLiteral("rule"), a_finding.ruleId},
-                     {QStringLiteral("severity"), severityName(a_finding.severity)},
-                     {QStringLiteral("text"), a_finding.text},
-                     {QStringLiteral("repaired"), a_finding.repaired}},
-                    a_file.name() + QStringLiteral(": ") +
-                        (bObject ? orDash(a_finding.objectId) + sName + QStringLiteral(": ") : QString()) +
-                        a_finding.text + QStringLiteral(" [") + a_finding.ruleId +
-                        (bNote ? QStringLiteral(", note]") : QStringLiteral("]")));
+    if (!m_deploymentFile.prepare(Simulation::Limits::value(Simulation::Limits::DocumentBytes))) {
+        return false;
+    }
+    if (!m_deployment.fromXmlFile(m_deploymentFile.path())) {
+        complain(QStringLiteral("%1: cannot be read as a deployment document: %2")
+                     .arg(m_deploymentFile.name(), m_deployment.errorString()));
+        return false;
+    }
+    m_checker.check(m_deployment);
+    for (const Simulation::ScenarioFinding& finding : m_checker.findings()) {
+        m_deploymentFindings.insert(keyOf(finding.ruleId, finding.objectId, finding.text));
+    }
+    m_checker.setDeployment(&m_deployment);
+    return true;
 }
 
-/// Notes alone do not change the exit code: nothing is wrong.
-ExitCode FileCheck::report(const InputFile& a_file, const CheckFindings& a_findings)
+void Check::count(Simulation::Severity a_eSeverity, quint64 a_uiCount)
 {
-    ++m_uiChecked;
-    m_report.list("findings");
-    const quint64 uiBefore = m_uiFindings;
-    for (const Simulation::ScenarioFinding& finding : a_findings) {
-        reportFinding(a_file, finding);
+    switch (a_eSeverity) {
+    case Simulation::Severity::Note:
+        m_summary.notes += a_uiCount;
+        break;
+    case Simulation::Severity::Warning:
+        m_summary.warnings += a_uiCount;
+        break;
+    default:
+        m_summary.errors += a_uiCount;
+        break;
     }
-    return m_uiFindings == uiBefore ? ExitCode::Ok : ExitCode::Findings;
 }
 
-/// Whether the repaired scenario, which lacks `a_sLoss`, may be written. It may replace
-/// its input file only if `a_sLoss` is empty, or with --force. With --force, saves the
-/// former file.
-bool FileCheck::mayReplace(const InputFile& a_file, const QString& a_sLoss, const QByteArray& a_source)
+/// Removes the findings of the rules that are not selected.
+void Check::leaveOut(DocumentFindings& a_findings) const
 {
-    if (a_sLoss.isEmpty() || !a_file.isSameAs(m_options.repairFile)) {
-        return true;
+    a_findings.listed.removeIf(
+        [&](const CheckFinding& a_finding) { return !m_options.rules.accepts(a_finding.ruleId); });
+    const QStringList rules = a_findings.unlisted.keys();
+    for (const QString& sRule : rules) {
+        if (!m_options.rules.accepts(sRule)) {
+            a_findings.unlisted.remove(sRule);
+        }
     }
-    if (m_options.force) {
-        const std::optional<QString> backup = keepFormer(m_options.repairFile, a_source);
-        m_report.value("former_file", backup.value_or(QString()));
-        return backup.has_value();
-    }
-    complain(QStringLiteral("check: %1: not replaced, because it would lose %2: give --repair another file, "
-                            "or add --force, which keeps the former file, \"~\" added to its name")
-                 .arg(a_file.name(), a_sLoss));
-    return false;
 }
 
-/// Writes the repaired document, which lacks `a_sLoss`.
-ExitCode FileCheck::repair(const InputFile& a_file, const QString& a_sLoss, const QByteArray& a_document)
+/// Reports and counts the findings. Notes alone do not change the exit code: nothing is
+/// wrong.
+ExitCode Check::report(const InputFile& a_file, DocumentFindings& a_findings)
 {
-    if (a_document.isEmpty()) {
-        complain(
-            QStringLiteral("%1: not written: %2")
-                .arg(m_options.repairFile, Simulation::Limits::exceeded(Simulation::Limits::DocumentBytes)));
+    const quint64 uiBefore = m_summary.errors + m_summary.warnings;
+    for (const CheckFinding& finding : a_findings.listed) {
+        count(finding.severity, 1);
+        m_summary.repaired += finding.repaired ? 1 : 0;
+    }
+    for (auto rule = a_findings.unlisted.cbegin(); rule != a_findings.unlisted.cend(); ++rule) {
+        count(checkRules().at(ruleIndex(rule.key())).severity, rule.value());
+    }
+    limitListed(a_findings, std::min(s_iMostOfDocument, s_iMostOfRun - m_iListed));
+    m_iListed += a_findings.listed.size();
+    std::optional<SourceExcerpts> source;
+    for (const CheckFinding& finding : a_findings.listed) {
+        const bool bExcerpt = m_bExcerpts && finding.place.isKnown();
+        if (bExcerpt && !source) {
+            source.emplace(a_file.content());
+        }
+        m_report->addFinding(finding,
+                             bExcerpt ? source->at(finding.place.line, finding.place.column) : std::nullopt);
+    }
+    m_report->addUnlisted(a_findings.unlisted);
+    return m_summary.errors + m_summary.warnings == uiBefore ? ExitCode::Ok : ExitCode::Findings;
+}
+
+/// Reports that the document cannot be read. A finding with a place says so already.
+ExitCode Check::refuse(const InputFile& a_file, const CheckedDocument& a_checked)
+{
+    ++m_summary.unreadable;
+    m_report->addError(a_checked.error);
+    const QList<CheckFinding>& listed = a_checked.findings.listed;
+    if (listed.isEmpty() || !listed.constFirst().place.isKnown()) {
+        complain(QStringLiteral("%1: cannot be read as a %2: %3")
+                     .arg(a_file.name(), QLatin1String(kindName(a_checked.kind)), a_checked.error));
+    }
+    return ExitCode::Unusable;
+}
+
+/// Reports that a folder was not checked, or only a part of it.
+ExitCode Check::refuseFolder(const QString& a_sFolder, const QString& a_sReason)
+{
+    ++m_summary.unreadable;
+    m_report->beginFile(a_sFolder);
+    m_report->addError(a_sReason);
+    complain(QStringLiteral("%1: %2").arg(a_sFolder, a_sReason));
+    return ExitCode::Unusable;
+}
+
+ExitCode Check::checkFile(InputFile& a_file, const DocumentScope& a_scope)
+{
+    m_progress.setWork(QStringLiteral("checking ") + a_file.name());
+    m_report->beginFile(a_file.name());
+    if (!a_file.prepare(Simulation::Limits::value(Simulation::Limits::DocumentBytes))) {
+        ++m_summary.unreadable;
+        m_report->addError(QStringLiteral("cannot be read"));
         return ExitCode::Unusable;
     }
-    if (!mayReplace(a_file, a_sLoss, a_file.content())) {
-        return ExitCode::Unusable;
+    CheckedDocument checked = checkDocument(a_file, a_scope, m_checker);
+    checked.findings.listed.removeIf([&](const CheckFinding& a_finding) {
+        return checked.kind == DocumentKind::Scenario &&
+               m_deploymentFindings.contains(keyOf(a_finding.ruleId, a_finding.objectId, a_finding.text));
+    });
+    leaveOut(checked.findings);
+    m_report->setKind(kindName(checked.kind));
+    ExitCode eCode = report(a_file, checked.findings);
+    if (!checked.error.isEmpty()) {
+        return refuse(a_file, checked);
     }
-    const ExitCode eCode = replaceFile(m_options.repairFile, a_document);
-    m_bWritten = eCode == ExitCode::Ok;
-    m_report.value("left_out", jsonText(a_sLoss));
-    if (m_bWritten && !a_sLoss.isEmpty()) {
-        m_report.line(QStringLiteral("%1: the repaired scenario lacks %2").arg(a_file.name(), a_sLoss));
+    ++m_summary.checked;
+    if (a_scope.repair && !isInterrupted()) {
+        const ExitCode eWritten = writeRepaired(a_file, checked, m_options, *m_report);
+        m_summary.writtenFile = eWritten == ExitCode::Ok ? m_options.repairFile : QString();
+        eCode = worse(eCode, eWritten);
     }
     return eCode;
 }
 
-ExitCode FileCheck::refuse(const InputFile& a_file, const QString& a_sReason)
-{
-    ++m_uiUnreadable;
-    m_report.value("error", a_sReason);
-    complain(QStringLiteral("%1: cannot be read as a scenario or deployment document: %2")
-                 .arg(a_file.name(), a_sReason));
-    return ExitCode::Unusable;
-}
-
-ExitCode FileCheck::checkScenario(const InputFile& a_file)
-{
-    // This provider keeps every id while loading. The check must find unknown ids, and
-    // known ids must be written unchanged.
-    Simulation::UnresolvedSignalPackageProvider ids;
-    Simulation::ScenarioDataXml scenario(&ids);
-    if (!scenario.fromXmlFile(a_file.path())) {
-        return refuse(a_file, scenario.errorString());
-    }
-    m_report.value("kind", QStringLiteral("scenario"));
-    // toXml() clears the reader's error text.
-    const bool bBrokeOff = !scenario.errorString().isEmpty();
-    CheckFindings findings = brokenOffFindings(scenario.errorString());
-    m_checker.check(scenario);
-    findings += m_checker.findings();
-    const QByteArray source = a_file.content();
-    const QByteArray document = scenario.toXml();
-    if (!bBrokeOff && scenario.mergedIds().isEmpty()) {
-        findings += unreadFindings(source, document);
-    }
-    const ExitCode eFound = report(a_file, findings);
-    if (m_options.repairFile.isEmpty() || isInterrupted()) {
-        return eFound;
-    }
-    const QString sLoss = bBrokeOff ? QStringLiteral("what follows the place where it broke off")
-                                    : lossOf(scenario, source, document);
-    return worse(eFound, repair(a_file, sLoss, document));
-}
-
-ExitCode FileCheck::checkDeployment(const InputFile& a_file)
-{
-    Simulation::DeploymentDataXml deployment;
-    if (!deployment.fromXmlFile(a_file.path())) {
-        return refuse(a_file, deployment.errorString());
-    }
-    m_report.value("kind", QStringLiteral("deployment"));
-    CheckFindings findings = brokenOffFindings(deployment.errorString()) + versionFindings(deployment);
-    const bool bAsRead = findings.isEmpty() && deployment.mergedDeviceIds().isEmpty() &&
-                         deployment.mergedStationIds().isEmpty();
-    m_checker.check(deployment);
-    findings += m_checker.findings();
-    if (bAsRead) {
-        findings += unreadFindings(a_file.content(), deployment.toXml());
-    }
-    const ExitCode eFound = report(a_file, findings);
-    if (m_options.repairFile.isEmpty()) {
-        return eFound;
-    }
-    complain(
-        QStringLiteral("check: %1: is a deployment, and only scenarios are repaired").arg(a_file.name()));
-    return ExitCode::Unusable;
-}
-
-ExitCode FileCheck::check(InputFile& a_file)
-{
-    m_report.beginItem("files");
-    m_report.value("file", a_file.name());
-    if (!a_file.prepare(Simulation::Limits::value(Simulation::Limits::DocumentBytes))) {
-        ++m_uiUnreadable;
-        return ExitCode::Unusable;
-    }
-    return hasDocumentRoot(a_file.head(), "SimulationDeployment") ? checkDeployment(a_file)
-                                                                  : checkScenario(a_file);
-}
-
-void FileCheck::writeSummary()
-{
-    m_report.endPlace();
-    m_report.value("checked_count", jsonCount(m_uiChecked));
-    m_report.value("unreadable_count", jsonCount(m_uiUnreadable));
-    m_report.value("finding_count", jsonCount(m_uiFindings));
-    m_report.value("note_count", jsonCount(m_uiNotes));
-    m_report.value("repaired_count", jsonCount(m_uiRepaired));
-    m_report.value("written", jsonText(m_bWritten ? m_options.repairFile : QString()));
-    QString sSummary = counted(m_uiChecked, "file") + QStringLiteral(" checked");
-    if (m_uiUnreadable != 0) {
-        sSummary += QStringLiteral(", %1 not readable").arg(m_uiUnreadable);
-    }
-    sSummary += QStringLiteral(": ") + counted(m_uiFindings, "finding");
-    if (m_uiNotes != 0) {
-        sSummary += QStringLiteral(", ") + counted(m_uiNotes, "note");
-    }
-    if (m_bWritten) {
-        sSummary += QStringLiteral(", %1 repaired, written to ").arg(m_uiRepaired) + m_options.repairFile;
-    }
-    m_report.line(sSummary);
-    m_report.finish();
-}
-
-ExitCode FileCheck::run()
+ExitCode Check::checkFolder(const QString& a_sFolder)
 {
     ExitCode eCode = ExitCode::Ok;
-    Progress progress(QStringLiteral("checking"));
-    for (const QString& sFile : m_options.files) {
+    m_progress.setWork(QStringLiteral("searching ") + a_sFolder);
+    const FolderDocuments documents = documentsIn(a_sFolder);
+    for (const QString& sFolder : documents.unreadable) {
+        eCode = refuseFolder(sFolder, QStringLiteral("the folder cannot be read: permission denied"));
+    }
+    if (documents.isCut) {
+        eCode =
+            refuseFolder(a_sFolder, QStringLiteral("holds more than %1 files and folders, the limit, and the "
+                                                   "others are not checked: give a smaller folder")
+                                        .arg(s_iMostEntries));
+    }
+    if (documents.files.isEmpty() && eCode == ExitCode::Ok && !isInterrupted()) {
+        eCode = refuseFolder(a_sFolder, QStringLiteral("the folder holds no documents"));
+    }
+    for (const QString& sFile : documents.files) {
         InputFile file(sFile);
-        progress.setWork(QStringLiteral("checking ") + file.name());
-        eCode = worse(eCode, check(file));
+        const bool bDataFiles = QFileInfo(sFile).fileName() == u"Signal.xml";
+        eCode = worse(eCode, checkFile(file, {bDataFiles, false}));
+        if (isOver()) {
+            break;
+        }
+    }
+    return eCode;
+}
+
+ExitCode Check::checkPath(const QString& a_sPath)
+{
+    if (!isStandardStreamName(a_sPath) && QFileInfo(a_sPath).isDir()) {
+        return checkFolder(a_sPath);
+    }
+    InputFile file(a_sPath);
+    return checkFile(file, {false, !m_options.repairFile.isEmpty()});
+}
+
+ExitCode Check::run()
+{
+    ExitCode eCode = ExitCode::Ok;
+    if (!m_options.deployment.isEmpty()) {
+        if (!openDeployment()) {
+            return ExitCode::Unusable;
+        }
+        eCode = checkFile(m_deploymentFile, {});
+    }
+    for (const QString& sPath : m_options.paths) {
+        if (!isSameFile(m_options.deployment, sPath)) {
+            eCode = worse(eCode, checkPath(sPath));
+        }
         // Neither an error text nor the summary is written here: main() ends an interrupted
         // process by the signal, and reports an error of the output.
-        if (isInterrupted() || !m_output.isOk()) {
+        if (isOver()) {
             return ExitCode::Unusable;
         }
     }
-    writeSummary();
+    m_report->finish(m_summary);
     return eCode;
 }
 
@@ -319,7 +300,7 @@ ExitCode FileCheck::run()
 ExitCode runCheck(const CheckOptions& a_options, Output& a_output)
 {
     if (a_options.repository.isEmpty()) {
-        return FileCheck(a_options, nullptr, a_output).run();
+        return Check(a_options, nullptr, a_output).run();
     }
     catchInterruptions(); // so that an interrupted check removes the temporary cache
     RepositoryPackages packages;
@@ -334,7 +315,7 @@ ExitCode runCheck(const CheckOptions& a_options, Output& a_output)
         return ExitCode::Unusable;
     }
     KnownIds ids(packages);
-    return FileCheck(a_options, &ids, a_output).run();
+    return Check(a_options, &ids, a_output).run();
 }
 
 } // namespace SimulationTool

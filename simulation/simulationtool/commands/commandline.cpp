@@ -29,7 +29,7 @@ const char s_szOverview[] =
     "Commands:\n"
     "  inspect     Show what a scenario, deployment, package or data file holds.\n"
     "  play        Show where every emitter is and what it sends, step by step.\n"
-    "  check       Check scenarios and deployments, and repair scenarios.\n"
+    "  check       Check documents and folders of them, and repair scenarios.\n"
     "  convert     Write the compact form of a scenario, or a document of one.\n"
     "  repository  Prepare a folder for signal packages, or list its packages.\n"
     "  schema      Write the XML schema of a format.\n"

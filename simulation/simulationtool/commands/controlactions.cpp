@@ -3,10 +3,12 @@
 #include "console/output.h"
 #include "console/report.h"
 #include "controlreport.h"
+#include "describe/documentremarks.h"
 #include "programs/servicecontroller.h"
 #include "statuswatch.h"
 
 #include "simulationdata/deploymentdataxml.h"
+#include "simulationdata/readingreport.h"
 #include "simulationdata/scenariodataxml.h"
 #include "simulationdata/simulationlimits.h"
 #include "simulationdata/unresolvedsignalpackageprovider.h"
@@ -112,21 +114,23 @@ ExitCode status(ServiceController& a_controller, const OrderArgument& /*a_argume
     return ExitCode::Ok;
 }
 
-/// The error text for bytes that are not a complete scenario; empty when they are.
-QString scenarioError(const QByteArray& a_content)
+/// Reads the document. Returns the error text for bytes that are not a complete document
+/// of the kind, empty when they are, and sets the reader's report.
+template<typename Document>
+QString errorOf(Document&& a_document, const QByteArray& a_content, Simulation::ReadingReport& a_report)
 {
-    Simulation::UnresolvedSignalPackageProvider unresolved;
-    Simulation::ScenarioDataXml scenario(&unresolved);
-    static_cast<void>(scenario.fromXml(a_content));
-    return scenario.errorString();
+    static_cast<void>(a_document.fromXml(a_content));
+    a_report = a_document.report();
+    return a_document.errorString();
 }
 
-/// The error text for bytes that are not a complete deployment; empty when they are.
-QString deploymentError(const QByteArray& a_content)
+QString documentError(ControlAction::Takes a_eKind, const QByteArray& a_content,
+                      Simulation::ReadingReport& a_report)
 {
-    Simulation::DeploymentDataXml deployment;
-    static_cast<void>(deployment.fromXml(a_content));
-    return deployment.errorString();
+    Simulation::UnresolvedSignalPackageProvider unresolved;
+    return a_eKind == ControlAction::Takes::Scenario
+               ? errorOf(Simulation::ScenarioDataXml(&unresolved), a_content, a_report)
+               : errorOf(Simulation::DeploymentDataXml(), a_content, a_report);
 }
 
 ExitCode watch(ServiceController& a_controller, const OrderArgument& /*a_argument*/, Report& a_report)
@@ -148,8 +152,9 @@ const std::array<ControlAction, 9> s_controlActions{{
     {"watch", ControlAction::Takes::Nothing, false, &watch},
 }};
 
-bool readOrderFile(ControlAction::Takes a_eKind, OrderArgument& a_argument)
+ExitCode readOrderFile(ControlAction::Takes a_eKind, OrderArgument& a_argument, bool a_bStrict)
 {
+    Simulation::ReadingReport report;
     const auto uiLimit = Simulation::Limits::value(Simulation::Limits::DocumentBytes);
     QFile file(a_argument.file);
     QString sError;
@@ -161,13 +166,13 @@ bool readOrderFile(ControlAction::Takes a_eKind, OrderArgument& a_argument)
     } else if (static_cast<std::uint64_t>(a_argument.content.size()) > uiLimit) {
         sError = Simulation::Limits::exceeded(Simulation::Limits::DocumentBytes);
     } else {
-        sError = a_eKind == ControlAction::Takes::Scenario ? scenarioError(a_argument.content)
-                                                           : deploymentError(a_argument.content);
+        sError = documentError(a_eKind, a_argument.content, report);
     }
     if (!sError.isEmpty()) {
         complain(QStringLiteral("%1: %2").arg(a_argument.file, sError));
+        return ExitCode::Unusable;
     }
-    return sError.isEmpty();
+    return complainAbout(report, a_argument.file) && a_bStrict ? ExitCode::Findings : ExitCode::Ok;
 }
 
 } // namespace SimulationTool

@@ -44,8 +44,9 @@ struct ControlAction
 extern const std::array<ControlAction, 9> s_controlActions;
 
 /// Reads the file of the argument, and checks that the file is a complete document of
-/// the kind. False after one line on standard error.
-[[nodiscard]] bool readOrderFile(ControlAction::Takes a_eKind, OrderArgument& a_argument);
+/// the kind. Unusable after one line on standard error. Errors and warnings of the reader
+/// are counted on standard error; they give Findings if the document must be free of them.
+[[nodiscard]] ExitCode readOrderFile(ControlAction::Takes a_eKind, OrderArgument& a_argument, bool a_bStrict);
 
 } // namespace SimulationTool
 

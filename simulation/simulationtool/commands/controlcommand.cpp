@@ -7,6 +7,7 @@
 #include "console/timetext.h"
 #include "console/wholenumber.h"
 #include "controlactions.h"
+#include "describe/documentremarks.h"
 #include "programs/servicecontroller.h"
 
 #include <algorithm>
@@ -43,8 +44,9 @@ const char s_szControl[] =
     "may have followed the order, but control cannot know. The other orders are not\n"
     "confirmed; status shows their effect.\n"
     "\n"
-    "An invalid file is refused before anything is sent. A started scenario continues\n"
-    "after the command has ended.";
+    "An invalid file is refused before anything is sent. When its reader skips or replaces\n"
+    "anything, one line on standard error counts the errors and warnings; --strict refuses\n"
+    "such a file. A started scenario continues after the command has ended.";
 
 const char s_szControlExamples[] =
     "\n"
@@ -58,7 +60,8 @@ const char s_szControlExamples[] =
     "  0  Done; of load, start and deploy: by every device. A watch was interrupted.\n"
     "  1  An order was sent and no device is registered, or one failed, did not confirm\n"
     "     the order, took longer than the timeout, had to replace packages, or has no\n"
-    "     place in the deployment.\n"
+    "     place in the deployment. With --strict: nothing was sent, because the file has\n"
+    "     errors or warnings.\n"
     "  2  Wrong usage, the file was refused, nothing can be paused, the connection was\n"
     "     lost, or nobody answered within the timeout: then it is not known whether the\n"
     "     order was received.\n";
@@ -94,10 +97,10 @@ ExitCode runControl(const ControlAction& a_action, const OrderArgument& a_argume
     return eCode;
 }
 
-/// Reads the action's argument. False with an error text for wrong usage. False
-/// without a text when a file was refused; that error is reported already.
-bool readArgument(const ControlAction& a_action, const QStringList& a_rest, OrderArgument& a_argument,
-                  QString& a_sReason)
+/// Reads the action's argument. Another code than Ok has an error text for wrong usage. It
+/// has none when a file was refused; that error is reported already.
+ExitCode readArgument(const ControlAction& a_action, const QStringList& a_rest, bool a_bStrict,
+                      OrderArgument& a_argument, QString& a_sReason)
 {
     using Takes = ControlAction::Takes;
     const bool bFile = a_action.takes == Takes::Scenario || a_action.takes == Takes::Deployment;
@@ -109,17 +112,21 @@ bool readArgument(const ControlAction& a_action, const QStringList& a_rest, Orde
                      bFile ? QStringLiteral("one FILE")
                            : (iMost == 1 ? QStringLiteral("at most one TIME") : QStringLiteral("nothing")),
                      QString::number(a_rest.size()));
-        return false;
+        return ExitCode::Unusable;
+    }
+    if (a_bStrict && !bFile) {
+        a_sReason = QStringLiteral("--strict belongs to load and deploy");
+        return ExitCode::Unusable;
     }
     if (bFile) {
         a_argument.file = a_rest.constFirst();
-        return readOrderFile(a_action.takes, a_argument);
+        return readOrderFile(a_action.takes, a_argument, a_bStrict);
     }
     if (!a_rest.isEmpty()) {
         a_argument.time = timeOf(a_rest.constFirst(), QLatin1String(a_action.name), 0, a_sReason);
-        return a_argument.time.has_value();
+        return a_argument.time ? ExitCode::Ok : ExitCode::Unusable;
     }
-    return true;
+    return ExitCode::Ok;
 }
 
 std::optional<std::chrono::seconds> readTimeout(const QCommandLineParser& a_parser, QString& a_sReason)
@@ -140,13 +147,14 @@ ExitCode control(const QStringList& a_arguments, Output& a_output)
     ignoreClosedPipes();
     CommandParser parser(
         QStringLiteral("control"),
-        QStringLiteral("ACTION [FILE|TIME] [--server HOST:PORT] [--timeout SECONDS] [--json]"), s_szControl,
-        s_szControlExamples);
+        QStringLiteral("ACTION [FILE|TIME] [--server HOST:PORT] [--timeout SECONDS] [--strict] [--json]"),
+        s_szControl, s_szControlExamples);
     parser.get().addPositionalArgument(QStringLiteral("ACTION"), QStringLiteral("What to do."));
     addServerOption(parser.get());
     parser.get().addOption(
         {s_sTimeout, QStringLiteral("Give up after so long without an answer or any progress. Default: 10."),
          QStringLiteral("SECONDS")});
+    addStrictOption(parser.get());
     addJsonOption(parser.get());
     if (const auto done = parser.parse(a_arguments, a_output)) {
         return *done;
@@ -166,8 +174,10 @@ ExitCode control(const QStringList& a_arguments, Output& a_output)
     const auto server = readServerOption(parser.get(), sReason);
     const auto timeout = server ? readTimeout(parser.get(), sReason) : std::nullopt;
     OrderArgument argument;
-    if (!timeout || !readArgument(*pAction, rest, argument, sReason)) {
-        return sReason.isEmpty() ? ExitCode::Unusable : parser.refuse(sReason);
+    const ExitCode eRead = timeout ? readArgument(*pAction, rest, isStrict(parser.get()), argument, sReason)
+                                   : ExitCode::Unusable;
+    if (eRead != ExitCode::Ok) {
+        return sReason.isEmpty() ? eRead : parser.refuse(sReason);
     }
     Report report(a_output, reportForm(parser.get()));
     return runControl(*pAction, argument, *server, *timeout, report);

@@ -4,6 +4,7 @@
 #include "console/inputfile.h"
 #include "console/output.h"
 #include "console/timetext.h"
+#include "describe/documentremarks.h"
 #include "playcommand.h"
 
 namespace SimulationTool {
@@ -23,7 +24,10 @@ const char s_szPlay[] = "Plays a scenario over the times from FROM up to, but no
                         "With a repository the packages are read from there, and each row ends with the\n"
                         "signal level of the package at the time since its emission began. A package\n"
                         "that the repository does not have is played as the default package: one line\n"
-                        "reports it, and the exit code is 1, as it is when a signal shape file is broken.";
+                        "reports it, and the exit code is 1, as it is when a signal shape file is broken.\n"
+                        "\n"
+                        "When the reader of the scenario skips or replaces anything, one line on standard\n"
+                        "error counts the errors and warnings; --strict refuses such a scenario.";
 
 const char s_szPlayExamples[] =
     "\n"
@@ -37,7 +41,8 @@ const char s_szPlayExamples[] =
     "Exit codes:\n"
     "  0  Played.\n"
     "  1  Played, but the scenario broke off, or a package is missing or broken or\n"
-    "     could not be copied to the cache folder.\n"
+    "     could not be copied to the cache folder. With --strict: not played, because\n"
+    "     the scenario has errors or warnings.\n"
     "  2  Wrong usage, or something could not be read or written.\n";
 
 /// Reads an option as a time (ms) of at least `a_uiMin`. Without the option the time
@@ -89,6 +94,7 @@ void addPlayOptions(QCommandLineParser& a_parser)
     a_parser.addPositionalArgument(
         QStringLiteral("SCENARIO"),
         QStringLiteral("The scenario document to play; - is standard input. Default: the built-in one."));
+    addStrictOption(a_parser);
     addJsonOption(a_parser);
 }
 
@@ -114,6 +120,7 @@ std::optional<PlayOptions> readPlayOptions(const QCommandLineParser& a_parser, Q
     play.step = step.value_or(play.step);
     play.csvFile = a_parser.value(s_sCsv);
     play.emitters = a_parser.values(s_sEmitter);
+    play.strict = isStrict(a_parser);
     play.form = reportForm(a_parser);
     play.repository = a_parser.value(s_sRepository);
     play.cache = a_parser.value(s_sCache);
@@ -146,7 +153,7 @@ ExitCode play(const QStringList& a_arguments, Output& a_output)
     CommandParser parser(
         QStringLiteral("play"),
         QStringLiteral("[SCENARIO|-] [--from TIME] [--to TIME] [--step TIME]\n"
-                       "                           [--emitter NAME]... [--csv FILE|-] [--json]\n"
+                       "                           [--emitter NAME]... [--csv FILE|-] [--json] [--strict]\n"
                        "                           [--repository DIR [--cache FOLDER]]"),
         s_szPlay, s_szPlayExamples);
     addPlayOptions(parser.get());

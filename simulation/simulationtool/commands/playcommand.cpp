@@ -6,6 +6,7 @@
 #include "console/output.h"
 #include "console/outputfile.h"
 #include "console/progress.h"
+#include "describe/documentremarks.h"
 #include "describe/scenariofile.h"
 #include "describe/verdict.h"
 #include "emitterselection.h"
@@ -162,7 +163,13 @@ ExitCode Play::run(Simulation::ISignalPackageProvider& a_provider)
 {
     m_scenario = std::make_unique<Simulation::ScenarioDataXml>(&a_provider);
     const std::optional<Verdict> loaded = loadScenario(*m_scenario, m_file);
-    if (!loaded || !prepare()) {
+    if (!loaded) {
+        return ExitCode::Unusable;
+    }
+    if (complainAbout(m_scenario->report(), m_options.scenario) && m_options.strict) {
+        return ExitCode::Findings;
+    }
+    if (!prepare()) {
         return ExitCode::Unusable;
     }
     const std::unique_ptr<Sink> sink = makeSink();

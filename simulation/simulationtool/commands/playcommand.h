@@ -26,13 +26,14 @@ struct PlayOptions
     QString repository;              ///< folder with packages; empty = no packages and no levels
     QString cache;                   ///< kept folder of copied packages; empty = a temporary one
     QStringList emitters;            ///< ids or names of the emitters to play; empty = all
+    bool strict = false;             ///< refuse a scenario with errors or warnings
     ReportForm form = ReportForm::Text;
 };
 
 /// Plays a scenario over [from, to) and writes one row per time and emitter. The
 /// emitters are ordered by id. Each row is written immediately, so memory does not grow
-/// with the window. When interrupted, removes its temporary files and returns Unusable;
-/// see interruption.h.
+/// with the window. A refused strict play returns Findings. When interrupted, removes its temporary files and
+/// returns Unusable; see interruption.h.
 [[nodiscard]] ExitCode runPlay(const PlayOptions& a_options, Output& a_output);
 
 } // namespace SimulationTool

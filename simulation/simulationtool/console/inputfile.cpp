@@ -126,10 +126,20 @@ bool isStandardStreamName(const QString& a_sArgument)
     return a_sArgument == u"-";
 }
 
-bool hasDocumentRoot(const QByteArray& a_head, const char* a_szName)
+QString documentRoot(const QByteArray& a_head)
 {
     QXmlStreamReader reader(a_head);
-    return reader.readNextStartElement() && reader.name() == QLatin1String(a_szName);
+    if (reader.readNextStartElement()) {
+        return reader.name().toString();
+    }
+    // Bytes that are not of the encoding are no error here: they may follow the root element.
+    QXmlStreamReader lenient(QString::fromUtf8(a_head));
+    return lenient.readNextStartElement() ? lenient.name().toString() : QString();
+}
+
+bool hasDocumentRoot(const QByteArray& a_head, const char* a_szName)
+{
+    return documentRoot(a_head) == QLatin1String(a_szName);
 }
 
 } // namespace SimulationTool

@@ -53,6 +53,9 @@ private:
 /// file.
 [[nodiscard]] bool isStandardStreamName(const QString& a_sArgument);
 
+/// The name of the root element, without a prefix, in the first bytes of a document; empty
+/// when they contain no start tag.
+[[nodiscard]] QString documentRoot(const QByteArray& a_head);
 /// Whether the document's first bytes contain the start tag of this root element.
 [[nodiscard]] bool hasDocumentRoot(const QByteArray& a_head, const char* a_szName);
 

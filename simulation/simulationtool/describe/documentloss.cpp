@@ -71,8 +71,8 @@ void addElement(Parts& a_parts, QXmlStreamReader& a_reader, QStringList& a_path)
     }
 }
 
-/// The elements and attributes of a document, and its notes with Notes::Count.
-Parts partsOf(const QByteArray& a_document, Notes a_eNotes)
+/// The elements, attributes and notes of a document.
+Parts partsOf(const QByteArray& a_document)
 {
     Parts parts;
     QStringList path;
@@ -87,10 +87,8 @@ Parts partsOf(const QByteArray& a_document, Notes a_eNotes)
             break;
         case QXmlStreamReader::Comment:
         case QXmlStreamReader::ProcessingInstruction:
-            if (a_eNotes == Notes::Count) {
-                parts.add({}, reader.isComment() ? QStringLiteral("comment")
-                                                 : QStringLiteral("processing instruction"));
-            }
+            parts.add({}, reader.isComment() ? QStringLiteral("comment")
+                                             : QStringLiteral("processing instruction"));
             break;
         default:
             break;
@@ -101,10 +99,10 @@ Parts partsOf(const QByteArray& a_document, Notes a_eNotes)
 
 } // namespace
 
-QString documentLoss(const QByteArray& a_source, const QByteArray& a_written, Notes a_eNotes)
+QString documentLoss(const QByteArray& a_source, const QByteArray& a_written)
 {
-    const Parts source = partsOf(a_source, a_eNotes);
-    const Parts written = partsOf(a_written, a_eNotes);
+    const Parts source = partsOf(a_source);
+    const Parts written = partsOf(a_written);
     QStringList shown;
     qsizetype iLost = 0;
     bool bAllShown = true;

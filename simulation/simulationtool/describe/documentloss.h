@@ -6,20 +6,13 @@
 
 namespace SimulationTool {
 
-/// Whether notes count as parts of a document. Notes are comments and processing
-/// instructions, which all readers ignore.
-enum class Notes {
-    Ignore,
-    Count,
-};
-
 /// Lists the parts of a source document that the written document lacks: elements,
-/// attributes with a value and, with Notes::Count, notes. Lost parts of the same name at
+/// attributes with a value, comments and processing instructions. Lost parts of the same name at
 /// the same place are counted together. Returns one line with the first three such
 /// groups, each with its count. When there are more groups, the line begins with the
 /// number of all lost parts. Empty when nothing is lost. Both documents must be
 /// well-formed. The timing of older formats is not a loss: it is written as emissions.
-[[nodiscard]] QString documentLoss(const QByteArray& a_source, const QByteArray& a_written, Notes a_eNotes);
+[[nodiscard]] QString documentLoss(const QByteArray& a_source, const QByteArray& a_written);
 
 } // namespace SimulationTool
 
