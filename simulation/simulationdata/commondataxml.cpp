@@ -56,7 +56,8 @@ using PositionPtr = std::unique_ptr<IPositionSettings>;
 /// The forms of a position; exactly one is expected, or at most one.
 template<XmlOccurs Occurs>
 const XmlChild<PositionPtr> s_positionForms[] = {
-    {s_sFixed, [](XmlReader& a_reader, PositionPtr& a_settings) { a_settings = readFixed(a_reader); }, Occurs},
+    {s_sFixed, [](XmlReader& a_reader, PositionPtr& a_settings) { a_settings = readFixed(a_reader); },
+     Occurs},
     {s_sMovement, [](XmlReader& a_reader, PositionPtr& a_settings) { a_settings = readMovement(a_reader); },
      Occurs},
 };

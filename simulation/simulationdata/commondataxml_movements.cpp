@@ -67,9 +67,8 @@ void reportIgnored(XmlReader& a_reader, const XmlText* a_pValue)
     }
     a_reader.deviations()->add(ReadingReport::s_sIgnoredValue, a_pValue->offset, [&](ReadingEntry& a_entry) {
         a_entry.found = shownText(a_pValue->bytes);
-        a_entry.message =
-            QStringLiteral("Only a point with Major=\"true\" has a speed and a name: "
-                           "the attribute is ignored.");
+        a_entry.message = QStringLiteral("Only a point with Major=\"true\" has a speed and a name: "
+                                         "the attribute is ignored.");
     });
 }
 
@@ -77,11 +76,14 @@ void reportIgnored(XmlReader& a_reader, const XmlText* a_pValue)
 void reportMissing(XmlReader& a_reader, const XmlText* a_pValue, const char* a_szName)
 {
     if (a_pValue == nullptr && a_reader.isCompletenessExpected()) {
-        a_reader.deviations()->add(ReadingReport::s_sMissingAttribute, a_reader.offset(), [&](ReadingEntry& a_entry) {
-            a_entry.message = QStringLiteral("The attribute \"%1\" is missing: a major point has one, and 0 or an empty text "
-                                             "is used.")
-                                  .arg(QLatin1String(a_szName));
-        });
+        a_reader.deviations()->add(
+            ReadingReport::s_sMissingAttribute, a_reader.offset(), [&](ReadingEntry& a_entry) {
+                a_entry.message =
+                    QStringLiteral(
+                        "The attribute \"%1\" is missing: a major point has one, and 0 or an empty text "
+                        "is used.")
+                        .arg(QLatin1String(a_szName));
+            });
     }
 }
 
@@ -166,7 +168,8 @@ std::optional<double> roughTravelTime(const TPos& a_from, const TPos& a_to, doub
     const double dMiddle = (a_from.latitude + a_to.latitude) / 2;
     const double dNorth = a_to.latitude - a_from.latitude;
     const double dEast = a_to.longitude - a_from.longitude;
-    if (!(std::abs(dNorth) <= dLongestLeg && std::abs(dEast) <= dLongestLeg && std::abs(dMiddle) <= dHighestLatitude)) {
+    if (!(std::abs(dNorth) <= dLongestLeg && std::abs(dEast) <= dLongestLeg &&
+          std::abs(dMiddle) <= dHighestLatitude)) {
         return std::nullopt;
     }
     const double dSine = std::sin(dMiddle * dRadiansPerDegree);
@@ -232,8 +235,8 @@ void reportMinorPoints(XmlReader& a_reader, const PointsReading& a_reading)
             const qsizetype iOffset = a_reading.offsets[static_cast<std::size_t>(i)].dwellTime;
             a_reader.deviations()->add(ReadingReport::s_sIgnoredValue, iOffset, [&](ReadingEntry& a_entry) {
                 a_entry.found = QString::number(point.dwellTime);
-                a_entry.message =
-                    QStringLiteral("Only a point with Major=\"true\" has a dwell time: the attribute is ignored.");
+                a_entry.message = QStringLiteral(
+                    "Only a point with Major=\"true\" has a dwell time: the attribute is ignored.");
             });
         }
     }
@@ -242,7 +245,8 @@ void reportMinorPoints(XmlReader& a_reader, const PointsReading& a_reading)
         if (!a_reading.points[i].major && iOffset >= 0) {
             a_reader.deviations()->add(ReadingReport::s_sIgnoredValue, iOffset, [&](ReadingEntry& a_entry) {
                 a_entry.found = QStringLiteral("false");
-                a_entry.message = QStringLiteral("The first and the last point are always major: the value is ignored.");
+                a_entry.message =
+                    QStringLiteral("The first and the last point are always major: the value is ignored.");
             });
         }
     }
@@ -252,11 +256,13 @@ void reportMinorPoints(XmlReader& a_reader, const PointsReading& a_reading)
 void reportSinglePoint(XmlReader& a_reader, const PointsReading& a_reading)
 {
     if (a_reader.deviations() != nullptr && a_reading.points.constFirst().transitionTime != 0) {
-        a_reader.deviations()->add(
-            ReadingReport::s_sDerivedValue, a_reading.offsets.front().transitionTime, [&](ReadingEntry& a_entry) {
-                a_entry.found = QString::number(a_reading.points.constFirst().transitionTime);
-                a_entry.message = QStringLiteral("The movement has one point only: 0 ms are used.");
-            });
+        a_reader.deviations()->add(ReadingReport::s_sDerivedValue, a_reading.offsets.front().transitionTime,
+                                   [&](ReadingEntry& a_entry) {
+                                       a_entry.found =
+                                           QString::number(a_reading.points.constFirst().transitionTime);
+                                       a_entry.message =
+                                           QStringLiteral("The movement has one point only: 0 ms are used.");
+                                   });
     }
 }
 

@@ -25,14 +25,15 @@ inline constexpr XmlRange s_milliseconds{0.0, 4294967295.0, false, "milliseconds
 inline constexpr XmlRange s_longMilliseconds{0.0, std::numeric_limits<double>::infinity(), false,
                                              "milliseconds"};
 inline constexpr XmlRange s_anyMilliseconds{-std::numeric_limits<double>::infinity(),
-                                             std::numeric_limits<double>::infinity(), false, "milliseconds"};
+                                            std::numeric_limits<double>::infinity(), false, "milliseconds"};
 inline constexpr XmlRange s_frequencies{0.0, std::numeric_limits<double>::infinity(), true, "Hz"};
 inline constexpr XmlRange s_fractions{0.0, 1.0, false, ""};
 inline constexpr XmlRange s_notNegative{0.0, std::numeric_limits<double>::infinity(), false, ""};
 
 /// These work like the operations of CommonDataXml, for the documents' own reader and writer.
 /// `a_bMayBeEmpty`: an element without a position is not reported.
-[[nodiscard]] std::unique_ptr<IPositionSettings> readPositionSettings(XmlReader& a_reader, bool a_bMayBeEmpty);
+[[nodiscard]] std::unique_ptr<IPositionSettings> readPositionSettings(XmlReader& a_reader,
+                                                                      bool a_bMayBeEmpty);
 void writePositionSettings(XmlWriter& a_writer, IPositionSettings* a_pSettings);
 
 /// The numbers of a coordinate (degrees), as elements "Lon" and "Lat".

@@ -200,11 +200,15 @@ void DeploymentDataXml::readHeader(XmlReader& a_reader)
          [](XmlReader& a_fieldReader, const XmlText& a_value, DeploymentDataXml& a_deployment) {
              a_deployment.m_uiFileFormatVersion = readVersion(a_fieldReader, a_value, s_uiFileFormatVersion);
          }},
-        {s_sName, [](XmlReader& /*a_reader*/, const XmlText& a_value,
-                     DeploymentDataXml& a_deployment) { a_deployment.m_sName = a_value.string(); },
+        {s_sName,
+         [](XmlReader& /*a_reader*/, const XmlText& a_value, DeploymentDataXml& a_deployment) {
+             a_deployment.m_sName = a_value.string();
+         },
          XmlOccurs::Once},
-        {s_sAuthor, [](XmlReader& /*a_reader*/, const XmlText& a_value,
-                       DeploymentDataXml& a_deployment) { a_deployment.m_sAuthor = a_value.string(); },
+        {s_sAuthor,
+         [](XmlReader& /*a_reader*/, const XmlText& a_value, DeploymentDataXml& a_deployment) {
+             a_deployment.m_sAuthor = a_value.string();
+         },
          XmlOccurs::Once},
         {s_sPersistantId,
          [](XmlReader& /*a_reader*/, const XmlText& a_value, DeploymentDataXml& a_deployment) {

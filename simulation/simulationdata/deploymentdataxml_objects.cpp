@@ -173,8 +173,9 @@ void DeploymentDataXml::Reading::reportInvented(XmlReader& a_reader) const
                 a_entry.message =
                     QStringLiteral("No element describes this station: one without data is created, at "
                                    "latitude 0 and longitude 0.");
-                a_entry.suggestion =
-                    ++iSuggestions <= iMostSuggestions ? similarName(a_entry.found.trimmed(), described) : QString();
+                a_entry.suggestion = ++iSuggestions <= iMostSuggestions
+                                         ? similarName(a_entry.found.trimmed(), described)
+                                         : QString();
             });
     }
 }

@@ -23,10 +23,12 @@ constexpr std::array s_rules{
     CheckRule{
         ReadingReport::s_sMissingId, Severity::Error, QLatin1String("An element has no \"ID\" attribute."),
         QLatin1String("Without an id the element is skipped with its content: give it an id of its own.")},
-    CheckRule{ReadingReport::s_sMissingAttribute, Severity::Warning,
-              QLatin1String("An attribute that every writer writes is missing."),
-              QLatin1String("A number is then 0, a text empty and a truth value false, which may not be what was meant: "
-                            "write the attribute.")},
+    CheckRule{
+        ReadingReport::s_sMissingAttribute, Severity::Warning,
+        QLatin1String("An attribute that every writer writes is missing."),
+        QLatin1String(
+            "A number is then 0, a text empty and a truth value false, which may not be what was meant: "
+            "write the attribute.")},
     CheckRule{ReadingReport::s_sMissingElement, Severity::Warning,
               QLatin1String("An element that every writer writes is missing."),
               QLatin1String("The default is used, which may not be what was meant: write the element.")},
@@ -96,14 +98,17 @@ constexpr std::array s_rules{
             "with this one.")},
     CheckRule{
         ReadingReport::s_sOtherRoot, Severity::Error,
-              QLatin1String("The root element is not that of the expected document."),
-              QLatin1String("A document is then not read at all, and a descriptor is read all the same: open a document "
-                            "of the right kind, or correct the root element.")},
+        QLatin1String("The root element is not that of the expected document."),
+        QLatin1String(
+            "A document is then not read at all, and a descriptor is read all the same: open a document "
+            "of the right kind, or correct the root element.")},
     CheckRule{
         ReadingReport::s_sBrokenOff, Severity::Error,
-              QLatin1String("The document ends early, is not well-formed XML, exceeds a limit, or cannot be opened."),
-              QLatin1String("What stands before the error is kept and the rest is lost; of a descriptor nothing is kept: "
-                            "correct the error at that place.")},
+        QLatin1String(
+            "The document ends early, is not well-formed XML, exceeds a limit, or cannot be opened."),
+        QLatin1String(
+            "What stands before the error is kept and the rest is lost; of a descriptor nothing is kept: "
+            "correct the error at that place.")},
 };
 
 } // namespace

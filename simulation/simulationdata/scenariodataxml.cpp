@@ -137,14 +137,20 @@ void ScenarioDataXml::readHeader(XmlReader& a_reader)
          [](XmlReader& a_fieldReader, const XmlText& a_value, ScenarioDataXml& a_scenario) {
              a_scenario.m_uiFileVersion = readVersion(a_fieldReader, a_value, s_uiFileFormatVersion);
          }},
-        {s_sName, [](XmlReader& /*a_reader*/, const XmlText& a_value,
-                     ScenarioDataXml& a_scenario) { a_scenario.m_sName = a_value.string(); },
+        {s_sName,
+         [](XmlReader& /*a_reader*/, const XmlText& a_value, ScenarioDataXml& a_scenario) {
+             a_scenario.m_sName = a_value.string();
+         },
          XmlOccurs::Once},
-        {s_sAuthor, [](XmlReader& /*a_reader*/, const XmlText& a_value,
-                       ScenarioDataXml& a_scenario) { a_scenario.m_sAuthor = a_value.string(); },
+        {s_sAuthor,
+         [](XmlReader& /*a_reader*/, const XmlText& a_value, ScenarioDataXml& a_scenario) {
+             a_scenario.m_sAuthor = a_value.string();
+         },
          XmlOccurs::Once},
-        {s_sUid, [](XmlReader& /*a_reader*/, const XmlText& a_value,
-                    ScenarioDataXml& a_scenario) { a_scenario.m_sPersistantId = a_value.string(); },
+        {s_sUid,
+         [](XmlReader& /*a_reader*/, const XmlText& a_value, ScenarioDataXml& a_scenario) {
+             a_scenario.m_sPersistantId = a_value.string();
+         },
          XmlOccurs::Once},
         {s_sDuration,
          [](XmlReader& a_fieldReader, const XmlText& a_value, ScenarioDataXml& a_scenario) {
@@ -163,7 +169,8 @@ void ScenarioDataXml::readHeader(XmlReader& a_reader)
         reportMissingVersion(a_reader);
     }
     // Older documents have other elements, for example for the timing.
-    a_reader.setCompletenessExpected(pVersion != nullptr && readUInt32(pVersion->bytes) >= s_uiFileFormatVersion);
+    a_reader.setCompletenessExpected(pVersion != nullptr &&
+                                     readUInt32(pVersion->bytes) >= s_uiFileFormatVersion);
     readXmlAttributes(a_reader, *this, s_fields);
 }
 

@@ -86,9 +86,10 @@ void reportUnlimited(XmlReader& a_reader, const XmlText& a_text, std::int64_t a_
     }
     a_reader.deviations()->add(ReadingReport::s_sDerivedValue, a_text.offset, [&](ReadingEntry& a_entry) {
         a_entry.found = shownText(a_text.bytes);
-        a_entry.message = QStringLiteral("A period below 1 ms is read as unlimited: the schedule does not repeat. Write "
-                                         "%1 for an unlimited period.")
-                              .arg(EmissionSettings::s_iUnlimited);
+        a_entry.message =
+            QStringLiteral("A period below 1 ms is read as unlimited: the schedule does not repeat. Write "
+                           "%1 for an unlimited period.")
+                .arg(EmissionSettings::s_iUnlimited);
     });
 }
 

@@ -32,9 +32,9 @@ void SeenNumbers::add(XmlReader& a_reader, const XmlText& a_text, std::uint32_t 
     if (m_hashed.contains(a_uiNumber)) {
         a_reader.deviations()->add(ReadingReport::s_sDuplicateId, a_text.offset, [&](ReadingEntry& a_entry) {
             a_entry.found = shownText(a_text.bytes);
-            a_entry.message =
-                QStringLiteral("An earlier one has this number: a group that names it gets the first one in time, and "
-                               "saving renumbers them.");
+            a_entry.message = QStringLiteral(
+                "An earlier one has this number: a group that names it gets the first one in time, and "
+                "saving renumbers them.");
         });
     }
     m_hashed.insert(a_uiNumber);

@@ -173,7 +173,8 @@ void readMember(XmlReader& a_reader, NetworkReading& a_reading)
     if (a_reader.deviations() != nullptr) {
         const QString sId = id->string();
         if (a_reading.members.contains(sId)) {
-            reportMember(a_reader, iOffset, *id, "The network has this member already: the element adds none.");
+            reportMember(a_reader, iOffset, *id,
+                         "The network has this member already: the element adds none.");
         } else if (bHead && a_reading.hasHead) {
             reportMember(a_reader, iOffset, *id, "The network has a head already: the last one is the head.");
         }

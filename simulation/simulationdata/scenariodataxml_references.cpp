@@ -51,7 +51,8 @@ std::shared_ptr<SignalPackage> ScenarioReferences::packageForId(XmlReader& a_rea
                                                                 const XmlText& a_id) const
 {
     const QString sId = a_id.string();
-    std::shared_ptr<SignalPackage> package = m_pProvider != nullptr ? m_pProvider->signalPackage(sId) : nullptr;
+    std::shared_ptr<SignalPackage> package =
+        m_pProvider != nullptr ? m_pProvider->signalPackage(sId) : nullptr;
     const bool bFound =
         package ? package->id() == sId || m_pProvider->validSignalPackageId(sId) : sId.isEmpty();
     if (!bFound && a_reader.deviations() != nullptr) {

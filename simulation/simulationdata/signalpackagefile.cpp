@@ -99,8 +99,8 @@ void reportIgnoredModulation(XmlReader& a_reader, const Descriptor& a_descriptor
     a_reader.deviations()->add(
         ReadingReport::s_sIgnoredValue, a_descriptor.digitalModulation, [&](ReadingEntry& a_entry) {
             a_entry.found = shownText(a_descriptor.package.digitalModulation().toUtf8());
-            a_entry.message =
-                QStringLiteral("The analog modulation is not \"Digital\": the digital modulation is ignored.");
+            a_entry.message = QStringLiteral(
+                "The analog modulation is not \"Digital\": the digital modulation is ignored.");
         });
 }
 
@@ -260,8 +260,7 @@ SignalPackage readDescriptor(const QByteArray& a_descriptor, const QString& a_sW
         traceUnreadable(a_sWhat, sReason);
     } else {
         deviations.add(ReadingReport::s_sBrokenOff, record.errorOffset(), [&](ReadingEntry& a_entry) {
-            a_entry.message = QStringLiteral("Nothing is read: ") + sReason +
-                              (sReason.endsWith(u'.') ? QString() : QStringLiteral("."));
+            a_entry.message = QStringLiteral("Nothing is read: %1").arg(errorSentence(sReason));
         });
     }
     if (a_pReport != nullptr) {

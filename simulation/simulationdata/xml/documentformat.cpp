@@ -9,7 +9,6 @@
 #include "kpbase/replacedfile.h"
 
 #include <QIODevice>
-#include <QRegularExpression>
 
 namespace Simulation {
 
@@ -17,32 +16,23 @@ namespace {
 
 constexpr qsizetype s_iShownCharacters = 40; ///< characters of a wrong root name in an error text
 
-/// The reason of an error text without its place, which an entry has itself, as the end of a
-/// sentence.
-QString asSentence(const QString& a_sError)
-{
-    static const QRegularExpression s_place(QStringLiteral("^line [0-9]+, column [0-9]+: "));
-    QString sReason = a_sError;
-    sReason.remove(s_place);
-    return sReason.endsWith(u'.') ? sReason : sReason + u'.';
-}
-
 /// The report about a document that could not be opened.
 ReadingReport reportOf(const QString& a_sReason)
 {
     XmlDeviations deviations;
     deviations.add(ReadingReport::s_sBrokenOff, -1, [&](ReadingEntry& a_entry) {
-        a_entry.message = QStringLiteral("Nothing is read: %1").arg(asSentence(a_sReason));
+        a_entry.message = QStringLiteral("Nothing is read: %1").arg(errorSentence(a_sReason));
     });
     return deviations.report({});
 }
 
-void reportBrokenOff(XmlDeviations& a_deviations, XmlDocumentReader& a_document, const QString& a_sError, bool a_bKept)
+void reportBrokenOff(XmlDeviations& a_deviations, XmlDocumentReader& a_document, const QString& a_sError,
+                     bool a_bKept)
 {
     a_deviations.add(ReadingReport::s_sBrokenOff, a_document.errorOffset(), [&](ReadingEntry& a_entry) {
-        // Some error texts end with a full stop of their own.
-        a_entry.message = QStringLiteral("The document breaks off, and what is read before is kept: ") +
-                          a_sError + (a_sError.endsWith(u'.') ? QString() : QStringLiteral("."));
+        a_entry.message = (a_bKept ? QStringLiteral("The document breaks off; what stands before is kept: %1")
+                                   : QStringLiteral("Nothing is read: %1"))
+                              .arg(errorSentence(a_sError));
     });
 }
 

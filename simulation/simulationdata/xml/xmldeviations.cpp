@@ -3,6 +3,7 @@
 #include "xmlencoding_p.h"
 #include "xmltextreader_p.h"
 
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <algorithm>
@@ -149,6 +150,14 @@ QString shownText(QByteArrayView a_text)
     // A character has at most 4 bytes.
     const QByteArrayView head = a_text.first(std::min(a_text.size(), s_iShownCharacters * 4));
     return shortened(QString::fromUtf8(head), s_iShownCharacters);
+}
+
+QString errorSentence(const QString& a_sError)
+{
+    static const QRegularExpression s_place(QStringLiteral("^line [0-9]+, column [0-9]+: "));
+    QString sReason = a_sError;
+    sReason.remove(s_place);
+    return sReason.endsWith(u'.') ? sReason : sReason + u'.'; // texts of the parser have a full stop
 }
 
 QString similarName(QByteArrayView a_name, std::span<const QLatin1String> a_names)

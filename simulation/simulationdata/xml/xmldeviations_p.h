@@ -54,6 +54,9 @@ private:
 /// The first characters of a text that is shown in an entry.
 [[nodiscard]] QString shownText(QByteArrayView a_text);
 
+/// The reason of an error text, without its place, as the end of a sentence.
+[[nodiscard]] QString errorSentence(const QString& a_sError);
+
 /// The name that was probably meant: one that differs in its letter case only, or in few
 /// characters. Empty when there is none.
 [[nodiscard]] QString similarName(QByteArrayView a_name, std::span<const QLatin1String> a_names);

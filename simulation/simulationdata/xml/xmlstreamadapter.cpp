@@ -68,11 +68,13 @@ void XmlStreamReader::startElement()
     // The same tag, read where it is, has the attributes in the same order.
     XmlTextReader places(m_iOffset < 0 ? QByteArrayView() : m_text.first(iEnd), nullptr,
                          std::max<qsizetype>(m_iOffset, 0));
-    const bool bPlaced = m_iOffset >= 0 && places.nextChild() && std::ssize(places.attributes()) >= attributes.size();
+    const bool bPlaced =
+        m_iOffset >= 0 && places.nextChild() && std::ssize(places.attributes()) >= attributes.size();
     for (qsizetype i = 0; i < attributes.size(); ++i) {
-        const qsizetype iPlace = bPlaced ? places.attributes()[static_cast<std::size_t>(i)].value.offset : m_iOffset;
-        m_attributes.push_back({kept(attributes[i].qualifiedName().toUtf8()),
-                                {kept(attributes[i].value().toUtf8()), iPlace}});
+        const qsizetype iPlace =
+            bPlaced ? places.attributes()[static_cast<std::size_t>(i)].value.offset : m_iOffset;
+        m_attributes.push_back(
+            {kept(attributes[i].qualifiedName().toUtf8()), {kept(attributes[i].value().toUtf8()), iPlace}});
     }
     tagRead();
 }

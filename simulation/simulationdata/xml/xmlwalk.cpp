@@ -49,7 +49,8 @@ void XmlNames::reportMissingElements(XmlReader& a_reader, qsizetype a_iOffset, s
             a_reader.deviations()->add(
                 ReadingReport::s_sMissingElement, a_iOffset, [&](ReadingEntry& a_entry) {
                     a_entry.message =
-                        QStringLiteral("The element \"%1\" is missing: what it describes keeps its default.").arg(m_names[i]);
+                        QStringLiteral("The element \"%1\" is missing: what it describes keeps its default.")
+                            .arg(m_names[i]);
                 });
         }
     }
@@ -67,8 +68,9 @@ void XmlNames::reportMissingAttributes(XmlReader& a_reader, std::uint32_t a_uiSe
         if (m_occurs[i] == XmlOccurs::Once && (a_uiSeen >> i & 1U) == 0) {
             a_reader.deviations()->add(
                 ReadingReport::s_sMissingAttribute, a_reader.offset(), [&](ReadingEntry& a_entry) {
-                    a_entry.message = QStringLiteral("The attribute \"%1\" is missing: it is read as empty, 0 or false.")
-                                          .arg(m_names[i]);
+                    a_entry.message =
+                        QStringLiteral("The attribute \"%1\" is missing: it is read as empty, 0 or false.")
+                            .arg(m_names[i]);
                 });
         }
     }
@@ -80,9 +82,10 @@ void reportDuplicateElement(XmlReader& a_reader, bool a_bFirstCounts)
         a_reader.deviations()->add(
             ReadingReport::s_sDuplicateElement, a_reader.offset(), [&](ReadingEntry& a_entry) {
                 a_entry.found = shownText(a_reader.name());
-                a_entry.message = a_bFirstCounts
-                                      ? QStringLiteral("An element before it has the same meaning: the first one is used.")
-                                      : QStringLiteral("An element before it has the same meaning: the last one is used.");
+                a_entry.message =
+                    a_bFirstCounts
+                        ? QStringLiteral("An element before it has the same meaning: the first one is used.")
+                        : QStringLiteral("An element before it has the same meaning: the last one is used.");
             });
     }
 }

@@ -17,14 +17,14 @@ namespace Simulation {
 
 /// How often an element occurs in its parent, or an attribute in its element.
 enum class XmlOccurs : unsigned char {
-    Once,       ///< its absence is reported
-    AtMost1,    ///< its absence means the default
-    AnyTimes,   ///< each occurrence counts
-    Several,    ///< the same, but its absence is reported
+    Once,        ///< its absence is reported
+    AtMost1,     ///< its absence means the default
+    AnyTimes,    ///< each occurrence counts
+    Several,     ///< each occurrence counts, and its absence is reported
     OneOf,       ///< exactly one of all elements that are marked so
     AtMostOneOf, ///< at most one of all elements that are marked so
-    First,      ///< the first one counts, and its absence is reported
-    FirstIfAny, ///< the first one counts
+    First,       ///< the first one counts, and its absence is reported
+    FirstIfAny,  ///< the first one counts
 };
 
 /// One child element of a format: its name and the function that reads it up to its end.
