@@ -103,8 +103,9 @@ void TestCheck::file_data()
     const QStringList brief{u"--no-rule=older-version"_s, u"--no-rule=missing-attribute"_s,
                             u"--no-rule=missing-element"_s};
     const QString sDefault = QString::fromLatin1(s_default);
-    const QByteArray bare = "<Scenario Uid='u'><Emitter ID='e\x7f' Name='x&#10;y'><Class>Boat</Class>"
-                            "<Frequency/></Emitter>";
+    const QByteArray bare =
+        "<Scenario FileFormatVersion='4'><Emitter ID='e\x7f' Name='x&#10;y'><Class>Boat</Class>"
+        "<Frequency/></Emitter>";
 
     const QString sNote = u"a.sce:11:5: note: [range-beyond-bandwidth] a (Pulses): The frequencies cover "
                           "1e+06 Hz, the signal package \"%1\" 10000 Hz: the signal is moved through the "
@@ -130,7 +131,7 @@ void TestCheck::file_data()
     QTest::newRow("unknown class, no settings, control characters")
         << bare + "</Scenario>"
         << QStringList{u"--class=Radar"_s, u"--rule=invalid-class"_s, u"--rule=missing-settings"_s} << 1
-        << QStringList{u"a.sce:1:19: warning: [invalid-class] e\\u{7f} (x\\ny): The class \"Boat\" is not "
+        << QStringList{u"a.sce:1:33: warning: [invalid-class] e\\u{7f} (x\\ny): The class \"Boat\" is not "
                        "known: it stays as it is."_s,
                        u"1 file checked: 0 errors, 1 warning"_s}
         << QString();
@@ -158,7 +159,7 @@ void TestCheck::file_data()
     QTest::newRow("deployment with a level too many")
         << QByteArray("<SimulationDeployment FileFormatVersion='1'><Stations><Station ID='s' Name='S'/>"
                       "</Stations></SimulationDeployment>")
-        << QStringList() << 1
+        << brief << 1
         << QStringList{u"a.sce:1:45: error: [unknown-element] \"Stations\": "_s + sSkipped +
                            u"\"Station\"?"_s,
                        u"1 file checked: 1 error, 0 warnings"_s}
@@ -173,12 +174,12 @@ void TestCheck::file_data()
                        "degrees: it is taken as it is."_s,
                        u"1 file checked: 0 errors, 1 warning"_s}
         << QString();
-    QTest::newRow("broken off")
-        << bare << brief << 1
-        << QStringList{u"a.sce:1:92: error: [broken-off] The document breaks off, and what is read before is "
-                       "kept: line 1, column 91: Premature end of document."_s,
-                       u"1 file checked: 1 error, 0 warnings"_s}
-        << QString();
+    QTest::newRow("broken off") << bare << QStringList{u"--rule=broken-off"_s} << 1
+                                << QStringList{u"a.sce:1:106: error: [broken-off] The document breaks off, "
+                                               u"and what is read before is "
+                                               "kept: line 1, column 105: Premature end of document."_s,
+                                               u"1 file checked: 1 error, 0 warnings"_s}
+                                << QString();
     const QString sNothing = u"0 files checked, 1 not readable: %1 errors, 0 warnings"_s;
     QTest::newRow("other document")
         << QByteArray("<Other/>") << QStringList() << 2
