@@ -10,11 +10,14 @@
 
 #include "kpbase/replacedfile.h"
 
-#include <QBuffer>
-#include <QDataStream>
+#include <QIODevice>
 
+#include <algorithm>
+#include <iterator>
 #include <limits>
+#include <optional>
 #include <utility>
+#include <vector>
 
 namespace Simulation {
 
@@ -24,14 +27,13 @@ constexpr const char* s_szSource = "simulation/simulationdata/scenariodatabinary
 
 const QString s_sNoLink = QStringLiteral("%%NONE%%");
 
-constexpr std::int64_t s_iCountBytes = 4;
-
-CompactRecord recordOf(const SzenarioEmitter& a_emitter, bool a_bDefault)
+CompactEmitter compactEmitter(const SzenarioEmitter& a_emitter, bool a_bDefault)
 {
     const auto target = a_emitter.linkTargetEmitter();
-    return {a_emitter.id(),       a_emitter.name(), a_emitter.description(),
-            a_emitter.isActive(), a_bDefault,       target ? target->id() : s_sNoLink,
-            a_emitter.getClass()};
+    return {&a_emitter,
+            target.get(),
+            {a_emitter.id(), a_emitter.name(), a_emitter.description(), a_emitter.isActive(), a_bDefault,
+             target ? target->id() : s_sNoLink, a_emitter.getClass()}};
 }
 
 bool failToWrite(const QString& a_sReason)
@@ -44,6 +46,27 @@ bool failToWrite(const QString& a_sReason)
 bool mayHold(qsizetype a_iObjects)
 {
     return static_cast<std::uint64_t>(a_iObjects) <= Limits::value(Limits::ScenarioObjects);
+}
+
+/// The size of a compact scenario (bytes). No value, with a reason, when no reader
+/// accepts it.
+std::optional<std::int64_t> streamBytes(const std::vector<CompactEmitter>& a_emitters, QString* a_pReason)
+{
+    constexpr std::size_t uiLargestCount = std::numeric_limits<std::int32_t>::max();
+    if (a_emitters.size() > uiLargestCount || !mayHold(static_cast<qsizetype>(a_emitters.size()))) {
+        *a_pReason = Limits::exceeded(Limits::ScenarioObjects);
+        return std::nullopt;
+    }
+    std::int64_t iBytes = s_iCompactCountBytes;
+    for (const CompactEmitter& emitter : a_emitters) {
+        const auto record = compactBytes(emitter.record);
+        if (!record) {
+            *a_pReason = QStringLiteral("a text of \"%1\" is too long").arg(emitter.record.id);
+            return std::nullopt;
+        }
+        iBytes += *record;
+    }
+    return checkDocumentBytes(iBytes, a_pReason) ? std::optional(iBytes) : std::nullopt;
 }
 
 } // namespace
@@ -78,38 +101,23 @@ void ScenarioDataBinary::setDefaultEmitter(const std::shared_ptr<SzenarioEmitter
     }
 }
 
-/// Whether a reader accepts the scenario. Otherwise `a_pReason` receives the reason.
-bool ScenarioDataBinary::fitsReader(QString* a_pReason) const
-{
-    constexpr qsizetype iLargestCount = std::numeric_limits<qint32>::max();
-    if (m_emitters.size() > iLargestCount || !mayHold(m_emitters.size())) {
-        *a_pReason = Limits::exceeded(Limits::ScenarioObjects);
-        return false;
-    }
-    std::int64_t iBytes = s_iCountBytes;
-    for (const std::shared_ptr<SzenarioEmitter>& emitter : m_emitters) {
-        const auto record = compactBytes(recordOf(*emitter, false));
-        if (!record) {
-            *a_pReason = QStringLiteral("a text of \"%1\" is too long").arg(emitter->id());
-            return false;
-        }
-        iBytes += *record;
-    }
-    return checkDocumentBytes(iBytes, a_pReason);
-}
-
 QByteArray ScenarioDataBinary::toBinary() const
 {
-    if (QString sReason; !fitsReader(&sReason)) {
+    std::vector<CompactEmitter> emitters;
+    emitters.reserve(static_cast<std::size_t>(m_emitters.size()));
+    std::transform(
+        m_emitters.cbegin(), m_emitters.cend(), std::back_inserter(emitters),
+        [this](const auto& a_emitter) { return compactEmitter(*a_emitter, a_emitter == m_defaultEmitter); });
+    QString sReason;
+    const std::optional<std::int64_t> bytes = streamBytes(emitters, &sReason);
+    if (!bytes) {
         failToWrite(sReason);
         return {};
     }
-    QByteArray data;
-    QDataStream stream(&data, QIODevice::WriteOnly);
-    prepareCompactStream(stream);
-    stream << static_cast<qint32>(m_emitters.size());
-    for (const std::shared_ptr<SzenarioEmitter>& emitter : inLinkOrder(m_emitters, m_defaultEmitter.get())) {
-        writeEmitter(stream, emitter);
+    QByteArray data(static_cast<qsizetype>(*bytes), Qt::Uninitialized);
+    char* pEnd = writeCompactCount(data.data(), static_cast<std::int32_t>(emitters.size()));
+    for (const CompactRecord* pRecord : inLinkOrder(emitters)) {
+        pEnd = writeCompactRecord(pEnd, *pRecord);
     }
     return data;
 }
@@ -126,15 +134,10 @@ bool ScenarioDataBinary::toBinary(QIODevice* a_pDevice) const
     return writeThrough(*a_pDevice, data) || failToWrite(a_pDevice->errorString());
 }
 
-void ScenarioDataBinary::writeEmitter(QDataStream& a_stream, std::shared_ptr<SzenarioEmitter> a_emitter) const
-{
-    writeCompactRecord(a_stream, recordOf(*a_emitter, a_emitter == m_defaultEmitter));
-}
-
-std::shared_ptr<SzenarioEmitter> ScenarioDataBinary::readEmitter(QDataStream& a_stream)
+std::shared_ptr<SzenarioEmitter> ScenarioDataBinary::readEmitter(CompactReader& a_reader)
 {
     CompactRecord record;
-    m_sErrorString = readCompactRecord(a_stream, record, m_iStreamBytes);
+    m_sErrorString = a_reader.readRecord(record);
     if (!m_sErrorString.isEmpty()) {
         return nullptr;
     }
@@ -172,27 +175,32 @@ std::shared_ptr<SzenarioEmitter> ScenarioDataBinary::emitterForId(const QString&
 
 bool ScenarioDataBinary::fromBinary(const QByteArray& a_data)
 {
-    QBuffer buffer;
-    buffer.setData(a_data);
-    buffer.open(QIODevice::ReadOnly);
-    return fromBinary(&buffer);
+    CompactReader reader(a_data);
+    return readFrom(&reader);
 }
 
 bool ScenarioDataBinary::fromBinary(QIODevice* a_pDevice)
+{
+    if (a_pDevice == nullptr || !a_pDevice->isReadable()) {
+        return readFrom(nullptr);
+    }
+    CompactReader reader(*a_pDevice);
+    return readFrom(&reader);
+}
+
+bool ScenarioDataBinary::readFrom(CompactReader* a_pReader)
 {
     m_sErrorString.clear();
     m_unresolvedLinks.clear();
     m_bDefaultRead = false;
     bool bRead = false;
-    if (a_pDevice == nullptr || !a_pDevice->isReadable()) {
+    if (a_pReader == nullptr) {
         m_sErrorString = QStringLiteral("no device is open for reading");
     } else {
         for (const std::shared_ptr<SzenarioEmitter>& emitter : std::as_const(m_emitters)) {
             m_emittersById.insert(emitter->id(), emitter);
         }
-        QDataStream stream(a_pDevice);
-        prepareCompactStream(stream);
-        bRead = readEmitters(stream);
+        bRead = readEmitters(*a_pReader);
         m_emittersById.clear();
     }
     if (!bRead) {
@@ -202,24 +210,23 @@ bool ScenarioDataBinary::fromBinary(QIODevice* a_pDevice)
     return bRead;
 }
 
-bool ScenarioDataBinary::readEmitters(QDataStream& a_stream)
+bool ScenarioDataBinary::readEmitters(CompactReader& a_reader)
 {
-    m_iStreamBytes = 0;
-    qint32 iCount = 0;
-    if (const QString sError = readCompactCount(a_stream, iCount, m_iStreamBytes); !sError.isEmpty()) {
+    std::int32_t iCount = 0;
+    if (const QString sError = a_reader.readCount(iCount); !sError.isEmpty()) {
         m_sErrorString = QStringLiteral("count: ") + sError;
         return false;
     }
-    const auto breakOff = [&](qint32 a_iRecord, const QString& a_sReason) {
+    const auto breakOff = [&](std::int32_t a_iRecord, const QString& a_sReason) {
         m_sErrorString = QStringLiteral("record %1 of %2%3")
                              .arg(QString::number(a_iRecord), QString::number(iCount), a_sReason);
         return false;
     };
-    for (qint32 iRecord = 1; iRecord <= iCount; ++iRecord) {
+    for (std::int32_t iRecord = 1; iRecord <= iCount; ++iRecord) {
         if (!mayHold(m_emitters.size() + m_networks.size() + 1)) {
             return breakOff(iRecord, QStringLiteral(": ") + Limits::exceeded(Limits::ScenarioObjects));
         }
-        if (!readEmitter(a_stream)) {
+        if (!readEmitter(a_reader)) {
             return breakOff(iRecord, QStringLiteral(", ") + m_sErrorString);
         }
     }

@@ -9,14 +9,13 @@
 #include <QSet>
 #include <QString>
 
-#include <cstdint>
 #include <memory>
 
-class QDataStream;
 class QIODevice;
 
 namespace Simulation {
 
+class CompactReader;
 class ISignalPackageProvider;
 class ScenarioNetwork;
 class SzenarioEmitter;
@@ -116,12 +115,12 @@ private:
     ScenarioDataBinary(const ScenarioDataBinary& a_other) = delete;
     ScenarioDataBinary& operator=(const ScenarioDataBinary& a_other) = delete;
 
-    [[nodiscard]] bool fitsReader(QString* a_pReason) const;
-    void writeEmitter(QDataStream& a_stream, std::shared_ptr<SzenarioEmitter> a_emitter) const;
-    bool readEmitters(QDataStream& a_stream);
+    /// Reads a stream. Null when no device is open for reading, which is an error.
+    bool readFrom(CompactReader* a_pReader);
+    bool readEmitters(CompactReader& a_reader);
     /// Reads the next record and adds its emitter. Returns null, with errorString(),
     /// when the record is not complete.
-    std::shared_ptr<SzenarioEmitter> readEmitter(QDataStream& a_stream);
+    std::shared_ptr<SzenarioEmitter> readEmitter(CompactReader& a_reader);
     void link(const std::shared_ptr<SzenarioEmitter>& a_emitter, const QString& a_sTargetId);
     /// While reading: the emitter with that id, or the last one read when several
     /// emitters have the id. Null when there is no such emitter.
@@ -139,7 +138,6 @@ private:
 
     // State of one reading
     QHash<QString, std::shared_ptr<SzenarioEmitter>> m_emittersById;
-    std::int64_t m_iStreamBytes = 0; ///< bytes read from the device
     bool m_bDefaultRead = false;
     QString m_sErrorString;
     QList<UnresolvedLink> m_unresolvedLinks;
