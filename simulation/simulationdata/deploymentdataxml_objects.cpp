@@ -160,9 +160,10 @@ void DeploymentDataXml::Reading::readStationOf(XmlReader& a_reader, Device& a_de
 /// Reports the stations that devices name and no element describes.
 void DeploymentDataXml::Reading::reportInvented(XmlReader& a_reader) const
 {
-    constexpr int iMostSuggestions = 100; // comparing with all ids costs O(n) for each
+    constexpr qsizetype iMostIds = 20'000;
+    constexpr int iMostSuggestions = 20; // comparing with all ids costs O(n) for each
     int iSuggestions = 0;
-    const QStringList described = deployment.m_stationElements.keys();
+    const QStringList described = deployment.m_stationElements.keys().mid(0, iMostIds);
     for (const Named& station : named) {
         if (deployment.m_stationElements.contains(station.id)) {
             continue;

@@ -114,7 +114,8 @@ void ScenarioReferences::setHeadEmitter(const Emission& a_emission,
 void ScenarioReferences::reportInvented(const Reference& a_reference)
 {
     // Comparing with all ids costs O(n) for each unknown one.
-    constexpr int iMostSuggestions = 100;
+    constexpr qsizetype iMostIds = 20'000;
+    constexpr int iMostSuggestions = 20;
     m_pDeviations->add(ReadingReport::s_sInventedObject, a_reference.offset, [&](ReadingEntry& a_entry) {
         a_entry.found = shownText(a_reference.id.toUtf8());
         a_entry.message = QStringLiteral("No element describes this emitter: one without data is created, at "
@@ -122,6 +123,7 @@ void ScenarioReferences::reportInvented(const Reference& a_reference)
         if (m_iSuggestions == 0) {
             m_describedIds = m_emitters.keys();
             m_describedIds.sort(); // a hash has another order in every run
+            m_describedIds.resize(std::min(m_describedIds.size(), iMostIds));
         }
         if (++m_iSuggestions <= iMostSuggestions) {
             a_entry.suggestion = similarName(a_entry.found.trimmed(), m_describedIds);

@@ -46,6 +46,9 @@ QByteArray WaveFileWriter::header(std::uint32_t a_uiSamples, std::uint32_t a_uiR
 
 QByteArray WaveFileWriter::samples(std::span<const std::int16_t> a_samples)
 {
+    if (a_samples.empty()) {
+        return {}; // the conversion must not get a null pointer
+    }
     QByteArray bytes(static_cast<qsizetype>(a_samples.size_bytes()), Qt::Uninitialized);
     qToLittleEndian<std::int16_t>(a_samples.data(), static_cast<qsizetype>(a_samples.size()), bytes.data());
     return bytes;

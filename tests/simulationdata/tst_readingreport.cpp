@@ -333,6 +333,10 @@ void TestReadingReport::bounded()
     QCOMPARE(report.unlisted(), 2 * iEntries + 1 - ReadingReport::s_iMaximumEntries);
     QCOMPARE(report.entries().first().rule, ReadingReport::s_sOlderVersion);
     QCOMPARE(report.entries().last().line, ReadingReport::s_iMaximumEntries - 1);
+    // That the document breaks off is always listed.
+    const ReadingReport broken = scenarioReport("<Scenario FileFormatVersion='3'>" + unknown, provider);
+    QCOMPARE(broken.entries().size(), ReadingReport::s_iMaximumEntries);
+    QCOMPARE(broken.entries().last().rule, ReadingReport::s_sBrokenOff);
     for (const ReadingEntry& entry : report.entries()) {
         QVERIFY(entry.found.size() + entry.path.size() + entry.suggestion.size() < 300);
     }

@@ -175,6 +175,9 @@ private Q_SLOTS:
     void wrongUsage_data();
     void wrongUsage();
     void replacesOnlyPackages();
+    void keepsRecording_data();
+    void keepsRecording();
+    void shortLastRecord();
     void fullDisk();
 
 private:
@@ -712,6 +715,53 @@ void TestNewCommand::replacesOnlyPackages()
     QVERIFY2(kept.err.contains(QStringLiteral("so --force does not replace it")), qPrintable(kept.err));
     QCOMPARE(contentOf(sFolder + QStringLiteral("/Signal.xml")), second);
     QCOMPARE(QDir(m_dir->path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 1);
+}
+
+/// A recording inside the folder would be removed with the former package.
+void TestNewCommand::keepsRecording_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::newRow("file of a package") << QStringLiteral("Package/Signal.wav");
+    QTest::newRow("other file") << QStringLiteral("Package/Signal.iq");
+}
+
+void TestNewCommand::keepsRecording()
+{
+    QFETCH(const QString, file);
+    QCOMPARE(runTool({s_sNew, s_sPackage, path("Package")}).code, 0);
+    const QByteArray wave = waveBytes(tone(440.0, 1.0), 32'000, 32'000);
+    const QString sFile = write(file, wave);
+    const ToolResult result = runTool(
+        {s_sNew, s_sPackage, path("Package"), QStringLiteral("--force"), QStringLiteral("--wave"), sFile});
+    QCOMPARE(result.code, 2);
+    QCOMPARE(contentOf(sFile), wave);
+}
+
+/// Both halves of a short last record count alike.
+void TestNewCommand::shortLastRecord()
+{
+    constexpr double dRate = 1e5;
+    std::array<float, 2> strongest{};
+    for (std::size_t half = 0; half < strongest.size(); ++half) {
+        // 50 ms with a tone in one half; a record lasts 100 ms.
+        const Signal signal = [=](double a_dTime) {
+            return (a_dTime >= 0.025) == (half == 1) ? tone(1e4, 1.0)(a_dTime) : std::complex<double>();
+        };
+        const QString sName = QStringLiteral("half%1").arg(half);
+        const QString sRecording =
+            write(sName + QStringLiteral(".f32"), iqBytes(signal, 5'000, dRate, QStringLiteral("f32")));
+        QCOMPARE(runTool({s_sNew, s_sPackage, path(sName.toUtf8().constData()), QStringLiteral("--iq"),
+                          sRecording, QStringLiteral("--format"), QStringLiteral("f32"),
+                          QStringLiteral("--rate"), QStringLiteral("100k")})
+                     .code,
+                 0);
+        SignalShapeFile shape(SignalPackageFolder::signalShapeFilePath(path(sName.toUtf8().constData())));
+        QVERIFY(shape.open());
+        shape.setPackageDuration(50);
+        shape.readSpectrum(0);
+        strongest[half] = *std::max_element(shape.spectrum().begin(), shape.spectrum().end());
+    }
+    QVERIFY2(std::abs(strongest[0] / strongest[1] - 1.0F) < 0.2F, qPrintable(QString::number(strongest[1])));
 }
 
 void TestNewCommand::fullDisk()

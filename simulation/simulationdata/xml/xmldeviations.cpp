@@ -39,8 +39,9 @@ Severity severityOf(QLatin1String a_sRule)
 }
 
 /// The number of insertions, deletions and replacements that turn one text into the
-/// other (Levenshtein 1966), by dynamic programming over one row.
-qsizetype editDistance(const QString& a_sFirst, const QString& a_sSecond)
+/// other (Levenshtein 1966), by dynamic programming over one row. Ends early, with a number
+/// that is not less than the limit, when the texts differ by at least that much.
+qsizetype editDistance(const QString& a_sFirst, const QString& a_sSecond, qsizetype a_iLimit)
 {
     std::vector<qsizetype> row(static_cast<std::size_t>(a_sSecond.size()) + 1);
     std::iota(row.begin(), row.end(), 0);
@@ -50,6 +51,9 @@ qsizetype editDistance(const QString& a_sFirst, const QString& a_sSecond)
             const bool bSame = a_sFirst.at(i) == a_sSecond.at(static_cast<qsizetype>(j) - 1);
             const qsizetype iReplaced = iDiagonal + (bSame ? 0 : 1);
             iDiagonal = std::exchange(row[j], std::min({row[j] + 1, row[j - 1] + 1, iReplaced}));
+        }
+        if (*std::min_element(row.begin(), row.end()) >= a_iLimit) {
+            return a_iLimit;
         }
     }
     return row.back();
@@ -172,6 +176,10 @@ QString similarName(QByteArrayView a_name, std::span<const QLatin1String> a_name
 QString similarName(const QString& a_sName, const QStringList& a_names)
 {
     constexpr qsizetype iLettersPerError = 3; // one wrong letter in three is still similar
+    constexpr qsizetype iLongest = 32;        // the comparison takes time in proportion to the square
+    if (a_sName.size() > iLongest) {
+        return {};
+    }
     qsizetype iLeast = std::max<qsizetype>(1, a_sName.size() / iLettersPerError) + 1;
     QString sSimilar;
     for (const QString& sName : a_names) {
@@ -181,7 +189,7 @@ QString similarName(const QString& a_sName, const QStringList& a_names)
         if (std::abs(sName.size() - a_sName.size()) >= iLeast) {
             continue;
         }
-        if (const qsizetype iDistance = editDistance(a_sName, sName); iDistance < iLeast) {
+        if (const qsizetype iDistance = editDistance(a_sName, sName, iLeast); iDistance < iLeast) {
             iLeast = iDistance;
             sSimilar = sName;
         }
@@ -191,7 +199,13 @@ QString similarName(const QString& a_sName, const QStringList& a_names)
 
 ReadingEntry* XmlDeviations::entryFor(QLatin1String a_sRule, qsizetype a_iOffset)
 {
-    if (a_iOffset > m_iLast) {
+    if (a_sRule == ReadingReport::s_sBrokenOff) {
+        m_brokenOff = {a_iOffset, {}};
+        m_brokenOff->entry.rule = a_sRule;
+        m_brokenOff->entry.severity = severityOf(a_sRule);
+        return &m_brokenOff->entry;
+    }
+    if (static_cast<std::size_t>(a_iOffset) > static_cast<std::size_t>(m_iLast)) {
         ++m_unlisted[a_sRule];
         return nullptr;
     }
@@ -209,21 +223,26 @@ ReadingEntry* XmlDeviations::entryFor(QLatin1String a_sRule, qsizetype a_iOffset
 void XmlDeviations::keepFirst()
 {
     const auto byOffset = [](const Deviation& a_first, const Deviation& a_second) {
-        return a_first.offset < a_second.offset;
+        // A place that is not known comes last.
+        return static_cast<std::size_t>(a_first.offset) < static_cast<std::size_t>(a_second.offset);
     };
     std::stable_sort(m_deviations.begin(), m_deviations.end(), byOffset);
-    while (m_deviations.size() > s_uiMost) {
+    const std::size_t uiMost = s_uiMost - (m_brokenOff ? 1 : 0);
+    while (m_deviations.size() > uiMost) {
         ++m_unlisted[m_deviations.back().entry.rule];
         m_deviations.pop_back();
     }
-    if (!m_deviations.empty()) {
-        m_iLast = m_deviations.size() == s_uiMost ? m_deviations.back().offset : m_iLast;
+    if (m_deviations.size() == uiMost) {
+        m_iLast = m_deviations.back().offset;
     }
 }
 
 ReadingReport XmlDeviations::report(QByteArrayView a_text)
 {
     keepFirst();
+    if (m_brokenOff) { // the end of the document, and worth more than another entry
+        m_deviations.push_back(std::move(*m_brokenOff));
+    }
     ReadingReport report;
     PathFinder paths(a_text);
     XmlPosition position;
@@ -243,6 +262,7 @@ ReadingReport XmlDeviations::report(QByteArrayView a_text)
         report.addUnlisted(it.key(), severityOf(it.key()), it.value());
     }
     m_deviations.clear();
+    m_brokenOff.reset();
     m_unlisted.clear();
     return report;
 }

@@ -9,7 +9,7 @@
 #include <QString>
 #include <QStringList>
 
-#include <limits>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -47,7 +47,8 @@ private:
     void keepFirst();
 
     std::vector<Deviation> m_deviations;
-    qsizetype m_iLast = std::numeric_limits<qsizetype>::max(); ///< later ones are only counted
+    std::optional<Deviation> m_brokenOff; ///< always listed
+    qsizetype m_iLast = -1; ///< later ones are only counted; -1: all are kept
     QHash<QLatin1String, qint64> m_unlisted;                   ///< by rule
 };
 

@@ -78,11 +78,15 @@ double XmlReader::number(const XmlText& a_text, const XmlRange& a_range)
 
 float XmlReader::singleNumber(const XmlText& a_text, const XmlRange& a_range)
 {
-    const double dValue = number(a_text, a_range);
+    bool bNumber = false;
+    const double dValue = readDouble(a_text.bytes, &bNumber);
     const auto fValue = static_cast<float>(dValue);
-    if (!std::isfinite(fValue)) {
-        reportNumber(a_text, a_range, "number of single precision");
+    if (!bNumber || !std::isfinite(fValue)) {
+        reportNumber(a_text, a_range, bNumber ? "number of single precision" : "number");
         return 0.0F;
+    }
+    if (!a_range.contains(dValue)) {
+        reportRange(a_text, a_range);
     }
     return fValue;
 }

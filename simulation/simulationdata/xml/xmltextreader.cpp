@@ -1,5 +1,7 @@
 #include "xmltextreader_p.h"
 
+#include "xmlscanner_p.h"
+
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -131,7 +133,10 @@ bool XmlTextReader::skipMarkup()
     } else if (rest.startsWith("<?")) {
         skipPast("?>");
     } else if (rest.startsWith("<!")) {
-        skipPast(">"); // a document type, of which only the first '>' is looked for
+        XmlDeclarationEnd end; // a document type
+        m_pNext += 2;
+        while (m_pNext != m_pEnd && !end.consume(*m_pNext++)) {
+        }
     } else {
         return false;
     }

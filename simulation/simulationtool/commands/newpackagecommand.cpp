@@ -13,6 +13,7 @@
 
 #include "kpbase/velaos.h"
 
+#include <QFileInfo>
 #include <QUuid>
 
 namespace SimulationTool {
@@ -88,6 +89,13 @@ std::unique_ptr<Recording> recordingOf(const NewPackageArguments& a_arguments)
                                     : iqRecording(a_arguments.iq, a_arguments.iqFormat, a_arguments.iqRate);
 }
 
+/// Whether the file is in the folder; both may not exist.
+bool isInside(const QString& a_sFile, const QString& a_sFolder)
+{
+    const QString sFolder = QFileInfo(a_sFolder).canonicalFilePath();
+    return !sFolder.isEmpty() && QFileInfo(a_sFile).canonicalPath() == sFolder;
+}
+
 /// Writes all files of the package. Complains about a failure, unless interrupted.
 ExitCode writeFiles(const Simulation::SignalPackage& a_package, Recording* a_pRecording,
                     const RecordedPackage& a_files)
@@ -120,6 +128,10 @@ ExitCode makePackage(const NewPackageArguments& a_arguments, Report& a_report)
         }
         package.setDuration(layout->duration);
         package.setSignalBandwidth(static_cast<float>(layout->bandwidth));
+    }
+    if (isInside(sFile, a_arguments.out)) {
+        return refuse(a_arguments.out,
+                      QStringLiteral("holds the recording %1, which would be removed: give another OUT").arg(sFile));
     }
     catchInterruptions(); // so that an interrupted command removes the unfinished folder
     NewPackageFolder folder(a_arguments.out, a_arguments.force);

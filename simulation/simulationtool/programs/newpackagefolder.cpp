@@ -16,6 +16,11 @@ namespace {
 const QString s_sNew = QStringLiteral("new"); ///< has the permissions of an ordinary folder
 const QString s_sFormer = QStringLiteral("former");
 
+/// The files that a package may have.
+const QStringList s_packageFiles{QStringLiteral("Signal.xml"), QStringLiteral("Signal.ssf"),
+                                 QStringLiteral("Signal.wav"), QStringLiteral("Signal.sdf"),
+                                 QStringLiteral("Signal.rdf")};
+
 /// Whether a folder holds a package and nothing that a package does not have.
 bool isPlainPackage(const QString& a_sFolder)
 {
@@ -23,7 +28,7 @@ bool isPlainPackage(const QString& a_sFolder)
         QDir(a_sFolder).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     return Simulation::SignalPackageFolder::isValid(a_sFolder) &&
            std::all_of(entries.begin(), entries.end(), [](const QFileInfo& a_entry) {
-               return a_entry.isFile() && a_entry.fileName().startsWith(u"Signal.");
+               return a_entry.isFile() && s_packageFiles.contains(a_entry.fileName());
            });
 }
 

@@ -114,6 +114,9 @@ bool writeRecordedFiles(Recording& a_recording, const RecordedPackage& a_package
         bOk = files.add(block);
         done += block.size();
     }
+    if (isInterrupted()) {
+        return false;
+    }
     if (!bOk || !files.commit()) {
         a_sError = a_package.packageName + QStringLiteral(": ") + files.errorString();
         return false;

@@ -1,5 +1,7 @@
 #include "spectrumanalyser.h"
 
+#include "console/interruption.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -36,12 +38,26 @@ SpectrumAnalyser::SpectrumAnalyser(const SpectrumLayout& a_layout, Sink a_sink)
     , m_spectrum(a_layout.points)
 {}
 
+/// The length of the current record (ms). The last one ends with the recording.
+double SpectrumAnalyser::span() const
+{
+    const double dRest = m_layout.duration - static_cast<double>(m_uiRecord) * m_layout.step;
+    return std::clamp(dRest, 1.0, static_cast<double>(m_layout.step));
+}
+
+/// The segments of the current record; a shorter record has fewer.
+std::uint64_t SpectrumAnalyser::segments() const
+{
+    const double dShare = span() / m_layout.step;
+    return static_cast<std::uint64_t>(std::max(std::ceil(static_cast<double>(m_layout.segments) * dShare), 1.0));
+}
+
 /// The first frame of the next segment. The middles of the segments divide a record
 /// evenly. Segments at both ends of the recording are moved into it.
 std::uint64_t SpectrumAnalyser::nextStart() const
 {
-    const double dPart = (static_cast<double>(m_uiSegment) + 0.5) / static_cast<double>(m_layout.segments);
-    const double dMs = (static_cast<double>(m_uiRecord) + dPart) * m_layout.step;
+    const double dPart = (static_cast<double>(m_uiSegment) + 0.5) / static_cast<double>(segments());
+    const double dMs = static_cast<double>(m_uiRecord) * m_layout.step + dPart * span();
     const double dStart = std::floor(dMs * m_layout.rate / s_dMsPerSecond - 0.5 * m_layout.window);
     const double dLast = static_cast<double>(m_layout.frames - m_layout.window);
     return static_cast<std::uint64_t>(std::clamp(dStart, 0.0, dLast));
@@ -53,7 +69,10 @@ bool SpectrumAnalyser::add(std::span<const Sample> a_frames)
     const std::uint64_t uiEnd = m_uiFirst + m_pending.size();
     while (m_uiRecord < m_layout.records && nextStart() + m_layout.window <= uiEnd) {
         addSegment(m_pending.data() + (nextStart() - m_uiFirst));
-        if (++m_uiSegment == m_layout.segments) {
+        if (isInterrupted()) {
+            return false;
+        }
+        if (++m_uiSegment == segments()) {
             if (!emitSpectrum()) {
                 return false;
             }
@@ -87,7 +106,7 @@ bool SpectrumAnalyser::emitSpectrum()
 {
     const double dWindowSum = 0.5 * m_layout.window;
     const double dTone = m_layout.real ? 0.5 * dWindowSum : dWindowSum;
-    const double dScale = 1.0 / (dTone * dTone * static_cast<double>(m_layout.segments));
+    const double dScale = 1.0 / (dTone * dTone * static_cast<double>(segments()));
     const auto iSize = static_cast<std::int64_t>(m_layout.transform);
     const double dPerHertz = static_cast<double>(iSize) / m_layout.rate; // points of the transform
     // The first point of the transform at or above the lower edge of a point.

@@ -36,7 +36,8 @@ public:
     SpectrumAnalyser(const SpectrumLayout& a_layout, Sink a_sink);
 
     /// Takes the next frames and calls the sink for every spectrum that they complete. All
-    /// spectra are complete after the last frame. Returns false when the sink does.
+    /// spectra are complete after the last frame. Returns false when the sink does, and after
+    /// an interruption.
     [[nodiscard]] bool add(std::span<const Sample> a_frames);
 
 private:
@@ -45,6 +46,8 @@ private:
         void operator()(kiss_fft_state* a_pState) const { kiss_fft_free(a_pState); }
     };
 
+    [[nodiscard]] double span() const;
+    [[nodiscard]] std::uint64_t segments() const;
     [[nodiscard]] std::uint64_t nextStart() const;
     void addSegment(const Sample* a_pFrames);
     [[nodiscard]] bool emitSpectrum();
