@@ -70,7 +70,7 @@ struct Step
 
 QString Step::text() const
 {
-    const QString sName = shortened(QString::fromUtf8(name), s_iShownLabel);
+    QString sName = shortened(QString::fromUtf8(name), s_iShownLabel);
     if (!id) {
         return sName;
     }
