@@ -1014,7 +1014,7 @@ void TestWireCommands::demo()
     QVERIFY(lines.contains(QStringLiteral("editor receives: loaded by 2 devices")));
     QVERIFY(
         lines.contains(QStringLiteral("demo device-1 played 11 steps, device-2 11, with the same values")));
-    QVERIFY(lines.constLast().startsWith(QStringLiteral("All 9 steps of the road done")));
+    QVERIFY(lines.constLast().startsWith(QStringLiteral("All 9 steps of the demo done")));
     QVERIFY2(result.out.contains(QStringLiteral("5000  pilot-boat     yes          156.800000")),
              qPrintable(result.out));
 }

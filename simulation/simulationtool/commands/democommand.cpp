@@ -63,7 +63,7 @@ ExitCode runDemo(ReportForm a_eForm, Output& a_output)
     }
     report.value("elapsed_ms", timer.elapsed());
     if (eCode == ExitCode::Ok) {
-        report.line(QStringLiteral("All %1 steps of the road done in %2 ms")
+        report.line(QStringLiteral("All %1 steps of the demo done in %2 ms")
                         .arg(std::size(s_steps))
                         .arg(timer.elapsed()));
     }
