@@ -109,7 +109,8 @@ void TestCheckReports::mistakes()
     const ToolResult result = run({u"check"_s, u"--json"_s, s_sMistakes});
     QCOMPARE(result.code, 2);
     int iCompared = 0;
-    for (const QJsonValue& value : objectOf(result).value(u"files"_s).toArray()) {
+    const QJsonArray files = objectOf(result).value(u"files"_s).toArray();
+    for (const auto value : files) {
         const QString sFile = value[u"file"].toString();
         const QString sXml = QString::fromLatin1(contentOf(sFile));
         const QRegularExpressionMatch comment = s_comment.match(sXml);
@@ -118,7 +119,8 @@ void TestCheckReports::mistakes()
         }
         ++iCompared;
         bool bFound = false;
-        for (const QJsonValue& finding : value[u"findings"].toArray()) {
+        const QJsonArray findings = value.toObject()[u"findings"].toArray();
+        for (const auto finding : findings) {
             bFound = bFound || (finding[u"rule"].toString() == comment.captured(1) &&
                                 finding[u"line"].toInt() == comment.captured(2).toInt());
         }
@@ -146,7 +148,8 @@ void TestCheckReports::sarifRules()
     QCOMPARE(u"simulationtool "_s + driver[u"version"].toString() + u'\n', run({u"--version"_s}).out);
     const QSet<QString> levels{u"error"_s, u"warning"_s, u"note"_s};
     QSet<QString> ids;
-    for (const QJsonValue& rule : driver[u"rules"].toArray()) {
+    const QJsonArray rules = driver[u"rules"].toArray();
+    for (const auto rule : rules) {
         ids.insert(rule[u"id"].toString());
         QVERIFY(rule[u"shortDescription"][u"text"].toString().endsWith(u'.'));
         QVERIFY(rule[u"fullDescription"][u"text"].toString().endsWith(u'.'));
@@ -412,7 +415,7 @@ void TestCheckReports::deployment()
     QCOMPARE(result.code, 1);
     QCOMPARE(lines.value(0).section(u"] "_s, 0, 0), u"d.xml:2:1: error: [device-without-station"_s);
     const QStringList unreached = lines.filter(u"[unreached-station]"_s);
-    QVERIFY2(unreached.size() >= 1 && lines.size() == unreached.size() + 2, qPrintable(result.out));
+    QVERIFY2(!unreached.isEmpty() && lines.size() == unreached.size() + 2, qPrintable(result.out));
     QVERIFY(unreached.at(0).startsWith(u"vhf.sce: warning: "));
     QCOMPARE(lines.constLast().section(u':', 0, 0), u"2 files checked"_s);
     QCOMPARE(run({u"check"_s, u"clean.sce"_s, u"--deployment=faulty.sce"_s}).code, 2);

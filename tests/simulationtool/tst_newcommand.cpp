@@ -609,7 +609,7 @@ void TestNewCommand::refusedRecording_data()
                                          8 * 7777 + 4, 4, QByteArray(reinterpret_cast<const char*>(&fNan), 4))
                                   << sIq << "has the value nan in frame 7777";
     QTest::newRow("other format") << QByteArray(80'000, '\x7e') << sIq << "has the value 8.4";
-    QTest::newRow("shorter than 1 ms") << QByteArray(8 * 9, '\0') << sIq << "lasts 0.0009 s";
+    QTest::newRow("shorter than 1 ms") << QByteArray(qsizetype{8} * 9, '\0') << sIq << "lasts 0.0009 s";
     QTest::newRow("shorter than a segment") << broken << sIq + QStringLiteral(" --resolution 0.5")
                                             << "allows a --resolution from 1 Hz to 1.25 kHz";
     QTest::newRow("too coarse") << broken << sIq + QStringLiteral(" --resolution 2k")
