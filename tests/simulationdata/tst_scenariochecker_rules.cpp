@@ -397,6 +397,9 @@ void TestScenarioCheckerRules::targetOutside()
 void TestScenarioCheckerRules::cleanDocuments()
 {
     const TraceCollector traces; // the first trace would show a finding
+    // The documents free circles of objects, so they end after all other holders.
+    ScenarioDataXml made(nullptr);
+    DeploymentDataXml harbour;
     SzenarioEmitter author({}, {});
     QList<EmitterPtr> emitters{std::make_shared<ElintScenarioEmitter>(u"elint"_s, QString())};
     for (IFrequencySettings* const pSettings :
@@ -413,10 +416,8 @@ void TestScenarioCheckerRules::cleanDocuments()
     network->addEmitter(emitters.constLast());
     emitters.constLast()->setScenarioNetwork(network);
     network->emissionSettings()->makeContinousActive(emitters.constLast(), nullptr);
-    ScenarioDataXml made(nullptr);
     made.setScenarioObjects(ObjectSet(emitters.cbegin(), emitters.cend()) + ObjectSet{network});
 
-    DeploymentDataXml harbour;
     const auto pier = std::make_shared<DeploymentStation>(u"pier"_s);
     const auto receiver = std::make_shared<DeploymentDevice>(u"rx-7"_s);
     pier->setPosition({9.95, 53.54});
