@@ -120,7 +120,7 @@ QString nameError(const QString& a_sName)
     if (parts.size() > s_iMaxDepth) {
         return QStringLiteral("%1 folders deep").arg(parts.size() - 1);
     }
-    // With such a part, one file would have two names.
+    // With an empty part or a "." in names, one file would have two names.
     return parts.contains(QString()) || parts.contains(QStringLiteral("."))
                ? QStringLiteral("empty part or \".\" in the name")
                : QString();

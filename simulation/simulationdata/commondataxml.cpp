@@ -53,7 +53,7 @@ std::unique_ptr<IPositionSettings> readFixed(XmlReader& a_reader)
 
 using PositionPtr = std::unique_ptr<IPositionSettings>;
 
-/// The forms of a position; exactly one is expected, or at most one.
+/// The forms of a position. `Occurs` says whether exactly one or at most one is expected.
 template<XmlOccurs Occurs>
 const XmlChild<PositionPtr> s_positionForms[] = {
     {s_sFixed, [](XmlReader& a_reader, PositionPtr& a_settings) { a_settings = readFixed(a_reader); },

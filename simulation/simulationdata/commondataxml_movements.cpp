@@ -27,8 +27,8 @@ constexpr XmlRange s_speeds{0.0, std::numeric_limits<double>::infinity(), false,
 struct PointAttributes
 {
     MovementPoint point;
-    qsizetype iDwellTime = -1;      ///< the same
-    qsizetype iTransitionTime = -1; ///< offset of the attribute; -1: it is missing
+    qsizetype iDwellTime = -1;      ///< offset of the attribute; -1: it is missing
+    qsizetype iTransitionTime = -1; ///< the same
     qsizetype iMajor = -1;          ///< the same
     const XmlText* pSpeed = nullptr;
     const XmlText* pName = nullptr;

@@ -538,8 +538,10 @@ std::optional<qsizetype> PositionSettingsPtp::stretchAt(unsigned int a_uiTime) c
     return it != itLast ? std::optional<qsizetype>(it - itEnds) : std::nullopt;
 }
 
-/// Maps a time (ms) after the last arrival to the same time in the first cycle: the
-/// time modulo the last arrival. No value unless the movement restarts.
+/// Maps a scenario time (ms) that is later than the arrival at the last point to the time
+/// in the first cycle with the same position. A cycle lasts until that arrival, so the
+/// result is the time modulo the arrival time. No value when the movement does not
+/// restart or a cycle is 0 ms long.
 std::optional<unsigned int> PositionSettingsPtp::timeInNextCycle(unsigned int a_uiTime) const
 {
     const std::uint64_t uiCycle = *(arrivals().cend() - 2);

@@ -94,9 +94,9 @@ Site::Site(const TPos& a_position)
     , z(std::sin(a_position.latitude * s_dRadians))
 {}
 
-/// A lower bound of the distance (km), much cheaper than the distance. Along a geodesic
-/// the vector turns by at most the length divided by the smallest radius of curvature,
-/// and the straight line between two unit vectors is not longer than their turn.
+/// A lower bound of the distance (km), much cheaper than the distance. Along a geodesic a site's unit vector
+/// turns by at most the length of the geodesic divided by the smallest radius of curvature. The chord between
+/// two unit vectors is not longer than the angle (rad) between them.
 double leastDistance(const Site& a_first, const Site& a_second)
 {
     const double dX = a_first.x - a_second.x;

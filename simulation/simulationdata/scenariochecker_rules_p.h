@@ -69,8 +69,8 @@ void checkPath(IPositionSettings* a_pSettings, Findings& a_findings);
 /// Whether the coordinates are those of a place on the globe.
 [[nodiscard]] bool isPlace(const TPos& a_position);
 
-/// Everything that is wrong in a deployment alone, with the objects
-/// (scenariochecker_deployment.cpp).
+/// Everything that is wrong in a deployment, checked without a scenario. Each finding
+/// names its object (scenariochecker_deployment.cpp).
 [[nodiscard]] Findings deploymentFindings(const DeploymentDataXml& a_deployment);
 
 /// Whether the settings hold a position other than 0/0. A device whose document has no

@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 
 constexpr const char* s_szSource = "simulation/simulationdata/tcpserverconnector";
 
-constexpr int s_iAtOnce = 3; ///< attempts of a series without a pause
+constexpr int s_iAtOnce = 3; ///< the first attempts of a series, made without a pause before them
 constexpr std::chrono::milliseconds s_firstPause = 50ms;
 constexpr std::chrono::milliseconds s_longestPause = 2s;
 constexpr std::chrono::milliseconds s_kept = s_longestPause; ///< a longer connection ends a series

@@ -145,7 +145,8 @@ QString commandRemarks(const QByteArray& a_document)
                : sName + QStringLiteral(" emitted: ") + QString::fromLatin1(emitted.join(", "));
 }
 
-/// The remarks of the class that reads documents with this root.
+/// Reads the document with the class for its root element. Returns the remarks of that
+/// class.
 QString remarks(const QByteArray& a_document)
 {
     const QString sRoot = namesOf(a_document)[0];

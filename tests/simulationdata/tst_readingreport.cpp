@@ -100,7 +100,8 @@ QStringList linesOf(const ReadingReport& a_report)
     return lines;
 }
 
-/// The same from the comments of a document.
+/// The entries that the "expect" comments of a document announce, in the form of
+/// linesOf().
 QStringList expectedLines(const QByteArray& a_xml)
 {
     static const QRegularExpression s_comment(QStringLiteral("<!-- expect: ([a-z-]+) line ([0-9]+) -->"));

@@ -100,8 +100,9 @@ void TestCheckReports::initTestCase()
     QCOMPARE(run({u"convert"_s, u"clean.sce"_s, u"clean.compact"_s}).code, 0);
 }
 
-/// One run over all planted mistakes. The files that plant one mistake of these rules have
-/// the finding that their comment announces, in that line.
+/// One run over all planted mistakes. Each file that plants exactly one mistake, of a
+/// rule in `sample`, gets the finding that its comment announces, in the line that the
+/// comment announces.
 void TestCheckReports::mistakes()
 {
     const QSet<QString> sample{u"out-of-range"_s, u"not-a-color"_s, u"not-a-boolean"_s, u"broken-off"_s};

@@ -116,7 +116,7 @@ OutgoingKind kindOf(QChar a_cFirst)
     }
 }
 
-/// Simulates how a device handles these commands.
+/// Simulates how a device handles the short commands of the outbox tests.
 struct ModelDevice
 {
     void receive(const QString& a_sCommand)

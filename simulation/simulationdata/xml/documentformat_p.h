@@ -63,10 +63,10 @@ public:
     [[nodiscard]] QByteArray
     text(const std::function<bool(XmlWriter&, const StillReadable&)>& a_writeRoot) const;
 
-    /// Returns the document unchanged and sets the error text of writing. For an empty
-    /// document the error text is the exceeded limit, else `a_sSharedIds`.
-    /// `a_sSharedIds` lists the ids that several objects share. It is traced unless it
-    /// is empty.
+    /// Returns the document unchanged and sets the error text of writing. An empty
+    /// document exceeded a limit, and that limit is its error text. The error text of any
+    /// other document is `a_sSharedIds`, the ids that several objects share (may be
+    /// empty); it is traced unless it is empty.
     [[nodiscard]] QByteArray finished(const QByteArray& a_xml, const QString& a_sSharedIds,
                                       QString* a_pError) const;
 

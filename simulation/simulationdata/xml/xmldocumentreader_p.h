@@ -14,10 +14,11 @@
 namespace Simulation {
 
 /// A reader over one whole document from an untrusted source. The text is decoded and
-/// checked first. A valid text is read where it is. Any other text, and one with a
-/// document type, goes through a stream reader, which reads up to the error; a
-/// text that exceeds a limit is cut off there, as if the document ended. One object is
-/// used by one thread at a time.
+/// checked first. A valid text that all parsers read alike (see
+/// XmlValidator::isUnambiguous()) is read in place. Every other text, for example one with an
+/// error or a document type, goes through a stream reader, which reads up to the first
+/// error. A text that exceeds a limit is cut off at the limit, as if the document ended
+/// there. One object is used by one thread at a time.
 class XmlDocumentReader
 {
 public:

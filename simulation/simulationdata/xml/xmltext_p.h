@@ -17,8 +17,8 @@ namespace Simulation {
 [[nodiscard]] QString cleanXmlText(const QString& a_sText);
 
 /// A coordinate (degrees) as text: 14 significant digits, general format, "." as
-/// decimal point. A value that is not finite becomes "0", because a reader would read
-/// 0.
+/// decimal point. A value that is not finite becomes "0", because a reader would take its own text ("nan",
+/// "inf") as 0 anyway.
 [[nodiscard]] QString coordinateText(double a_dDegrees);
 
 /// Any other real number as text, like coordinateText() but with 6 significant digits.

@@ -27,7 +27,7 @@ QString placeText(const QString& a_sFile, const TextPlace& a_place)
     return sText;
 }
 
-/// A number that counts from 1; null for 0, which is not known.
+/// A line or column, counted from 1. Null for 0, which stands for an unknown place.
 QJsonValue placeNumber(qint64 a_iNumber)
 {
     return a_iNumber > 0 ? QJsonValue(a_iNumber) : QJsonValue();

@@ -57,7 +57,7 @@ ObjectPlaces objectPlaces(const QByteArray& a_document)
     int iDepth = 0;
     QString sId;
     ObjectRange object;
-    qint64 iBefore = 0; // where the part read last begins
+    qint64 iBefore = 0; // offset at which the token that was read last begins
     while (!reader.atEnd()) {
         reader.readNext();
         if (reader.isStartElement() && ++iDepth == s_iObjectDepth) {

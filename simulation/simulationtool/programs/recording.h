@@ -18,7 +18,7 @@ using Sample = std::complex<float>;
 enum class IqFormat {
     Signed16,  ///< -32768 to 32767; 32768 is full scale
     Float32,   ///< 1 is full scale
-    Unsigned8, ///< 0 to 255; 127.5 is zero and full scale
+    Unsigned8, ///< 0 to 255; the zero level is 127.5, and full scale is 127.5 away from it
 };
 
 /// A recording that is read once from its start to its end, in blocks. Every value that

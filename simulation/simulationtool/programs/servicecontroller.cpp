@@ -97,7 +97,7 @@ void ServiceController::acquire()
 
 bool ServiceController::synchronize()
 {
-    if (!m_bControls) { // the service sends the states and the run again before its answer
+    if (!m_bControls) { // the service sends all states and the state of the scenario again before its answer
         m_states.clear();
         m_timing.stopScenarioTime();
     }
