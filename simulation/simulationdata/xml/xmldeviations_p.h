@@ -47,9 +47,9 @@ private:
     void keepFirst();
 
     std::vector<Deviation> m_deviations;
-    std::optional<Deviation> m_brokenOff; ///< always listed
-    qsizetype m_iLast = -1; ///< later ones are only counted; -1: all are kept
-    QHash<QLatin1String, qint64> m_unlisted;                   ///< by rule
+    std::optional<Deviation> m_brokenOff;    ///< always listed
+    qsizetype m_iLast = -1;                  ///< later ones are only counted; -1: all are kept
+    QHash<QLatin1String, qint64> m_unlisted; ///< by rule
 };
 
 /// The first characters of a text that is shown in an entry.

@@ -130,8 +130,9 @@ ExitCode makePackage(const NewPackageArguments& a_arguments, Report& a_report)
         package.setSignalBandwidth(static_cast<float>(layout->bandwidth));
     }
     if (isInside(sFile, a_arguments.out)) {
-        return refuse(a_arguments.out,
-                      QStringLiteral("holds the recording %1, which would be removed: give another OUT").arg(sFile));
+        return refuse(
+            a_arguments.out,
+            QStringLiteral("holds the recording %1, which would be removed: give another OUT").arg(sFile));
     }
     catchInterruptions(); // so that an interrupted command removes the unfinished folder
     NewPackageFolder folder(a_arguments.out, a_arguments.force);

@@ -49,7 +49,8 @@ double SpectrumAnalyser::span() const
 std::uint64_t SpectrumAnalyser::segments() const
 {
     const double dShare = span() / m_layout.step;
-    return static_cast<std::uint64_t>(std::max(std::ceil(static_cast<double>(m_layout.segments) * dShare), 1.0));
+    return static_cast<std::uint64_t>(
+        std::max(std::ceil(static_cast<double>(m_layout.segments) * dShare), 1.0));
 }
 
 /// The first frame of the next segment. The middles of the segments divide a record
